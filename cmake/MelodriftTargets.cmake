@@ -1,0 +1,31 @@
+# Flags that all of our own targets share.
+add_library(melodrift_flags INTERFACE)
+if(MSVC)
+  target_compile_options(melodrift_flags INTERFACE /W4 /WX /utf-8)
+else()
+  target_compile_options(melodrift_flags INTERFACE -Wall -Wextra -Wpedantic -Werror)
+endif()
+if(MELODRIFT_SANITIZE)
+  target_compile_options(melodrift_flags INTERFACE -fsanitize=${MELODRIFT_SANITIZE} -fno-omit-frame-pointer
+                                                   -fno-sanitize-recover=undefined)
+  target_link_options(melodrift_flags INTERFACE -fsanitize=${MELODRIFT_SANITIZE})
+endif()
+
+# melodrift_add_test(NAME [SOURCES ...] [LIBS ...]): one Qt Test program tests/NAME.cpp, run offscreen.
+function(melodrift_add_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${ARG_LIBS})
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  set_tests_properties(
+    ${name}
+    PROPERTIES
+      TIMEOUT ${ARG_TIMEOUT}
+      ENVIRONMENT
+      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1"
+  )
+endfunction()
