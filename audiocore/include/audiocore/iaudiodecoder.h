@@ -3,8 +3,7 @@
 #include <cstdint>
 
 /// Format codes of IAudioDecoder::GetFormat.
-enum AudioFormat : std::int32_t
-{
+enum AudioFormat : std::int32_t {
     AUDIO_FORMAT_UNKNOWN = -1,
     AUDIO_FORMAT_WAV = 0,
     AUDIO_FORMAT_WMA = 1,
@@ -21,8 +20,8 @@ enum AudioFormat : std::int32_t
 class IAudioDecoder
 {
 public:
-    /// Slot 0. Reads the properties of the file at `path`, zero-terminated UTF-32. Every property of a file that
-    /// cannot be read is 0, its format AUDIO_FORMAT_UNKNOWN.
+    /// Slot 0. Reads the properties of the file at `path`, zero-terminated UTF-32. Every property of a file
+    /// that cannot be read is 0, its format AUDIO_FORMAT_UNKNOWN.
     virtual std::int32_t Open(const char32_t* path) = 0;
     /// Slot 1, not called.
     virtual void Reserved1() = 0;

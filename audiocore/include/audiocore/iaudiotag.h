@@ -5,9 +5,9 @@
 /// Reads and writes the tag of one music file.
 ///
 /// The order of the virtual operations is a binary contract: callers may go through the slot number, so no
-/// operation moves, none is added before the last one, and there is no virtual destructor. An object is a thin
-/// handle; what stands behind it belongs to the library, so releasing the handle's memory (::operator delete)
-/// or keeping it for the whole run are both well defined.
+/// operation moves, none is added before the last one, and there is no virtual destructor. An object is a
+/// thin handle; what stands behind it belongs to the library, so releasing the handle's memory (::operator
+/// delete) or keeping it for the whole run are both well defined.
 ///
 /// Calls on one object come from one thread at a time, not always the same. Results are 0 on success, another
 /// value on failure; a failure is logged with the path and the reason, and leaves the file as it was.

@@ -4,8 +4,7 @@
 
 /// What one tag item holds. The values are part of the contract; 6, 7 and 8 exist in the numbering and are
 /// neither read nor written.
-enum TagItemType : std::int32_t
-{
+enum TagItemType : std::int32_t {
     TAG_TITLE = 0,
     TAG_ARTIST = 1,
     TAG_ALBUM = 2,

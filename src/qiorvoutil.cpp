@@ -1,0 +1,90 @@
+#include "qiorvoutil.h"
+
+#include "coverloader.h"
+
+#include <QCoreApplication>
+#include <QTranslator>
+
+namespace {
+QTranslator s_translator;
+}
+
+QString QIOrvoUtil::s_resourcePath = QLatin1String("");
+bool QIOrvoUtil::m_cleanMode = false;
+bool QIOrvoUtil::m_checkState = false;
+QLocale::Language QIOrvoUtil::s_language = static_cast<QLocale::Language>(42);
+bool QIOrvoUtil::s_bLanguageChanged = false;
+QIOrvoUtil* QIOrvoUtil::m_singleton = QIOrvoUtil::Instance();
+
+namespace {
+[[maybe_unused]] QIOrvoUtil* autoRelease = QIOrvoUtil::m_singleton;
+}
+
+QIOrvoUtil::QIOrvoUtil(QObject* parent) : QObject(parent) {}
+
+QIOrvoUtil* QIOrvoUtil::Instance()
+{
+    if (!m_singleton)
+        m_singleton = new QIOrvoUtil;
+    return m_singleton;
+}
+
+QString QIOrvoUtil::getResourcePath()
+{
+    static const bool filled = (s_resourcePath = QCoreApplication::applicationDirPath(), true);
+    Q_UNUSED(filled);
+    return s_resourcePath;
+}
+
+QString QIOrvoUtil::getConfigureFile()
+{
+    return QCoreApplication::applicationDirPath() + QLatin1String("\\configure.dat");
+}
+
+QString QIOrvoUtil::getQMFile()
+{
+    return QString();
+}
+
+void QIOrvoUtil::setLocaleLanguage(QLocale::Language) {}
+
+void QIOrvoUtil::emitLanguageChange() {}
+
+bool QIOrvoUtil::isMusicFormatorNot(QString lastThree)
+{
+    // WMA is missing on purpose: it comes in through the file dialog, never through a drop.
+    static const char* const known[] = {"wav", "mp3", "aac", "m4a", "ogg", "ape", "lac"};
+    lastThree = lastThree.toLower();
+    for (const char* format : known)
+        if (lastThree == QLatin1String(format))
+            return true;
+    return false;
+}
+
+QString QIOrvoUtil::intToString(int formatCode)
+{
+    // The capitals are part of the table.
+    static const char* const names[] = {"wav", "Wma", "mp3", "AAC", "M4a", "OGG", "APE", "Flac"};
+    if (formatCode < 0 || formatCode >= static_cast<int>(sizeof names / sizeof *names))
+        return QStringLiteral("None");
+    return QLatin1String(names[formatCode]);
+}
+
+QString QIOrvoUtil::size2String(unsigned long long bytes)
+{
+    constexpr double step = 1.0 / 1024;
+    const double count = static_cast<double>(bytes);
+    if (bytes > 1073741824)
+        return QString::asprintf("%.2fGB", count * step * step * step);
+    if (bytes > 1048576)
+        return QString::asprintf("%.2fMB", count * step * step);
+    if (bytes > 1024)
+        return QString::asprintf("%.2fKB", count * step);
+    return QString::asprintf("%.2fB", count);
+}
+
+bool QIOrvoUtil::isImage(const QString& path)
+{
+    const QPixmap picture = CoverLoader::load(path);
+    return picture.width() >= 2 && picture.height() >= 2;
+}

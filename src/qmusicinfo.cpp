@@ -1,0 +1,5 @@
+#include "qmusicinfo.h"
+
+#include "coverloader.h"
+
+QMusicInfo::QMusicInfo() : coverPath(CoverLoader::genericCoverPath()) {}

@@ -1,0 +1,100 @@
+#include "songfields.h"
+
+#include "itunes/itunestrackrecord.h"
+#include "qiorvoutil.h"
+#include "qmusicinfo.h"
+
+namespace {
+QString fromUtf8(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+/// Answers one field from whichever record the mode in force names; the field's zero value without a record.
+template <typename FromTrack, typename FromLocal>
+auto field(const QMusicInfo* song, FromTrack fromTrack, FromLocal fromLocal)
+{
+    using Value = decltype(fromTrack(*song->track));
+    if (!SongFields::available(song))
+        return Value();
+    return QIOrvoUtil::m_cleanMode ? static_cast<Value>(fromLocal(*song->localInfo))
+                                   : fromTrack(*song->track);
+}
+} // namespace
+
+bool SongFields::available(const QMusicInfo* song)
+{
+    if (!song)
+        return false;
+    return QIOrvoUtil::m_cleanMode ? song->localInfo != nullptr : song->track != nullptr;
+}
+
+QString SongFields::title(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return fromUtf8(track.name); },
+        [](const LocalMusicInfo& local) { return local.title; });
+}
+
+QString SongFields::artist(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return fromUtf8(track.artist); },
+        [](const LocalMusicInfo& local) { return local.artist; });
+}
+
+QString SongFields::album(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return fromUtf8(track.album); },
+        [](const LocalMusicInfo& local) { return local.album; });
+}
+
+QString SongFields::genre(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return fromUtf8(track.genre); },
+        [](const LocalMusicInfo& local) { return local.genre; });
+}
+
+quint64 SongFields::year(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return quint64(track.year); },
+        [](const LocalMusicInfo& local) { return local.year; });
+}
+
+quint64 SongFields::trackNumber(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return quint64(track.trackNumber); },
+        [](const LocalMusicInfo& local) { return local.trackNumber; });
+}
+
+QString SongFields::coverPath(const QMusicInfo* song)
+{
+    if (!available(song))
+        return QString();
+    return QIOrvoUtil::m_cleanMode ? song->localInfo->coverPath : song->coverPath;
+}
+
+quint64 SongFields::duration(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return quint64(track.duration); },
+        [](const LocalMusicInfo& local) { return local.duration; });
+}
+
+quint64 SongFields::bitRateKbps(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return quint64(track.bitRate); },
+        [](const LocalMusicInfo& local) { return local.bitrate / 1000; });
+}
+
+quint64 SongFields::sampleRate(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return quint64(track.sampleRate); },
+        [](const LocalMusicInfo& local) { return local.sampleRate; });
+}

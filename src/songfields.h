@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+struct QMusicInfo;
+
+/// The one place that answers what a song's fields are in the mode in force: from its iTunes track record in
+/// the iTunes clean mode, from its local data in the local clean mode. A song without the data of the mode,
+/// or no song at all, has empty texts and zeros.
+namespace SongFields {
+/// Whether the song carries data of the mode in force.
+bool available(const QMusicInfo* song);
+
+QString title(const QMusicInfo* song);
+QString artist(const QMusicInfo* song);
+QString album(const QMusicInfo* song);
+QString genre(const QMusicInfo* song);
+quint64 year(const QMusicInfo* song);
+quint64 trackNumber(const QMusicInfo* song);
+/// File of the cover picture; empty when there is none.
+QString coverPath(const QMusicInfo* song);
+/// Milliseconds.
+quint64 duration(const QMusicInfo* song);
+/// Kilobits per second, rounded down.
+quint64 bitRateKbps(const QMusicInfo* song);
+/// Hertz.
+quint64 sampleRate(const QMusicInfo* song);
+} // namespace SongFields
