@@ -106,6 +106,12 @@ QPixmap decodeFile(const QString& path, const FileState& state, int edge)
     return picture;
 }
 
+/// A picture that is small anyway is kept once, whatever it was read for.
+PictureKey sourceKey(const FileState& state, const QSize& size, int edge)
+{
+    return {state, qMax(size.width(), size.height()) <= iconEdge ? iconEdge : edge};
+}
+
 /// The file's picture with its longer edge no longer than the given one.
 QPixmap source(const QString& path, const FileState& state, int edge)
 {
@@ -114,15 +120,12 @@ QPixmap source(const QString& path, const FileState& state, int edge)
     if (const QSize* size = memory().sizes.object(state)) {
         if (size->isEmpty())
             return {};
-        if (qMax(size->width(), size->height()) <= iconEdge)
-            edge = iconEdge; // one copy serves both
+        if (const QPixmap* known = memory().sources.object(sourceKey(state, *size, edge)))
+            return *known;
     }
-    const PictureKey key(state, edge);
-    if (const QPixmap* known = memory().sources.object(key))
-        return *known;
     const QPixmap picture = decodeFile(path, state, edge);
     if (!picture.isNull())
-        remember(memory().sources, key, picture);
+        remember(memory().sources, sourceKey(state, picture.size(), edge), picture);
     return picture;
 }
 
