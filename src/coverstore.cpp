@@ -115,7 +115,7 @@ void CoverStore::clear()
 CoverStore::EntryPointer CoverStore::entryFor(const QByteArray& bytes, const QString& path)
 {
     const quint64 fingerprint = fingerprintOf(bytes);
-    if (const EntryPointer same = sameAs(bytes, fingerprint)) {
+    if (EntryPointer same = sameAs(bytes, fingerprint)) {
         if (same->path != path && !linkFile(same->path, path))
             writeFile(path, bytes);
         return same;
