@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QList>
+#include <QStringList>
+#include <QVector>
+
+/// What makes a song undefined, and which songs are duplicates of one another. Plain lists in, positions out.
+namespace Classification {
+/// Whether one of the four texts is empty; blanks are not nothing.
+inline bool isUndefined(const QString& title, const QString& artist, const QString& album,
+                        const QString& genre)
+{
+    return title.isEmpty() || artist.isEmpty() || album.isEmpty() || genre.isEmpty();
+}
+
+/// The duplicate groups in the order of the songs that open them, each ascending. A song opens a group when
+/// its title is not empty and occurs at least twice, and its duration (milliseconds) is not 0 and occurs at
+/// least twice, anywhere in the list; all later songs of the same title join it, whatever their durations.
+/// One title opens at most one group. Titles are compared exactly. Takes time in proportion to the number of
+/// songs.
+QVector<QVector<int>> groupDuplicates(const QStringList& titles, const QList<quint64>& durations);
+} // namespace Classification

@@ -1,0 +1,60 @@
+#include "common/skinpicture.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+
+namespace {
+constexpr qint64 maxPixels = 64ll * 1024 * 1024;
+
+/// Either separator is understood on every system, and a name without an extension stands for a PNG.
+QString existingFile(QString path)
+{
+    if (QFileInfo::exists(path))
+        return path;
+    path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    const QString png = path + QLatin1String(".png");
+    return QFileInfo(path).suffix().isEmpty() && QFileInfo::exists(png) ? png : path;
+}
+} // namespace
+
+SkinPicture::SkinPicture(const QString& path) : m_path(existingFile(path)), m_plain(read(m_path))
+{
+    if (m_plain.isNull())
+        qWarning("the picture %s does not load", qUtf8Printable(path));
+}
+
+QSize SkinPicture::size() const
+{
+    return m_plain.size();
+}
+
+const QImage& SkinPicture::image(qreal devicePixelRatio) const
+{
+    if (devicePixelRatio <= 1 || m_plain.isNull())
+        return m_plain;
+    if (!m_doubledTried) {
+        m_doubledTried = true;
+        m_doubled = read(doubledPath(m_path));
+        m_doubled.setDevicePixelRatio(2);
+    }
+    return m_doubled.isNull() ? m_plain : m_doubled;
+}
+
+QImage SkinPicture::read(const QString& path)
+{
+    if (!QFileInfo(path).isFile())
+        return QImage();
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    const QSize size = reader.size();
+    if (qint64(size.width()) * size.height() > maxPixels)
+        return QImage();
+    return reader.read();
+}
+
+QString SkinPicture::doubledPath(const QString& path)
+{
+    const QFileInfo file(path);
+    const QString suffix = file.suffix().isEmpty() ? QString() : QLatin1Char('.') + file.suffix();
+    return path.left(path.size() - suffix.size()) + QLatin1String("@2x") + suffix;
+}

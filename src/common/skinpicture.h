@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+/// One picture of the skin, at the scale of the screen it is drawn on: "name.png" on plain screens,
+/// "name@2x.png" beside it, where there is one, on denser ones. Sizes are in points and the same at both
+/// scales.
+class SkinPicture
+{
+public:
+    explicit SkinPicture(const QString& path);
+
+    /// Points; empty when the file holds no picture.
+    QSize size() const;
+    /// The picture for a screen of this device pixel ratio, its own ratio set. Null when the file holds none.
+    const QImage& image(qreal devicePixelRatio) const;
+
+    /// Reads a picture whatever its name says its type is; null when it is none or larger than a screen could
+    /// ever need.
+    static QImage read(const QString& path);
+    /// "dir/name.png" becomes "dir/name@2x.png".
+    static QString doubledPath(const QString& path);
+
+private:
+    QString m_path;
+    QImage m_plain;
+    mutable QImage m_doubled;
+    mutable bool m_doubledTried = false;
+};

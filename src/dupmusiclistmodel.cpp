@@ -1,0 +1,101 @@
+#include "dupmusiclistmodel.h"
+
+#include "coverloader.h"
+#include "dupmusicinfo.h"
+#include "qiorvoutil.h"
+#include "songcells.h"
+#include "songfields.h"
+
+DupMusicListModel::DupMusicListModel(QObject* parent) : QAbstractItemModel(parent) {}
+
+void DupMusicListModel::setDupMusicDataSource(QList<DupMusicInfo*>* list, int columnMode, bool flag)
+{
+    beginResetModel();
+    m_pDupMusicList = list;
+    m_nColumnCount = columnMode == SongCells::columnModeGrid ? columnMode : SongCells::columnModeDupTable;
+    m_bReserved = flag;
+    endResetModel();
+}
+
+void DupMusicListModel::refresh()
+{
+    beginResetModel();
+    endResetModel();
+}
+
+QModelIndex DupMusicListModel::index(int row, int column, const QModelIndex& parent) const
+{
+    if (row < 0 || column < 0 || parent.isValid() || !m_pDupMusicList || row >= m_pDupMusicList->size())
+        return QModelIndex();
+    return createIndex(row, column, m_pDupMusicList->at(row));
+}
+
+QModelIndex DupMusicListModel::parent(const QModelIndex&) const
+{
+    return QModelIndex();
+}
+
+int DupMusicListModel::rowCount(const QModelIndex& parent) const
+{
+    return m_pDupMusicList && !parent.isValid() ? m_pDupMusicList->size() : 0;
+}
+
+int DupMusicListModel::columnCount(const QModelIndex& parent) const
+{
+    return m_pDupMusicList && !parent.isValid() ? m_nColumnCount : 0;
+}
+
+QVariant DupMusicListModel::displayed(const DupMusicInfo& group, int column) const
+{
+    // A grid caption is the title as it is, an empty one stays empty.
+    if (isGrid())
+        return SongFields::title(group.musicList.first());
+    if (column == SongCells::ColumnDuplicates)
+        return group.musicList.size();
+    return SongCells::text(group.musicList.first(), column);
+}
+
+QVariant DupMusicListModel::cover(const DupMusicInfo& group) const
+{
+    // A picture too small to be one shows the generic cover here; the song grid stretches it.
+    const QMusicInfo* first = group.musicList.first();
+    if (!QIOrvoUtil::isImage(SongFields::coverPath(first)))
+        return QIcon(CoverLoader::genericCover());
+    return SongCells::coverIcon(first);
+}
+
+QVariant DupMusicListModel::data(const QModelIndex& index, int role) const
+{
+    const DupMusicInfo* group = nodeFromIndex(index);
+    if (!group || group->musicList.isEmpty())
+        return QVariant();
+    switch (role) {
+    case Qt::DisplayRole:
+        return displayed(*group, index.column());
+    case Qt::DecorationRole:
+        return isGrid() && index.column() == 0 ? cover(*group) : QVariant();
+    case Qt::ToolTipRole:
+        return SongCells::toolTip();
+    case Qt::TextAlignmentRole:
+        return int(Qt::AlignCenter);
+    case Qt::BackgroundRole:
+        return isGrid() ? QVariant() : SongCells::stripe(index.row());
+    default:
+        return QVariant(); // no foreground: "unknown" stays in the default colour here
+    }
+}
+
+QVariant DupMusicListModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    // "Lyrics" stands over the track number on purpose.
+    static const char* const headers[] = {"Title", "Artist", "Album",     "Genre",
+                                          "Year",  "Lyrics", "Duplicates"};
+    if (isGrid() || orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= 7)
+        return QVariant();
+    return QString::fromLatin1(headers[section]);
+}
+
+DupMusicInfo* DupMusicListModel::nodeFromIndex(const QModelIndex& index) const
+{
+    return index.isValid() ? static_cast<DupMusicInfo*>(index.internalPointer()) : nullptr;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QVariant>
+
+struct QMusicInfo;
+
+/// What the cells of the song and the group models have in common.
+namespace SongCells {
+constexpr int columnModeGrid = 1;
+constexpr int columnModeTable = 6;
+constexpr int columnModeDupTable = 7;
+
+enum Column {
+    ColumnTitle,
+    ColumnArtist,
+    ColumnAlbum,
+    ColumnGenre,
+    ColumnYear,
+    ColumnTrack,
+    ColumnDuplicates
+};
+
+/// Whether the song's value of a column is the empty text or the number 0; a column without a value is empty.
+bool isEmpty(const QMusicInfo* song, int column);
+/// The value as a table shows it, "unknown" for an empty one; invalid for columns without a value.
+QVariant text(const QMusicInfo* song, int column);
+/// The song's cover as an icon; the generic cover when there is none.
+QVariant coverIcon(const QMusicInfo* song);
+/// White and pale blue by turns.
+QVariant stripe(int row);
+/// "Double click to start playing".
+QString toolTip();
+} // namespace SongCells
