@@ -91,7 +91,7 @@ void MainWindow::InitMainMenu()
     bar->setObjectName(QStringLiteral("m_menuBar"));
     bar->setStyleSheet(QStringLiteral(
         "QMenuBar{background:transparent;border:0}"
-        "QMenuBar::item{background:transparent;padding:2px 8px;margin:0;color:#2C4B66;border-radius:4px}"
+        "QMenuBar::item{background:transparent;padding:1px 8px;margin:0;color:#2C4B66;border-radius:4px}"
         "QMenuBar::item:selected{background:#D5EAF7}"
         "QMenuBar::item:pressed{background:#BFE2F5}"));
     const auto add = [this, bar](const QString& text, const char* icon, const char* slot) {

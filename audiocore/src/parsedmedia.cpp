@@ -7,7 +7,10 @@
 #include "text.h"
 
 #include <taglib/audioproperties.h>
+#include <taglib/oggfile.h>
+#include <taglib/oggpageheader.h>
 
+#include <algorithm>
 #include <mutex>
 
 using audiocore::MpegStream;
@@ -28,6 +31,14 @@ LastReading& lastReading()
     return *reading;
 }
 
+/// An Ogg stream's length by its last page, for headers that do not know it.
+std::int64_t millisecondsByLastPage(TagLib::File& file, int sampleRate)
+{
+    auto* ogg = dynamic_cast<TagLib::Ogg::File*>(&file);
+    const TagLib::Ogg::PageHeader* page = ogg && sampleRate > 0 ? ogg->lastPageHeader() : nullptr;
+    return page ? std::max<std::int64_t>(page->absoluteGranularPosition(), 0) * 1000 / sampleRate : 0;
+}
+
 MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& stream)
 {
     if (media.format == AUDIO_FORMAT_MP3)
@@ -40,6 +51,10 @@ MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& str
         result.sampleRate = properties->sampleRate();
         result.bitsPerSecond = std::int64_t(properties->bitrate()) * 1000;
     }
+    if (result.milliseconds > 0)
+        return result;
+    result.milliseconds = millisecondsByLastPage(*media.file, result.sampleRate);
+    result.bitsPerSecond = result.milliseconds > 0 ? stream.length() * 8000 / result.milliseconds : 0;
     return result;
 }
 
@@ -64,7 +79,7 @@ std::shared_ptr<const ParsedMedia> parse(const std::string& path)
     }
     const audiocore::MediaFile media = audiocore::openMedia(stream, true);
     const MpegStream properties = media.file ? propertiesOf(media, stream) : MpegStream();
-    if (!media.file || properties.milliseconds <= 0) {
+    if (properties.sampleRate <= 0) {
         audiocore::logLine(path, "holds no music that can be read");
         return parsed;
     }

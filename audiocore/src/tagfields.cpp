@@ -6,6 +6,7 @@
 
 #include <taglib/apefile.h>
 #include <taglib/apetag.h>
+#include <taglib/asftag.h>
 #include <taglib/flacfile.h>
 #include <taglib/id3v1tag.h>
 #include <taglib/id3v2tag.h>
@@ -49,6 +50,22 @@ std::string valueOf(const TagLib::PropertyMap& properties, int type)
     // A zero inside would end the text for whoever reads it as zero-terminated.
     joined.erase(std::remove(joined.begin(), joined.end(), '\0'), joined.end());
     return shownText(type, joined);
+}
+
+/// The tag's own fields. The library's operation is not virtual, and the general one joins several values.
+TagLib::PropertyMap propertiesOf(const TagLib::Tag& tag)
+{
+    if (const auto* id3v2 = dynamic_cast<const TagLib::ID3v2::Tag*>(&tag))
+        return id3v2->properties();
+    if (const auto* xiph = dynamic_cast<const TagLib::Ogg::XiphComment*>(&tag))
+        return xiph->properties();
+    if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Tag*>(&tag))
+        return mp4->properties();
+    if (const auto* ape = dynamic_cast<const TagLib::APE::Tag*>(&tag))
+        return ape->properties();
+    if (const auto* asf = dynamic_cast<const TagLib::ASF::Tag*>(&tag))
+        return asf->properties();
+    return tag.properties();
 }
 
 /// "/12" of "3/12", empty without a total.
@@ -209,7 +226,7 @@ TagContent audiocore::readTags(const MediaFile& media)
 {
     TagContent content;
     for (TagLib::Tag* tag : tagsOf(media)) {
-        const TagLib::PropertyMap properties = tag->properties();
+        const TagLib::PropertyMap properties = propertiesOf(*tag);
         for (int type = 0; type < textTypes; ++type)
             if (content.texts[size_t(type)].empty())
                 content.texts[size_t(type)] = valueOf(properties, type);
