@@ -1,84 +1,187 @@
 #include "coverloader.h"
 
+#include "covericonengine.h"
+#include "filestate.h"
 #include "qiorvoutil.h"
 
 #include <QCache>
-#include <QDateTime>
+#include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 #include <QImageReader>
+
+#include <memory>
 
 namespace {
 constexpr int iconEdge = 300;
-constexpr int gridEdge = 120; // no smaller than the grid's icon box, so that an icon prefers it there
-constexpr int longestEdge = 2048;
-constexpr qint64 maxDecodedPixels = 64ll * 1024 * 1024;
-constexpr qint64 kibibyte = 1024;
+constexpr int remembered = 20000; // files whose picture size is known
 
-/// What was made of one state of one file. A picture that does not load is remembered, too.
-struct Cover
+/// A picture of a file, made for one edge in pixels.
+using PictureKey = QPair<FileState, int>;
+/// Costs are KiB.
+using PictureCache = QCache<PictureKey, QPixmap>;
+
+/// What has been read. What is drawn and what it was scaled from are kept apart: the sources of a screen full
+/// of new covers would drive out the small pictures that the next repaint needs.
+struct Memory
 {
-    QPixmap picture;
-    QIcon icon;
+    QCache<FileState, QSize> sizes{remembered}; ///< empty for a file that holds no picture
+    PictureCache sources;
+    PictureCache drawn;
+    FileState genericState;
+    QPixmap generic;
 };
 
-QCache<QString, Cover>& cache()
-{
-    static QCache<QString, Cover> covers(192 * 1024); // KiB
-    return covers;
-}
-
+constexpr qint64 standardLimit = 192ll * 1024 * 1024;
+qint64 memoryLimit = standardLimit;
 qint64 decodings = 0;
+std::unique_ptr<Memory> theMemory;
 
-/// Names the file in its present state; empty when there is no file.
-QString stateKey(const QString& path)
+void applyLimit(Memory& memory)
 {
-    const QFileInfo file(path);
-    if (path.isEmpty() || !file.isFile())
-        return QString();
-    return path + QLatin1Char('\n') + QString::number(file.lastModified().toMSecsSinceEpoch()) +
-           QLatin1Char('\n') + QString::number(file.size());
+    const int kibibytes = int(memoryLimit / 1024);
+    memory.sources.setMaxCost(kibibytes / 3);
+    memory.drawn.setMaxCost(kibibytes - kibibytes / 3);
 }
 
-QPixmap squared(const QPixmap& picture)
+Memory& memory()
 {
-    if (picture.width() == picture.height())
-        return picture;
-    return picture.scaled(iconEdge, iconEdge, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    if (!theMemory) {
+        theMemory = std::make_unique<Memory>();
+        applyLimit(*theMemory);
+        qAddPostRoutine([] { theMemory.reset(); }); // pixmaps must not outlive the application object
+    }
+    return *theMemory;
 }
 
-/// The picture itself and a small copy, so that a grid scales the large one once and not at every repaint.
-QIcon iconOf(const QPixmap& picture)
+void remember(PictureCache& cache, const PictureKey& key, const QPixmap& picture)
 {
-    const QPixmap square = squared(picture);
-    QIcon icon(square);
-    if (square.width() > 2 * gridEdge)
-        icon.addPixmap(square.scaled(gridEdge, gridEdge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    return icon;
+    const qint64 bytes = qint64(picture.width()) * picture.height() * picture.depth() / 8;
+    cache.insert(key, new QPixmap(picture), int(bytes / 1024) + 1);
 }
 
-Cover makeCover(const QString& path)
+bool isSquare(const QSize& size)
 {
+    return size.width() == size.height();
+}
+
+/// The size of a larger picture once its longer edge is brought down to the given one.
+QSize boundedSize(const QSize& size, int edge)
+{
+    if (size.width() <= edge && size.height() <= edge)
+        return size;
+    return size.scaled(edge, edge, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+}
+
+/// The size of what the reader is about to read; empty when that is nothing, too much, or of unknown size.
+QSize readableSize(QImageReader& reader)
+{
+    reader.setDecideFormatFromContent(true);
+    const QSize size = reader.size();
+    if (size.isEmpty() || qint64(size.width()) * size.height() > CoverLoader::maxPixels)
+        return {};
+    return size;
+}
+
+QImage read(QImageReader& reader, const QSize& size, int edge)
+{
+    const QSize wanted = boundedSize(size, edge);
+    if (wanted != size)
+        reader.setScaledSize(wanted);
+    return reader.read();
+}
+
+QPixmap decodeFile(const QString& path, const FileState& state, int edge)
+{
+    ++decodings;
+    QSize size;
+    QPixmap picture;
     QFile file(path);
-    Cover cover;
-    if (file.open(QIODevice::ReadOnly))
-        cover.picture = QPixmap::fromImage(CoverLoader::decode(&file, longestEdge));
-    if (!cover.picture.isNull())
-        cover.icon = iconOf(cover.picture);
-    return cover;
+    if (file.open(QIODevice::ReadOnly)) {
+        QImageReader reader(&file);
+        size = readableSize(reader);
+        if (!size.isEmpty())
+            picture = QPixmap::fromImage(read(reader, size, edge));
+    }
+    memory().sizes.insert(state, new QSize(picture.isNull() ? QSize() : size));
+    return picture;
 }
 
-Cover coverOf(const QString& path)
+/// A picture that is small anyway is kept once, whatever it was read for.
+PictureKey sourceKey(const FileState& state, const QSize& size, int edge)
 {
-    const QString key = stateKey(path);
-    if (key.isEmpty())
-        return Cover();
-    if (const Cover* known = cache().object(key))
+    return {state, qMax(size.width(), size.height()) <= iconEdge ? iconEdge : edge};
+}
+
+/// The file's picture with its longer edge no longer than the given one.
+QPixmap source(const QString& path, const FileState& state, int edge)
+{
+    if (!state.exists())
+        return {};
+    if (const QSize* size = memory().sizes.object(state)) {
+        if (size->isEmpty())
+            return {};
+        if (const QPixmap* known = memory().sources.object(sourceKey(state, *size, edge)))
+            return *known;
+    }
+    const QPixmap picture = decodeFile(path, state, edge);
+    if (!picture.isNull())
+        remember(memory().sources, sourceKey(state, picture.size(), edge), picture);
+    return picture;
+}
+
+QSize sizeOf(const QString& path, const FileState& state)
+{
+    if (!state.exists())
+        return {};
+    if (const QSize* size = memory().sizes.object(state))
+        return *size;
+    source(path, state, iconEdge);
+    const QSize* size = memory().sizes.object(state);
+    return size ? *size : QSize();
+}
+
+/// A square of the given edge made of the file's picture as it is now.
+QPixmap squareFrom(const QString& path, const FileState& state, const QSize& size, int edge)
+{
+    if (isSquare(size)) {
+        const QPixmap picture = source(path, state, edge <= iconEdge ? iconEdge : CoverLoader::longestEdge);
+        return picture.width() == edge
+                   ? picture
+                   : picture.scaled(edge, edge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    const QPixmap picture = source(path, state, CoverLoader::longestEdge);
+    const QPixmap square = picture.scaled(iconEdge, iconEdge, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    return edge == iconEdge ? square
+                            : square.scaled(edge, edge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+QPixmap drawnCover(const QString& path, const FileState& state, int edge)
+{
+    if (edge <= 0)
+        return {};
+    const PictureKey key(state, edge);
+    if (const QPixmap* known = memory().drawn.object(key))
         return *known;
-    const Cover made = makeCover(path);
-    const qint64 bytes = 4ll * made.picture.width() * made.picture.height();
-    cache().insert(key, new Cover(made), int(bytes / kibibyte) + 1);
-    return made;
+    // An icon may outlive the file that it was made of; then it shows what is there now.
+    const FileState now = FileState::of(path);
+    const QSize size = sizeOf(path, now);
+    if (size.isEmpty())
+        return {};
+    const QPixmap square = squareFrom(path, now, size, edge);
+    if (!square.isNull())
+        remember(memory().drawn, PictureKey(now, edge), square);
+    return square;
+}
+
+QIcon iconOf(const QString& path)
+{
+    const FileState state = FileState::of(path);
+    const QSize size = sizeOf(path, state);
+    if (size.isEmpty())
+        return {};
+    const int edge = isSquare(size) ? qMin(size.width(), CoverLoader::longestEdge) : iconEdge;
+    return QIcon(
+        new CoverIconEngine(edge, [path, state](int wanted) { return drawnCover(path, state, wanted); }));
 }
 } // namespace
 
@@ -89,40 +192,43 @@ QString CoverLoader::genericCoverPath()
 
 QPixmap CoverLoader::genericCover()
 {
-    static const QPixmap cover = load(genericCoverPath());
-    return cover;
+    // Kept outside the bounded memory: every song without a cover holds this one pixmap.
+    const QString path = genericCoverPath();
+    const FileState state = FileState::of(path);
+    if (memory().generic.isNull() || state != memory().genericState) {
+        memory().generic = load(path);
+        memory().genericState = state;
+    }
+    return memory().generic;
 }
 
 QPixmap CoverLoader::load(const QString& path)
 {
-    return coverOf(path).picture;
+    return source(path, FileState::of(path), longestEdge);
+}
+
+QSize CoverLoader::pictureSize(const QString& path)
+{
+    return sizeOf(path, FileState::of(path));
 }
 
 QIcon CoverLoader::icon(const QString& path)
 {
-    static const QIcon generic(genericCover());
-    const QIcon icon = coverOf(path).icon;
-    return icon.isNull() ? generic : icon;
+    const QIcon icon = iconOf(path);
+    return icon.isNull() ? iconOf(genericCoverPath()) : icon;
 }
 
 QImage CoverLoader::decode(QIODevice* device, int edge)
 {
-    ++decodings;
     QImageReader reader(device);
-    reader.setDecideFormatFromContent(true);
-    const QSize size = reader.size();
-    const bool tooLarge = size.width() > edge || size.height() > edge;
-    if (tooLarge && size.isValid())
-        reader.setScaledSize(size.scaled(edge, edge, Qt::KeepAspectRatio));
-    // Only JPEG scales while it decodes; every other format takes its full size first.
-    if (reader.format() != "jpeg" && qint64(size.width()) * size.height() > maxDecodedPixels)
-        return QImage();
-    return reader.read();
+    const QSize size = readableSize(reader);
+    return size.isEmpty() ? QImage() : read(reader, size, edge);
 }
 
 void CoverLoader::setMemoryLimit(qint64 bytes)
 {
-    cache().setMaxCost(int(bytes / kibibyte));
+    memoryLimit = bytes;
+    applyLimit(memory());
 }
 
 qint64 CoverLoader::decodeCount()

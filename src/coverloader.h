@@ -8,26 +8,35 @@
 class QIODevice;
 
 /// Cover pictures by path, from a bounded memory of those last used. A file that changed or vanished since
-/// shows as it is now. GUI thread only.
+/// shows as it is now. GUI thread only, with an application object; decode() runs in any thread.
+///
+/// Pictures are told by their content, never by the file's name. Anything that is no picture, or has more
+/// than maxPixels, counts as none.
 namespace CoverLoader {
+constexpr qint64 maxPixels = 64 * 1024 * 1024;
+/// Pictures with a longer edge, in pixels, are shown scaled down to it.
+constexpr int longestEdge = 2048;
+
 /// The generic cover's file under the resource path.
 QString genericCoverPath();
-/// The generic cover, decoded once.
+/// The generic cover, decoded once; null when its file is missing.
 QPixmap genericCover();
 
-/// The picture in the file at its own size, null when there is none to load.
+/// The picture in the file, its longer edge no longer than longestEdge; null when there is none to load.
 QPixmap load(const QString& path);
-/// The picture as a square icon, a picture that is not square stretched to 300 x 300; the generic cover where
-/// there is no picture. The same file gives the same icon, which keeps the sizes it was drawn at.
+/// The pixel size of the picture as the file has it; empty when there is none to load.
+QSize pictureSize(const QString& path);
+/// The picture as a square icon: a square one at its own size, any other stretched to 300 x 300; the generic
+/// cover where there is no picture to load. Drawing it again at the same size costs no scaling.
 QIcon icon(const QString& path);
 
-/// Decodes a picture whatever its name; null when it is none. One with an edge longer than `longestEdge`
-/// comes scaled down to it, its aspect kept, without taking the memory of the full size where its format
-/// allows.
-QImage decode(QIODevice* device, int longestEdge);
+/// Decodes a picture, scaled down to the given longest edge when it is larger, its aspect kept; where the
+/// format allows (JPEG, PNG) without taking the time and the memory of the full size. Null when there is
+/// none.
+QImage decode(QIODevice* device, int edge);
 
-/// Bytes of decoded pictures kept for later; what was used least goes first.
+/// Bytes of pixels kept for later, 192 MiB unless told otherwise; what was used least goes first.
 void setMemoryLimit(qint64 bytes);
-/// Decodings so far, for tests and measurements.
+/// Decodings by load(), pictureSize() and icon() so far, for tests and measurements.
 qint64 decodeCount();
 } // namespace CoverLoader

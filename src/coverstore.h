@@ -11,13 +11,16 @@
 class CoverStore
 {
 public:
-    /// Writes the bytes to a new file at `path` and answers their picture, at most 300 x 300 (its aspect
-    /// kept); null when the bytes are no picture. A failed write is logged and leaves no file.
+    /// Writes the bytes to a file of their own at `path`, replacing one that is there, and answers their
+    /// picture: at most 300 x 300 pixels, its aspect kept; 96 x 96 once the budget is spent; null when the
+    /// bytes are no picture. A failed write is logged and leaves no file; the picture is answered all the
+    /// same.
     QPixmap keep(const QByteArray& bytes, const QString& path);
-    /// Forgets what can be shared; pixmaps and files handed out stay.
+    /// Forgets what can be shared, for when no song is left; pixmaps and files handed out stay.
     void clear();
 
-    /// From this many bytes of distinct pixmaps on, further ones are kept small.
+    /// From this many bytes of distinct pixmaps on, further ones are kept small; 384 MiB unless told
+    /// otherwise.
     void setFullSizeBudget(qint64 bytes) { m_fullSizeBudget = bytes; }
 
 private:

@@ -58,10 +58,8 @@ QVariant DupMusicListModel::displayed(const DupMusicInfo& group, int column) con
 QVariant DupMusicListModel::cover(const DupMusicInfo& group) const
 {
     // A picture too small to be one shows the generic cover here; the song grid stretches it.
-    const QMusicInfo* first = group.musicList.first();
-    if (!QIOrvoUtil::isImage(SongFields::coverPath(first)))
-        return QIcon(CoverLoader::genericCover());
-    return SongCells::coverIcon(first);
+    const QString path = SongFields::coverPath(group.musicList.first());
+    return CoverLoader::icon(QIOrvoUtil::isImage(path) ? path : CoverLoader::genericCoverPath());
 }
 
 QVariant DupMusicListModel::data(const QModelIndex& index, int role) const
@@ -81,7 +79,7 @@ QVariant DupMusicListModel::data(const QModelIndex& index, int role) const
     case Qt::BackgroundRole:
         return isGrid() ? QVariant() : SongCells::stripe(index.row());
     default:
-        return QVariant(); // no foreground: "unknown" stays in the default colour here
+        return QVariant(); // no role above the background: "unknown" stays in the default colour here
     }
 }
 

@@ -44,6 +44,13 @@ int MusicListModel::columnCount(const QModelIndex& parent) const
     return m_pMusicList && !parent.isValid() ? m_nColumnCount : 0;
 }
 
+QVariant MusicListModel::foreground(const QMusicInfo& song, int column) const
+{
+    // Column 6 is red in every row, for it never has a value.
+    const bool red = column <= SongCells::ColumnDuplicates && SongCells::isEmpty(&song, column);
+    return red ? QBrush(QColor(255, 0, 0)) : QVariant();
+}
+
 QVariant MusicListModel::data(const QModelIndex& index, int role) const
 {
     const QMusicInfo* song = nodeFromIndex(index);
@@ -61,7 +68,7 @@ QVariant MusicListModel::data(const QModelIndex& index, int role) const
     case Qt::BackgroundRole:
         return isGrid() ? QVariant() : SongCells::stripe(index.row());
     case Qt::ForegroundRole:
-        return SongCells::isEmpty(song, index.column()) ? QBrush(QColor(255, 0, 0)) : QVariant();
+        return foreground(*song, index.column());
     default:
         return QVariant();
     }

@@ -30,6 +30,7 @@ public:
 
 private:
     bool isGrid() const { return m_nColumnCount == 1; }
+    QVariant foreground(const QMusicInfo& song, int column) const;
 
     QList<QMusicInfo*>* m_pMusicList = nullptr;
     int m_nRowHint = 0;

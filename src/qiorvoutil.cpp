@@ -85,6 +85,6 @@ QString QIOrvoUtil::size2String(unsigned long long bytes)
 
 bool QIOrvoUtil::isImage(const QString& path)
 {
-    const QPixmap picture = CoverLoader::load(path);
-    return picture.width() >= 2 && picture.height() >= 2;
+    const QSize size = CoverLoader::pictureSize(path);
+    return size.width() >= 2 && size.height() >= 2;
 }
