@@ -1,0 +1,140 @@
+#include "checkedstream.h"
+
+#include "platform.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+using audiocore::CheckedStream;
+using TagLib::ByteVector;
+
+namespace {
+constexpr long blockSize = 256 * 1024;
+}
+
+CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
+{
+    platform::FileState state;
+    if (!platform::stateOf(utf8Path, state))
+        m_openError = std::strerror(errno);
+    else if (!state.regular)
+        m_openError = "not a regular file";
+    else if (!(m_file = platform::openFile(utf8Path, mode == Mode::ReadWrite)))
+        m_openError = std::strerror(errno);
+    m_length = m_file ? long(state.size) : 0;
+}
+
+CheckedStream::~CheckedStream()
+{
+    if (m_file)
+        std::fclose(m_file);
+}
+
+bool CheckedStream::flushToDevice()
+{
+    if (!m_file || std::fflush(m_file) != 0 || std::ferror(m_file) || m_failed)
+        return false;
+    return platform::syncToDevice(m_file);
+}
+
+TagLib::FileName CheckedStream::name() const
+{
+    // Only ever compared and printed by the tag library; the file is already open.
+#ifdef _WIN32
+    return TagLib::FileName(m_path.c_str());
+#else
+    return m_path.c_str();
+#endif
+}
+
+ByteVector CheckedStream::readBlock(unsigned long length)
+{
+    if (!m_file || length == 0)
+        return ByteVector();
+    const long left = std::max(0L, m_length - tell());
+    ByteVector block(
+        static_cast<unsigned int>(std::min<unsigned long>(length, static_cast<unsigned long>(left))), 0);
+    if (block.isEmpty())
+        return block;
+    const size_t got = std::fread(block.data(), 1, block.size(), m_file);
+    block.resize(static_cast<unsigned int>(got));
+    return block;
+}
+
+void CheckedStream::writeBlock(const ByteVector& data)
+{
+    if (!m_file || m_mode == Mode::Read || data.isEmpty())
+        return;
+    const long position = tell();
+    if (std::fwrite(data.data(), 1, data.size(), m_file) != data.size())
+        m_failed = true;
+    m_length = std::max(m_length, position + long(data.size()));
+}
+
+void CheckedStream::writeAt(long position, const ByteVector& data)
+{
+    seek(position);
+    writeBlock(data);
+}
+
+/// Moves everything from `from` on to start at `to`, without overwriting what is still to be moved.
+void CheckedStream::moveTail(long from, long to)
+{
+    const long tail = m_length - from;
+    if (to < from) {
+        for (long done = 0; done < tail && !m_failed; done += blockSize) {
+            seek(from + done);
+            writeAt(to + done, readBlock(static_cast<unsigned long>(std::min(blockSize, tail - done))));
+        }
+        return;
+    }
+    for (long left = tail; left > 0 && !m_failed;) {
+        const long size = std::min(blockSize, left);
+        left -= size;
+        seek(from + left);
+        writeAt(to + left, readBlock(static_cast<unsigned long>(size)));
+    }
+}
+
+void CheckedStream::insert(const ByteVector& data, unsigned long start, unsigned long replace)
+{
+    const long begin = std::min(long(start), m_length);
+    const long replacedEnd = std::min(begin + long(replace), m_length);
+    const long newEnd = begin + long(data.size());
+    const long newLength = m_length - replacedEnd + newEnd;
+    if (newEnd != replacedEnd)
+        moveTail(replacedEnd, newEnd);
+    writeAt(begin, data);
+    if (newLength < m_length)
+        truncate(newLength);
+    seek(newEnd);
+}
+
+void CheckedStream::removeBlock(unsigned long start, unsigned long length)
+{
+    insert(ByteVector(), start, length);
+}
+
+void CheckedStream::seek(long offset, Position position)
+{
+    if (!m_file)
+        return;
+    const long base = position == Beginning ? 0 : position == Current ? tell() : m_length;
+    if (!platform::seekTo(m_file, std::max(0L, base + offset)))
+        m_failed = true;
+}
+
+long CheckedStream::tell() const
+{
+    return m_file ? std::ftell(m_file) : 0;
+}
+
+void CheckedStream::truncate(long length)
+{
+    if (!m_file || m_mode == Mode::Read)
+        return;
+    if (std::fflush(m_file) != 0 || !platform::truncateTo(m_file, length))
+        m_failed = true;
+    m_length = length;
+}

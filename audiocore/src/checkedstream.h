@@ -1,0 +1,48 @@
+#pragma once
+
+#include <taglib/tiostream.h>
+
+#include <cstdio>
+#include <string>
+
+namespace audiocore {
+/// A file stream that remembers whether every write reached the system: the tag library itself does not tell.
+/// Reads never ask for more memory than the file has bytes left.
+class CheckedStream : public TagLib::IOStream
+{
+public:
+    enum class Mode { Read, ReadWrite };
+
+    /// Opens a regular file, following links; anything else is not opened and never blocks.
+    CheckedStream(const std::string& utf8Path, Mode mode);
+    ~CheckedStream() override;
+
+    /// Why the file is not open; empty when it is.
+    const std::string& openError() const { return m_openError; }
+    /// Hands everything to the system and the device; false when any write since opening failed.
+    bool flushToDevice();
+
+    TagLib::FileName name() const override;
+    TagLib::ByteVector readBlock(unsigned long length) override;
+    void writeBlock(const TagLib::ByteVector& data) override;
+    void insert(const TagLib::ByteVector& data, unsigned long start, unsigned long replace) override;
+    void removeBlock(unsigned long start, unsigned long length) override;
+    bool readOnly() const override { return m_mode == Mode::Read; }
+    bool isOpen() const override { return m_file != nullptr; }
+    void seek(long offset, Position position = Beginning) override;
+    long tell() const override;
+    long length() override { return m_length; }
+    void truncate(long length) override;
+
+private:
+    void writeAt(long position, const TagLib::ByteVector& data);
+    void moveTail(long from, long to);
+
+    std::FILE* m_file = nullptr;
+    Mode m_mode;
+    long m_length = 0;
+    bool m_failed = false;
+    std::string m_path;
+    std::string m_openError;
+};
+} // namespace audiocore

@@ -1,0 +1,163 @@
+#include "mediafile.h"
+
+#include "mpegframes.h"
+
+#include <taglib/apefile.h>
+#include <taglib/apetag.h>
+#include <taglib/asffile.h>
+#include <taglib/flacfile.h>
+#include <taglib/id3v1tag.h>
+#include <taglib/id3v2framefactory.h>
+#include <taglib/id3v2header.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/infotag.h>
+#include <taglib/mp4file.h>
+#include <taglib/mpegfile.h>
+#include <taglib/oggflacfile.h>
+#include <taglib/opusfile.h>
+#include <taglib/vorbisfile.h>
+#include <taglib/wavfile.h>
+#include <taglib/xiphcomment.h>
+
+using audiocore::MediaFile;
+using TagLib::ByteVector;
+using TagLib::IOStream;
+
+namespace {
+constexpr long syncSearch = 64 * 1024;
+constexpr unsigned int headSize = 64;
+
+ByteVector headAt(IOStream& stream, long position)
+{
+    stream.seek(position);
+    return stream.readBlock(headSize);
+}
+
+/// Where the file goes on behind the ID3v2 tags at its beginning.
+long behindId3v2(IOStream& stream)
+{
+    long position = 0;
+    for (int tags = 0; tags < 8; ++tags) {
+        stream.seek(position);
+        const ByteVector header = stream.readBlock(10);
+        if (header.size() < 10 || !header.startsWith("ID3"))
+            break;
+        const long size = long(header[6] & 0x7F) << 21 | long(header[7] & 0x7F) << 14 |
+                          long(header[8] & 0x7F) << 7 | long(header[9] & 0x7F);
+        position += size + 10 + (header[5] & 0x10 ? 10 : 0);
+    }
+    return position;
+}
+
+AudioFormat formatByMagic(const ByteVector& head)
+{
+    static const ByteVector asf("\x30\x26\xB2\x75\x8E\x66\xCF\x11", 8);
+    if (head.startsWith("fLaC"))
+        return AUDIO_FORMAT_FLAC;
+    if (head.startsWith("OggS"))
+        return AUDIO_FORMAT_OGG;
+    if (head.startsWith("MAC "))
+        return AUDIO_FORMAT_APE;
+    if (head.startsWith(asf))
+        return AUDIO_FORMAT_WMA;
+    if (head.startsWith("RIFF") && head.mid(8, 4) == ByteVector("WAVE"))
+        return AUDIO_FORMAT_WAV;
+    if (head.mid(4, 4) == ByteVector("ftyp"))
+        return AUDIO_FORMAT_M4A;
+    return AUDIO_FORMAT_UNKNOWN;
+}
+
+/// MPEG audio has no magic number: two frames in a row tell, first right here, then behind some rubbish.
+AudioFormat formatByFrames(IOStream& stream, long begin)
+{
+    if (audiocore::findsAdts(stream, begin, 1))
+        return AUDIO_FORMAT_AAC;
+    if (audiocore::findsMp3(stream, begin, 1) || audiocore::findsMp3(stream, begin, syncSearch))
+        return AUDIO_FORMAT_MP3;
+    return audiocore::findsAdts(stream, begin, syncSearch) ? AUDIO_FORMAT_AAC : AUDIO_FORMAT_UNKNOWN;
+}
+
+std::unique_ptr<TagLib::File> oggFile(IOStream& stream, const ByteVector& head, bool withProperties)
+{
+    if (head.find("OpusHead") >= 0)
+        return std::make_unique<TagLib::Ogg::Opus::File>(&stream, withProperties);
+    if (head.find("\x7F"
+                  "FLAC") >= 0)
+        return std::make_unique<TagLib::Ogg::FLAC::File>(&stream, withProperties);
+    if (head.find("vorbis") >= 0)
+        return std::make_unique<TagLib::Ogg::Vorbis::File>(&stream, withProperties);
+    return nullptr;
+}
+
+std::unique_ptr<TagLib::File> fileOf(AudioFormat format, IOStream& stream, const ByteVector& head,
+                                     bool withProperties)
+{
+    TagLib::ID3v2::FrameFactory* factory = TagLib::ID3v2::FrameFactory::instance();
+    switch (format) {
+    case AUDIO_FORMAT_WAV:
+        return std::make_unique<TagLib::RIFF::WAV::File>(&stream, withProperties);
+    case AUDIO_FORMAT_WMA:
+        return std::make_unique<TagLib::ASF::File>(&stream, withProperties);
+    case AUDIO_FORMAT_M4A:
+        return std::make_unique<TagLib::MP4::File>(&stream, withProperties);
+    case AUDIO_FORMAT_OGG:
+        return oggFile(stream, head, withProperties);
+    case AUDIO_FORMAT_APE:
+        return std::make_unique<TagLib::APE::File>(&stream, withProperties);
+    case AUDIO_FORMAT_FLAC:
+        return std::make_unique<TagLib::FLAC::File>(&stream, factory, withProperties);
+    case AUDIO_FORMAT_MP3:
+    case AUDIO_FORMAT_AAC:
+        // Measured by our own walk over the frames: the library's would guess.
+        return std::make_unique<TagLib::MPEG::File>(&stream, factory, false);
+    default:
+        return nullptr;
+    }
+}
+
+void addIf(std::vector<TagLib::Tag*>& tags, bool there, TagLib::Tag* tag)
+{
+    if (there && tag)
+        tags.push_back(tag);
+}
+} // namespace
+
+MediaFile audiocore::openMedia(IOStream& stream, bool withProperties)
+{
+    MediaFile media;
+    media.audioBegin = behindId3v2(stream);
+    const ByteVector head = headAt(stream, media.audioBegin);
+    media.format = formatByMagic(head);
+    if (media.format == AUDIO_FORMAT_UNKNOWN)
+        media.format = formatByFrames(stream, media.audioBegin);
+    stream.seek(0);
+    media.file = fileOf(media.format, stream, head, withProperties);
+    if (!media.file || !media.file->isValid() ||
+        (withProperties && media.format != AUDIO_FORMAT_MP3 && media.format != AUDIO_FORMAT_AAC &&
+         !media.file->audioProperties()))
+        return MediaFile();
+    return media;
+}
+
+std::vector<TagLib::Tag*> audiocore::tagsOf(const MediaFile& media)
+{
+    std::vector<TagLib::Tag*> tags;
+    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(media.file.get())) {
+        addIf(tags, mpeg->hasID3v2Tag(), mpeg->ID3v2Tag());
+        addIf(tags, mpeg->hasAPETag(), mpeg->APETag());
+        addIf(tags, mpeg->hasID3v1Tag(), mpeg->ID3v1Tag());
+    } else if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(media.file.get())) {
+        addIf(tags, flac->hasXiphComment(), flac->xiphComment());
+        addIf(tags, flac->hasID3v2Tag(), flac->ID3v2Tag());
+        addIf(tags, flac->hasID3v1Tag(), flac->ID3v1Tag());
+    } else if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(media.file.get())) {
+        addIf(tags, wav->hasID3v2Tag(), wav->ID3v2Tag());
+        addIf(tags, wav->hasInfoTag(), wav->InfoTag());
+    } else if (auto* ape = dynamic_cast<TagLib::APE::File*>(media.file.get())) {
+        addIf(tags, ape->hasAPETag(), ape->APETag());
+        addIf(tags, ape->hasID3v1Tag(), ape->ID3v1Tag());
+    } else if (media.file) {
+        tags.push_back(media.file->tag());
+    }
+    return tags;
+}

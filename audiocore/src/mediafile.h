@@ -1,0 +1,26 @@
+#pragma once
+
+#include "audiocore/iaudiodecoder.h"
+
+#include <taglib/tfile.h>
+#include <taglib/tiostream.h>
+
+#include <memory>
+#include <vector>
+
+namespace audiocore {
+/// A music file opened by what is in it, whatever its name says.
+struct MediaFile
+{
+    AudioFormat format = AUDIO_FORMAT_UNKNOWN;
+    /// Where the audio starts, behind a tag at the file's beginning.
+    long audioBegin = 0;
+    /// Null when the stream holds no music.
+    std::unique_ptr<TagLib::File> file;
+};
+
+/// The stream must outlive what is returned. `withProperties`: also parse what properties() needs.
+MediaFile openMedia(TagLib::IOStream& stream, bool withProperties);
+/// The tags that a file of its kind has now, the one that is believed first at the front.
+std::vector<TagLib::Tag*> tagsOf(const MediaFile& media);
+} // namespace audiocore

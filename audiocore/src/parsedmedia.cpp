@@ -1,0 +1,109 @@
+#include "parsedmedia.h"
+
+#include "checkedstream.h"
+#include "log.h"
+#include "platform.h"
+#include "tagfields.h"
+#include "text.h"
+
+#include <taglib/audioproperties.h>
+#include <taglib/oggfile.h>
+#include <taglib/oggpageheader.h>
+
+#include <algorithm>
+#include <mutex>
+
+using audiocore::MpegStream;
+using audiocore::ParsedMedia;
+
+namespace {
+struct LastReading
+{
+    std::mutex mutex;
+    std::string path;
+    audiocore::platform::FileState state;
+    std::shared_ptr<const ParsedMedia> media;
+};
+
+LastReading& lastReading()
+{
+    static auto* reading = new LastReading; // kept to the end of the process, for calls from exit handlers
+    return *reading;
+}
+
+/// An Ogg stream's length by its last page, for headers that do not know it.
+std::int64_t millisecondsByLastPage(TagLib::File& file, int sampleRate)
+{
+    auto* ogg = dynamic_cast<TagLib::Ogg::File*>(&file);
+    const TagLib::Ogg::PageHeader* page = ogg && sampleRate > 0 ? ogg->lastPageHeader() : nullptr;
+    return page ? std::max<std::int64_t>(page->absoluteGranularPosition(), 0) * 1000 / sampleRate : 0;
+}
+
+MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& stream)
+{
+    if (media.format == AUDIO_FORMAT_MP3)
+        return audiocore::measureMp3(stream, media.audioBegin);
+    if (media.format == AUDIO_FORMAT_AAC)
+        return audiocore::measureAdts(stream, media.audioBegin);
+    MpegStream result;
+    if (const TagLib::AudioProperties* properties = media.file->audioProperties()) {
+        result.milliseconds = properties->lengthInMilliseconds();
+        result.sampleRate = properties->sampleRate();
+        result.bitsPerSecond = std::int64_t(properties->bitrate()) * 1000;
+    }
+    if (result.milliseconds > 0)
+        return result;
+    result.milliseconds = millisecondsByLastPage(*media.file, result.sampleRate);
+    result.bitsPerSecond = result.milliseconds > 0 ? stream.length() * 8000 / result.milliseconds : 0;
+    return result;
+}
+
+void addItems(ParsedMedia& parsed, const audiocore::TagContent& content)
+{
+    for (int type = 0; type < audiocore::textTypes; ++type) {
+        const std::string& text = content.texts[size_t(type)];
+        if (!text.empty())
+            parsed.items.push_back({TagItemType(type), audiocore::toUtf32(text), TagLib::ByteVector()});
+    }
+    if (!content.picture.isEmpty())
+        parsed.items.push_back({TAG_PICTURE, std::u32string(), content.picture});
+}
+
+std::shared_ptr<const ParsedMedia> parse(const std::string& path)
+{
+    auto parsed = std::make_shared<ParsedMedia>();
+    audiocore::CheckedStream stream(path, audiocore::CheckedStream::Mode::Read);
+    if (!stream.isOpen()) {
+        audiocore::logLine(path, "cannot be read: " + stream.openError());
+        return parsed;
+    }
+    const audiocore::MediaFile media = audiocore::openMedia(stream, true);
+    const MpegStream properties = media.file ? propertiesOf(media, stream) : MpegStream();
+    if (properties.sampleRate <= 0) {
+        audiocore::logLine(path, "holds no music that can be read");
+        return parsed;
+    }
+    parsed->format = media.format;
+    parsed->properties = properties;
+    addItems(*parsed, audiocore::readTags(media));
+    return parsed;
+}
+} // namespace
+
+std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& path)
+{
+    platform::FileState state;
+    const bool there = platform::stateOf(path, state);
+    LastReading& last = lastReading();
+    {
+        const std::lock_guard<std::mutex> lock(last.mutex);
+        if (there && last.media && last.path == path && last.state == state)
+            return last.media;
+    }
+    std::shared_ptr<const ParsedMedia> media = parse(path);
+    const std::lock_guard<std::mutex> lock(last.mutex);
+    last.path = path;
+    last.state = state;
+    last.media = media;
+    return media;
+}

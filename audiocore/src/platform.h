@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+/// The few things that POSIX systems and Windows do differently. Paths are UTF-8.
+namespace audiocore::platform {
+/// What tells one state of one file from another.
+struct FileState
+{
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = 0;
+    std::int64_t modified = 0; ///< finest unit the system tells
+    std::uint64_t links = 1;
+    bool regular = false;
+    bool writable = false; ///< someone may write it; true says nothing about this user
+
+    bool operator==(const FileState& other) const;
+};
+
+/// Follows links; false when there is no such file.
+bool stateOf(const std::string& path, FileState& state);
+/// Opens without ever blocking; null with errno set.
+std::FILE* openFile(const std::string& path, bool writing);
+bool seekTo(std::FILE* file, std::int64_t offset);
+bool truncateTo(std::FILE* file, std::int64_t size);
+bool syncToDevice(std::FILE* file);
+
+/// The file behind all links; empty when there is none.
+std::string realPath(const std::string& path);
+
+/// Makes a new file beside `path` that holds a copy of it, owner and mode included, and keeps it locked while
+/// `lock` is open. Removes what killed writers of the same file left. The new file's path; empty on failure
+/// with the reason in `error`.
+std::string copyBeside(const std::string& path, std::FILE*& lock, std::string& error);
+/// Puts the complete file `temporary` in the place of `path` at one stroke; false with the reason in `error`.
+bool replaceFile(const std::string& temporary, const std::string& path, std::string& error);
+void removeFile(const std::string& path);
+} // namespace audiocore::platform

@@ -1,0 +1,270 @@
+#include "platform.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <functional>
+#include <memory>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#ifdef __linux__
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/xattr.h>
+#endif
+
+namespace platform = audiocore::platform;
+
+namespace {
+constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+
+struct Descriptor
+{
+    explicit Descriptor(int number) : fd(number) {}
+    ~Descriptor()
+    {
+        if (fd >= 0)
+            ::close(fd);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    const int fd;
+};
+
+std::string folderOf(const std::string& path)
+{
+    const size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+}
+
+/// What the temporary copies of a file start with. No name of music: a folder walk passes them over.
+std::string temporaryPrefix(const std::string& path)
+{
+    char hash[32];
+    std::snprintf(hash, sizeof hash, ".melodrift-%016zx-",
+                  std::hash<std::string>()(path.substr(folderOf(path).size())));
+    return hash;
+}
+
+/// Removes copies whose writer is gone: a living writer holds a lock on its copy.
+void removeLeftovers(const std::string& folder, const std::string& prefix)
+{
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
+    if (!entries)
+        return;
+    while (const dirent* entry = ::readdir(entries.get())) {
+        if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) != 0)
+            continue;
+        const std::string path = folder + entry->d_name;
+        const Descriptor file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (file.fd >= 0 && ::flock(file.fd, LOCK_EX | LOCK_NB) == 0)
+            ::unlink(path.c_str());
+    }
+}
+
+bool copyByBlocks(int from, int to)
+{
+    std::vector<char> block(256 * 1024);
+    for (;;) {
+        const ssize_t got = ::read(from, block.data(), block.size());
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return got == 0;
+        for (ssize_t done = 0; done < got;) {
+            const ssize_t put = ::write(to, block.data() + done, size_t(got - done));
+            if (put < 0 && errno != EINTR)
+                return false;
+            done += std::max<ssize_t>(put, 0);
+        }
+    }
+}
+
+bool copyContent(int from, int to, off_t size)
+{
+#ifdef __linux__
+    if (::ioctl(to, FICLONE, from) == 0)
+        return true;
+    off_t left = size;
+    while (left > 0) {
+        const ssize_t copied = ::copy_file_range(from, nullptr, to, nullptr, size_t(left), 0);
+        if (copied <= 0)
+            break; // not supported here, or a full disk: the plain copy goes on and tells
+        left -= copied;
+    }
+    if (left == 0)
+        return true;
+#else
+    (void)size;
+#endif
+    return copyByBlocks(from, to);
+}
+
+void copyAttributes(int from, int to)
+{
+#ifdef __linux__
+    const ssize_t size = ::flistxattr(from, nullptr, 0);
+    if (size <= 0)
+        return;
+    std::vector<char> names(static_cast<size_t>(size));
+    const ssize_t listed = ::flistxattr(from, names.data(), names.size());
+    for (ssize_t at = 0; at < listed; at += ssize_t(std::strlen(&names[size_t(at)])) + 1) {
+        const char* name = &names[size_t(at)];
+        const ssize_t length = ::fgetxattr(from, name, nullptr, 0);
+        if (length < 0)
+            continue;
+        std::vector<char> value(static_cast<size_t>(length) + 1);
+        const ssize_t read = ::fgetxattr(from, name, value.data(), value.size());
+        if (read >= 0)
+            (void)!::fsetxattr(to, name, value.data(), size_t(read), 0);
+    }
+#else
+    (void)from;
+    (void)to;
+#endif
+}
+
+std::string reason()
+{
+    return std::strerror(errno);
+}
+
+/// Root may write everywhere; a file or folder that nobody may write stays as it is all the same.
+bool mayReplace(const std::string& path, const std::string& folder, std::string& error)
+{
+    struct stat file = {};
+    struct stat directory = {};
+    if (::stat(path.c_str(), &file) != 0 || ::stat(folder.c_str(), &directory) != 0) {
+        error = reason();
+        return false;
+    }
+    if (!(file.st_mode & anyWrite) || ::access(path.c_str(), W_OK) != 0) {
+        error = "the file is read-only";
+        return false;
+    }
+    if (!(directory.st_mode & anyWrite) || ::access(folder.c_str(), W_OK) != 0) {
+        error = "the folder is read-only";
+        return false;
+    }
+    return true;
+}
+} // namespace
+
+bool platform::FileState::operator==(const FileState& other) const
+{
+    return device == other.device && inode == other.inode && size == other.size && modified == other.modified;
+}
+
+bool platform::stateOf(const std::string& path, FileState& state)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0)
+        return false;
+    state.device = status.st_dev;
+    state.inode = status.st_ino;
+    state.size = status.st_size;
+#ifdef __APPLE__
+    const timespec& modified = status.st_mtimespec;
+#else
+    const timespec& modified = status.st_mtim;
+#endif
+    state.modified = std::int64_t(modified.tv_sec) * 1000000000 + modified.tv_nsec;
+    state.links = status.st_nlink;
+    state.regular = S_ISREG(status.st_mode);
+    state.writable = (status.st_mode & anyWrite) != 0;
+    return true;
+}
+
+std::FILE* platform::openFile(const std::string& path, bool writing)
+{
+    const int fd = ::open(path.c_str(), (writing ? O_RDWR : O_RDONLY) | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0)
+        return nullptr;
+    std::FILE* file = ::fdopen(fd, writing ? "r+b" : "rb");
+    if (!file)
+        ::close(fd);
+    return file;
+}
+
+bool platform::seekTo(std::FILE* file, std::int64_t offset)
+{
+    return ::fseeko(file, off_t(offset), SEEK_SET) == 0;
+}
+
+bool platform::truncateTo(std::FILE* file, std::int64_t size)
+{
+    return ::ftruncate(::fileno(file), off_t(size)) == 0;
+}
+
+bool platform::syncToDevice(std::FILE* file)
+{
+    return ::fsync(::fileno(file)) == 0;
+}
+
+std::string platform::realPath(const std::string& path)
+{
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
+    return real ? std::string(real.get()) : std::string();
+}
+
+std::string platform::copyBeside(const std::string& path, std::FILE*& lock, std::string& error)
+{
+    const std::string folder = folderOf(path);
+    if (!mayReplace(path, folder, error))
+        return std::string();
+    const std::string prefix = temporaryPrefix(path);
+    removeLeftovers(folder, prefix);
+
+    const Descriptor original(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status = {};
+    if (original.fd < 0 || ::fstat(original.fd, &status) != 0) {
+        error = reason();
+        return std::string();
+    }
+    std::string temporary = folder + prefix + "XXXXXX";
+    const int copy = ::mkstemp(temporary.data());
+    if (copy < 0) {
+        error = "no new file can be made in the folder: " + reason();
+        return std::string();
+    }
+    lock = ::fdopen(copy, "r+b");
+    ::flock(copy, LOCK_EX | LOCK_NB);
+    bool whole = copyContent(original.fd, copy, status.st_size);
+    whole = whole && ::fchmod(copy, status.st_mode & 07777) == 0;
+    // Without the right to give files away the copy stays this user's.
+    if (whole && ::fchown(copy, status.st_uid, status.st_gid) != 0)
+        (void)!::fchown(copy, uid_t(-1), status.st_gid);
+    if (!whole) {
+        error = "the new file cannot be written: " + reason();
+        std::fclose(lock);
+        lock = nullptr;
+        ::unlink(temporary.c_str());
+        return std::string();
+    }
+    copyAttributes(original.fd, copy);
+    return temporary;
+}
+
+bool platform::replaceFile(const std::string& temporary, const std::string& path, std::string& error)
+{
+    if (::rename(temporary.c_str(), path.c_str()) != 0) {
+        error = reason();
+        return false;
+    }
+    const Descriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_CLOEXEC));
+    if (folder.fd >= 0)
+        ::fsync(folder.fd);
+    return true;
+}
+
+void platform::removeFile(const std::string& path)
+{
+    ::unlink(path.c_str());
+}

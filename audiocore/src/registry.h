@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <new>
+#include <unordered_map>
+
+namespace audiocore {
+/// Holds what stands behind the handles of one kind. A handle is an object without data of its own: its
+/// memory may be given back at any time without a word, or never. What stood behind a handle that is gone
+/// stays until a new one takes its address. Never destroyed, so that calls stay defined to the end of the
+/// process.
+template <typename State>
+class Registry
+{
+public:
+    static Registry& instance()
+    {
+        static auto* registry = new Registry;
+        return *registry;
+    }
+
+    /// A new handle of the class, or null when memory is short.
+    template <typename Handle>
+    Handle* make()
+    {
+        static_assert(sizeof(Handle) == sizeof(void*), "a handle carries no data");
+        void* memory = ::operator new(sizeof(Handle), std::nothrow);
+        if (!memory)
+            return nullptr;
+        auto* handle = new (memory) Handle;
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_states[handle] = std::make_shared<State>();
+        return handle;
+    }
+
+    std::shared_ptr<State> of(const void* handle)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_states.at(handle);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::unordered_map<const void*, std::shared_ptr<State>> m_states;
+};
+} // namespace audiocore

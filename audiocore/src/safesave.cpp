@@ -1,0 +1,113 @@
+#include "safesave.h"
+
+#include "checkedstream.h"
+#include "log.h"
+#include "platform.h"
+
+#include <memory>
+
+using audiocore::CheckedStream;
+using audiocore::TagEdits;
+
+namespace {
+using Lock = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+/// The edits that the file needs; false with a reason when it cannot be read.
+bool neededEdits(const std::string& path, const TagEdits& edits, TagEdits& needed, std::string& error)
+{
+    CheckedStream stream(path, CheckedStream::Mode::Read);
+    if (!stream.isOpen()) {
+        error = stream.openError();
+        return false;
+    }
+    const audiocore::MediaFile media = audiocore::openMedia(stream, true);
+    if (!media.file) {
+        error = "it holds no music that can be read";
+        return false;
+    }
+    needed = audiocore::changesOf(edits, audiocore::readTags(media));
+    return true;
+}
+
+/// The tag library leaves the file's length in a WMA header as it was; players guess the duration from it.
+void correctAsfSize(CheckedStream& stream)
+{
+    static const TagLib::ByteVector fileProperties(
+        "\xA1\xDC\xAB\x8C\x47\xA9\xCF\x11\x8E\xE4\x00\xC0\x0C\x20\x53\x65", 16);
+    constexpr unsigned long headerSearch = 1024 * 1024;
+    constexpr long sizeOffset = 40;
+    stream.seek(0);
+    const TagLib::ByteVector header = stream.readBlock(headerSearch);
+    const int object = header.find(fileProperties);
+    if (object < 0)
+        return;
+    stream.seek(object + sizeOffset);
+    stream.writeBlock(TagLib::ByteVector::fromLongLong(stream.length(), false));
+}
+
+/// Edits the copy and hands it to the device.
+bool editCopy(const std::string& copy, const TagEdits& edits, std::string& error)
+{
+    CheckedStream stream(copy, CheckedStream::Mode::ReadWrite);
+    if (!stream.isOpen()) {
+        error = stream.openError();
+        return false;
+    }
+    {
+        const audiocore::MediaFile media = audiocore::openMedia(stream, true);
+        if (!media.file || !audiocore::writeTags(media, edits)) {
+            error = "the tag cannot be written";
+            return false;
+        }
+        if (media.format == AUDIO_FORMAT_WMA)
+            correctAsfSize(stream);
+    }
+    if (!stream.flushToDevice()) {
+        error = "the new file cannot be written, the disk may be full";
+        return false;
+    }
+    return true;
+}
+
+/// Whether the copy now reads as the edits want it: the old file is not given up for one that does not.
+bool readsAsWanted(const std::string& copy, const TagEdits& edits, std::string& error)
+{
+    TagEdits left;
+    if (!neededEdits(copy, edits, left, error))
+        return false;
+    if (left.isEmpty())
+        return true;
+    error = "the new file does not read back as written";
+    return false;
+}
+
+bool saveChanges(const std::string& path, const TagEdits& changes, std::string& error)
+{
+    const std::string target = audiocore::platform::realPath(path);
+    std::FILE* lockFile = nullptr;
+    const std::string copy = audiocore::platform::copyBeside(target, lockFile, error);
+    const Lock lock(lockFile, [](std::FILE* file) { return file ? std::fclose(file) : 0; });
+    if (copy.empty())
+        return false;
+    audiocore::platform::FileState state;
+    if (audiocore::platform::stateOf(target, state) && state.links > 1)
+        audiocore::logLine(target, "has further names (hard links); they keep the tags as they were");
+    if (editCopy(copy, changes, error) && readsAsWanted(copy, changes, error) &&
+        audiocore::platform::replaceFile(copy, target, error))
+        return true;
+    audiocore::platform::removeFile(copy);
+    return false;
+}
+} // namespace
+
+bool audiocore::saveEdits(const std::string& path, const TagEdits& edits)
+{
+    std::string error;
+    TagEdits changes;
+    bool saved = neededEdits(path, edits, changes, error);
+    if (saved && !changes.isEmpty())
+        saved = saveChanges(path, changes, error);
+    if (!saved)
+        logLine(path, "the tag was not saved: " + error);
+    return saved;
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "tagfields.h"
+
+#include <string>
+
+namespace audiocore {
+/// Saves edits of a file's tag: a complete new file is written beside the old one, flushed, and put in its
+/// place, so that whatever happens the file is the old one or the new one, whole. Nothing is written when the
+/// edits change nothing. False on failure, with one log line.
+bool saveEdits(const std::string& path, const TagEdits& edits);
+} // namespace audiocore

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace audiocore {
+/// UTF-32 to UTF-8; nothing when the text holds a surrogate half or a number that is no character.
+std::optional<std::string> toUtf8(const std::u32string& text);
+/// UTF-8 to UTF-32; what is no UTF-8 becomes U+FFFD.
+std::u32string toUtf32(const std::string& text);
+
+/// The four digits of whatever date the text holds; empty when it holds none.
+std::string yearOf(const std::string& date);
+/// The number before a "/", without blanks and leading zeros; empty for none and for 0.
+std::string trackOf(const std::string& track);
+} // namespace audiocore

@@ -1,0 +1,528 @@
+#include "centerwidget.h"
+
+#include "audiocore/iaudiotag.h"
+#include "classification.h"
+#include "common/messagedialog.h"
+#include "dupmusicinfo.h"
+#include "dupmusiclistmodel.h"
+#include "musiclistmodel.h"
+#include "paintdupnumberdelegate.h"
+#include "qiorvoutil.h"
+#include "qmusicinfo.h"
+#include "songfields.h"
+#include "songviews.h"
+#include "ui_centerwidget.h"
+
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QMimeData>
+#include <QPainter>
+#include <QShortcut>
+#include <QTimer>
+#include <QUrl>
+
+int m_local_add_or_ScanAgain = 0;
+
+namespace {
+constexpr int columnModeGrid = 1;
+constexpr int columnModeTable = 6;
+constexpr int columnModeDupTable = 7;
+constexpr int rightColumnWidth = 330;
+constexpr int titleColumnWidth = 500;
+constexpr int dropPictureGap = 24;
+
+QString skin(const char* name)
+{
+    return QIOrvoUtil::getResourcePath() + QLatin1String("/Image/") + QLatin1String(name);
+}
+
+/// Shows a notice; whether its action button was chosen.
+bool notify(const QString& text, const char* actionButton, bool cancelHidden)
+{
+    MessageDialog message;
+    message.setMessageContect(text);
+    message.SetButtonTypeImage(skin(actionButton), QString());
+    message.SetCancelButtonHidden(cancelHidden);
+    return message.exec() == 1;
+}
+} // namespace
+
+CenterWidget::CenterWidget(QWidget* parent)
+    : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()), m_dropPicture(skin("bg_openfile.png"))
+{
+    ui->setupUi(this);
+    setLayout(ui->m_layout);
+    ui->horizontalLayoutWidget->hide();
+    Init();
+    InitView();
+    InitConnect();
+}
+
+CenterWidget::~CenterWidget()
+{
+    setSongSource(nullptr);
+    setGroupSource(columnModeDupTable);
+    qDeleteAll(m_localMusicList);
+}
+
+void CenterWidget::Init()
+{
+    ui->m_btnGridDisplay->setBtnImage(skin("button_preview_left.png"));
+    ui->m_btnTableDisplay->setBtnImage(skin("button_preview_right.png"));
+    ui->m_btnOpen->setBtnImage(skin("button_open.png"));
+    ui->m_btnGridDisplay->setEnabled(false);
+    ui->m_btnOpen->hide();
+    ui->m_backgroundImageWidget->SetImageBackgroud(skin("bg_right_nofile.png"), true);
+    ui->m_musicDetailedWidget->hide();
+    ui->m_dupMusicDetailedWidget->hide();
+    m_openShortcut =
+        new QShortcut(QKeySequence::Open, this, SLOT(OnBtnOpenFile()), nullptr, Qt::WindowShortcut);
+    m_openShortcut->setEnabled(false);
+    setAcceptDrops(false);
+}
+
+void CenterWidget::InitView()
+{
+    m_allMusicGridModel = new MusicListModel(this);
+    m_allMusicTableModel = new MusicListModel(this);
+    m_dupMusicGridModel = new DupMusicListModel(this);
+    m_dupMusicTableModel = new DupMusicListModel(this);
+    setSongSource(m_pAllMusicList);
+    setGroupSource(columnModeDupTable);
+
+    SongViews::initGrid(ui->m_allMusicListView);
+    SongViews::initGrid(ui->m_dupMusicListView);
+    SongViews::initTable(ui->m_allMusicTableView);
+    SongViews::initTable(ui->m_dupMusicTableView);
+    ui->m_allMusicListView->setModel(m_allMusicGridModel);
+    ui->m_allMusicTableView->setModel(m_allMusicTableModel);
+    ui->m_dupMusicListView->setModel(m_dupMusicGridModel);
+    ui->m_dupMusicTableView->setModel(m_dupMusicTableModel);
+    QFont captions = ui->m_allMusicListView->font();
+    captions.setPointSize(9);
+    ui->m_allMusicListView->setFont(captions);
+    ui->m_dupMusicListView->setItemDelegate(new PaintDupNumberDelegate(this));
+    ui->m_allMusicTableView->setColumnWidth(0, titleColumnWidth);
+
+    for (QWidget* view : views())
+        view->hide();
+    m_pCurrentView = ui->m_allMusicListView;
+}
+
+void CenterWidget::InitConnect()
+{
+    connect(ui->m_btnGridDisplay, SIGNAL(clicked()), this, SLOT(OnBtnGridView()));
+    connect(ui->m_btnTableDisplay, SIGNAL(clicked()), this, SLOT(OnBtnTableView()));
+    connect(ui->m_btnOpen, SIGNAL(clicked()), this, SLOT(OnBtnOpenFile()));
+    const char* const clicked = SIGNAL(clicked(QModelIndex));
+    const char* const doubleClicked = SIGNAL(doubleClicked(QModelIndex));
+    connect(ui->m_allMusicListView, clicked, this, SLOT(SlotClickAllMusicIndex(QModelIndex)));
+    connect(ui->m_allMusicTableView, clicked, this, SLOT(SlotClickAllMusicIndex(QModelIndex)));
+    connect(ui->m_dupMusicListView, clicked, this, SLOT(SlotClickDupMusicIndex(QModelIndex)));
+    connect(ui->m_dupMusicTableView, clicked, this, SLOT(SlotClickDupMusicIndex(QModelIndex)));
+    connect(ui->m_allMusicListView, doubleClicked, this, SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
+    connect(ui->m_allMusicTableView, doubleClicked, this, SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
+    connect(ui->m_dupMusicListView, doubleClicked, this, SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
+    connect(ui->m_dupMusicTableView, doubleClicked, this, SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
+
+    connect(&m_intake, SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
+}
+
+// --- views
+// ---------------------------------------------------------------------------------------------------------
+
+std::array<QAbstractItemView*, 4> CenterWidget::views() const
+{
+    return {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView};
+}
+
+QAbstractItemView* CenterWidget::chosenView() const
+{
+    if (m_nViewKind == ViewDuplicates)
+        return m_bGridMode ? static_cast<QAbstractItemView*>(ui->m_dupMusicListView)
+                           : ui->m_dupMusicTableView;
+    return m_bGridMode ? static_cast<QAbstractItemView*>(ui->m_allMusicListView) : ui->m_allMusicTableView;
+}
+
+void CenterWidget::switchView()
+{
+    if (m_pCurrentView)
+        m_pCurrentView->hide();
+    m_pCurrentView = chosenView();
+    showCurrentView();
+}
+
+/// The local mode without a song keeps its drop zone in sight; otherwise the view lies above it.
+void CenterWidget::showCurrentView()
+{
+    const bool dropZone = QIOrvoUtil::m_cleanMode && m_localMusicList.isEmpty();
+    m_pCurrentView->setVisible(!dropZone);
+    ui->m_btnOpen->lower();
+    ui->m_btnOpen->setFocusPolicy(dropZone ? Qt::StrongFocus : Qt::NoFocus);
+}
+
+void CenterWidget::setSongSource(QList<QMusicInfo*>* list)
+{
+    m_allMusicGridModel->setDataSourceList(list, columnModeGrid, false);
+    m_allMusicTableModel->setDataSourceList(list, columnModeTable, false);
+}
+
+void CenterWidget::setGroupSource(int tableColumns)
+{
+    m_dupMusicGridModel->setDupMusicDataSource(&m_dupMusicInfoList, columnModeGrid, false);
+    m_dupMusicTableModel->setDupMusicDataSource(&m_dupMusicInfoList, tableColumns, false);
+}
+
+void CenterWidget::OnBtnGridView()
+{
+    m_bGridMode = true;
+    ui->m_btnGridDisplay->setEnabled(false);
+    ui->m_btnTableDisplay->setEnabled(true);
+    switchView();
+}
+
+void CenterWidget::OnBtnTableView()
+{
+    m_bGridMode = false;
+    ui->m_btnTableDisplay->setEnabled(false);
+    ui->m_btnGridDisplay->setEnabled(true);
+    switchView();
+}
+
+void CenterWidget::slotShowAllmusicView()
+{
+    setSongSource(m_pAllMusicList);
+    m_nViewKind = ViewAll;
+    switchView();
+}
+
+void CenterWidget::slotShowUndefineMusicView()
+{
+    setSongSource(&m_undefinedMusicList);
+    m_nViewKind = ViewUndefined;
+    switchView();
+}
+
+void CenterWidget::slotShowDuplicateMusicView()
+{
+    // The model shows the same seven columns for 6 as for 7; both values are wanted where they stand.
+    setGroupSource(columnModeTable);
+    m_dupMusicGridModel->refresh();
+    m_dupMusicTableModel->refresh();
+    m_nViewKind = ViewDuplicates;
+    switchView();
+}
+
+void CenterWidget::ShowWidget()
+{
+    switchView();
+}
+
+void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
+{
+    if (m_bForbidClick)
+        return;
+    m_nCurrentRow = index.row();
+    ui->m_allMusicListView->setCurrentIndex(m_allMusicGridModel->index(m_nCurrentRow, 0));
+    ui->m_allMusicTableView->setCurrentIndex(m_allMusicTableModel->index(m_nCurrentRow, 0));
+    ui->m_musicDetailedWidget->SetMusicDetailedInfo(m_allMusicGridModel->nodeFromIndex(index));
+}
+
+void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
+{
+    // Not kept from clicking, unlike the list of songs.
+    m_nCurrentDupRow = index.row();
+    ui->m_dupMusicListView->setCurrentIndex(m_dupMusicGridModel->index(index.row(), 0));
+    ui->m_dupMusicTableView->setCurrentIndex(m_dupMusicTableModel->index(index.row(), 0));
+    if (DupMusicInfo* group = m_dupMusicGridModel->nodeFromIndex(index))
+        ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(&group->musicList);
+}
+
+void CenterWidget::SlotDoubleClickAllMusicIndex(const QModelIndex& index)
+{
+    if (QMusicInfo* song = m_allMusicGridModel->nodeFromIndex(index))
+        emit emitStartToPlayMusic(song);
+}
+
+void CenterWidget::SlotDoubleClickDupMusicIndex(const QModelIndex& index)
+{
+    const DupMusicInfo* group = m_dupMusicGridModel->nodeFromIndex(index);
+    if (group && !group->musicList.isEmpty())
+        emit emitStartToPlayMusic(group->musicList.first());
+}
+
+void CenterWidget::SlotForbidToClickView(bool forbid)
+{
+    m_bForbidClick = forbid;
+    emit emitForbidClickNavigBtn(forbid);
+}
+
+void CenterWidget::SlotHiddenMusicDetailedWidget()
+{
+    ui->m_musicDetailedWidget->hide();
+    ui->m_dupMusicDetailedWidget->hide();
+}
+
+// --- modes
+// ---------------------------------------------------------------------------------------------------------
+
+void CenterWidget::SwitchToLocalCleanModel()
+{
+    enterMode(true);
+}
+
+void CenterWidget::SwitchToiTunesCleanModel()
+{
+    enterMode(false);
+}
+
+void CenterWidget::enterMode(bool local)
+{
+    if (m_pCurrentView)
+        m_pCurrentView->setVisible(!local);
+    ui->m_btnOpen->setVisible(local);
+    ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
+    SlotHiddenMusicDetailedWidget();
+    ClearSelectedWidget();
+    setAcceptDrops(local);
+    m_openShortcut->setEnabled(local);
+    QIOrvoUtil::m_cleanMode = local;
+    update();
+}
+
+void CenterWidget::ClearSelectedWidget()
+{
+    const QList<QMusicInfo*> songs = std::exchange(m_localMusicList, {});
+    m_undefinedMusicList.clear();
+    clearGroups();
+    // Neither mode shows the other's songs: whatever was listed before, the emptied list is.
+    m_pAllMusicList = &m_localMusicList;
+    setSongSource(m_pAllMusicList);
+    setGroupSource(columnModeDupTable);
+    ui->m_musicDetailedWidget->SetMusicDetailedInfo(nullptr);
+    for (IAudioTag* tag : std::exchange(m_tagList, {}))
+        if (tag)
+            tag->Close();
+    m_intake.reader().forgetCovers();
+    qDeleteAll(songs);
+}
+
+// --- classification
+// ------------------------------------------------------------------------------------------------
+
+void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
+{
+    clearClassification();
+    m_pAllMusicList = list;
+    showAllSongs();
+    collectSongs();
+    emit emitUndefinedMusicCount(m_undefinedMusicList.size());
+    groupDuplicates();
+    emit emitDuplicateMusicCount(m_dupMusicInfoList.size());
+}
+
+void CenterWidget::setLocalMusicInfo()
+{
+    clearClassification();
+    if (m_bFilesAdded)
+        m_pAllMusicList = &m_localMusicList;
+    if (m_pAllMusicList->isEmpty()) {
+        notify(QStringLiteral("Sorry,Please add file from local."), "button_ok.png", true);
+        return;
+    }
+    showAllSongs();
+    collectSongs();
+    groupDuplicates();
+    setGroupSource(columnModeDupTable);
+    qInfo("songs: %d, undefined: %d, duplicate groups: %d", m_pAllMusicList->size(),
+          m_undefinedMusicList.size(), m_dupMusicInfoList.size());
+    emit emitMusicCount(m_pAllMusicList->size(), m_undefinedMusicList.size(), m_dupMusicInfoList.size());
+    emit emitFinishScanninglocalMusic();
+}
+
+void CenterWidget::SlotMusicInfoHaveBeEdited()
+{
+    m_allMusicTableModel->refresh();
+    m_allMusicGridModel->refresh();
+    collectSongs();
+    emit emitUndefinedMusicCount(m_undefinedMusicList.size());
+    clearGroups();
+    groupDuplicates();
+    emit emitDuplicateMusicCount(m_dupMusicInfoList.size());
+    if (m_nViewKind == ViewUndefined)
+        setSongSource(&m_undefinedMusicList);
+}
+
+int CenterWidget::ReturnUndefinedMusicCount() const
+{
+    return m_undefinedMusicList.size();
+}
+
+int CenterWidget::ReturnDuplicateMusicCount() const
+{
+    return m_dupMusicInfoList.size();
+}
+
+void CenterWidget::clearClassification()
+{
+    m_undefinedMusicList.clear();
+    clearGroups();
+}
+
+void CenterWidget::clearGroups()
+{
+    ui->m_dupMusicDetailedWidget->hide();
+    ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(nullptr);
+    m_dupMusicInfoList.clear();
+    m_formerGroups = std::exchange(m_groups, Groups());
+}
+
+void CenterWidget::showAllSongs()
+{
+    setSongSource(m_pAllMusicList);
+    m_nViewKind = ViewAll;
+    switchView();
+}
+
+void CenterWidget::collectSongs()
+{
+    m_undefinedMusicList.clear();
+    m_classifiedList.clear();
+    m_titleList.clear();
+    m_durationList.clear();
+    for (QMusicInfo* song : qAsConst(*m_pAllMusicList)) {
+        if (!SongFields::available(song))
+            continue;
+        const QString title = SongFields::title(song);
+        m_classifiedList.append(song);
+        m_titleList.append(title);
+        m_durationList.append(SongFields::duration(song));
+        if (Classification::isUndefined(title, SongFields::artist(song), SongFields::album(song),
+                                        SongFields::genre(song)))
+            m_undefinedMusicList.append(song);
+    }
+}
+
+void CenterWidget::groupDuplicates()
+{
+    for (const auto& positions : Classification::groupDuplicates(m_titleList, m_durationList)) {
+        m_groups.push_back(std::make_unique<DupMusicInfo>());
+        m_dupMusicInfoList.append(m_groups.back().get());
+        for (const int position : positions)
+            m_groups.back()->musicList.append(m_classifiedList.at(position));
+    }
+}
+
+// --- intake
+// --------------------------------------------------------------------------------------------------------
+
+void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (m_intake.isRunning()) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    if (event->mimeData()->hasFormat(QStringLiteral("text/uri-list")))
+        event->acceptProposedAction();
+}
+
+void CenterWidget::dropEvent(QDropEvent* event)
+{
+    QStringList paths;
+    for (const QUrl& url : event->mimeData()->urls())
+        paths.append(url.toLocalFile());
+    if (paths.isEmpty() || m_intake.isRunning())
+        return;
+    event->acceptProposedAction();
+    // The source of the drag waits for this handler: it is let go before the long work starts.
+    QTimer::singleShot(0, this, [this, paths] { TakeDroppedPaths(paths); });
+}
+
+void CenterWidget::TakeDroppedPaths(const QStringList& paths)
+{
+    if (!QIOrvoUtil::m_cleanMode || m_intake.isRunning())
+        return;
+    m_dropFileList.clear();
+    for (const QString& path : paths)
+        DragMusicIntoLocalToAddFile(path);
+    m_bFromDrop = true;
+    OnBtnOpenFile();
+    emit emitSetNavigViewBtn();
+}
+
+void CenterWidget::DragMusicIntoLocalToAddFile(const QString& path)
+{
+    m_dropFileList += m_intake.collect(path, m_dropFileList.size());
+}
+
+void CenterWidget::OnBtnOpenFile()
+{
+    QStringList files;
+    if (std::exchange(m_bFromDrop, false)) {
+        files = m_dropFileList;
+        if (files.isEmpty()) {
+            offerFileDialog();
+            return;
+        }
+    } else {
+        files = QFileDialog::getOpenFileNames(
+            this, QStringLiteral("open"), QString(),
+            QStringLiteral("music files(*.mp3 *.m4a *.ape *.aac *.flac *.wma *.wav *.ogg)"));
+        if (files.isEmpty())
+            return;
+    }
+    addFiles(files);
+}
+
+void CenterWidget::offerFileDialog()
+{
+    if (m_intake.isStopped())
+        return;
+    if (notify(QStringLiteral("Add file(s) failed! Please add music files again."), "button_addmusic.png",
+               false))
+        OnBtnOpenFile();
+}
+
+void CenterWidget::addFiles(const QStringList& files)
+{
+    m_bFilesAdded = true;
+    m_local_add_or_ScanAgain = 1;
+    m_intake.add(files, m_localMusicList, m_tagList);
+    emit emitIntakeFinished();
+    if (m_intake.isStopped())
+        return;
+    const bool confirmed =
+        notify(QStringLiteral("Add file(s) successfully! \nClick Start Scan to clean up right away!"),
+               "btn_msg_startscan.png", true);
+    if (!confirmed)
+        return;
+    showCurrentView();
+    ui->m_btnOpen->show();
+    setLocalMusicInfo();
+}
+
+// --- painting
+// ------------------------------------------------------------------------------------------------------
+
+void CenterWidget::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(255, 255, 255, 255));
+    // The face of the right column goes on where its pictures end.
+    const QRect column = ui->verticalLayoutWidget->geometry();
+    painter.fillRect(column, QColor(0xF5, 0xFA, 0xFD));
+    painter.fillRect(column.left(), column.top(), 1, column.height(), QColor(0xC9, 0xDD, 0xE9));
+    if (ui->m_btnOpen->isHidden())
+        return;
+    placeOpenButton();
+    const QSize picture = m_dropPicture.size();
+    const QPoint corner((width() - rightColumnWidth - picture.width()) / 2,
+                        ui->m_btnOpen->y() - picture.height() - dropPictureGap);
+    painter.drawImage(corner, m_dropPicture.image(devicePixelRatioF()));
+}
+
+void CenterWidget::placeOpenButton()
+{
+    ui->m_btnOpen->move((width() - ui->m_btnOpen->width() - rightColumnWidth) / 2, height() - 250);
+}

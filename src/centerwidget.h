@@ -1,0 +1,152 @@
+#pragma once
+
+#include "common/skinpicture.h"
+#include "localintake.h"
+
+#include <QList>
+#include <QStringList>
+#include <QWidget>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+class DupMusicListModel;
+class IAudioTag;
+class MusicListModel;
+class QAbstractItemView;
+class QModelIndex;
+class QShortcut;
+struct DupMusicInfo;
+struct QMusicInfo;
+
+namespace Ui {
+class CenterWidget;
+}
+
+/// What Start Scan does in the local mode: 0 opens the add-files dialog, 1 scans the files already added.
+extern int m_local_add_or_ScanAgain;
+
+/// The content area: the song lists of the mode in force, the four views on them, and the panels of one song
+/// and of one duplicate group. Takes local files in and classifies songs. GUI thread only.
+class CenterWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit CenterWidget(QWidget* parent = nullptr);
+    ~CenterWidget() override;
+
+    /// Classifies the songs of an iTunes scan; the list stays the caller's and must outlive its use here.
+    void setMusicInfoList(QList<QMusicInfo*>* list);
+    /// Classifies the local songs added so far.
+    void setLocalMusicInfo();
+    int ReturnUndefinedMusicCount() const;
+    /// The number of groups, not of songs.
+    int ReturnDuplicateMusicCount() const;
+
+    void SwitchToLocalCleanModel();
+    void SwitchToiTunesCleanModel();
+    void ClearSelectedWidget();
+    void ShowWidget();
+
+    /// Takes files and folders in as a drop of them does.
+    void TakeDroppedPaths(const QStringList& paths);
+    /// Lists empty while this is true would be lost: switching modes waits for its end.
+    bool IntakeIsRunning() const { return m_intake.isRunning(); }
+    /// Ends a running intake for good, without its message; for when the window closes.
+    void StopIntake() { m_intake.stop(); }
+
+signals:
+    void emitShowMusicDetailedInfo(QMusicInfo* song);
+    void emitUndefinedMusicCount(int count);
+    void emitDuplicateMusicCount(int groups);
+    void emitMusicCount(int all, int undefined, int groups);
+    void emitFinishScanninglocalMusic();
+    void emitStartToPlayMusic(QMusicInfo* song);
+    void emitSetNavigViewBtn();
+    void emitForbidClickNavigBtn(bool forbid);
+    /// Several times a second while files are read for longer than a blink.
+    void emitIntakeProgress(int done, int total);
+    /// When files were read, before the message about it.
+    void emitIntakeFinished();
+
+public slots:
+    void OnBtnGridView();
+    void OnBtnTableView();
+    void OnBtnOpenFile();
+    void DragMusicIntoLocalToAddFile(const QString& path);
+    void DragMusicIntoiTunes() {}
+    void slotShowAllmusicView();
+    void slotShowUndefineMusicView();
+    void slotShowDuplicateMusicView();
+    void SlotClickAllMusicIndex(const QModelIndex& index);
+    void SlotClickDupMusicIndex(const QModelIndex& index);
+    void SlotDoubleClickAllMusicIndex(const QModelIndex& index);
+    void SlotDoubleClickDupMusicIndex(const QModelIndex& index);
+    void SlotForbidToClickView(bool forbid);
+    void SlotHiddenMusicDetailedWidget();
+    void SlotMusicInfoHaveBeEdited();
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    enum ViewKind { ViewAll = 0, ViewDuplicates = 1, ViewUndefined = 2 };
+    using Groups = std::vector<std::unique_ptr<DupMusicInfo>>;
+
+    void Init();
+    void InitView();
+    void InitConnect();
+
+    void offerFileDialog();
+    void addFiles(const QStringList& files);
+
+    std::array<QAbstractItemView*, 4> views() const;
+    QAbstractItemView* chosenView() const;
+    void switchView();
+    void showCurrentView();
+    void setSongSource(QList<QMusicInfo*>* list);
+    void setGroupSource(int tableColumns);
+    void enterMode(bool local);
+    void placeOpenButton();
+
+    void clearClassification();
+    void clearGroups();
+    void showAllSongs();
+    void collectSongs();
+    void groupDuplicates();
+
+    std::unique_ptr<Ui::CenterWidget> ui;
+    SkinPicture m_dropPicture;
+
+    int m_nViewKind = ViewAll;
+    int m_nCurrentRow = 0;
+    qint64 m_nCurrentDupRow = 0;
+    bool m_bGridMode = true;
+    bool m_bForbidClick = false;
+    QAbstractItemView* m_pCurrentView = nullptr;
+    MusicListModel* m_allMusicGridModel = nullptr;
+    MusicListModel* m_allMusicTableModel = nullptr;
+    DupMusicListModel* m_dupMusicGridModel = nullptr;
+    DupMusicListModel* m_dupMusicTableModel = nullptr;
+    QShortcut* m_openShortcut = nullptr;
+
+    QList<QMusicInfo*> m_localMusicList;                     ///< owned
+    QList<IAudioTag*> m_tagList;                             ///< one per local song, same index
+    QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
+    QList<QMusicInfo*> m_undefinedMusicList;
+    QList<DupMusicInfo*> m_dupMusicInfoList;
+    Groups m_groups;       ///< owns what m_dupMusicInfoList lists
+    Groups m_formerGroups; ///< of the last classification; views point at them until they are reset
+    QList<QMusicInfo*> m_classifiedList; ///< working lists of the classification,
+    QStringList m_titleList;             ///< one entry per classified song
+    QList<quint64> m_durationList;
+
+    LocalIntake m_intake;
+    QStringList m_dropFileList;
+    bool m_bFromDrop = false;
+    bool m_bFilesAdded = false;
+};

@@ -1,0 +1,63 @@
+#include "common/messagedialog.h"
+
+#include "qiorvoutil.h"
+#include "ui_messagedialog.h"
+
+MessageDialog::MessageDialog(QWidget* parent)
+    : QImageDialog(parent), ui(std::make_unique<Ui::MessageDialog>())
+{
+    ui->setupUi(this);
+    setWindowTitle(QStringLiteral("Melodrift"));
+    setWindowIcon(QIcon(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/logo.png")));
+    setAttribute(Qt::WA_TranslucentBackground);
+    SetImageBackgroud(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/bg_message.png"));
+    InitButton();
+    InitConnect();
+}
+
+MessageDialog::~MessageDialog() = default;
+
+void MessageDialog::InitButton()
+{
+    ui->m_btnCancel->setBtnImage(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/button_continue.png"));
+    ui->m_labContent->setFont(QFont(QStringLiteral("Tahoma"), 13));
+    QPalette palette = ui->m_labContent->palette();
+    palette.setColor(QPalette::WindowText, Qt::black);
+    ui->m_labContent->setPalette(palette);
+}
+
+void MessageDialog::InitConnect()
+{
+    connect(ui->m_btnCancel, SIGNAL(clicked()), this, SLOT(SlotOnBtnCancel()));
+    connect(ui->m_btnType, SIGNAL(clicked()), this, SLOT(SlotOnBtnType()));
+}
+
+void MessageDialog::setMessageContect(const QString& text)
+{
+    ui->m_labContent->setText(text);
+    setAccessibleDescription(text);
+}
+
+void MessageDialog::SetButtonTypeImage(const QString& actionImage, const QString& cancelImage)
+{
+    if (!actionImage.isEmpty())
+        ui->m_btnType->setBtnImage(actionImage);
+    if (!cancelImage.isEmpty())
+        ui->m_btnCancel->setBtnImage(cancelImage);
+}
+
+void MessageDialog::SetCancelButtonHidden(bool hidden)
+{
+    ui->m_btnCancel->setHidden(hidden);
+}
+
+void MessageDialog::SlotOnBtnCancel()
+{
+    close();
+}
+
+void MessageDialog::SlotOnBtnType()
+{
+    close();
+    setResult(1);
+}

@@ -1,0 +1,34 @@
+#include "common/skinwords.h"
+
+#include <QFileInfo>
+#include <QHash>
+
+namespace {
+const QHash<QString, SkinWords::Words>& table()
+{
+    static const QHash<QString, SkinWords::Words> words = {
+        {QStringLiteral("btn_startscan"), {QStringLiteral("Start Scan"), true}},
+        {QStringLiteral("add_music"), {QStringLiteral("Add files"), true}},
+        {QStringLiteral("button_Scanning"), {QStringLiteral("Scanning"), true}},
+        {QStringLiteral("scan_again"), {QStringLiteral("Scan again"), true}},
+        {QStringLiteral("button_itunes_music_clean"),
+         {QStringLiteral("iTunes clean mode; click for the local clean mode"), false}},
+        {QStringLiteral("button_local_music_clean"),
+         {QStringLiteral("Local clean mode; click for the iTunes clean mode"), false}},
+        {QStringLiteral("button_preview_left"), {QStringLiteral("Show songs as covers"), false}},
+        {QStringLiteral("button_preview_right"), {QStringLiteral("Show songs as a table"), false}},
+        {QStringLiteral("button_open"), {QStringLiteral("Open music files"), true}},
+        {QStringLiteral("btn_msg_startscan"), {QStringLiteral("Start Scan"), true}},
+        {QStringLiteral("button_addmusic"), {QStringLiteral("Add music"), true}},
+        {QStringLiteral("button_ok"), {QStringLiteral("OK"), true}},
+        {QStringLiteral("button_cancel"), {QStringLiteral("Cancel"), true}},
+        {QStringLiteral("button_continue"), {QStringLiteral("Continue"), true}},
+    };
+    return words;
+}
+} // namespace
+
+SkinWords::Words SkinWords::of(const QString& picturePath)
+{
+    return table().value(QFileInfo(picturePath).completeBaseName());
+}

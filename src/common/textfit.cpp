@@ -1,0 +1,40 @@
+#include "common/textfit.h"
+
+#include <QTextBoundaryFinder>
+#include <QVector>
+
+namespace {
+bool fits(const QString& text, const QFontMetrics& metrics, const QSize& box)
+{
+    const QRect room(0, 0, box.width(), box.height());
+    return metrics.boundingRect(room, Qt::TextWrapAnywhere, text).height() <= box.height();
+}
+
+/// Where a text may be cut, ascending, 0 included.
+QVector<int> graphemeBoundaries(const QString& text)
+{
+    QVector<int> boundaries{0};
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    for (int position = finder.toNextBoundary(); position > 0; position = finder.toNextBoundary())
+        boundaries.append(position);
+    return boundaries;
+}
+} // namespace
+
+QString TextFit::elided(const QString& text, const QFontMetrics& metrics, const QSize& box)
+{
+    // No box that a screen holds shows more than this; laying out a longer text would only take time.
+    constexpr int longestLaidOut = 4096;
+    if (text.size() <= longestLaidOut && fits(text, metrics, box))
+        return text;
+    const QVector<int> cuts = graphemeBoundaries(text.left(longestLaidOut));
+    const auto candidate = [&](int cut) { return text.left(cuts.at(cut)) + QLatin1String("..."); };
+    // Dropping characters never makes the text taller, so the longest fitting beginning is found by halving.
+    int fitting = 0;
+    int tooLong = cuts.last() == text.size() ? cuts.size() - 1 : cuts.size();
+    while (tooLong - fitting > 1) {
+        const int middle = (fitting + tooLong) / 2;
+        (fits(candidate(middle), metrics, box) ? fitting : tooLong) = middle;
+    }
+    return candidate(fitting);
+}

@@ -1,0 +1,38 @@
+#include "introducethissofedialog.h"
+
+#include "homepage.h"
+#include "qiorvoutil.h"
+#include "ui_introducethissofedialog.h"
+
+IntroduceThisSofeDialog::IntroduceThisSofeDialog(QWidget* parent)
+    : QImageDialog(parent), ui(std::make_unique<Ui::IntroduceThisSofeDialog>())
+{
+    ui->setupUi(this);
+    setWindowTitle(QStringLiteral("Melodrift"));
+    setWindowIcon(QIcon(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/logo.png")));
+    setAttribute(Qt::WA_TranslucentBackground);
+    SetImageBackgroud(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/about_this_soft.png"));
+    // The picture is named without its extension.
+    ui->m_btnOk->setBtnImage(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/button_ok"));
+    InitText();
+    connect(ui->m_btnOk, SIGNAL(clicked()), this, SLOT(SlotOnBtnOk()));
+}
+
+IntroduceThisSofeDialog::~IntroduceThisSofeDialog() = default;
+
+void IntroduceThisSofeDialog::InitText()
+{
+    auto* link = new QLabel(this);
+    link->setObjectName(QStringLiteral("m_labLink"));
+    link->setFont(QFont(QStringLiteral("Tahoma"), 13));
+    link->setText(
+        QStringLiteral("<a href=\"%1\" style=\"color:#0B5C93\">%1</a>").arg(homePage().toHtmlEscaped()));
+    link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    link->setOpenExternalLinks(true);
+    link->setGeometry(ui->m_labhttp->geometry());
+}
+
+void IntroduceThisSofeDialog::SlotOnBtnOk()
+{
+    close();
+}

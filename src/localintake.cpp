@@ -1,0 +1,77 @@
+#include "localintake.h"
+
+#include "audiocore/iaudiodecoder.h"
+#include "audiocore/iaudiotag.h"
+#include "filecollection.h"
+#include "qmusicinfo.h"
+
+#include <QCoreApplication>
+
+#include <new>
+
+namespace {
+constexpr int repaintMilliseconds = 50;
+constexpr int progressAfterMilliseconds = 400;
+} // namespace
+
+/// Marks the intake as running for one scope.
+class LocalIntake::Running
+{
+public:
+    explicit Running(LocalIntake& intake) : m_intake(intake)
+    {
+        m_intake.m_bRunning = true;
+        m_intake.m_sinceStart.start();
+        m_intake.m_sinceRepaint.start();
+    }
+    ~Running() { m_intake.m_bRunning = false; }
+    Q_DISABLE_COPY(Running)
+
+private:
+    LocalIntake& m_intake;
+};
+
+LocalIntake::LocalIntake(QObject* parent) : QObject(parent) {}
+
+LocalIntake::~LocalIntake()
+{
+    // The library's objects have no release of their own: the last of each kind gives its memory back, the
+    // others stay with the library to the end of the run.
+    ::operator delete(m_pCurrentTag);
+    ::operator delete(m_pCurrentDecoder);
+}
+
+QStringList LocalIntake::collect(const QString& path, int foundBefore)
+{
+    const Running running(*this);
+    return FileCollection::musicFilesUnder(path, [this, foundBefore](int found) {
+        keepAlive(0, foundBefore + found);
+        return !m_bStopped;
+    });
+}
+
+void LocalIntake::add(const QStringList& files, QList<QMusicInfo*>& songs, QList<IAudioTag*>& tags)
+{
+    const Running running(*this);
+    m_reader.begin();
+    for (int done = 0; done < files.size() && !m_bStopped; ++done) {
+        LocalSongReader::Song song = m_reader.read(files.at(done));
+        songs.append(song.info.release());
+        tags.append(song.tag);
+        m_pCurrentTag = song.tag;
+        m_pCurrentDecoder = song.decoder;
+        if (song.decoder)
+            m_decoderList.append(song.decoder);
+        keepAlive(done + 1, files.size());
+    }
+}
+
+void LocalIntake::keepAlive(int done, int total)
+{
+    if (m_sinceRepaint.elapsed() < repaintMilliseconds)
+        return;
+    if (m_sinceStart.elapsed() >= progressAfterMilliseconds)
+        emit progress(done, total);
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    m_sinceRepaint.start();
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "localsongreader.h"
+
+#include <QElapsedTimer>
+#include <QList>
+#include <QObject>
+
+/// Takes music files in on the GUI thread while the window goes on repainting: user input waits, everything
+/// else is handled several times a second, so whatever could disturb an intake asks isRunning() first.
+class LocalIntake : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit LocalIntake(QObject* parent = nullptr);
+    ~LocalIntake() override;
+
+    /// The music file that the path names, or those lying under it; `foundBefore` counts into the progress.
+    QStringList collect(const QString& path, int foundBefore);
+    /// Reads the files and appends one song and one tag object (null where none could be made) for each. The
+    /// caller owns the songs; the tag objects stay the audio core's.
+    void add(const QStringList& files, QList<QMusicInfo*>& songs, QList<IAudioTag*>& tags);
+
+    bool isRunning() const { return m_bRunning; }
+    /// Ends what is running after the file in hand; what was added stays added. A stopped intake takes in
+    /// nothing more.
+    void stop() { m_bStopped = true; }
+    bool isStopped() const { return m_bStopped; }
+
+    LocalSongReader& reader() { return m_reader; }
+
+signals:
+    /// Several times a second once the work takes longer than a blink.
+    void progress(int done, int total);
+
+private:
+    class Running;
+
+    void keepAlive(int done, int total);
+
+    LocalSongReader m_reader;
+    IAudioTag* m_pCurrentTag = nullptr;
+    IAudioDecoder* m_pCurrentDecoder = nullptr;
+    QList<IAudioDecoder*> m_decoderList;
+    QElapsedTimer m_sinceStart;
+    QElapsedTimer m_sinceRepaint;
+    bool m_bRunning = false;
+    bool m_bStopped = false;
+};

@@ -1,0 +1,336 @@
+#include "mainwindow.h"
+
+#include "common/messagedialog.h"
+#include "homepage.h"
+#include "introducethissofedialog.h"
+#include "itunes/delmusiclib.h"
+#include "qiorvoutil.h"
+#include "ui_mainwindow.h"
+
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QMenuBar>
+#include <QMovie>
+#include <QPainter>
+#include <QTimer>
+#include <QUrl>
+
+namespace {
+constexpr int headerHeight = 102;
+constexpr int footerHeight = 26;
+constexpr int menuHeight = 20;
+constexpr int menuWidth = 320;
+constexpr int switchMilliseconds = 690;
+
+QString skin(const char* name)
+{
+    return QIOrvoUtil::getResourcePath() + QLatin1String("/Image/") + QLatin1String(name);
+}
+
+QString iTunesTips()
+{
+    return QStringLiteral("Quickly Clean iTunes Music Library,No Unknown and Duplicate Music Anymore!\n"
+                          "Click Start Scan button to start tidying your iTunes Music Library immediately.");
+}
+
+QString localTips()
+{
+    return QStringLiteral("Quickly Clean Local Music.No Unknown and Duplicate Music Anymore!\n"
+                          "Add music files and start tidying your local music now!");
+}
+
+/// The picture at the scale of the screens in use, its own ratio set.
+std::unique_ptr<QPixmap> skinPixmap(const QString& path, qreal ratio)
+{
+    return std::make_unique<QPixmap>(QPixmap::fromImage(SkinPicture(path).image(ratio)));
+}
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui::MainWindow>())
+{
+    ui->setupUi(this);
+    ui->m_centralWidget->setLayout(ui->m_layout);
+    ui->horizontalLayoutWidget->hide();
+    ui->m_layout->setContentsMargins(0, headerHeight, 0, footerHeight);
+    setWindowTitle(QStringLiteral("Melodrift"));
+    resize(1120, 713);
+    Init();
+    InitMainMenu();
+    InitConnect();
+    launchiTunes();
+    setMouseTracking(true);
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::Init()
+{
+    ui->m_btnStarScan->setBtnImage(skin("btn_startscan.png"));
+    ui->m_btniTunesClean->setBtnImage(skin("button_itunes_music_clean.png"));
+    ui->m_btnLocalClean->setBtnImage(skin("button_local_music_clean.png"));
+    m_pLocalSwitchMovie = std::make_unique<QMovie>(skin("b_local_music_clean1.gif"));
+    m_piTunesSwitchMovie = std::make_unique<QMovie>(skin("b_itunes_music_clean1.gif"));
+    m_piTunesSwitchTimer = new QTimer(this);
+    m_pLocalSwitchTimer = new QTimer(this);
+    ui->m_btnLocalClean->hide();
+    ui->m_movieLabel->setGeometry(10, 20, 50, 50);
+    showStatusPicture(QStringLiteral("pic_startscan.png"));
+    ui->m_leftMusicWidget->setAllSongsCount(0);
+    ui->m_leftMusicWidget->OnLeftWidgetBtnState();
+    ui->m_tipsLabel->setText(iTunesTips());
+    // Where the header's boxes meet in a small window, the start button stays clickable.
+    ui->m_btnStarScan->raise();
+    placeHeader();
+}
+
+void MainWindow::InitMainMenu()
+{
+    // A bar of the window's own would push the header down; this one lies on the banner. On macOS it is the
+    // system's menu bar.
+    auto* bar = new QMenuBar(this);
+    bar->setObjectName(QStringLiteral("m_menuBar"));
+    bar->setStyleSheet(QStringLiteral(
+        "QMenuBar{background:transparent;border:0}"
+        "QMenuBar::item{background:transparent;padding:1px 8px;margin:0;color:#2C4B66;border-radius:4px}"
+        "QMenuBar::item:selected{background:#D5EAF7}"
+        "QMenuBar::item:pressed{background:#BFE2F5}"));
+    const auto add = [this, bar](const QString& text, const char* icon, const char* slot) {
+        QMenu* menu = bar->addMenu(text);
+        const QAction* action = menu->addAction(QIcon(skin(icon)), text);
+        connect(action, SIGNAL(triggered()), this, slot);
+    };
+    add(QStringLiteral("Home"), "menu_home.png", SLOT(SlotHomeMenu()));
+    add(QStringLiteral("About"), "menu_about.png", SLOT(SlotAboutMenu()));
+    add(QStringLiteral("Help"), "menu_help.png", SLOT(SlotHelpMenu()));
+    add(QStringLiteral("Exit"), "menu_exit.png", SLOT(SlotExitMenu()));
+    bar->setGeometry(4, 0, menuWidth, menuHeight);
+}
+
+void MainWindow::InitConnect()
+{
+    NavigationWidget* navigation = ui->m_leftMusicWidget;
+    CenterWidget* center = ui->m_middleMusicWidget;
+    connect(ui->m_btnStarScan, SIGNAL(clicked()), this, SLOT(OnBtnStartScan()));
+    connect(ui->m_btniTunesClean, SIGNAL(clicked()), this, SLOT(SlotOnBtniTunesClean()));
+    connect(navigation, SIGNAL(emitMusicAll()), center, SLOT(slotShowAllmusicView()));
+    connect(navigation, SIGNAL(emitMusicDuplicate()), center, SLOT(slotShowDuplicateMusicView()));
+    connect(navigation, SIGNAL(emitMusicUndefined()), center, SLOT(slotShowUndefineMusicView()));
+    connect(ui->m_btnLocalClean, SIGNAL(clicked()), this, SLOT(SlotOnBtnLocalClean()));
+    connect(center, SIGNAL(emitUndefinedMusicCount(int)), navigation, SLOT(setUndefindSongsCount(int)));
+    connect(center, SIGNAL(emitDuplicateMusicCount(int)), navigation, SLOT(setDuplicateSongsCount(int)));
+    connect(center, SIGNAL(emitMusicCount(int, int, int)), navigation, SLOT(setMusicCount(int, int, int)));
+    connect(navigation, SIGNAL(emitHiddenMusicDetailedWidget()), center,
+            SLOT(SlotHiddenMusicDetailedWidget()));
+    connect(m_piTunesSwitchTimer, SIGNAL(timeout()), this, SLOT(SlotiTunesBtnMovieStop()));
+    connect(m_pLocalSwitchTimer, SIGNAL(timeout()), this, SLOT(SlotLocalBtnMovieStop()));
+    connect(center, SIGNAL(emitFinishScanninglocalMusic()), this, SLOT(SlotScanFinish()));
+    connect(center, SIGNAL(emitSetNavigViewBtn()), navigation, SLOT(SlotSetBtnState()));
+    connect(center, SIGNAL(emitForbidClickNavigBtn(bool)), navigation, SLOT(SlotForbidClickingBtn(bool)));
+
+    connect(center, SIGNAL(emitIntakeProgress(int, int)), this, SLOT(SlotIntakeProgress(int, int)));
+    connect(center, SIGNAL(emitIntakeFinished()), this, SLOT(SlotIntakeFinished()));
+}
+
+void MainWindow::setTopImage(const QString& path)
+{
+    m_pTopImage = skinPixmap(path, devicePixelRatioF());
+}
+
+void MainWindow::setFootImage(const QString& path)
+{
+    m_pFootImage = skinPixmap(path, devicePixelRatioF());
+}
+
+void MainWindow::setBackgroundImage(const QString& path)
+{
+    m_pBackgroundImage = skinPixmap(path, devicePixelRatioF());
+}
+
+void MainWindow::showStatusPicture(const QString& name)
+{
+    ui->m_movieLabel->setPixmap(*skinPixmap(skin(name.toLatin1()), devicePixelRatioF()));
+}
+
+void MainWindow::OnBtnStartScan()
+{
+    if (QIOrvoUtil::m_cleanMode) {
+        if (m_local_add_or_ScanAgain == 1)
+            ui->m_middleMusicWidget->setLocalMusicInfo();
+        else if (m_local_add_or_ScanAgain == 0)
+            ui->m_middleMusicWidget->OnBtnOpenFile();
+    } else {
+        MessageDialog message;
+        message.setMessageContect(QStringLiteral("This version does not read the iTunes library yet.\n"
+                                                 "The local clean mode tidies your music files."));
+        message.SetButtonTypeImage(skin("button_ok.png"), QString());
+        message.SetCancelButtonHidden(true);
+        message.exec();
+    }
+    ui->m_leftMusicWidget->OnLeftWidgetBtnState();
+}
+
+void MainWindow::SlotOnBtniTunesClean()
+{
+    if (m_bScanning)
+        return;
+    ui->m_btniTunesClean->hide();
+    ui->m_labelClean->setMovie(m_pLocalSwitchMovie.get());
+    ui->m_btnStarScan->setBtnImage(skin("add_music.png"));
+    m_pLocalSwitchMovie->start();
+    m_piTunesSwitchTimer->start(switchMilliseconds);
+    update();
+}
+
+void MainWindow::SlotiTunesBtnMovieStop()
+{
+    if (postponedByIntake(m_piTunesSwitchTimer))
+        return;
+    ui->m_btnLocalClean->show();
+    ui->m_tipsLabel->setText(localTips());
+    ui->m_middleMusicWidget->SwitchToLocalCleanModel();
+    ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
+    m_piTunesSwitchTimer->stop();
+    if (!m_pathsToOpen.isEmpty())
+        ui->m_middleMusicWidget->TakeDroppedPaths(std::exchange(m_pathsToOpen, QStringList()));
+}
+
+void MainWindow::SlotOnBtnLocalClean()
+{
+    // Unlike the other direction, a running scan does not stand in the way.
+    ui->m_btnLocalClean->hide();
+    ui->m_labelClean->setMovie(m_piTunesSwitchMovie.get());
+    ui->m_btnStarScan->setBtnImage(skin("btn_startscan.png"));
+    m_piTunesSwitchMovie->start();
+    m_pLocalSwitchTimer->start(switchMilliseconds);
+    m_local_add_or_ScanAgain = 0;
+    update();
+}
+
+void MainWindow::SlotLocalBtnMovieStop()
+{
+    if (postponedByIntake(m_pLocalSwitchTimer))
+        return;
+    ui->m_btniTunesClean->show();
+    ui->m_tipsLabel->setText(iTunesTips());
+    ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
+    ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
+    m_pLocalSwitchTimer->stop();
+}
+
+/// An intake fills the list that a switch empties: the switch waits, its timer fires again.
+bool MainWindow::postponedByIntake(QTimer* timer) const
+{
+    if (!ui->m_middleMusicWidget->IntakeIsRunning())
+        return false;
+    timer->start(switchMilliseconds);
+    return true;
+}
+
+void MainWindow::SlotScanFinish()
+{
+    m_bScanning = false;
+    if (!QIOrvoUtil::m_cleanMode)
+        ui->m_btnStarScan->setBtnImage(skin("scan_again.png"));
+    ui->m_btnStarScan->setEnabled(true);
+    showStatusPicture(QStringLiteral("pic_scanover.png"));
+    const int duplicates = ui->m_middleMusicWidget->ReturnDuplicateMusicCount();
+    const int undefined = ui->m_middleMusicWidget->ReturnUndefinedMusicCount();
+    ui->m_tipsLabel->setText(
+        QStringLiteral("Scan Finished!\nScan Results: %1 Undefined Song(s); %2 Duplicate Song(s).")
+            .arg(undefined)
+            .arg(duplicates));
+    update();
+}
+
+void MainWindow::SlotIntakeProgress(int done, int total)
+{
+    if (!m_pIntakeMovie) {
+        m_strTipsBeforeIntake = ui->m_tipsLabel->text();
+        m_statusBeforeIntake = ui->m_movieLabel->pixmap(Qt::ReturnByValue);
+        m_pIntakeMovie = std::make_unique<QMovie>(skin("dynamic_scanning.gif"));
+        ui->m_movieLabel->setMovie(m_pIntakeMovie.get());
+        m_pIntakeMovie->start();
+    }
+    ui->m_tipsLabel->setText(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
+}
+
+void MainWindow::SlotIntakeFinished()
+{
+    if (m_pIntakeMovie) {
+        ui->m_movieLabel->setPixmap(m_statusBeforeIntake);
+        ui->m_tipsLabel->setText(m_strTipsBeforeIntake);
+        m_pIntakeMovie.reset();
+    }
+    // From here on the button scans what was added.
+    ui->m_btnStarScan->setBtnImage(skin("btn_startscan.png"));
+}
+
+void MainWindow::OpenInLocalMode(const QStringList& paths)
+{
+    m_pathsToOpen = paths;
+    SlotOnBtniTunesClean();
+}
+
+void MainWindow::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const auto pointHeight = [](const QPixmap& picture) {
+        return int(picture.height() / picture.devicePixelRatio());
+    };
+    if (m_pTopImage)
+        painter.drawPixmap(QRect(0, 0, width(), pointHeight(*m_pTopImage)), *m_pTopImage);
+    if (m_pFootImage) {
+        const int footHeight = pointHeight(*m_pFootImage);
+        painter.drawPixmap(QRect(0, height() - footHeight, width(), footHeight), *m_pFootImage);
+    }
+    if (m_pBackgroundImage)
+        painter.drawPixmap(QRect(width() - 329, headerHeight, 330, height() - headerHeight - footerHeight),
+                           *m_pBackgroundImage);
+    placeHeader();
+}
+
+void MainWindow::placeHeader()
+{
+    ui->m_btnStarScan->move(width() / 2, 30);
+    ui->m_hhwidget->move(width() - 419, 5);
+    ui->m_tipsLabel->setGeometry(60, 25, 465, 40);
+    ui->m_tipsLabel->setFont(QFont(QStringLiteral("Tahoma"), 12));
+    QPalette palette = ui->m_tipsLabel->palette();
+    palette.setColor(QPalette::WindowText, Qt::black);
+    ui->m_tipsLabel->setPalette(palette);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    placeHeader();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    ui->m_middleMusicWidget->StopIntake();
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::SlotHomeMenu()
+{
+    QDesktopServices::openUrl(QUrl(homePage()));
+}
+
+void MainWindow::SlotAboutMenu()
+{
+    IntroduceThisSofeDialog about;
+    about.exec();
+}
+
+void MainWindow::SlotHelpMenu()
+{
+    const QString page = QStringLiteral("%1").arg(QIOrvoUtil::getResourcePath() +
+                                                  QLatin1String("/Melodrift for Mac-Orvo/index.html"));
+    QDesktopServices::openUrl(QUrl::fromLocalFile(page));
+}
+
+void MainWindow::SlotExitMenu()
+{
+    close();
+}

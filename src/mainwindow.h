@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QList>
+#include <QMainWindow>
+#include <QPixmap>
+
+#include <memory>
+
+class QMovie;
+class QTimer;
+
+namespace Ui {
+class MainWindow;
+}
+
+/// The application's frame: header, mode switch, menus, and the wiring between navigation pane and central
+/// view.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    void setTopImage(const QString& path);
+    void setFootImage(const QString& path);
+    void setBackgroundImage(const QString& path);
+
+    /// Switches to the local mode as the switch button does and then takes the files and folders in as a drop
+    /// does.
+    void OpenInLocalMode(const QStringList& paths);
+
+public slots:
+    void OnBtnStartScan();
+    void SlotOnBtniTunesClean();
+    void SlotOnBtnLocalClean();
+    void SlotScanFinish();
+    void SlotiTunesBtnMovieStop();
+    void SlotLocalBtnMovieStop();
+    void SlotHomeMenu();
+    void SlotAboutMenu();
+    void SlotHelpMenu();
+    void SlotExitMenu();
+    /// Declared for the switch button's designer; does nothing.
+    void OnBtniTunesClean() {}
+
+private slots:
+    void SlotIntakeProgress(int done, int total);
+    void SlotIntakeFinished();
+
+protected:
+    /// True while an iTunes scan runs; the switch to the local mode waits for its end.
+    bool m_bScanning = false;
+
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void Init();
+    void InitMainMenu();
+    void InitConnect();
+    void placeHeader();
+    void showStatusPicture(const QString& name);
+    bool postponedByIntake(QTimer* timer) const;
+
+    std::unique_ptr<Ui::MainWindow> ui;
+    std::unique_ptr<QMovie> m_pLocalSwitchMovie;
+    std::unique_ptr<QMovie> m_piTunesSwitchMovie;
+    QTimer* m_piTunesSwitchTimer = nullptr; ///< ends the switch to the local mode
+    QTimer* m_pLocalSwitchTimer = nullptr;  ///< ends the switch to the iTunes mode
+    std::unique_ptr<QPixmap> m_pTopImage;
+    std::unique_ptr<QPixmap> m_pFootImage;
+    std::unique_ptr<QPixmap> m_pBackgroundImage;
+
+    std::unique_ptr<QMovie> m_pIntakeMovie; ///< set while an intake shows its progress
+    QString m_strTipsBeforeIntake;
+    QPixmap m_statusBeforeIntake;
+    QStringList m_pathsToOpen; ///< taken in once the local mode is in force
+};

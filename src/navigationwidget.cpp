@@ -1,0 +1,116 @@
+#include "navigationwidget.h"
+
+#include "qiorvoutil.h"
+#include "ui_navigationwidget.h"
+
+#include <QPainter>
+
+NavigationWidget::NavigationWidget(QWidget* parent)
+    : QImageWidget(parent), ui(std::make_unique<Ui::NavigationWidget>())
+{
+    ui->setupUi(this);
+    InitBtn();
+    InitConnect();
+}
+
+NavigationWidget::~NavigationWidget() = default;
+
+void NavigationWidget::InitBtn()
+{
+    for (QImageButton* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate}) {
+        button->setBtnImage(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/button_menu.png"));
+        button->setMouseTracking(true);
+    }
+    setMusicCount(0, 0, 0);
+}
+
+void NavigationWidget::InitConnect()
+{
+    connect(ui->m_btnMusicAll, SIGNAL(clicked()), this, SLOT(OnBtnMusicAll()));
+    connect(ui->m_btnMusicDuplicate, SIGNAL(clicked()), this, SLOT(OnBtnMusicDuplicate()));
+    connect(ui->m_btnMusicUndefined, SIGNAL(clicked()), this, SLOT(OnBtnMusicUndefined()));
+}
+
+void NavigationWidget::select(QWidget* chosen)
+{
+    for (QWidget* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate})
+        button->setEnabled(button != chosen);
+}
+
+void NavigationWidget::OnBtnMusicAll()
+{
+    select(ui->m_btnMusicAll);
+    emit emitMusicAll();
+    emit emitHiddenMusicDetailedWidget();
+}
+
+void NavigationWidget::OnBtnMusicUndefined()
+{
+    select(ui->m_btnMusicUndefined);
+    emit emitMusicUndefined();
+    emit emitHiddenMusicDetailedWidget();
+}
+
+void NavigationWidget::OnBtnMusicDuplicate()
+{
+    select(ui->m_btnMusicDuplicate);
+    emit emitMusicDuplicate();
+    emit emitHiddenMusicDetailedWidget();
+}
+
+void NavigationWidget::SlotSetBtnState()
+{
+    select(ui->m_btnMusicAll);
+}
+
+void NavigationWidget::OnLeftWidgetBtnState()
+{
+    select(ui->m_btnMusicAll);
+}
+
+void NavigationWidget::SlotForbidClickingBtn(bool forbid)
+{
+    // Lifting the ban enables all three: no row looks chosen until the next choice.
+    for (QWidget* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate})
+        button->setEnabled(!forbid);
+}
+
+void NavigationWidget::setAllSongsCount(int count)
+{
+    ui->m_btnMusicAll->setBtnText(QStringLiteral("All songs(%1)").arg(count));
+}
+
+void NavigationWidget::setUndefindSongsCount(int count)
+{
+    ui->m_btnMusicUndefined->setBtnText(QStringLiteral("Undefined songs(%1)").arg(count));
+}
+
+void NavigationWidget::setDuplicateSongsCount(int count)
+{
+    ui->m_btnMusicDuplicate->setBtnText(QStringLiteral("Duplicate songs(%1)").arg(count));
+}
+
+void NavigationWidget::setMusicCount(int all, int undefined, int duplicate)
+{
+    setAllSongsCount(all);
+    setUndefindSongsCount(undefined);
+    setDuplicateSongsCount(duplicate);
+}
+
+void NavigationWidget::setBtnHidden(bool hidden)
+{
+    ui->m_btnMusicDuplicate->setHidden(hidden);
+    ui->m_btnMusicUndefined->setHidden(hidden);
+}
+
+void NavigationWidget::paintEvent(QPaintEvent*)
+{
+    int top = 0;
+    for (QWidget* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate}) {
+        button->move(0, top);
+        top += button->height();
+    }
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(244, 244, 244));
+    painter.fillRect(width() - 1, 0, 1, height(), QColor(170, 170, 170));
+}

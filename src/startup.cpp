@@ -1,0 +1,101 @@
+#include "startup.h"
+
+#include "audiocore/log.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFontDatabase>
+#include <QPalette>
+#include <QStyleFactory>
+#include <QTemporaryDir>
+#include <QTextCodec>
+#include <QToolTip>
+
+#include <clocale>
+
+namespace {
+/// Cover files go to names glued to the temporary path ("…localImage"). The path therefore names a folder
+/// inside a private one, so that the glued names lie in the private one, too.
+void makeTemporaryFilesPrivate()
+{
+    QTemporaryDir home(QDir::tempPath() + QLatin1String("/melodrift-XXXXXX"));
+    home.setAutoRemove(false);
+    const QString temporary = home.path() + QLatin1String("/tmp");
+    if (!home.isValid() || !QDir().mkpath(temporary)) {
+        qWarning("no private temporary directory: %s", qUtf8Printable(home.errorString()));
+        return;
+    }
+    const QByteArray native = QFile::encodeName(QDir::toNativeSeparators(temporary));
+#ifdef Q_OS_WIN
+    qputenv("TMP", native);
+    qputenv("TEMP", native);
+#else
+    qputenv("TMPDIR", native);
+#endif
+}
+
+/// The first installed of the families stands in for a missing one.
+void substitute(const QString& family, const QStringList& standIns, const QStringList& installed)
+{
+    if (installed.contains(family))
+        return;
+    for (const QString& standIn : standIns) {
+        if (!installed.contains(standIn))
+            continue;
+        QFont::insertSubstitution(family, standIn);
+        return;
+    }
+}
+
+void chooseFonts()
+{
+    const QStringList installed = QFontDatabase().families();
+    const QStringList standIns = {QStringLiteral("Open Sans"), QStringLiteral("Verdana"),
+                                  QStringLiteral("DejaVu Sans Condensed"), QStringLiteral("DejaVu Sans")};
+    substitute(QStringLiteral("Tahoma"), standIns, installed);
+    substitute(QStringLiteral("Arial"), QStringList{QStringLiteral("Helvetica")} + standIns, installed);
+    QApplication::setFont(QFont(QStringLiteral("Tahoma"), 12));
+    QToolTip::setFont(QFont(QStringLiteral("Tahoma"), 12));
+}
+
+void chooseColours()
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QPalette palette(QColor(0xEE, 0xF6, 0xFB));
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::Highlight, QColor(0xCD, 0xE8, 0xF8));
+    palette.setColor(QPalette::HighlightedText, QColor(0x17, 0x32, 0x4D));
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Active, role, QColor(0x28, 0x40, 0x4F));
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Inactive, role, QColor(0x28, 0x40, 0x4F));
+    palette.setColor(QPalette::ToolTipBase, Qt::white);
+    palette.setColor(QPalette::ToolTipText, QColor(0x17, 0x32, 0x4D));
+    QApplication::setPalette(palette);
+    QToolTip::setPalette(palette);
+}
+} // namespace
+
+void Startup::beforeApplication()
+{
+#ifdef Q_OS_UNIX
+    // File names are UTF-8 also where no language is set, as in a bare container.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+#endif
+    makeTemporaryFilesPrivate();
+    if (!qEnvironmentVariableIsSet("QT_FONT_DPI"))
+        qputenv("QT_FONT_DPI", "72");
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+}
+
+void Startup::afterApplication()
+{
+    // The application object took the user's locale over; number parsers of the audio libraries want the dot.
+    std::setlocale(LC_NUMERIC, "C");
+    SetAudioCoreLogSink([](const char* line) { qWarning("%s", line); });
+    chooseFonts();
+    chooseColours();
+}

@@ -1,0 +1,186 @@
+#include "fixtures.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QImage>
+#include <QPainter>
+#include <QProcess>
+#include <QtEndian>
+
+namespace {
+struct Encoding
+{
+    const char* suffix;
+    const char* options;
+};
+
+const QHash<QString, Encoding>& encodings()
+{
+    static const QHash<QString, Encoding> table = {
+        {QStringLiteral("mp3"), {"mp3", "-c:a libmp3lame -b:a 128k"}},
+        {QStringLiteral("mp3novbr"), {"mp3", "-c:a libmp3lame -q:a 4 -write_xing 0"}},
+        {QStringLiteral("m4a"), {"m4a", "-c:a aac -b:a 96k"}},
+        {QStringLiteral("alac"), {"m4a", "-c:a alac"}},
+        {QStringLiteral("aac"), {"aac", "-c:a aac -b:a 96k -f adts"}},
+        {QStringLiteral("flac"), {"flac", "-c:a flac"}},
+        {QStringLiteral("wma"), {"wma", "-c:a wmav2 -b:a 128k"}},
+        {QStringLiteral("wav"), {"wav", "-c:a pcm_s16le"}},
+        {QStringLiteral("ogg"), {"ogg", "-c:a libvorbis -q:a 3"}},
+        {QStringLiteral("opus"), {"ogg", "-c:a libopus -b:a 64k"}},
+        {QStringLiteral("oggflac"), {"ogg", "-c:a flac -f ogg"}},
+    };
+    return table;
+}
+
+void encode(const QString& kind, int milliseconds, const QString& target)
+{
+    // A tone over noise that comes and goes, so that a variable bit rate varies.
+    const QString source =
+        QStringLiteral("aevalsrc=0.2*sin(440*2*PI*t)+0.3*(random(0)-0.5)*gt(mod(t\\,2)\\,1):s=44100:"
+                       "c=stereo:d=%1")
+            .arg(milliseconds / 1000.0, 0, 'f', 3);
+    QStringList arguments{QStringLiteral("-v"),
+                          QStringLiteral("error"),
+                          QStringLiteral("-y"),
+                          QStringLiteral("-f"),
+                          QStringLiteral("lavfi"),
+                          QStringLiteral("-i"),
+                          source};
+    arguments += QString::fromLatin1(encodings().value(kind).options).split(QLatin1Char(' '));
+    arguments << QStringLiteral("-map_metadata") << QStringLiteral("-1") << QStringLiteral("-bitexact")
+              << target;
+    QProcess ffmpeg;
+    ffmpeg.start(QStringLiteral("ffmpeg"), arguments);
+    if (!ffmpeg.waitForFinished(60000) || ffmpeg.exitCode() != 0)
+        qFatal("ffmpeg cannot make %s: %s", qUtf8Printable(target),
+               ffmpeg.readAllStandardError().constData());
+}
+
+quint32 crc32(const QByteArray& bytes)
+{
+    quint32 crc = 0xFFFFFFFF;
+    for (const char byte : bytes) {
+        crc ^= quint8(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = crc >> 1 ^ (crc & 1 ? 0xEDB88320 : 0);
+    }
+    return ~crc;
+}
+
+template <typename Number>
+void put(QByteArray& bytes, Number number)
+{
+    const Number little = qToLittleEndian(number);
+    bytes.append(reinterpret_cast<const char*>(&little), sizeof little);
+}
+} // namespace
+
+QStringList Fixtures::formats()
+{
+    return {QStringLiteral("mp3"),  QStringLiteral("m4a"), QStringLiteral("ape"), QStringLiteral("aac"),
+            QStringLiteral("flac"), QStringLiteral("wma"), QStringLiteral("wav"), QStringLiteral("ogg")};
+}
+
+QStringList Fixtures::furtherKinds()
+{
+    return {QStringLiteral("mp3novbr"), QStringLiteral("alac"), QStringLiteral("opus"),
+            QStringLiteral("oggflac")};
+}
+
+QString Fixtures::suffixOf(const QString& kind)
+{
+    return kind == QLatin1String("ape") ? kind : QString::fromLatin1(encodings().value(kind).suffix);
+}
+
+QString Fixtures::tone(const QString& kind)
+{
+    return tone(kind, 3000);
+}
+
+QString Fixtures::tone(const QString& kind, int milliseconds)
+{
+    const QString folder = QCoreApplication::applicationDirPath() + QLatin1String("/../../fixtures/");
+    const QString name = QStringLiteral("%1-%2.%3").arg(kind).arg(milliseconds).arg(suffixOf(kind));
+    const QString path = QDir::cleanPath(folder + name);
+    if (QFile::exists(path))
+        return path;
+    QDir().mkpath(folder);
+    // Several test programs may make it at once: each its own, and the last one stays.
+    const QString own =
+        QStringLiteral("%1%2-%3").arg(folder).arg(QCoreApplication::applicationPid()).arg(name);
+    if (kind == QLatin1String("ape")) {
+        QFile file(own);
+        if (!file.open(QIODevice::WriteOnly) || file.write(silentApe(milliseconds)) < 0)
+            qFatal("cannot write %s", qUtf8Printable(own));
+    } else {
+        encode(kind, milliseconds, own);
+    }
+    if (!QFile::rename(own, path))
+        QFile::remove(own);
+    return path;
+}
+
+QString Fixtures::copyTone(const QString& kind, const QString& folder, const QString& name)
+{
+    const QString path = folder + QLatin1Char('/') + name + QLatin1Char('.') + suffixOf(kind);
+    QFile::remove(path);
+    if (!QFile::copy(tone(kind), path))
+        qFatal("cannot copy to %s", qUtf8Printable(path));
+    return path;
+}
+
+QByteArray Fixtures::silentApe(int milliseconds)
+{
+    constexpr quint32 blocksPerFrame = 73728;
+    const quint32 blocks = quint32(qint64(milliseconds) * 44100 / 1000);
+    const quint32 frames = (blocks + blocksPerFrame - 1) / blocksPerFrame;
+    const quint32 finalBlocks = blocks - (frames - 1) * blocksPerFrame;
+    QByteArray ape("MAC ");
+    put<quint16>(ape, 3990);
+    put<quint16>(ape, 0);
+    for (const quint32 number : {52u, 24u, 4 * frames, 0u, 16 * frames, 0u, 0u})
+        put<quint32>(ape, number);
+    ape.append(QByteArray(16, '\0')); // no checksum
+    put<quint16>(ape, 2000);
+    put<quint16>(ape, 0x20);
+    for (const quint32 number : {blocksPerFrame, finalBlocks, frames})
+        put<quint32>(ape, number);
+    put<quint16>(ape, 16);
+    put<quint16>(ape, 2);
+    put<quint32>(ape, 44100);
+    for (quint32 frame = 0; frame < frames; ++frame)
+        put<quint32>(ape, 52 + 24 + 4 * frames + 16 * frame);
+    for (quint32 frame = 0; frame < frames; ++frame) {
+        const quint32 length = frame + 1 == frames ? finalBlocks : blocksPerFrame;
+        put<quint32>(ape, crc32(QByteArray(int(length * 4), '\0')) >> 1 | 0x80000000);
+        put<quint32>(ape, 3); // both channels silent
+        put<quint64>(ape, 0);
+    }
+    return ape;
+}
+
+QByteArray Fixtures::jpeg(int width, int height, int seed)
+{
+    QImage picture(width, height, QImage::Format_RGB32);
+    QPainter painter(&picture);
+    QLinearGradient sky(0, 0, width, height);
+    sky.setColorAt(0, QColor::fromHsv(seed * 47 % 360, 90, 245));
+    sky.setColorAt(1, QColor::fromHsv((seed * 47 + 60) % 360, 150, 160));
+    painter.fillRect(picture.rect(), sky);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    for (int i = 0; i < 6; ++i) {
+        painter.setBrush(QColor::fromHsv((seed * 31 + i * 53) % 360, 110, 235, 120));
+        const int edge = width / 6 + (seed * 7 + i * 13) % (width / 4 + 1);
+        painter.drawEllipse(QPoint((seed * 17 + i * 71) % width, (seed * 23 + i * 37) % height), edge, edge);
+    }
+    painter.end();
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    picture.save(&buffer, "JPEG", 88);
+    return bytes;
+}
