@@ -1,5 +1,7 @@
 #include "songviews.h"
 
+#include "covergriddelegate.h"
+
 #include <QHeaderView>
 #include <QListView>
 #include <QTableView>
@@ -22,7 +24,9 @@ void SongViews::initGrid(QListView* view)
     view->setMovement(QListView::Snap);
     view->setDragDropMode(QAbstractItemView::DragDrop);
     view->setFrameShape(QFrame::NoFrame);
+    // All cells are equally large, which spares asking for the size of every song; the delegate sees to it.
     view->setUniformItemSizes(true);
+    view->setItemDelegate(new CoverGridDelegate(view));
     view->setFocusPolicy(Qt::NoFocus);
     colourTexts(view);
 }
