@@ -2,7 +2,10 @@
 #include "covergriddelegate.h"
 #include "coverloader.h"
 #include "coverstore.h"
+#include "dupmusicinfo.h"
+#include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
+#include "paintdupnumberdelegate.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 
@@ -158,6 +161,29 @@ void gridStepOverSeenCovers(benchmark::State& state)
     state.counters["resident_MB"] = residentMegabytes();
 }
 
+void duplicateGridStep(benchmark::State& state)
+{
+    std::vector<DupMusicInfo> groups(1000);
+    QList<DupMusicInfo*> list;
+    for (size_t i = 0; i < groups.size(); ++i) {
+        groups[i].musicList = tenThousandSongs().list()->mid(int(i) * songsPerAlbum, songsPerAlbum);
+        list.append(&groups[i]);
+    }
+    DupMusicListModel model;
+    model.setDupMusicDataSource(&list, 1, false);
+    const auto view = makeGrid(&model, true);
+    view->setItemDelegate(new PaintDupNumberDelegate(view.get()));
+    view->show();
+    const int range = view->verticalScrollBar()->maximum();
+    for (int value = 0; value < range; value += 140)
+        scrollTo(*view, value);
+    const qint64 decoded = CoverLoader::decodeCount();
+    int value = 0;
+    for (auto _ : state)
+        scrollTo(*view, (value += 70) % range);
+    state.counters["decoded"] = double(CoverLoader::decodeCount() - decoded);
+}
+
 void gridStepOverNewCovers(benchmark::State& state)
 {
     MusicListModel model;
@@ -165,6 +191,8 @@ void gridStepOverNewCovers(benchmark::State& state)
     const auto view = makeGrid(&model, true);
     view->show();
     const int range = view->verticalScrollBar()->maximum();
+    CoverLoader::setMemoryLimit(0); // forget what was seen
+    CoverLoader::setMemoryLimit(192ll * 1024 * 1024);
     const qint64 decoded = CoverLoader::decodeCount();
     int value = 0;
     for (auto _ : state)
@@ -250,6 +278,7 @@ void storeCovers(benchmark::State& state)
 } // namespace
 
 BENCHMARK(gridStepOverSeenCovers)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(duplicateGridStep)->Unit(benchmark::kMillisecond);
 BENCHMARK(gridStepOverNewCovers)->Iterations(300)->Unit(benchmark::kMillisecond);
 BENCHMARK(gridOpen)->ArgsProduct({{10000, 100000}, {0, 1}})->Unit(benchmark::kMillisecond);
 BENCHMARK(gridResize)->ArgsProduct({{10000, 100000}, {0, 1}})->Unit(benchmark::kMillisecond);
