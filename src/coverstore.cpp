@@ -4,7 +4,6 @@
 
 #include <QBuffer>
 #include <QFile>
-#include <QThread>
 
 #include <cstring>
 #include <filesystem>
@@ -63,17 +62,6 @@ bool linkFile(const QString& existing, const QString& path)
 }
 } // namespace
 
-CoverStore::CoverStore()
-{
-    // One thread is left for whoever reads the files.
-    m_decoders.setMaxThreadCount(qMax(1, QThread::idealThreadCount() - 1));
-}
-
-CoverStore::~CoverStore()
-{
-    m_decoders.clear();
-}
-
 QPixmap CoverStore::keep(const QByteArray& bytes, const QString& path)
 {
     const EntryPointer entry = entryFor(bytes, path);
@@ -104,7 +92,7 @@ void CoverStore::finish()
 
 void CoverStore::clear()
 {
-    m_decoders.clear();
+    m_decoders.drop();
     m_wanted.clear();
     m_decoding.clear();
     m_entries.clear();
@@ -147,14 +135,12 @@ std::future<QImage> CoverStore::decodeLater(const QByteArray& bytes)
     const int edge = expected < m_fullSizeBudget ? fullEdge : smallEdge;
     // The bytes may be somebody's memory that ends with this call.
     const QByteArray own(bytes.constData(), bytes.size());
-    const auto task = std::make_shared<std::packaged_task<QImage()>>([own, edge] {
+    return m_decoders.add([own, edge] {
         QBuffer buffer;
         buffer.setData(own);
         buffer.open(QIODevice::ReadOnly);
         return CoverLoader::decode(&buffer, edge);
     });
-    m_decoders.start([task] { (*task)(); });
-    return task->get_future();
 }
 
 void CoverStore::settleOldest()

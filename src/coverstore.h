@@ -1,14 +1,14 @@
 #pragma once
 
+#include "decodequeue.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QImage>
 #include <QPixmap>
 #include <QString>
-#include <QThreadPool>
 
 #include <deque>
-#include <future>
 #include <memory>
 
 /// Writes embedded pictures to files and makes the pixmaps of them that songs carry. Songs whose picture
@@ -17,10 +17,6 @@
 class CoverStore
 {
 public:
-    CoverStore();
-    ~CoverStore();
-    Q_DISABLE_COPY(CoverStore)
-
     /// Writes the bytes to a file of their own at `path`, replacing one that is there, and answers their
     /// picture: at most 300 x 300 pixels, its aspect kept; 96 x 96 once the budget is spent; null when the
     /// bytes are no picture. A failed write is logged and leaves no file; the picture is answered all the
@@ -54,11 +50,11 @@ private:
     std::future<QImage> decodeLater(const QByteArray& bytes);
     void settleOldest();
 
-    QMultiHash<quint64, EntryPointer>
-        m_entries;                       ///< by a fingerprint of the bytes, which only finds candidates
+    /// By a fingerprint of the bytes, which only finds candidates.
+    QMultiHash<quint64, EntryPointer> m_entries;
     std::deque<EntryPointer> m_decoding; ///< oldest first
     QHash<QPixmap*, EntryPointer> m_wanted;
     qint64 m_pixmapBytes = 0;
     qint64 m_fullSizeBudget = 384ll * 1024 * 1024;
-    QThreadPool m_decoders;
+    DecodeQueue m_decoders;
 };
