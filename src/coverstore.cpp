@@ -4,6 +4,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QThread>
 
 #include <cstring>
 #include <filesystem>
@@ -14,6 +15,7 @@ namespace {
 constexpr int fullEdge = 300;
 constexpr int smallEdge = 96;
 constexpr int sample = 4096;
+constexpr size_t maxDecoding = 64; // with their bytes in memory
 
 /// A number that equal bytes share and different pictures hardly ever do. Takes the length and a few samples:
 /// the bytes of candidates are compared in full anyway.
@@ -61,37 +63,104 @@ bool linkFile(const QString& existing, const QString& path)
 }
 } // namespace
 
+CoverStore::CoverStore()
+{
+    // One thread is left for whoever reads the files.
+    m_decoders.setMaxThreadCount(qMax(1, QThread::idealThreadCount() - 1));
+}
+
+CoverStore::~CoverStore()
+{
+    m_decoders.clear();
+}
+
 QPixmap CoverStore::keep(const QByteArray& bytes, const QString& path)
 {
-    const quint64 fingerprint = fingerprintOf(bytes);
-    if (const Entry* same = sameAs(bytes, fingerprint)) {
-        if (same->path != path && !linkFile(same->path, path))
-            writeFile(path, bytes);
-        return same->picture;
+    const EntryPointer entry = entryFor(bytes, path);
+    while (entry->image.valid())
+        settleOldest();
+    return entry->picture;
+}
+
+void CoverStore::keep(const QByteArray& bytes, const QString& path, QPixmap* cover)
+{
+    const EntryPointer entry = entryFor(bytes, path);
+    if (entry->image.valid()) {
+        m_wanted.insert(cover, entry);
+    } else {
+        m_wanted.remove(cover);
+        *cover = entry->picture;
     }
-    const bool written = writeFile(path, bytes);
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    const int edge = m_pixmapBytes < m_fullSizeBudget ? fullEdge : smallEdge;
-    const QPixmap picture = QPixmap::fromImage(CoverLoader::decode(&buffer, edge));
-    m_pixmapBytes += qint64(picture.width()) * picture.height() * picture.depth() / 8;
-    if (written)
-        m_entries.insert(fingerprint, {path, picture});
-    return picture;
+}
+
+void CoverStore::finish()
+{
+    while (!m_decoding.empty())
+        settleOldest();
+    for (auto wanted = m_wanted.cbegin(); wanted != m_wanted.cend(); ++wanted)
+        *wanted.key() = wanted.value()->picture;
+    m_wanted.clear();
 }
 
 void CoverStore::clear()
 {
+    m_decoders.clear();
+    m_wanted.clear();
+    m_decoding.clear();
     m_entries.clear();
     m_pixmapBytes = 0;
 }
 
-const CoverStore::Entry* CoverStore::sameAs(const QByteArray& bytes, quint64 fingerprint) const
+/// The entry that the bytes share, or a new one; the file at the path is written or linked.
+CoverStore::EntryPointer CoverStore::entryFor(const QByteArray& bytes, const QString& path)
+{
+    const quint64 fingerprint = fingerprintOf(bytes);
+    if (EntryPointer same = sameAs(bytes, fingerprint)) {
+        if (same->path != path && !linkFile(same->path, path))
+            writeFile(path, bytes);
+        return same;
+    }
+    auto entry = std::make_shared<Entry>();
+    entry->path = path;
+    if (writeFile(path, bytes))
+        m_entries.insert(fingerprint, entry);
+    entry->image = decodeLater(bytes);
+    m_decoding.push_back(entry);
+    if (m_decoding.size() > maxDecoding)
+        settleOldest();
+    return entry;
+}
+
+CoverStore::EntryPointer CoverStore::sameAs(const QByteArray& bytes, quint64 fingerprint) const
 {
     for (auto entry = m_entries.constFind(fingerprint);
          entry != m_entries.cend() && entry.key() == fingerprint; ++entry)
-        if (fileHolds(entry->path, bytes))
-            return &entry.value();
+        if (fileHolds((*entry)->path, bytes))
+            return *entry;
     return nullptr;
+}
+
+std::future<QImage> CoverStore::decodeLater(const QByteArray& bytes)
+{
+    // Those under way are counted as if they were as large as they can get.
+    const qint64 expected = m_pixmapBytes + qint64(m_decoding.size()) * fullEdge * fullEdge * 4;
+    const int edge = expected < m_fullSizeBudget ? fullEdge : smallEdge;
+    // The bytes may be somebody's memory that ends with this call.
+    const QByteArray own(bytes.constData(), bytes.size());
+    const auto task = std::make_shared<std::packaged_task<QImage()>>([own, edge] {
+        QBuffer buffer;
+        buffer.setData(own);
+        buffer.open(QIODevice::ReadOnly);
+        return CoverLoader::decode(&buffer, edge);
+    });
+    m_decoders.start([task] { (*task)(); });
+    return task->get_future();
+}
+
+void CoverStore::settleOldest()
+{
+    const EntryPointer entry = m_decoding.front();
+    m_decoding.pop_front();
+    entry->picture = QPixmap::fromImage(entry->image.get());
+    m_pixmapBytes += qint64(entry->picture.width()) * entry->picture.height() * entry->picture.depth() / 8;
 }

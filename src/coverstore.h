@@ -2,21 +2,38 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QImage>
 #include <QPixmap>
 #include <QString>
+#include <QThreadPool>
+
+#include <deque>
+#include <future>
+#include <memory>
 
 /// Writes embedded pictures to files and makes the pixmaps of them that songs carry. Songs whose picture
-/// bytes are equal share one pixmap and, where the file system has hard links, one copy on disk. GUI thread
-/// only.
+/// bytes are equal share one pixmap and, where the file system has hard links, one copy on disk. To be called
+/// on the GUI thread only; pictures are decoded on other threads.
 class CoverStore
 {
 public:
+    CoverStore();
+    ~CoverStore();
+    Q_DISABLE_COPY(CoverStore)
+
     /// Writes the bytes to a file of their own at `path`, replacing one that is there, and answers their
     /// picture: at most 300 x 300 pixels, its aspect kept; 96 x 96 once the budget is spent; null when the
     /// bytes are no picture. A failed write is logged and leaves no file; the picture is answered all the
     /// same.
     QPixmap keep(const QByteArray& bytes, const QString& path);
-    /// Forgets what can be shared, for when no song is left; pixmaps and files handed out stay.
+    /// The same without waiting: the picture is put into `cover` by finish() at the latest, and the last call
+    /// for one `cover` counts. Until then `cover` must not go away; the bytes may.
+    void keep(const QByteArray& bytes, const QString& path, QPixmap* cover);
+    /// Waits for the pictures that are still being decoded and hands them over.
+    void finish();
+
+    /// Forgets what can be shared and what was not handed over, for when no song is left; pixmaps and files
+    /// handed out stay.
     void clear();
 
     /// From this many bytes of distinct pixmaps on, further ones are kept small; 384 MiB unless told
@@ -27,12 +44,21 @@ private:
     struct Entry
     {
         QString path;
+        std::future<QImage> image; ///< valid until the picture has been made of it
         QPixmap picture;
     };
+    using EntryPointer = std::shared_ptr<Entry>;
 
-    const Entry* sameAs(const QByteArray& bytes, quint64 fingerprint) const;
+    EntryPointer entryFor(const QByteArray& bytes, const QString& path);
+    EntryPointer sameAs(const QByteArray& bytes, quint64 fingerprint) const;
+    std::future<QImage> decodeLater(const QByteArray& bytes);
+    void settleOldest();
 
-    QMultiHash<quint64, Entry> m_entries; ///< by a fingerprint of the bytes, which only finds candidates
+    QMultiHash<quint64, EntryPointer>
+        m_entries;                       ///< by a fingerprint of the bytes, which only finds candidates
+    std::deque<EntryPointer> m_decoding; ///< oldest first
+    QHash<QPixmap*, EntryPointer> m_wanted;
     qint64 m_pixmapBytes = 0;
     qint64 m_fullSizeBudget = 384ll * 1024 * 1024;
+    QThreadPool m_decoders;
 };

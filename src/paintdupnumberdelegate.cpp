@@ -1,5 +1,6 @@
 #include "paintdupnumberdelegate.h"
 
+#include "covergriddelegate.h"
 #include "dupmusicinfo.h"
 #include "qiorvoutil.h"
 
@@ -28,6 +29,11 @@ void PaintDupNumberDelegate::paint(QPainter* painter, const QStyleOptionViewItem
     // Not centred: a count of two digits runs past the badge's middle.
     painter->drawText(right - 15, top + 13, QString::number(group->musicList.size()));
     painter->restore();
+}
+
+QSize PaintDupNumberDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const
+{
+    return CoverGridDelegate::cellSize(option);
 }
 
 QWidget* PaintDupNumberDelegate::createEditor(QWidget*, const QStyleOptionViewItem&, const QModelIndex&) const

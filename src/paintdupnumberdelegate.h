@@ -14,6 +14,8 @@ public:
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
+    /// One size for every cell, as in the song grid; so the badges stand in line.
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     /// Nothing is edited here.
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override;

@@ -35,6 +35,10 @@ private slots:
     void clearForgetsWhatCouldBeShared();
     void aFailedWriteStillShowsThePicture();
     void keepingACoverTwiceUnderOnePathKeepsItsFile();
+    void coversAreHandedOverWhenFinished();
+    void theLastCoverOfASongCounts();
+    void clearHandsNothingOver();
+    void sharedCoversStayWithinTheBudgetWhileDecoding();
 
 private:
     QString path(const QString& name) const { return m_folder->filePath(name); }
@@ -176,6 +180,70 @@ void TestCoverStore::keepingACoverTwiceUnderOnePathKeepsItsFile()
     const QPixmap first = store.keep(bytes, path("a"));
     QCOMPARE(store.keep(bytes, path("a")).cacheKey(), first.cacheKey());
     QCOMPARE(readBytes(path("a")), bytes);
+}
+
+void TestCoverStore::coversAreHandedOverWhenFinished()
+{
+    CoverStore store;
+    std::vector<QPixmap> covers(400);
+    for (unsigned i = 0; i < covers.size(); ++i) {
+        QByteArray bytes = encoded(noise(40, 40, i / 2), "PNG");
+        store.keep(QByteArray::fromRawData(bytes.constData(), bytes.size()), path(QString::number(i)),
+                   &covers[i]);
+        bytes.fill('x'); // the caller's memory is free again
+    }
+    store.finish();
+    for (unsigned i = 0; i < covers.size(); ++i) {
+        QCOMPARE(pixels(covers[i]), pixels(noise(40, 40, i / 2)));
+        QCOMPARE(covers[i].cacheKey(), covers[i / 2 * 2].cacheKey());
+    }
+    QPixmap late;
+    store.keep(encoded(noise(40, 40, 0), "PNG"), path("late"), &late);
+    QCOMPARE(late.cacheKey(), covers[0].cacheKey());
+}
+
+void TestCoverStore::theLastCoverOfASongCounts()
+{
+    CoverStore store;
+    const QByteArray first = encoded(noise(40, 40, 1), "PNG");
+    const QByteArray second = encoded(noise(50, 50, 2), "PNG");
+    QPixmap cover;
+    QPixmap other = store.keep(second, path("known"));
+    store.keep(first, path("a"), &cover);
+    store.keep(second, path("b"), &cover);
+    store.keep(second, path("c"), &other);
+    store.keep(first, path("d"), &other);
+    store.finish();
+    QCOMPARE(cover.size(), QSize(50, 50));
+    QCOMPARE(other.size(), QSize(40, 40));
+    store.keep(QByteArray("garbage"), path("e"), &cover);
+    store.finish();
+    QVERIFY(cover.isNull());
+}
+
+void TestCoverStore::clearHandsNothingOver()
+{
+    CoverStore store;
+    {
+        QPixmap gone;
+        for (unsigned i = 0; i < 20; ++i)
+            store.keep(encoded(noise(100, 100, i), "PNG"), path(QString::number(i)), &gone);
+        store.clear();
+    }
+    store.finish();
+    QCOMPARE(store.keep(encoded(noise(100, 100, 1), "PNG"), path("x")).size(), QSize(100, 100));
+}
+
+void TestCoverStore::sharedCoversStayWithinTheBudgetWhileDecoding()
+{
+    CoverStore store;
+    store.setFullSizeBudget(3 * 300 * 300 * 4);
+    std::vector<QPixmap> covers(10);
+    for (unsigned i = 0; i < covers.size(); ++i)
+        store.keep(encoded(noise(400, 400, i), "JPEG"), path(QString::number(i)), &covers[i]);
+    store.finish();
+    for (unsigned i = 0; i < covers.size(); ++i)
+        QCOMPARE(covers[i].width(), i < 3 ? 300 : 96);
 }
 
 QTEST_MAIN(TestCoverStore)
