@@ -101,7 +101,7 @@ void LocalSongReader::takePicture(const TagItem& item, QMusicInfo& song)
     const QByteArray bytes = QByteArray::fromRawData(static_cast<const char*>(item.data), item.size);
     m_addedPathList.append(path);
     song.localInfo->coverPath = path;
-    song.localInfo->cover = std::make_unique<QPixmap>(m_covers.keep(bytes, path));
+    m_covers.keep(bytes, path, song.localInfo->cover.get());
 }
 
 void LocalSongReader::readProperties(IAudioDecoder& decoder, const std::u32string& path, QMusicInfo& song)

@@ -35,6 +35,7 @@ void SongViews::initTable(QTableView* view)
     view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view->setSelectionBehavior(QAbstractItemView::SelectRows);
     view->setSelectionMode(QAbstractItemView::SingleSelection);
+    view->horizontalHeader()->setDefaultSectionSize(130);
     view->horizontalHeader()->setStretchLastSection(true);
     view->horizontalHeader()->setHighlightSections(false);
     view->horizontalHeader()->setStyleSheet(

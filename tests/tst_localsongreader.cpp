@@ -72,6 +72,7 @@ void TestLocalSongReader::aTaggedFileBecomesAWholeSong()
     reader.begin();
     const quint64 number = musicNum;
     const LocalSongReader::Song song = reader.read(path);
+    reader.finish();
     QVERIFY(song.tag && song.decoder);
     const LocalMusicInfo& local = *song.info->localInfo;
     QCOMPARE(local.filePath, path);
@@ -101,6 +102,7 @@ void TestLocalSongReader::coverFilesAreNumberedFromFifty()
     for (int intake = 0; intake < 2; ++intake) {
         reader.begin();
         const auto song = reader.read(taggedTone("mp3", folder.path(), Fixtures::jpeg(60, 60, 40 + intake)));
+        reader.finish();
         QVERIFY(song.info->localInfo->coverPath.endsWith(QString("localImage/tempstr%1").arg(58 + intake)));
     }
     QVERIFY(QFile::exists(LocalSongReader::coverFolder() + "/tempstr50"));
@@ -113,6 +115,7 @@ void TestLocalSongReader::songsOfOneAlbumShareTheirCover()
     LocalSongReader reader;
     const auto one = reader.read(taggedTone("mp3", folder.path(), cover));
     const auto other = reader.read(taggedTone("flac", folder.path(), cover));
+    reader.finish();
     QCOMPARE(one.info->localInfo->cover->size(), QSize(300, 300));
     QCOMPARE(one.info->localInfo->cover->cacheKey(), other.info->localInfo->cover->cacheKey());
     QVERIFY(one.info->localInfo->coverPath != other.info->localInfo->coverPath);
@@ -165,6 +168,7 @@ void TestLocalSongReader::whatWasAddedIsNotedOncePerIntake()
     reader.begin();
     const auto one = reader.read(path);
     const auto other = reader.read(path);
+    reader.finish();
     QStringList expected{path};
     expected << QStringList({"Title", "Artist", "Album", "Pop", "2012", "4"})
              << one.info->localInfo->coverPath << path << other.info->localInfo->coverPath;
