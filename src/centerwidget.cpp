@@ -3,6 +3,7 @@
 #include "audiocore/iaudiotag.h"
 #include "classification.h"
 #include "common/messagedialog.h"
+#include "covergriddelegate.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
@@ -101,6 +102,7 @@ void CenterWidget::InitView()
     QFont captions = ui->m_allMusicListView->font();
     captions.setPointSize(9);
     ui->m_allMusicListView->setFont(captions);
+    ui->m_allMusicListView->setItemDelegate(new CoverGridDelegate(this));
     ui->m_dupMusicListView->setItemDelegate(new PaintDupNumberDelegate(this));
     ui->m_allMusicTableView->setColumnWidth(0, titleColumnWidth);
 

@@ -34,10 +34,6 @@ QStringList FileCollection::musicFilesUnder(const QString& path, const std::func
     folders.enqueue(path);
     while (!folders.isEmpty()) {
         for (const QFileInfo& entry : sortedEntries(folders.dequeue())) {
-            if (!QFileInfo::exists(entry.filePath())) {
-                qWarning("left out: %s has a name that is not valid text", qUtf8Printable(entry.filePath()));
-                continue;
-            }
             if (entry.isDir()) {
                 const int before = walked.size();
                 walked.insert(entry.canonicalFilePath());

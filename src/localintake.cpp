@@ -64,7 +64,7 @@ void LocalIntake::add(const QStringList& files, QList<QMusicInfo*>& songs, QList
             m_decoderList.append(song.decoder);
         keepAlive(done + 1, files.size());
     }
-    m_reader.end();
+    m_reader.finish();
 }
 
 void LocalIntake::keepAlive(int done, int total)

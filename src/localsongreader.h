@@ -30,11 +30,11 @@ public:
 
     /// Starts a new intake: empties the list of added paths and the first-text table.
     void begin();
-    /// A file that cannot be read becomes a song with empty texts and zero properties. Its cover picture may
-    /// still be missing until end(); the song must live until then.
+    /// A file that cannot be read becomes a song with empty texts and zero properties. The song's cover may
+    /// be the generic one until finish().
     Song read(const QString& path);
-    /// Ends the intake: all songs read have their covers.
-    void end() { m_covers.finish(); }
+    /// Ends the intake: every song has its cover. The songs read since begin() must still be there.
+    void finish() { m_covers.finish(); }
     /// Forgets the covers that songs share, for when no song is left.
     void forgetCovers() { m_covers.clear(); }
 

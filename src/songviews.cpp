@@ -1,7 +1,5 @@
 #include "songviews.h"
 
-#include "covergriddelegate.h"
-
 #include <QHeaderView>
 #include <QListView>
 #include <QTableView>
@@ -24,9 +22,7 @@ void SongViews::initGrid(QListView* view)
     view->setMovement(QListView::Snap);
     view->setDragDropMode(QAbstractItemView::DragDrop);
     view->setFrameShape(QFrame::NoFrame);
-    // All cells are equally large, which spares asking for the size of every song; the delegate sees to it.
     view->setUniformItemSizes(true);
-    view->setItemDelegate(new CoverGridDelegate(view));
     view->setFocusPolicy(Qt::NoFocus);
     colourTexts(view);
 }
@@ -39,6 +35,7 @@ void SongViews::initTable(QTableView* view)
     view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view->setSelectionBehavior(QAbstractItemView::SelectRows);
     view->setSelectionMode(QAbstractItemView::SingleSelection);
+    view->horizontalHeader()->setDefaultSectionSize(130);
     view->horizontalHeader()->setStretchLastSection(true);
     view->horizontalHeader()->setHighlightSections(false);
     view->horizontalHeader()->setStyleSheet(

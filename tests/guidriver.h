@@ -1,0 +1,55 @@
+#pragma once
+
+#include "common/messagedialog.h"
+#include "common/qimagebutton.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QTimer>
+#include <QtTest>
+
+/// Answers the modal dialogs that the program opens, in their order, and remembers what they said.
+class DialogDriver : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Answer = std::function<void(QWidget*)>;
+
+    DialogDriver()
+    {
+        m_timer.setInterval(5);
+        connect(&m_timer, &QTimer::timeout, this, &DialogDriver::look);
+        m_timer.start();
+    }
+
+    /// The next dialog gets this answer; without one it is closed.
+    void expect(Answer answer) { m_answers.append(std::move(answer)); }
+    void expectButton(const char* button)
+    {
+        expect([button](QWidget* dialog) {
+            QTest::mouseClick(dialog->findChild<QImageButton*>(button), Qt::LeftButton);
+        });
+    }
+    /// The texts of the message dialogs so far.
+    QStringList texts;
+
+private:
+    void look()
+    {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog || dialog == m_last || !dialog->isVisible())
+            return;
+        m_last = dialog;
+        if (const auto* content = dialog->findChild<QLabel*>("m_labContent"))
+            texts.append(content->text());
+        const Answer answer =
+            m_answers.isEmpty() ? [](QWidget* open) { open->close(); } : m_answers.takeFirst();
+        answer(dialog);
+        m_last = nullptr;
+    }
+
+    QTimer m_timer;
+    QList<Answer> m_answers;
+    QWidget* m_last = nullptr;
+};
