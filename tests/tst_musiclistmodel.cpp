@@ -164,7 +164,6 @@ void TestMusicListModel::aRowBeyondTheListIsInvalid()
     MusicListModel model;
     model.setDataSourceList(&m_list, 6, false);
     QVERIFY(!model.index(1, 0).isValid());
-    QVERIFY(!model.index(1000000, 0).isValid());
     QVERIFY(!model.data(model.index(1, 0), Qt::DisplayRole).isValid());
 }
 
