@@ -63,6 +63,7 @@ CenterWidget::~CenterWidget()
 {
     setSongSource(nullptr);
     setGroupSource(columnModeDupTable);
+    m_intake.reader().forgetCovers();
     qDeleteAll(m_localMusicList);
 }
 

@@ -5,6 +5,7 @@
 #include <QBuffer>
 #include <QFile>
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -14,7 +15,7 @@ namespace {
 constexpr int fullEdge = 300;
 constexpr int smallEdge = 96;
 constexpr int sample = 4096;
-constexpr size_t maxDecoding = 64; // with their bytes in memory
+constexpr int maxRecentBytes = 4 * 1024 * 1024;
 
 /// A number that equal bytes share and different pictures hardly ever do. Takes the length and a few samples:
 /// the bytes of candidates are compared in full anyway.
@@ -74,6 +75,7 @@ void CoverStore::keep(const QByteArray& bytes, const QString& path, QPixmap* cov
 {
     const EntryPointer entry = entryFor(bytes, path);
     if (entry->image.valid()) {
+        entry->wanted.push_back(cover);
         m_wanted.insert(cover, entry);
     } else {
         m_wanted.remove(cover);
@@ -81,21 +83,30 @@ void CoverStore::keep(const QByteArray& bytes, const QString& path, QPixmap* cov
     }
 }
 
+bool CoverStore::handOver()
+{
+    const auto isReady = [](const Entry& entry) {
+        return entry.image.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    };
+    while (!m_decoding.empty() && isReady(*m_decoding.front()))
+        settleOldest();
+    return m_decoding.empty();
+}
+
 void CoverStore::finish()
 {
     while (!m_decoding.empty())
         settleOldest();
-    for (auto wanted = m_wanted.cbegin(); wanted != m_wanted.cend(); ++wanted)
-        *wanted.key() = wanted.value()->picture;
-    m_wanted.clear();
 }
 
 void CoverStore::clear()
 {
     m_decoders.drop();
-    m_wanted.clear();
     m_decoding.clear();
+    m_wanted.clear();
     m_entries.clear();
+    m_recent.reset();
+    m_recentBytes.clear();
     m_pixmapBytes = 0;
 }
 
@@ -104,37 +115,61 @@ CoverStore::EntryPointer CoverStore::entryFor(const QByteArray& bytes, const QSt
 {
     const quint64 fingerprint = fingerprintOf(bytes);
     if (EntryPointer same = sameAs(bytes, fingerprint)) {
+        remember(same, bytes);
         if (same->path != path && !linkFile(same->path, path))
             writeFile(path, bytes);
         return same;
     }
     auto entry = std::make_shared<Entry>();
     entry->path = path;
-    if (writeFile(path, bytes))
+    const bool written = writeFile(path, bytes);
+    if (written) {
         m_entries.insert(fingerprint, entry);
-    entry->image = decodeLater(bytes);
+        remember(entry, bytes);
+    }
+    entry->image = decodeLater(bytes, written ? path : QString());
     m_decoding.push_back(entry);
-    if (m_decoding.size() > maxDecoding)
-        settleOldest();
     return entry;
+}
+
+/// Songs of one album follow one another: the bytes of the last picture save reading its file back.
+void CoverStore::remember(const EntryPointer& entry, const QByteArray& bytes)
+{
+    if (isRecent(entry) || bytes.size() > maxRecentBytes)
+        return;
+    m_recent = entry;
+    m_recentState = FileState::of(entry->path);
+    m_recentBytes = QByteArray(bytes.constData(), bytes.size());
+}
+
+/// Whether the bytes in memory are still those of the entry's file.
+bool CoverStore::isRecent(const EntryPointer& entry) const
+{
+    return entry == m_recent && FileState::of(entry->path) == m_recentState;
 }
 
 CoverStore::EntryPointer CoverStore::sameAs(const QByteArray& bytes, quint64 fingerprint) const
 {
     for (auto entry = m_entries.constFind(fingerprint);
          entry != m_entries.cend() && entry.key() == fingerprint; ++entry)
-        if (fileHolds((*entry)->path, bytes))
+        if (isRecent(*entry) ? bytes == m_recentBytes : fileHolds((*entry)->path, bytes))
             return *entry;
     return nullptr;
 }
 
-std::future<QImage> CoverStore::decodeLater(const QByteArray& bytes)
+/// Decodes the written file, so that any number of pictures can wait without their bytes; the bytes only
+/// where there is no file.
+std::future<QImage> CoverStore::decodeLater(const QByteArray& bytes, const QString& writtenPath)
 {
     // Those under way are counted as if they were as large as they can get.
     const qint64 expected = m_pixmapBytes + qint64(m_decoding.size()) * fullEdge * fullEdge * 4;
     const int edge = expected < m_fullSizeBudget ? fullEdge : smallEdge;
-    // The bytes may be somebody's memory that ends with this call.
-    const QByteArray own(bytes.constData(), bytes.size());
+    if (!writtenPath.isEmpty())
+        return m_decoders.add([writtenPath, edge] {
+            QFile file(writtenPath);
+            return file.open(QIODevice::ReadOnly) ? CoverLoader::decode(&file, edge) : QImage();
+        });
+    const QByteArray own(bytes.constData(), bytes.size()); // the caller's memory may end with this call
     return m_decoders.add([own, edge] {
         QBuffer buffer;
         buffer.setData(own);
@@ -148,5 +183,10 @@ void CoverStore::settleOldest()
     const EntryPointer entry = m_decoding.front();
     m_decoding.pop_front();
     entry->picture = QPixmap::fromImage(entry->image.get());
+    for (QPixmap* cover : std::exchange(entry->wanted, {}))
+        if (m_wanted.value(cover) == entry) {
+            *cover = entry->picture;
+            m_wanted.remove(cover);
+        }
     m_pixmapBytes += qint64(entry->picture.width()) * entry->picture.height() * entry->picture.depth() / 8;
 }

@@ -2,6 +2,8 @@
 
 #include "decodequeue.h"
 
+#include "filestate.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QImage>
@@ -10,6 +12,7 @@
 
 #include <deque>
 #include <memory>
+#include <vector>
 
 /// Writes embedded pictures to files and makes the pixmaps of them that songs carry. Songs whose picture
 /// bytes are equal share one pixmap and, where the file system has hard links, one copy on disk. To be called
@@ -22,9 +25,12 @@ public:
     /// bytes are no picture. A failed write is logged and leaves no file; the picture is answered all the
     /// same.
     QPixmap keep(const QByteArray& bytes, const QString& path);
-    /// The same without waiting: the picture is put into `cover` by finish() at the latest, and the last call
-    /// for one `cover` counts. Until then `cover` must not go away; the bytes may.
+    /// The same without waiting: the picture is put into `cover` at once or by a later handOver() or
+    /// finish(), whatever comes first; the last call for one `cover` counts. Until then, or clear(), `cover`
+    /// must not go away; the bytes may.
     void keep(const QByteArray& bytes, const QString& path, QPixmap* cover);
+    /// Hands over the pictures that were decoded meanwhile; whether none is left.
+    bool handOver();
     /// Waits for the pictures that are still being decoded and hands them over.
     void finish();
 
@@ -42,18 +48,24 @@ private:
         QString path;
         std::future<QImage> image; ///< valid until the picture has been made of it
         QPixmap picture;
+        std::vector<QPixmap*> wanted; ///< who waits for the picture
     };
     using EntryPointer = std::shared_ptr<Entry>;
 
     EntryPointer entryFor(const QByteArray& bytes, const QString& path);
+    void remember(const EntryPointer& entry, const QByteArray& bytes);
+    bool isRecent(const EntryPointer& entry) const;
     EntryPointer sameAs(const QByteArray& bytes, quint64 fingerprint) const;
-    std::future<QImage> decodeLater(const QByteArray& bytes);
+    std::future<QImage> decodeLater(const QByteArray& bytes, const QString& writtenPath);
     void settleOldest();
 
     /// By a fingerprint of the bytes, which only finds candidates.
     QMultiHash<quint64, EntryPointer> m_entries;
-    std::deque<EntryPointer> m_decoding; ///< oldest first
-    QHash<QPixmap*, EntryPointer> m_wanted;
+    std::deque<EntryPointer> m_decoding;    ///< oldest first
+    QHash<QPixmap*, EntryPointer> m_wanted; ///< the last picture kept for each cover that waits
+    EntryPointer m_recent;                  ///< the last picture met,
+    FileState m_recentState;                ///< its file as it was then
+    QByteArray m_recentBytes;               ///< and its bytes
     qint64 m_pixmapBytes = 0;
     qint64 m_fullSizeBudget = 384ll * 1024 * 1024;
     DecodeQueue m_decoders;

@@ -12,6 +12,7 @@
 namespace {
 constexpr int repaintMilliseconds = 50;
 constexpr int progressAfterMilliseconds = 400;
+constexpr int coverMilliseconds = 30;
 } // namespace
 
 /// Marks the intake as running for one scope.
@@ -31,7 +32,10 @@ private:
     LocalIntake& m_intake;
 };
 
-LocalIntake::LocalIntake(QObject* parent) : QObject(parent) {}
+LocalIntake::LocalIntake(QObject* parent) : QObject(parent)
+{
+    connect(&m_coverTimer, &QTimer::timeout, this, &LocalIntake::handCoversOver);
+}
 
 LocalIntake::~LocalIntake()
 {
@@ -64,7 +68,15 @@ void LocalIntake::add(const QStringList& files, QList<QMusicInfo*>& songs, QList
             m_decoderList.append(song.decoder);
         keepAlive(done + 1, files.size());
     }
-    m_reader.finish();
+    handCoversOver();
+}
+
+void LocalIntake::handCoversOver()
+{
+    if (m_reader.handOver())
+        m_coverTimer.stop();
+    else if (!m_coverTimer.isActive())
+        m_coverTimer.start(coverMilliseconds);
 }
 
 void LocalIntake::keepAlive(int done, int total)

@@ -96,8 +96,10 @@ void LocalSongReader::takeText(const TagItem& item, QMusicInfo& song)
 
 void LocalSongReader::takePicture(const TagItem& item, QMusicInfo& song)
 {
-    QDir().mkpath(coverFolder());
-    const QString path = coverFolder() + QLatin1String("/tempstr") + QString::number(musicNum++);
+    const QString folder = coverFolder();
+    if (!QFileInfo::exists(folder))
+        QDir().mkpath(folder);
+    const QString path = folder + QLatin1String("/tempstr") + QString::number(musicNum++);
     const QByteArray bytes = QByteArray::fromRawData(static_cast<const char*>(item.data), item.size);
     m_addedPathList.append(path);
     song.localInfo->coverPath = path;

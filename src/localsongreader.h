@@ -30,12 +30,15 @@ public:
 
     /// Starts a new intake: empties the list of added paths and the first-text table.
     void begin();
-    /// A file that cannot be read becomes a song with empty texts and zero properties. The song's cover may
-    /// be the generic one until finish().
+    /// A file that cannot be read becomes a song with empty texts and zero properties. Covers are decoded on
+    /// other threads: the song shows the generic one until handOver() or finish() brings its own, and stays
+    /// alive until then, or until forgetCovers().
     Song read(const QString& path);
-    /// Ends the intake: every song has its cover. The songs read since begin() must still be there.
+    /// Gives songs the covers decoded so far; whether none is left.
+    bool handOver() { return m_covers.handOver(); }
+    /// Waits until every song has its cover.
     void finish() { m_covers.finish(); }
-    /// Forgets the covers that songs share, for when no song is left.
+    /// Forgets the covers that songs share or still wait for; before the songs go away.
     void forgetCovers() { m_covers.clear(); }
 
     /// Every path of this intake, the first text met of each tag type, and every cover file written.

@@ -11,7 +11,8 @@ using TagLib::ByteVector;
 
 namespace {
 constexpr long blockSize = 256 * 1024;
-}
+constexpr unsigned int bufferSize = 16 * 1024;
+} // namespace
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
 {
@@ -33,9 +34,7 @@ CheckedStream::~CheckedStream()
 
 bool CheckedStream::flushToDevice()
 {
-    if (!m_file || std::fflush(m_file) != 0 || std::ferror(m_file) || m_failed)
-        return false;
-    return platform::syncToDevice(m_file);
+    return m_file && !m_failed && platform::syncToDevice(m_file);
 }
 
 TagLib::FileName CheckedStream::name() const
@@ -50,26 +49,41 @@ TagLib::FileName CheckedStream::name() const
 
 ByteVector CheckedStream::readBlock(unsigned long length)
 {
-    if (!m_file || length == 0)
+    const long left = std::max(0L, m_length - m_position);
+    const auto count =
+        static_cast<unsigned int>(std::min<unsigned long>(length, static_cast<unsigned long>(left)));
+    if (!m_file || count == 0)
         return ByteVector();
-    const long left = std::max(0L, m_length - tell());
-    ByteVector block(
-        static_cast<unsigned int>(std::min<unsigned long>(length, static_cast<unsigned long>(left))), 0);
-    if (block.isEmpty())
-        return block;
-    const size_t got = std::fread(block.data(), 1, block.size(), m_file);
-    block.resize(static_cast<unsigned int>(got));
+    ByteVector block;
+    if (count < bufferSize) {
+        if (m_position < m_bufferStart || m_position + long(count) > m_bufferStart + long(m_buffer.size()))
+            fillBuffer(m_position);
+        block = m_buffer.mid(static_cast<unsigned int>(m_position - m_bufferStart), count);
+    } else {
+        block.resize(count);
+        block.resize(static_cast<unsigned int>(platform::readAt(m_file, m_position, block.data(), count)));
+    }
+    m_position += long(block.size());
     return block;
+}
+
+void CheckedStream::fillBuffer(long position)
+{
+    m_buffer.resize(bufferSize);
+    m_buffer.resize(
+        static_cast<unsigned int>(platform::readAt(m_file, position, m_buffer.data(), bufferSize)));
+    m_bufferStart = position;
 }
 
 void CheckedStream::writeBlock(const ByteVector& data)
 {
     if (!m_file || m_mode == Mode::Read || data.isEmpty())
         return;
-    const long position = tell();
-    if (std::fwrite(data.data(), 1, data.size(), m_file) != data.size())
+    if (platform::writeAt(m_file, m_position, data.data(), data.size()) != data.size())
         m_failed = true;
-    m_length = std::max(m_length, position + long(data.size()));
+    m_buffer.clear();
+    m_position += long(data.size());
+    m_length = std::max(m_length, m_position);
 }
 
 void CheckedStream::writeAt(long position, const ByteVector& data)
@@ -118,23 +132,16 @@ void CheckedStream::removeBlock(unsigned long start, unsigned long length)
 
 void CheckedStream::seek(long offset, Position position)
 {
-    if (!m_file)
-        return;
-    const long base = position == Beginning ? 0 : position == Current ? tell() : m_length;
-    if (!platform::seekTo(m_file, std::max(0L, base + offset)))
-        m_failed = true;
-}
-
-long CheckedStream::tell() const
-{
-    return m_file ? std::ftell(m_file) : 0;
+    const long base = position == Beginning ? 0 : position == Current ? m_position : m_length;
+    m_position = std::max(0L, base + offset);
 }
 
 void CheckedStream::truncate(long length)
 {
     if (!m_file || m_mode == Mode::Read)
         return;
-    if (std::fflush(m_file) != 0 || !platform::truncateTo(m_file, length))
+    if (!platform::truncateTo(m_file, length))
         m_failed = true;
+    m_buffer.clear();
     m_length = length;
 }

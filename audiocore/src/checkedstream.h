@@ -30,17 +30,21 @@ public:
     bool readOnly() const override { return m_mode == Mode::Read; }
     bool isOpen() const override { return m_file != nullptr; }
     void seek(long offset, Position position = Beginning) override;
-    long tell() const override;
+    long tell() const override { return m_position; }
     long length() override { return m_length; }
     void truncate(long length) override;
 
 private:
+    void fillBuffer(long position);
     void writeAt(long position, const TagLib::ByteVector& data);
     void moveTail(long from, long to);
 
     std::FILE* m_file = nullptr;
     Mode m_mode;
     long m_length = 0;
+    long m_position = 0;
+    TagLib::ByteVector m_buffer; ///< of the file from m_bufferStart on; tags are read in tiny pieces
+    long m_bufferStart = 0;
     bool m_failed = false;
     std::string m_path;
     std::string m_openError;

@@ -20,7 +20,7 @@ struct Frame
     unsigned identity = 0; ///< header bits that stay the same all through a stream
 };
 
-/// Reads forward through a stream in large blocks.
+/// Reads forward through a stream in blocks, small ones first: most streams are told by their first frames.
 class Window
 {
 public:
@@ -33,7 +33,8 @@ public:
             return nullptr;
         if (position < m_start || position + count > m_start + long(m_block.size())) {
             m_stream.seek(position);
-            m_block = m_stream.readBlock(blockSize);
+            m_block = m_stream.readBlock(m_blockSize);
+            m_blockSize = std::min(m_blockSize * 4, largestBlock);
             m_start = position;
             if (long(m_block.size()) < count)
                 return nullptr;
@@ -44,11 +45,12 @@ public:
     long end() const { return m_end; }
 
 private:
-    static constexpr unsigned long blockSize = 128 * 1024;
+    static constexpr unsigned long largestBlock = 128 * 1024;
 
     TagLib::IOStream& m_stream;
     const long m_end;
     long m_start = 0;
+    unsigned long m_blockSize = 4 * 1024;
     ByteVector m_block;
 };
 

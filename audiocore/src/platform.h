@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -24,7 +25,10 @@ struct FileState
 bool stateOf(const std::string& path, FileState& state);
 /// Opens without ever blocking; null with errno set.
 std::FILE* openFile(const std::string& path, bool writing);
-bool seekTo(std::FILE* file, std::int64_t offset);
+/// Reads or writes at a place without any buffer in between; the bytes done, fewer only at the end or on
+/// failure.
+std::size_t readAt(std::FILE* file, std::int64_t offset, void* bytes, std::size_t count);
+std::size_t writeAt(std::FILE* file, std::int64_t offset, const void* bytes, std::size_t count);
 bool truncateTo(std::FILE* file, std::int64_t size);
 bool syncToDevice(std::FILE* file);
 

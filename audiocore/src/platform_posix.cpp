@@ -193,9 +193,34 @@ std::FILE* platform::openFile(const std::string& path, bool writing)
     return file;
 }
 
-bool platform::seekTo(std::FILE* file, std::int64_t offset)
+std::size_t platform::readAt(std::FILE* file, std::int64_t offset, void* bytes, std::size_t count)
 {
-    return ::fseeko(file, off_t(offset), SEEK_SET) == 0;
+    std::size_t done = 0;
+    while (done < count) {
+        const ssize_t got = ::pread(::fileno(file), static_cast<char*>(bytes) + done, count - done,
+                                    off_t(offset) + off_t(done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            break;
+        done += std::size_t(got);
+    }
+    return done;
+}
+
+std::size_t platform::writeAt(std::FILE* file, std::int64_t offset, const void* bytes, std::size_t count)
+{
+    std::size_t done = 0;
+    while (done < count) {
+        const ssize_t put = ::pwrite(::fileno(file), static_cast<const char*>(bytes) + done, count - done,
+                                     off_t(offset) + off_t(done));
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put <= 0)
+            break;
+        done += std::size_t(put);
+    }
+    return done;
 }
 
 bool platform::truncateTo(std::FILE* file, std::int64_t size)

@@ -83,7 +83,6 @@ public:
     std::int32_t GetItemCount() override
     {
         const auto own = state();
-        own->reading.reset(); // the file may have changed since
         return own->path.empty() ? 0 : std::int32_t(own->parsed()->items.size());
     }
     TagItem GetItem(std::int32_t index) override

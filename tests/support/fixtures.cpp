@@ -178,6 +178,17 @@ QByteArray Fixtures::jpeg(int width, int height, int seed)
         painter.drawEllipse(QPoint((seed * 17 + i * 71) % width, (seed * 23 + i * 37) % height), edge, edge);
     }
     painter.end();
+    // Some grain, as photographs have it.
+    quint32 grain = quint32(seed) + 1;
+    for (int y = 0; y < height; ++y) {
+        auto* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            grain = grain * 1664525 + 1013904223;
+            const int shade = int(grain >> 24) % 17 - 8;
+            line[x] = qRgb(qBound(0, qRed(line[x]) + shade, 255), qBound(0, qGreen(line[x]) + shade, 255),
+                           qBound(0, qBlue(line[x]) + shade, 255));
+        }
+    }
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
