@@ -35,9 +35,10 @@ bool syncToDevice(std::FILE* file);
 /// The file behind all links; empty when there is none.
 std::string realPath(const std::string& path);
 
+/// Removes the copies that killed writers of the file left beside it; those of living writers stay.
+void removeLeftovers(const std::string& path);
 /// Makes a new file beside `path` that holds a copy of it, owner and mode included, and keeps it locked while
-/// `lock` is open. Removes what killed writers of the same file left. The new file's path; empty on failure
-/// with the reason in `error`.
+/// `lock` is open. The new file's path; empty on failure with the reason in `error`.
 std::string copyBeside(const std::string& path, std::FILE*& lock, std::string& error);
 /// Puts the complete file `temporary` in the place of `path` at one stroke; false with the reason in `error`.
 bool replaceFile(const std::string& temporary, const std::string& path, std::string& error);

@@ -53,22 +53,6 @@ std::string temporaryPrefix(const std::string& path)
     return hash;
 }
 
-/// Removes copies whose writer is gone: a living writer holds a lock on its copy.
-void removeLeftovers(const std::string& folder, const std::string& prefix)
-{
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
-    if (!entries)
-        return;
-    while (const dirent* entry = ::readdir(entries.get())) {
-        if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) != 0)
-            continue;
-        const std::string path = folder + entry->d_name;
-        const Descriptor file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (file.fd >= 0 && ::flock(file.fd, LOCK_EX | LOCK_NB) == 0)
-            ::unlink(path.c_str());
-    }
-}
-
 bool copyByBlocks(int from, int to)
 {
     std::vector<char> block(256 * 1024);
@@ -239,13 +223,29 @@ std::string platform::realPath(const std::string& path)
     return real ? std::string(real.get()) : std::string();
 }
 
+void platform::removeLeftovers(const std::string& path)
+{
+    const std::string folder = folderOf(path);
+    const std::string prefix = temporaryPrefix(path);
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
+    if (!entries)
+        return;
+    while (const dirent* entry = ::readdir(entries.get())) {
+        if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) != 0)
+            continue;
+        const std::string copy = folder + entry->d_name;
+        // A living writer holds a lock on its copy.
+        const Descriptor file(::open(copy.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (file.fd >= 0 && ::flock(file.fd, LOCK_EX | LOCK_NB) == 0)
+            ::unlink(copy.c_str());
+    }
+}
+
 std::string platform::copyBeside(const std::string& path, std::FILE*& lock, std::string& error)
 {
     const std::string folder = folderOf(path);
     if (!mayReplace(path, folder, error))
         return std::string();
-    const std::string prefix = temporaryPrefix(path);
-    removeLeftovers(folder, prefix);
 
     const Descriptor original(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status = {};
@@ -253,7 +253,7 @@ std::string platform::copyBeside(const std::string& path, std::FILE*& lock, std:
         error = reason();
         return std::string();
     }
-    std::string temporary = folder + prefix + "XXXXXX";
+    std::string temporary = folder + temporaryPrefix(path) + "XXXXXX";
     const int copy = ::mkstemp(temporary.data());
     if (copy < 0) {
         error = "no new file can be made in the folder: " + reason();

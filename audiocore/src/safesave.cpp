@@ -81,9 +81,9 @@ bool readsAsWanted(const std::string& copy, const TagEdits& edits, std::string& 
     return false;
 }
 
-bool saveChanges(const std::string& path, const TagEdits& changes, std::string& error)
+/// `target` is no link.
+bool saveChanges(const std::string& target, const TagEdits& changes, std::string& error)
 {
-    const std::string target = audiocore::platform::realPath(path);
     std::FILE* lockFile = nullptr;
     const std::string copy = audiocore::platform::copyBeside(target, lockFile, error);
     const Lock lock(lockFile, [](std::FILE* file) { return file ? std::fclose(file) : 0; });
@@ -105,8 +105,11 @@ bool audiocore::saveEdits(const std::string& path, const TagEdits& edits)
     std::string error;
     TagEdits changes;
     bool saved = neededEdits(path, edits, changes, error);
+    const std::string target = platform::realPath(path);
+    if (!target.empty())
+        platform::removeLeftovers(target);
     if (saved && !changes.isEmpty())
-        saved = saveChanges(path, changes, error);
+        saved = saveChanges(target, changes, error);
     if (!saved)
         logLine(path, "the tag was not saved: " + error);
     return saved;
