@@ -17,12 +17,11 @@ constexpr unsigned int bufferSize = 16 * 1024;
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
 {
     platform::FileState state;
-    if (!platform::stateOf(utf8Path, state))
-        m_openError = std::strerror(errno);
-    else if (!state.regular)
-        m_openError = "not a regular file";
-    else if (!(m_file = platform::openFile(utf8Path, mode == Mode::ReadWrite)))
-        m_openError = std::strerror(errno);
+    const bool there = platform::stateOf(utf8Path, state);
+    if (there && state.regular)
+        m_file = platform::openFile(utf8Path, mode == Mode::ReadWrite);
+    if (!m_file)
+        m_openError = there && !state.regular ? "not a regular file" : std::strerror(errno);
     m_length = m_file ? long(state.size) : 0;
 }
 

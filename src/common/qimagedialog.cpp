@@ -24,6 +24,9 @@ void QImageDialog::paintEvent(QPaintEvent*)
     if (!m_pBackground)
         return;
     QPainter painter(this);
+    // Rounded corners would be holes in a window with a frame, black ones where nothing composes windows.
+    if (!(windowFlags() & Qt::FramelessWindowHint))
+        painter.fillRect(rect(), palette().window());
     painter.drawImage(QPointF(0, 0), m_pBackground->image(devicePixelRatioF()));
 }
 

@@ -23,6 +23,21 @@ const QHash<QString, SkinWords::Words>& table()
         {QStringLiteral("button_ok"), {QStringLiteral("OK"), true}},
         {QStringLiteral("button_cancel"), {QStringLiteral("Cancel"), true}},
         {QStringLiteral("button_continue"), {QStringLiteral("Continue"), true}},
+        {QStringLiteral("button_edit"), {QStringLiteral("Edit"), true}},
+        {QStringLiteral("button_edit_close"), {QStringLiteral("Cancel"), true}},
+        {QStringLiteral("btn_identify"), {QStringLiteral("Identify"), true}},
+        {QStringLiteral("btn_identifyagain"), {QStringLiteral("Identify again"), true}},
+        {QStringLiteral("btn_apply"), {QStringLiteral("Apply"), true}},
+        {QStringLiteral("identifying"), {QStringLiteral("Identifying"), true}},
+        {QStringLiteral("btn_clearduplicate"), {QStringLiteral("Clear this group"), true}},
+        {QStringLiteral("btn_ClearAll"), {QStringLiteral("Clear all groups"), true}},
+        {QStringLiteral("btn_checkbox_no"), {QStringLiteral("To be deleted; click to keep"), false}},
+        {QStringLiteral("btn_checkbox_yes"), {QStringLiteral("Kept; click to delete"), false}},
+        {QStringLiteral("button_play"), {QStringLiteral("Play"), false}},
+        {QStringLiteral("button_detail"), {QStringLiteral("Show information"), false}},
+        {QStringLiteral("button_search"), {QStringLiteral("Open the folder"), false}},
+        {QStringLiteral("button_music_stop"), {QStringLiteral("Pause"), false}},
+        {QStringLiteral("button_music_play"), {QStringLiteral("Play"), false}},
     };
     return words;
 }
