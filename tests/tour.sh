@@ -29,7 +29,7 @@ start_display() {
 
 # Starts the program and waits for its window.
 start_program() {
-    "$bin/melodrift" "$@" >>"$log" 2>&1 &
+    (cd "$work/flat" && exec "$bin/melodrift" "$@") >>"$log" 2>&1 &
     program=$!
     window=$(main_window)
 }
@@ -90,18 +90,46 @@ frame() {
         /Width:/ { w = $NF } /Height:/ { h = $NF } END { printf "%dx%d+%d+%d", w, h, x, y }'
 }
 
+# All music under the given paths in one folder, as links, where a file dialog can take it at once.
+flatten() {
+    local number=0 file
+    mkdir -p "$work/flat"
+    while IFS= read -r -d '' file; do
+        number=$((number + 1))
+        ln -s "$file" "$work/flat/$(printf '%04d' "$number").${file##*.}"
+    done < <(find -L "$@" -type f -print0 | sort -z)
+}
+
+# Takes everything that the open file dialog shows.
+choose_all() {
+    local dialog WIDTH HEIGHT WINDOW X Y SCREEN
+    dialog=$(xdotool search --onlyvisible --pid "$program" --name '^open$' | tail -n 1)
+    eval "$(xdotool getwindowgeometry --shell "$dialog")"
+    xdotool mousemove --window "$dialog" $((WIDTH / 2)) $((HEIGHT / 2))
+    xdotool click 1
+    sleep 0.3
+    xdotool key ctrl+a
+    sleep 0.3
+    xdotool key alt+o
+    for _ in $(seq 50); do
+        xdotool search --onlyvisible --pid "$program" --name '^open$' >/dev/null 2>&1 || return 0
+        sleep 0.1
+    done
+    echo "the file dialog did not take the files" >&2
+    return 1
+}
+
 # One walk through the local workflow at a window size.
 walk() {
     local width=$1 height=$2 name=$1x$2
-    shift 2
     start_program
     size "$width" "$height"
     picture "$name-1-itunes-mode"
     click $((width - 70)) 52 1.2
     picture "$name-2-local-mode"
-    stop_program
-    start_program "$@"
-    size "$width" "$height"
+    click $((width / 2 + 68)) 52
+    wait_dialog shown
+    choose_all
     wait_dialog shown
     picture "$name-3-added" stay
     xdotool key Return
@@ -141,8 +169,9 @@ if [ $# -eq 0 ]; then
     "$bin/make_collection" "$work/Music"
     set -- "$work/Music"
 fi
-walk 1120 713 "$@"
-walk 1000 700 "$@"
+flatten "$@"
+walk 1120 713
+walk 1000 700
 during_intake
 sed -n 's/^songs: /songs: /p' "$log" | head -n 1
 echo "pictures: $pictures"

@@ -25,8 +25,6 @@
 #include <thread>
 #include <unistd.h>
 
-using TagLib::String;
-using TagLib::StringList;
 
 namespace {
 const QHash<int, QString>& sample()
