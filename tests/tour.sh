@@ -103,7 +103,7 @@ flatten() {
 # Takes everything that the open file dialog shows.
 choose_all() {
     local dialog WIDTH HEIGHT WINDOW X Y SCREEN
-    dialog=$(xdotool search --onlyvisible --pid "$program" --name '^open$' | tail -n 1)
+    dialog=$(xdotool search --all --onlyvisible --pid "$program" --name '^open$' | tail -n 1)
     eval "$(xdotool getwindowgeometry --shell "$dialog")"
     xdotool mousemove --window "$dialog" $((WIDTH / 2)) $((HEIGHT / 2))
     xdotool click 1
@@ -112,7 +112,7 @@ choose_all() {
     sleep 0.3
     xdotool key alt+o
     for _ in $(seq 50); do
-        xdotool search --onlyvisible --pid "$program" --name '^open$' >/dev/null 2>&1 || return 0
+        xdotool search --all --onlyvisible --pid "$program" --name '^open$' >/dev/null 2>&1 || return 0
         sleep 0.1
     done
     echo "the file dialog did not take the files" >&2

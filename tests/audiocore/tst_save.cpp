@@ -420,7 +420,7 @@ void TestSave::aKillLeavesTheOldOrTheNewFile()
     QRandomGenerator random(7);
     int unfinished = 0;
     for (int i = 0; i < kills; ++i) {
-        const QString path = paths.at(i % paths.size());
+        const QString& path = paths.at(i % paths.size());
         const pid_t writer = ::fork();
         QVERIFY(writer >= 0);
         if (writer == 0) {
