@@ -25,7 +25,6 @@
 #include <thread>
 #include <unistd.h>
 
-
 namespace {
 const QHash<int, QString>& sample()
 {
