@@ -249,6 +249,7 @@ void TestMainWindow::menusOpenTheirPages()
     trigger(2);
     QCOMPARE(m_opened.last(),
              QUrl::fromLocalFile(QIOrvoUtil::getResourcePath() + "/Melodrift for Mac-Orvo/index.html"));
+    QVERIFY(QFile::exists(m_opened.last().toLocalFile()));
     trigger(3);
     QVERIFY(!m_window->isVisible());
 }

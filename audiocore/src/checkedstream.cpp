@@ -12,6 +12,10 @@ using TagLib::ByteVector;
 namespace {
 constexpr long blockSize = 256 * 1024;
 constexpr unsigned int bufferSize = 16 * 1024;
+// Far more than any whole file takes: those with the most parts are Ogg streams, of a page every few
+// kilobytes.
+constexpr std::int64_t stepsAtLeast = 500000;
+constexpr std::int64_t bytesAStep = 256;
 } // namespace
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
@@ -23,6 +27,7 @@ CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mo
     if (!m_file)
         m_openError = there && !state.regular ? "not a regular file" : std::strerror(errno);
     m_length = m_file ? long(state.size) : 0;
+    m_stepsLeft = stepsAtLeast + m_length / bytesAStep;
 }
 
 CheckedStream::~CheckedStream()
@@ -46,8 +51,15 @@ TagLib::FileName CheckedStream::name() const
 #endif
 }
 
+void CheckedStream::countStep()
+{
+    if (--m_stepsLeft < 0)
+        throw EndlessReading();
+}
+
 ByteVector CheckedStream::readBlock(unsigned long length)
 {
+    countStep();
     const long left = std::max(0L, m_length - m_position);
     const auto count =
         static_cast<unsigned int>(std::min<unsigned long>(length, static_cast<unsigned long>(left)));
@@ -131,6 +143,7 @@ void CheckedStream::removeBlock(unsigned long start, unsigned long length)
 
 void CheckedStream::seek(long offset, Position position)
 {
+    countStep();
     const long base = position == Beginning ? 0 : position == Current ? m_position : m_length;
     m_position = std::max(0L, base + offset);
 }

@@ -2,12 +2,22 @@
 
 #include <taglib/tiostream.h>
 
+#include <cstdint>
 #include <cstdio>
+#include <stdexcept>
 #include <string>
 
 namespace audiocore {
+/// What a stream throws when a damaged file keeps its reader busy without end.
+class EndlessReading : public std::runtime_error
+{
+public:
+    EndlessReading() : std::runtime_error("is damaged: reading it would not end") {}
+};
+
 /// A file stream that remembers whether every write reached the system: the tag library itself does not tell.
-/// Reads never ask for more memory than the file has bytes left.
+/// Reads never ask for more memory than the file has bytes left, and there is an end to them: sizes in
+/// damaged files send the tag library round and round.
 class CheckedStream : public TagLib::IOStream
 {
 public:
@@ -35,6 +45,7 @@ public:
     void truncate(long length) override;
 
 private:
+    void countStep();
     void fillBuffer(long position);
     void writeAt(long position, const TagLib::ByteVector& data);
     void moveTail(long from, long to);
@@ -45,6 +56,7 @@ private:
     long m_position = 0;
     TagLib::ByteVector m_buffer; ///< of the file from m_bufferStart on; tags are read in tiny pieces
     long m_bufferStart = 0;
+    std::int64_t m_stepsLeft = 0;
     bool m_failed = false;
     std::string m_path;
     std::string m_openError;

@@ -69,6 +69,19 @@ void addItems(ParsedMedia& parsed, const audiocore::TagContent& content)
         parsed.items.push_back({TAG_PICTURE, std::u32string(), content.picture});
 }
 
+/// Fills in what the file holds; false when it holds no music.
+bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
+{
+    const audiocore::MediaFile media = audiocore::openMedia(stream, true);
+    const MpegStream properties = media.file ? propertiesOf(media, stream) : MpegStream();
+    if (properties.sampleRate <= 0)
+        return false;
+    parsed.format = media.format;
+    parsed.properties = properties;
+    addItems(parsed, audiocore::readTags(media));
+    return true;
+}
+
 std::shared_ptr<const ParsedMedia> parse(const std::string& path)
 {
     auto parsed = std::make_shared<ParsedMedia>();
@@ -77,16 +90,14 @@ std::shared_ptr<const ParsedMedia> parse(const std::string& path)
         audiocore::logLine(path, "cannot be read: " + stream.openError());
         return parsed;
     }
-    const audiocore::MediaFile media = audiocore::openMedia(stream, true);
-    const MpegStream properties = media.file ? propertiesOf(media, stream) : MpegStream();
-    if (properties.sampleRate <= 0) {
+    try {
+        if (readInto(*parsed, stream))
+            return parsed;
         audiocore::logLine(path, "holds no music that can be read");
-        return parsed;
+    } catch (const audiocore::EndlessReading& reason) {
+        audiocore::logLine(path, reason.what());
     }
-    parsed->format = media.format;
-    parsed->properties = properties;
-    addItems(*parsed, audiocore::readTags(media));
-    return parsed;
+    return std::make_shared<ParsedMedia>();
 }
 } // namespace
 

@@ -104,12 +104,17 @@ bool audiocore::saveEdits(const std::string& path, const TagEdits& edits)
 {
     std::string error;
     TagEdits changes;
-    bool saved = neededEdits(path, edits, changes, error);
     const std::string target = platform::realPath(path);
     if (!target.empty())
         platform::removeLeftovers(target);
-    if (saved && !changes.isEmpty())
-        saved = saveChanges(target, changes, error);
+    bool saved = false;
+    try {
+        saved = neededEdits(path, edits, changes, error) &&
+                (changes.isEmpty() || saveChanges(target, changes, error));
+    } catch (const EndlessReading& reason) {
+        error = reason.what();
+        platform::removeLeftovers(target); // the copy's lock is gone, too
+    }
     if (!saved)
         logLine(path, "the tag was not saved: " + error);
     return saved;
