@@ -1,16 +1,14 @@
 #include "centerwidget.h"
 
 #include "audiocore/iaudiotag.h"
-#include "classification.h"
 #include "common/messagedialog.h"
 #include "covergriddelegate.h"
-#include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
 #include "paintdupnumberdelegate.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
-#include "songfields.h"
+#include "songcells.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
 
@@ -25,31 +23,24 @@
 int m_local_add_or_ScanAgain = 0;
 
 namespace {
-constexpr int columnModeGrid = 1;
-constexpr int columnModeTable = 6;
-constexpr int columnModeDupTable = 7;
 constexpr int rightColumnWidth = 330;
 constexpr int titleColumnWidth = 500;
 constexpr int dropPictureGap = 24;
-
-QString skin(const char* name)
-{
-    return QIOrvoUtil::getResourcePath() + QLatin1String("/Image/") + QLatin1String(name);
-}
 
 /// Shows a notice; whether its action button was chosen.
 bool notify(const QString& text, const char* actionButton, bool cancelHidden)
 {
     MessageDialog message;
     message.setMessageContect(text);
-    message.SetButtonTypeImage(skin(actionButton), QString());
+    message.SetButtonTypeImage(SkinPicture::path(actionButton), QString());
     message.SetCancelButtonHidden(cancelHidden);
     return message.exec() == 1;
 }
 } // namespace
 
 CenterWidget::CenterWidget(QWidget* parent)
-    : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()), m_dropPicture(skin("bg_openfile.png"))
+    : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
+      m_dropPicture(SkinPicture::path("bg_openfile.png"))
 {
     ui->setupUi(this);
     setLayout(ui->m_layout);
@@ -62,19 +53,19 @@ CenterWidget::CenterWidget(QWidget* parent)
 CenterWidget::~CenterWidget()
 {
     setSongSource(nullptr);
-    setGroupSource(columnModeDupTable);
+    setGroupSource(SongCells::columnModeDupTable);
     m_intake.reader().forgetCovers();
     qDeleteAll(m_localMusicList);
 }
 
 void CenterWidget::Init()
 {
-    ui->m_btnGridDisplay->setBtnImage(skin("button_preview_left.png"));
-    ui->m_btnTableDisplay->setBtnImage(skin("button_preview_right.png"));
-    ui->m_btnOpen->setBtnImage(skin("button_open.png"));
+    ui->m_btnGridDisplay->setBtnImage(SkinPicture::path("button_preview_left.png"));
+    ui->m_btnTableDisplay->setBtnImage(SkinPicture::path("button_preview_right.png"));
+    ui->m_btnOpen->setBtnImage(SkinPicture::path("button_open.png"));
     ui->m_btnGridDisplay->setEnabled(false);
     ui->m_btnOpen->hide();
-    ui->m_backgroundImageWidget->SetImageBackgroud(skin("bg_right_nofile.png"), true);
+    ui->m_backgroundImageWidget->SetImageBackgroud(SkinPicture::path("bg_right_nofile.png"), true);
     ui->m_musicDetailedWidget->hide();
     ui->m_dupMusicDetailedWidget->hide();
     m_openShortcut =
@@ -90,7 +81,7 @@ void CenterWidget::InitView()
     m_dupMusicGridModel = new DupMusicListModel(this);
     m_dupMusicTableModel = new DupMusicListModel(this);
     setSongSource(m_pAllMusicList);
-    setGroupSource(columnModeDupTable);
+    setGroupSource(SongCells::columnModeDupTable);
 
     SongViews::initGrid(ui->m_allMusicListView);
     SongViews::initGrid(ui->m_dupMusicListView);
@@ -166,14 +157,14 @@ void CenterWidget::showCurrentView()
 
 void CenterWidget::setSongSource(QList<QMusicInfo*>* list)
 {
-    m_allMusicGridModel->setDataSourceList(list, columnModeGrid, false);
-    m_allMusicTableModel->setDataSourceList(list, columnModeTable, false);
+    m_allMusicGridModel->setDataSourceList(list, SongCells::columnModeGrid, false);
+    m_allMusicTableModel->setDataSourceList(list, SongCells::columnModeTable, false);
 }
 
 void CenterWidget::setGroupSource(int tableColumns)
 {
-    m_dupMusicGridModel->setDupMusicDataSource(&m_dupMusicInfoList, columnModeGrid, false);
-    m_dupMusicTableModel->setDupMusicDataSource(&m_dupMusicInfoList, tableColumns, false);
+    m_dupMusicGridModel->setDupMusicDataSource(&m_classification.groups(), SongCells::columnModeGrid, false);
+    m_dupMusicTableModel->setDupMusicDataSource(&m_classification.groups(), tableColumns, false);
 }
 
 void CenterWidget::OnBtnGridView()
@@ -201,7 +192,7 @@ void CenterWidget::slotShowAllmusicView()
 
 void CenterWidget::slotShowUndefineMusicView()
 {
-    setSongSource(&m_undefinedMusicList);
+    setSongSource(&m_classification.undefinedSongs());
     m_nViewKind = ViewUndefined;
     switchView();
 }
@@ -209,7 +200,7 @@ void CenterWidget::slotShowUndefineMusicView()
 void CenterWidget::slotShowDuplicateMusicView()
 {
     // The model shows the same seven columns for 6 as for 7; both values are wanted where they stand.
-    setGroupSource(columnModeTable);
+    setGroupSource(SongCells::columnModeTable);
     m_dupMusicGridModel->refresh();
     m_dupMusicTableModel->refresh();
     m_nViewKind = ViewDuplicates;
@@ -296,12 +287,11 @@ void CenterWidget::enterMode(bool local)
 void CenterWidget::ClearSelectedWidget()
 {
     const QList<QMusicInfo*> songs = std::exchange(m_localMusicList, {});
-    m_undefinedMusicList.clear();
-    clearGroups();
+    clearClassification();
     // Neither mode shows the other's songs: whatever was listed before, the emptied list is.
     m_pAllMusicList = &m_localMusicList;
     setSongSource(m_pAllMusicList);
-    setGroupSource(columnModeDupTable);
+    setGroupSource(SongCells::columnModeDupTable);
     ui->m_musicDetailedWidget->SetMusicDetailedInfo(nullptr);
     for (IAudioTag* tag : std::exchange(m_tagList, {}))
         if (tag)
@@ -318,10 +308,10 @@ void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
     clearClassification();
     m_pAllMusicList = list;
     showAllSongs();
-    collectSongs();
-    emit emitUndefinedMusicCount(m_undefinedMusicList.size());
-    groupDuplicates();
-    emit emitDuplicateMusicCount(m_dupMusicInfoList.size());
+    m_classification.collect(*m_pAllMusicList);
+    emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
+    m_classification.group();
+    emit emitDuplicateMusicCount(m_classification.groups().size());
 }
 
 void CenterWidget::setLocalMusicInfo()
@@ -334,12 +324,13 @@ void CenterWidget::setLocalMusicInfo()
         return;
     }
     showAllSongs();
-    collectSongs();
-    groupDuplicates();
-    setGroupSource(columnModeDupTable);
+    m_classification.collect(*m_pAllMusicList);
+    m_classification.group();
+    setGroupSource(SongCells::columnModeDupTable);
     qInfo("songs: %d, undefined: %d, duplicate groups: %d", m_pAllMusicList->size(),
-          m_undefinedMusicList.size(), m_dupMusicInfoList.size());
-    emit emitMusicCount(m_pAllMusicList->size(), m_undefinedMusicList.size(), m_dupMusicInfoList.size());
+          m_classification.undefinedSongs().size(), m_classification.groups().size());
+    emit emitMusicCount(m_pAllMusicList->size(), m_classification.undefinedSongs().size(),
+                        m_classification.groups().size());
     emit emitFinishScanninglocalMusic();
 }
 
@@ -347,37 +338,36 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
 {
     m_allMusicTableModel->refresh();
     m_allMusicGridModel->refresh();
-    collectSongs();
-    emit emitUndefinedMusicCount(m_undefinedMusicList.size());
-    clearGroups();
-    groupDuplicates();
-    emit emitDuplicateMusicCount(m_dupMusicInfoList.size());
+    m_classification.collect(*m_pAllMusicList);
+    emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
+    forgetShownGroup();
+    m_classification.group();
+    emit emitDuplicateMusicCount(m_classification.groups().size());
     if (m_nViewKind == ViewUndefined)
-        setSongSource(&m_undefinedMusicList);
+        setSongSource(&m_classification.undefinedSongs());
 }
 
 int CenterWidget::ReturnUndefinedMusicCount() const
 {
-    return m_undefinedMusicList.size();
+    return m_classification.undefinedSongs().size();
 }
 
 int CenterWidget::ReturnDuplicateMusicCount() const
 {
-    return m_dupMusicInfoList.size();
+    return m_classification.groups().size();
 }
 
 void CenterWidget::clearClassification()
 {
-    m_undefinedMusicList.clear();
-    clearGroups();
+    forgetShownGroup();
+    m_classification.clear();
 }
 
-void CenterWidget::clearGroups()
+/// Groups are about to go: the panel shows none of them any more.
+void CenterWidget::forgetShownGroup()
 {
     ui->m_dupMusicDetailedWidget->hide();
     ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(nullptr);
-    m_dupMusicInfoList.clear();
-    m_formerGroups = std::exchange(m_groups, Groups());
 }
 
 void CenterWidget::showAllSongs()
@@ -385,35 +375,6 @@ void CenterWidget::showAllSongs()
     setSongSource(m_pAllMusicList);
     m_nViewKind = ViewAll;
     switchView();
-}
-
-void CenterWidget::collectSongs()
-{
-    m_undefinedMusicList.clear();
-    m_classifiedList.clear();
-    m_titleList.clear();
-    m_durationList.clear();
-    for (QMusicInfo* song : qAsConst(*m_pAllMusicList)) {
-        if (!SongFields::available(song))
-            continue;
-        const QString title = SongFields::title(song);
-        m_classifiedList.append(song);
-        m_titleList.append(title);
-        m_durationList.append(SongFields::duration(song));
-        if (Classification::isUndefined(title, SongFields::artist(song), SongFields::album(song),
-                                        SongFields::genre(song)))
-            m_undefinedMusicList.append(song);
-    }
-}
-
-void CenterWidget::groupDuplicates()
-{
-    for (const auto& positions : Classification::groupDuplicates(m_titleList, m_durationList)) {
-        m_groups.push_back(std::make_unique<DupMusicInfo>());
-        m_dupMusicInfoList.append(m_groups.back().get());
-        for (const int position : positions)
-            m_groups.back()->musicList.append(m_classifiedList.at(position));
-    }
 }
 
 // --- intake

@@ -2,6 +2,7 @@
 
 #include "common/skinpicture.h"
 #include "localintake.h"
+#include "songclassification.h"
 
 #include <QList>
 #include <QStringList>
@@ -9,7 +10,6 @@
 
 #include <array>
 #include <memory>
-#include <vector>
 
 class DupMusicListModel;
 class IAudioTag;
@@ -17,7 +17,6 @@ class MusicListModel;
 class QAbstractItemView;
 class QModelIndex;
 class QShortcut;
-struct DupMusicInfo;
 struct QMusicInfo;
 
 namespace Ui {
@@ -95,7 +94,6 @@ protected:
 
 private:
     enum ViewKind { ViewAll = 0, ViewDuplicates = 1, ViewUndefined = 2 };
-    using Groups = std::vector<std::unique_ptr<DupMusicInfo>>;
 
     void Init();
     void InitView();
@@ -114,10 +112,8 @@ private:
     void placeOpenButton();
 
     void clearClassification();
-    void clearGroups();
+    void forgetShownGroup();
     void showAllSongs();
-    void collectSongs();
-    void groupDuplicates();
 
     std::unique_ptr<Ui::CenterWidget> ui;
     SkinPicture m_dropPicture;
@@ -137,13 +133,7 @@ private:
     QList<QMusicInfo*> m_localMusicList;                     ///< owned
     QList<IAudioTag*> m_tagList;                             ///< one per local song, same index
     QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
-    QList<QMusicInfo*> m_undefinedMusicList;
-    QList<DupMusicInfo*> m_dupMusicInfoList;
-    Groups m_groups;       ///< owns what m_dupMusicInfoList lists
-    Groups m_formerGroups; ///< of the last classification; views point at them until they are reset
-    QList<QMusicInfo*> m_classifiedList; ///< working lists of the classification,
-    QStringList m_titleList;             ///< one entry per classified song
-    QList<quint64> m_durationList;
+    SongClassification m_classification;
 
     LocalIntake m_intake;
     QStringList m_dropFileList;

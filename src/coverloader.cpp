@@ -1,8 +1,8 @@
 #include "coverloader.h"
 
+#include "common/skinpicture.h"
 #include "covericonengine.h"
 #include "filestate.h"
-#include "qiorvoutil.h"
 
 #include <QCache>
 #include <QCoreApplication>
@@ -187,7 +187,7 @@ QIcon iconOf(const QString& path)
 
 QString CoverLoader::genericCoverPath()
 {
-    return QIOrvoUtil::getResourcePath() + QLatin1String("/Image/big.png");
+    return SkinPicture::path("big.png");
 }
 
 QPixmap CoverLoader::genericCover()

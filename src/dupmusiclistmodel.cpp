@@ -6,43 +6,12 @@
 #include "songcells.h"
 #include "songfields.h"
 
-DupMusicListModel::DupMusicListModel(QObject* parent) : QAbstractItemModel(parent) {}
+DupMusicListModel::DupMusicListModel(QObject* parent) : FlatListModel(parent) {}
 
 void DupMusicListModel::setDupMusicDataSource(QList<DupMusicInfo*>* list, int columnMode, bool flag)
 {
-    beginResetModel();
-    m_pDupMusicList = list;
-    m_nColumnCount = columnMode == SongCells::columnModeGrid ? columnMode : SongCells::columnModeDupTable;
-    m_bReserved = flag;
-    endResetModel();
-}
-
-void DupMusicListModel::refresh()
-{
-    beginResetModel();
-    endResetModel();
-}
-
-QModelIndex DupMusicListModel::index(int row, int column, const QModelIndex& parent) const
-{
-    if (row < 0 || column < 0 || parent.isValid() || !m_pDupMusicList || row >= m_pDupMusicList->size())
-        return QModelIndex();
-    return createIndex(row, column, m_pDupMusicList->at(row));
-}
-
-QModelIndex DupMusicListModel::parent(const QModelIndex&) const
-{
-    return QModelIndex();
-}
-
-int DupMusicListModel::rowCount(const QModelIndex& parent) const
-{
-    return m_pDupMusicList && !parent.isValid() ? m_pDupMusicList->size() : 0;
-}
-
-int DupMusicListModel::columnCount(const QModelIndex& parent) const
-{
-    return m_pDupMusicList && !parent.isValid() ? m_nColumnCount : 0;
+    setSource(list, columnMode == SongCells::columnModeGrid ? columnMode : SongCells::columnModeDupTable,
+              flag);
 }
 
 QVariant DupMusicListModel::displayed(const DupMusicInfo& group, int column) const
@@ -91,9 +60,4 @@ QVariant DupMusicListModel::headerData(int section, Qt::Orientation orientation,
     if (isGrid() || orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= 7)
         return QVariant();
     return QString::fromLatin1(headers[section]);
-}
-
-DupMusicInfo* DupMusicListModel::nodeFromIndex(const QModelIndex& index) const
-{
-    return index.isValid() ? static_cast<DupMusicInfo*>(index.internalPointer()) : nullptr;
 }

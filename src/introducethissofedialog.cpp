@@ -1,7 +1,6 @@
 #include "introducethissofedialog.h"
 
 #include "homepage.h"
-#include "qiorvoutil.h"
 #include "ui_introducethissofedialog.h"
 
 IntroduceThisSofeDialog::IntroduceThisSofeDialog(QWidget* parent)
@@ -9,11 +8,11 @@ IntroduceThisSofeDialog::IntroduceThisSofeDialog(QWidget* parent)
 {
     ui->setupUi(this);
     setWindowTitle(QStringLiteral("Melodrift"));
-    setWindowIcon(QIcon(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/logo.png")));
+    setWindowIcon(QIcon(SkinPicture::path("logo.png")));
     setAttribute(Qt::WA_TranslucentBackground);
-    SetImageBackgroud(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/about_this_soft.png"));
+    SetImageBackgroud(SkinPicture::path("about_this_soft.png"));
     // The picture is named without its extension.
-    ui->m_btnOk->setBtnImage(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/button_ok"));
+    ui->m_btnOk->setBtnImage(SkinPicture::path("button_ok"));
     InitText();
     connect(ui->m_btnOk, SIGNAL(clicked()), this, SLOT(SlotOnBtnOk()));
 }

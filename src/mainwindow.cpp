@@ -22,11 +22,6 @@ constexpr int menuHeight = 20;
 constexpr int menuWidth = 320;
 constexpr int switchMilliseconds = 690;
 
-QString skin(const char* name)
-{
-    return QIOrvoUtil::getResourcePath() + QLatin1String("/Image/") + QLatin1String(name);
-}
-
 QString iTunesTips()
 {
     return QStringLiteral("Quickly Clean iTunes Music Library,No Unknown and Duplicate Music Anymore!\n"
@@ -65,16 +60,16 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::Init()
 {
-    ui->m_btnStarScan->setBtnImage(skin("btn_startscan.png"));
-    ui->m_btniTunesClean->setBtnImage(skin("button_itunes_music_clean.png"));
-    ui->m_btnLocalClean->setBtnImage(skin("button_local_music_clean.png"));
-    m_pLocalSwitchMovie = std::make_unique<QMovie>(skin("b_local_music_clean1.gif"));
-    m_piTunesSwitchMovie = std::make_unique<QMovie>(skin("b_itunes_music_clean1.gif"));
+    ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
+    ui->m_btniTunesClean->setBtnImage(SkinPicture::path("button_itunes_music_clean.png"));
+    ui->m_btnLocalClean->setBtnImage(SkinPicture::path("button_local_music_clean.png"));
+    m_pLocalSwitchMovie = std::make_unique<QMovie>(SkinPicture::path("b_local_music_clean1.gif"));
+    m_piTunesSwitchMovie = std::make_unique<QMovie>(SkinPicture::path("b_itunes_music_clean1.gif"));
     m_piTunesSwitchTimer = new QTimer(this);
     m_pLocalSwitchTimer = new QTimer(this);
     ui->m_btnLocalClean->hide();
     ui->m_movieLabel->setGeometry(10, 20, 50, 50);
-    showStatusPicture(QStringLiteral("pic_startscan.png"));
+    showStatusPicture("pic_startscan.png");
     ui->m_leftMusicWidget->setAllSongsCount(0);
     ui->m_leftMusicWidget->OnLeftWidgetBtnState();
     ui->m_tipsLabel->setText(iTunesTips());
@@ -96,7 +91,7 @@ void MainWindow::InitMainMenu()
         "QMenuBar::item:pressed{background:#BFE2F5}"));
     const auto add = [this, bar](const QString& text, const char* icon, const char* slot) {
         QMenu* menu = bar->addMenu(text);
-        const QAction* action = menu->addAction(QIcon(skin(icon)), text);
+        const QAction* action = menu->addAction(QIcon(SkinPicture::path(icon)), text);
         connect(action, SIGNAL(triggered()), this, slot);
     };
     add(QStringLiteral("Home"), "menu_home.png", SLOT(SlotHomeMenu()));
@@ -146,9 +141,9 @@ void MainWindow::setBackgroundImage(const QString& path)
     m_pBackgroundImage = skinPixmap(path, devicePixelRatioF());
 }
 
-void MainWindow::showStatusPicture(const QString& name)
+void MainWindow::showStatusPicture(const char* name)
 {
-    ui->m_movieLabel->setPixmap(*skinPixmap(skin(name.toLatin1()), devicePixelRatioF()));
+    ui->m_movieLabel->setPixmap(*skinPixmap(SkinPicture::path(name), devicePixelRatioF()));
 }
 
 void MainWindow::OnBtnStartScan()
@@ -162,7 +157,7 @@ void MainWindow::OnBtnStartScan()
         MessageDialog message;
         message.setMessageContect(QStringLiteral("This version does not read the iTunes library yet.\n"
                                                  "The local clean mode tidies your music files."));
-        message.SetButtonTypeImage(skin("button_ok.png"), QString());
+        message.SetButtonTypeImage(SkinPicture::path("button_ok.png"), QString());
         message.SetCancelButtonHidden(true);
         message.exec();
     }
@@ -175,7 +170,7 @@ void MainWindow::SlotOnBtniTunesClean()
         return;
     ui->m_btniTunesClean->hide();
     ui->m_labelClean->setMovie(m_pLocalSwitchMovie.get());
-    ui->m_btnStarScan->setBtnImage(skin("add_music.png"));
+    ui->m_btnStarScan->setBtnImage(SkinPicture::path("add_music.png"));
     m_pLocalSwitchMovie->start();
     m_piTunesSwitchTimer->start(switchMilliseconds);
     update();
@@ -199,7 +194,7 @@ void MainWindow::SlotOnBtnLocalClean()
     // Unlike the other direction, a running scan does not stand in the way.
     ui->m_btnLocalClean->hide();
     ui->m_labelClean->setMovie(m_piTunesSwitchMovie.get());
-    ui->m_btnStarScan->setBtnImage(skin("btn_startscan.png"));
+    ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
     m_piTunesSwitchMovie->start();
     m_pLocalSwitchTimer->start(switchMilliseconds);
     m_local_add_or_ScanAgain = 0;
@@ -230,9 +225,9 @@ void MainWindow::SlotScanFinish()
 {
     m_bScanning = false;
     if (!QIOrvoUtil::m_cleanMode)
-        ui->m_btnStarScan->setBtnImage(skin("scan_again.png"));
+        ui->m_btnStarScan->setBtnImage(SkinPicture::path("scan_again.png"));
     ui->m_btnStarScan->setEnabled(true);
-    showStatusPicture(QStringLiteral("pic_scanover.png"));
+    showStatusPicture("pic_scanover.png");
     const int duplicates = ui->m_middleMusicWidget->ReturnDuplicateMusicCount();
     const int undefined = ui->m_middleMusicWidget->ReturnUndefinedMusicCount();
     ui->m_tipsLabel->setText(
@@ -247,7 +242,7 @@ void MainWindow::SlotIntakeProgress(int done, int total)
     if (!m_pIntakeMovie) {
         m_strTipsBeforeIntake = ui->m_tipsLabel->text();
         m_statusBeforeIntake = ui->m_movieLabel->pixmap(Qt::ReturnByValue);
-        m_pIntakeMovie = std::make_unique<QMovie>(skin("dynamic_scanning.gif"));
+        m_pIntakeMovie = std::make_unique<QMovie>(SkinPicture::path("dynamic_scanning.gif"));
         ui->m_movieLabel->setMovie(m_pIntakeMovie.get());
         m_pIntakeMovie->start();
     }
@@ -262,7 +257,7 @@ void MainWindow::SlotIntakeFinished()
         m_pIntakeMovie.reset();
     }
     // From here on the button scans what was added.
-    ui->m_btnStarScan->setBtnImage(skin("btn_startscan.png"));
+    ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
 }
 
 void MainWindow::OpenInLocalMode(const QStringList& paths)

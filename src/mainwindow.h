@@ -62,7 +62,7 @@ private:
     void InitMainMenu();
     void InitConnect();
     void placeHeader();
-    void showStatusPicture(const QString& name);
+    void showStatusPicture(const char* name);
     bool postponedByIntake(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;

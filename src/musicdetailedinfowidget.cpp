@@ -9,11 +9,10 @@
 
 MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>()),
-      m_face(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/bg_right.png"))
+      m_face(SkinPicture::path("bg_right.png"))
 {
     ui->setupUi(this);
-    ui->currentImgWidget->SetImageBackgroud(
-        QIOrvoUtil::getResourcePath() + QLatin1String("/Image/bg_no_picture.png"), true);
+    ui->currentImgWidget->SetImageBackgroud(SkinPicture::path("bg_no_picture.png"), true);
 }
 
 MusicDetailedInfoWidget::~MusicDetailedInfoWidget() = default;

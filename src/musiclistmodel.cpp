@@ -4,44 +4,12 @@
 
 #include <QBrush>
 
-MusicListModel::MusicListModel(QObject* parent) : QAbstractItemModel(parent) {}
+MusicListModel::MusicListModel(QObject* parent) : FlatListModel(parent) {}
 
 void MusicListModel::setDataSourceList(QList<QMusicInfo*>* list, int columnMode, bool flag)
 {
-    beginResetModel();
-    m_pMusicList = list;
     const bool kept = columnMode == SongCells::columnModeGrid || columnMode == SongCells::columnModeDupTable;
-    m_nColumnCount = kept ? columnMode : SongCells::columnModeTable;
-    m_bReserved = flag;
-    endResetModel();
-}
-
-void MusicListModel::refresh()
-{
-    beginResetModel();
-    endResetModel();
-}
-
-QModelIndex MusicListModel::index(int row, int column, const QModelIndex& parent) const
-{
-    if (row < 0 || column < 0 || parent.isValid() || !m_pMusicList || row >= m_pMusicList->size())
-        return QModelIndex();
-    return createIndex(row, column, m_pMusicList->at(row));
-}
-
-QModelIndex MusicListModel::parent(const QModelIndex&) const
-{
-    return QModelIndex();
-}
-
-int MusicListModel::rowCount(const QModelIndex& parent) const
-{
-    return m_pMusicList && !parent.isValid() ? m_pMusicList->size() : 0;
-}
-
-int MusicListModel::columnCount(const QModelIndex& parent) const
-{
-    return m_pMusicList && !parent.isValid() ? m_nColumnCount : 0;
+    setSource(list, kept ? columnMode : SongCells::columnModeTable, flag);
 }
 
 QVariant MusicListModel::foreground(const QMusicInfo& song, int column) const
@@ -81,9 +49,4 @@ QVariant MusicListModel::headerData(int section, Qt::Orientation orientation, in
     if (isGrid() || orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= 7)
         return QVariant();
     return QString::fromLatin1(headers[section]);
-}
-
-QMusicInfo* MusicListModel::nodeFromIndex(const QModelIndex& index) const
-{
-    return index.isValid() ? static_cast<QMusicInfo*>(index.internalPointer()) : nullptr;
 }

@@ -1,6 +1,5 @@
 #include "navigationwidget.h"
 
-#include "qiorvoutil.h"
 #include "ui_navigationwidget.h"
 
 #include <QPainter>
@@ -18,7 +17,7 @@ NavigationWidget::~NavigationWidget() = default;
 void NavigationWidget::InitBtn()
 {
     for (QImageButton* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate}) {
-        button->setBtnImage(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/button_menu.png"));
+        button->setBtnImage(SkinPicture::path("button_menu.png"));
         button->setMouseTracking(true);
     }
     setMusicCount(0, 0, 0);

@@ -2,12 +2,11 @@
 
 #include "covergriddelegate.h"
 #include "dupmusicinfo.h"
-#include "qiorvoutil.h"
 
 #include <QPainter>
 
 PaintDupNumberDelegate::PaintDupNumberDelegate(QObject* parent)
-    : QItemDelegate(parent), m_badge(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/pic_number.png"))
+    : QItemDelegate(parent), m_badge(SkinPicture::path("pic_number.png"))
 {
 }
 

@@ -1,6 +1,5 @@
 #include "common/messagedialog.h"
 
-#include "qiorvoutil.h"
 #include "ui_messagedialog.h"
 
 MessageDialog::MessageDialog(QWidget* parent)
@@ -8,9 +7,9 @@ MessageDialog::MessageDialog(QWidget* parent)
 {
     ui->setupUi(this);
     setWindowTitle(QStringLiteral("Melodrift"));
-    setWindowIcon(QIcon(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/logo.png")));
+    setWindowIcon(QIcon(SkinPicture::path("logo.png")));
     setAttribute(Qt::WA_TranslucentBackground);
-    SetImageBackgroud(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/bg_message.png"));
+    SetImageBackgroud(SkinPicture::path("bg_message.png"));
     InitButton();
     InitConnect();
 }
@@ -19,7 +18,7 @@ MessageDialog::~MessageDialog() = default;
 
 void MessageDialog::InitButton()
 {
-    ui->m_btnCancel->setBtnImage(QIOrvoUtil::getResourcePath() + QLatin1String("/Image/button_continue.png"));
+    ui->m_btnCancel->setBtnImage(SkinPicture::path("button_continue.png"));
     ui->m_labContent->setFont(QFont(QStringLiteral("Tahoma"), 13));
     QPalette palette = ui->m_labContent->palette();
     palette.setColor(QPalette::WindowText, Qt::black);

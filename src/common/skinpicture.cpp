@@ -1,5 +1,7 @@
 #include "common/skinpicture.h"
 
+#include "qiorvoutil.h"
+
 #include <QFileInfo>
 #include <QImageReader>
 
@@ -50,6 +52,11 @@ QImage SkinPicture::read(const QString& path)
     if (qint64(size.width()) * size.height() > maxPixels)
         return QImage();
     return reader.read();
+}
+
+QString SkinPicture::path(const char* name)
+{
+    return QIOrvoUtil::getResourcePath() + QLatin1String("/Image/") + QLatin1String(name);
 }
 
 QString SkinPicture::doubledPath(const QString& path)

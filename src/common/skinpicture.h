@@ -19,6 +19,8 @@ public:
     /// Reads a picture whatever its name says its type is; null when it is none or larger than a screen could
     /// ever need.
     static QImage read(const QString& path);
+    /// The file of a picture, named with its extension, under the resource path.
+    static QString path(const char* name);
     /// "dir/name.png" becomes "dir/name@2x.png".
     static QString doubledPath(const QString& path);
 
