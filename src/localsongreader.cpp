@@ -26,6 +26,7 @@ void LocalSongReader::begin()
 {
     m_addedPathList.clear();
     m_firstTexts.fill(QString());
+    m_coverFolder.clear();
 }
 
 LocalSongReader::Song LocalSongReader::read(const QString& path)
@@ -96,10 +97,11 @@ void LocalSongReader::takeText(const TagItem& item, QMusicInfo& song)
 
 void LocalSongReader::takePicture(const TagItem& item, QMusicInfo& song)
 {
-    const QString folder = coverFolder();
-    if (!QFileInfo::exists(folder))
-        QDir().mkpath(folder);
-    const QString path = folder + QLatin1String("/tempstr") + QString::number(musicNum++);
+    if (m_coverFolder.isEmpty()) {
+        m_coverFolder = coverFolder();
+        QDir().mkpath(m_coverFolder);
+    }
+    const QString path = m_coverFolder + QLatin1String("/tempstr") + QString::number(musicNum++);
     const QByteArray bytes = QByteArray::fromRawData(static_cast<const char*>(item.data), item.size);
     m_addedPathList.append(path);
     song.localInfo->coverPath = path;

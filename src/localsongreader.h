@@ -59,5 +59,6 @@ private:
 
     QStringList m_addedPathList;
     std::array<QString, tagTypes> m_firstTexts;
+    QString m_coverFolder; ///< made for this intake; empty before its first picture
     CoverStore m_covers;
 };

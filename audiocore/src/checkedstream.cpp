@@ -11,7 +11,7 @@ using TagLib::ByteVector;
 
 namespace {
 constexpr long blockSize = 256 * 1024;
-constexpr unsigned int bufferSize = 16 * 1024;
+constexpr unsigned int bufferSize = 4 * 1024;
 // Far more than any whole file takes: those with the most parts are Ogg streams, of a page every few
 // kilobytes.
 constexpr std::int64_t stepsAtLeast = 500000;
