@@ -12,10 +12,12 @@ using TagLib::ByteVector;
 namespace {
 constexpr long blockSize = 256 * 1024;
 constexpr unsigned int bufferSize = 4 * 1024;
-// Far more than any whole file takes: those with the most parts are Ogg streams, of a page every few
-// kilobytes.
-constexpr std::int64_t stepsAtLeast = 500000;
-constexpr std::int64_t bytesAStep = 256;
+// Far more than reading any whole file takes, and a second at the most.
+constexpr std::int64_t stepsToRead = 300000;
+constexpr std::int64_t bytesToRead = 256 << 20;
+// Writing goes through whole files, some of them page by page.
+constexpr std::int64_t bytesAStepWriting = 128;
+constexpr std::int64_t timesThroughWriting = 8;
 } // namespace
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
@@ -27,7 +29,9 @@ CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mo
     if (!m_file)
         m_openError = there && !state.regular ? "not a regular file" : std::strerror(errno);
     m_length = m_file ? long(state.size) : 0;
-    m_stepsLeft = stepsAtLeast + m_length / bytesAStep;
+    const bool writing = mode == Mode::ReadWrite;
+    m_stepsLeft = stepsToRead + (writing ? m_length / bytesAStepWriting : 0);
+    m_bytesLeft = bytesToRead + (writing ? m_length * timesThroughWriting : 0);
 }
 
 CheckedStream::~CheckedStream()
@@ -51,18 +55,19 @@ TagLib::FileName CheckedStream::name() const
 #endif
 }
 
-void CheckedStream::countStep()
+void CheckedStream::countStep(unsigned long bytes)
 {
-    if (--m_stepsLeft < 0)
+    m_bytesLeft -= std::int64_t(bytes);
+    if (--m_stepsLeft < 0 || m_bytesLeft < 0)
         throw EndlessReading();
 }
 
 ByteVector CheckedStream::readBlock(unsigned long length)
 {
-    countStep();
     const long left = std::max(0L, m_length - m_position);
     const auto count =
         static_cast<unsigned int>(std::min<unsigned long>(length, static_cast<unsigned long>(left)));
+    countStep(count);
     if (!m_file || count == 0)
         return ByteVector();
     ByteVector block;
@@ -143,7 +148,7 @@ void CheckedStream::removeBlock(unsigned long start, unsigned long length)
 
 void CheckedStream::seek(long offset, Position position)
 {
-    countStep();
+    countStep(0);
     const long base = position == Beginning ? 0 : position == Current ? m_position : m_length;
     m_position = std::max(0L, base + offset);
 }

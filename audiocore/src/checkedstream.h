@@ -45,7 +45,7 @@ public:
     void truncate(long length) override;
 
 private:
-    void countStep();
+    void countStep(unsigned long bytes);
     void fillBuffer(long position);
     void writeAt(long position, const TagLib::ByteVector& data);
     void moveTail(long from, long to);
@@ -57,6 +57,7 @@ private:
     TagLib::ByteVector m_buffer; ///< of the file from m_bufferStart on; tags are read in tiny pieces
     long m_bufferStart = 0;
     std::int64_t m_stepsLeft = 0;
+    std::int64_t m_bytesLeft = 0;
     bool m_failed = false;
     std::string m_path;
     std::string m_openError;

@@ -19,6 +19,8 @@
 #include <taglib/wavfile.h>
 #include <taglib/xiphcomment.h>
 
+#include <algorithm>
+
 using audiocore::MediaFile;
 using TagLib::ByteVector;
 using TagLib::IOStream;
@@ -77,35 +79,51 @@ AudioFormat formatByFrames(IOStream& stream, long begin)
     return audiocore::findsAdts(stream, begin, syncSearch) ? AUDIO_FORMAT_AAC : AUDIO_FORMAT_UNKNOWN;
 }
 
-std::unique_ptr<TagLib::File> oggFile(IOStream& stream, const ByteVector& head, bool withProperties)
+/// Whether MPEG audio has a tag at its beginning or its end.
+bool hasTag(IOStream& stream, long audioBegin)
+{
+    constexpr long id3v1Size = 128;
+    constexpr long apeFooterSize = 32;
+    if (audioBegin > 0)
+        return true;
+    const ByteVector end = [&stream] {
+        stream.seek(std::max(0L, stream.length() - id3v1Size - apeFooterSize));
+        return stream.readBlock(id3v1Size + apeFooterSize);
+    }();
+    const auto at = [&end](long fromEnd, const char* magic) {
+        return long(end.size()) >= fromEnd && end.containsAt(magic, unsigned(long(end.size()) - fromEnd));
+    };
+    return at(id3v1Size, "TAG") || at(apeFooterSize, "APETAGEX") || at(id3v1Size + apeFooterSize, "APETAGEX");
+}
+
+std::unique_ptr<TagLib::File> oggFile(IOStream& stream, const ByteVector& head)
 {
     if (head.find("OpusHead") >= 0)
-        return std::make_unique<TagLib::Ogg::Opus::File>(&stream, withProperties);
+        return std::make_unique<TagLib::Ogg::Opus::File>(&stream, true);
     if (head.find("\x7F"
                   "FLAC") >= 0)
-        return std::make_unique<TagLib::Ogg::FLAC::File>(&stream, withProperties);
+        return std::make_unique<TagLib::Ogg::FLAC::File>(&stream, true);
     if (head.find("vorbis") >= 0)
-        return std::make_unique<TagLib::Ogg::Vorbis::File>(&stream, withProperties);
+        return std::make_unique<TagLib::Ogg::Vorbis::File>(&stream, true);
     return nullptr;
 }
 
-std::unique_ptr<TagLib::File> fileOf(AudioFormat format, IOStream& stream, const ByteVector& head,
-                                     bool withProperties)
+std::unique_ptr<TagLib::File> fileOf(AudioFormat format, IOStream& stream, const ByteVector& head)
 {
     TagLib::ID3v2::FrameFactory* factory = TagLib::ID3v2::FrameFactory::instance();
     switch (format) {
     case AUDIO_FORMAT_WAV:
-        return std::make_unique<TagLib::RIFF::WAV::File>(&stream, withProperties);
+        return std::make_unique<TagLib::RIFF::WAV::File>(&stream, true);
     case AUDIO_FORMAT_WMA:
-        return std::make_unique<TagLib::ASF::File>(&stream, withProperties);
+        return std::make_unique<TagLib::ASF::File>(&stream, true);
     case AUDIO_FORMAT_M4A:
-        return std::make_unique<TagLib::MP4::File>(&stream, withProperties);
+        return std::make_unique<TagLib::MP4::File>(&stream, true);
     case AUDIO_FORMAT_OGG:
-        return oggFile(stream, head, withProperties);
+        return oggFile(stream, head);
     case AUDIO_FORMAT_APE:
-        return std::make_unique<TagLib::APE::File>(&stream, withProperties);
+        return std::make_unique<TagLib::APE::File>(&stream, true);
     case AUDIO_FORMAT_FLAC:
-        return std::make_unique<TagLib::FLAC::File>(&stream, factory, withProperties);
+        return std::make_unique<TagLib::FLAC::File>(&stream, factory, true);
     case AUDIO_FORMAT_MP3:
     case AUDIO_FORMAT_AAC:
         // Measured by our own walk over the frames: the library's would guess.
@@ -122,19 +140,21 @@ void addIf(std::vector<TagLib::Tag*>& tags, bool there, TagLib::Tag* tag)
 }
 } // namespace
 
-MediaFile audiocore::openMedia(IOStream& stream, bool withProperties)
+MediaFile audiocore::openMedia(IOStream& stream, Purpose purpose)
 {
     MediaFile media;
     media.audioBegin = behindId3v2(stream);
     const ByteVector head = headAt(stream, media.audioBegin);
     media.format = formatByMagic(head);
-    if (media.format == AUDIO_FORMAT_UNKNOWN)
+    const bool mpeg = media.format == AUDIO_FORMAT_UNKNOWN;
+    if (mpeg)
         media.format = formatByFrames(stream, media.audioBegin);
+    // The tag library would search raw AAC from one end to the other for a tag that is not there.
+    if (media.format == AUDIO_FORMAT_AAC && purpose == Purpose::Reading && !hasTag(stream, media.audioBegin))
+        return media;
     stream.seek(0);
-    media.file = fileOf(media.format, stream, head, withProperties);
-    if (!media.file || !media.file->isValid() ||
-        (withProperties && media.format != AUDIO_FORMAT_MP3 && media.format != AUDIO_FORMAT_AAC &&
-         !media.file->audioProperties()))
+    media.file = fileOf(media.format, stream, head);
+    if (!media.file || !media.file->isValid() || (!mpeg && !media.file->audioProperties()))
         return MediaFile();
     return media;
 }

@@ -15,12 +15,17 @@ struct MediaFile
     AudioFormat format = AUDIO_FORMAT_UNKNOWN;
     /// Where the audio starts, behind a tag at the file's beginning.
     long audioBegin = 0;
-    /// Null when the stream holds no music.
+    /// Null when the stream holds no music, or, read only, music without any tag.
     std::unique_ptr<TagLib::File> file;
 };
 
-/// The stream must outlive what is returned. `withProperties`: also parse what properties() needs.
-MediaFile openMedia(TagLib::IOStream& stream, bool withProperties);
+enum class Purpose {
+    Reading,
+    Writing ///< a file is made also for music without a tag
+};
+
+/// The stream must outlive what is returned. The format is unknown when it holds no music.
+MediaFile openMedia(TagLib::IOStream& stream, Purpose purpose);
 /// The tags that a file of its kind has now, the one that is believed first at the front.
 std::vector<TagLib::Tag*> tagsOf(const MediaFile& media);
 } // namespace audiocore

@@ -10,6 +10,7 @@ using TagLib::ByteVector;
 
 namespace {
 constexpr long searchLimit = 1024 * 1024;
+constexpr long walkLimit = 128 * 1024 * 1024;
 
 struct Frame
 {
@@ -196,6 +197,7 @@ bool byHeader(Window& window, long position, const Frame& frame, MpegStream& res
 MpegStream byWalking(Window& window, const Kind& kind, long position)
 {
     const Frame first = frameAt(window, kind, position);
+    const long begin = position;
     std::int64_t samples = 0;
     std::int64_t bytes = 0;
     while (position < window.end()) {
@@ -210,6 +212,13 @@ MpegStream byWalking(Window& window, const Kind& kind, long position)
         samples += frame.samples;
         bytes += frame.size;
         position += frame.size;
+        if (position - begin > walkLimit) {
+            // The rest goes on as it was so far.
+            const double share = double(window.end() - begin) / double(position - begin);
+            samples = std::int64_t(double(samples) * share);
+            bytes = std::int64_t(double(bytes) * share);
+            break;
+        }
     }
     return fromSamples(samples, first.sampleRate, bytes);
 }

@@ -72,8 +72,9 @@ void addItems(ParsedMedia& parsed, const audiocore::TagContent& content)
 /// Fills in what the file holds; false when it holds no music.
 bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
 {
-    const audiocore::MediaFile media = audiocore::openMedia(stream, true);
-    const MpegStream properties = media.file ? propertiesOf(media, stream) : MpegStream();
+    const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
+    const MpegStream properties =
+        media.format == AUDIO_FORMAT_UNKNOWN ? MpegStream() : propertiesOf(media, stream);
     if (properties.sampleRate <= 0)
         return false;
     parsed.format = media.format;
@@ -104,11 +105,12 @@ std::shared_ptr<const ParsedMedia> parse(const std::string& path)
 std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& path)
 {
     platform::FileState state;
-    const bool there = platform::stateOf(path, state);
+    platform::stateOf(path, state);
     LastReading& last = lastReading();
     {
         const std::lock_guard<std::mutex> lock(last.mutex);
-        if (there && last.media && last.path == path && last.state == state)
+        // A file that is still not there has the same empty state as before.
+        if (last.media && last.path == path && last.state == state)
             return last.media;
     }
     std::shared_ptr<const ParsedMedia> media = parse(path);

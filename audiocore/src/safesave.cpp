@@ -20,8 +20,8 @@ bool neededEdits(const std::string& path, const TagEdits& edits, TagEdits& neede
         error = stream.openError();
         return false;
     }
-    const audiocore::MediaFile media = audiocore::openMedia(stream, true);
-    if (!media.file) {
+    const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
+    if (media.format == AUDIO_FORMAT_UNKNOWN) {
         error = "it holds no music that can be read";
         return false;
     }
@@ -54,7 +54,7 @@ bool editCopy(const std::string& copy, const TagEdits& edits, std::string& error
         return false;
     }
     {
-        const audiocore::MediaFile media = audiocore::openMedia(stream, true);
+        const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Writing);
         if (!media.file || !audiocore::writeTags(media, edits)) {
             error = "the tag cannot be written";
             return false;

@@ -120,6 +120,15 @@ void setApeTrack(TagLib::APE::Tag& tag, const std::string& value)
         tag.addValue("TRACK", String(value + total, String::UTF8), true);
 }
 
+void setAsfTrack(TagLib::ASF::Tag& tag, const std::string& value)
+{
+    const TagLib::ASF::AttributeList old = tag.attribute("WM/TrackNumber");
+    const std::string total = old.isEmpty() ? std::string() : totalOf(old.front().toString());
+    tag.removeItem("WM/TrackNumber");
+    if (!value.empty())
+        tag.setAttribute("WM/TrackNumber", TagLib::ASF::Attribute(String(value + total, String::UTF8)));
+}
+
 void setTrack(TagLib::Tag& tag, const std::string& value)
 {
     if (auto* mp4 = dynamic_cast<TagLib::MP4::Tag*>(&tag))
@@ -128,6 +137,8 @@ void setTrack(TagLib::Tag& tag, const std::string& value)
         setXiphTrack(*xiph, value);
     else if (auto* ape = dynamic_cast<TagLib::APE::Tag*>(&tag))
         setApeTrack(*ape, value);
+    else if (auto* asf = dynamic_cast<TagLib::ASF::Tag*>(&tag))
+        setAsfTrack(*asf, value);
     else
         tag.setTrack(value.empty() ? 0 : unsigned(std::stoul(value.substr(0, 6))));
 }
@@ -194,6 +205,18 @@ void fillNewTag(TagLib::Tag& tag, const TagContent& content)
             setText(tag, type, content.texts[size_t(type)]);
 }
 
+/// The version to save a tag in: its own, unless that would cost frames that the library only writes in the
+/// newer one, but which files carry in the older one all the same.
+TagLib::ID3v2::Version versionFor(const TagLib::ID3v2::Tag& tag)
+{
+    if (tag.header()->majorVersion() == 4)
+        return TagLib::ID3v2::v4;
+    for (const char* frame : {"ASPI", "EQU2", "RVA2", "SEEK", "SIGN", "TDRL", "TDTG", "TMOO", "TPRO"})
+        if (!tag.frameList(frame).isEmpty())
+            return TagLib::ID3v2::v4;
+    return TagLib::ID3v2::v3;
+}
+
 bool save(const audiocore::MediaFile& media)
 {
     using TagLib::MPEG::File;
@@ -201,16 +224,14 @@ bool save(const audiocore::MediaFile& media)
         // Players of raw AAC know a tag at the beginning only.
         if (media.format == AUDIO_FORMAT_AAC)
             return mpeg->save(File::ID3v2, File::StripOthers, TagLib::ID3v2::v4, File::DoNotDuplicate);
-        const bool four = mpeg->ID3v2Tag()->header()->majorVersion() == 4;
         const int kept = (mpeg->hasAPETag() ? File::APE : 0) | (mpeg->hasID3v1Tag() ? File::ID3v1 : 0);
-        return mpeg->save(File::ID3v2 | kept, File::StripNone, four ? TagLib::ID3v2::v4 : TagLib::ID3v2::v3,
+        return mpeg->save(File::ID3v2 | kept, File::StripNone, versionFor(*mpeg->ID3v2Tag()),
                           File::DoNotDuplicate);
     }
     if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(media.file.get())) {
         using Wav = TagLib::RIFF::WAV::File;
-        const bool four = !wav->hasID3v2Tag() || wav->ID3v2Tag()->header()->majorVersion() == 4;
         const int tags = Wav::ID3v2 | (wav->hasInfoTag() ? Wav::Info : 0);
-        return wav->save(Wav::TagTypes(tags), Wav::StripNone, four ? TagLib::ID3v2::v4 : TagLib::ID3v2::v3);
+        return wav->save(Wav::TagTypes(tags), Wav::StripNone, versionFor(*wav->ID3v2Tag()));
     }
     return media.file->save();
 }

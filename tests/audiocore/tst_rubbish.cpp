@@ -22,6 +22,9 @@ private slots:
     void whatIsNoMusicHasNothing();
     void whatIsNoFileHasNothing();
     void hugeLengthsTakeNoMemory();
+    void aVastHoleBehindTheHeaderEnds_data();
+    void aVastHoleBehindTheHeaderEnds();
+    void oneLineTellsWhyAFileHasNothing();
     void longAndOddPathsAreHandled();
     void editsOfRubbishFailAndChangeNothing();
 
@@ -170,14 +173,36 @@ void TestRubbish::hugeLengthsTakeNoMemory()
     bytes.insert(42, QByteArray("\x06\xFF\xFF\xFF", 4) + QByteArray(32, '\xFF'));
     setContent(flac, bytes);
     AudioFile::read(flac);
-    // A hole of eight gigabytes behind the music.
-    const QString sparse =
-        Fixtures::copyTone(QStringLiteral("mp3"), m_folder.path(), QStringLiteral("sparse"));
-    QFile file(sparse);
+}
+
+void TestRubbish::aVastHoleBehindTheHeaderEnds_data()
+{
+    addKinds();
+}
+
+void TestRubbish::aVastHoleBehindTheHeaderEnds()
+{
+    QFETCH(QString, kind);
+    const QString path = m_folder.filePath(QStringLiteral("vast.") + Fixtures::suffixOf(kind));
+    setContent(path, contentOf(Fixtures::tone(kind)).left(30000));
+    QFile file(path);
     QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.resize(256ll << 20));
+    QVERIFY(file.resize(6ll << 30));
     file.close();
-    QVERIFY(AudioFile::properties(sparse).duration > 0);
+    AudioFile::read(path);
+    QVERIFY(AudioFile::properties(path).duration >= 0);
+    QFile::remove(path);
+}
+
+void TestRubbish::oneLineTellsWhyAFileHasNothing()
+{
+    AudioFile::takeLog();
+    const QString missing = m_folder.filePath(QStringLiteral("missing.mp3"));
+    AudioFile::read(missing);
+    AudioFile::properties(missing);
+    const QStringList log = AudioFile::takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY(log.first().contains(missing));
 }
 
 void TestRubbish::longAndOddPathsAreHandled()

@@ -112,6 +112,7 @@ private slots:
     void absentNumbersStayAbsent();
     void theVersionOfTheTagStays_data();
     void theVersionOfTheTagStays();
+    void framesOfTheNewerVersionAreNotLost();
     void everyTagOfTheFileIsKeptInStep();
     void theTotalOfTracksStays();
     void anEmptyPictureTakesThePicturesOut();
@@ -235,6 +236,25 @@ void TestSave::theVersionOfTheTagStays()
     QVERIFY(!file.hasAPETag());
 }
 
+void TestSave::framesOfTheNewerVersionAreNotLost()
+{
+    // Programs put them into tags of the older version, too.
+    const QString path = Fixtures::copyTone(QStringLiteral("mp3"), m_folder.path());
+    const QByteArray mood = QByteArray("TMOO\0\0\0\5\0\0\0Calm", 15);
+    const QByteArray title = QByteArray("TIT2\0\0\0\4\0\0\0Old", 14);
+    const QByteArray tag = QByteArray("ID3\3\0\0\0\0\0", 9) + char(mood.size() + title.size()) + title + mood;
+    const QByteArray audio = contentOf(path);
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(tag + audio);
+    }
+    QCOMPARE(AudioFile::write(path, {{TAG_TITLE, QStringLiteral("New")}}), 0);
+    TagLib::MPEG::File file(native(path).c_str());
+    QCOMPARE(file.ID3v2Tag()->frameList("TMOO").size(), 1u);
+    QCOMPARE(file.ID3v2Tag()->title().toCString(), "New");
+}
+
 void TestSave::everyTagOfTheFileIsKeptInStep()
 {
     const QString path = Fixtures::copyTone(QStringLiteral("mp3"), m_folder.path());
@@ -254,8 +274,8 @@ void TestSave::everyTagOfTheFileIsKeptInStep()
 
 void TestSave::theTotalOfTracksStays()
 {
-    for (const char* kind : {"mp3", "m4a", "flac", "ogg", "ape", "wav", "aac"}) {
-        const QString path = Fixtures::copyTone(QLatin1String(kind), m_folder.path());
+    for (const QString& kind : Fixtures::formats()) {
+        const QString path = Fixtures::copyTone(kind, m_folder.path());
         {
             const auto file = tagLibFile(path);
             file->setProperties(rareFields());
