@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 using audiocore::CheckedStream;
 using TagLib::ByteVector;
@@ -23,11 +24,13 @@ constexpr std::int64_t timesThroughWriting = 8;
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
 {
     platform::FileState state;
-    const bool there = platform::stateOf(utf8Path, state);
-    if (there && state.regular)
-        m_file = platform::openFile(utf8Path, mode == Mode::ReadWrite);
-    if (!m_file)
-        m_openError = there && !state.regular ? "not a regular file" : std::strerror(errno);
+    m_file = platform::openFile(utf8Path, mode == Mode::ReadWrite);
+    if (!m_file) {
+        m_openError = std::strerror(errno);
+    } else if (!platform::stateOf(m_file, state) || !state.regular) {
+        m_openError = "not a regular file";
+        std::fclose(std::exchange(m_file, nullptr));
+    }
     m_length = m_file ? long(state.size) : 0;
     const bool writing = mode == Mode::ReadWrite;
     m_stepsLeft = stepsToRead + (writing ? m_length / bytesAStepWriting : 0);

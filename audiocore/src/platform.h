@@ -16,13 +16,13 @@ struct FileState
     std::int64_t modified = 0; ///< finest unit the system tells
     std::uint64_t links = 1;
     bool regular = false;
-    bool writable = false; ///< someone may write it; true says nothing about this user
 
     bool operator==(const FileState& other) const;
 };
 
 /// Follows links; false when there is no such file.
 bool stateOf(const std::string& path, FileState& state);
+bool stateOf(std::FILE* file, FileState& state);
 /// Opens without ever blocking; null with errno set.
 std::FILE* openFile(const std::string& path, bool writing);
 /// Reads or writes at a place without any buffer in between; the bytes done, fewer only at the end or on

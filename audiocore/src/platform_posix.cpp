@@ -115,6 +115,23 @@ void copyAttributes(int from, int to)
 #endif
 }
 
+platform::FileState stateFrom(const struct stat& status)
+{
+    platform::FileState state;
+    state.device = status.st_dev;
+    state.inode = status.st_ino;
+    state.size = status.st_size;
+#ifdef __APPLE__
+    const timespec& modified = status.st_mtimespec;
+#else
+    const timespec& modified = status.st_mtim;
+#endif
+    state.modified = std::int64_t(modified.tv_sec) * 1000000000 + modified.tv_nsec;
+    state.links = status.st_nlink;
+    state.regular = S_ISREG(status.st_mode);
+    return state;
+}
+
 std::string reason()
 {
     return std::strerror(errno);
@@ -151,18 +168,16 @@ bool platform::stateOf(const std::string& path, FileState& state)
     struct stat status = {};
     if (::stat(path.c_str(), &status) != 0)
         return false;
-    state.device = status.st_dev;
-    state.inode = status.st_ino;
-    state.size = status.st_size;
-#ifdef __APPLE__
-    const timespec& modified = status.st_mtimespec;
-#else
-    const timespec& modified = status.st_mtim;
-#endif
-    state.modified = std::int64_t(modified.tv_sec) * 1000000000 + modified.tv_nsec;
-    state.links = status.st_nlink;
-    state.regular = S_ISREG(status.st_mode);
-    state.writable = (status.st_mode & anyWrite) != 0;
+    state = stateFrom(status);
+    return true;
+}
+
+bool platform::stateOf(std::FILE* file, FileState& state)
+{
+    struct stat status = {};
+    if (::fstat(::fileno(file), &status) != 0)
+        return false;
+    state = stateFrom(status);
     return true;
 }
 

@@ -55,8 +55,15 @@ std::string valueOf(const TagLib::PropertyMap& properties, int type)
 /// The tag's own fields. The library's operation is not virtual, and the general one joins several values.
 TagLib::PropertyMap propertiesOf(const TagLib::Tag& tag)
 {
-    if (const auto* id3v2 = dynamic_cast<const TagLib::ID3v2::Tag*>(&tag))
-        return id3v2->properties();
+    if (const auto* id3v2 = dynamic_cast<const TagLib::ID3v2::Tag*>(&tag)) {
+        // Only the frames in question: the others cost more than all the rest of reading.
+        TagLib::PropertyMap properties;
+        for (const char* id : id3v2Frames)
+            for (const TagLib::ID3v2::Frame* frame : id3v2->frameListMap()[id])
+                if (const auto* text = dynamic_cast<const TagLib::ID3v2::TextIdentificationFrame*>(frame))
+                    properties.merge(text->asProperties());
+        return properties;
+    }
     if (const auto* xiph = dynamic_cast<const TagLib::Ogg::XiphComment*>(&tag))
         return xiph->properties();
     if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Tag*>(&tag))
