@@ -122,9 +122,6 @@ void CenterWidget::InitConnect()
     connect(&m_intake, SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
 }
 
-// --- views
-// ---------------------------------------------------------------------------------------------------------
-
 std::array<QAbstractItemView*, 4> CenterWidget::views() const
 {
     return {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView};
@@ -257,9 +254,6 @@ void CenterWidget::SlotHiddenMusicDetailedWidget()
     ui->m_dupMusicDetailedWidget->hide();
 }
 
-// --- modes
-// ---------------------------------------------------------------------------------------------------------
-
 void CenterWidget::SwitchToLocalCleanModel()
 {
     enterMode(true);
@@ -299,9 +293,6 @@ void CenterWidget::ClearSelectedWidget()
     m_intake.reader().forgetCovers();
     qDeleteAll(songs);
 }
-
-// --- classification
-// ------------------------------------------------------------------------------------------------
 
 void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
 {
@@ -376,9 +367,6 @@ void CenterWidget::showAllSongs()
     m_nViewKind = ViewAll;
     switchView();
 }
-
-// --- intake
-// --------------------------------------------------------------------------------------------------------
 
 void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
 {
@@ -465,9 +453,6 @@ void CenterWidget::addFiles(const QStringList& files)
     ui->m_btnOpen->show();
     setLocalMusicInfo();
 }
-
-// --- painting
-// ------------------------------------------------------------------------------------------------------
 
 void CenterWidget::paintEvent(QPaintEvent*)
 {

@@ -7,7 +7,7 @@
 
 void SongClassification::clear()
 {
-    m_undefinedMusicList.clear();
+    collect({});
     clearGroups();
 }
 
