@@ -16,6 +16,7 @@ constexpr unsigned int bufferSize = 4 * 1024;
 // Far more than reading any whole file takes, and a second at the most.
 constexpr std::int64_t stepsToRead = 300000;
 constexpr std::int64_t bytesToRead = 256 << 20;
+constexpr std::int64_t dryStepsBorne = 5000000; // they cost next to nothing
 // Writing goes through whole files, some of them page by page.
 constexpr std::int64_t bytesAStepWriting = 128;
 constexpr std::int64_t timesThroughWriting = 8;
@@ -45,7 +46,7 @@ CheckedStream::~CheckedStream()
 
 bool CheckedStream::flushToDevice()
 {
-    return m_file && !m_failed && platform::syncToDevice(m_file);
+    return m_file && !m_failed && !ranDry() && platform::syncToDevice(m_file);
 }
 
 TagLib::FileName CheckedStream::name() const
@@ -58,11 +59,12 @@ TagLib::FileName CheckedStream::name() const
 #endif
 }
 
-void CheckedStream::countStep(unsigned long bytes)
+bool CheckedStream::mayRead(unsigned long bytes)
 {
-    m_bytesLeft -= std::int64_t(bytes);
-    if (--m_stepsLeft < 0 || m_bytesLeft < 0)
+    if (--m_stepsLeft < -dryStepsBorne)
         throw EndlessReading();
+    m_bytesLeft -= std::int64_t(bytes);
+    return !ranDry();
 }
 
 ByteVector CheckedStream::readBlock(unsigned long length)
@@ -70,8 +72,7 @@ ByteVector CheckedStream::readBlock(unsigned long length)
     const long left = std::max(0L, m_length - m_position);
     const auto count =
         static_cast<unsigned int>(std::min<unsigned long>(length, static_cast<unsigned long>(left)));
-    countStep(count);
-    if (!m_file || count == 0)
+    if (!mayRead(count) || !m_file || count == 0)
         return ByteVector();
     ByteVector block;
     if (count < bufferSize) {
@@ -151,7 +152,7 @@ void CheckedStream::removeBlock(unsigned long start, unsigned long length)
 
 void CheckedStream::seek(long offset, Position position)
 {
-    countStep(0);
+    mayRead(0);
     const long base = position == Beginning ? 0 : position == Current ? m_position : m_length;
     m_position = std::max(0L, base + offset);
 }

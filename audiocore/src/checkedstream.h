@@ -8,7 +8,8 @@
 #include <string>
 
 namespace audiocore {
-/// What a stream throws when a damaged file keeps its reader busy without end.
+/// What a stream throws when its reader goes on for ever although nothing more comes. The tag library loses a
+/// little memory then, so it is the last resort.
 class EndlessReading : public std::runtime_error
 {
 public:
@@ -17,7 +18,7 @@ public:
 
 /// A file stream that remembers whether every write reached the system: the tag library itself does not tell.
 /// Reads never ask for more memory than the file has bytes left, and there is an end to them: sizes in
-/// damaged files send the tag library round and round.
+/// damaged files send the tag library round and round. A stream that was read too much runs dry.
 class CheckedStream : public TagLib::IOStream
 {
 public:
@@ -29,6 +30,8 @@ public:
 
     /// Why the file is not open; empty when it is.
     const std::string& openError() const { return m_openError; }
+    /// Whether the stream ran dry; what was read of it then means nothing.
+    bool ranDry() const { return m_stepsLeft < 0 || m_bytesLeft < 0; }
     /// Hands everything to the system and the device; false when any write since opening failed.
     bool flushToDevice();
 
@@ -45,7 +48,7 @@ public:
     void truncate(long length) override;
 
 private:
-    void countStep(unsigned long bytes);
+    bool mayRead(unsigned long bytes);
     void fillBuffer(long position);
     void writeAt(long position, const TagLib::ByteVector& data);
     void moveTail(long from, long to);

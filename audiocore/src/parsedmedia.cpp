@@ -92,7 +92,10 @@ std::shared_ptr<const ParsedMedia> parse(const std::string& path)
         return parsed;
     }
     try {
-        if (readInto(*parsed, stream))
+        const bool music = readInto(*parsed, stream);
+        if (stream.ranDry())
+            throw audiocore::EndlessReading();
+        if (music)
             return parsed;
         audiocore::logLine(path, "holds no music that can be read");
     } catch (const audiocore::EndlessReading& reason) {

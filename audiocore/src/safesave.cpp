@@ -26,6 +26,8 @@ bool neededEdits(const std::string& path, const TagEdits& edits, TagEdits& neede
         return false;
     }
     needed = audiocore::changesOf(edits, audiocore::readTags(media));
+    if (stream.ranDry())
+        throw audiocore::EndlessReading();
     return true;
 }
 
