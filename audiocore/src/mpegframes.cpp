@@ -51,7 +51,7 @@ private:
     TagLib::IOStream& m_stream;
     const long m_end;
     long m_start = 0;
-    unsigned long m_blockSize = 4 * 1024;
+    unsigned long m_blockSize = 2 * 1024;
     ByteVector m_block;
 };
 
