@@ -8,6 +8,7 @@
 #include "paintdupnumberdelegate.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "songviews.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -104,13 +105,7 @@ QList<QMusicInfo*>& hundredThousandSongs()
 std::unique_ptr<QListView> makeGrid(QAbstractItemModel* model, bool uniform)
 {
     auto view = std::make_unique<QListView>();
-    view->setViewMode(QListView::IconMode);
-    view->setResizeMode(QListView::Adjust);
-    view->setIconSize(QSize(100, 120));
-    view->setGridSize(QSize(120, 140));
-    view->setMovement(QListView::Snap);
-    view->setDragDropMode(QAbstractItemView::DragDrop);
-    view->setFrameShape(QFrame::NoFrame);
+    SongViews::initGrid(view.get());
     view->setUniformItemSizes(uniform);
     if (uniform)
         view->setItemDelegate(new CoverGridDelegate(view.get()));
@@ -122,13 +117,7 @@ std::unique_ptr<QListView> makeGrid(QAbstractItemModel* model, bool uniform)
 std::unique_ptr<QTableView> makeTable(QAbstractItemModel* model)
 {
     auto view = std::make_unique<QTableView>();
-    view->setFrameShape(QFrame::NoFrame);
-    view->setShowGrid(false);
-    view->verticalHeader()->hide();
-    view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    view->horizontalHeader()->setStretchLastSection(true);
-    view->horizontalHeader()->setHighlightSections(false);
+    SongViews::initTable(view.get());
     view->resize(900, 600);
     view->setModel(model);
     view->setColumnWidth(0, 500);

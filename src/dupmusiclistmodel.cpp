@@ -41,14 +41,10 @@ QVariant DupMusicListModel::data(const QModelIndex& index, int role) const
         return displayed(*group, index.column());
     case Qt::DecorationRole:
         return isGrid() && index.column() == 0 ? cover(*group) : QVariant();
-    case Qt::ToolTipRole:
-        return SongCells::toolTip();
-    case Qt::TextAlignmentRole:
-        return int(Qt::AlignCenter);
-    case Qt::BackgroundRole:
-        return isGrid() ? QVariant() : SongCells::stripe(index.row());
     default:
-        return QVariant(); // no role above the background: "unknown" stays in the default colour here
+        return SongCells::plainRole(
+            role, index.row(),
+            isGrid()); // no role above the background: "unknown" stays in the default colour here
     }
 }
 
@@ -57,7 +53,5 @@ QVariant DupMusicListModel::headerData(int section, Qt::Orientation orientation,
     // "Lyrics" stands over the track number on purpose.
     static const char* const headers[] = {"Title", "Artist", "Album",     "Genre",
                                           "Year",  "Lyrics", "Duplicates"};
-    if (isGrid() || orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= 7)
-        return QVariant();
-    return QString::fromLatin1(headers[section]);
+    return isGrid() ? QVariant() : SongCells::header(headers, section, orientation, role);
 }

@@ -29,16 +29,10 @@ QVariant MusicListModel::data(const QModelIndex& index, int role) const
         return SongCells::text(song, index.column());
     case Qt::DecorationRole:
         return isGrid() && index.column() == 0 ? SongCells::coverIcon(song) : QVariant();
-    case Qt::ToolTipRole:
-        return SongCells::toolTip();
-    case Qt::TextAlignmentRole:
-        return int(Qt::AlignCenter);
-    case Qt::BackgroundRole:
-        return isGrid() ? QVariant() : SongCells::stripe(index.row());
     case Qt::ForegroundRole:
         return foreground(*song, index.column());
     default:
-        return QVariant();
+        return SongCells::plainRole(role, index.row(), isGrid());
     }
 }
 
@@ -46,7 +40,5 @@ QVariant MusicListModel::headerData(int section, Qt::Orientation orientation, in
 {
     static const char* const headers[] = {"Title", "Artist",   "Album",     "Genre",
                                           "Year",  "Track ID", "Duplicates"};
-    if (isGrid() || orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= 7)
-        return QVariant();
-    return QString::fromLatin1(headers[section]);
+    return isGrid() ? QVariant() : SongCells::header(headers, section, orientation, role);
 }

@@ -57,3 +57,25 @@ QString SongCells::toolTip()
 {
     return QStringLiteral("Double click to start playing");
 }
+
+QVariant SongCells::plainRole(int role, int row, bool grid)
+{
+    switch (role) {
+    case Qt::ToolTipRole:
+        return toolTip();
+    case Qt::TextAlignmentRole:
+        return int(Qt::AlignCenter);
+    case Qt::BackgroundRole:
+        return grid ? QVariant() : stripe(row);
+    default:
+        return QVariant();
+    }
+}
+
+QVariant SongCells::header(const char* const (&headers)[7], int section, Qt::Orientation orientation,
+                           int role)
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= 7)
+        return QVariant();
+    return QString::fromLatin1(headers[section]);
+}

@@ -28,6 +28,11 @@ QVariant text(const QMusicInfo* song, int column);
 QVariant coverIcon(const QMusicInfo* song);
 /// White and pale blue by turns.
 QVariant stripe(int row);
+/// What a cell answers to the roles that do not look at its value: tool tip, alignment and, in tables,
+/// stripe; invalid for every other role.
+QVariant plainRole(int role, int row, bool grid);
+/// The header of a table's column, out of seven; invalid for every other orientation or role.
+QVariant header(const char* const (&headers)[7], int section, Qt::Orientation orientation, int role);
 /// "Double click to start playing".
 QString toolTip();
 } // namespace SongCells
