@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+
+/// Where windows go on screens.
+namespace ScreenPlace {
+/// What of the screen at the point, or else of the nearest known one, windows may take.
+QRect availableAt(const QPoint& point);
+/// The top-left corner at which the window lies inside the screen, moved as little as that takes; a window
+/// larger than the screen keeps its top-left corner in sight.
+QPoint inside(const QRect& window, const QRect& screen);
+} // namespace ScreenPlace
