@@ -16,6 +16,7 @@
 #include <QFileDialog>
 #include <QMimeData>
 #include <QPainter>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QTimer>
 #include <QUrl>
@@ -118,6 +119,10 @@ void CenterWidget::InitConnect()
     connect(ui->m_allMusicTableView, doubleClicked, this, SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
     connect(ui->m_dupMusicListView, doubleClicked, this, SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
     connect(ui->m_dupMusicTableView, doubleClicked, this, SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
+    QWidget* const details = ui->m_musicDetailedWidget;
+    connect(details, SIGNAL(emitMusicInfoHasChanged()), this, SLOT(SlotMusicInfoHaveBeEdited()));
+    connect(details, SIGNAL(emitMusicCoverHasChanged()), this, SLOT(SlotMusicInfoHaveBeEdited()));
+    connect(details, SIGNAL(emitForbidToClickView(bool)), this, SLOT(SlotForbidToClickView(bool)));
 
     connect(&m_intake, SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
 }
@@ -213,9 +218,7 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 {
     if (m_bForbidClick)
         return;
-    m_nCurrentRow = index.row();
-    ui->m_allMusicListView->setCurrentIndex(m_allMusicGridModel->index(m_nCurrentRow, 0));
-    ui->m_allMusicTableView->setCurrentIndex(m_allMusicTableModel->index(m_nCurrentRow, 0));
+    selectSong(index.row());
     ui->m_musicDetailedWidget->SetMusicDetailedInfo(m_allMusicGridModel->nodeFromIndex(index));
 }
 
@@ -327,6 +330,7 @@ void CenterWidget::setLocalMusicInfo()
 
 void CenterWidget::SlotMusicInfoHaveBeEdited()
 {
+    const int scrolled = m_pCurrentView->verticalScrollBar()->value();
     m_allMusicTableModel->refresh();
     m_allMusicGridModel->refresh();
     m_classification.collect(*m_pAllMusicList);
@@ -336,6 +340,25 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
     emit emitDuplicateMusicCount(m_classification.groups().size());
     if (m_nViewKind == ViewUndefined)
         setSongSource(&m_classification.undefinedSongs());
+    selectShownSong();
+    m_pCurrentView->verticalScrollBar()->setValue(scrolled);
+}
+
+/// Models that were reset have forgotten it.
+void CenterWidget::selectShownSong()
+{
+    const QList<QMusicInfo*>& songs =
+        m_nViewKind == ViewUndefined ? m_classification.undefinedSongs() : *m_pAllMusicList;
+    const int row = songs.indexOf(ui->m_musicDetailedWidget->song());
+    if (row >= 0)
+        selectSong(row);
+}
+
+void CenterWidget::selectSong(int row)
+{
+    m_nCurrentRow = row;
+    ui->m_allMusicListView->setCurrentIndex(m_allMusicGridModel->index(row, 0));
+    ui->m_allMusicTableView->setCurrentIndex(m_allMusicTableModel->index(row, 0));
 }
 
 int CenterWidget::ReturnUndefinedMusicCount() const

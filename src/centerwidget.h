@@ -114,6 +114,8 @@ private:
     void clearClassification();
     void forgetShownGroup();
     void showAllSongs();
+    void selectSong(int row);
+    void selectShownSong();
 
     std::unique_ptr<Ui::CenterWidget> ui;
     SkinPicture m_dropPicture;
