@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 int globalX(const QMouseEvent* event)
@@ -129,9 +130,11 @@ void qSliderCtrl::setValue(int value)
         position = width() * (double(value) - double(m_nMin)) / (double(m_nMax) - double(m_nMin));
         m_fPos = float(position);
     }
-    m_nPos = int(position);
+    const int former = std::exchange(m_nPos, int(position));
     moveHandle(std::max(m_nPos - m_nBtnWidth / 2, 0));
-    update();
+    // Asked many times a second, most of the time for the place where it is.
+    if (m_nPos != former || m_bShowValue)
+        update();
 }
 
 float qSliderCtrl::getValue() const

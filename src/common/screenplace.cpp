@@ -19,3 +19,12 @@ QPoint ScreenPlace::inside(const QRect& window, const QRect& screen)
     return {kept(window.x(), window.width(), screen.x(), screen.width()),
             kept(window.y(), window.height(), screen.y(), screen.height())};
 }
+
+QPoint ScreenPlace::beside(const QRect& other, const QSize& size, const QRect& screen)
+{
+    const int leftOf = other.x() - size.width();
+    const bool roomLeft = leftOf >= screen.x();
+    const bool roomRight = other.x() + other.width() + size.width() <= screen.x() + screen.width();
+    const int x = !roomRight && roomLeft ? leftOf : other.x() + other.width();
+    return inside(QRect(QPoint(x, other.y()), size), screen);
+}

@@ -2,6 +2,7 @@
 
 #include <QPoint>
 #include <QRect>
+#include <QSize>
 
 /// Where windows go on screens.
 namespace ScreenPlace {
@@ -10,4 +11,7 @@ QRect availableAt(const QPoint& point);
 /// The top-left corner at which the window lies inside the screen, moved as little as that takes; a window
 /// larger than the screen keeps its top-left corner in sight.
 QPoint inside(const QRect& window, const QRect& screen);
+/// The top-left corner at which a window of the size lies inside the screen, right of the other window where
+/// there is room, else left of it, else as far right as it goes.
+QPoint beside(const QRect& other, const QSize& size, const QRect& screen);
 } // namespace ScreenPlace
