@@ -126,6 +126,16 @@ QString SongFields::location(const QMusicInfo* song)
         [](const LocalMusicInfo& local) { return local.filePath; });
 }
 
+quint64 SongFields::persistentId(const QMusicInfo* song)
+{
+    return field(
+        song,
+        [](const iTunesTrackRecord& track) {
+            return quint64(fromUtf8(track.persistentId).toULongLong(nullptr, 16));
+        },
+        [](const LocalMusicInfo&) { return quint64(0); });
+}
+
 QString SongFields::audioPath(const QMusicInfo* song)
 {
     return field(

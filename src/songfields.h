@@ -32,6 +32,8 @@ quint64 fileSize(const QMusicInfo* song);
 /// Where the file is, as it is written there: a path in the local mode, a percent-encoded file URL in the
 /// iTunes mode.
 QString location(const QMusicInfo* song);
+/// The track's id in the iTunes library; 0 when it is no hexadecimal number, or in the local mode.
+quint64 persistentId(const QMusicInfo* song);
 /// The path of the audio file.
 QString audioPath(const QMusicInfo* song);
 } // namespace SongFields

@@ -2,6 +2,8 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QWidget>
+#include <QWindow>
 
 QRect ScreenPlace::availableAt(const QPoint& point)
 {
@@ -27,4 +29,15 @@ QPoint ScreenPlace::beside(const QRect& other, const QSize& size, const QRect& s
     const bool roomRight = other.x() + other.width() + size.width() <= screen.x() + screen.width();
     const int x = !roomRight && roomLeft ? leftOf : other.x() + other.width();
     return inside(QRect(QPoint(x, other.y()), size), screen);
+}
+
+void ScreenPlace::putOver(QWidget& dialog, const QRect& part, QWidget& window)
+{
+    const QPoint middle = window.frameGeometry().center();
+    const QRect wanted(middle - QRect(QPoint(0, 0), part.size()).center(), part.size());
+    dialog.move(inside(wanted, availableAt(middle)) - part.topLeft());
+    if (!window.windowHandle())
+        return;
+    dialog.winId(); // makes the window handle
+    dialog.windowHandle()->setTransientParent(window.windowHandle());
 }

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "librarywalk.h"
+#include "trackedit.h"
+#include "trackstore.h"
+
+namespace itunes {
+/// Makes the records of a library's tracks, with the changes that its file does not hold yet.
+class TrackReader final : public LibraryVisitor
+{
+public:
+    TrackReader(TrackStore& store, const TrackChanges& changes) : m_store(store), m_changes(changes) {}
+
+    void trackBegins(std::uint64_t openEnd) override;
+    void trackHas(const Pair& pair) override;
+    void trackEnds(const Span& whole) override;
+
+private:
+    /// Songs of one album follow each other: a text like the last one is kept once.
+    class Repeated
+    {
+    public:
+        const char* keep(std::string_view text, TextArena& texts);
+
+    private:
+        std::string_view m_last;
+    };
+
+    void applyChange(const TrackEdit& edit);
+
+    TrackStore& m_store;
+    const TrackChanges& m_changes;
+    iTunesTrackRecord m_record = {};
+    std::uint64_t m_id = 0;
+    bool m_remote = false;
+    Repeated m_artist;
+    Repeated m_album;
+    Repeated m_genre;
+    Repeated m_kind;
+};
+} // namespace itunes
