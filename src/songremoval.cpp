@@ -61,7 +61,7 @@ QVector<SongRemoval::Removal> SongRemoval::planOfAll(const QList<DupMusicInfo*>&
     QVector<Removal> plan;
     for (const DupMusicInfo* group : groups)
         for (int position = group->musicList.size() - 1; position > 0; --position)
-            plan.append({group->musicList.at(position), group->musicList.first()});
+            plan.append(Removal{group->musicList.at(position), group->musicList.first()});
     return plan;
 }
 
