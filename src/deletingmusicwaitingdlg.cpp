@@ -7,7 +7,7 @@
 #include <QPainter>
 
 namespace {
-constexpr int cardMargin = 32;
+constexpr int cardMargin = 48;
 constexpr int captionHeight = 44;
 constexpr int cornerRadius = 10;
 } // namespace
@@ -40,7 +40,7 @@ DeletingMusicWaitingDlg::~DeletingMusicWaitingDlg() = default;
 
 QRect DeletingMusicWaitingDlg::card() const
 {
-    return ui->m_labMovie->geometry().adjusted(-cardMargin, -cardMargin / 2, cardMargin, captionHeight);
+    return ui->m_labMovie->geometry().adjusted(-cardMargin, -cardMargin / 3, cardMargin, captionHeight);
 }
 
 void DeletingMusicWaitingDlg::finish()
