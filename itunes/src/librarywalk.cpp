@@ -145,11 +145,10 @@ private:
 
     bool tracks()
     {
-        const auto noMeaning = [](std::string_view) { return 0; };
-        return eachPair(noMeaning, [this](int, std::uint64_t begin) {
+        return eachPair(itunes::numberOf, [this](std::uint64_t key, std::uint64_t begin) {
             if (m_scanner.name() != "dict")
                 return skip();
-            m_visitor.trackBegins(m_scanner.tagEnd());
+            m_visitor.trackBegins(key, m_scanner.tagEnd());
             if (!eachPair(fieldOf, [this](Field field, std::uint64_t at) { return trackField(field, at); }))
                 return false;
             m_visitor.trackEnds({begin, m_scanner.tagEnd()});

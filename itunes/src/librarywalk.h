@@ -56,7 +56,12 @@ class LibraryVisitor
 {
 public:
     virtual ~LibraryVisitor() = default;
-    virtual void trackBegins(std::uint64_t openEnd) { (void)openEnd; } ///< behind the entry's opening tag
+    /// `key` is the number that the entry stands under, `inside` the place behind its opening tag.
+    virtual void trackBegins(std::uint64_t key, std::uint64_t inside)
+    {
+        (void)key;
+        (void)inside;
+    }
     virtual void trackHas(const Pair& pair) { (void)pair; }
     /// The entry with its key and the blanks before it.
     virtual void trackEnds(const Span& whole) { (void)whole; }

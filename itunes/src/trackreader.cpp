@@ -22,9 +22,10 @@ const char* TrackReader::Repeated::keep(std::string_view text, TextArena& texts)
     return m_last.data();
 }
 
-void TrackReader::trackBegins(std::uint64_t openEnd)
+void TrackReader::trackBegins(std::uint64_t key, std::uint64_t inside)
 {
-    (void)openEnd;
+    (void)key;
+    (void)inside;
     m_record = {};
     m_id = 0;
     m_remote = false;

@@ -11,7 +11,7 @@ class TrackReader final : public LibraryVisitor
 public:
     TrackReader(TrackStore& store, const TrackChanges& changes) : m_store(store), m_changes(changes) {}
 
-    void trackBegins(std::uint64_t openEnd) override;
+    void trackBegins(std::uint64_t key, std::uint64_t inside) override;
     void trackHas(const Pair& pair) override;
     void trackEnds(const Span& whole) override;
 
