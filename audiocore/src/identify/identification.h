@@ -2,6 +2,7 @@
 
 #include "audiocore/iaudioidentifier.h"
 #include "identify/cancellation.h"
+#include "identify/services.h"
 
 #include <array>
 #include <string>
@@ -16,5 +17,6 @@ struct Identification
 };
 
 /// Identifies the file at the path; returns soon after a cancellation. Failures are logged.
-Identification identifyFile(const std::string& path, const Cancellation& cancellation);
+Identification identifyFile(const std::string& path, const Services& services,
+                            const Cancellation& cancellation);
 } // namespace audiocore

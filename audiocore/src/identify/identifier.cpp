@@ -42,7 +42,7 @@ public:
         begin();
         Identification found;
         try {
-            found = audiocore::identifyFile(m_path, m_cancellation);
+            found = audiocore::identifyFile(m_path, audiocore::sharedServices(), m_cancellation);
         } catch (const std::bad_alloc&) {
             audiocore::logLine(m_path, "cannot be identified: memory is short");
             found = Identification();
