@@ -20,6 +20,8 @@ public:
                 {m_client, m_coverArt}};
     }
 
+    void holdMusicBrainz(std::chrono::seconds time) { m_musicBrainz.holdFor(time); }
+
 private:
     const audiocore::HttpClient m_client;
     const std::string m_address;

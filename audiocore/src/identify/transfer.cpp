@@ -10,7 +10,7 @@ namespace {
 const char* const userAgent = "Melodrift/" MELODRIFT_VERSION " ( " MELODRIFT_HOME_PAGE " )";
 constexpr std::size_t mostHeaderBytes = 64 * 1024;
 /// How long a cancellation may go unnoticed.
-constexpr int pollMilliseconds = 50;
+constexpr int pollMilliseconds = 20;
 
 bool libraryIsReady()
 {
