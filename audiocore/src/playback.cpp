@@ -159,11 +159,10 @@ void Playback::handleEvents(PlaybackEngine& engine)
             setPhase(Phase::Failed, 0);
             break;
         case PlaybackEngine::Event::Arrived: {
-            const bool atEnd = engine.atEnd();
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_position = m_target.value_or(m_position);
             m_target.reset();
-            m_finished = atEnd;
+            m_finished = false;
             break;
         }
         }
@@ -208,17 +207,13 @@ void Playback::look(const PlaybackEngine& engine)
 {
     const bool atEnd = engine.atEnd();
     const std::optional<std::int64_t> position = engine.position();
-    bool ended = false;
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_wishedTarget || m_target)
-            return;
-        m_position = position.value_or(m_position);
-        ended = atEnd && !m_finished;
-        m_finished = atEnd;
-        if (ended) {
-            m_play = false;
-            m_woken = true; // to tell the engine
-        }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_wishedTarget || m_target)
+        return;
+    m_position = position.value_or(m_position);
+    if (atEnd && !m_finished) {
+        m_play = false;
+        m_woken = true; // to tell the engine
     }
+    m_finished = atEnd;
 }

@@ -56,6 +56,7 @@ constexpr Option options[] = {
     {"keep-open", "yes"},
     {"keep-open-pause", "no"},
     {"hr-seek", "yes"},
+    {"hr-seek-demuxer-offset", "1"}, // containers may lead to a place behind the target
 };
 
 /// The container's name in the engine; naming it leaves nothing to guess, and no list of other files a
