@@ -20,7 +20,7 @@ QImageButton::~QImageButton() = default;
 bool QImageButton::setBtnImage(const QString& path)
 {
     m_pImage = std::make_unique<SkinPicture>(path);
-    describe(path);
+    describe(m_pImage->file());
     const QSize strip = m_pImage->size();
     if (strip.width() == 0)
         return false;
