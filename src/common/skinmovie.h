@@ -4,8 +4,8 @@
 
 class QLabel;
 
-/// An animation of the skin. A label shows it at the scale of the label's screen, from "name.gif" or from
-/// "name@2x.gif" beside it; its size in points is the same at both.
+/// An animation of the skin. A label shows it at the scale of the label's screen, as SkinPicture does for
+/// a still picture; its size in points is the same at both scales.
 class SkinMovie : public QMovie
 {
     Q_OBJECT
