@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "common/messagedialog.h"
+#include "common/skinmovie.h"
 #include "homepage.h"
 #include "introducethissofedialog.h"
 #include "itunes/delmusiclib.h"
@@ -10,7 +11,6 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QMenuBar>
-#include <QMovie>
 #include <QPainter>
 #include <QTimer>
 #include <QUrl>
@@ -63,8 +63,8 @@ void MainWindow::Init()
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
     ui->m_btniTunesClean->setBtnImage(SkinPicture::path("button_itunes_music_clean.png"));
     ui->m_btnLocalClean->setBtnImage(SkinPicture::path("button_local_music_clean.png"));
-    m_pLocalSwitchMovie = std::make_unique<QMovie>(SkinPicture::path("b_local_music_clean1.gif"));
-    m_piTunesSwitchMovie = std::make_unique<QMovie>(SkinPicture::path("b_itunes_music_clean1.gif"));
+    m_pLocalSwitchMovie = std::make_unique<SkinMovie>("b_local_music_clean1.gif");
+    m_piTunesSwitchMovie = std::make_unique<SkinMovie>("b_itunes_music_clean1.gif");
     m_piTunesSwitchTimer = new QTimer(this);
     m_pLocalSwitchTimer = new QTimer(this);
     ui->m_btnLocalClean->hide();
@@ -169,9 +169,8 @@ void MainWindow::SlotOnBtniTunesClean()
     if (m_bScanning)
         return;
     ui->m_btniTunesClean->hide();
-    ui->m_labelClean->setMovie(m_pLocalSwitchMovie.get());
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("add_music.png"));
-    m_pLocalSwitchMovie->start();
+    m_pLocalSwitchMovie->startIn(ui->m_labelClean);
     m_piTunesSwitchTimer->start(switchMilliseconds);
     update();
 }
@@ -193,9 +192,8 @@ void MainWindow::SlotOnBtnLocalClean()
 {
     // Unlike the other direction, a running scan does not stand in the way.
     ui->m_btnLocalClean->hide();
-    ui->m_labelClean->setMovie(m_piTunesSwitchMovie.get());
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
-    m_piTunesSwitchMovie->start();
+    m_piTunesSwitchMovie->startIn(ui->m_labelClean);
     m_pLocalSwitchTimer->start(switchMilliseconds);
     m_local_add_or_ScanAgain = 0;
     update();
@@ -242,9 +240,8 @@ void MainWindow::SlotIntakeProgress(int done, int total)
     if (!m_pIntakeMovie) {
         m_strTipsBeforeIntake = ui->m_tipsLabel->text();
         m_statusBeforeIntake = ui->m_movieLabel->pixmap(Qt::ReturnByValue);
-        m_pIntakeMovie = std::make_unique<QMovie>(SkinPicture::path("dynamic_scanning.gif"));
-        ui->m_movieLabel->setMovie(m_pIntakeMovie.get());
-        m_pIntakeMovie->start();
+        m_pIntakeMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
+        m_pIntakeMovie->startIn(ui->m_movieLabel);
     }
     ui->m_tipsLabel->setText(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
 }

@@ -6,8 +6,8 @@
 
 #include <memory>
 
-class QMovie;
 class QTimer;
+class SkinMovie;
 
 namespace Ui {
 class MainWindow;
@@ -66,15 +66,15 @@ private:
     bool postponedByIntake(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;
-    std::unique_ptr<QMovie> m_pLocalSwitchMovie;
-    std::unique_ptr<QMovie> m_piTunesSwitchMovie;
+    std::unique_ptr<SkinMovie> m_pLocalSwitchMovie;
+    std::unique_ptr<SkinMovie> m_piTunesSwitchMovie;
     QTimer* m_piTunesSwitchTimer = nullptr; ///< ends the switch to the local mode
     QTimer* m_pLocalSwitchTimer = nullptr;  ///< ends the switch to the iTunes mode
     std::unique_ptr<QPixmap> m_pTopImage;
     std::unique_ptr<QPixmap> m_pFootImage;
     std::unique_ptr<QPixmap> m_pBackgroundImage;
 
-    std::unique_ptr<QMovie> m_pIntakeMovie; ///< set while an intake shows its progress
+    std::unique_ptr<SkinMovie> m_pIntakeMovie; ///< set while an intake shows its progress
     QString m_strTipsBeforeIntake;
     QPixmap m_statusBeforeIntake;
     QStringList m_pathsToOpen; ///< taken in once the local mode is in force

@@ -17,7 +17,7 @@ QImageButton::QImageButton(QWidget* parent) : StripButton(parent)
 bool QImageButton::setBtnImage(const QString& path)
 {
     const QSize cell = loadStrip(path);
-    describe(path);
+    describe(stripFile());
     if (cell.height() == 0)
         return false;
     setFixedSize(cell);

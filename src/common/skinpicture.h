@@ -11,8 +11,12 @@ class QPainter;
 class SkinPicture
 {
 public:
+    /// Separators may be slashes or backslashes. A path that begins with one backslash ("\pic\name.png") lies
+    /// under the resource path.
     explicit SkinPicture(const QString& path);
 
+    /// The file that the path stands for, whether it holds a picture or not.
+    const QString& file() const { return m_path; }
     /// Points; empty when the file holds no picture.
     QSize size() const;
     /// The picture for a screen of this device pixel ratio, its own ratio set. Null when the file holds none.

@@ -28,6 +28,8 @@ protected:
 
     /// Takes the strip; the size of one of its cells, in points.
     QSize loadStrip(const QString& path);
+    /// The file that the strip was taken from.
+    QString stripFile() const { return m_pImage ? m_pImage->file() : QString(); }
     bool hasStrip() const { return m_pImage != nullptr; }
     /// Repaints at once when the state is another one.
     void changeState(int state);
