@@ -35,6 +35,19 @@ bool isNameByte(char c)
     return named[static_cast<unsigned char>(c)];
 }
 
+/// The index of the next "<", or the end.
+std::size_t findMarkup(const char* bytes, std::size_t at, std::size_t end)
+{
+    // Most texts are so short that calling for help takes longer.
+    constexpr std::size_t shortText = 16;
+    const std::size_t near = at + std::min(shortText, end - at);
+    for (; at < near; ++at)
+        if (bytes[at] == '<')
+            return at;
+    const void* const found = std::memchr(bytes + at, '<', end - at);
+    return found ? std::size_t(static_cast<const char*>(found) - bytes) : end;
+}
+
 bool startsName(char c)
 {
     return isNameByte(c) && c != '-' && c != '.' && !(c >= '0' && c <= '9');
@@ -124,13 +137,12 @@ bool XmlScanner::available(std::size_t count)
 bool XmlScanner::seekMarkup()
 {
     for (;;) {
-        const void* found = std::memchr(m_buffer.data() + m_at, '<', m_end - m_at);
-        if (found) {
-            m_at = std::size_t(static_cast<const char*>(found) - m_buffer.data());
-            (void)available(padding);
+        m_at = findMarkup(m_buffer.data(), m_at, m_end);
+        if (m_at < m_end) {
+            if (m_end - m_at < padding)
+                (void)available(padding);
             return true;
         }
-        m_at = m_end;
         if (!more())
             return false;
     }
