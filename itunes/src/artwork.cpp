@@ -1,11 +1,12 @@
 #include "artwork.h"
 
-#include "hash.h"
 #include "libraryreading.h"
 #include "platform.h"
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <string_view>
 
 using itunes::Artwork;
 namespace fs = std::filesystem;
@@ -13,6 +14,11 @@ namespace platform = audiocore::platform;
 
 namespace {
 constexpr std::int64_t largestPicture = 64 * 1024 * 1024;
+
+std::pair<std::size_t, std::size_t> keyOf(const std::vector<char>& picture)
+{
+    return {std::hash<std::string_view>()({picture.data(), picture.size()}), picture.size()};
+}
 
 bool writeFile(const std::vector<char>& bytes, const fs::path& path)
 {
@@ -48,7 +54,7 @@ bool Artwork::write(const std::vector<char>& picture, const std::string& path)
         done = !failure;
     }
     if (done)
-        m_files[{hashOf({picture.data(), picture.size()}), picture.size()}] = path;
+        m_files[keyOf(picture)] = path;
     // Also after success: between two names of one file nothing is renamed.
     fs::remove(fs::u8path(part), failure);
     return done;
@@ -56,7 +62,7 @@ bool Artwork::write(const std::vector<char>& picture, const std::string& path)
 
 bool Artwork::link(const std::vector<char>& picture, const std::string& path)
 {
-    const auto known = m_files.find({hashOf({picture.data(), picture.size()}), picture.size()});
+    const auto known = m_files.find(keyOf(picture));
     if (known == m_files.end() || pictureFile(known->second) != picture)
         return false;
     std::error_code failure;

@@ -21,7 +21,7 @@ private:
     std::mutex m_mutex;
     unsigned m_count = 0;
     /// The last file of each picture, by hash and size.
-    std::map<std::pair<std::uint64_t, std::size_t>, std::string> m_files;
+    std::map<std::pair<std::size_t, std::size_t>, std::string> m_files;
 };
 
 /// A picture file's bytes: empty when there is no such file, nothing when it is too large or cannot be read.

@@ -12,7 +12,8 @@ constexpr std::chrono::milliseconds pauseBeforeWriting(1000);
 } // namespace
 
 LibraryFile::LibraryFile(const std::string& path)
-    : m_path(path), m_journal(path), m_writing([this] { writePending(); }, pauseBeforeWriting)
+    : m_path(path), m_backup(path + ".melodrift-backup"), m_journal(path),
+      m_writing([this] { writePending(); }, pauseBeforeWriting)
 {
 }
 
@@ -20,12 +21,6 @@ LibraryFile::~LibraryFile()
 {
     m_writing.stop();
     writePending();
-}
-
-bool LibraryFile::hasPending()
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_journal.exists();
 }
 
 itunes::TrackChanges LibraryFile::pending()
@@ -94,10 +89,22 @@ bool LibraryFile::keepBackup(std::string& error)
     std::FILE* lockFile = nullptr;
     const std::string copy = platform::copyBeside(m_path, lockFile, error);
     const File lock(lockFile);
-    m_hasBackup = !copy.empty() && platform::replaceFile(copy, m_path + ".melodrift-backup", error);
+    m_hasBackup = !copy.empty() && platform::replaceFile(copy, m_backup, error);
     if (!m_hasBackup && !copy.empty())
         platform::removeFile(copy);
     return m_hasBackup;
+}
+
+/// The copy need not be on the disk before the file itself changes.
+bool LibraryFile::flushBackup(std::string& error)
+{
+    if (!m_backupIsFlushed) {
+        const File backup(platform::openFile(m_backup, true));
+        m_backupIsFlushed = !backup || platform::syncToDevice(backup.get()); // the user may have removed it
+    }
+    if (!m_backupIsFlushed)
+        error = "the backup cannot be written";
+    return m_backupIsFlushed;
 }
 
 void LibraryFile::changed()
@@ -122,7 +129,7 @@ void LibraryFile::writePending()
         changes = m_changes;
         revision = m_revision;
     }
-    const bool written = changes.empty() || writeChanges(m_path, changes, error);
+    const bool written = changes.empty() || (flushBackup(error) && writeChanges(m_path, changes, error));
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (!written) {
         report("the changes wait in the journal: " + error);

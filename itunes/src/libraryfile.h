@@ -22,8 +22,6 @@ public:
     LibraryFile& operator=(const LibraryFile&) = delete;
 
     const std::string& path() const { return m_path; }
-    /// Whether changes wait, of this run or of an earlier one.
-    bool hasPending();
     /// What the file does not hold yet. Changes that an earlier run left are written from now on.
     TrackChanges pending();
 
@@ -34,12 +32,15 @@ public:
 private:
     bool beginChange();
     bool keepBackup(std::string& error);
+    bool flushBackup(std::string& error);
     void changed();
     void writePending();
     void report(const std::string& error) const;
 
     const std::string m_path;
-    std::mutex m_mutex; ///< for all below
+    const std::string m_backup;
+    bool m_backupIsFlushed = false; ///< one writing goes on at a time, and only it asks
+    std::mutex m_mutex;             ///< for all below
     Journal m_journal;
     TrackChanges m_changes;
     unsigned m_revision = 0; ///< counts the changes

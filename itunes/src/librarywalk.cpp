@@ -1,5 +1,6 @@
 #include "librarywalk.h"
 
+#include <cstring>
 #include <limits>
 #include <string>
 
@@ -60,15 +61,24 @@ public:
     {
         if (m_scanner.next() != Event::Open)
             return false;
-        if (m_scanner.name() != "plist") {
+        if (!is("plist")) {
             m_scanner.fail("no property list");
             return false;
         }
-        const bool whole = eachChild([this] { return m_scanner.name() == "dict" ? root() : skip(); });
+        const bool whole = eachChild([this] { return is("dict") ? root() : skip(); });
         return whole && m_scanner.next() == Event::End;
     }
 
 private:
+    /// Whether the element at hand has this name. It is asked for every tag: comparing a few bytes in place
+    /// is worth it.
+    template <std::size_t Size>
+    bool is(const char (&word)[Size]) const
+    {
+        return m_scanner.name().size() == Size - 1 &&
+               std::memcmp(m_scanner.name().data(), word, Size - 1) == 0;
+    }
+
     /// Calls the step for each element inside the one at hand.
     template <typename Step>
     bool eachChild(Step step)
@@ -116,13 +126,13 @@ private:
         decltype(meaning(std::string_view())) key = {};
         std::uint64_t begin = 0;
         return eachChild([&] {
-            if (m_scanner.name() != "key") {
+            if (!is("key")) {
                 const bool asked = hasKey;
                 hasKey = false;
                 return asked ? step(key, begin) : skip();
             }
-            begin = m_scanner.leadBegin();
             m_lead = m_scanner.lead();
+            begin = m_scanner.tagBegin() - m_lead.size();
             std::string_view text;
             if (!leaf(text))
                 return false;
@@ -135,10 +145,10 @@ private:
     bool root()
     {
         return eachPair(sectionOf, [this](Section section, std::uint64_t) {
-            if (section == Section::Tracks && m_scanner.name() == "dict")
+            if (section == Section::Tracks && is("dict"))
                 return tracks();
-            if (section == Section::Playlists && m_scanner.name() == "array" && m_visitor.wantsPlaylists())
-                return eachChild([this] { return m_scanner.name() == "dict" ? playlist() : skip(); });
+            if (section == Section::Playlists && is("array") && m_visitor.wantsPlaylists())
+                return eachChild([this] { return is("dict") ? playlist() : skip(); });
             return skip();
         });
     }
@@ -146,7 +156,7 @@ private:
     bool tracks()
     {
         return eachPair(itunes::numberOf, [this](std::uint64_t key, std::uint64_t begin) {
-            if (m_scanner.name() != "dict")
+            if (!is("dict"))
                 return skip();
             m_visitor.trackBegins(key, m_scanner.tagEnd());
             if (!eachPair(fieldOf, [this](Field field, std::uint64_t at) { return trackField(field, at); }))
@@ -161,8 +171,8 @@ private:
         Pair pair;
         pair.field = field;
         pair.value.begin = m_scanner.tagBegin();
-        const bool isTrue = m_scanner.name() == "true";
-        const bool isFalse = m_scanner.name() == "false";
+        const bool isTrue = is("true");
+        const bool isFalse = is("false");
         if (field == Field::Other ? !skip() : !leaf(pair.text))
             return false;
         if (isTrue || isFalse)
@@ -178,9 +188,9 @@ private:
     {
         const auto isItems = [](std::string_view key) { return key == "Playlist Items"; };
         return eachPair(isItems, [this](bool items, std::uint64_t) {
-            if (!items || m_scanner.name() != "array")
+            if (!items || !is("array"))
                 return skip();
-            return eachChild([this] { return m_scanner.name() == "dict" ? item() : skip(); });
+            return eachChild([this] { return is("dict") ? item() : skip(); });
         });
     }
 

@@ -137,7 +137,7 @@ bool writeBeside(std::FILE* library, const std::string& temporary, const std::ve
 
 Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, std::string& error)
 {
-    const itunes::File library = itunes::openLibrary(path, error);
+    itunes::File library = itunes::openLibrary(path, error);
     platform::FileState before;
     if (!library || !platform::stateOf(library.get(), before))
         return Outcome::Failed;
@@ -154,7 +154,9 @@ Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, st
     if (temporary.empty())
         return Outcome::Failed;
     Outcome outcome = Outcome::Failed;
-    if (writeBeside(library.get(), temporary, splices, tracksLeft, error)) {
+    const bool written = writeBeside(library.get(), temporary, splices, tracksLeft, error);
+    library.reset(); // what is open cannot be replaced everywhere
+    if (written) {
         platform::FileState now;
         if (!platform::stateOf(path, now) || !(now == before))
             outcome = Outcome::ChangedMeanwhile;

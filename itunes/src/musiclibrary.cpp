@@ -94,8 +94,11 @@ std::optional<MusicLibrary::Access> MusicLibrary::accessTo(std::uint64_t id)
 bool MusicLibrary::edit(std::uint64_t id, const TrackEdit& edit, const std::string& coverPath)
 {
     const std::optional<Access> track = accessTo(id);
-    if (!track)
+    if (!track || track->mediaPath.empty()) {
+        audiocore::logLine("the music library",
+                           "it holds no track with a file to edit under this identifier");
         return false;
+    }
     const std::optional<std::vector<char>> picture = pictureFile(coverPath);
     if (!picture) {
         audiocore::logLine(coverPath, "is no picture file that can be read, the track was not changed");

@@ -11,6 +11,20 @@ bool isSet(std::string_view text)
 {
     return text == "true" || itunes::numberOf(text) > 0;
 }
+
+bool saysNoSong(itunes::Field field)
+{
+    using itunes::Field;
+    return field == Field::HasVideo || field == Field::Movie || field == Field::TvShow ||
+           field == Field::MusicVideo || field == Field::Podcast || field == Field::Audiobook;
+}
+
+/// Old libraries tell films, and all of them the booklets of albums, by the kind alone.
+bool isKindOfNoSong(std::string_view kind)
+{
+    return kind.find("video") != std::string_view::npos || kind.find("movie") != std::string_view::npos ||
+           kind.find("PDF") != std::string_view::npos;
+}
 } // namespace
 
 const char* TrackReader::Repeated::keep(std::string_view text, TextArena& texts)
@@ -27,12 +41,17 @@ void TrackReader::trackBegins(std::uint64_t key, std::uint64_t inside)
     (void)key;
     (void)inside;
     m_record = {};
+    m_numbers = {};
     m_id = 0;
     m_remote = false;
 }
 
 void TrackReader::trackHas(const Pair& pair)
 {
+    if (std::uint64_t* const number = numberFor(pair.field)) {
+        *number = numberOf(pair.text);
+        return;
+    }
     TextArena& texts = m_store.texts();
     switch (pair.field) {
     case Field::Name:
@@ -49,24 +68,7 @@ void TrackReader::trackHas(const Pair& pair)
         break;
     case Field::Kind:
         m_record.kind = m_kind.keep(pair.text, texts);
-        break;
-    case Field::Size:
-        m_record.size = numberOf(pair.text);
-        break;
-    case Field::TotalTime:
-        m_record.duration = numberOf(pair.text);
-        break;
-    case Field::TrackNumber:
-        m_record.trackNumber = numberOf(pair.text);
-        break;
-    case Field::Year:
-        m_record.year = numberOf(pair.text);
-        break;
-    case Field::BitRate:
-        m_record.bitRate = numberOf(pair.text);
-        break;
-    case Field::SampleRate:
-        m_record.sampleRate = numberOf(pair.text);
+        m_record.skipB = m_record.skipB || isKindOfNoSong(pair.text);
         break;
     case Field::PersistentId:
         // It names a file: nothing but digits passes.
@@ -79,17 +81,30 @@ void TrackReader::trackHas(const Pair& pair)
     case Field::TrackType:
         m_remote = pair.text != "File";
         break;
-    case Field::HasVideo:
-    case Field::Movie:
-    case Field::TvShow:
-    case Field::MusicVideo:
-    case Field::Podcast:
-    case Field::Audiobook:
-        m_record.skipB = m_record.skipB || isSet(pair.text);
-        break;
-    case Field::Other:
-    case Field::TrackId:
-        break;
+    default:
+        if (saysNoSong(pair.field) && isSet(pair.text))
+            m_record.skipB = 1;
+    }
+}
+
+/// The record's number for a field; null for a field that is none.
+std::uint64_t* TrackReader::numberFor(Field field)
+{
+    switch (field) {
+    case Field::Size:
+        return &m_numbers.size;
+    case Field::TotalTime:
+        return &m_numbers.duration;
+    case Field::TrackNumber:
+        return &m_numbers.trackNumber;
+    case Field::Year:
+        return &m_numbers.year;
+    case Field::BitRate:
+        return &m_numbers.bitRate;
+    case Field::SampleRate:
+        return &m_numbers.sampleRate;
+    default:
+        return nullptr;
     }
 }
 
@@ -98,6 +113,12 @@ void TrackReader::trackEnds(const Span& whole)
     (void)whole;
     if (m_store.count() == std::numeric_limits<int>::max())
         return;
+    m_record.size = m_numbers.size;
+    m_record.duration = m_numbers.duration;
+    m_record.trackNumber = m_numbers.trackNumber;
+    m_record.year = m_numbers.year;
+    m_record.bitRate = m_numbers.bitRate;
+    m_record.sampleRate = m_numbers.sampleRate;
     const auto change = m_changes.find(m_id);
     if (change != m_changes.end()) {
         if (change->second.deleted)

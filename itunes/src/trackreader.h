@@ -26,11 +26,24 @@ private:
         std::string_view m_last;
     };
 
+    /// The record's own may lie at places that are no multiple of their size.
+    struct Numbers
+    {
+        std::uint64_t size;
+        std::uint64_t duration;
+        std::uint64_t trackNumber;
+        std::uint64_t year;
+        std::uint64_t bitRate;
+        std::uint64_t sampleRate;
+    };
+
+    std::uint64_t* numberFor(Field field);
     void applyChange(const TrackEdit& edit);
 
     TrackStore& m_store;
     const TrackChanges& m_changes;
     iTunesTrackRecord m_record = {};
+    Numbers m_numbers = {};
     std::uint64_t m_id = 0;
     bool m_remote = false;
     Repeated m_artist;

@@ -1,9 +1,11 @@
 #include "xmlscanner.h"
 
+#include "xmlgrammar.h"
+
 #include <algorithm>
-#include <array>
 #include <cstring>
 
+namespace xml = itunes::xml;
 using itunes::XmlScanner;
 using Event = itunes::XmlScanner::Event;
 
@@ -15,29 +17,17 @@ constexpr std::size_t deepest = 1000;
 /// Zeros behind the buffer's end, so that a few bytes ahead may be looked at without counting.
 constexpr std::size_t padding = 16;
 
-bool isBlank(char c)
+/// The index of the next "<", or the end.
+std::size_t findMarkup(const char* bytes, std::size_t at, std::size_t end)
 {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-constexpr std::array<bool, 256> nameBytes()
-{
-    std::array<bool, 256> named = {};
-    for (int c = 0; c < 256; ++c)
-        named[std::size_t(c)] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-                                c == '_' || c == ':' || c == '-' || c == '.' || c >= 0x80;
-    return named;
-}
-
-bool isNameByte(char c)
-{
-    static constexpr std::array<bool, 256> named = nameBytes();
-    return named[static_cast<unsigned char>(c)];
-}
-
-bool startsName(char c)
-{
-    return isNameByte(c) && c != '-' && c != '.' && !(c >= '0' && c <= '9');
+    // Most texts are so short that calling for help takes longer.
+    constexpr std::size_t shortText = 16;
+    const std::size_t near = at + std::min(shortText, end - at);
+    for (; at < near; ++at)
+        if (bytes[at] == '<')
+            return at;
+    const void* const found = std::memchr(bytes + at, '<', end - at);
+    return found ? std::size_t(static_cast<const char*>(found) - bytes) : end;
 }
 } // namespace
 
@@ -124,13 +114,12 @@ bool XmlScanner::available(std::size_t count)
 bool XmlScanner::seekMarkup()
 {
     for (;;) {
-        const void* found = std::memchr(m_buffer.data() + m_at, '<', m_end - m_at);
-        if (found) {
-            m_at = std::size_t(static_cast<const char*>(found) - m_buffer.data());
-            (void)available(padding);
+        m_at = findMarkup(m_buffer.data(), m_at, m_end);
+        if (m_at < m_end) {
+            if (m_end - m_at < padding)
+                (void)available(padding);
             return true;
         }
-        m_at = m_end;
         if (!more())
             return false;
     }
@@ -164,8 +153,7 @@ void XmlScanner::keepPiece(bool literal, std::size_t begin, std::size_t end)
 bool XmlScanner::skipTo(std::string_view terminator)
 {
     for (;;) {
-        const std::string_view ahead(m_buffer.data() + m_at, m_end - m_at);
-        const std::size_t found = ahead.find(terminator);
+        const std::size_t found = ahead().find(terminator);
         if (found != std::string_view::npos) {
             m_at += found + terminator.size();
             m_textAt = m_at;
@@ -181,13 +169,12 @@ bool XmlScanner::skipTo(std::string_view terminator)
 /// Passes over what is no tag; false when it does not end.
 bool XmlScanner::passMarkup()
 {
-    const std::string_view ahead(m_buffer.data() + m_at, std::min(m_end - m_at, padding));
-    if (ahead.substr(0, 9) == "<![CDATA[")
+    if (ahead().substr(0, 9) == "<![CDATA[")
         return passSection();
-    if (ahead.substr(0, 9) == "<!DOCTYPE")
+    if (ahead().substr(0, 9) == "<!DOCTYPE")
         return passDocumentType();
-    const bool comment = ahead.substr(0, 4) == "<!--";
-    if (!comment && ahead[1] == '!')
+    const bool comment = ahead().substr(0, 4) == "<!--";
+    if (!comment && ahead()[1] == '!')
         return fail("a declaration where none belongs") != Event::Broken;
     const std::uint64_t begin = m_base + m_at;
     keepPiece(false, m_textAt, m_at);
@@ -208,8 +195,7 @@ bool XmlScanner::passSection()
     m_at += 9;
     m_textAt = m_at;
     for (;;) {
-        const std::string_view ahead(m_buffer.data() + m_at, m_end - m_at);
-        const std::size_t end = ahead.find("]]>");
+        const std::size_t end = ahead().find("]]>");
         if (end != std::string_view::npos) {
             keepPiece(true, m_textAt, m_at + end);
             m_at = m_textAt = m_at + end + 3;
@@ -224,43 +210,20 @@ bool XmlScanner::passSection()
     }
 }
 
-/// The index behind the ">" of the document type at m_at; 0 when it is not there yet.
-std::size_t XmlScanner::documentTypeEnd() const
-{
-    int brackets = 0;
-    for (std::size_t i = m_at + 2; i < m_end; ++i) {
-        const char c = m_buffer[i];
-        const std::string_view ahead(m_buffer.data() + i, m_end - i);
-        if (c == '"' || c == '\'' || ahead.substr(0, 4) == "<!--") {
-            const std::size_t end = c == '<' ? ahead.find("-->", 4) : ahead.find(c, 1);
-            if (end == std::string_view::npos)
-                return 0;
-            i += c == '<' ? end + 2 : end;
-        } else if (c == '[') {
-            ++brackets;
-        } else if (c == ']') {
-            --brackets;
-        } else if (c == '>' && brackets <= 0) {
-            return i + 1;
-        }
-    }
-    return 0;
-}
-
 bool XmlScanner::passDocumentType()
 {
     if (m_rootSeen || m_typeSeen)
         return fail("a document type where none belongs") != Event::Broken;
     m_typeSeen = true;
     m_textAt = m_at;
-    std::size_t end = documentTypeEnd();
-    while (end == 0 && m_end - m_at < largestDocumentType && more())
-        end = documentTypeEnd();
-    if (end == 0)
+    std::size_t size = xml::documentTypeSize(ahead());
+    while (size == 0 && ahead().size() < largestDocumentType && more())
+        size = xml::documentTypeSize(ahead());
+    if (size == 0)
         return fail("a document type that does not end") != Event::Broken;
-    if (!m_entities.declare({m_buffer.data() + m_at, end - m_at}))
+    if (!m_entities.declare(ahead().substr(0, size)))
         return fail("entities made of entities") != Event::Broken;
-    m_at = m_textAt = end;
+    m_at = m_textAt = m_at + size;
     return true;
 }
 
@@ -274,23 +237,15 @@ Event XmlScanner::atEnd()
     return m_rootSeen ? Event::End : fail("there is no document");
 }
 
-/// The index of the ">" of the tag at m_at, quoted ones left out; 0 when there is none.
+/// The index of the ">" of the tag at m_at; 0 when there is none.
 std::size_t XmlScanner::openTagEnd()
 {
-    for (;;) {
-        char quote = 0;
-        for (std::size_t i = m_at + 1; i < m_end; ++i) {
-            const char c = m_buffer[i];
-            if (quote ? c == quote : c == '"' || c == '\'')
-                quote = quote ? char(0) : c;
-            else if (c == '<')
-                return 0;
-            else if (c == '>' && !quote)
-                return i;
-        }
-        if (!more())
-            return 0;
-    }
+    do {
+        const std::size_t end = xml::openTagEnd(ahead());
+        if (end > 0)
+            return m_at + end;
+    } while (more());
+    return 0;
 }
 
 Event XmlScanner::openTag()
@@ -298,7 +253,7 @@ Event XmlScanner::openTag()
     if (m_openAt.empty() && m_rootSeen)
         return fail("a second document");
     std::size_t nameEnd = m_at + 1;
-    while (isNameByte(m_buffer[nameEnd]))
+    while (xml::isNameByte(m_buffer[nameEnd]))
         ++nameEnd;
     std::size_t end = nameEnd;
     if (m_buffer[end] != '>') {
@@ -307,13 +262,13 @@ Event XmlScanner::openTag()
             return fail("a tag that does not end");
         m_tagAt = m_at;
         nameEnd = m_at + 1;
-        while (isNameByte(m_buffer[nameEnd]))
+        while (xml::isNameByte(m_buffer[nameEnd]))
             ++nameEnd;
         m_selfClosing = m_buffer[end - 1] == '/';
-        if (!attributesAreSound(nameEnd, end - (m_selfClosing ? 1 : 0)))
+        if (!xml::areAttributes({m_buffer.data() + nameEnd, end - nameEnd - (m_selfClosing ? 1 : 0)}))
             return fail("a malformed tag");
     }
-    if (nameEnd == m_at + 1 || !startsName(m_buffer[m_at + 1]))
+    if (nameEnd == m_at + 1 || !xml::startsName(m_buffer[m_at + 1]))
         return fail("a malformed tag");
     if (m_openAt.size() >= deepest)
         return fail("elements nested too deeply");
@@ -330,12 +285,11 @@ Event XmlScanner::closeTag()
     // Room for the name and the ">"; blanks before it are rare.
     (void)available(expected.size() + 3);
     m_tagAt = m_at;
-    const std::string_view ahead(m_buffer.data() + m_at + 2, m_end - m_at - 2);
-    if (m_openAt.empty() || ahead.substr(0, expected.size()) != expected)
+    if (m_openAt.empty() || ahead().substr(2, expected.size()) != expected)
         return fail(m_openAt.empty() ? "a closing tag too many"
                                      : "a closing tag that does not match <" + std::string(expected) + ">");
     std::size_t end = m_at + 2 + expected.size();
-    while (isBlank(m_buffer[end]) || end >= m_end) {
+    while (xml::isBlank(m_buffer[end]) || end >= m_end) {
         if (end < m_end) {
             ++end;
             continue;
@@ -352,36 +306,6 @@ Event XmlScanner::closeTag()
     pop();
     m_at = end + 1;
     return Event::Close;
-}
-
-bool XmlScanner::attributesAreSound(std::size_t begin, std::size_t end) const
-{
-    const char* const bytes = m_buffer.data();
-    const auto skipBlanks = [bytes, end](std::size_t i) {
-        while (i < end && isBlank(bytes[i]))
-            ++i;
-        return i;
-    };
-    for (std::size_t i = begin; i < end;) {
-        std::size_t name = skipBlanks(i);
-        if (name == end)
-            return true;
-        if (name == i || !startsName(bytes[name]))
-            return false;
-        while (name < end && isNameByte(bytes[name]))
-            ++name;
-        i = skipBlanks(name);
-        if (i == end || bytes[i] != '=')
-            return false;
-        i = skipBlanks(i + 1);
-        if (i == end || (bytes[i] != '"' && bytes[i] != '\''))
-            return false;
-        const void* close = std::memchr(bytes + i + 1, bytes[i], end - i - 1);
-        if (!close)
-            return false;
-        i = std::size_t(static_cast<const char*>(close) - bytes) + 1;
-    }
-    return true;
 }
 
 std::string_view XmlScanner::text()
@@ -404,7 +328,7 @@ std::uint64_t XmlScanner::leadBegin() const
 std::string_view XmlScanner::lead() const
 {
     std::size_t begin = m_tagAt;
-    while (begin > m_textAt && isBlank(m_buffer[begin - 1]))
+    while (begin > m_textAt && xml::isBlank(m_buffer[begin - 1]))
         --begin;
     return {m_buffer.data() + begin, m_tagAt - begin};
 }

@@ -47,6 +47,7 @@ public:
 private:
     bool more();
     void dropBefore(std::size_t index);
+    std::string_view ahead() const { return {m_buffer.data() + m_at, m_end - m_at}; }
     bool available(std::size_t count);
     bool grow();
     bool seekMarkup();
@@ -56,12 +57,10 @@ private:
     bool passMarkup();
     bool passSection();
     bool passDocumentType();
-    std::size_t documentTypeEnd() const;
     Event atEnd();
     Event openTag();
     Event closeTag();
     std::size_t openTagEnd();
-    bool attributesAreSound(std::size_t begin, std::size_t end) const;
     void push(std::string_view name);
     void pop();
     std::string_view innermost() const;

@@ -1,5 +1,6 @@
 #include "xmltext.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -225,10 +226,7 @@ void itunes::appendLiteral(std::string_view raw, std::string& out)
 bool itunes::isPlain(std::string_view raw)
 {
     static constexpr std::array<bool, 256> plain = plainBytes();
-    for (const char c : raw)
-        if (!plain[static_cast<unsigned char>(c)])
-            return false;
-    return true;
+    return std::all_of(raw.begin(), raw.end(), [](char c) { return plain[static_cast<unsigned char>(c)]; });
 }
 
 std::string itunes::escaped(std::string_view text)
