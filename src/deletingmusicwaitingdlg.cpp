@@ -1,9 +1,9 @@
 #include "deletingmusicwaitingdlg.h"
 
+#include "common/skinmovie.h"
 #include "ui_deletingmusicwaitingdlg.h"
 
 #include <QBitmap>
-#include <QMovie>
 #include <QPainter>
 
 namespace {
@@ -22,9 +22,8 @@ DeletingMusicWaitingDlg::DeletingMusicWaitingDlg(QWidget* parent)
     setFixedSize(size());
     ui->m_labMovie->show();
     ui->m_labMovie->move(width() / 2, height() / 2);
-    m_pMovie = std::make_unique<QMovie>(SkinPicture::path("deletingMusic.gif"));
-    ui->m_labMovie->setMovie(m_pMovie.get());
-    m_pMovie->start();
+    m_pMovie = std::make_unique<SkinMovie>("deletingMusic.gif");
+    m_pMovie->startIn(ui->m_labMovie);
     // Where nothing composes windows, what is not the card would be black.
     QBitmap shape(size());
     shape.clear();

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-class QMovie;
+class SkinMovie;
 
 namespace Ui {
 class DeletingMusicWaitingDlg;
@@ -33,7 +33,7 @@ protected:
 
 private:
     std::unique_ptr<Ui::DeletingMusicWaitingDlg> ui;
-    std::unique_ptr<QMovie> m_pMovie;
+    std::unique_ptr<SkinMovie> m_pMovie;
     QString m_strProgress;
     bool m_bFinished = false;
 };

@@ -1,7 +1,10 @@
 // Fingerprints as the services know them: equal to those of fpcalc, the tool that comes with the library.
+#include "audiofile.h"
 #include "fixtures.h"
 #include "identify/fingerprint.h"
+#include "noisyape.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -35,6 +38,19 @@ QString byFpcalcThroughWav(const QString& path)
     return byFpcalc(wav);
 }
 
+void write(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qUtf8Printable(path));
+}
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 Fingerprint ours(const QString& path)
 {
     const Cancellation never;
@@ -47,8 +63,14 @@ class TestFingerprint : public QObject
     Q_OBJECT
 
 private slots:
+    void cleanup() { AudioFile::takeLog(); }
     void equalsFpcalc_data();
     void equalsFpcalc();
+    void anApeThatIsToBeHeardEqualsFpcalc();
+    void theShapeOfTheSoundMayChangeOnTheWay();
+    void damagedFilesEndWell_data();
+    void damagedFilesEndWell();
+    void aBrokenPartIsPassedOver();
 };
 
 void TestFingerprint::equalsFpcalc_data()
@@ -75,6 +97,80 @@ void TestFingerprint::equalsFpcalc()
     const QString expected = kind == "ape" ? byFpcalcThroughWav(path) : byFpcalc(path);
     QCOMPARE(QString::fromStdString(fingerprint.text), expected);
     QVERIFY(qAbs(fingerprint.milliseconds - milliseconds) < 100);
+}
+
+void TestFingerprint::anApeThatIsToBeHeardEqualsFpcalc()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("noise.ape");
+    write(path, Fixtures::noisyApe(20000));
+    const Fingerprint fingerprint = ours(path);
+    QCOMPARE(int(fingerprint.result), int(Decoding::Done));
+    QCOMPARE(QString::fromStdString(fingerprint.text), byFpcalcThroughWav(path));
+    QVERIFY(fingerprint.text != ours(Fixtures::tone("ape", 20000)).text);
+    QCOMPARE(fingerprint.milliseconds, qint64(20000));
+}
+
+void TestFingerprint::theShapeOfTheSoundMayChangeOnTheWay()
+{
+    // Half the rate and one channel in the middle, then as before.
+    const QTemporaryDir folder;
+    const QString mono = folder.filePath("mono.mp3");
+    const QString path = folder.filePath("mixed.mp3");
+    const QString stereo = Fixtures::tone("mp3", 5000);
+    run("ffmpeg", {"-v", "error", "-i", stereo, "-ac", "1", "-ar", "22050", "-f", "mp3", mono});
+    write(path, contentOf(stereo) + contentOf(mono) + contentOf(stereo));
+    std::size_t samples = 0;
+    const Cancellation never;
+    const audiocore::DecodedPart part =
+        audiocore::decodeBeginning(path.toStdString(), 120, 11025, never,
+                                   [&samples](const std::int16_t*, std::size_t count) { samples += count; });
+    QCOMPARE(int(part.result), int(Decoding::Done));
+    QVERIFY2(samples > 14.5 * 11025 && samples < 15.5 * 11025, qPrintable(QString::number(samples)));
+}
+
+void TestFingerprint::damagedFilesEndWell_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const QString& kind : Fixtures::formats() + Fixtures::furtherKinds())
+        QTest::newRow(qPrintable(kind)) << kind;
+}
+
+void TestFingerprint::damagedFilesEndWell()
+{
+    QFETCH(QString, kind);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("song." + Fixtures::suffixOf(kind));
+    const QByteArray whole = kind == "ape" ? Fixtures::noisyApe(5000) : contentOf(Fixtures::tone(kind, 5000));
+    quint32 random = 1;
+    for (int i = 0; i < 40; ++i) {
+        QByteArray damaged = whole;
+        if (i % 4 == 0)
+            damaged.truncate(whole.size() * i / 40);
+        for (int flips = 0; flips < i; ++flips) {
+            random = random * 1664525 + 1013904223;
+            // Half of them near the beginning, where the headers are.
+            const quint32 place = (random >> 8) % quint32(flips % 2 ? 512 : whole.size());
+            if (int(place) < damaged.size())
+                damaged[int(place)] = char(random >> 16);
+        }
+        write(path, damaged);
+        const Fingerprint fingerprint = ours(path);
+        QVERIFY(fingerprint.result == Decoding::Done || fingerprint.result == Decoding::NoAudio);
+    }
+}
+
+void TestFingerprint::aBrokenPartIsPassedOver()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("song.mp3");
+    QByteArray content = contentOf(Fixtures::tone("mp3", 20000));
+    const int begin = content.size() / 4;
+    content.replace(begin, begin, QByteArray(begin, '\x55'));
+    write(path, content);
+    const Fingerprint fingerprint = ours(path);
+    QCOMPARE(int(fingerprint.result), int(Decoding::Done));
+    QVERIFY(!fingerprint.text.empty());
 }
 
 QTEST_GUILESS_MAIN(TestFingerprint)

@@ -15,7 +15,6 @@ using audiocore::AddressKind;
 using audiocore::Cancellation;
 using audiocore::HttpAnswer;
 using audiocore::HttpClient;
-using audiocore::HttpRequest;
 using Manner = IdentifyServer::Manner;
 using Outcome = HttpAnswer::Outcome;
 using namespace std::chrono_literals;

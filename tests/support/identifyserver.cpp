@@ -2,7 +2,6 @@
 
 #include "fixtures.h"
 
-#include <QMutexLocker>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -88,26 +87,26 @@ void IdentifyServer::putIntoEnvironment() const
 
 void IdentifyServer::setAnswer(Service service, const QByteArray& body)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_behaviours[service].answer = body;
 }
 
 void IdentifyServer::setManner(Service service, Manner manner, int times)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_behaviours[service].manner = manner;
     m_behaviours[service].times = times;
 }
 
 void IdentifyServer::setRetryAfter(const QByteArray& value)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_retryAfter = value;
 }
 
 QList<IdentifyServer::Request> IdentifyServer::requests() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_requests;
 }
 
@@ -122,15 +121,12 @@ QList<IdentifyServer::Request> IdentifyServer::requests(Service service) const
 
 bool IdentifyServer::waitForRequests(Service service, int count) const
 {
-    const QMutexLocker lock(&m_mutex);
-    const auto come = [this, service] {
-        return std::count_if(m_requests.begin(), m_requests.end(),
-                             [service](const Request& request) { return request.service == service; });
-    };
-    while (come() < count)
-        if (!m_came.wait(&m_mutex, 10000))
-            return false;
-    return true;
+    std::unique_lock<std::mutex> lock(m_mutex);
+    return m_came.wait_for(lock, std::chrono::seconds(10), [this, service, count] {
+        return std::count_if(m_requests.begin(), m_requests.end(), [service](const Request& request) {
+                   return request.service == service;
+               }) >= count;
+    });
 }
 
 void IdentifyServer::serve()
@@ -183,9 +179,9 @@ bool IdentifyServer::receive(int connection, Request& request) const
 
 IdentifyServer::Manner IdentifyServer::note(const Request& request)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_requests.append(request);
-    m_came.wakeAll();
+    m_came.notify_all();
     Behaviour& behaviour = m_behaviours[request.service];
     if (behaviour.times == 0)
         return Manner::Proper;
@@ -196,7 +192,7 @@ IdentifyServer::Manner IdentifyServer::note(const Request& request)
 
 QByteArray IdentifyServer::properAnswer(const Request& request) const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     const QByteArray own = m_behaviours.value(request.service).answer;
     if (!own.isNull())
         return own;
@@ -243,7 +239,7 @@ void IdentifyServer::misbehave(int connection, const Request& request, Manner ma
         send(connection, head("200 OK", "application/json", proper.size()) + half);
         break;
     case Manner::SlowDown: {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard<std::mutex> lock(m_mutex);
         const QByteArray wait = m_retryAfter.isEmpty() ? "" : "Retry-After: " + m_retryAfter + "\r\n";
         send(connection, head("503 Service Unavailable", "application/json", 2, wait) + "{}");
         break;

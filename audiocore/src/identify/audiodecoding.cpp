@@ -13,7 +13,6 @@ extern "C" {
 #include <memory>
 
 using audiocore::DecodedPart;
-using audiocore::Decoding;
 using audiocore::MediaInput;
 
 namespace {
@@ -154,7 +153,8 @@ DecodedPart audiocore::decodeBeginning(const std::string& path, int seconds, int
     } else if (decoded && (limited.isFull() || !input.isInterrupted())) {
         part.result = Decoding::Done;
     } else {
-        logLine(path, "holds no audio that can be decoded");
+        logLine(path,
+                input.isInterrupted() ? "takes too long to decode" : "holds no audio that can be decoded");
         part.result = Decoding::NoAudio;
     }
     return part;

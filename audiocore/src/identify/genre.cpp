@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 
-namespace json = audiocore::json;
-
 namespace {
 bool isLetter(char c)
 {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 
-using audiocore::AddressKind;
 using audiocore::HttpAnswer;
 using audiocore::HttpClient;
 

@@ -82,7 +82,7 @@ std::string lookUp(const Services& services, const Fingerprint& fingerprint, con
         refuse("AcoustID", answer, lookup.error);
     if (!lookup.understood)
         throw Failure{IDENTIFY_NOT_UNDERSTOOD, "AcoustID's answer makes no sense"};
-    const std::string recording = acoustid::chooseRecording(lookup.candidates, fingerprint.milliseconds);
+    std::string recording = acoustid::chooseRecording(lookup.candidates, fingerprint.milliseconds);
     if (recording.empty())
         throw Failure{IDENTIFY_NO_MATCH, "AcoustID knows no such recording"};
     return recording;

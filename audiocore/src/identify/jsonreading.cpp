@@ -81,7 +81,7 @@ std::optional<double> json::number(const Value& object, const char* name)
 std::string json::identifier(const Value& object, const char* name)
 {
     constexpr std::size_t length = 36;
-    const std::string result = text(object, name);
+    std::string result = text(object, name);
     if (result.size() != length)
         return std::string();
     for (std::size_t i = 0; i < length; ++i) {

@@ -31,7 +31,7 @@ ReleaseKind kindOfGroup(const json::Value& group)
 /// A date for comparing: unknown parts come after all known ones.
 std::string sortable(const std::string& date)
 {
-    const std::string unknown = "9999-99-99";
+    std::string unknown = "9999-99-99";
     if (audiocore::yearOf(date).empty() || date.size() > unknown.size())
         return unknown;
     return date + unknown.substr(date.size());
@@ -69,7 +69,7 @@ std::string trackOn(const json::Value& release)
                 const double position = json::number(track, "position").value_or(0);
                 if (position >= 1 && position < 10000)
                     return std::to_string(int(position));
-                const std::string number = audiocore::trackOf(json::text(track, "number"));
+                std::string number = audiocore::trackOf(json::text(track, "number"));
                 if (!number.empty())
                     return number;
             }

@@ -3,7 +3,6 @@
 #include "identify/address.h"
 
 using audiocore::HttpAnswer;
-using audiocore::HttpRequest;
 using audiocore::Transfer;
 
 namespace {
