@@ -89,8 +89,13 @@ const char* containerOf(AudioFormat format)
 void chooseOutput(mpv_handle* engine)
 {
     const char* output = std::getenv("MELODRIFT_AUDIO_OUTPUT");
-    if (!output)
+    if (!output) {
+#ifdef __linux__
+        // Tried in this order. The engine knows more; trying the last of those leaks memory every time.
+        mpv_set_option_string(engine, "ao", "pipewire,pulse,alsa");
+#endif
         return;
+    }
     if (std::strcmp(output, "null") == 0) {
         mpv_set_option_string(engine, "ao", "null");
         mpv_set_option_string(engine, "ao-null-buffer", "0.02");
