@@ -107,6 +107,7 @@ void QImageButton::paintEvent(QPaintEvent* event)
         return;
     }
     QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform); // for ratios between the scales of the skin
     paintStrip(painter);
     painter.setFont(QFont(QStringLiteral("Arial"), 12, QFont::Normal));
     painter.drawText(32, 27, m_strText);
