@@ -200,12 +200,11 @@ void TestSkin::switchesGlideOnceAndEndAsTheButtonBegins()
     for (const int scale : {1, 2}) {
         const QString path = scale == 1 ? resource(movie) : SkinPicture::doubledPath(resource(movie));
         const QList<QImage> frames = framesOf(path);
-        QMovie timing(path);
+        // As the file says; a movie would take its own lateness off.
+        QImageReader timing(path);
         int milliseconds = 0;
-        for (int i = 0; i < timing.frameCount(); ++i) {
-            timing.jumpToFrame(i);
-            milliseconds += timing.nextFrameDelay();
-        }
+        while (!timing.read().isNull())
+            milliseconds += timing.nextImageDelay();
         QCOMPARE(timing.loopCount(), 0);
         QVERIFY2(qAbs(milliseconds - 690) <= 40, qPrintable(QString::number(milliseconds)));
         QVERIFY(frames.size() * 1000 / 690 >= 25);
