@@ -32,16 +32,6 @@ namespace {
 constexpr int rightColumnWidth = 330;
 constexpr int titleColumnWidth = 500;
 constexpr int dropPictureGap = 24;
-
-/// Shows a notice; whether its action button was chosen.
-bool notify(const QString& text, const char* actionButton, bool cancelHidden)
-{
-    MessageDialog message;
-    message.setMessageContect(text);
-    message.SetButtonTypeImage(SkinPicture::path(actionButton), QString());
-    message.SetCancelButtonHidden(cancelHidden);
-    return message.exec() == 1;
-}
 } // namespace
 
 CenterWidget::CenterWidget(QWidget* parent)
@@ -229,6 +219,12 @@ void CenterWidget::ShowWidget()
     switchView();
 }
 
+void CenterWidget::showCoversAnew()
+{
+    for (QWidget* view : views())
+        view->update();
+}
+
 void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 {
     if (m_bForbidClick)
@@ -330,7 +326,7 @@ void CenterWidget::setLocalMusicInfo()
     if (m_bFilesAdded)
         m_pAllMusicList = &m_localMusicList;
     if (m_pAllMusicList->isEmpty()) {
-        notify(QStringLiteral("Sorry,Please add file from local."), "button_ok.png", true);
+        MessageDialog::notify(QStringLiteral("Sorry,Please add file from local."), "button_ok.png");
         return;
     }
     showAllSongs();
@@ -534,8 +530,8 @@ void CenterWidget::offerFileDialog()
 {
     if (m_intake.isStopped())
         return;
-    if (notify(QStringLiteral("Add file(s) failed! Please add music files again."), "button_addmusic.png",
-               false))
+    if (MessageDialog::notify(QStringLiteral("Add file(s) failed! Please add music files again."),
+                              "button_addmusic.png", false))
         OnBtnOpenFile();
 }
 
@@ -547,9 +543,9 @@ void CenterWidget::addFiles(const QStringList& files)
     emit emitIntakeFinished();
     if (m_intake.isStopped())
         return;
-    const bool confirmed =
-        notify(QStringLiteral("Add file(s) successfully! \nClick Start Scan to clean up right away!"),
-               "btn_msg_startscan.png", true);
+    const bool confirmed = MessageDialog::notify(
+        QStringLiteral("Add file(s) successfully! \nClick Start Scan to clean up right away!"),
+        "btn_msg_startscan.png");
     if (!confirmed)
         return;
     showCurrentView();

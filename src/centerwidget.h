@@ -51,6 +51,8 @@ public:
     void SwitchToiTunesCleanModel();
     void ClearSelectedWidget();
     void ShowWidget();
+    /// After cover files were written.
+    void showCoversAnew();
 
     /// Takes files and folders in as a drop of them does.
     void TakeDroppedPaths(const QStringList& paths);

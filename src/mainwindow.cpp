@@ -5,11 +5,16 @@
 #include "homepage.h"
 #include "introducethissofedialog.h"
 #include "itunes/delmusiclib.h"
+#include "itunes/itunesmusiclibrary.h"
+#include "itunes/itunestrackrecord.h"
+#include "paintcoverimagethread.h"
 #include "qiorvoutil.h"
+#include "qmusicinfo.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QDir>
 #include <QMenuBar>
 #include <QPainter>
 #include <QTimer>
@@ -56,7 +61,14 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     setMouseTracking(true);
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    delete m_pCoverThread; // before the library that it asks
+    closeITunesLibrary();
+    ui.reset(); // the views let go of the songs
+    delete centralWidget();
+    qDeleteAll(m_musicList);
+}
 
 void MainWindow::Init()
 {
@@ -154,14 +166,60 @@ void MainWindow::OnBtnStartScan()
         else if (m_local_add_or_ScanAgain == 0)
             ui->m_middleMusicWidget->OnBtnOpenFile();
     } else {
-        MessageDialog message;
-        message.setMessageContect(QStringLiteral("This version does not read the iTunes library yet.\n"
-                                                 "The local clean mode tidies your music files."));
-        message.SetButtonTypeImage(SkinPicture::path("button_ok.png"), QString());
-        message.SetCancelButtonHidden(true);
-        message.exec();
+        scanITunesLibrary();
     }
     ui->m_leftMusicWidget->OnLeftWidgetBtnState();
+}
+
+void MainWindow::scanITunesLibrary()
+{
+    m_pScanMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
+    m_pScanMovie->startIn(ui->m_movieLabel);
+    ui->m_middleMusicWidget->DragMusicIntoiTunes();
+    ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
+    ui->m_btnStarScan->setBtnImage(SkinPicture::path("button_Scanning.png"));
+    ui->m_btnStarScan->setEnabled(false);
+    m_bScanning = true;
+    ui->m_tipsLabel->setText(QStringLiteral("Scanning......\nPlease wait a moment!"));
+    repaint(); // reading the library takes a moment in which nothing is painted
+
+    int count = 0;
+    GetMusicInfo(&m_pTrackRecords, &count);
+    if (count == 0)
+        MessageDialog::notify(QStringLiteral("No file in iTunes Music Library."), "button_ok.png");
+    takeTracks(count);
+    loadCovers();
+    ui->m_middleMusicWidget->setMusicInfoList(&m_musicList);
+    ui->m_leftMusicWidget->setAllSongsCount(m_musicList.size());
+}
+
+/// Makes a song of every record that is one, in place of the songs of the scan before.
+void MainWindow::takeTracks(int count)
+{
+    qDeleteAll(std::exchange(m_musicList, {}));
+    // No separator in between: the name is glued to the temporary path.
+    const QString folder = QDir::tempPath() + QLatin1String("imagefile");
+    QDir().mkpath(folder);
+    for (int i = 0; i < count; ++i) {
+        iTunesTrackRecord* record = m_pTrackRecords + i;
+        if (record->skipA || record->skipB)
+            continue;
+        auto* song = new QMusicInfo;
+        m_musicList.append(song);
+        song->track = record;
+        song->coverPath = folder + QLatin1Char('/') + QString::fromUtf8(record->persistentId);
+    }
+}
+
+void MainWindow::loadCovers()
+{
+    if (!m_pCoverThread) {
+        m_pCoverThread = new PaintCoverImageThread(this);
+        connect(m_pCoverThread, SIGNAL(emitPaintCoverhadfinished()), this, SLOT(SlotScanFinish()));
+    }
+    m_pCoverThread->wait(); // the run before may still be returning
+    m_pCoverThread->setList(&m_musicList);
+    m_pCoverThread->start();
 }
 
 void MainWindow::SlotOnBtniTunesClean()
@@ -222,8 +280,11 @@ bool MainWindow::postponedByIntake(QTimer* timer) const
 void MainWindow::SlotScanFinish()
 {
     m_bScanning = false;
-    if (!QIOrvoUtil::m_cleanMode)
+    if (!QIOrvoUtil::m_cleanMode) {
+        m_pScanMovie.reset();
         ui->m_btnStarScan->setBtnImage(SkinPicture::path("scan_again.png"));
+        ui->m_middleMusicWidget->showCoversAnew();
+    }
     ui->m_btnStarScan->setEnabled(true);
     showStatusPicture("pic_scanover.png");
     const int duplicates = ui->m_middleMusicWidget->ReturnDuplicateMusicCount();
@@ -301,6 +362,8 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     ui->m_middleMusicWidget->StopIntake();
+    if (m_pCoverThread)
+        m_pCoverThread->requestInterruption();
     QMainWindow::closeEvent(event);
 }
 

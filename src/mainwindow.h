@@ -9,6 +9,10 @@
 class QTimer;
 class SkinMovie;
 
+class PaintCoverImageThread;
+struct QMusicInfo;
+struct iTunesTrackRecord;
+
 namespace Ui {
 class MainWindow;
 }
@@ -61,6 +65,9 @@ private:
     void Init();
     void InitMainMenu();
     void InitConnect();
+    void scanITunesLibrary();
+    void takeTracks(int count);
+    void loadCovers();
     void placeHeader();
     void showStatusPicture(const char* name);
     bool postponedByIntake(QTimer* timer) const;
@@ -73,6 +80,11 @@ private:
     std::unique_ptr<QPixmap> m_pTopImage;
     std::unique_ptr<QPixmap> m_pFootImage;
     std::unique_ptr<QPixmap> m_pBackgroundImage;
+
+    iTunesTrackRecord* m_pTrackRecords = nullptr; ///< the library's, of the last scan
+    QList<QMusicInfo*> m_musicList;               ///< owned: the songs of the last scan
+    PaintCoverImageThread* m_pCoverThread = nullptr;
+    std::unique_ptr<SkinMovie> m_pScanMovie; ///< set while a scan runs
 
     std::unique_ptr<SkinMovie> m_pIntakeMovie; ///< set while an intake shows its progress
     QString m_strTipsBeforeIntake;

@@ -1,6 +1,9 @@
 #include "musicdetailedinfowidget.h"
 
-#include "qiorvoutil.h"
+#include "audiocore/tagitem.h"
+#include "common/messagedialog.h"
+#include "common/skinmovie.h"
+#include "identifythread.h"
 #include "songcover.h"
 #include "songfields.h"
 #include "ui_musicdetailedinfowidget.h"
@@ -43,7 +46,12 @@ MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     HiddenLineEdit();
 }
 
-MusicDetailedInfoWidget::~MusicDetailedInfoWidget() = default;
+MusicDetailedInfoWidget::~MusicDetailedInfoWidget()
+{
+    // All are cancelled before the first is waited for.
+    for (IdentifyThread* worker : findChildren<IdentifyThread*>())
+        worker->CloseTheIdentifier();
+}
 
 void MusicDetailedInfoWidget::InitBtn()
 {
@@ -89,10 +97,13 @@ void MusicDetailedInfoWidget::InitConnect()
     connect(ui->m_btnApply, SIGNAL(clicked()), this, SLOT(SlotOnBtnApply()));
     connect(ui->m_btnCancel, SIGNAL(clicked()), this, SLOT(SlotOnBtnCancel()));
     connect(ui->currentImgWidget, SIGNAL(widgetClick()), this, SLOT(SlotChangeImage()));
+    connect(ui->m_btnIdentify, SIGNAL(clicked()), this, SLOT(SlotOnBtnIdentify()));
 }
 
 void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
 {
+    if (song != m_pMusicInfo)
+        forgetFormerSong();
     m_pMusicInfo = song;
     if (!song) {
         hide();
@@ -100,6 +111,17 @@ void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
     }
     m_bNewSong = true;
     ShowMusicInfo();
+}
+
+/// What was identified is not about the song that comes.
+void MusicDetailedInfoWidget::forgetFormerSong()
+{
+    m_bIdentified = false;
+    ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
+    if (m_pIdentifyThread && m_pIdentifyThread->isRunning() && !m_pIdentifyThread->isCancelled()) {
+        m_pIdentifyThread->CloseTheIdentifier();
+        endIdentification();
+    }
 }
 
 void MusicDetailedInfoWidget::ShowMusicInfo()
@@ -180,8 +202,108 @@ void MusicDetailedInfoWidget::SlotOnBtnCancel()
     showButtons(false);
     SetTextLabelAndLineState();
     ui->currentImgWidget->setEnabled(false);
-    emit emitForbidToClickView(false);
+    if (m_pIdentifyThread)
+        m_pIdentifyThread->CloseTheIdentifier();
+    endIdentification();
     // A cover that was chosen stays chosen: the next apply uses it.
+}
+
+void MusicDetailedInfoWidget::SlotOnBtnIdentify()
+{
+    IdentifyMusic();
+}
+
+void MusicDetailedInfoWidget::ShowAllTextLabelAndLineEind()
+{
+    SlotOnBtnEdit();
+    for (QLabel* caption : {ui->m_titleLabel, ui->m_artistLabel, ui->m_albumLabel, ui->m_genreLabel,
+                            ui->m_yearLabel, ui->m_trackNoLabel})
+        caption->show();
+    ui->m_btnApply->setBtnImage(SkinPicture::path("identifying.png"));
+    ui->m_btnApply->setEnabled(false);
+}
+
+void MusicDetailedInfoWidget::IdentifyMusic()
+{
+    ShowAllTextLabelAndLineEind();
+    m_pMovie = std::make_unique<SkinMovie>("dynamic_scanning_small.gif");
+    ui->m_labMovie->show();
+    m_pMovie->startIn(ui->m_labMovie);
+
+    m_pIdentifyThread = new IdentifyThread(this);
+    m_pIdentifiedSong = m_pMusicInfo;
+    connect(m_pIdentifyThread, SIGNAL(emitReturnIdentifyInfo(QStringList)), this,
+            SLOT(SlotReceiveIdentifyInfo(QStringList)));
+    connect(m_pIdentifyThread, SIGNAL(emitReturnIdentifyCover(QString)), this,
+            SLOT(SlotReceiveIdentifyCover(QString)));
+    connect(m_pIdentifyThread, SIGNAL(emitFailToIdentify()), this, SLOT(SlotOnFailIdentifyTips()));
+    connect(m_pIdentifyThread, SIGNAL(finished()), m_pIdentifyThread, SLOT(deleteLater()));
+    m_pIdentifyThread->ReturnIdentifyInfo(SongFields::audioPath(m_pMusicInfo));
+    m_pIdentifyThread->start();
+    emit emitForbidToClickView(true);
+}
+
+/// Stops what shows that an identification runs, and lets the user go on.
+void MusicDetailedInfoWidget::endIdentification()
+{
+    if (m_pMovie)
+        m_pMovie->stop();
+    ui->m_labMovie->hide();
+    ui->m_btnApply->setBtnImage(SkinPicture::path("btn_apply.png"));
+    ui->m_btnApply->setEnabled(true);
+    emit emitForbidToClickView(false);
+}
+
+/// Whether a worker tells of another song than the one shown, or of a run that a later one has replaced.
+bool MusicDetailedInfoWidget::isStale(const QObject* worker) const
+{
+    return qobject_cast<const IdentifyThread*>(worker) &&
+           (worker != m_pIdentifyThread || m_pIdentifiedSong != m_pMusicInfo);
+}
+
+void MusicDetailedInfoWidget::SlotReceiveIdentifyInfo(const QStringList& info)
+{
+    if (isStale(sender()))
+        return;
+    for (const QString& element : info)
+        if (!element.isEmpty())
+            fillEditor(element.at(0), element.mid(1));
+    m_bIdentified = true;
+    endIdentification();
+}
+
+void MusicDetailedInfoWidget::fillEditor(QChar type, const QString& value)
+{
+    QLineEdit* const editors[] = {ui->m_lineTitle, ui->m_lineArtist, ui->m_lineAlbum,
+                                  nullptr,         ui->m_lineYear,   ui->m_lineTrackNo};
+    const int index = type.digitValue();
+    if (index == TAG_GENRE) {
+        const int genre = m_genreList.indexOf(value);
+        ui->m_comboGenre->setCurrentIndex(genre >= 0 ? genre : m_genreList.size() - 1); // the last is "Other"
+    } else if (index >= TAG_TITLE && index <= TAG_TRACK) {
+        editors[index]->setText(value);
+        editors[index]->setCursorPosition(0);
+    }
+}
+
+void MusicDetailedInfoWidget::SlotReceiveIdentifyCover(const QString& path)
+{
+    if (isStale(sender()))
+        return;
+    m_strNewCoverPath = path;
+    showCover(path);
+}
+
+void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
+{
+    if (isStale(sender()))
+        return;
+    const auto* worker = qobject_cast<IdentifyThread*>(sender());
+    endIdentification();
+    // Who cancelled knows.
+    if (!worker || !worker->isCancelled())
+        MessageDialog::notify(QStringLiteral("Identify failed! You can edit the music information manually."),
+                              "button_ok.png");
 }
 
 void MusicDetailedInfoWidget::SlotChangeImage()

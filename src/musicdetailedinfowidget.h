@@ -3,12 +3,14 @@
 #include "common/skinpicture.h"
 #include "songediting.h"
 
+#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 
 #include <memory>
 
-class RetractLabel;
+class IdentifyThread;
+class SkinMovie;
 struct QMusicInfo;
 
 namespace Ui {
@@ -18,7 +20,8 @@ class MusicDetailedInfoWidget;
 /// The panel at the right that shows one song's cover and tags and lets the user edit them.
 ///
 /// Read mode shows labels; edit mode has editors in their places and a cover that can be clicked for another
-/// one. Enter applies and Escape cancels. Nothing is written before an apply.
+/// one. Enter applies and Escape cancels. Nothing is written before an apply. An identification fills the
+/// editors with what online services say of the song.
 class MusicDetailedInfoWidget : public QWidget
 {
     Q_OBJECT
@@ -46,6 +49,12 @@ public slots:
     void SlotOnBtnCancel();
     void SlotOnBtnApply();
     void SlotChangeImage();
+    void SlotOnBtnIdentify();
+    void SlotReceiveIdentifyInfo(const QStringList& info);
+    void SlotReceiveIdentifyCover(const QString& path);
+    void SlotOnFailIdentifyTips();
+    /// Declared for whoever connects to it; does nothing.
+    void SlotOnRecriveInfo() {}
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -57,6 +66,12 @@ private:
     void InitConnect();
     void HiddenLineEdit();
     void SetTextLabelAndLineState();
+    void ShowAllTextLabelAndLineEind();
+    void IdentifyMusic();
+    void endIdentification();
+    bool isStale(const QObject* worker) const;
+    void fillEditor(QChar type, const QString& value);
+    void forgetFormerSong();
     void showButtons(bool editing);
     void showCover(const QString& path);
     void cacheEditorTexts();
@@ -78,4 +93,7 @@ private:
     QString m_strShownTrackNo;
     QString m_strNewCoverPath; ///< chosen and not yet applied
     QMusicInfo* m_pMusicInfo = nullptr;
+    std::unique_ptr<SkinMovie> m_pMovie;
+    QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves
+    const QMusicInfo* m_pIdentifiedSong = nullptr; ///< what it works on; only compared
 };

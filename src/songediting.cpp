@@ -2,11 +2,17 @@
 
 #include "audiocore/iaudiotag.h"
 #include "coverloader.h"
+#include "itunes/eyetunes.h"
+#include "itunes/itunestrackrecord.h"
+#include "itunes/tunesedit.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "songfields.h"
 
 #include <QFile>
 
+#include <array>
+#include <deque>
 #include <memory>
 #include <new>
 
@@ -79,13 +85,53 @@ SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
     takeCover(local, edit.newCoverPath);
     return {true, true};
 }
+/// A copy of the text that lasts as long as the program: track records point at it from now on.
+char* lastingCopy(const QByteArray& text)
+{
+    static std::deque<QByteArray> texts;
+    texts.push_back(text);
+    return texts.back().data();
+}
+
+/// The location as the library has it after the edit.
+QByteArray currentLocation(quint64 persistentId)
+{
+    using Buffer = std::array<char, 1024>;
+    std::array<Buffer, 6> buffers = {};
+    get_trackWithPresistentID(EyeTunes::sharedInstance(), persistentId, buffers[0].data(), buffers[1].data(),
+                              buffers[2].data(), buffers[3].data(), nullptr, buffers[4].data(),
+                              buffers[5].data());
+    return QByteArray(buffers[5].data());
+}
+
+SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
+{
+    iTunesTrackRecord& track = *song.track;
+    track.name = lastingCopy(edit.title.toUtf8());
+    track.album = lastingCopy(edit.album.toUtf8());
+    track.artist = lastingCopy(edit.artist.toUtf8());
+    track.genre = lastingCopy(edit.genre.toLocal8Bit()); // wanted, unlike the other three
+    track.year = quint64(qint64(edit.year));
+    track.trackNumber = quint64(qint64(edit.trackNumber)); // shown until the next scan, not sent
+    if (!edit.newCoverPath.isEmpty())
+        song.coverPath = edit.newCoverPath;
+    const quint64 id = SongFields::persistentId(&song);
+    const int failed =
+        set_trackWithPresistentID(EyeTunes::sharedInstance(), id, track.name, track.album, track.artist,
+                                  track.genre, edit.year, song.coverPath.toLocal8Bit().constData());
+    // A library that does not know the track has no better location to offer.
+    const QByteArray location = currentLocation(id);
+    if (!location.isEmpty())
+        track.location = lastingCopy(location);
+    return {failed == 0, failed == 0};
+}
 } // namespace
 
 SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
 {
     if (QIOrvoUtil::m_cleanMode)
         return song.localInfo ? applyLocal(*song.localInfo, edit) : Outcome();
-    return {};
+    return song.track ? applyToTrack(song, edit) : Outcome();
 }
 
 int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)

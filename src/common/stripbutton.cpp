@@ -76,6 +76,7 @@ void StripButton::paintEvent(QPaintEvent* event)
         return;
     }
     QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform); // for ratios between the scales of the skin
     const QImage& strip = m_pImage->image(painter);
     const bool shifted = m_nState >= StateHover && m_nState <= StateDisabled;
     // From the cell to the strip's end; the widget's edge cuts off the cells behind.
