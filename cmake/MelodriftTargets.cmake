@@ -29,3 +29,14 @@ function(melodrift_add_test name)
       "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1;UBSAN_OPTIONS=print_stacktrace=1"
   )
 endfunction()
+
+# melodrift_test_on_dense_screen(NAME [FUNCTION ...]): the same program, or these of its tests, once more, on a screen of
+# two pixels to the point.
+function(melodrift_test_on_dense_screen name)
+  add_test(NAME ${name}_2x COMMAND ${name} ${ARGN})
+  foreach(property ENVIRONMENT TIMEOUT)
+    get_test_property(${name} ${property} value)
+    set_tests_properties(${name}_2x PROPERTIES ${property} "${value}")
+  endforeach()
+  set_property(TEST ${name}_2x APPEND PROPERTY ENVIRONMENT QT_SCALE_FACTOR=2)
+endfunction()

@@ -5,6 +5,7 @@
 #include "qmusicinfo.h"
 
 #include <QDir>
+#include <QFile>
 
 quint64 musicNum = 50;
 
@@ -101,7 +102,10 @@ void LocalSongReader::takePicture(const TagItem& item, QMusicInfo& song)
         m_coverFolder = coverFolder();
         QDir().mkpath(m_coverFolder);
     }
-    const QString path = m_coverFolder + QLatin1String("/tempstr") + QString::number(musicNum++);
+    QString path;
+    do // covers that identifications found lie there, too
+        path = m_coverFolder + QLatin1String("/tempstr") + QString::number(musicNum++);
+    while (QFile::exists(path));
     const QByteArray bytes = QByteArray::fromRawData(static_cast<const char*>(item.data), item.size);
     m_addedPathList.append(path);
     song.localInfo->coverPath = path;

@@ -1,3 +1,4 @@
+#include "itunes/itunesmusiclibrary.h"
 #include "mainwindow.h"
 #include "qiorvoutil.h"
 #include "startup.h"
@@ -9,7 +10,7 @@
 #include <QIcon>
 
 namespace {
-/// The files and folders named on the command line, as absolute paths.
+/// Takes the options over; the files and folders named on the command line, as absolute paths.
 QStringList namedPaths(const QApplication& application)
 {
     QCommandLineParser parser;
@@ -19,7 +20,13 @@ QStringList namedPaths(const QApplication& application)
     parser.addPositionalArgument(QStringLiteral("paths"),
                                  QStringLiteral("Music files or folders to add in the local clean mode."),
                                  QStringLiteral("[paths...]"));
+    const QCommandLineOption library(QStringLiteral("itunes-library"),
+                                     QStringLiteral("The iTunes library file to read and edit."),
+                                     QStringLiteral("file"));
+    parser.addOption(library);
     parser.process(application);
+    if (parser.isSet(library))
+        setITunesLibraryOption(QFileInfo(parser.value(library)).absoluteFilePath().toUtf8().constData());
     QStringList paths;
     for (const QString& path : parser.positionalArguments())
         paths.append(QFileInfo(path).absoluteFilePath());

@@ -1,16 +1,21 @@
 #include "mainwindow.h"
 
 #include "common/messagedialog.h"
+#include "common/skinmovie.h"
 #include "homepage.h"
 #include "introducethissofedialog.h"
 #include "itunes/delmusiclib.h"
+#include "itunes/itunesmusiclibrary.h"
+#include "itunes/itunestrackrecord.h"
+#include "paintcoverimagethread.h"
 #include "qiorvoutil.h"
+#include "qmusicinfo.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QDir>
 #include <QMenuBar>
-#include <QMovie>
 #include <QPainter>
 #include <QTimer>
 #include <QUrl>
@@ -56,15 +61,22 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     setMouseTracking(true);
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    delete m_pCoverThread; // before the library that it asks
+    closeITunesLibrary();
+    ui.reset(); // the views let go of the songs
+    delete centralWidget();
+    qDeleteAll(m_musicList);
+}
 
 void MainWindow::Init()
 {
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
     ui->m_btniTunesClean->setBtnImage(SkinPicture::path("button_itunes_music_clean.png"));
     ui->m_btnLocalClean->setBtnImage(SkinPicture::path("button_local_music_clean.png"));
-    m_pLocalSwitchMovie = std::make_unique<QMovie>(SkinPicture::path("b_local_music_clean1.gif"));
-    m_piTunesSwitchMovie = std::make_unique<QMovie>(SkinPicture::path("b_itunes_music_clean1.gif"));
+    m_pLocalSwitchMovie = std::make_unique<SkinMovie>("b_local_music_clean1.gif");
+    m_piTunesSwitchMovie = std::make_unique<SkinMovie>("b_itunes_music_clean1.gif");
     m_piTunesSwitchTimer = new QTimer(this);
     m_pLocalSwitchTimer = new QTimer(this);
     ui->m_btnLocalClean->hide();
@@ -154,14 +166,60 @@ void MainWindow::OnBtnStartScan()
         else if (m_local_add_or_ScanAgain == 0)
             ui->m_middleMusicWidget->OnBtnOpenFile();
     } else {
-        MessageDialog message;
-        message.setMessageContect(QStringLiteral("This version does not read the iTunes library yet.\n"
-                                                 "The local clean mode tidies your music files."));
-        message.SetButtonTypeImage(SkinPicture::path("button_ok.png"), QString());
-        message.SetCancelButtonHidden(true);
-        message.exec();
+        scanITunesLibrary();
     }
     ui->m_leftMusicWidget->OnLeftWidgetBtnState();
+}
+
+void MainWindow::scanITunesLibrary()
+{
+    m_pScanMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
+    m_pScanMovie->startIn(ui->m_movieLabel);
+    ui->m_middleMusicWidget->DragMusicIntoiTunes();
+    ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
+    ui->m_btnStarScan->setBtnImage(SkinPicture::path("button_Scanning.png"));
+    ui->m_btnStarScan->setEnabled(false);
+    m_bScanning = true;
+    ui->m_tipsLabel->setText(QStringLiteral("Scanning......\nPlease wait a moment!"));
+    repaint(); // reading the library takes a moment in which nothing is painted
+
+    int count = 0;
+    GetMusicInfo(&m_pTrackRecords, &count);
+    if (count == 0)
+        MessageDialog::notify(QStringLiteral("No file in iTunes Music Library."), "button_ok.png");
+    takeTracks(count);
+    loadCovers();
+    ui->m_middleMusicWidget->setMusicInfoList(&m_musicList);
+    ui->m_leftMusicWidget->setAllSongsCount(m_musicList.size());
+}
+
+/// Makes a song of every record that is one, in place of the songs of the scan before.
+void MainWindow::takeTracks(int count)
+{
+    qDeleteAll(std::exchange(m_musicList, {}));
+    // No separator in between: the name is glued to the temporary path.
+    const QString folder = QDir::tempPath() + QLatin1String("imagefile");
+    QDir().mkpath(folder);
+    for (int i = 0; i < count; ++i) {
+        iTunesTrackRecord* record = m_pTrackRecords + i;
+        if (record->skipA || record->skipB)
+            continue;
+        auto* song = new QMusicInfo;
+        m_musicList.append(song);
+        song->track = record;
+        song->coverPath = folder + QLatin1Char('/') + QString::fromUtf8(record->persistentId);
+    }
+}
+
+void MainWindow::loadCovers()
+{
+    if (!m_pCoverThread) {
+        m_pCoverThread = new PaintCoverImageThread(this);
+        connect(m_pCoverThread, SIGNAL(emitPaintCoverhadfinished()), this, SLOT(SlotScanFinish()));
+    }
+    m_pCoverThread->wait(); // the run before may still be returning
+    m_pCoverThread->setList(&m_musicList);
+    m_pCoverThread->start();
 }
 
 void MainWindow::SlotOnBtniTunesClean()
@@ -169,9 +227,8 @@ void MainWindow::SlotOnBtniTunesClean()
     if (m_bScanning)
         return;
     ui->m_btniTunesClean->hide();
-    ui->m_labelClean->setMovie(m_pLocalSwitchMovie.get());
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("add_music.png"));
-    m_pLocalSwitchMovie->start();
+    m_pLocalSwitchMovie->startIn(ui->m_labelClean);
     m_piTunesSwitchTimer->start(switchMilliseconds);
     update();
 }
@@ -193,9 +250,8 @@ void MainWindow::SlotOnBtnLocalClean()
 {
     // Unlike the other direction, a running scan does not stand in the way.
     ui->m_btnLocalClean->hide();
-    ui->m_labelClean->setMovie(m_piTunesSwitchMovie.get());
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
-    m_piTunesSwitchMovie->start();
+    m_piTunesSwitchMovie->startIn(ui->m_labelClean);
     m_pLocalSwitchTimer->start(switchMilliseconds);
     m_local_add_or_ScanAgain = 0;
     update();
@@ -224,8 +280,11 @@ bool MainWindow::postponedByIntake(QTimer* timer) const
 void MainWindow::SlotScanFinish()
 {
     m_bScanning = false;
-    if (!QIOrvoUtil::m_cleanMode)
+    if (!QIOrvoUtil::m_cleanMode) {
+        m_pScanMovie.reset();
         ui->m_btnStarScan->setBtnImage(SkinPicture::path("scan_again.png"));
+        ui->m_middleMusicWidget->showCoversAnew();
+    }
     ui->m_btnStarScan->setEnabled(true);
     showStatusPicture("pic_scanover.png");
     const int duplicates = ui->m_middleMusicWidget->ReturnDuplicateMusicCount();
@@ -242,9 +301,8 @@ void MainWindow::SlotIntakeProgress(int done, int total)
     if (!m_pIntakeMovie) {
         m_strTipsBeforeIntake = ui->m_tipsLabel->text();
         m_statusBeforeIntake = ui->m_movieLabel->pixmap(Qt::ReturnByValue);
-        m_pIntakeMovie = std::make_unique<QMovie>(SkinPicture::path("dynamic_scanning.gif"));
-        ui->m_movieLabel->setMovie(m_pIntakeMovie.get());
-        m_pIntakeMovie->start();
+        m_pIntakeMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
+        m_pIntakeMovie->startIn(ui->m_movieLabel);
     }
     ui->m_tipsLabel->setText(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
 }
@@ -304,6 +362,8 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     ui->m_middleMusicWidget->StopIntake();
+    if (m_pCoverThread)
+        m_pCoverThread->requestInterruption();
     QMainWindow::closeEvent(event);
 }
 

@@ -6,8 +6,12 @@
 
 #include <memory>
 
-class QMovie;
 class QTimer;
+class SkinMovie;
+
+class PaintCoverImageThread;
+struct QMusicInfo;
+struct iTunesTrackRecord;
 
 namespace Ui {
 class MainWindow;
@@ -61,20 +65,28 @@ private:
     void Init();
     void InitMainMenu();
     void InitConnect();
+    void scanITunesLibrary();
+    void takeTracks(int count);
+    void loadCovers();
     void placeHeader();
     void showStatusPicture(const char* name);
     bool postponedByIntake(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;
-    std::unique_ptr<QMovie> m_pLocalSwitchMovie;
-    std::unique_ptr<QMovie> m_piTunesSwitchMovie;
+    std::unique_ptr<SkinMovie> m_pLocalSwitchMovie;
+    std::unique_ptr<SkinMovie> m_piTunesSwitchMovie;
     QTimer* m_piTunesSwitchTimer = nullptr; ///< ends the switch to the local mode
     QTimer* m_pLocalSwitchTimer = nullptr;  ///< ends the switch to the iTunes mode
     std::unique_ptr<QPixmap> m_pTopImage;
     std::unique_ptr<QPixmap> m_pFootImage;
     std::unique_ptr<QPixmap> m_pBackgroundImage;
 
-    std::unique_ptr<QMovie> m_pIntakeMovie; ///< set while an intake shows its progress
+    iTunesTrackRecord* m_pTrackRecords = nullptr; ///< the library's, of the last scan
+    QList<QMusicInfo*> m_musicList;               ///< owned: the songs of the last scan
+    PaintCoverImageThread* m_pCoverThread = nullptr;
+    std::unique_ptr<SkinMovie> m_pScanMovie; ///< set while a scan runs
+
+    std::unique_ptr<SkinMovie> m_pIntakeMovie; ///< set while an intake shows its progress
     QString m_strTipsBeforeIntake;
     QPixmap m_statusBeforeIntake;
     QStringList m_pathsToOpen; ///< taken in once the local mode is in force

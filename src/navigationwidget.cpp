@@ -20,6 +20,9 @@ void NavigationWidget::InitBtn()
         button->setBtnImage(SkinPicture::path("button_menu.png"));
         button->setMouseTracking(true);
     }
+    ui->m_btnMusicAll->setMark(NavigationButton::MarkNote);
+    ui->m_btnMusicUndefined->setMark(NavigationButton::MarkQuestion);
+    ui->m_btnMusicDuplicate->setMark(NavigationButton::MarkCopies);
     setMusicCount(0, 0, 0);
 }
 

@@ -83,8 +83,11 @@ void Startup::beforeApplication()
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 #endif
     makeTemporaryFilesPrivate();
-    if (!qEnvironmentVariableIsSet("QT_FONT_DPI"))
+    if (!qEnvironmentVariableIsSet("QT_FONT_DPI")) {
         qputenv("QT_FONT_DPI", "72");
+        // Else scaled screens would only ever raise the resolution, back to 96.
+        qputenv("QT_DPI_ADJUSTMENT_POLICY", "AdjustDpi");
+    }
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));

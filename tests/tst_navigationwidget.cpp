@@ -4,6 +4,28 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+namespace {
+const char* const rows[] = {"m_btnMusicAll", "m_btnMusicUndefined", "m_btnMusicDuplicate"};
+
+/// Left of the captions; the row below may be shifted by some points.
+QImage mark(const QImage& row, int down = 0)
+{
+    const int ratio = int(row.devicePixelRatio());
+    return row.copy(QRect(9 * ratio, (13 + down) * ratio, 19 * ratio, 18 * ratio));
+}
+
+/// The pixels that stand out of the row's ground, in shades of grey.
+QVector<bool> shape(const QImage& mark)
+{
+    const int ground = qGray(mark.pixel(0, 0));
+    QVector<bool> pixels;
+    for (int y = 0; y < mark.height(); ++y)
+        for (int x = 0; x < mark.width(); ++x)
+            pixels.append(qAbs(qGray(mark.pixel(x, y)) - ground) > 40);
+    return pixels;
+}
+} // namespace
+
 class TestNavigationWidget : public QObject
 {
     Q_OBJECT
@@ -21,8 +43,13 @@ private slots:
     void theLowerButtonsCanBeHidden();
     void buttonsStackWithoutGaps();
     void thePaneHasItsColours();
+    void rowsAreToldApartWithoutColours();
+    void marksFollowThePressedRow();
+    void theMarkOfTheChosenRowStays();
+    void marksAreSharp();
 
 private:
+    QImage row(const char* name) const { return button(name)->grab().toImage(); }
     QImageButton* button(const char* name) const { return m_pane->findChild<QImageButton*>(name); }
     QString caption(const char* name) const { return button(name)->btnText(); }
 
@@ -129,6 +156,70 @@ void TestNavigationWidget::thePaneHasItsColours()
     QCOMPARE(shown.pixel(50, 400), qRgb(244, 244, 244));
     QCOMPARE(shown.pixel(199, 400), qRgb(170, 170, 170));
     QCOMPARE(shown.pixel(198, 400), qRgb(244, 244, 244));
+}
+
+void TestNavigationWidget::rowsAreToldApartWithoutColours()
+{
+    m_pane->SlotForbidClickingBtn(false);
+    QVector<QVector<bool>> shapes;
+    for (const char* name : rows)
+        shapes.append(shape(mark(row(name))));
+    for (int i = 0; i < 3; ++i) {
+        const int size = shapes.at(i).size();
+        const int drawn = shapes.at(i).count(true);
+        QVERIFY2(drawn * 10 > size && drawn * 10 < size * 7, rows[i]);
+        for (int j = 0; j < i; ++j) {
+            int different = 0;
+            for (int pixel = 0; pixel < size; ++pixel)
+                different += shapes.at(i).at(pixel) != shapes.at(j).at(pixel) ? 1 : 0;
+            QVERIFY2(different * 6 > size, qPrintable(QString("%1 of %2").arg(different).arg(size)));
+        }
+    }
+}
+
+void TestNavigationWidget::marksFollowThePressedRow()
+{
+    m_pane->SlotForbidClickingBtn(false);
+    for (const char* name : rows) {
+        const QVector<bool> before = shape(mark(row(name)));
+        QTest::mousePress(button(name), Qt::LeftButton);
+        QVERIFY(shape(mark(row(name))) != before);
+        const QVector<bool> after = shape(mark(row(name), 1));
+        int different = 0;
+        for (int pixel = 0; pixel < after.size(); ++pixel)
+            different += after.at(pixel) != before.at(pixel) ? 1 : 0;
+        QVERIFY2(different * 20 < after.size(), name); // the ground is another one
+        QTest::mouseRelease(button(name), Qt::LeftButton, Qt::NoModifier, QPoint(-20, -20));
+    }
+}
+
+void TestNavigationWidget::theMarkOfTheChosenRowStays()
+{
+    m_pane->OnBtnMusicDuplicate();
+    const QImage chosen = row("m_btnMusicDuplicate");
+    m_pane->OnBtnMusicAll();
+    const QImage other = row("m_btnMusicDuplicate");
+    const qreal ratio = chosen.devicePixelRatio();
+    const QPoint inFront(int(20 * ratio), int(24 * ratio));
+    QCOMPARE(chosen.pixel(inFront), other.pixel(inFront));
+    QVERIFY(chosen.pixel(int(2 * ratio), inFront.y()) != other.pixel(int(2 * ratio), inFront.y())); // the bar
+}
+
+void TestNavigationWidget::marksAreSharp()
+{
+    m_pane->SlotForbidClickingBtn(false);
+    const QImage duplicate = row("m_btnMusicDuplicate");
+    const int ratio = int(duplicate.devicePixelRatio());
+    QCOMPARE(duplicate.size(), QSize(200, 44) * ratio);
+    // The square in front reaches from column 15 to column 25, with a whole pixel at each end.
+    const int middle = 25 * ratio;
+    const QRgb front = duplicate.pixel(20 * ratio, middle);
+    const QRgb ground = duplicate.pixel(28 * ratio, middle);
+    QVERIFY(front != ground);
+    QCOMPARE(duplicate.pixel(15 * ratio, middle), front);
+    QCOMPARE(duplicate.pixel(15 * ratio - 1, middle), ground);
+    QCOMPARE(duplicate.pixel(26 * ratio - 1, middle), front);
+    QCOMPARE(duplicate.pixel(26 * ratio, middle), ground);
 }
 
 QTEST_MAIN(TestNavigationWidget)

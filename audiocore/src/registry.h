@@ -56,6 +56,19 @@ public:
         return m_states.at(handle);
     }
 
+    /// Frees what stands behind a handle, which must not be used again; false when there is nothing.
+    bool forget(const void* handle)
+    {
+        std::shared_ptr<State> state; // its end may take a while: outside the lock
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        const auto found = m_states.find(handle);
+        if (found == m_states.end())
+            return false;
+        state = std::move(found->second);
+        m_states.erase(found);
+        return true;
+    }
+
 private:
     std::mutex m_mutex;
     std::unordered_map<const void*, std::shared_ptr<State>> m_states;

@@ -60,3 +60,12 @@ void MessageDialog::SlotOnBtnType()
     close();
     setResult(1);
 }
+
+bool MessageDialog::notify(const QString& text, const char* actionImage, bool cancelHidden)
+{
+    MessageDialog message;
+    message.setMessageContect(text);
+    message.SetButtonTypeImage(SkinPicture::path(actionImage), QString());
+    message.SetCancelButtonHidden(cancelHidden);
+    return message.exec() == 1;
+}

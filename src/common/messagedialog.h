@@ -23,6 +23,10 @@ public:
     void SetButtonTypeImage(const QString& actionImage, const QString& cancelImage);
     void SetCancelButtonHidden(bool hidden);
 
+    /// Shows a notice with the picture `actionImage`, by its name, on the action button, and waits for the
+    /// user; whether the action button was chosen.
+    static bool notify(const QString& text, const char* actionImage, bool cancelHidden = true);
+
 private slots:
     void SlotOnBtnCancel();
     void SlotOnBtnType();

@@ -24,6 +24,7 @@ void QImageDialog::paintEvent(QPaintEvent*)
     if (!m_pBackground)
         return;
     QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     // Rounded corners would be holes in a window with a frame, black ones where nothing composes windows.
     if (!(windowFlags() & Qt::FramelessWindowHint))
         painter.fillRect(rect(), palette().window());

@@ -4,13 +4,17 @@
 
 #include <QFileInfo>
 #include <QImageReader>
+#include <QPainter>
 
 namespace {
 constexpr qint64 maxPixels = 64ll * 1024 * 1024;
 
-/// Either separator is understood on every system, and a name without an extension stands for a PNG.
+/// Either separator is understood on every system, a path that begins with one backslash lies in the skin,
+/// and a name without an extension stands for a PNG.
 QString existingFile(QString path)
 {
+    if (path.startsWith(QLatin1Char('\\')) && !path.startsWith(QLatin1String("\\\\")))
+        path.prepend(QIOrvoUtil::getResourcePath());
     if (QFileInfo::exists(path))
         return path;
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -40,6 +44,11 @@ const QImage& SkinPicture::image(qreal devicePixelRatio) const
         m_doubled.setDevicePixelRatio(2);
     }
     return m_doubled.isNull() ? m_plain : m_doubled;
+}
+
+const QImage& SkinPicture::image(const QPainter& painter) const
+{
+    return image(painter.deviceTransform().m11());
 }
 
 QImage SkinPicture::read(const QString& path)

@@ -1,0 +1,115 @@
+#include "identifythread.h"
+
+#include "audiocore/iaudioidentifier.h"
+#include "localsongreader.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMutexLocker>
+
+#include <atomic>
+
+namespace {
+constexpr int itemCount = 10;
+constexpr int longestPath = 1000;
+
+/// Number of the next cover file; never used twice in a run.
+std::atomic<quint64> coverNumber{10000};
+
+bool isFound(int status)
+{
+    return status == IDENTIFY_FOUND || status == IDENTIFY_FOUND_NO_PICTURE;
+}
+
+bool isText(const TagItem& item)
+{
+    return item.type >= TAG_TITLE && item.type <= TAG_TRACK;
+}
+
+void writeNew(const QString& path, const TagItem& item)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) ||
+        file.write(static_cast<const char*>(item.data), item.size) != item.size)
+        qWarning("the cover file %s cannot be written: %s", qUtf8Printable(path),
+                 qUtf8Printable(file.errorString()));
+}
+} // namespace
+
+IdentifyThread::IdentifyThread(QObject* parent) : QThread(parent) {}
+
+IdentifyThread::~IdentifyThread()
+{
+    CloseTheIdentifier();
+    wait();
+    DestroyIdentifier(m_pIdentifier);
+}
+
+void IdentifyThread::CloseTheIdentifier()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_bCancelled = true;
+    if (m_pIdentifier)
+        m_pIdentifier->Cancel();
+}
+
+bool IdentifyThread::isCancelled() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_bCancelled;
+}
+
+/// Makes the identifier and opens the file; false when there is nothing to run.
+bool IdentifyThread::prepare()
+{
+    const QMutexLocker lock(&m_mutex);
+    if (!m_pIdentifier)
+        m_pIdentifier = CreateIdentifier();
+    if (!m_pIdentifier || m_bCancelled || m_strFilePath.size() >= longestPath)
+        return false;
+    m_pIdentifier->Open(m_strFilePath.toStdU32String().c_str());
+    return true;
+}
+
+void IdentifyThread::run()
+{
+    if (!prepare()) {
+        emit emitFailToIdentify();
+        return;
+    }
+    m_pIdentifier->Identify(1, 1, 3);
+    if (!isFound(m_pIdentifier->GetStatus())) {
+        m_pIdentifier->Close();
+        emit emitFailToIdentify();
+        return;
+    }
+    emit emitReturnIdentifyInfo(takeItems());
+}
+
+QStringList IdentifyThread::takeItems()
+{
+    QStringList info;
+    for (int index = 0; index < itemCount; ++index) {
+        const TagItem item = m_pIdentifier->GetItem(index);
+        if (item.size <= 0)
+            continue;
+        if (isText(item))
+            info.append(QString::number(item.type) +
+                        QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4));
+        else if (item.type == TAG_PICTURE)
+            takeCover(item);
+    }
+    return info;
+}
+
+void IdentifyThread::takeCover(const TagItem& item)
+{
+    const QString folder = LocalSongReader::coverFolder();
+    QDir().mkpath(folder);
+    QString path;
+    do // covers of songs lie there, too, and their numbers may have come this far
+        path = folder + QLatin1String("/tempstr") + QString::number(coverNumber++);
+    while (QFile::exists(path));
+    writeNew(path, item);
+    emit emitReturnIdentifyCover(path);
+}
