@@ -71,6 +71,7 @@ private slots:
     void damagedFilesEndWell_data();
     void damagedFilesEndWell();
     void aBrokenPartIsPassedOver();
+    void onlyTheFormatsOfMusicCollectionsAreRead();
 };
 
 void TestFingerprint::equalsFpcalc_data()
@@ -171,6 +172,15 @@ void TestFingerprint::aBrokenPartIsPassedOver()
     const Fingerprint fingerprint = ours(path);
     QCOMPARE(int(fingerprint.result), int(Decoding::Done));
     QVERIFY(!fingerprint.text.empty());
+}
+
+void TestFingerprint::onlyTheFormatsOfMusicCollectionsAreRead()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("song.mka");
+    run("ffmpeg", {"-v", "error", "-i", Fixtures::tone("flac", 5000), "-c", "copy", path});
+    QVERIFY(QFile::exists(path));
+    QCOMPARE(int(ours(path).result), int(Decoding::NoAudio));
 }
 
 QTEST_GUILESS_MAIN(TestFingerprint)

@@ -42,6 +42,7 @@ class TestHttpClient : public QObject
 private slots:
     void addressesAreTrustedAsFarAsTheyGo_data();
     void addressesAreTrustedAsFarAsTheyGo();
+    void redirectsLeadToHttpsOrStayHere();
     void textsArePercentEncoded();
     void anAnswerMayBeAsLongAsAllowed();
     void fiveRedirectsAreFollowed();
@@ -86,6 +87,17 @@ void TestHttpClient::addressesAreTrustedAsFarAsTheyGo()
     QFETCH(QByteArray, address);
     QFETCH(int, kind);
     QCOMPARE(int(audiocore::kindOf(address.toStdString())), kind);
+}
+
+void TestHttpClient::redirectsLeadToHttpsOrStayHere()
+{
+    using audiocore::mayRedirect;
+    QVERIFY(mayRedirect(AddressKind::Https, AddressKind::Https));
+    QVERIFY(mayRedirect(AddressKind::LoopbackHttp, AddressKind::Https));
+    QVERIFY(mayRedirect(AddressKind::LoopbackHttp, AddressKind::LoopbackHttp));
+    QVERIFY(!mayRedirect(AddressKind::Https, AddressKind::LoopbackHttp));
+    QVERIFY(!mayRedirect(AddressKind::Https, AddressKind::Refused));
+    QVERIFY(!mayRedirect(AddressKind::LoopbackHttp, AddressKind::Refused));
 }
 
 void TestHttpClient::textsArePercentEncoded()

@@ -39,7 +39,7 @@ public:
     /// Slot 3. Lets go of the file, the items and the status.
     virtual std::int32_t Close() = 0;
     /// Slot 4. Identifies the opened file and returns when that is done, cancelled or failed; 0 when there
-    /// are items. The arguments are for callers of old and have no effect.
+    /// are items. The arguments have no effect.
     virtual std::int32_t Identify(std::int32_t, std::int32_t, std::int32_t) = 0;
     /// Slot 5. Ends a running Identify within a fifth of a second. Before Identify it holds for the coming
     /// run: of the opened file, or of the first one when none was opened yet. After a run it has no effect.

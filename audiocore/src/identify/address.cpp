@@ -44,6 +44,11 @@ AddressKind audiocore::kindOf(const std::string& address)
     return scheme == "http" && loopback ? AddressKind::LoopbackHttp : AddressKind::Refused;
 }
 
+bool audiocore::mayRedirect(AddressKind from, AddressKind to)
+{
+    return to == AddressKind::Https || (to == AddressKind::LoopbackHttp && from == AddressKind::LoopbackHttp);
+}
+
 std::string audiocore::percentEncoded(const std::string& text)
 {
     static const char digits[] = "0123456789ABCDEF";

@@ -11,6 +11,9 @@ enum class AddressKind {
 };
 
 AddressKind kindOf(const std::string& address);
+/// Whether an address of the one kind may send on to one of the other: to HTTPS, or from this machine to this
+/// machine.
+bool mayRedirect(AddressKind from, AddressKind to);
 /// The text as a part of an address or a form.
 std::string percentEncoded(const std::string& text);
 } // namespace audiocore

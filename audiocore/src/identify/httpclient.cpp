@@ -30,8 +30,7 @@ HttpAnswer HttpClient::send(HttpRequest request, const Cancellation& cancellatio
 {
     using std::chrono::milliseconds;
     const auto deadline = Cancellation::Clock::now() + m_limits.inAll;
-    const AddressKind beginning = kindOf(request.address);
-    if (beginning == AddressKind::Refused)
+    if (kindOf(request.address) == AddressKind::Refused)
         return failure(Outcome::BadAddress, "the address is neither HTTPS nor of this machine");
     for (int redirects = 0; redirects <= m_limits.redirects; ++redirects) {
         const auto left = std::chrono::duration_cast<milliseconds>(deadline - Cancellation::Clock::now());
@@ -42,8 +41,7 @@ HttpAnswer HttpClient::send(HttpRequest request, const Cancellation& cancellatio
         const std::string next = answer.outcome == Outcome::Answered ? transfer.redirect() : std::string();
         if (next.empty())
             return answer;
-        const AddressKind kind = kindOf(next);
-        if (kind != AddressKind::Https && (kind != beginning || kind == AddressKind::Refused))
+        if (!mayRedirect(kindOf(request.address), kindOf(next)))
             return failure(Outcome::BadAddress, "it redirects to an address that is not secure");
         request.address = next;
         if (!keepsForm(answer.code))
