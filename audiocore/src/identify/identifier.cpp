@@ -76,6 +76,6 @@ IAudioIdentifier* CreateIdentifier()
 
 void DestroyIdentifier(IAudioIdentifier* identifier)
 {
-    if (identifier)
-        Jobs::instance().destroy(identifier);
+    if (identifier && Jobs::instance().forget(identifier))
+        ::operator delete(identifier);
 }
