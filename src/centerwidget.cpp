@@ -2,13 +2,18 @@
 
 #include "audiocore/iaudiotag.h"
 #include "common/messagedialog.h"
+#include "common/screenplace.h"
 #include "covergriddelegate.h"
+#include "deletealldupmusicthread.h"
+#include "deletingmusicwaitingdlg.h"
 #include "dupmusiclistmodel.h"
+#include "keptfiles.h"
 #include "musiclistmodel.h"
 #include "paintdupnumberdelegate.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "songcells.h"
+#include "songfields.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
 
@@ -16,6 +21,7 @@
 #include <QFileDialog>
 #include <QMimeData>
 #include <QPainter>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QTimer>
 #include <QUrl>
@@ -52,10 +58,13 @@ CenterWidget::CenterWidget(QWidget* parent)
 
 CenterWidget::~CenterWidget()
 {
+    if (m_pDeleteThread)
+        m_pDeleteThread->wait();
     setSongSource(nullptr);
     setGroupSource(SongCells::columnModeDupTable);
     m_intake.reader().forgetCovers();
     qDeleteAll(m_localMusicList);
+    qDeleteAll(m_removedSongs);
 }
 
 void CenterWidget::Init()
@@ -118,6 +127,17 @@ void CenterWidget::InitConnect()
     connect(ui->m_allMusicTableView, doubleClicked, this, SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
     connect(ui->m_dupMusicListView, doubleClicked, this, SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
     connect(ui->m_dupMusicTableView, doubleClicked, this, SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
+    QWidget* const details = ui->m_musicDetailedWidget;
+    QWidget* const groups = ui->m_dupMusicDetailedWidget;
+    connect(details, SIGNAL(emitMusicInfoHasChanged()), this, SLOT(SlotMusicInfoHaveBeEdited()));
+    connect(details, SIGNAL(emitMusicCoverHasChanged()), this, SLOT(SlotMusicInfoHaveBeEdited()));
+    connect(groups, SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)), this,
+            SLOT(SlotDeleteMupMusicWasSelected(QMusicInfo*)));
+    connect(groups, SIGNAL(emitDeleteAllDupMusic()), this, SLOT(SlotDeleteAllDupMusic()));
+    connect(details, SIGNAL(emitForbidToClickView(bool)), this, SLOT(SlotForbidToClickView(bool)));
+    connect(this, SIGNAL(emitDuplicateMusicCount(int)), groups, SLOT(SlotSetDeleteBtn(int)));
+    connect(this, SIGNAL(emitStartToPlayMusic(QMusicInfo*)), groups,
+            SLOT(SlotBeginToPlayTableViewMusic(QMusicInfo*)));
 
     connect(&m_intake, SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
 }
@@ -213,9 +233,7 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 {
     if (m_bForbidClick)
         return;
-    m_nCurrentRow = index.row();
-    ui->m_allMusicListView->setCurrentIndex(m_allMusicGridModel->index(m_nCurrentRow, 0));
-    ui->m_allMusicTableView->setCurrentIndex(m_allMusicTableModel->index(m_nCurrentRow, 0));
+    selectSong(index.row());
     ui->m_musicDetailedWidget->SetMusicDetailedInfo(m_allMusicGridModel->nodeFromIndex(index));
 }
 
@@ -292,6 +310,7 @@ void CenterWidget::ClearSelectedWidget()
             tag->Close();
     m_intake.reader().forgetCovers();
     qDeleteAll(songs);
+    forgetRemovedSongs();
 }
 
 void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
@@ -320,13 +339,13 @@ void CenterWidget::setLocalMusicInfo()
     setGroupSource(SongCells::columnModeDupTable);
     qInfo("songs: %d, undefined: %d, duplicate groups: %d", m_pAllMusicList->size(),
           m_classification.undefinedSongs().size(), m_classification.groups().size());
-    emit emitMusicCount(m_pAllMusicList->size(), m_classification.undefinedSongs().size(),
-                        m_classification.groups().size());
+    emitCounts();
     emit emitFinishScanninglocalMusic();
 }
 
 void CenterWidget::SlotMusicInfoHaveBeEdited()
 {
+    const int scrolled = m_pCurrentView->verticalScrollBar()->value();
     m_allMusicTableModel->refresh();
     m_allMusicGridModel->refresh();
     m_classification.collect(*m_pAllMusicList);
@@ -336,6 +355,90 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
     emit emitDuplicateMusicCount(m_classification.groups().size());
     if (m_nViewKind == ViewUndefined)
         setSongSource(&m_classification.undefinedSongs());
+    selectShownSong();
+    m_pCurrentView->verticalScrollBar()->setValue(scrolled);
+}
+
+/// Models that were reset have forgotten it.
+void CenterWidget::selectShownSong()
+{
+    const QList<QMusicInfo*>& songs =
+        m_nViewKind == ViewUndefined ? m_classification.undefinedSongs() : *m_pAllMusicList;
+    const int row = songs.indexOf(ui->m_musicDetailedWidget->song());
+    if (row >= 0)
+        selectSong(row);
+}
+
+void CenterWidget::selectSong(int row)
+{
+    m_nCurrentRow = row;
+    ui->m_allMusicListView->setCurrentIndex(m_allMusicGridModel->index(row, 0));
+    ui->m_allMusicTableView->setCurrentIndex(m_allMusicTableModel->index(row, 0));
+}
+
+SongLists CenterWidget::songLists()
+{
+    return {m_pAllMusicList, &m_classification.groups(), &m_classification.undefinedSongs(), &m_tagList};
+}
+
+void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
+{
+    KeptFiles kept;
+    for (const QMusicInfo* other : ui->m_dupMusicDetailedWidget->keptSongs())
+        kept.add(SongFields::audioPath(other));
+    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, QIOrvoUtil::m_cleanMode, kept))
+        m_removedSongs.append(song);
+    m_allMusicGridModel->refresh();
+    m_allMusicTableModel->refresh();
+    slotShowDuplicateMusicView();
+    emitCounts();
+    emit emitDuplicateMusicCount(m_classification.groups().size());
+}
+
+void CenterWidget::SlotDeleteAllDupMusic()
+{
+    ui->m_dupMusicListView->setEnabled(false);
+    ui->m_dupMusicTableView->setEnabled(false);
+    if (!m_pDeleteThread) {
+        m_pDeleteThread = std::make_unique<DeleteAllDupMusicThread>();
+        connect(m_pDeleteThread.get(), SIGNAL(emitAllMusicInfo()), this,
+                SLOT(SlotAllMusicInfoAfterDeleting()), Qt::BlockingQueuedConnection);
+    }
+    m_pDeleteThread->wait(); // the run before may still be returning
+    m_pWaitingDlg = std::make_unique<DeletingMusicWaitingDlg>();
+    connect(m_pDeleteThread.get(), SIGNAL(emitProgress(int, int)), m_pWaitingDlg.get(),
+            SLOT(showProgress(int, int)));
+    const SongLists lists = songLists();
+    m_pDeleteThread->GetDupMusicBeDelete(lists.all, lists.groups, lists.undefined, lists.tags);
+    m_pDeleteThread->start();
+    ScreenPlace::putOver(*m_pWaitingDlg, m_pWaitingDlg->card(), *window());
+    m_pWaitingDlg->exec();
+}
+
+void CenterWidget::SlotAllMusicInfoAfterDeleting()
+{
+    m_pWaitingDlg->finish();
+    ui->m_dupMusicListView->setEnabled(true);
+    ui->m_dupMusicTableView->setEnabled(true);
+    m_removedSongs += m_pDeleteThread->takeRemovedSongs();
+    forgetShownGroup();
+    m_dupMusicGridModel->refresh();
+    m_dupMusicTableModel->refresh();
+    m_allMusicGridModel->refresh();
+    m_allMusicTableModel->refresh();
+    emitCounts();
+}
+
+void CenterWidget::emitCounts()
+{
+    emit emitMusicCount(m_pAllMusicList->size(), m_classification.undefinedSongs().size(),
+                        m_classification.groups().size());
+}
+
+/// No panel shows one any more.
+void CenterWidget::forgetRemovedSongs()
+{
+    qDeleteAll(std::exchange(m_removedSongs, {}));
 }
 
 int CenterWidget::ReturnUndefinedMusicCount() const

@@ -3,6 +3,7 @@
 #include "common/skinpicture.h"
 #include "localintake.h"
 #include "songclassification.h"
+#include "songremoval.h"
 
 #include <QList>
 #include <QStringList>
@@ -11,6 +12,8 @@
 #include <array>
 #include <memory>
 
+class DeleteAllDupMusicThread;
+class DeletingMusicWaitingDlg;
 class DupMusicListModel;
 class IAudioTag;
 class MusicListModel;
@@ -86,6 +89,11 @@ public slots:
     void SlotForbidToClickView(bool forbid);
     void SlotHiddenMusicDetailedWidget();
     void SlotMusicInfoHaveBeEdited();
+    /// Deletes one song of the current group: off the disk in the local mode, and out of the lists.
+    void SlotDeleteMupMusicWasSelected(QMusicInfo* song);
+    /// Reduces every group to its first song on a thread, while the user waits.
+    void SlotDeleteAllDupMusic();
+    void SlotAllMusicInfoAfterDeleting();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -111,9 +119,14 @@ private:
     void enterMode(bool local);
     void placeOpenButton();
 
+    SongLists songLists();
+    void emitCounts();
+    void forgetRemovedSongs();
     void clearClassification();
     void forgetShownGroup();
     void showAllSongs();
+    void selectSong(int row);
+    void selectShownSong();
 
     std::unique_ptr<Ui::CenterWidget> ui;
     SkinPicture m_dropPicture;
@@ -134,6 +147,9 @@ private:
     QList<IAudioTag*> m_tagList;                             ///< one per local song, same index
     QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
     SongClassification m_classification;
+    QList<QMusicInfo*> m_removedSongs; ///< owned; out of every list, but panels may still show one
+    std::unique_ptr<DeleteAllDupMusicThread> m_pDeleteThread;
+    std::unique_ptr<DeletingMusicWaitingDlg> m_pWaitingDlg; ///< of the last deletion of all duplicates
 
     LocalIntake m_intake;
     QStringList m_dropFileList;

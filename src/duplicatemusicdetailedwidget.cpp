@@ -1,16 +1,27 @@
 #include "duplicatemusicdetailedwidget.h"
 
+#include "common/screenplace.h"
 #include "dupmusicbarwidget.h"
+#include "playsongwidget.h"
+#include "qiorvoutil.h"
+#include "songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
 
 #include <QPainter>
 
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
-    : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>())
+    : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
+      m_pPlaySongWidget(std::make_unique<PlaySongWidget>())
 {
     ui->setupUi(this);
     ui->scrollArea->viewport()->setAutoFillBackground(false);
     ui->m_scrollAreaWidget->setAutoFillBackground(false);
+    ui->m_btnClearOne->setBtnImage(SkinPicture::path("btn_clearduplicate.png"));
+    ui->m_btnClearAll->setBtnImage(SkinPicture::path("btn_ClearAll.png"));
+    connect(ui->m_btnClearOne, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteSongWasSelected()));
+    connect(ui->m_btnClearAll, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteAllSong()));
+    connect(m_pPlaySongWidget.get(), SIGNAL(emitSongStopBtnHidden()), this, SLOT(SlotSongStopBtnHidden()));
+    connect(m_pPlaySongWidget.get(), SIGNAL(emitSongPlayBtnHidden()), this, SLOT(SlotSongPlayBtnHidden()));
 }
 
 DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget() = default;
@@ -18,17 +29,155 @@ DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget() = default;
 void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list)
 {
     m_pMusicList = list;
-    qDeleteAll(m_listBarWidget);
-    m_listBarWidget.clear();
+    clearRows();
     if (!m_pMusicList)
         return;
     for (QMusicInfo* song : qAsConst(*m_pMusicList)) {
-        auto* row = new DupMusicbarWidget(this);
-        m_listBarWidget.append(row);
-        row->SetDupMusicInfo(song);
-        ui->m_ListverticalLayout->addWidget(row);
+        DupMusicbarWidget* row = addRow(song);
+        if (m_listBarWidget.size() == 1)
+            row->SlotOnBtnCheckBox(); // the first song is kept unless the user wants otherwise
     }
+    ui->m_btnClearAll->show();
+    ui->m_btnClearOne->show();
     show();
+}
+
+void DuplicateMusicDetailedWidget::clearRows()
+{
+    qDeleteAll(m_listBarWidget);
+    m_listBarWidget.clear();
+    m_pCurPlayBar = nullptr; // what it started plays on
+}
+
+DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)
+{
+    auto* row = new DupMusicbarWidget(this);
+    m_listBarWidget.append(row);
+    row->SetDupMusicInfo(song);
+    connect(row, SIGNAL(emitStartPlaySong(QMusicInfo*)), this, SLOT(SlotStartPlaySong(QMusicInfo*)));
+    connect(row, SIGNAL(emitStopSong()), m_pPlaySongWidget.get(), SLOT(SlotOnBtnPause()));
+    ui->m_ListverticalLayout->addWidget(row);
+    return row;
+}
+
+QList<QMusicInfo*> DuplicateMusicDetailedWidget::keptSongs() const
+{
+    QList<QMusicInfo*> songs;
+    for (const DupMusicbarWidget* row : m_listBarWidget)
+        if (row && row->isKept() && row->song())
+            songs.append(row->song());
+    return songs;
+}
+
+void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
+{
+    if (!m_deleteDlg.isNotToAskAgain()) {
+        ScreenPlace::putOver(m_deleteDlg, m_deleteDlg.rect(), *window());
+        if (m_deleteDlg.exec() != QDialog::Accepted)
+            return;
+    }
+    SlotDeleteSongWasSelected();
+}
+
+void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
+{
+    SlotDeleteSongWasSelected();
+    emit emitDeleteAllDupMusic();
+    ui->m_btnClearAll->hide();
+    ui->m_btnClearOne->hide();
+}
+
+void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
+{
+    if (!m_pMusicList)
+        return;
+    for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
+        // The song comes from the group's list, which loses an entry with every deletion, and the mark from
+        // the row at the same position.
+        QMusicInfo* song = m_pMusicList->value(position);
+        if (!song)
+            break;
+        const DupMusicbarWidget* row = m_listBarWidget.at(position);
+        if (!row || row->isKept())
+            continue;
+        if (!QIOrvoUtil::m_cleanMode)
+            SongRemoval::removeTrack(*song);
+        deleteRow(position);
+        emit emitDeleteDupMusicWasSelected(song);
+        update();
+    }
+    if (m_listBarWidget.size() == 1)
+        removeLastRow();
+    else if (!rowsMatchSongs())
+        SetDuplicateMusicDetailedInfo(m_pMusicList); // or the next deletion would take another row's song
+}
+
+void DuplicateMusicDetailedWidget::deleteRow(int position)
+{
+    DupMusicbarWidget* row = m_listBarWidget.takeAt(position);
+    if (row == m_pCurPlayBar)
+        m_pCurPlayBar = nullptr;
+    ui->m_ListverticalLayout->removeWidget(row);
+    delete row;
+}
+
+/// The panel empties itself once only the kept song is left; its place in the list stays.
+void DuplicateMusicDetailedWidget::removeLastRow()
+{
+    if (!m_listBarWidget.first())
+        return;
+    deleteRow(0);
+    m_listBarWidget.append(nullptr);
+}
+
+bool DuplicateMusicDetailedWidget::rowsMatchSongs() const
+{
+    if (m_listBarWidget.size() != m_pMusicList->size())
+        return m_listBarWidget.isEmpty();
+    for (int position = 0; position < m_listBarWidget.size(); ++position)
+        if (m_listBarWidget.at(position)->song() != m_pMusicList->at(position))
+            return false;
+    return true;
+}
+
+void DuplicateMusicDetailedWidget::SlotStartPlaySong(QMusicInfo* song)
+{
+    play(song, true);
+    auto* row = qobject_cast<DupMusicbarWidget*>(sender());
+    if (row != m_pCurPlayBar && m_pCurPlayBar)
+        m_pCurPlayBar->SetBtnPauseHidden();
+    m_pCurPlayBar = row;
+}
+
+void DuplicateMusicDetailedWidget::SlotBeginToPlayTableViewMusic(QMusicInfo* song)
+{
+    play(song, false);
+}
+
+void DuplicateMusicDetailedWidget::play(QMusicInfo* song, bool fromDupBar)
+{
+    m_pPlaySongWidget->SetMusicPlayInfo(song, fromDupBar);
+    m_pPlaySongWidget->ShowBeside(window()->frameGeometry());
+}
+
+void DuplicateMusicDetailedWidget::SlotSongStopBtnHidden()
+{
+    if (m_pCurPlayBar)
+        m_pCurPlayBar->SetBtnPauseHidden();
+}
+
+void DuplicateMusicDetailedWidget::SlotSongPlayBtnHidden()
+{
+    if (m_pCurPlayBar)
+        m_pCurPlayBar->SetBtnPlayHidden();
+}
+
+void DuplicateMusicDetailedWidget::SlotSetDeleteBtn(int count)
+{
+    if (count != 0)
+        return;
+    ui->m_btnClearAll->hide();
+    ui->m_btnClearOne->hide();
 }
 
 void DuplicateMusicDetailedWidget::paintEvent(QPaintEvent*)

@@ -1,18 +1,22 @@
 #pragma once
 
+#include "deletedupmusicinfodlg.h"
+
 #include <QList>
 #include <QWidget>
 
 #include <memory>
 
 class DupMusicbarWidget;
+class PlaySongWidget;
 struct QMusicInfo;
 
 namespace Ui {
 class DuplicateMusicDetailedWidget;
 }
 
-/// The panel at the right that lists one duplicate group row by row.
+/// The panel at the right that lists one duplicate group row by row, asks for deletions, and plays songs in
+/// the one playback window, which it owns.
 class DuplicateMusicDetailedWidget : public QWidget
 {
     Q_OBJECT
@@ -21,15 +25,42 @@ public:
     explicit DuplicateMusicDetailedWidget(QWidget* parent = nullptr);
     ~DuplicateMusicDetailedWidget() override;
 
-    /// Shows a row for each song and the panel; no list: forgets the group shown. The songs must outlive
-    /// their rows.
+    /// Shows a row for each song, the first one marked to be kept, and the panel; no list: forgets the group
+    /// shown. The list and its songs must outlive their being shown.
     void SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list);
+    /// The songs of the rows marked to be kept.
+    QList<QMusicInfo*> keptSongs() const;
+
+public slots:
+    void SlotOnBtnDeleteSongWasSelected();
+    void SlotOnBtnDeleteAllSong();
+    void SlotDeleteSongWasSelected();
+    void SlotStartPlaySong(QMusicInfo* song);
+    void SlotBeginToPlayTableViewMusic(QMusicInfo* song);
+    void SlotSongStopBtnHidden();
+    void SlotSongPlayBtnHidden();
+    void SlotSetDeleteBtn(int count);
+
+signals:
+    /// One song is to leave the lists, and in the local mode the disk; handled before this returns.
+    void emitDeleteDupMusicWasSelected(QMusicInfo* song);
+    void emitDeleteAllDupMusic();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void clearRows();
+    DupMusicbarWidget* addRow(QMusicInfo* song);
+    void deleteRow(int position);
+    void removeLastRow();
+    bool rowsMatchSongs() const;
+    void play(QMusicInfo* song, bool fromDupBar);
+
     std::unique_ptr<Ui::DuplicateMusicDetailedWidget> ui;
     QList<QMusicInfo*>* m_pMusicList = nullptr;
-    QList<DupMusicbarWidget*> m_listBarWidget;
+    QList<DupMusicbarWidget*> m_listBarWidget; ///< one row per song, same index; null for one that went
+    std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
+    DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
+    DeleteDupMusicInfoDlg m_deleteDlg;
 };

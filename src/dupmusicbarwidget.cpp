@@ -1,20 +1,55 @@
 #include "dupmusicbarwidget.h"
 
+#include "common/screenplace.h"
+#include "folderopener.h"
 #include "qiorvoutil.h"
-#include "qmusicinfo.h"
+#include "showmusicinfowidget.h"
 #include "songfields.h"
 #include "timetext.h"
 #include "ui_dupmusicbarwidget.h"
 
+#include <QCursor>
 #include <QPainter>
+
+namespace {
+constexpr int cardLeftOfPointer = 300;
+
+void showButton(QImageButton* button, const char* picture, const QPoint& place)
+{
+    button->setBtnImage(SkinPicture::path(picture));
+    button->move(place);
+}
+} // namespace
 
 DupMusicbarWidget::DupMusicbarWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DupMusicbarWidget>())
 {
     ui->setupUi(this);
+    InitButtons();
+    ui->m_labelMusicName->move(38, 7);
+    ui->m_labelMusicArtist->move(38, 37);
+    ui->m_labelMusicKbps->move(38, 62);
+    ui->m_labelMusicFormat->move(130, 62);
+    ui->m_labelTotalTime->move(265, 8);
+    connect(ui->m_btnIsDeleta, SIGNAL(clicked()), this, SLOT(SlotOnBtnCheckBox()));
+    connect(ui->m_btnPlayMusic, SIGNAL(clicked()), this, SLOT(SlotOnBtnPlay()));
+    connect(ui->m_btnStopMusic, SIGNAL(clicked()), this, SLOT(SlotOnBtnPause()));
+    connect(ui->m_btnOpenPath, SIGNAL(clicked()), this, SLOT(SlotOnBtnOpenPath()));
+    connect(ui->m_btnShowInfo, SIGNAL(clicked()), this, SLOT(SlotOnBtnShowInfo()));
 }
 
 DupMusicbarWidget::~DupMusicbarWidget() = default;
+
+void DupMusicbarWidget::InitButtons()
+{
+    showButton(ui->m_btnPlayMusic, "button_play.png", QPoint(230, 67));
+    showButton(ui->m_btnShowInfo, "button_detail.png", QPoint(260, 67));
+    showButton(ui->m_btnOpenPath, "button_search.png", QPoint(290, 67));
+    // The smaller stop mark stands in the middle of the play button's place.
+    showButton(ui->m_btnStopMusic, "button_music_stop.png", QPoint(236, 73));
+    ui->m_btnIsDeleta->setBtnImage(SkinPicture::path("btn_checkbox_no.png"));
+    ui->m_btnStopMusic->hide();
+}
 
 void DupMusicbarWidget::SetDupMusicInfo(QMusicInfo* song)
 {
@@ -24,10 +59,65 @@ void DupMusicbarWidget::SetDupMusicInfo(QMusicInfo* song)
     ui->m_labelMusicArtist->setText(SongFields::artist(m_pMusicInfo));
     ui->m_labelMusicKbps->setText(
         QStringLiteral("%1%2").arg(SongFields::bitRateKbps(m_pMusicInfo)).arg(QLatin1String("kbps")));
-    ui->m_labelTotalTime->setText(TimeText::convert(qint64(SongFields::duration(m_pMusicInfo))));
+    ui->m_labelTotalTime->setText(ConvertTime(qint64(SongFields::duration(m_pMusicInfo))));
     // In the iTunes mode the label keeps the form's text, whatever the file is.
     if (QIOrvoUtil::m_cleanMode && SongFields::available(m_pMusicInfo))
-        ui->m_labelMusicFormat->setText(m_pMusicInfo->localInfo->format);
+        ui->m_labelMusicFormat->setText(SongFields::kind(m_pMusicInfo));
+}
+
+QString DupMusicbarWidget::ConvertTime(long long milliseconds) const
+{
+    return TimeText::convert(milliseconds);
+}
+
+void DupMusicbarWidget::SetBtnPauseHidden()
+{
+    ui->m_btnStopMusic->hide();
+    ui->m_btnPlayMusic->show();
+}
+
+void DupMusicbarWidget::SetBtnPlayHidden()
+{
+    ui->m_btnStopMusic->show();
+    ui->m_btnPlayMusic->hide();
+}
+
+void DupMusicbarWidget::SlotOnBtnCheckBox()
+{
+    ui->m_btnIsDeleta->setBtnImage(
+        SkinPicture::path(m_bChecked ? "btn_checkbox_no.png" : "btn_checkbox_yes.png"));
+    m_bChecked = !m_bChecked;
+    update();
+}
+
+void DupMusicbarWidget::SlotOnBtnPlay()
+{
+    SetBtnPlayHidden();
+    emit emitStartPlaySong(m_pMusicInfo);
+}
+
+void DupMusicbarWidget::SlotOnBtnPause()
+{
+    SetBtnPauseHidden();
+    emit emitStopSong();
+}
+
+void DupMusicbarWidget::SlotOnBtnOpenPath()
+{
+    FolderOpener::open(FolderOpener::folderOf(SongFields::location(m_pMusicInfo)));
+}
+
+void DupMusicbarWidget::SlotOnBtnShowInfo()
+{
+    m_pShowInfoWidget = std::make_unique<ShowMusicInfoWidget>(this);
+    m_pShowInfoWidget->setMusicInfo(m_pMusicInfo);
+    const QPoint pointer = QCursor::pos();
+    m_ptCursor = {pointer.x(), pointer.y()};
+    const QPoint corner(pointer.x() - cardLeftOfPointer, pointer.y());
+    m_pShowInfoWidget->move(ScreenPlace::inside(QRect(corner, m_pShowInfoWidget->size()),
+                                                ScreenPlace::availableAt(pointer)));
+    m_pShowInfoWidget->activateWindow();
+    m_pShowInfoWidget->show();
 }
 
 void DupMusicbarWidget::paintEvent(QPaintEvent*)

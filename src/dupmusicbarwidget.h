@@ -4,13 +4,15 @@
 
 #include <memory>
 
+class ShowMusicInfoWidget;
 struct QMusicInfo;
 
 namespace Ui {
 class DupMusicbarWidget;
 }
 
-/// One row of the duplicate group panel: what tells the songs of a group apart.
+/// One row of the duplicate group panel: what tells the songs of a group apart, whether this one is kept, and
+/// buttons to hear it, to see its tags and to find its file.
 class DupMusicbarWidget : public QWidget
 {
     Q_OBJECT
@@ -19,13 +21,45 @@ public:
     explicit DupMusicbarWidget(QWidget* parent = nullptr);
     ~DupMusicbarWidget() override;
 
-    /// The song must outlive the row.
+    /// Shows the song, which must outlive the row; null: the one shown before, anew.
     void SetDupMusicInfo(QMusicInfo* song);
+    QMusicInfo* song() const { return m_pMusicInfo; }
+    /// "mm::ss", empty from 60 minutes on.
+    QString ConvertTime(long long milliseconds) const;
+    /// Whether deletions leave this song alone.
+    bool isKept() const { return m_bChecked; }
+
+    /// Shows the play button in place of the stop button.
+    void SetBtnPauseHidden();
+    /// Shows the stop button in place of the play button.
+    void SetBtnPlayHidden();
+
+public slots:
+    void SlotOnBtnCheckBox();
+    void SlotOnBtnPlay();
+    void SlotOnBtnPause();
+    void SlotOnBtnOpenPath();
+    void SlotOnBtnShowInfo();
+
+signals:
+    void emitStartPlaySong(QMusicInfo* song);
+    void emitStopSong();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    struct Position
+    {
+        qint64 x = 0;
+        qint64 y = 0;
+    };
+
+    void InitButtons();
+
     std::unique_ptr<Ui::DupMusicbarWidget> ui;
+    bool m_bChecked = false;
     QMusicInfo* m_pMusicInfo = nullptr;
+    std::unique_ptr<ShowMusicInfoWidget> m_pShowInfoWidget; ///< the card last opened from here
+    Position m_ptCursor;                                    ///< where the pointer was then
 };

@@ -1,44 +1,251 @@
 #include "musicdetailedinfowidget.h"
 
-#include "coverloader.h"
 #include "qiorvoutil.h"
+#include "songcover.h"
 #include "songfields.h"
 #include "ui_musicdetailedinfowidget.h"
 
+#include <QFileDialog>
+#include <QIntValidator>
+#include <QKeyEvent>
 #include <QPainter>
+#include <QStandardPaths>
+
+namespace {
+QString numberText(quint64 number)
+{
+    return QStringLiteral("%1").arg(number);
+}
+
+/// The texts of the combo, in its order; the odd spelling is part of the list.
+QStringList genres()
+{
+    return {QString(),
+            QStringLiteral("Blue"),
+            QStringLiteral("Alternavite & Punk"),
+            QStringLiteral("Books & Spoken"),
+            QStringLiteral("Children's Music"),
+            QStringLiteral("Classical"),
+            QStringLiteral("Pop"),
+            QStringLiteral("Rock"),
+            QStringLiteral("Other")};
+}
+} // namespace
 
 MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>()),
       m_face(SkinPicture::path("bg_right.png"))
 {
     ui->setupUi(this);
-    ui->currentImgWidget->SetImageBackgroud(SkinPicture::path("bg_no_picture.png"), true);
+    InitBtn();
+    InitEditors();
+    InitConnect();
+    HiddenLineEdit();
 }
 
 MusicDetailedInfoWidget::~MusicDetailedInfoWidget() = default;
 
+void MusicDetailedInfoWidget::InitBtn()
+{
+    ui->m_btnApply->setBtnImage(SkinPicture::path("btn_apply.png"));
+    ui->m_btnCancel->setBtnImage(SkinPicture::path("button_edit_close.png"));
+    ui->m_btnEdit->setBtnImage(SkinPicture::path("button_edit.png"));
+    ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
+    ui->m_btnEdit->setToolTip(QStringLiteral("edit music information"));
+    ui->m_btnEdit->setDefault(true);
+    ui->currentImgWidget->SetImageBackgroud(SkinPicture::path("bg_no_picture.png"), true);
+    ui->currentImgWidget->setEnabled(false);
+    ui->m_btnCancel->hide();
+    ui->m_btnApply->hide();
+    ui->m_labMovie->hide();
+}
+
+void MusicDetailedInfoWidget::InitEditors()
+{
+    const QFont font(QStringLiteral("Tahoma"), 10);
+    for (QLineEdit* editor : findChildren<QLineEdit*>()) {
+        editor->setFont(font);
+        // As tall as the label below it, looking less so.
+        editor->setStyleSheet(QStringLiteral("QLineEdit{margin:4px 0;padding:0 5px;border:1px solid #8CC4E4;"
+                                             "border-radius:4px;background:white;color:#17324D}"
+                                             "QLineEdit:focus{border-color:#127DBB}"));
+    }
+    ui->m_comboGenre->setFont(font);
+    auto* validator = new QIntValidator(1, 9999, this);
+    ui->m_lineYear->setValidator(validator);
+    ui->m_lineTrackNo->setValidator(validator);
+    m_genreList = genres();
+    ui->m_comboGenre->addItems(m_genreList);
+    ui->m_comboGenre->setStyleSheet(QStringLiteral(
+        "QComboBox{background-color:rgb(154,219,251);margin:2px;}"
+        "QComboBox:item{background-color:white;color:rgb(122,190,204);font-weight:2px;margin:1px;"
+        "height:25px;width:80px;padding-left:40px;}"
+        "QComboBox:item:selected{background-color:rgb(212,240,247);}QMenu:icon{left:20px;height:20px}"));
+}
+
+void MusicDetailedInfoWidget::InitConnect()
+{
+    connect(ui->m_btnEdit, SIGNAL(clicked()), this, SLOT(SlotOnBtnEdit()));
+    connect(ui->m_btnApply, SIGNAL(clicked()), this, SLOT(SlotOnBtnApply()));
+    connect(ui->m_btnCancel, SIGNAL(clicked()), this, SLOT(SlotOnBtnCancel()));
+    connect(ui->currentImgWidget, SIGNAL(widgetClick()), this, SLOT(SlotChangeImage()));
+}
+
 void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
 {
     m_pMusicInfo = song;
-    if (song)
-        ShowMusicInfo();
-    else
+    if (!song) {
         hide();
+        return;
+    }
+    m_bNewSong = true;
+    ShowMusicInfo();
 }
 
 void MusicDetailedInfoWidget::ShowMusicInfo()
 {
-    QString cover = SongFields::coverPath(m_pMusicInfo);
-    if (!QIOrvoUtil::isImage(cover))
-        cover = CoverLoader::genericCoverPath();
-    ui->currentImgWidget->SetImageBackgroud(cover, true);
-    ui->m_titleName->setText(SongFields::title(m_pMusicInfo));
-    ui->m_artistName->setText(SongFields::artist(m_pMusicInfo));
-    ui->m_albumName->setText(SongFields::album(m_pMusicInfo));
-    ui->m_genreName->setText(SongFields::genre(m_pMusicInfo));
-    ui->m_yearNumber->setText(QStringLiteral("%1").arg(SongFields::year(m_pMusicInfo)));
-    ui->m_trackNoName->setText(QStringLiteral("%1").arg(SongFields::trackNumber(m_pMusicInfo)));
+    showCover(SongCover::shownPath(m_pMusicInfo));
+    const bool own = !m_bNewSong;
+    ui->m_titleName->setText(own ? m_strShownTitle : SongFields::title(m_pMusicInfo));
+    ui->m_artistName->setText(own ? m_strShownArtist : SongFields::artist(m_pMusicInfo));
+    ui->m_albumName->setText(own ? m_strShownAlbum : SongFields::album(m_pMusicInfo));
+    ui->m_genreName->setText(own ? m_strShownGenre : SongFields::genre(m_pMusicInfo));
+    ui->m_yearNumber->setText(own ? m_strShownYear : numberText(SongFields::year(m_pMusicInfo)));
+    ui->m_trackNoName->setText(own ? m_strShownTrackNo : numberText(SongFields::trackNumber(m_pMusicInfo)));
+    m_bNewSong = false;
+    showButtons(false);
+    SetTextLabelAndLineState();
+    ui->currentImgWidget->setEnabled(false);
     show();
+}
+
+void MusicDetailedInfoWidget::showCover(const QString& path)
+{
+    ui->currentImgWidget->SetImageBackgroud(path, true);
+}
+
+void MusicDetailedInfoWidget::showButtons(bool editing)
+{
+    ui->m_btnEdit->setVisible(!editing);
+    ui->m_btnIdentify->setVisible(!editing);
+    ui->m_btnApply->setVisible(editing);
+    ui->m_btnCancel->setVisible(editing);
+}
+
+void MusicDetailedInfoWidget::HiddenLineEdit()
+{
+    for (QLineEdit* editor : findChildren<QLineEdit*>())
+        editor->hide();
+    ui->m_comboGenre->hide();
+}
+
+void MusicDetailedInfoWidget::SetTextLabelAndLineState()
+{
+    HiddenLineEdit();
+    for (RetractLabel* label : findChildren<RetractLabel*>())
+        label->show();
+}
+
+bool MusicDetailedInfoWidget::isEditing() const
+{
+    return !ui->m_btnApply->isHidden();
+}
+
+void MusicDetailedInfoWidget::SlotOnBtnEdit()
+{
+    ui->m_lineTitle->setText(SongFields::title(m_pMusicInfo));
+    ui->m_lineArtist->setText(SongFields::artist(m_pMusicInfo));
+    ui->m_lineAlbum->setText(SongFields::album(m_pMusicInfo));
+    ui->m_lineYear->setText(numberText(SongFields::year(m_pMusicInfo)));
+    ui->m_lineTrackNo->setText(numberText(SongFields::trackNumber(m_pMusicInfo)));
+    // A genre that is not in the list leaves the selection as it was before, and an apply writes that one.
+    const int genre = m_genreList.indexOf(SongFields::genre(m_pMusicInfo));
+    if (genre >= 0)
+        ui->m_comboGenre->setCurrentIndex(genre);
+    for (RetractLabel* label : findChildren<RetractLabel*>())
+        label->hide();
+    for (QLineEdit* editor : findChildren<QLineEdit*>()) {
+        editor->setCursorPosition(0);
+        editor->show();
+    }
+    ui->m_comboGenre->show();
+    ui->currentImgWidget->setToolTip(QStringLiteral("click to add cover"));
+    ui->currentImgWidget->setEnabled(true);
+    showButtons(true);
+    ui->m_lineTitle->setFocus();
+}
+
+void MusicDetailedInfoWidget::SlotOnBtnCancel()
+{
+    showButtons(false);
+    SetTextLabelAndLineState();
+    ui->currentImgWidget->setEnabled(false);
+    emit emitForbidToClickView(false);
+    // A cover that was chosen stays chosen: the next apply uses it.
+}
+
+void MusicDetailedInfoWidget::SlotChangeImage()
+{
+    const QString path = QFileDialog::getOpenFileName(
+        this, QStringLiteral("Open File"), QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
+        QStringLiteral("Images(*.png *.xpm *.jpg)"));
+    if (path.isEmpty())
+        return;
+    m_strNewCoverPath = path;
+    showCover(path);
+}
+
+void MusicDetailedInfoWidget::cacheEditorTexts()
+{
+    m_strShownTitle = ui->m_lineTitle->text();
+    m_strShownArtist = ui->m_lineArtist->text();
+    m_strShownAlbum = ui->m_lineAlbum->text();
+    m_strShownGenre = ui->m_comboGenre->currentText();
+    m_strShownYear = ui->m_lineYear->text();
+    m_strShownTrackNo = ui->m_lineTrackNo->text();
+}
+
+SongEdit MusicDetailedInfoWidget::editedSong() const
+{
+    SongEdit edit;
+    edit.title = m_strShownTitle;
+    edit.artist = m_strShownArtist;
+    edit.album = m_strShownAlbum;
+    edit.genre = m_strShownGenre;
+    edit.year = m_strShownYear.toInt();
+    edit.trackNumber = m_strShownTrackNo.toInt();
+    edit.newCoverPath = m_strNewCoverPath;
+    return edit;
+}
+
+void MusicDetailedInfoWidget::SlotOnBtnApply()
+{
+    cacheEditorTexts();
+    const SongEditing::Outcome outcome = SongEditing::apply(*m_pMusicInfo, editedSong());
+    if (outcome.coverChanged)
+        emit emitMusicCoverHasChanged();
+    if (outcome.coverUsed)
+        m_strNewCoverPath.clear();
+    ShowMusicInfo();
+    emit emitMusicInfoHasChanged();
+    if (m_bIdentified) {
+        ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identifyagain.png"));
+        m_bIdentified = false;
+        update();
+    }
+}
+
+void MusicDetailedInfoWidget::keyPressEvent(QKeyEvent* event)
+{
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isEditing() || (!enter && event->key() != Qt::Key_Escape)) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    if (!enter || ui->m_btnCancel->hasFocus())
+        SlotOnBtnCancel();
+    else if (ui->m_btnApply->isEnabled())
+        SlotOnBtnApply();
 }
 
 void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)
@@ -48,4 +255,9 @@ void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), QColor(0xF5, 0xFA, 0xFD));
     painter.fillRect(0, 0, 1, height(), QColor(0xC9, 0xDD, 0xE9));
     painter.drawImage(QPointF(0, 0), m_face.image(devicePixelRatioF()));
+    const QRect fields = ui->gridLayoutWidget->geometry();
+    const int rows = ui->m_gridLayout->rowCount();
+    for (int row = 1; row <= rows; ++row)
+        painter.fillRect(fields.x() + 8, fields.y() + fields.height() * row / rows - 1, fields.width() - 16,
+                         1, QColor(0xDD, 0xEB, 0xF4));
 }

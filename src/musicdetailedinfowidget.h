@@ -1,18 +1,24 @@
 #pragma once
 
 #include "common/skinpicture.h"
+#include "songediting.h"
 
+#include <QStringList>
 #include <QWidget>
 
 #include <memory>
 
+class RetractLabel;
 struct QMusicInfo;
 
 namespace Ui {
 class MusicDetailedInfoWidget;
 }
 
-/// The panel at the right that shows one song's cover and tags.
+/// The panel at the right that shows one song's cover and tags and lets the user edit them.
+///
+/// Read mode shows labels; edit mode has editors in their places and a cover that can be clicked for another
+/// one. Enter applies and Escape cancels. Nothing is written before an apply.
 class MusicDetailedInfoWidget : public QWidget
 {
     Q_OBJECT
@@ -21,16 +27,55 @@ public:
     explicit MusicDetailedInfoWidget(QWidget* parent = nullptr);
     ~MusicDetailedInfoWidget() override;
 
-    /// Shows the song and the panel; no song: forgets the one shown, and hides the panel. The song must
-    /// outlive its being shown.
+    /// Shows the song and the panel, in read mode; no song: forgets the one shown, and hides the panel. The
+    /// song must outlive its being shown.
     void SetMusicDetailedInfo(QMusicInfo* song);
     void ShowMusicInfo();
+    QMusicInfo* song() const { return m_pMusicInfo; }
+
+signals:
+    /// After every apply.
+    void emitMusicInfoHasChanged();
+    /// After an apply that changed the song's cover.
+    void emitMusicCoverHasChanged();
+    /// True while clicks on the views are to be ignored.
+    void emitForbidToClickView(bool forbid);
+
+public slots:
+    void SlotOnBtnEdit();
+    void SlotOnBtnCancel();
+    void SlotOnBtnApply();
+    void SlotChangeImage();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void InitBtn();
+    void InitEditors();
+    void InitConnect();
+    void HiddenLineEdit();
+    void SetTextLabelAndLineState();
+    void showButtons(bool editing);
+    void showCover(const QString& path);
+    void cacheEditorTexts();
+    SongEdit editedSong() const;
+    bool isEditing() const;
+
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
     SkinPicture m_face;
+
+    bool m_bNewSong = false;
+    bool m_bFirstShow = true;
+    bool m_bIdentified = false;
+    QStringList m_genreList;
+    QString m_strShownTitle; ///< what the labels show after an apply: exactly what was typed
+    QString m_strShownArtist;
+    QString m_strShownAlbum;
+    QString m_strShownGenre;
+    QString m_strShownYear;
+    QString m_strShownTrackNo;
+    QString m_strNewCoverPath; ///< chosen and not yet applied
     QMusicInfo* m_pMusicInfo = nullptr;
 };

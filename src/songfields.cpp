@@ -4,7 +4,13 @@
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 
+#include <QFileInfo>
+#include <QUrl>
+
 namespace {
+/// What stands before the path in a track's location: "file://localhost".
+constexpr int locationPrefix = 16;
+
 QString fromUtf8(const char* text)
 {
     return QString::fromUtf8(text);
@@ -97,4 +103,45 @@ quint64 SongFields::sampleRate(const QMusicInfo* song)
     return field(
         song, [](const iTunesTrackRecord& track) { return quint64(track.sampleRate); },
         [](const LocalMusicInfo& local) { return local.sampleRate; });
+}
+
+QString SongFields::kind(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return fromUtf8(track.kind); },
+        [](const LocalMusicInfo& local) { return local.format; });
+}
+
+quint64 SongFields::fileSize(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return quint64(track.size); },
+        [](const LocalMusicInfo& local) { return QFileInfo(local.filePath).size(); });
+}
+
+QString SongFields::location(const QMusicInfo* song)
+{
+    return field(
+        song, [](const iTunesTrackRecord& track) { return fromUtf8(track.location); },
+        [](const LocalMusicInfo& local) { return local.filePath; });
+}
+
+quint64 SongFields::persistentId(const QMusicInfo* song)
+{
+    return field(
+        song,
+        [](const iTunesTrackRecord& track) {
+            return quint64(fromUtf8(track.persistentId).toULongLong(nullptr, 16));
+        },
+        [](const LocalMusicInfo&) { return quint64(0); });
+}
+
+QString SongFields::audioPath(const QMusicInfo* song)
+{
+    return field(
+        song,
+        [](const iTunesTrackRecord& track) {
+            return QUrl::fromPercentEncoding(fromUtf8(track.location).mid(locationPrefix).toUtf8());
+        },
+        [](const LocalMusicInfo& local) { return local.filePath; });
 }

@@ -25,4 +25,15 @@ quint64 duration(const QMusicInfo* song);
 quint64 bitRateKbps(const QMusicInfo* song);
 /// Hertz.
 quint64 sampleRate(const QMusicInfo* song);
+/// The kind of file as the library or the reader names it.
+QString kind(const QMusicInfo* song);
+/// Bytes: of the file as it is now in the local mode, as the library has it in the iTunes mode.
+quint64 fileSize(const QMusicInfo* song);
+/// Where the file is, as it is written there: a path in the local mode, a percent-encoded file URL in the
+/// iTunes mode.
+QString location(const QMusicInfo* song);
+/// The track's id in the iTunes library; 0 when it is no hexadecimal number, or in the local mode.
+quint64 persistentId(const QMusicInfo* song);
+/// The path of the audio file.
+QString audioPath(const QMusicInfo* song);
 } // namespace SongFields

@@ -17,6 +17,7 @@
 #include <QListView>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -55,6 +56,7 @@ private slots:
     void dropsLandOnTheListToo();
     void iTunesSongsAreClassifiedInTheirOrder();
     void editsAreClassifiedAgain();
+    void anEditKeepsThePlaceInTheList();
     void theOpenButtonLiesUnderTheView();
     void ctrlOOpensTheDialogInTheLocalModeOnly();
     void longIntakesShowProgressAndKeepInputWaiting();
@@ -417,6 +419,25 @@ void TestCenterWidget::editsAreClassifiedAgain()
     m_center->SlotMusicInfoHaveBeEdited();
     QCOMPARE(undefined.last(), QVariantList({1}));
     QCOMPARE(model->rowCount(), 1); // the undefined view follows
+}
+
+void TestCenterWidget::anEditKeepsThePlaceInTheList()
+{
+    QStringList paths;
+    for (int i = 0; i < 60; ++i)
+        paths.append(tone(QString("song%1").arg(i), QString("Title %1").arg(i)));
+    add(paths);
+    auto* list = view<QListView>("m_allMusicListView");
+    list->verticalScrollBar()->setValue(600);
+    clickItem(list, 25);
+    auto* panel = m_center->findChild<MusicDetailedInfoWidget*>();
+    panel->SlotOnBtnEdit();
+    panel->findChild<QLineEdit*>("m_lineTitle")->setText("Edited");
+    panel->SlotOnBtnApply();
+    QCOMPARE(list->verticalScrollBar()->value(), 600);
+    QCOMPARE(list->currentIndex().row(), 25);
+    QCOMPARE(list->currentIndex().data().toString(), QStringLiteral("Edited"));
+    QCOMPARE(view<QTableView>("m_allMusicTableView")->currentIndex().row(), 25);
 }
 
 void TestCenterWidget::theOpenButtonLiesUnderTheView()

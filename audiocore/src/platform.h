@@ -31,6 +31,10 @@ std::size_t readAt(std::FILE* file, std::int64_t offset, void* bytes, std::size_
 std::size_t writeAt(std::FILE* file, std::int64_t offset, const void* bytes, std::size_t count);
 bool truncateTo(std::FILE* file, std::int64_t size);
 bool syncToDevice(std::FILE* file);
+/// The same for a file that was only written inside its old size: much faster, times may be lost.
+bool syncBytesToDevice(std::FILE* file);
+/// Takes the file for this process as long as it is open; false when another process has it.
+bool lockFile(std::FILE* file);
 
 /// The file behind all links; empty when there is none.
 std::string realPath(const std::string& path);
@@ -40,6 +44,8 @@ void removeLeftovers(const std::string& path);
 /// Makes a new file beside `path` that holds a copy of it, owner and mode included, and keeps it locked while
 /// `lock` is open. The new file's path; empty on failure with the reason in `error`.
 std::string copyBeside(const std::string& path, std::FILE*& lock, std::string& error);
+/// The same without the content.
+std::string newBeside(const std::string& path, std::FILE*& lock, std::string& error);
 /// Puts the complete file `temporary` in the place of `path` at one stroke; false with the reason in `error`.
 bool replaceFile(const std::string& temporary, const std::string& path, std::string& error);
 void removeFile(const std::string& path);

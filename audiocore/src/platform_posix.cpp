@@ -156,6 +156,42 @@ bool mayReplace(const std::string& path, const std::string& folder, std::string&
     }
     return true;
 }
+
+std::string makeBeside(const std::string& path, bool withContent, std::FILE*& lock, std::string& error)
+{
+    const std::string folder = folderOf(path);
+    if (!mayReplace(path, folder, error))
+        return std::string();
+
+    const Descriptor original(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status = {};
+    if (original.fd < 0 || ::fstat(original.fd, &status) != 0) {
+        error = reason();
+        return std::string();
+    }
+    std::string temporary = folder + temporaryPrefix(path) + "XXXXXX";
+    const int made = ::mkstemp(temporary.data());
+    if (made < 0) {
+        error = "no new file can be made in the folder: " + reason();
+        return std::string();
+    }
+    lock = ::fdopen(made, "r+b");
+    ::flock(made, LOCK_EX | LOCK_NB);
+    bool whole = !withContent || copyContent(original.fd, made, status.st_size);
+    whole = whole && ::fchmod(made, status.st_mode & 07777) == 0;
+    // Without the right to give files away the new one stays this user's.
+    if (whole && ::fchown(made, status.st_uid, status.st_gid) != 0)
+        (void)!::fchown(made, uid_t(-1), status.st_gid);
+    if (!whole) {
+        error = "the new file cannot be written: " + reason();
+        std::fclose(lock);
+        lock = nullptr;
+        ::unlink(temporary.c_str());
+        return std::string();
+    }
+    copyAttributes(original.fd, made);
+    return temporary;
+}
 } // namespace
 
 bool platform::FileState::operator==(const FileState& other) const
@@ -232,6 +268,20 @@ bool platform::syncToDevice(std::FILE* file)
     return ::fsync(::fileno(file)) == 0;
 }
 
+bool platform::syncBytesToDevice(std::FILE* file)
+{
+#ifdef __linux__
+    return ::fdatasync(::fileno(file)) == 0;
+#else
+    return syncToDevice(file);
+#endif
+}
+
+bool platform::lockFile(std::FILE* file)
+{
+    return ::flock(::fileno(file), LOCK_EX | LOCK_NB) == 0;
+}
+
 std::string platform::realPath(const std::string& path)
 {
     const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
@@ -258,38 +308,12 @@ void platform::removeLeftovers(const std::string& path)
 
 std::string platform::copyBeside(const std::string& path, std::FILE*& lock, std::string& error)
 {
-    const std::string folder = folderOf(path);
-    if (!mayReplace(path, folder, error))
-        return std::string();
+    return makeBeside(path, true, lock, error);
+}
 
-    const Descriptor original(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status = {};
-    if (original.fd < 0 || ::fstat(original.fd, &status) != 0) {
-        error = reason();
-        return std::string();
-    }
-    std::string temporary = folder + temporaryPrefix(path) + "XXXXXX";
-    const int copy = ::mkstemp(temporary.data());
-    if (copy < 0) {
-        error = "no new file can be made in the folder: " + reason();
-        return std::string();
-    }
-    lock = ::fdopen(copy, "r+b");
-    ::flock(copy, LOCK_EX | LOCK_NB);
-    bool whole = copyContent(original.fd, copy, status.st_size);
-    whole = whole && ::fchmod(copy, status.st_mode & 07777) == 0;
-    // Without the right to give files away the copy stays this user's.
-    if (whole && ::fchown(copy, status.st_uid, status.st_gid) != 0)
-        (void)!::fchown(copy, uid_t(-1), status.st_gid);
-    if (!whole) {
-        error = "the new file cannot be written: " + reason();
-        std::fclose(lock);
-        lock = nullptr;
-        ::unlink(temporary.c_str());
-        return std::string();
-    }
-    copyAttributes(original.fd, copy);
-    return temporary;
+std::string platform::newBeside(const std::string& path, std::FILE*& lock, std::string& error)
+{
+    return makeBeside(path, false, lock, error);
 }
 
 bool platform::replaceFile(const std::string& temporary, const std::string& path, std::string& error)

@@ -69,6 +69,32 @@ std::string temporaryPrefix(const fs::path& path)
                   std::hash<std::string>()(path.filename().u8string()));
     return hash;
 }
+
+std::string makeBeside(const std::string& path, bool withContent, std::FILE*& lock, std::string& error)
+{
+    const fs::path target = nativePath(path);
+    const DWORD attributes = GetFileAttributesW(target.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY)) {
+        error = attributes == INVALID_FILE_ATTRIBUTES ? reason() : "the file is read-only";
+        return std::string();
+    }
+    const fs::path made =
+        target.parent_path() / fs::u8path(temporaryPrefix(target) + std::to_string(GetCurrentProcessId()) +
+                                          "-" + std::to_string(GetTickCount64()));
+    bool done = withContent && CopyFileW(target.c_str(), made.c_str(), TRUE);
+    if (!withContent) {
+        const HANDLE empty =
+            CreateFileW(made.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+        done = empty != INVALID_HANDLE_VALUE && CloseHandle(empty);
+    }
+    if (!done) {
+        error = "no new file can be made in the folder: " + reason();
+        return std::string();
+    }
+    // A file that is open cannot be deleted here, and one that is locked could not take the other's place.
+    lock = nullptr;
+    return made.u8string();
+}
 } // namespace
 
 bool platform::FileState::operator==(const FileState& other) const
@@ -123,6 +149,19 @@ bool platform::syncToDevice(std::FILE* file)
     return FlushFileBuffers(handleOf(file)) != 0;
 }
 
+bool platform::syncBytesToDevice(std::FILE* file)
+{
+    return syncToDevice(file);
+}
+
+bool platform::lockFile(std::FILE* file)
+{
+    // A byte far behind everything that is read or written.
+    OVERLAPPED place = placeOf(std::int64_t(1) << 62);
+    return LockFileEx(handleOf(file), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place) !=
+           0;
+}
+
 std::string platform::realPath(const std::string& path)
 {
     std::error_code failure;
@@ -142,26 +181,20 @@ void platform::removeLeftovers(const std::string& path)
 
 std::string platform::copyBeside(const std::string& path, std::FILE*& lock, std::string& error)
 {
-    const fs::path target = nativePath(path);
-    const DWORD attributes = GetFileAttributesW(target.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY)) {
-        error = attributes == INVALID_FILE_ATTRIBUTES ? reason() : "the file is read-only";
-        return std::string();
-    }
-    const fs::path copy =
-        target.parent_path() / fs::u8path(temporaryPrefix(target) + std::to_string(GetCurrentProcessId()) +
-                                          "-" + std::to_string(GetTickCount64()));
-    if (!CopyFileW(target.c_str(), copy.c_str(), TRUE)) {
-        error = "no new file can be made in the folder: " + reason();
-        return std::string();
-    }
-    // A file that is open cannot be deleted here, and one that is locked could not take the other's place.
-    lock = nullptr;
-    return copy.u8string();
+    return makeBeside(path, true, lock, error);
+}
+
+std::string platform::newBeside(const std::string& path, std::FILE*& lock, std::string& error)
+{
+    return makeBeside(path, false, lock, error);
 }
 
 bool platform::replaceFile(const std::string& temporary, const std::string& path, std::string& error)
 {
+    // Replacing keeps more of the old file than moving does, but needs one.
+    if (GetFileAttributesW(nativePath(path).c_str()) == INVALID_FILE_ATTRIBUTES &&
+        MoveFileExW(nativePath(temporary).c_str(), nativePath(path).c_str(), MOVEFILE_WRITE_THROUGH))
+        return true;
     if (ReplaceFileW(nativePath(path).c_str(), nativePath(temporary).c_str(), nullptr,
                      REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr))
         return true;

@@ -34,10 +34,39 @@ public:
         return handle;
     }
 
+    /// Gives back a handle and, once no call uses it any more, what stands behind it.
+    template <typename Handle>
+    void destroy(Handle* handle)
+    {
+        std::shared_ptr<State> state; // ends outside the lock
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            const auto found = m_states.find(handle);
+            if (found == m_states.end())
+                return;
+            state = std::move(found->second);
+            m_states.erase(found);
+        }
+        ::operator delete(handle);
+    }
+
     std::shared_ptr<State> of(const void* handle)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         return m_states.at(handle);
+    }
+
+    /// Frees what stands behind a handle, which must not be used again; false when there is nothing.
+    bool forget(const void* handle)
+    {
+        std::shared_ptr<State> state; // its end may take a while: outside the lock
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        const auto found = m_states.find(handle);
+        if (found == m_states.end())
+            return false;
+        state = std::move(found->second);
+        m_states.erase(found);
+        return true;
     }
 
 private:

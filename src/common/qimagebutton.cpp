@@ -2,10 +2,9 @@
 
 #include "common/skinwords.h"
 
-#include <QMouseEvent>
 #include <QPainter>
 
-QImageButton::QImageButton(QWidget* parent) : QPushButton(parent)
+QImageButton::QImageButton(QWidget* parent) : StripButton(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     QPalette captions = palette();
@@ -15,16 +14,13 @@ QImageButton::QImageButton(QWidget* parent) : QPushButton(parent)
     setPalette(captions);
 }
 
-QImageButton::~QImageButton() = default;
-
 bool QImageButton::setBtnImage(const QString& path)
 {
-    m_pImage = std::make_unique<SkinPicture>(path);
-    describe(m_pImage->file());
-    const QSize strip = m_pImage->size();
-    if (strip.width() == 0)
+    const QSize cell = loadStrip(path);
+    describe(stripFile());
+    if (cell.height() == 0)
         return false;
-    setFixedSize(strip.width() / 4, strip.height());
+    setFixedSize(cell);
     return true;
 }
 
@@ -45,82 +41,15 @@ void QImageButton::setBtnText(const QString& text)
     repaint();
 }
 
-void QImageButton::changeState(int state)
-{
-    if (m_nState == state)
-        return;
-    m_nState = state;
-    repaint();
-}
-
-void QImageButton::mousePressEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton) {
-        if (!isEnabled())
-            m_nState = StateDisabled;
-        else
-            changeState(StatePressed);
-    }
-    QPushButton::mousePressEvent(event);
-}
-
-void QImageButton::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton) {
-        if (!isEnabled())
-            m_nState = StateDisabled;
-        else if (m_nState == StatePressed)
-            changeState(StateNormal); // not hover, although the pointer may still be over the button
-    }
-    QPushButton::mouseReleaseEvent(event);
-}
-
-void QImageButton::enterEvent(QEvent* event)
-{
-    if (!isEnabled())
-        m_nState = StateDisabled;
-    else
-        changeState(StateHover);
-    QPushButton::enterEvent(event);
-}
-
-void QImageButton::leaveEvent(QEvent* event)
-{
-    if (!isEnabled())
-        m_nState = StateDisabled;
-    else if (m_nState == StateHover)
-        changeState(StateNormal); // a pressed button keeps its look until the release
-    QPushButton::leaveEvent(event);
-}
-
-void QImageButton::changeEvent(QEvent* event)
-{
-    if (event->type() == QEvent::EnabledChange)
-        m_nState = isEnabled() ? StateNormal : StateDisabled;
-    QPushButton::changeEvent(event);
-}
-
 void QImageButton::paintEvent(QPaintEvent* event)
 {
-    if (!m_pImage) {
-        QPushButton::paintEvent(event);
+    StripButton::paintEvent(event);
+    if (!hasStrip())
         return;
-    }
     QPainter painter(this);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform); // for ratios between the scales of the skin
-    paintStrip(painter);
     painter.setFont(QFont(QStringLiteral("Arial"), 12, QFont::Normal));
     painter.drawText(32, 27, m_strText);
     paintFocus(painter);
-}
-
-void QImageButton::paintStrip(QPainter& painter) const
-{
-    const QImage& strip = m_pImage->image(devicePixelRatioF());
-    const bool shifted = m_nState >= StateHover && m_nState <= StateDisabled;
-    // From the cell to the strip's end; the widget's edge cuts off the cells behind.
-    const int left = qRound((shifted ? m_nState * width() : 0) * strip.devicePixelRatio());
-    painter.drawImage(QPointF(0, 0), strip, QRectF(left, 0, strip.width() - left, strip.height()));
 }
 
 void QImageButton::paintFocus(QPainter& painter) const

@@ -2,11 +2,15 @@
 
 #include "common/textfit.h"
 
+#include <QEvent>
+#include <QLineEdit>
 #include <QPainter>
+#include <QRegularExpression>
 
 RetractLabel::RetractLabel(QWidget* parent) : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
+    installEventFilter(this);
 }
 
 void RetractLabel::setText(const QString& text)
@@ -34,4 +38,64 @@ void RetractLabel::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
     painter.drawText(rect(), int(alignment()) | Qt::TextWrapAnywhere, text());
+}
+
+void RetractLabel::setCanEditText(bool edit)
+{
+    if (!edit) {
+        if (m_pLineEdit)
+            m_pLineEdit->hide();
+        return;
+    }
+    makeEditor();
+    m_pLineEdit->setText(m_strName.left(extensionStart()));
+    m_pLineEdit->setGeometry(rect());
+    m_pLineEdit->show();
+    m_pLineEdit->selectAll();
+    m_pLineEdit->setFocus();
+}
+
+void RetractLabel::makeEditor()
+{
+    if (m_pLineEdit)
+        return;
+    m_pLineEdit = new QLineEdit(this);
+    connect(m_pLineEdit, SIGNAL(returnPressed()), this, SLOT(RenameOK()));
+    connect(m_pLineEdit, SIGNAL(textChanged(QString)), this, SLOT(NameChange(QString)));
+    connect(m_pLineEdit, SIGNAL(editingFinished()), this, SLOT(RenameOK()));
+}
+
+/// Where the name's last dot is; its end without one.
+int RetractLabel::extensionStart() const
+{
+    const int dot = m_strName.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? m_strName.size() : dot;
+}
+
+void RetractLabel::NameChange(const QString& text)
+{
+    static const QRegularExpression forbidden(QStringLiteral("[/:*\"<>|]"));
+    if (text.contains(forbidden))
+        m_pLineEdit->setText(m_strLastValid);
+    else
+        m_strLastValid = text;
+}
+
+void RetractLabel::RenameOK()
+{
+    const QString name = m_pLineEdit->text() + m_strName.mid(extensionStart());
+    if (name != m_strName) {
+        setText(name);
+        emit emitChangeName();
+    }
+    m_pLineEdit->hide();
+}
+
+bool RetractLabel::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != this || event->type() != QEvent::WindowDeactivate)
+        return false;
+    if (m_pLineEdit)
+        m_pLineEdit->hide();
+    return true;
 }

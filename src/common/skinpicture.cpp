@@ -4,6 +4,7 @@
 
 #include <QFileInfo>
 #include <QImageReader>
+#include <QPainter>
 
 namespace {
 constexpr qint64 maxPixels = 64ll * 1024 * 1024;
@@ -43,6 +44,11 @@ const QImage& SkinPicture::image(qreal devicePixelRatio) const
         m_doubled.setDevicePixelRatio(2);
     }
     return m_doubled.isNull() ? m_plain : m_doubled;
+}
+
+const QImage& SkinPicture::image(const QPainter& painter) const
+{
+    return image(painter.deviceTransform().m11());
 }
 
 QImage SkinPicture::read(const QString& path)

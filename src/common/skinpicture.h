@@ -3,6 +3,8 @@
 #include <QImage>
 #include <QString>
 
+class QPainter;
+
 /// One picture of the skin, at the scale of the screen it is drawn on: "name.png" on plain screens,
 /// "name@2x.png" beside it, where there is one, on denser ones. Sizes are in points and the same at both
 /// scales.
@@ -19,6 +21,8 @@ public:
     QSize size() const;
     /// The picture for a screen of this device pixel ratio, its own ratio set. Null when the file holds none.
     const QImage& image(qreal devicePixelRatio) const;
+    /// The picture for whatever this painter paints on.
+    const QImage& image(const QPainter& painter) const;
 
     /// Reads a picture whatever its name says its type is; null when it is none or larger than a screen could
     /// ever need.

@@ -4,12 +4,6 @@
 #include <QVector>
 
 namespace {
-bool fits(const QString& text, const QFontMetrics& metrics, const QSize& box)
-{
-    const QRect room(0, 0, box.width(), box.height());
-    return metrics.boundingRect(room, Qt::TextWrapAnywhere, text).height() <= box.height();
-}
-
 /// Where a text may be cut, ascending, 0 included.
 QVector<int> graphemeBoundaries(const QString& text)
 {
@@ -23,9 +17,17 @@ QVector<int> graphemeBoundaries(const QString& text)
 
 QString TextFit::elided(const QString& text, const QFontMetrics& metrics, const QSize& box)
 {
+    const QRect room(QPoint(0, 0), box);
+    return elided(text, [&](const QString& candidate) {
+        return metrics.boundingRect(room, Qt::TextWrapAnywhere, candidate).height() <= box.height();
+    });
+}
+
+QString TextFit::elided(const QString& text, const Fits& fits)
+{
     // No box that a screen holds shows more than this; laying out a longer text would only take time.
     constexpr int longestLaidOut = 4096;
-    if (text.size() <= longestLaidOut && fits(text, metrics, box))
+    if (text.size() <= longestLaidOut && fits(text))
         return text;
     const QVector<int> cuts = graphemeBoundaries(text.left(longestLaidOut));
     const auto candidate = [&](int cut) { return text.left(cuts.at(cut)) + QLatin1String("..."); };
@@ -34,7 +36,7 @@ QString TextFit::elided(const QString& text, const QFontMetrics& metrics, const 
     int tooLong = cuts.last() == text.size() ? cuts.size() - 1 : cuts.size();
     while (tooLong - fitting > 1) {
         const int middle = (fitting + tooLong) / 2;
-        (fits(candidate(middle), metrics, box) ? fitting : tooLong) = middle;
+        (fits(candidate(middle)) ? fitting : tooLong) = middle;
     }
     return candidate(fitting);
 }

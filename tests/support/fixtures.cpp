@@ -21,6 +21,7 @@ const QHash<QString, Encoding>& encodings()
 {
     static const QHash<QString, Encoding> table = {
         {QStringLiteral("mp3"), {"mp3", "-c:a libmp3lame -b:a 128k"}},
+        {QStringLiteral("mp3vbr"), {"mp3", "-c:a libmp3lame -q:a 4"}},
         {QStringLiteral("mp3novbr"), {"mp3", "-c:a libmp3lame -q:a 4 -write_xing 0"}},
         {QStringLiteral("m4a"), {"m4a", "-c:a aac -b:a 96k"}},
         {QStringLiteral("alac"), {"m4a", "-c:a alac"}},

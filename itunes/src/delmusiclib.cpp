@@ -1,5 +1,7 @@
 #include "itunes/delmusiclib.h"
 
+#include "musiclibrary.h"
+
 #ifdef __APPLE__
 #include <spawn.h>
 
@@ -12,5 +14,13 @@ void launchiTunes()
     posix_spawn(&child, "/usr/bin/open", nullptr, nullptr, const_cast<char* const*>(arguments), environ);
 }
 #else
-void launchiTunes() {}
+void launchiTunes()
+{
+    itunes::MusicLibrary::instance().prepare();
+}
 #endif
+
+unsigned char deleteMusic(uint64_t persistentId)
+{
+    return itunes::MusicLibrary::instance().remove(persistentId) ? 1 : 0;
+}

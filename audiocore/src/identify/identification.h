@@ -1,0 +1,22 @@
+#pragma once
+
+#include "audiocore/iaudioidentifier.h"
+#include "identify/cancellation.h"
+#include "identify/services.h"
+
+#include <array>
+#include <string>
+
+namespace audiocore {
+/// What one run found out.
+struct Identification
+{
+    IdentifyStatus status = IDENTIFY_NOT_RUN;
+    std::array<std::u32string, TAG_TRACK + 1> texts; ///< by TagItemType, empty when absent
+    std::string picture;                             ///< the picture file's bytes, empty when absent
+};
+
+/// Identifies the file at the path; returns soon after a cancellation. Failures are logged.
+Identification identifyFile(const std::string& path, const Services& services,
+                            const Cancellation& cancellation);
+} // namespace audiocore

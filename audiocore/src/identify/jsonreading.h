@@ -1,0 +1,28 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Reading of JSON that nobody vouches for: what is absent or of another type reads as nothing.
+namespace audiocore::json {
+using Value = nlohmann::json;
+
+/// Nothing for what is no JSON, or nested deeper or made of more values than any real answer.
+std::optional<Value> parse(const std::string& text);
+
+/// The member of that name; null when there is none.
+const Value& member(const Value& object, const char* name);
+/// The elements of an array; none when it is none.
+const std::vector<Value>& elements(const Value& array);
+/// The text on one line without blanks around it; empty when it is longer than any real one.
+std::string cleaned(std::string text);
+/// A text member, cleaned.
+std::string text(const Value& object, const char* name);
+/// A finite number member.
+std::optional<double> number(const Value& object, const char* name);
+/// A member that names an entry of the database by its 36-character identifier; empty for anything else.
+std::string identifier(const Value& object, const char* name);
+} // namespace audiocore::json

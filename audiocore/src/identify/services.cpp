@@ -1,0 +1,69 @@
+#include "identify/services.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+using audiocore::HttpAnswer;
+using audiocore::RateLimit;
+using audiocore::Service;
+using audiocore::ServiceAddresses;
+using audiocore::Services;
+
+namespace {
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr seconds longestHold{10};
+
+/// What the limits' owners ask for: three lookups a second there, one request a second here.
+struct SharedLimits
+{
+    RateLimit acoustId{milliseconds(334)};
+    RateLimit musicBrainz{milliseconds(1000)};
+    RateLimit coverArt{milliseconds(0)};
+};
+
+std::string configured(const char* variable, const char* otherwise)
+{
+    const char* value = std::getenv(variable);
+    std::string result = value && *value ? value : otherwise;
+    while (!result.empty() && result.back() == '/')
+        result.pop_back();
+    return result;
+}
+
+bool asksToSlowDown(const HttpAnswer& answer)
+{
+    return answer.outcome == HttpAnswer::Outcome::Answered && (answer.code == 503 || answer.code == 429);
+}
+} // namespace
+
+ServiceAddresses audiocore::configuredAddresses()
+{
+    return {configured("MELODRIFT_ACOUSTID_URL", "https://api.acoustid.org"),
+            configured("MELODRIFT_MUSICBRAINZ_URL", "https://musicbrainz.org"),
+            configured("MELODRIFT_COVERART_URL", "https://coverartarchive.org"),
+            configured("MELODRIFT_ACOUSTID_KEY", MELODRIFT_ACOUSTID_KEY)};
+}
+
+HttpAnswer Service::ask(const HttpRequest& request, const Cancellation& cancellation) const
+{
+    for (bool again = false;; again = true) {
+        HttpAnswer answer;
+        answer.outcome = HttpAnswer::Outcome::Cancelled;
+        if (!m_limit.waitForTurn(cancellation))
+            return answer;
+        answer = m_client.send(request, cancellation);
+        if (again || !asksToSlowDown(answer) || answer.retryAfter > longestHold)
+            return answer;
+        m_limit.holdFor(std::max(answer.retryAfter, seconds(1)));
+    }
+}
+
+Services audiocore::sharedServices()
+{
+    static auto* limits = new SharedLimits; // kept to the end of the process, for threads that outlive main
+    static const HttpClient client;
+    return {configuredAddresses(), Service(client, limits->acoustId), Service(client, limits->musicBrainz),
+            Service(client, limits->coverArt)};
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "identify/httpclient.h"
+#include "identify/ratelimit.h"
+
+#include <string>
+
+namespace audiocore {
+/// Where the services are.
+struct ServiceAddresses
+{
+    std::string acoustId;
+    std::string musicBrainz;
+    std::string coverArt;
+    std::string key; ///< of this application, for AcoustID; empty when there is none
+};
+
+/// The public services, or those that the environment variables MELODRIFT_ACOUSTID_URL,
+/// MELODRIFT_MUSICBRAINZ_URL and MELODRIFT_COVERART_URL name; the key is MELODRIFT_ACOUSTID_KEY of the
+/// environment or of the build.
+ServiceAddresses configuredAddresses();
+
+/// One service: its pace and its manners.
+class Service
+{
+public:
+    Service(const HttpClient& client, RateLimit& limit) : m_client(client), m_limit(limit) {}
+
+    /// Sends the request when its turn has come, and once more when the service asks to slow down and does
+    /// not ask for more than ten seconds.
+    HttpAnswer ask(const HttpRequest& request, const Cancellation& cancellation) const;
+
+private:
+    const HttpClient& m_client;
+    RateLimit& m_limit;
+};
+
+/// All that an identification needs of the network.
+struct Services
+{
+    ServiceAddresses addresses;
+    Service acoustId;
+    Service musicBrainz;
+    Service coverArt;
+};
+
+/// The configured services with the limits that all identifications of the process share.
+Services sharedServices();
+} // namespace audiocore

@@ -1,0 +1,219 @@
+#include "playback.h"
+
+#include "log.h"
+
+#include <algorithm>
+#include <utility>
+
+using audiocore::Playback;
+
+namespace {
+/// How often the position is looked at while the song plays.
+constexpr std::chrono::milliseconds tick(20);
+} // namespace
+
+Playback::Playback(std::string path, AudioFormat format, std::int64_t milliseconds)
+    : m_path(std::move(path)), m_format(format), m_duration(milliseconds), m_thread([this] { run(); })
+{
+}
+
+Playback::~Playback()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_quit = true;
+    }
+    m_work.notify_one();
+    m_thread.join();
+}
+
+Playback::Phase Playback::waitUntilOpen(std::chrono::milliseconds limit)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_opened.wait_for(lock, limit, [this] { return m_phase != Phase::Opening; });
+    return m_phase;
+}
+
+void Playback::play()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (hasEnded())
+            m_wishedTarget = 0;
+        m_play = true;
+        m_woken = true;
+    }
+    m_work.notify_one();
+}
+
+void Playback::pause()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_play = false;
+        m_woken = true;
+    }
+    m_work.notify_one();
+}
+
+void Playback::seek(std::int64_t milliseconds)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_wishedTarget = std::clamp<std::int64_t>(milliseconds, 0, m_duration);
+        m_woken = true;
+    }
+    m_work.notify_one();
+}
+
+Playback::Phase Playback::phase() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_phase;
+}
+
+bool Playback::playing() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_play;
+}
+
+bool Playback::finished() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return hasEnded();
+}
+
+std::int64_t Playback::duration() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_duration;
+}
+
+std::int64_t Playback::position() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_phase == Phase::Failed)
+        return 0;
+    if (hasEnded())
+        return m_duration;
+    const std::int64_t shown = m_wishedTarget ? *m_wishedTarget : m_target.value_or(m_position);
+    return std::min(shown, m_duration);
+}
+
+/// The end counts only while nobody wishes to be elsewhere.
+bool Playback::hasEnded() const
+{
+    return m_finished && !m_wishedTarget && !m_target;
+}
+
+void Playback::wake(void* playback)
+{
+    auto* self = static_cast<Playback*>(playback);
+    {
+        const std::lock_guard<std::mutex> lock(self->m_mutex);
+        self->m_woken = true;
+    }
+    self->m_work.notify_one();
+}
+
+void Playback::run()
+{
+    PlaybackEngine engine(m_path, m_format, wake, this);
+    for (;;) {
+        handleEvents(engine);
+        if (phase() == Phase::Ready) {
+            carryWishes(engine);
+            look(engine);
+        }
+        waitForWork();
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_quit)
+            return;
+    }
+}
+
+void Playback::waitForWork()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    const auto work = [this] { return m_woken || m_quit; };
+    if (m_enginePlays)
+        m_work.wait_for(lock, tick, work);
+    else
+        m_work.wait(lock, work);
+    m_woken = false;
+}
+
+void Playback::handleEvents(PlaybackEngine& engine)
+{
+    for (;;) {
+        switch (engine.nextEvent()) {
+        case PlaybackEngine::Event::None:
+            return;
+        case PlaybackEngine::Event::Loaded:
+            setPhase(Phase::Ready, engine.duration());
+            break;
+        case PlaybackEngine::Event::Broken:
+            audiocore::logLine(m_path, "cannot be played: " + engine.error());
+            m_enginePlays = false;
+            setPhase(Phase::Failed, 0);
+            break;
+        case PlaybackEngine::Event::Arrived: {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_position = m_target.value_or(m_position);
+            m_target.reset();
+            m_finished = false;
+            break;
+        }
+        }
+    }
+}
+
+void Playback::setPhase(Phase phase, std::int64_t duration)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_phase = phase;
+        if (m_duration == 0 || phase == Phase::Failed)
+            m_duration = duration;
+    }
+    m_opened.notify_all();
+}
+
+/// One seek at a time: of all that is wished meanwhile the last one follows.
+void Playback::carryWishes(PlaybackEngine& engine)
+{
+    bool play = false;
+    std::optional<std::int64_t> target;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_wishedTarget && !m_target) {
+            target = std::exchange(m_wishedTarget, std::nullopt);
+            m_target = target;
+        }
+        // Sound starts at the target only, never with what was ready before the seek.
+        play = m_play && (m_enginePlays || !m_target);
+    }
+    if (target && !engine.seek(*target)) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_target.reset();
+    }
+    if (play != m_enginePlays)
+        engine.setPaused(!play);
+    m_enginePlays = play;
+}
+
+void Playback::look(const PlaybackEngine& engine)
+{
+    const bool atEnd = engine.atEnd();
+    const std::optional<std::int64_t> position = engine.position();
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_wishedTarget || m_target)
+        return;
+    m_position = position.value_or(m_position);
+    if (atEnd && !m_finished) {
+        m_play = false;
+        m_woken = true; // to tell the engine
+    }
+    m_finished = atEnd;
+}

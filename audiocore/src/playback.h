@@ -1,0 +1,69 @@
+#pragma once
+
+#include "playbackengine.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace audiocore {
+/// The playback of one file. A thread of its own carries the wishes to the engine and keeps what is shown of
+/// it, so that no call waits for the engine. Any thread.
+class Playback
+{
+public:
+    enum class Phase { Opening, Ready, Failed };
+
+    /// `milliseconds` is the length when it is known, else 0.
+    Playback(std::string path, AudioFormat format, std::int64_t milliseconds);
+    /// Ends the playback.
+    ~Playback();
+    Playback(const Playback&) = delete;
+    Playback& operator=(const Playback&) = delete;
+
+    /// Whether the file can be played; still Opening when that took longer than the limit.
+    Phase waitUntilOpen(std::chrono::milliseconds limit);
+
+    void play();
+    void pause();
+    void seek(std::int64_t milliseconds);
+
+    Phase phase() const;
+    bool playing() const;
+    bool finished() const;
+    std::int64_t duration() const;
+    std::int64_t position() const;
+
+private:
+    static void wake(void* playback);
+    void run();
+    void waitForWork();
+    void handleEvents(PlaybackEngine& engine);
+    void carryWishes(PlaybackEngine& engine);
+    void look(const PlaybackEngine& engine);
+    void setPhase(Phase phase, std::int64_t duration);
+    bool hasEnded() const;
+
+    const std::string m_path;
+    const AudioFormat m_format;
+
+    mutable std::mutex m_mutex; ///< never held while the engine is called, which calls wake()
+    std::condition_variable m_work;
+    std::condition_variable m_opened;
+    bool m_woken = false;
+    bool m_quit = false;
+    // What is wished.
+    bool m_play = false;
+    std::optional<std::int64_t> m_wishedTarget;
+    // What is shown.
+    Phase m_phase = Phase::Opening;
+    std::int64_t m_duration;
+    std::int64_t m_position = 0;
+    bool m_finished = false;
+    std::optional<std::int64_t> m_target; ///< of the seek that is under way
+
+    bool m_enginePlays = false; ///< of the thread alone
+    std::thread m_thread;       ///< last, so that it finds everything made
+};
+} // namespace audiocore

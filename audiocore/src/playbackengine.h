@@ -1,0 +1,62 @@
+#pragma once
+
+#include "audiocore/iaudiodecoder.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+struct mpv_handle;
+
+namespace audiocore {
+/// Makes the process's numeric locale the one that the engine demands. A thread's own locale does not help:
+/// the engine looks at the process's.
+void setEngineLocale();
+
+/// One file in a playback engine of its own, from the start paused. All calls from one thread; they may take
+/// as long as the engine is busy, with the sound device for example.
+class PlaybackEngine
+{
+public:
+    enum class Event {
+        None,
+        Loaded,
+        Arrived, ///< the seek is done
+        Broken   ///< the file cannot be played, or not any further
+    };
+
+    /// `wake` is called on any thread when there are events; it must not call the engine.
+    PlaybackEngine(const std::string& path, AudioFormat format, void (*wake)(void*), void* context);
+    ~PlaybackEngine();
+    PlaybackEngine(const PlaybackEngine&) = delete;
+    PlaybackEngine& operator=(const PlaybackEngine&) = delete;
+
+    Event nextEvent();
+    /// Why the file is broken.
+    const std::string& error() const { return m_error; }
+
+    void setPaused(bool paused);
+    /// False when no seek began, so none will arrive.
+    bool seek(std::int64_t milliseconds);
+    /// Nothing while the engine does not know.
+    std::optional<std::int64_t> position() const;
+    std::int64_t duration() const;
+    bool atEnd() const;
+
+private:
+    struct Destroy
+    {
+        void operator()(mpv_handle* engine) const;
+    };
+
+    bool start(const char* lavfFormat, void (*wake)(void*), void* context);
+    void breakWith(int code);
+    std::optional<std::int64_t> milliseconds(const char* property) const;
+
+    const std::string m_path;
+    std::unique_ptr<mpv_handle, Destroy> m_engine;
+    std::string m_error;
+    bool m_toldStartError = false;
+};
+} // namespace audiocore

@@ -1,0 +1,73 @@
+#include "songstream.h"
+
+#include "platform.h"
+
+#include <memory>
+
+namespace platform = audiocore::platform;
+
+namespace {
+struct Song
+{
+    std::FILE* file;
+    std::int64_t position = 0;
+};
+
+Song* songOf(void* cookie)
+{
+    return static_cast<Song*>(cookie);
+}
+
+std::int64_t read(void* cookie, char* bytes, std::uint64_t count)
+{
+    Song* song = songOf(cookie);
+    const auto got = std::int64_t(platform::readAt(song->file, song->position, bytes, std::size_t(count)));
+    song->position += got;
+    return got;
+}
+
+std::int64_t seek(void* cookie, std::int64_t position)
+{
+    if (position < 0)
+        return MPV_ERROR_GENERIC;
+    return songOf(cookie)->position = position;
+}
+
+std::int64_t size(void* cookie)
+{
+    platform::FileState state;
+    return platform::stateOf(songOf(cookie)->file, state) ? state.size : std::int64_t(MPV_ERROR_GENERIC);
+}
+
+void close(void* cookie)
+{
+    const std::unique_ptr<Song> song(songOf(cookie));
+    std::fclose(song->file);
+}
+
+/// Looks at the opened file itself, so that nothing else can take its place in between.
+int open(void* path, char*, mpv_stream_cb_info* info)
+{
+    std::FILE* file = platform::openFile(*static_cast<const std::string*>(path), false);
+    if (!file)
+        return MPV_ERROR_LOADING_FAILED;
+    platform::FileState state;
+    if (!platform::stateOf(file, state) || !state.regular) {
+        std::fclose(file);
+        return MPV_ERROR_LOADING_FAILED;
+    }
+    *info = {};
+    info->cookie = new Song{file};
+    info->read_fn = read;
+    info->seek_fn = seek;
+    info->size_fn = size;
+    info->close_fn = close;
+    return 0;
+}
+} // namespace
+
+const char* audiocore::offerSong(mpv_handle* engine, const std::string& path)
+{
+    void* cookie = const_cast<std::string*>(&path);
+    return mpv_stream_cb_add_ro(engine, "song", cookie, open) == 0 ? "song://" : nullptr;
+}

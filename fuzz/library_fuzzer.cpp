@@ -1,0 +1,82 @@
+// Arbitrary bytes as a music library: read, and if that succeeds changed, written and read again.
+#include "audiocore/log.h"
+#include "libraryreading.h"
+#include "librarywrite.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+
+namespace {
+/// One file in a folder of this process. Writing a library flushes to the disk: a TMPDIR in memory makes the
+/// fuzzer many times faster.
+std::string inputPath()
+{
+    std::string folder = (std::filesystem::temp_directory_path() / "melodrift-fuzz-XXXXXX").string();
+    if (mkdtemp(folder.data()) == nullptr)
+        std::abort();
+    return folder + "/input";
+}
+
+void write(const std::string& path, const std::uint8_t* data, std::size_t size)
+{
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (file == nullptr || std::fwrite(data, 1, size, file) != size || std::fclose(file) != 0)
+        std::abort();
+}
+
+std::unique_ptr<itunes::TrackStore> read(const std::string& path, const itunes::TrackChanges& changes)
+{
+    std::string error;
+    return itunes::readLibrary(path, changes, error);
+}
+
+bool same(const char* a, const char* b)
+{
+    return a == b || (a && b && std::strcmp(a, b) == 0);
+}
+
+/// What is written must read as it was promised.
+void expectEqual(itunes::TrackStore& promised, itunes::TrackStore& written)
+{
+    if (promised.count() != written.count())
+        std::abort();
+    for (int i = 0; i < promised.count(); ++i) {
+        const iTunesTrackRecord& a = promised.records()[i];
+        const iTunesTrackRecord& b = written.records()[i];
+        if (!same(a.name, b.name) || !same(a.artist, b.artist) || !same(a.album, b.album) ||
+            !same(a.genre, b.genre) || !same(a.location, b.location) || a.year != b.year)
+            std::abort();
+    }
+}
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const std::string path = inputPath();
+    static const bool quiet = (SetAudioCoreLogSink([](const char*) {}), true);
+    static_cast<void>(quiet);
+    write(path, data, size);
+
+    const std::unique_ptr<itunes::TrackStore> store = read(path, {});
+    if (!store)
+        return 0;
+    // Every other track is edited, the rest deleted.
+    itunes::TrackChanges changes;
+    for (int i = 0; i < store->count(); ++i)
+        if (const char* id = store->records()[i].persistentId)
+            changes[std::strtoull(id, nullptr, 16)] = {i % 2 == 1, {"a<&>\r\n", "", "\xC3\xA9", "Pop", 1999}};
+    const std::unique_ptr<itunes::TrackStore> promised = read(path, changes);
+    std::string error;
+    if (!promised || !itunes::writeChanges(path, changes, error))
+        std::abort();
+    const std::unique_ptr<itunes::TrackStore> written = read(path, {});
+    if (!written)
+        std::abort();
+    expectEqual(*promised, *written);
+    return 0;
+}

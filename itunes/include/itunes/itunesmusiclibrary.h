@@ -1,0 +1,19 @@
+#pragma once
+
+#include "itunes/itunestrackrecord.h"
+
+/// Reads the library anew. Sets `*records` to the first of `*count` records, in the library's order, or to
+/// null when there are none: no library file was found, it is empty, or it is broken, which one log line
+/// tells with line and column. The array and its texts belong to the library and stay valid until the next
+/// call; the memory of the array before goes only when that next call begins. The caller may set fields of
+/// the records. Any thread.
+void GetMusicInfo(iTunesTrackRecord** records, int* count);
+
+/// Names the library file to use, UTF-8; null or empty: the one that the environment variable
+/// MELODRIFT_ITUNES_LIBRARY names, else the first of the usual ones. Holds from the next reading on; what is
+/// pending for another file is written first.
+void setITunesLibraryOption(const char* path);
+
+/// Writes what is pending and ends all work in the background. For the program's end, whether or not the
+/// library was used; calls after it begin anew.
+void closeITunesLibrary();

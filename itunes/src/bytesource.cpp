@@ -1,0 +1,166 @@
+#include "bytesource.h"
+
+#include "platform.h"
+
+using itunes::ByteSource;
+using itunes::Encoding;
+
+namespace {
+constexpr std::size_t rawBlock = 128 * 1024;
+constexpr unsigned replacement = 0xFFFD;
+
+Encoding encodingOf(const unsigned char* head, std::size_t size)
+{
+    if (size < 2)
+        return Encoding::Utf8;
+    const unsigned first = head[0];
+    const unsigned second = head[1];
+    if ((first == 0xFF && second == 0xFE) || (first == '<' && second == 0))
+        return Encoding::Utf16Little;
+    if ((first == 0xFE && second == 0xFF) || (first == 0 && second == '<'))
+        return Encoding::Utf16Big;
+    return Encoding::Utf8;
+}
+
+bool isHigh(unsigned unit)
+{
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+
+bool isLow(unsigned unit)
+{
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
+std::size_t put(char* out, unsigned c)
+{
+    if (c < 0x80) {
+        out[0] = char(c);
+        return 1;
+    }
+    if (c < 0x800) {
+        out[0] = char(0xC0 | (c >> 6));
+        out[1] = char(0x80 | (c & 0x3F));
+        return 2;
+    }
+    if (c < 0x10000) {
+        out[0] = char(0xE0 | (c >> 12));
+        out[1] = char(0x80 | ((c >> 6) & 0x3F));
+        out[2] = char(0x80 | (c & 0x3F));
+        return 3;
+    }
+    out[0] = char(0xF0 | (c >> 18));
+    out[1] = char(0x80 | ((c >> 12) & 0x3F));
+    out[2] = char(0x80 | ((c >> 6) & 0x3F));
+    out[3] = char(0x80 | (c & 0x3F));
+    return 4;
+}
+
+void putUnit(std::string& out, unsigned unit, Encoding encoding)
+{
+    const char low = char(unit & 0xFF);
+    const char high = char(unit >> 8);
+    out += encoding == Encoding::Utf16Little ? low : high;
+    out += encoding == Encoding::Utf16Little ? high : low;
+}
+
+/// The character at `at`, surrogate halves included, and moves on.
+unsigned characterAt(const std::string& text, std::size_t& at)
+{
+    const auto byte = [&text](std::size_t i) { return unsigned(static_cast<unsigned char>(text[i])); };
+    const unsigned first = byte(at);
+    const std::size_t length = first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    if (at + length > text.size() || (length == 1 && first >= 0x80)) {
+        ++at;
+        return replacement;
+    }
+    unsigned c = length == 1 ? first : first & (0x7Fu >> length);
+    for (std::size_t i = 1; i < length; ++i)
+        c = (c << 6) | (byte(at + i) & 0x3F);
+    at += length;
+    return c;
+}
+} // namespace
+
+ByteSource::ByteSource(std::FILE* file) : m_file(file)
+{
+    unsigned char head[2] = {};
+    m_encoding = encodingOf(head, audiocore::platform::readAt(file, 0, head, sizeof head));
+}
+
+void ByteSource::rewind()
+{
+    m_offset = 0;
+    m_raw.clear();
+    m_at = 0;
+}
+
+std::size_t ByteSource::read(char* bytes, std::size_t count)
+{
+    if (m_encoding != Encoding::Utf8)
+        return readUtf16(bytes, count);
+    const std::size_t got = audiocore::platform::readAt(m_file, m_offset, bytes, count);
+    m_offset += std::int64_t(got);
+    return got;
+}
+
+void ByteSource::fill()
+{
+    m_raw.erase(m_raw.begin(), m_raw.begin() + std::ptrdiff_t(m_at));
+    m_at = 0;
+    const std::size_t left = m_raw.size();
+    m_raw.resize(left + rawBlock);
+    const std::size_t got = audiocore::platform::readAt(m_file, m_offset, m_raw.data() + left, rawBlock);
+    m_raw.resize(left + got);
+    m_offset += std::int64_t(got);
+}
+
+unsigned ByteSource::unitAt(std::size_t index) const
+{
+    const unsigned first = m_raw[index];
+    const unsigned second = m_raw[index + 1];
+    return m_encoding == Encoding::Utf16Little ? first | second << 8 : first << 8 | second;
+}
+
+std::size_t ByteSource::readUtf16(char* bytes, std::size_t count)
+{
+    std::size_t done = 0;
+    while (done + 4 <= count) {
+        if (m_raw.size() - m_at < 4)
+            fill();
+        if (m_raw.size() - m_at < 2) {
+            // Half a unit at the end is no text: what reads it sees that the file is damaged.
+            if (m_raw.size() - m_at == 1) {
+                m_at = m_raw.size();
+                done += put(bytes + done, '<');
+            }
+            break;
+        }
+        unsigned c = unitAt(m_at);
+        m_at += 2;
+        if (isHigh(c) && m_raw.size() - m_at >= 2 && isLow(unitAt(m_at))) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (unitAt(m_at) - 0xDC00);
+            m_at += 2;
+        }
+        done += put(bytes + done, c);
+    }
+    return done;
+}
+
+std::string itunes::encoded(const std::string& text, Encoding encoding)
+{
+    if (encoding == Encoding::Utf8)
+        return text;
+    std::string out;
+    out.reserve(text.size() * 2);
+    for (std::size_t at = 0; at < text.size();) {
+        const unsigned c = characterAt(text, at);
+        if (c >= 0x10000) {
+            putUnit(out, 0xD800 + ((c - 0x10000) >> 10), encoding);
+            putUnit(out, 0xDC00 + ((c - 0x10000) & 0x3FF), encoding);
+        } else {
+            putUnit(out, c, encoding);
+        }
+    }
+    return out;
+}

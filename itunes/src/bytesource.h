@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace itunes {
+enum class Encoding { Utf8, Utf16Little, Utf16Big };
+
+/// A file's text as UTF-8, from the first byte to the last, byte-order mark included. Surrogate halves of
+/// UTF-16 that stand alone become the three bytes that UTF-8 would have for them, so that nothing is lost on
+/// the way back.
+class ByteSource
+{
+public:
+    /// The file stays the caller's and is read by position only.
+    explicit ByteSource(std::FILE* file);
+
+    Encoding encoding() const { return m_encoding; }
+    void rewind();
+    /// The bytes read; 0 at the end, never for want of room: `count` is at least 8.
+    std::size_t read(char* bytes, std::size_t count);
+
+private:
+    std::size_t readUtf16(char* bytes, std::size_t count);
+    unsigned unitAt(std::size_t index) const;
+    void fill();
+
+    std::FILE* m_file;
+    Encoding m_encoding = Encoding::Utf8;
+    std::int64_t m_offset = 0;
+    std::vector<unsigned char> m_raw; ///< UTF-16 that waits
+    std::size_t m_at = 0;
+};
+
+/// UTF-8 as ByteSource gives it, in the encoding that it came from.
+std::string encoded(const std::string& text, Encoding encoding);
+} // namespace itunes

@@ -1,0 +1,63 @@
+#include "delayedwork.h"
+
+using itunes::DelayedWork;
+
+DelayedWork::DelayedWork(std::function<void()> work, std::chrono::milliseconds pause)
+    : m_work(std::move(work)), m_pause(pause)
+{
+}
+
+DelayedWork::~DelayedWork()
+{
+    stop();
+}
+
+void DelayedWork::ask()
+{
+    askFor(Clock::now() + m_pause);
+}
+
+void DelayedWork::askAtOnce()
+{
+    askFor(Clock::now());
+}
+
+void DelayedWork::askFor(Clock::time_point due)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_due = due;
+    if (!m_thread.joinable())
+        m_thread = std::thread([this] { run(); });
+    m_changed.notify_one();
+}
+
+void DelayedWork::stop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_ending = true;
+        m_changed.notify_one();
+    }
+    if (m_thread.joinable())
+        m_thread.join();
+    m_thread = std::thread();
+    m_ending = false;
+    m_due = Clock::time_point::max();
+}
+
+void DelayedWork::run()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_ending) {
+        if (m_due == Clock::time_point::max()) {
+            m_changed.wait(lock);
+        } else if (Clock::now() < m_due) {
+            m_changed.wait_until(lock, m_due);
+        } else {
+            m_due = Clock::time_point::max();
+            lock.unlock();
+            m_work();
+            lock.lock();
+        }
+    }
+}

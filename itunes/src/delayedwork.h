@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace itunes {
+/// Does a piece of work in the background once the reasons for it have paused. The thread lives from the
+/// first reason to stop().
+class DelayedWork
+{
+public:
+    DelayedWork(std::function<void()> work, std::chrono::milliseconds pause);
+    ~DelayedWork();
+    DelayedWork(const DelayedWork&) = delete;
+    DelayedWork& operator=(const DelayedWork&) = delete;
+
+    /// There is a reason to work; each call begins the pause anew.
+    void ask();
+    /// The same without any pause.
+    void askAtOnce();
+    /// Waits for work that goes on and ends the thread; what was only asked for is not done.
+    void stop();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void askFor(Clock::time_point due);
+    void run();
+
+    const std::function<void()> m_work;
+    const std::chrono::milliseconds m_pause;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::thread m_thread;
+    Clock::time_point m_due = Clock::time_point::max();
+    bool m_ending = false;
+};
+} // namespace itunes

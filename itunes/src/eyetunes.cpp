@@ -1,0 +1,7 @@
+#include "itunes/eyetunes.h"
+
+EyeTunes* EyeTunes::sharedInstance()
+{
+    static EyeTunes instance;
+    return &instance;
+}

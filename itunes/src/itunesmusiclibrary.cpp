@@ -1,0 +1,20 @@
+#include "itunes/itunesmusiclibrary.h"
+
+#include "musiclibrary.h"
+
+using itunes::MusicLibrary;
+
+void GetMusicInfo(iTunesTrackRecord** records, int* count)
+{
+    MusicLibrary::instance().read(records, count);
+}
+
+void setITunesLibraryOption(const char* path)
+{
+    MusicLibrary::instance().setOption(path ? path : "");
+}
+
+void closeITunesLibrary()
+{
+    MusicLibrary::instance().close();
+}

@@ -1,0 +1,105 @@
+#include "librarysplices.h"
+
+using itunes::EntrySplices;
+using itunes::Field;
+using itunes::PlaylistSplices;
+
+namespace {
+/// Fields that are edited, and those that a new one may follow, in the order that entries have.
+constexpr std::array<Field, 10> order = {Field::TrackId,     Field::Name, Field::Artist, Field::Album,
+                                         Field::Genre,       Field::Kind, Field::Size,   Field::TotalTime,
+                                         Field::TrackNumber, Field::Year};
+} // namespace
+
+std::size_t EntrySplices::placeOf(Field field)
+{
+    std::size_t place = 0;
+    while (place < places && order[place] != field)
+        ++place;
+    return place;
+}
+
+void EntrySplices::trackBegins(std::uint64_t key, std::uint64_t inside)
+{
+    for (Place& place : m_entry) {
+        place.wholes.clear();
+        place.text.clear();
+    }
+    m_id = 0;
+    m_trackId = key;
+    m_inside = inside;
+    m_hasLead = false;
+}
+
+void EntrySplices::trackHas(const Pair& pair)
+{
+    if (!m_hasLead)
+        m_lead = pair.lead;
+    m_hasLead = true;
+    if (pair.field == Field::PersistentId)
+        m_id = identifierOf(pair.text);
+    if (pair.field == Field::TrackId)
+        m_trackId = numberOf(pair.text);
+    const std::size_t at = placeOf(pair.field);
+    if (at == places)
+        return;
+    Place& place = m_entry[at];
+    place.wholes.push_back(pair.whole);
+    place.value = pair.value;
+    place.text = pair.text;
+}
+
+void EntrySplices::trackEnds(const Span& whole)
+{
+    ++m_tracks;
+    const auto found = m_id ? m_changes.find(m_id) : m_changes.end();
+    if (found == m_changes.end())
+        return;
+    if (!found->second.deleted) {
+        changeEntry(found->second.edit);
+        return;
+    }
+    ++m_gone;
+    m_deleted.insert(m_trackId);
+    m_splices.push_back({whole, std::string()});
+}
+
+void EntrySplices::changeEntry(const TrackEdit& edit)
+{
+    change(Field::Name, "Name", edit.name, "string");
+    change(Field::Artist, "Artist", edit.artist, "string");
+    change(Field::Album, "Album", edit.album, "string");
+    change(Field::Genre, "Genre", edit.genre, "string");
+    const std::string& year = m_entry[placeOf(Field::Year)].text;
+    if (numberOf(year) != std::uint64_t(edit.year))
+        change(Field::Year, "Year", edit.year ? std::to_string(edit.year) : std::string(), "integer");
+}
+
+void EntrySplices::change(Field field, const char* key, const std::string& wanted, const char* element)
+{
+    const Place& place = m_entry[placeOf(field)];
+    if (place.text == wanted)
+        return;
+    if (wanted.empty()) {
+        for (const Span& whole : place.wholes)
+            m_splices.push_back({whole, std::string()});
+        return;
+    }
+    const std::string tag = element;
+    const std::string value = '<' + tag + '>' + escaped(wanted) + "</" + tag + '>';
+    if (!place.wholes.empty()) {
+        m_splices.push_back({place.value, value});
+        return;
+    }
+    std::uint64_t behind = m_inside;
+    for (std::size_t i = 0; i < placeOf(field); ++i)
+        if (!m_entry[i].wholes.empty())
+            behind = std::max(behind, m_entry[i].wholes.back().end);
+    m_splices.push_back({{behind, behind}, m_lead + "<key>" + key + "</key>" + value});
+}
+
+void PlaylistSplices::playlistItem(std::uint64_t trackId, const Span& whole)
+{
+    if (m_trackIds.count(trackId) > 0)
+        m_splices.push_back({whole, std::string()});
+}

@@ -1,0 +1,183 @@
+#include "librarywrite.h"
+
+#include "libraryreading.h"
+#include "librarysplices.h"
+#include "platform.h"
+
+#include <algorithm>
+
+using itunes::ByteSource;
+using itunes::Splice;
+namespace platform = audiocore::platform;
+
+namespace {
+constexpr std::size_t blockSize = 1024 * 1024;
+
+enum class Outcome { Done, Failed, ChangedMeanwhile };
+
+/// Writes a file from its beginning, in large blocks.
+class BlockWriter
+{
+public:
+    BlockWriter(std::FILE* file, itunes::Encoding encoding) : m_file(file), m_encoding(encoding) {}
+
+    void add(std::string_view text)
+    {
+        if (m_encoding == itunes::Encoding::Utf8)
+            m_block += text;
+        else
+            m_block += itunes::encoded(std::string(text), m_encoding);
+        if (m_block.size() >= blockSize)
+            write();
+    }
+    /// True when everything is on the disk.
+    bool finish()
+    {
+        write();
+        return m_whole && platform::syncToDevice(m_file);
+    }
+
+private:
+    void write()
+    {
+        m_whole =
+            m_whole && platform::writeAt(m_file, m_offset, m_block.data(), m_block.size()) == m_block.size();
+        m_offset += std::int64_t(m_block.size());
+        m_block.clear();
+    }
+
+    std::FILE* m_file;
+    itunes::Encoding m_encoding;
+    std::string m_block;
+    std::int64_t m_offset = 0;
+    bool m_whole = true;
+};
+
+bool walk(std::FILE* file, itunes::LibraryVisitor& visitor, std::string& error)
+{
+    ByteSource source(file);
+    itunes::XmlScanner scanner(source);
+    if (itunes::walkLibrary(scanner, visitor))
+        return true;
+    error = itunes::describeError(file, scanner);
+    return false;
+}
+
+/// What has to change, in the file's order.
+bool findSplices(std::FILE* file, const itunes::TrackChanges& changes, std::vector<Splice>& splices,
+                 std::uint64_t& tracksLeft, std::string& error)
+{
+    itunes::EntrySplices entries(changes);
+    if (!walk(file, entries, error))
+        return false;
+    splices = entries.splices();
+    tracksLeft = entries.tracksLeft();
+    if (!entries.deleted().empty()) {
+        itunes::PlaylistSplices items(entries.deleted());
+        if (!walk(file, items, error))
+            return false;
+        splices.insert(splices.end(), items.splices().begin(), items.splices().end());
+    }
+    // New fields behind the same place keep their order.
+    std::stable_sort(splices.begin(), splices.end(),
+                     [](const Splice& a, const Splice& b) { return a.old.begin < b.old.begin; });
+    return true;
+}
+
+bool copySpliced(std::FILE* from, std::FILE* to, const std::vector<Splice>& splices)
+{
+    ByteSource source(from);
+    BlockWriter writer(to, source.encoding());
+    std::vector<char> block(blockSize);
+    std::uint64_t begin = 0; // of the block
+    std::uint64_t done = 0;
+    auto splice = splices.begin();
+    for (std::size_t got = source.read(block.data(), block.size()); got > 0;
+         got = source.read(block.data(), block.size())) {
+        const std::uint64_t end = begin + got;
+        const auto copyTo = [&](std::uint64_t place) {
+            if (place > done)
+                writer.add({block.data() + (done - begin), std::size_t(place - done)});
+            done = std::max(done, place);
+        };
+        for (; splice != splices.end() && splice->old.begin < end; ++splice) {
+            copyTo(splice->old.begin);
+            writer.add(splice->text);
+            done = std::max(done, splice->old.end);
+        }
+        copyTo(end);
+        begin = end;
+    }
+    return writer.finish();
+}
+
+/// Whether the new file is a sound library of so many tracks: the old one is not given up for less.
+bool isSound(std::FILE* file, std::uint64_t tracks, std::string& error)
+{
+    const itunes::TrackChanges none;
+    itunes::EntrySplices entries(none);
+    if (!walk(file, entries, error))
+        return false;
+    if (entries.tracks() == tracks)
+        return true;
+    error = "the new file does not hold the tracks that it should";
+    return false;
+}
+
+bool writeBeside(std::FILE* library, const std::string& temporary, const std::vector<Splice>& splices,
+                 std::uint64_t tracksLeft, std::string& error)
+{
+    const itunes::File file(platform::openFile(temporary, true));
+    if (!file || !copySpliced(library, file.get(), splices)) {
+        error = "the new file cannot be written, the disk may be full";
+        return false;
+    }
+    return isSound(file.get(), tracksLeft, error);
+}
+
+Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, std::string& error)
+{
+    itunes::File library = itunes::openLibrary(path, error);
+    platform::FileState before;
+    if (!library || !platform::stateOf(library.get(), before))
+        return Outcome::Failed;
+    std::vector<Splice> splices;
+    std::uint64_t tracksLeft = 0;
+    if (!findSplices(library.get(), changes, splices, tracksLeft, error))
+        return Outcome::Failed;
+    if (splices.empty())
+        return Outcome::Done;
+
+    std::FILE* lockFile = nullptr;
+    const std::string temporary = platform::newBeside(path, lockFile, error);
+    const itunes::File lock(lockFile);
+    if (temporary.empty())
+        return Outcome::Failed;
+    Outcome outcome = Outcome::Failed;
+    const bool written = writeBeside(library.get(), temporary, splices, tracksLeft, error);
+    library.reset(); // what is open cannot be replaced everywhere
+    if (written) {
+        platform::FileState now;
+        if (!platform::stateOf(path, now) || !(now == before))
+            outcome = Outcome::ChangedMeanwhile;
+        else if (platform::replaceFile(temporary, path, error))
+            outcome = Outcome::Done;
+    }
+    if (outcome != Outcome::Done)
+        platform::removeFile(temporary);
+    return outcome;
+}
+} // namespace
+
+bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, std::string& error)
+{
+    constexpr int attempts = 5;
+    platform::removeLeftovers(path);
+    for (int i = 0; i < attempts; ++i) {
+        const Outcome outcome = tryOnce(path, changes, error);
+        if (outcome != Outcome::ChangedMeanwhile)
+            return outcome == Outcome::Done;
+    }
+    error = "another program keeps changing the file";
+    return false;
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "trackedit.h"
+
+#include <string>
+
+namespace itunes {
+/// Writes the changes into the library file: a complete new file takes the old one's place at one stroke.
+/// Everything that the changes do not touch stays byte for byte as it is in the file now, whoever wrote it. A
+/// file that says already what it should is left alone. False with the reason: the file is as it was.
+bool writeChanges(const std::string& path, const TrackChanges& changes, std::string& error);
+} // namespace itunes

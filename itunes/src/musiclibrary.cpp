@@ -1,0 +1,125 @@
+#include "musiclibrary.h"
+
+#include "libraryplace.h"
+#include "libraryreading.h"
+#include "location.h"
+#include "log.h"
+#include "mediatags.h"
+#include "platform.h"
+
+using itunes::LibraryFile;
+using itunes::MusicLibrary;
+
+MusicLibrary& MusicLibrary::instance()
+{
+    // Never destroyed, so that calls stay defined to the end of the process.
+    static auto* library = new MusicLibrary;
+    return *library;
+}
+
+void MusicLibrary::setOption(const std::string& path)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_option = path;
+}
+
+/// The library file as things are now; null when there is none. Another one than before writes first what is
+/// pending for the former.
+std::shared_ptr<LibraryFile> MusicLibrary::currentFile()
+{
+    const std::string place = libraryPlace(m_option);
+    const std::string real = place.empty() ? place : audiocore::platform::realPath(place);
+    const std::string& path = real.empty() ? place : real;
+    if (m_file && m_file->path() != path)
+        m_file.reset();
+    m_path = path;
+    return lastFile();
+}
+
+std::shared_ptr<LibraryFile> MusicLibrary::lastFile()
+{
+    if (!m_file && !m_path.empty())
+        m_file = std::make_shared<LibraryFile>(m_path);
+    return m_file;
+}
+
+void MusicLibrary::prepare()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::shared_ptr<LibraryFile> library = currentFile();
+    if (library)
+        library->pending();
+}
+
+void MusicLibrary::read(iTunesTrackRecord** records, int* count)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_former = std::move(m_store);
+    std::unique_ptr<TrackStore> store;
+    if (const std::shared_ptr<LibraryFile> library = currentFile()) {
+        std::string error;
+        store = readLibrary(library->path(), library->pending(), error);
+        if (!store)
+            audiocore::logLine(library->path(), "the music library cannot be read: " + error);
+    }
+    m_store = store ? std::move(store) : std::make_unique<TrackStore>();
+    *records = m_store->records();
+    *count = m_store->count();
+}
+
+void MusicLibrary::close()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_file.reset();
+}
+
+std::optional<std::string> MusicLibrary::locationOf(std::uint64_t id)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const TrackStore::Place* const place = m_store ? m_store->find(id) : nullptr;
+    if (!place || !place->location)
+        return std::nullopt;
+    return place->location;
+}
+
+std::optional<MusicLibrary::Access> MusicLibrary::accessTo(std::uint64_t id)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const TrackStore::Place* const place = m_store ? m_store->find(id) : nullptr;
+    if (!place || !lastFile())
+        return std::nullopt;
+    return Access{m_file, place->location ? pathOf(place->location) : std::string()};
+}
+
+bool MusicLibrary::edit(std::uint64_t id, const TrackEdit& edit, const std::string& coverPath)
+{
+    const std::optional<Access> track = accessTo(id);
+    if (!track || track->mediaPath.empty()) {
+        audiocore::logLine("the music library",
+                           "it holds no track with a file to edit under this identifier");
+        return false;
+    }
+    const std::optional<std::vector<char>> picture = pictureFile(coverPath);
+    if (!picture) {
+        audiocore::logLine(coverPath, "is no picture file that can be read, the track was not changed");
+        return false;
+    }
+    return track->file->edit(id, edit, [&] { return writeTags(track->mediaPath, edit, *picture); });
+}
+
+bool MusicLibrary::remove(std::uint64_t id)
+{
+    const std::optional<Access> track = accessTo(id);
+    if (!track || !track->file->remove(id))
+        return false;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_store->forget(id);
+    return true;
+}
+
+bool MusicLibrary::writeArtwork(std::uint64_t id, const std::string& path)
+{
+    const std::optional<std::string> location = locationOf(id);
+    const std::vector<char> picture = location ? readPicture(pathOf(*location)) : std::vector<char>();
+    return !picture.empty() && m_artwork.write(picture, path);
+}

@@ -1,0 +1,249 @@
+#include "xmltext.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+using itunes::Entities;
+
+namespace {
+constexpr std::size_t longestEntity = 4096;
+constexpr std::size_t largestExpansion = 1024 * 1024;
+constexpr const char* replacement = "\xEF\xBF\xBD";
+constexpr std::uint32_t noReference = 0xFFFFFFFF;
+constexpr const char* blanks = " \t\r\n";
+
+bool isControl(std::uint32_t c)
+{
+    return c < 0x20 && c != '\t' && c != '\n' && c != '\r';
+}
+
+constexpr std::array<bool, 256> plainBytes()
+{
+    std::array<bool, 256> plain = {};
+    for (int c = 0x20; c < 0x80; ++c)
+        plain[std::size_t(c)] = c != '&';
+    plain['\t'] = true;
+    plain['\n'] = true;
+    return plain;
+}
+
+void appendCharacter(std::uint32_t c, std::string& out)
+{
+    if (c > 0x10FFFF || (c >= 0xD800 && c < 0xE000)) {
+        out += replacement;
+    } else if (c < 0x80) {
+        if (!isControl(c))
+            out += char(c);
+    } else if (c < 0x800) {
+        out += char(0xC0 | (c >> 6));
+        out += char(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        out += char(0xE0 | (c >> 12));
+        out += char(0x80 | ((c >> 6) & 0x3F));
+        out += char(0x80 | (c & 0x3F));
+    } else {
+        out += char(0xF0 | (c >> 18));
+        out += char(0x80 | ((c >> 12) & 0x3F));
+        out += char(0x80 | ((c >> 6) & 0x3F));
+        out += char(0x80 | (c & 0x3F));
+    }
+}
+
+/// Copies the bytes of one character at `at`, or a replacement for what is none; where it goes on.
+std::size_t appendBytes(std::string_view raw, std::size_t at, std::string& out)
+{
+    const auto byte = [raw](std::size_t i) {
+        return i < raw.size() ? unsigned(static_cast<unsigned char>(raw[i])) : 0u;
+    };
+    const auto follows = [&byte](std::size_t i) { return (byte(i) & 0xC0) == 0x80; };
+    const unsigned first = byte(at);
+    const unsigned second = byte(at + 1);
+    std::size_t length = 0;
+    if (first >= 0xC2 && first < 0xE0)
+        length = follows(at + 1) ? 2 : 0;
+    else if (first >= 0xE0 && first < 0xF0)
+        length = follows(at + 1) && follows(at + 2) && (first != 0xE0 || second >= 0xA0) ? 3 : 0;
+    else if (first >= 0xF0 && first < 0xF5)
+        length = follows(at + 1) && follows(at + 2) && follows(at + 3) && (first != 0xF0 || second >= 0x90) &&
+                         (first != 0xF4 || second < 0x90)
+                     ? 4
+                     : 0;
+    const bool half = first == 0xED && second >= 0xA0 && length == 3;
+    if (length == 0 || half)
+        out += replacement;
+    else
+        out.append(raw.substr(at, length));
+    return at + (length == 0 ? 1 : length);
+}
+
+/// The number of a reference such as "#65" or "#x41".
+std::uint32_t referenceNumber(std::string_view name)
+{
+    if (name.size() < 2 || name[0] != '#')
+        return noReference;
+    const bool hexadecimal = name[1] == 'x' || name[1] == 'X';
+    const std::string_view digits = name.substr(hexadecimal ? 2 : 1);
+    std::uint32_t number = 0;
+    for (const char digit : digits) {
+        std::uint32_t value = 0;
+        if (digit >= '0' && digit <= '9')
+            value = std::uint32_t(digit - '0');
+        else if (hexadecimal && (digit | 0x20) >= 'a' && (digit | 0x20) <= 'f')
+            value = std::uint32_t((digit | 0x20) - 'a' + 10);
+        else
+            return noReference;
+        number = number * (hexadecimal ? 16 : 10) + value;
+        if (number > 0x10FFFF)
+            number = 0x110000;
+    }
+    return digits.empty() ? noReference : number;
+}
+
+/// The name between "&" at `at` and ";"; empty when there is none near.
+std::string_view referenceAt(std::string_view raw, std::size_t at)
+{
+    constexpr std::size_t longestName = 64;
+    const std::string_view rest = raw.substr(at + 1, longestName);
+    const std::size_t end = rest.find_first_of("; &<\n");
+    return end == std::string_view::npos || rest[end] != ';' ? std::string_view() : rest.substr(0, end);
+}
+
+/// The low half that a reference right at `at` names; 0 for none.
+std::uint32_t lowHalfAt(std::string_view raw, std::size_t at, std::size_t& end)
+{
+    if (at >= raw.size() || raw[at] != '&')
+        return 0;
+    const std::string_view name = referenceAt(raw, at);
+    const std::uint32_t number = referenceNumber(name);
+    end = at + name.size() + 2;
+    return number >= 0xDC00 && number < 0xE000 ? number : 0;
+}
+
+bool appendKnown(std::string_view name, std::string& out)
+{
+    static const std::pair<std::string_view, char> known[] = {
+        {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
+    for (const auto& [text, c] : known) {
+        if (name == text) {
+            out += c;
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Resolves the reference at `at`; where the text goes on.
+std::size_t appendReference(std::string_view raw, std::size_t at, Entities& entities, std::string& out)
+{
+    const std::string_view name = referenceAt(raw, at);
+    const std::size_t end = at + name.size() + 2;
+    const std::uint32_t number = referenceNumber(name);
+    if (number != noReference) {
+        std::size_t pairEnd = 0;
+        const std::uint32_t low = number >= 0xD800 && number < 0xDC00 ? lowHalfAt(raw, end, pairEnd) : 0;
+        appendCharacter(low ? 0x10000 + ((number - 0xD800) << 10) + (low - 0xDC00) : number, out);
+        return low ? pairEnd : end;
+    }
+    if (!name.empty() && (appendKnown(name, out) || entities.append(name, out)))
+        return end;
+    out += '&';
+    return at + 1;
+}
+
+void append(std::string_view raw, Entities* entities, std::string& out)
+{
+    for (std::size_t at = 0; at < raw.size();) {
+        const auto c = static_cast<unsigned char>(raw[at]);
+        if (c == '&' && entities) {
+            at = appendReference(raw, at, *entities, out);
+        } else if (c >= 0x80) {
+            at = appendBytes(raw, at, out);
+        } else {
+            const bool pair = c == '\r' && at + 1 < raw.size() && raw[at + 1] == '\n';
+            if (c == '\r' && !pair)
+                out += '\n';
+            else if (!pair && !isControl(c))
+                out += char(c);
+            ++at;
+        }
+    }
+}
+} // namespace
+
+bool Entities::declare(std::string_view documentType)
+{
+    for (std::size_t at = documentType.find("<!ENTITY"); at != std::string_view::npos;
+         at = documentType.find("<!ENTITY", at + 1))
+        if (!declareOne(documentType.substr(at + std::strlen("<!ENTITY"))))
+            return false;
+    return true;
+}
+
+bool Entities::declareOne(std::string_view declaration)
+{
+    const std::size_t name = declaration.find_first_not_of(blanks);
+    const std::size_t nameEnd = declaration.find_first_of(" \t\r\n\"'>", name);
+    const std::size_t value = declaration.find_first_not_of(blanks, nameEnd);
+    if (name == std::string_view::npos || value == std::string_view::npos || declaration[name] == '%')
+        return true;
+    std::string text;
+    const char quote = declaration[value];
+    if (quote == '"' || quote == '\'') {
+        const std::string_view inside = declaration.substr(value + 1);
+        const std::size_t length = inside.find(quote);
+        if (length > longestEntity) // or none
+            return false;
+        text = inside.substr(0, length);
+        if (text.find_first_of("&%") != std::string::npos)
+            return false;
+    }
+    m_values.emplace(declaration.substr(name, nameEnd - name), text);
+    return true;
+}
+
+bool Entities::append(std::string_view name, std::string& out)
+{
+    const auto found = m_values.find(name);
+    if (found == m_values.end())
+        return false;
+    m_expanded += found->second.size();
+    if (m_expanded <= largestExpansion)
+        appendLiteral(found->second, out);
+    return true;
+}
+
+void itunes::appendText(std::string_view raw, Entities& entities, std::string& out)
+{
+    append(raw, &entities, out);
+}
+
+void itunes::appendLiteral(std::string_view raw, std::string& out)
+{
+    append(raw, nullptr, out);
+}
+
+bool itunes::isPlain(std::string_view raw)
+{
+    static constexpr std::array<bool, 256> plain = plainBytes();
+    return std::all_of(raw.begin(), raw.end(), [](char c) { return plain[static_cast<unsigned char>(c)]; });
+}
+
+std::string itunes::escaped(std::string_view text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (const char c : text) {
+        if (c == '&')
+            out += "&#38;"; // as the music program writes it
+        else if (c == '<')
+            out += "&#60;";
+        else if (c == '>')
+            out += "&#62;";
+        else if (c == '\r')
+            out += "&#13;";
+        else
+            out += c;
+    }
+    return out;
+}

@@ -1,0 +1,43 @@
+#include "common/screenplace.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+
+QRect ScreenPlace::availableAt(const QPoint& point)
+{
+    const QScreen* screen = QGuiApplication::screenAt(point);
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    return screen ? screen->availableGeometry() : QRect();
+}
+
+QPoint ScreenPlace::inside(const QRect& window, const QRect& screen)
+{
+    const auto kept = [](int start, int length, int first, int room) {
+        return qMax(first, qMin(start, first + room - length));
+    };
+    return {kept(window.x(), window.width(), screen.x(), screen.width()),
+            kept(window.y(), window.height(), screen.y(), screen.height())};
+}
+
+QPoint ScreenPlace::beside(const QRect& other, const QSize& size, const QRect& screen)
+{
+    const int leftOf = other.x() - size.width();
+    const bool roomLeft = leftOf >= screen.x();
+    const bool roomRight = other.x() + other.width() + size.width() <= screen.x() + screen.width();
+    const int x = !roomRight && roomLeft ? leftOf : other.x() + other.width();
+    return inside(QRect(QPoint(x, other.y()), size), screen);
+}
+
+void ScreenPlace::putOver(QWidget& dialog, const QRect& part, QWidget& window)
+{
+    const QPoint middle = window.frameGeometry().center();
+    const QRect wanted(middle - QRect(QPoint(0, 0), part.size()).center(), part.size());
+    dialog.move(inside(wanted, availableAt(middle)) - part.topLeft());
+    if (!window.windowHandle())
+        return;
+    dialog.winId(); // makes the window handle
+    dialog.windowHandle()->setTransientParent(window.windowHandle());
+}

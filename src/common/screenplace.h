@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+
+class QWidget;
+
+/// Where windows go on screens.
+namespace ScreenPlace {
+/// What of the screen at the point, or else of the nearest known one, windows may take.
+QRect availableAt(const QPoint& point);
+/// The top-left corner at which the window lies inside the screen, moved as little as that takes; a window
+/// larger than the screen keeps its top-left corner in sight.
+QPoint inside(const QRect& window, const QRect& screen);
+/// The top-left corner at which a window of the size lies inside the screen, right of the other window where
+/// there is room, else left of it, else as far right as it goes.
+QPoint beside(const QRect& other, const QSize& size, const QRect& screen);
+/// Keeps the dialog above the other window and puts `part` of it, in its coordinates, over that window's
+/// middle, inside the screen. Before it is shown.
+void putOver(QWidget& dialog, const QRect& part, QWidget& window);
+} // namespace ScreenPlace

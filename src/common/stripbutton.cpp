@@ -1,0 +1,85 @@
+#include "common/stripbutton.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+StripButton::StripButton(QWidget* parent) : QPushButton(parent) {}
+
+StripButton::~StripButton() = default;
+
+QSize StripButton::loadStrip(const QString& path)
+{
+    m_pImage = std::make_unique<SkinPicture>(path);
+    const QSize strip = m_pImage->size();
+    return QSize(strip.width() / 4, strip.height());
+}
+
+void StripButton::changeState(int state)
+{
+    if (m_nState == state)
+        return;
+    m_nState = state;
+    repaint();
+}
+
+void StripButton::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        if (!isEnabled())
+            m_nState = StateDisabled;
+        else
+            changeState(StatePressed);
+    }
+    QPushButton::mousePressEvent(event);
+}
+
+void StripButton::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        if (!isEnabled())
+            m_nState = StateDisabled;
+        else if (m_nState == StatePressed)
+            changeState(StateNormal); // not hover, although the pointer may still be over the button
+    }
+    QPushButton::mouseReleaseEvent(event);
+}
+
+void StripButton::enterEvent(QEvent* event)
+{
+    if (!isEnabled())
+        m_nState = StateDisabled;
+    else
+        changeState(StateHover);
+    QPushButton::enterEvent(event);
+}
+
+void StripButton::leaveEvent(QEvent* event)
+{
+    if (!isEnabled())
+        m_nState = StateDisabled;
+    else if (m_nState == StateHover)
+        changeState(StateNormal); // a pressed button keeps its look until the release
+    QPushButton::leaveEvent(event);
+}
+
+void StripButton::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::EnabledChange)
+        m_nState = isEnabled() ? StateNormal : StateDisabled;
+    QPushButton::changeEvent(event);
+}
+
+void StripButton::paintEvent(QPaintEvent* event)
+{
+    if (!m_pImage) {
+        QPushButton::paintEvent(event);
+        return;
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform); // for ratios between the scales of the skin
+    const QImage& strip = m_pImage->image(painter);
+    const bool shifted = m_nState >= StateHover && m_nState <= StateDisabled;
+    // From the cell to the strip's end; the widget's edge cuts off the cells behind.
+    const int left = qRound((shifted ? m_nState * width() : 0) * strip.devicePixelRatio());
+    painter.drawImage(QPointF(0, 0), strip, QRectF(left, 0, strip.width() - left, strip.height()));
+}

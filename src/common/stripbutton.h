@@ -1,0 +1,40 @@
+#pragma once
+
+#include "common/skinpicture.h"
+
+#include <QPushButton>
+
+#include <memory>
+
+/// A push button whose look is one of four equal cells of a horizontal strip, and follows the pointer: what
+/// the skinned buttons have in common. Without a strip it looks as the style draws it.
+class StripButton : public QPushButton
+{
+public:
+    enum State { StateNormal = 0, StateHover = 1, StatePressed = 2, StateDisabled = 3 };
+
+    explicit StripButton(QWidget* parent = nullptr);
+    ~StripButton() override;
+
+    int state() const { return m_nState; }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void enterEvent(QEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+    /// Takes the strip; the size of one of its cells, in points.
+    QSize loadStrip(const QString& path);
+    /// The file that the strip was taken from.
+    QString stripFile() const { return m_pImage ? m_pImage->file() : QString(); }
+    bool hasStrip() const { return m_pImage != nullptr; }
+    /// Repaints at once when the state is another one.
+    void changeState(int state);
+
+private:
+    std::unique_ptr<SkinPicture> m_pImage;
+    int m_nState = StateNormal;
+};

@@ -1,0 +1,76 @@
+#include "deletealldupmusicthread.h"
+
+#include "keptfiles.h"
+#include "qiorvoutil.h"
+#include "songfields.h"
+
+#include <QElapsedTimer>
+#include <QHash>
+
+namespace {
+constexpr int progressMilliseconds = 100;
+
+/// The tag object of every song; null where a song has none.
+QHash<const QMusicInfo*, IAudioTag*> tagsOf(const SongLists& lists)
+{
+    QHash<const QMusicInfo*, IAudioTag*> tags;
+    tags.reserve(lists.all->size());
+    for (int position = 0; position < lists.all->size(); ++position)
+        tags.insert(lists.all->at(position),
+                    position < lists.tags->size() ? lists.tags->at(position) : nullptr);
+    return tags;
+}
+} // namespace
+
+DeleteAllDupMusicThread::DeleteAllDupMusicThread(QObject* parent) : QThread(parent) {}
+
+void DeleteAllDupMusicThread::GetDupMusicBeDelete(QList<QMusicInfo*>* all, QList<DupMusicInfo*>* groups,
+                                                  QList<QMusicInfo*>* undefined, QList<IAudioTag*>* tags)
+{
+    m_lists = {all, groups, undefined, tags};
+}
+
+QList<QMusicInfo*> DeleteAllDupMusicThread::takeRemovedSongs()
+{
+    return std::exchange(m_removedSongs, {});
+}
+
+void DeleteAllDupMusicThread::run()
+{
+    if (!m_lists.groups->isEmpty()) {
+        const QVector<SongRemoval::Removal> plan = SongRemoval::planOfAll(*m_lists.groups);
+        deleteSongs(plan);
+        const auto editLists = [this, &plan] { m_removedSongs += SongRemoval::removeAll(m_lists, plan); };
+        QMetaObject::invokeMethod(this, editLists,
+                                  thread() == QThread::currentThread() ? Qt::DirectConnection
+                                                                       : Qt::BlockingQueuedConnection);
+    }
+    emit emitAllMusicInfo();
+}
+
+void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan)
+{
+    const bool local = QIOrvoUtil::m_cleanMode;
+    const QHash<const QMusicInfo*, IAudioTag*> tags = tagsOf(m_lists);
+    KeptFiles kept;
+    const QMusicInfo* keptSong = nullptr;
+    QElapsedTimer sinceProgress;
+    sinceProgress.start();
+    for (int done = 0; done < plan.size(); ++done) {
+        const SongRemoval::Removal& removal = plan.at(done);
+        if (!local) {
+            SongRemoval::removeTrack(*removal.song);
+        } else if (tags.contains(removal.song)) { // else it went before, and its file with it
+            if (removal.kept != keptSong) {
+                kept = KeptFiles();
+                kept.add(SongFields::audioPath(removal.kept));
+                keptSong = removal.kept;
+            }
+            SongRemoval::removeFile(*removal.song, tags.value(removal.song), kept);
+        }
+        if (sinceProgress.elapsed() >= progressMilliseconds) {
+            emit emitProgress(done + 1, plan.size());
+            sinceProgress.start();
+        }
+    }
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "songremoval.h"
+
+#include <QThread>
+
+/// Reduces every duplicate group to its first song: deletes the others' files or tracks on a thread of its
+/// own and then takes them out of the lists.
+///
+/// The lists are read by the thread and edited on the thread that this object lives in, which therefore runs
+/// its event loop and leaves the lists alone meanwhile. Can be started again and again.
+class DeleteAllDupMusicThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    explicit DeleteAllDupMusicThread(QObject* parent = nullptr);
+
+    /// The lists to work on; they are not owned and must outlive the run.
+    void GetDupMusicBeDelete(QList<QMusicInfo*>* all, QList<DupMusicInfo*>* groups,
+                             QList<QMusicInfo*>* undefined, QList<IAudioTag*>* tags);
+    /// The songs that the last run took out of the list of all songs; they are nobody's from then on.
+    QList<QMusicInfo*> takeRemovedSongs();
+
+signals:
+    /// When everything is deleted and the lists are edited.
+    void emitAllMusicInfo();
+    /// Several times a second while files or tracks are deleted.
+    void emitProgress(int done, int total);
+
+protected:
+    void run() override;
+
+private:
+    void deleteSongs(const QVector<SongRemoval::Removal>& plan);
+
+    SongLists m_lists;
+    QList<QMusicInfo*> m_removedSongs;
+};

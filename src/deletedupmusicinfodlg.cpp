@@ -1,0 +1,39 @@
+#include "deletedupmusicinfodlg.h"
+
+#include "ui_deletedupmusicinfodlg.h"
+
+#include <QIcon>
+
+DeleteDupMusicInfoDlg::DeleteDupMusicInfoDlg(QWidget* parent)
+    : QImageDialog(parent), ui(std::make_unique<Ui::DeleteDupMusicInfoDlg>())
+{
+    ui->setupUi(this);
+    setWindowTitle(QStringLiteral("Melodryft")); // spelt so on purpose
+    setWindowIcon(QIcon(SkinPicture::path("logo.png")));
+    setAttribute(Qt::WA_TranslucentBackground);
+    SetImageBackgroud(SkinPicture::path("bg_message_duplicated.png"));
+    ui->m_btnCancel->setBtnImage(SkinPicture::path("button_cancel.png"));
+    ui->m_btnOK->setBtnImage(SkinPicture::path("button_ok.png"));
+    ui->m_checkBox->move(94, 60);
+    ui->m_checkBox->setAccessibleName(QStringLiteral("Do not ask me again"));
+    connect(ui->m_btnOK, SIGNAL(clicked()), this, SLOT(slotOnBtnOK()));
+    connect(ui->m_btnCancel, SIGNAL(clicked()), this, SLOT(slotOnBtnCancel()));
+}
+
+DeleteDupMusicInfoDlg::~DeleteDupMusicInfoDlg() = default;
+
+bool DeleteDupMusicInfoDlg::isNotToAskAgain() const
+{
+    return ui->m_checkBox->isChecked();
+}
+
+void DeleteDupMusicInfoDlg::slotOnBtnOK()
+{
+    close();
+    setResult(QDialog::Accepted);
+}
+
+void DeleteDupMusicInfoDlg::slotOnBtnCancel()
+{
+    close();
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "common/qimagedialog.h"
+
+#include <memory>
+
+namespace Ui {
+class DeleteDupMusicInfoDlg;
+}
+
+/// Asks whether the unchecked songs of a group are to be deleted. Accepted by its OK button only.
+class DeleteDupMusicInfoDlg : public QImageDialog
+{
+    Q_OBJECT
+
+public:
+    explicit DeleteDupMusicInfoDlg(QWidget* parent = nullptr);
+    ~DeleteDupMusicInfoDlg() override;
+
+    /// Whether the user wishes not to be asked again.
+    bool isNotToAskAgain() const;
+
+signals:
+    /// Declared for whoever listens; never emitted.
+    void emitAgreeToDeleteDupMusic();
+
+public slots:
+    void slotOnBtnOK();
+    void slotOnBtnCancel();
+
+private:
+    std::unique_ptr<Ui::DeleteDupMusicInfoDlg> ui;
+};

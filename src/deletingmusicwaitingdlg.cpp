@@ -1,0 +1,76 @@
+#include "deletingmusicwaitingdlg.h"
+
+#include "ui_deletingmusicwaitingdlg.h"
+
+#include <QBitmap>
+#include <QMovie>
+#include <QPainter>
+
+namespace {
+constexpr int cardMargin = 48;
+constexpr int captionHeight = 44;
+constexpr int cornerRadius = 10;
+} // namespace
+
+DeletingMusicWaitingDlg::DeletingMusicWaitingDlg(QWidget* parent)
+    : QImageDialog(parent, Qt::Dialog | Qt::FramelessWindowHint),
+      ui(std::make_unique<Ui::DeletingMusicWaitingDlg>()), m_strProgress(QStringLiteral("Deleting…"))
+{
+    ui->setupUi(this);
+    setWindowTitle(QStringLiteral("Melodrift"));
+    setAttribute(Qt::WA_TranslucentBackground);
+    setFixedSize(size());
+    ui->m_labMovie->show();
+    ui->m_labMovie->move(width() / 2, height() / 2);
+    m_pMovie = std::make_unique<QMovie>(SkinPicture::path("deletingMusic.gif"));
+    ui->m_labMovie->setMovie(m_pMovie.get());
+    m_pMovie->start();
+    // Where nothing composes windows, what is not the card would be black.
+    QBitmap shape(size());
+    shape.clear();
+    QPainter painter(&shape);
+    painter.setBrush(Qt::color1);
+    painter.setPen(Qt::color1);
+    painter.drawRoundedRect(card(), cornerRadius, cornerRadius);
+    painter.end();
+    setMask(shape);
+}
+
+DeletingMusicWaitingDlg::~DeletingMusicWaitingDlg() = default;
+
+QRect DeletingMusicWaitingDlg::card() const
+{
+    return ui->m_labMovie->geometry().adjusted(-cardMargin, -cardMargin / 3, cardMargin, captionHeight);
+}
+
+void DeletingMusicWaitingDlg::finish()
+{
+    m_bFinished = true;
+    close();
+}
+
+void DeletingMusicWaitingDlg::showProgress(int done, int total)
+{
+    m_strProgress = QStringLiteral("Deleting… %1 of %2").arg(done).arg(total);
+    update();
+}
+
+void DeletingMusicWaitingDlg::reject()
+{
+    // Escape and the window system's close end here, too.
+    if (m_bFinished)
+        QImageDialog::reject();
+}
+
+void DeletingMusicWaitingDlg::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setPen(QColor(0x9C, 0xCB, 0xE6));
+    painter.setBrush(Qt::white);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.drawRoundedRect(QRectF(card()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    painter.setPen(QColor(0x28, 0x40, 0x4F));
+    painter.setFont(QFont(QStringLiteral("Tahoma"), 12));
+    painter.drawText(card().adjusted(4, card().height() - captionHeight, -4, 0), Qt::AlignCenter,
+                     m_strProgress);
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "common/qimagedialog.h"
+
+#include <memory>
+
+class QMovie;
+
+namespace Ui {
+class DeletingMusicWaitingDlg;
+}
+
+/// Keeps the user waiting while duplicates are deleted. Neither keys nor the window system close it: only
+/// finish() does.
+class DeletingMusicWaitingDlg : public QImageDialog
+{
+    Q_OBJECT
+
+public:
+    explicit DeletingMusicWaitingDlg(QWidget* parent = nullptr);
+    ~DeletingMusicWaitingDlg() override;
+
+    /// The part of the window that can be seen, in its coordinates.
+    QRect card() const;
+    void finish();
+
+public slots:
+    void showProgress(int done, int total);
+    void reject() override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    std::unique_ptr<Ui::DeletingMusicWaitingDlg> ui;
+    std::unique_ptr<QMovie> m_pMovie;
+    QString m_strProgress;
+    bool m_bFinished = false;
+};

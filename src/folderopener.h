@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+/// Shows folders in the desktop's file browser.
+namespace FolderOpener {
+/// The part of a path or file URL before its last separator.
+QString folderOf(const QString& location);
+/// Starts the file browser on the folder, a path or a file URL, and does not wait for it. A failure is
+/// logged.
+void open(const QString& folder);
+} // namespace FolderOpener

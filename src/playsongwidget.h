@@ -1,0 +1,70 @@
+#pragma once
+
+#include "common/qimagewidget.h"
+
+#include <memory>
+
+class IAudioPlayer;
+struct QMusicInfo;
+
+namespace Ui {
+class PlaySongWidget;
+}
+
+/// A small window that plays one song at a time. Space plays and pauses. Closing it pauses; the song stays
+/// loaded.
+class PlaySongWidget : public QImageWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PlaySongWidget(QWidget* parent = nullptr);
+    ~PlaySongWidget() override;
+
+    /// Shows the song and plays it from its start. Only songs from a duplicate row make the row-button
+    /// signals be emitted, and none is emitted here. The song is not needed after the call.
+    void SetMusicPlayInfo(QMusicInfo* song, bool fromDupBar);
+    void PlayMusic();
+    void PauseMusic();
+    /// "mm::ss", empty from 60 minutes on.
+    QString ConvertTime(long long milliseconds) const;
+    void MusicDidfinish();
+
+    /// Shows the window in front. The first time it lies beside the other one; later where it was left.
+    void ShowBeside(const QRect& other);
+
+public slots:
+    void UpdatePlayTime();
+    void SlotOnBtnPlay();
+    void SlotOnBtnPause();
+    /// Goes to this fraction, 0 to 1, of the song.
+    void SlotSetMusicPlayProgressValue(double fraction);
+
+signals:
+    /// The row's stop button goes, its play button comes.
+    void emitSongStopBtnHidden();
+    /// The row's play button goes, its stop button comes.
+    void emitSongPlayBtnHidden();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    struct DestroyPlayerLater
+    {
+        void operator()(IAudioPlayer* player) const;
+    };
+
+    void showSong(const QMusicInfo* song);
+    void load(const QString& path);
+    void startTimer();
+    void showPauseButton(bool pause);
+
+    std::unique_ptr<Ui::PlaySongWidget> ui;
+    bool m_bFromDupBar = true;
+    quint64 m_nTotalTime = 0; ///< milliseconds
+    std::unique_ptr<IAudioPlayer, DestroyPlayerLater> m_pPlayer;
+    bool m_bPlaced = false;
+};

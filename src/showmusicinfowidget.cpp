@@ -1,0 +1,58 @@
+#include "showmusicinfowidget.h"
+
+#include "songcover.h"
+#include "songfields.h"
+#include "ui_showmusicinfowidget.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+ShowMusicInfoWidget::ShowMusicInfoWidget(QWidget* parent)
+    : QWidget(parent), ui(std::make_unique<Ui::ShowMusicInfoWidget>())
+{
+    ui->setupUi(this);
+    setWindowTitle(QStringLiteral("Melodrift"));
+    setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
+    setAttribute(Qt::WA_TranslucentBackground);
+    Init();
+}
+
+ShowMusicInfoWidget::~ShowMusicInfoWidget() = default;
+
+void ShowMusicInfoWidget::Init()
+{
+    ui->m_coverWidget->SetImageBackgroud(SkinPicture::path("bg_no_picture.png"), true);
+    m_face = std::make_unique<SkinPicture>(SkinPicture::path("bg_music_detail.png"));
+    // The cover hears presses for its own signal; here they belong to the card.
+    ui->m_coverWidget->setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void ShowMusicInfoWidget::setMusicInfo(QMusicInfo* song)
+{
+    ui->m_coverWidget->SetImageBackgroud(SongCover::shownPath(song), true);
+    ui->m_labName->setText(SongFields::title(song));
+    ui->m_labArtist->setText(SongFields::artist(song));
+    ui->m_labAlbum->setText(SongFields::album(song));
+    ui->m_labGenre->setText(SongFields::genre(song));
+    ui->m_labYear->setText(QStringLiteral("%1").arg(SongFields::year(song)));
+    ui->m_labTrack->setText(QStringLiteral("%1").arg(SongFields::trackNumber(song)));
+}
+
+void ShowMusicInfoWidget::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.drawImage(QPointF(0, 0), m_face->image(devicePixelRatioF()));
+}
+
+void ShowMusicInfoWidget::mousePressEvent(QMouseEvent*)
+{
+    close();
+}
+
+void ShowMusicInfoWidget::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+struct QMusicInfo;
+
+/// The cover that panels show of a song.
+namespace SongCover {
+/// The file of the song's cover in the mode in force; the generic cover's where there is no picture.
+QString shownPath(const QMusicInfo* song);
+} // namespace SongCover

@@ -1,0 +1,102 @@
+#include "songediting.h"
+
+#include "audiocore/iaudiotag.h"
+#include "coverloader.h"
+#include "qiorvoutil.h"
+#include "qmusicinfo.h"
+
+#include <QFile>
+
+#include <memory>
+#include <new>
+
+namespace {
+constexpr qint64 maxPictureBytes = 256ll * 1024 * 1024;
+constexpr int songCoverEdge = 300;
+
+/// A tag object of our own: closed and given back, unlike those that stay with the songs.
+struct ReleaseTag
+{
+    void operator()(IAudioTag* tag) const
+    {
+        tag->Close();
+        ::operator delete(tag);
+    }
+};
+
+void replaceText(IAudioTag& tag, qint32 type, const QString& text)
+{
+    std::u32string wide = text.toStdU32String();
+    tag.RemoveItem(type);
+    tag.SetItem({-1, type, 0, qint32(wide.size() * sizeof(char32_t)), wide.data()});
+}
+
+void replacePicture(IAudioTag& tag, QByteArray picture)
+{
+    tag.RemoveItem(TAG_PICTURE);
+    tag.SetItem({-1, TAG_PICTURE, 1, picture.size(), picture.data()});
+}
+
+/// The whole file; nothing when there is none, or when it is beyond anything that a tag could hold.
+QByteArray pictureBytes(const QString& path)
+{
+    if (path.isEmpty())
+        return QByteArray();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > maxPictureBytes) {
+        qWarning("the picture %s cannot be used: %s", qUtf8Printable(path),
+                 file.isOpen() ? "it is too large" : qUtf8Printable(file.errorString()));
+        return QByteArray();
+    }
+    return file.readAll();
+}
+
+void takeCover(LocalMusicInfo& local, const QString& path)
+{
+    local.coverPath = path;
+    QFile file(path);
+    const QImage picture =
+        file.open(QIODevice::ReadOnly) ? CoverLoader::decode(&file, songCoverEdge) : QImage();
+    *local.cover = picture.isNull() ? CoverLoader::genericCover() : QPixmap::fromImage(picture);
+}
+
+SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
+{
+    local.title = edit.title;
+    local.artist = edit.artist;
+    local.album = edit.album;
+    local.genre = edit.genre;
+    local.year = edit.year;
+    local.trackNumber = edit.trackNumber;
+    // The tag object that stays with the song is left alone: it reads again when it is asked again.
+    if (const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()}) {
+        // A file that cannot even be opened has been logged by then.
+        if (tag->Open(local.filePath.toStdU32String().c_str()) == 0)
+            SongEditing::writeTag(*tag, edit);
+    }
+    if (edit.newCoverPath.isEmpty())
+        return {};
+    takeCover(local, edit.newCoverPath);
+    return {true, true};
+}
+} // namespace
+
+SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
+{
+    if (QIOrvoUtil::m_cleanMode)
+        return song.localInfo ? applyLocal(*song.localInfo, edit) : Outcome();
+    return {};
+}
+
+int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)
+{
+    replaceText(tag, TAG_ARTIST, edit.artist);
+    replaceText(tag, TAG_TITLE, edit.title);
+    replaceText(tag, TAG_ALBUM, edit.album);
+    replaceText(tag, TAG_GENRE, edit.genre);
+    replaceText(tag, TAG_YEAR, QString::number(edit.year));
+    replaceText(tag, TAG_TRACK, QString::number(edit.trackNumber));
+    // Also without a chosen cover: saving then takes the picture out, as it always did.
+    replacePicture(tag, pictureBytes(edit.newCoverPath));
+    return tag.Save();
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QList>
+#include <QVector>
+
+class IAudioTag;
+class KeptFiles;
+struct DupMusicInfo;
+struct QMusicInfo;
+
+/// The lists of songs that a deletion edits. None is owned.
+struct SongLists
+{
+    QList<QMusicInfo*>* all = nullptr;
+    QList<DupMusicInfo*>* groups = nullptr;
+    QList<QMusicInfo*>* undefined = nullptr;
+    QList<IAudioTag*>* tags = nullptr; ///< local mode: one per song of `all`, same index
+};
+
+/// Taking songs out of the collection: off the disk or the iTunes library, and out of the lists. Songs and
+/// groups are never freed here.
+namespace SongRemoval {
+/// Lets go of the song's file (`tag` may be null) and removes what its path names, a link itself and never a
+/// folder. A file that a kept song would lose stays. What stays is logged in one line. Any thread.
+void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept);
+/// Deletes the song's track from the iTunes library; the result is logged. Any thread.
+void removeTrack(const QMusicInfo& song);
+
+/// Takes the song out of the lists of songs, and the last entry, whichever song that is, out of the group at
+/// `currentGroup`; a group that falls to one song leaves the list of groups. In the local mode its file goes
+/// first, as removeFile() does it; a song that is not in the list of all songs costs no file. Whether it was
+/// in that list.
+bool removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, bool local,
+               const KeptFiles& kept);
+
+/// A song that is to go, and the first song of its group, which stays.
+struct Removal
+{
+    QMusicInfo* song;
+    const QMusicInfo* kept;
+};
+/// What reduces every group to its first song, in the order of doing: group by group, from the last song on.
+/// Groups of fewer than two songs ask for nothing.
+QVector<Removal> planOfAll(const QList<DupMusicInfo*>& groups);
+/// Takes the songs of the plan out of the lists and empties the list of groups; groups of two songs and more
+/// keep their first one. Takes as long as the lists are, however many songs go. The songs that were in the
+/// list of all songs.
+QList<QMusicInfo*> removeAll(const SongLists& lists, const QVector<Removal>& plan);
+} // namespace SongRemoval

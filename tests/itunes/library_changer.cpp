@@ -1,0 +1,45 @@
+// Changes a library without end, for the test that kills it:
+//     library_changer LIBRARY SEED
+// Says each answered change in a line: "D identifier", or "E identifier name".
+#include "audiocore/log.h"
+#include "librarycalls.h"
+
+#include <cstdio>
+#include <random>
+#include <thread>
+#include <vector>
+
+int main(int argc, char* argv[])
+{
+    if (argc != 3)
+        return 2;
+    SetAudioCoreLogSink([](const char* line) { std::printf("L %s\n", line); });
+    setvbuf(stdout, nullptr, _IOLBF, 0);
+    setITunesLibraryOption(argv[1]);
+    const LibraryCalls::Reading reading = LibraryCalls::read();
+    std::mt19937 random(unsigned(std::stoul(argv[2])));
+    std::vector<QByteArray> ids;
+    for (int i = 0; i < reading.count; ++i)
+        ids.emplace_back(reading.records[i].persistentId);
+    for (unsigned n = 0; ids.size() > 4; ++n) {
+        // The first songs have media files; they are edited, the others deleted.
+        const bool edits = random() % 4 == 0;
+        const std::size_t at = edits ? random() % 3 : 3 + random() % (ids.size() - 3);
+        const quint64 id = ids[at].toULongLong(nullptr, 16);
+        LibraryCalls::Edit edit;
+        edit.name = "Edit " + QByteArray(argv[2]) + '-' + QByteArray::number(n);
+        if (edits ? LibraryCalls::edit(id, edit) != 0 : deleteMusic(id) == 0)
+            return 1;
+        if (edits)
+            std::printf("E %s %s\n", ids[at].constData(), edit.name.constData());
+        else
+            std::printf("D %s\n", ids[at].constData());
+        if (!edits)
+            ids.erase(ids.begin() + std::ptrdiff_t(at));
+        // Sometimes the changes pause, and the library is written.
+        if (random() % 6 == 0)
+            closeITunesLibrary();
+    }
+    closeITunesLibrary();
+    return 0;
+}

@@ -1,0 +1,335 @@
+#include "identifyserver.h"
+
+#include "fixtures.h"
+
+#include <QMutexLocker>
+#include <QUrl>
+#include <QUrlQuery>
+
+#include <algorithm>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+constexpr int pollMilliseconds = 10;
+
+bool isReady(int descriptor, short what)
+{
+    pollfd wanted{descriptor, what, 0};
+    return ::poll(&wanted, 1, pollMilliseconds) > 0;
+}
+
+QByteArray head(const QByteArray& status, const QByteArray& type, int length,
+                const QByteArray& more = QByteArray())
+{
+    return "HTTP/1.1 " + status + "\r\nContent-Type: " + type +
+           "\r\nContent-Length: " + QByteArray::number(length) + "\r\nConnection: close\r\n" + more + "\r\n";
+}
+
+QByteArray redirect(const QByteArray& address)
+{
+    return head("307 Temporary Redirect", "text/plain", 0, "Location: " + address + "\r\n");
+}
+
+IdentifyServer::Service serviceOf(const QByteArray& target)
+{
+    if (target.startsWith("/v2/lookup"))
+        return IdentifyServer::AcoustId;
+    return target.startsWith("/ws/2/") ? IdentifyServer::MusicBrainz : IdentifyServer::CoverArt;
+}
+} // namespace
+
+QByteArray IdentifyServer::Request::field(const QByteArray& name) const
+{
+    QByteArray form = body;
+    const QUrlQuery query(QString::fromLatin1(form.replace('+', ' ')));
+    return query.queryItemValue(QString::fromLatin1(name), QUrl::FullyDecoded).toUtf8();
+}
+
+IdentifyServer::IdentifyServer()
+{
+    m_socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    auto* name = reinterpret_cast<sockaddr*>(&address);
+    if (::bind(m_socket, name, length) != 0 || ::listen(m_socket, 64) != 0 ||
+        ::getsockname(m_socket, name, &length) != 0)
+        qFatal("no port to listen on");
+    m_port = ntohs(address.sin_port);
+    m_listener = std::thread([this] { serve(); });
+}
+
+IdentifyServer::~IdentifyServer()
+{
+    m_stopping = true;
+    m_listener.join();
+    for (std::thread& talk : m_talks)
+        talk.join();
+    ::close(m_socket);
+}
+
+QByteArray IdentifyServer::address() const
+{
+    return "http://127.0.0.1:" + QByteArray::number(m_port);
+}
+
+void IdentifyServer::putIntoEnvironment() const
+{
+    for (const char* name : {"MELODRIFT_ACOUSTID_URL", "MELODRIFT_MUSICBRAINZ_URL", "MELODRIFT_COVERART_URL"})
+        qputenv(name, address());
+    qputenv("MELODRIFT_ACOUSTID_KEY", "testkey");
+}
+
+void IdentifyServer::setAnswer(Service service, const QByteArray& body)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_behaviours[service].answer = body;
+}
+
+void IdentifyServer::setManner(Service service, Manner manner, int times)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_behaviours[service].manner = manner;
+    m_behaviours[service].times = times;
+}
+
+void IdentifyServer::setRetryAfter(const QByteArray& value)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_retryAfter = value;
+}
+
+QList<IdentifyServer::Request> IdentifyServer::requests() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_requests;
+}
+
+QList<IdentifyServer::Request> IdentifyServer::requests(Service service) const
+{
+    QList<Request> chosen;
+    for (const Request& request : requests())
+        if (request.service == service)
+            chosen.append(request);
+    return chosen;
+}
+
+bool IdentifyServer::waitForRequests(Service service, int count) const
+{
+    const QMutexLocker lock(&m_mutex);
+    const auto come = [this, service] {
+        return std::count_if(m_requests.begin(), m_requests.end(),
+                             [service](const Request& request) { return request.service == service; });
+    };
+    while (come() < count)
+        if (!m_came.wait(&m_mutex, 10000))
+            return false;
+    return true;
+}
+
+void IdentifyServer::serve()
+{
+    while (!m_stopping) {
+        if (!isReady(m_socket, POLLIN))
+            continue;
+        const int connection = ::accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC);
+        if (connection >= 0)
+            m_talks.emplace_back([this, connection] { talk(connection); });
+    }
+}
+
+void IdentifyServer::talk(int connection)
+{
+    Request request;
+    if (receive(connection, request))
+        answer(connection, request, note(request));
+    ::close(connection);
+}
+
+bool IdentifyServer::receive(int connection, Request& request) const
+{
+    QByteArray bytes;
+    int end = -1;
+    while (end < 0 || bytes.size() < end + 4 + request.headers.value("content-length").toInt()) {
+        char block[4096];
+        while (!isReady(connection, POLLIN))
+            if (m_stopping)
+                return false;
+        const ssize_t got = ::recv(connection, block, sizeof block, 0);
+        if (got <= 0)
+            return false;
+        bytes.append(block, int(got));
+        if (end >= 0 || (end = bytes.indexOf("\r\n\r\n")) < 0)
+            continue;
+        QList<QByteArray> lines = bytes.left(end).split('\n');
+        const QList<QByteArray> first = lines.takeFirst().trimmed().split(' ');
+        request.method = first.value(0);
+        request.target = first.value(1);
+        for (const QByteArray& line : qAsConst(lines))
+            request.headers.insert(line.left(line.indexOf(':')).toLower(),
+                                   line.mid(line.indexOf(':') + 1).trimmed());
+    }
+    request.body = bytes.mid(end + 4);
+    request.service = serviceOf(request.target);
+    request.time = std::chrono::steady_clock::now();
+    return true;
+}
+
+IdentifyServer::Manner IdentifyServer::note(const Request& request)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_requests.append(request);
+    m_came.wakeAll();
+    Behaviour& behaviour = m_behaviours[request.service];
+    if (behaviour.times == 0)
+        return Manner::Proper;
+    if (behaviour.times > 0)
+        --behaviour.times;
+    return behaviour.manner;
+}
+
+QByteArray IdentifyServer::properAnswer(const Request& request) const
+{
+    const QMutexLocker lock(&m_mutex);
+    const QByteArray own = m_behaviours.value(request.service).answer;
+    if (!own.isNull())
+        return own;
+    switch (request.service) {
+    case AcoustId:
+        return lookupAnswer(request.field("duration"));
+    case MusicBrainz:
+        return recordingAnswer();
+    default:
+        return picture();
+    }
+}
+
+void IdentifyServer::answer(int connection, const Request& request, Manner manner) const
+{
+    const QByteArray proper = properAnswer(request);
+    if (manner != Manner::Proper) {
+        misbehave(connection, request, manner, proper);
+        return;
+    }
+    // The archive keeps its pictures elsewhere.
+    if (request.target.contains("/front-500"))
+        send(connection, redirect(address() + "/download/front.jpg"));
+    else
+        send(connection,
+             head("200 OK", request.service == CoverArt ? "image/jpeg" : "application/json; charset=utf-8",
+                  proper.size()) +
+                 proper);
+}
+
+void IdentifyServer::misbehave(int connection, const Request& request, Manner manner,
+                               const QByteArray& proper) const
+{
+    const QByteArray half = proper.left(proper.size() / 2);
+    const QByteArray endless = "HTTP/1.1 200 OK\r\nConnection: close\r\n";
+    switch (manner) {
+    case Manner::Silent:
+        sendForEver(connection, "", "", pollMilliseconds);
+        break;
+    case Manner::Trickling:
+        sendForEver(connection, head("200 OK", "application/json", 100000), " ", pollMilliseconds);
+        break;
+    case Manner::CutOff:
+        send(connection, head("200 OK", "application/json", proper.size()) + half);
+        break;
+    case Manner::SlowDown: {
+        const QMutexLocker lock(&m_mutex);
+        const QByteArray wait = m_retryAfter.isEmpty() ? "" : "Retry-After: " + m_retryAfter + "\r\n";
+        send(connection, head("503 Service Unavailable", "application/json", 2, wait) + "{}");
+        break;
+    }
+    case Manner::ServerError:
+        send(connection, head("500 Internal Server Error", "text/html", 4) + "oops");
+        break;
+    case Manner::NotFound:
+        send(connection, head("404 Not Found", "text/html", 4) + "none");
+        break;
+    case Manner::WrongJson:
+        send(connection, head("200 OK", "application/json", half.size()) + half);
+        break;
+    case Manner::PlainRedirect:
+        send(connection, redirect("http://192.0.2.1/elsewhere"));
+        break;
+    case Manner::EndlessRedirect:
+        send(connection, redirect(address() + request.target));
+        break;
+    case Manner::EndlessBody:
+        sendForEver(connection, endless + "\r\n", QByteArray(64 * 1024, ' '), 0);
+        break;
+    case Manner::EndlessHeaders:
+        sendForEver(connection, endless, "X-More: " + QByteArray(1000, 'x') + "\r\n", 0);
+        break;
+    case Manner::Proper:
+        break;
+    }
+}
+
+void IdentifyServer::sendForEver(int connection, const QByteArray& head, const QByteArray& part,
+                                 int pause) const
+{
+    bool open = send(connection, head);
+    while (open && !m_stopping) {
+        if (pause > 0 && isReady(connection, POLLIN))
+            break; // the other side went away
+        open = send(connection, part);
+    }
+}
+
+bool IdentifyServer::send(int connection, const QByteArray& bytes) const
+{
+    int done = 0;
+    while (done < bytes.size() && !m_stopping) {
+        if (!isReady(connection, POLLOUT))
+            continue;
+        const ssize_t sent = ::send(connection, bytes.constData() + done, size_t(bytes.size() - done),
+                                    MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent < 0 && errno != EAGAIN)
+            return false;
+        done += int(std::max<ssize_t>(sent, 0));
+    }
+    return done == bytes.size();
+}
+
+QByteArray IdentifyServer::picture()
+{
+    static const QByteArray jpeg = Fixtures::jpeg(500, 500, 7);
+    return jpeg;
+}
+
+QByteArray IdentifyServer::lookupAnswer(const QByteArray& seconds)
+{
+    return R"({"status": "ok", "results": [{"id": "9ff43b6a-4f16-427c-93c2-92307ca505e0", "score": 0.982341,
+        "recordings": [{"id": "cd2e7c47-16f5-46c6-a37c-a1eb7bf599ff", "title": "Midnight Ferry", "sources": 12,
+        "duration": )" +
+           seconds +
+           R"(, "artists": [{"id": "6d7b7cd4-254b-4c25-83f6-dd20f98ceacd", "name": "Ida Marlowe"}]}]}]})";
+}
+
+QByteArray IdentifyServer::recordingAnswer()
+{
+    return R"({"id": "cd2e7c47-16f5-46c6-a37c-a1eb7bf599ff", "title": "Midnight Ferry", "length": 20000,
+        "disambiguation": "", "video": false, "first-release-date": "2012-03-05",
+        "genres": [{"id": "911c7bbb-172d-4df8-9478-dbff4296e791", "name": "pop", "count": 4, "disambiguation": ""},
+                   {"id": "ceeaa283-5d7b-4202-8d1d-e25d116b2a18", "name": "alternative rock", "count": 1}],
+        "artist-credit": [{"name": "Ida Marlowe", "joinphrase": " feat. ", "artist": {"name": "Ida Marlowe",
+                           "sort-name": "Marlowe, Ida", "id": "6d7b7cd4-254b-4c25-83f6-dd20f98ceacd"}},
+                          {"name": "The Salt Choir", "joinphrase": "", "artist": {"name": "The Salt Choir",
+                           "sort-name": "Salt Choir, The", "id": "10adbe5e-a2c0-4bf3-8249-2b4cbf6e6ca8"}}],
+        "releases": [{"id": "22d6b8a1-2b5b-4fd5-a0c8-2b4a0b9f4a4e", "title": "Paper Lanterns", "status": "Official",
+            "date": "2012-03-05", "country": "GB", "quality": "normal",
+            "release-group": {"id": "97ab4a4a-2c1d-4e12-9a3c-3e5a2f0a6f9d", "title": "Paper Lanterns",
+                "primary-type": "Album", "secondary-types": [], "first-release-date": "2012-03-05"},
+            "media": [{"position": 1, "format": "CD", "title": "", "track-count": 11, "track-offset": 3,
+                "tracks": [{"id": "f9a1d9c5-3d0e-4e0a-8c0b-6e1f0a9b5d11", "position": 4, "number": "4",
+                            "title": "Midnight Ferry", "length": 20000}]}]}]})";
+}

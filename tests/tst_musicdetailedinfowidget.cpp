@@ -1,0 +1,502 @@
+#include "audiocore/tagitem.h"
+#include "audiofile.h"
+#include "common/qimagebutton.h"
+#include "common/qimagewidget.h"
+#include "common/retractlabel.h"
+#include "fixtures.h"
+#include "guidriver.h"
+#include "loggedlines.h"
+#include "musicdetailedinfowidget.h"
+#include "songfixtures.h"
+#include "startup.h"
+
+#include <QComboBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class TestMusicDetailedInfoWidget : public QObject
+{
+    Q_OBJECT
+
+public:
+    static void initMain()
+    {
+        Startup::beforeApplication();
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    }
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void startsInReadMode();
+    void showsTheSongOfEitherMode_data();
+    void showsTheSongOfEitherMode();
+    void editorsLieOverTheLabels();
+    void editorsTakeTheValuesOver();
+    void aGenreOutOfTheListLeavesTheSelection();
+    void theGenresAreThoseOfTheList();
+    void yearAndTrackTakeFourDigits();
+    void cancelWritesNothing();
+    void applyWritesTheFile();
+    void labelsShowWhatWasTyped();
+    void anEmptyYearIsZero();
+    void applyWithoutACoverTakesThePictureOut();
+    void aChosenCoverIsShownAtOnceAndWrittenByApply();
+    void aCoverOutlivesCancelAndSong();
+    void theCoverIsClickableInEditModeOnly();
+    void aCancelledChooserChangesNothing();
+    void aFailedSaveKeepsTheEditAndLogs();
+    void enterAppliesAndEscapeCancels();
+    void enterOnTheCancelButtonCancels();
+    void anotherSongEndsTheEdit();
+    void noSongHidesThePanel();
+    void nothingIsCutOff();
+
+private:
+    template <typename T>
+    T* child(const char* name) const
+    {
+        return m_panel->findChild<T*>(name);
+    }
+    QString shown(const char* label) const { return child<RetractLabel>(label)->getName(); }
+    QString typed(const char* editor) const { return child<QLineEdit>(editor)->text(); }
+    void type(const char* editor, const QString& text) const;
+    void click(const char* button) const { QTest::mouseClick(child<QImageButton>(button), Qt::LeftButton); }
+    bool editing() const;
+    QString picture(const QString& name, const QColor& colour) const;
+    void choose(const QString& picture);
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<Fixtures::ModeGuard> m_mode;
+    std::unique_ptr<QMusicInfo> m_song;
+    std::unique_ptr<MusicDetailedInfoWidget> m_panel;
+    std::unique_ptr<DialogDriver> m_dialogs;
+};
+
+void TestMusicDetailedInfoWidget::initTestCase()
+{
+    Startup::afterApplication();
+    Fixtures::genericCover();
+}
+
+/// A local song on a real file, shown by the panel.
+void TestMusicDetailedInfoWidget::init()
+{
+    m_mode = std::make_unique<Fixtures::ModeGuard>(true);
+    m_dialogs = std::make_unique<DialogDriver>();
+    const QString path = Fixtures::copyTone("mp3", m_folder.path());
+    const QByteArray cover = Fixtures::jpeg(40, 40, 3);
+    AudioFile::write(path,
+                     {{TAG_TITLE, "Harbour"},
+                      {TAG_ARTIST, "Ida"},
+                      {TAG_ALBUM, "Lanterns"},
+                      {TAG_GENRE, "Pop"},
+                      {TAG_YEAR, "2012"},
+                      {TAG_TRACK, "4"}},
+                     &cover);
+    m_song = std::make_unique<QMusicInfo>();
+    m_song->localInfo = std::make_unique<LocalMusicInfo>();
+    LocalMusicInfo& local = *m_song->localInfo;
+    local.filePath = path;
+    local.title = QStringLiteral("Harbour");
+    local.artist = QStringLiteral("Ida");
+    local.album = QStringLiteral("Lanterns");
+    local.genre = QStringLiteral("Pop");
+    local.year = 2012;
+    local.trackNumber = 4;
+    local.coverPath = Fixtures::saveBytes(cover, m_folder.filePath("cover"));
+    m_panel = std::make_unique<MusicDetailedInfoWidget>();
+    m_panel->resize(330, 572);
+    m_panel->SetMusicDetailedInfo(m_song.get());
+    m_panel->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_panel.get()));
+}
+
+void TestMusicDetailedInfoWidget::cleanup()
+{
+    m_panel.reset();
+    m_song.reset();
+    m_dialogs.reset();
+    m_mode.reset();
+}
+
+bool TestMusicDetailedInfoWidget::editing() const
+{
+    const bool apply = child<QImageButton>("m_btnApply")->isVisible();
+    for (const char* button : {"m_btnEdit", "m_btnIdentify"})
+        if (child<QImageButton>(button)->isVisible() == apply)
+            qFatal("both modes at once: %s", button);
+    if (child<QImageButton>("m_btnCancel")->isVisible() != apply)
+        qFatal("both modes at once");
+    for (const RetractLabel* label : m_panel->findChildren<RetractLabel*>())
+        if (label->isVisible() == apply)
+            qFatal("%s is wrong", qPrintable(label->objectName()));
+    for (const QLineEdit* editor : m_panel->findChildren<QLineEdit*>())
+        if (editor->isVisible() != apply)
+            qFatal("%s is wrong", qPrintable(editor->objectName()));
+    if (child<QComboBox>("m_comboGenre")->isVisible() != apply)
+        qFatal("the combo is wrong");
+    return apply;
+}
+
+void TestMusicDetailedInfoWidget::type(const char* editor, const QString& text) const
+{
+    auto* line = child<QLineEdit>(editor);
+    line->setFocus();
+    line->selectAll();
+    QTest::keyClick(line, Qt::Key_Delete);
+    QTest::keyClicks(line, text);
+}
+
+QString TestMusicDetailedInfoWidget::picture(const QString& name, const QColor& colour) const
+{
+    return Fixtures::savePicture(Fixtures::plain(30, 30, colour), m_folder.filePath(name));
+}
+
+void TestMusicDetailedInfoWidget::choose(const QString& picture)
+{
+    m_dialogs->expect([picture](QWidget* dialog) {
+        auto* chooser = qobject_cast<QFileDialog*>(dialog);
+        QCOMPARE(chooser->windowTitle(), QStringLiteral("Open File"));
+        QCOMPARE(chooser->nameFilters(), QStringList("Images(*.png *.xpm *.jpg)"));
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(picture);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    QTest::mouseClick(child<QImageWidget>("currentImgWidget"), Qt::LeftButton);
+}
+
+void TestMusicDetailedInfoWidget::startsInReadMode()
+{
+    QVERIFY(!editing());
+    QVERIFY(child<QImageButton>("m_btnEdit")->isDefault());
+    QCOMPARE(child<QImageButton>("m_btnEdit")->toolTip(), QStringLiteral("edit music information"));
+    QCOMPARE(child<QImageButton>("m_btnEdit")->text(), QStringLiteral("edit"));
+    QCOMPARE(child<QImageButton>("m_btnCancel")->text(), QStringLiteral("cancel"));
+    QCOMPARE(child<QImageButton>("m_btnIdentify")->text(), QStringLiteral("identify"));
+    QCOMPARE(child<QImageButton>("m_btnApply")->text(), QStringLiteral("apply"));
+}
+
+void TestMusicDetailedInfoWidget::showsTheSongOfEitherMode_data()
+{
+    QTest::addColumn<bool>("local");
+    QTest::newRow("iTunes") << false;
+    QTest::newRow("local") << true;
+}
+
+void TestMusicDetailedInfoWidget::showsTheSongOfEitherMode()
+{
+    QFETCH(bool, local);
+    const Fixtures::ModeGuard mode(local);
+    const auto song = Fixtures::makeSong(local);
+    m_panel->SetMusicDetailedInfo(&song->info);
+    QCOMPARE(shown("m_titleName"), QString::fromUtf8("Täxt"));
+    QCOMPARE(shown("m_artistName"), QStringLiteral("Artist"));
+    QCOMPARE(shown("m_albumName"), QStringLiteral("Album"));
+    QCOMPARE(shown("m_genreName"), QStringLiteral("Genre"));
+    QCOMPARE(shown("m_yearNumber"), QStringLiteral("1999"));
+    QCOMPARE(shown("m_trackNoName"), QStringLiteral("7"));
+    click("m_btnEdit");
+    QCOMPARE(typed("m_lineTitle"), QString::fromUtf8("Täxt"));
+    QCOMPARE(typed("m_lineYear"), QStringLiteral("1999"));
+    QCOMPARE(typed("m_lineTrackNo"), QStringLiteral("7"));
+    m_panel->SetMusicDetailedInfo(nullptr);
+}
+
+void TestMusicDetailedInfoWidget::editorsLieOverTheLabels()
+{
+    QHash<QString, QRect> places;
+    for (const RetractLabel* label : m_panel->findChildren<RetractLabel*>())
+        places.insert(label->objectName(), label->geometry());
+    click("m_btnEdit");
+    QVERIFY(editing());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    const std::pair<const char*, const char*> pairs[] = {
+        {"m_titleName", "m_lineTitle"}, {"m_artistName", "m_lineArtist"},
+        {"m_albumName", "m_lineAlbum"}, {"m_genreName", "m_comboGenre"},
+        {"m_yearNumber", "m_lineYear"}, {"m_trackNoName", "m_lineTrackNo"}};
+    for (const auto& [label, editor] : pairs)
+        QCOMPARE(child<QWidget>(editor)->geometry(), places.value(label));
+}
+
+void TestMusicDetailedInfoWidget::editorsTakeTheValuesOver()
+{
+    click("m_btnEdit");
+    QCOMPARE(typed("m_lineTitle"), QStringLiteral("Harbour"));
+    QCOMPARE(typed("m_lineArtist"), QStringLiteral("Ida"));
+    QCOMPARE(typed("m_lineAlbum"), QStringLiteral("Lanterns"));
+    QCOMPARE(child<QComboBox>("m_comboGenre")->currentText(), QStringLiteral("Pop"));
+    QCOMPARE(typed("m_lineYear"), QStringLiteral("2012"));
+    QCOMPARE(typed("m_lineTrackNo"), QStringLiteral("4"));
+    QCOMPARE(child<QImageWidget>("currentImgWidget")->toolTip(), QStringLiteral("click to add cover"));
+    QVERIFY(child<QLineEdit>("m_lineTitle")->hasFocus());
+    click("m_btnCancel");
+    m_song->localInfo->year = 0;
+    click("m_btnEdit");
+    QCOMPARE(typed("m_lineYear"), QStringLiteral("0"));
+}
+
+void TestMusicDetailedInfoWidget::aGenreOutOfTheListLeavesTheSelection()
+{
+    click("m_btnEdit");
+    click("m_btnCancel");
+    m_song->localInfo->genre = QStringLiteral("Jazz");
+    click("m_btnEdit");
+    QCOMPARE(child<QComboBox>("m_comboGenre")->currentText(), QStringLiteral("Pop"));
+    click("m_btnApply");
+    QCOMPARE(m_song->localInfo->genre, QStringLiteral("Pop"));
+    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).texts.value(TAG_GENRE), QStringLiteral("Pop"));
+    m_song->localInfo->genre = QStringLiteral("rock"); // compared with its case
+    click("m_btnEdit");
+    QCOMPARE(child<QComboBox>("m_comboGenre")->currentText(), QStringLiteral("Pop"));
+}
+
+void TestMusicDetailedInfoWidget::theGenresAreThoseOfTheList()
+{
+    const auto* combo = child<QComboBox>("m_comboGenre");
+    QStringList texts;
+    for (int index = 0; index < combo->count(); ++index)
+        texts.append(combo->itemText(index));
+    QCOMPARE(texts, QStringList({"", "Blue", "Alternavite & Punk", "Books & Spoken", "Children's Music",
+                                 "Classical", "Pop", "Rock", "Other"}));
+}
+
+void TestMusicDetailedInfoWidget::yearAndTrackTakeFourDigits()
+{
+    click("m_btnEdit");
+    for (const char* editor : {"m_lineYear", "m_lineTrackNo"}) {
+        type(editor, QStringLiteral("x19871"));
+        QCOMPARE(typed(editor), QStringLiteral("1987"));
+        type(editor, QStringLiteral("-5"));
+        QCOMPARE(typed(editor), QStringLiteral("5"));
+    }
+}
+
+void TestMusicDetailedInfoWidget::cancelWritesNothing()
+{
+    QSignalSpy edited(m_panel.get(), SIGNAL(emitMusicInfoHasChanged()));
+    QSignalSpy unlocked(m_panel.get(), SIGNAL(emitForbidToClickView(bool)));
+    const QByteArray before = Fixtures::readBytes(m_song->localInfo->filePath);
+    click("m_btnEdit");
+    type("m_lineTitle", QStringLiteral("Other"));
+    click("m_btnCancel");
+    QVERIFY(!editing());
+    QCOMPARE(shown("m_titleName"), QStringLiteral("Harbour"));
+    QCOMPARE(m_song->localInfo->title, QStringLiteral("Harbour"));
+    QCOMPARE(Fixtures::readBytes(m_song->localInfo->filePath), before);
+    QCOMPARE(edited.size(), 0);
+    QCOMPARE(unlocked.size(), 1);
+    QCOMPARE(unlocked.first().first().toBool(), false);
+    click("m_btnEdit");
+    QCOMPARE(typed("m_lineTitle"), QStringLiteral("Harbour"));
+}
+
+void TestMusicDetailedInfoWidget::applyWritesTheFile()
+{
+    QSignalSpy edited(m_panel.get(), SIGNAL(emitMusicInfoHasChanged()));
+    QSignalSpy covered(m_panel.get(), SIGNAL(emitMusicCoverHasChanged()));
+    click("m_btnEdit");
+    type("m_lineTitle", QString::fromUtf8("Østersøen"));
+    type("m_lineArtist", QStringLiteral("Wren"));
+    type("m_lineAlbum", QStringLiteral("Kites"));
+    type("m_lineYear", QStringLiteral("1987"));
+    type("m_lineTrackNo", QStringLiteral("12"));
+    child<QComboBox>("m_comboGenre")->setCurrentIndex(2);
+    click("m_btnApply");
+    QVERIFY(!editing());
+    const QHash<int, QString> expected = {
+        {TAG_TITLE, QString::fromUtf8("Østersøen")}, {TAG_ARTIST, "Wren"}, {TAG_ALBUM, "Kites"},
+        {TAG_GENRE, "Alternavite & Punk"},           {TAG_YEAR, "1987"},   {TAG_TRACK, "12"}};
+    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).texts, expected);
+    QCOMPARE(m_song->localInfo->title, QString::fromUtf8("Østersøen"));
+    QCOMPARE(m_song->localInfo->year, qint64(1987));
+    QCOMPARE(m_song->localInfo->trackNumber, qint64(12));
+    QCOMPARE(edited.size(), 1);
+    QCOMPARE(covered.size(), 0);
+}
+
+void TestMusicDetailedInfoWidget::labelsShowWhatWasTyped()
+{
+    click("m_btnEdit");
+    type("m_lineTitle", QStringLiteral("  two  blanks "));
+    type("m_lineYear", QStringLiteral("0012"));
+    click("m_btnApply");
+    QCOMPARE(shown("m_titleName"), QStringLiteral("  two  blanks "));
+    QCOMPARE(shown("m_yearNumber"), QStringLiteral("0012")); // not the number
+    QCOMPARE(m_song->localInfo->year, qint64(12));
+}
+
+void TestMusicDetailedInfoWidget::anEmptyYearIsZero()
+{
+    click("m_btnEdit");
+    type("m_lineYear", QString());
+    type("m_lineTrackNo", QString());
+    click("m_btnApply");
+    QCOMPARE(m_song->localInfo->year, qint64(0));
+    QCOMPARE(m_song->localInfo->trackNumber, qint64(0));
+    const QHash<int, QString> texts = AudioFile::read(m_song->localInfo->filePath).texts;
+    QVERIFY(!texts.contains(TAG_YEAR));
+    QVERIFY(!texts.contains(TAG_TRACK));
+}
+
+void TestMusicDetailedInfoWidget::applyWithoutACoverTakesThePictureOut()
+{
+    const QString cover = m_song->localInfo->coverPath;
+    QVERIFY(!AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
+    click("m_btnEdit");
+    click("m_btnApply");
+    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
+    QCOMPARE(m_song->localInfo->coverPath, cover); // the song keeps it until files are read again
+}
+
+void TestMusicDetailedInfoWidget::aChosenCoverIsShownAtOnceAndWrittenByApply()
+{
+    QSignalSpy covered(m_panel.get(), SIGNAL(emitMusicCoverHasChanged()));
+    const QString red = picture(QStringLiteral("red.png"), QColor(220, 20, 30));
+    click("m_btnEdit");
+    choose(red);
+    const QPoint middle = child<QImageWidget>("currentImgWidget")->geometry().center();
+    QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30));
+    QVERIFY(m_song->localInfo->coverPath != red);
+    click("m_btnApply");
+    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, Fixtures::readBytes(red));
+    QCOMPARE(m_song->localInfo->coverPath, red);
+    QCOMPARE(m_song->localInfo->cover->toImage().pixelColor(5, 5), QColor(220, 20, 30));
+    QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30));
+    QCOMPARE(covered.size(), 1);
+    click("m_btnEdit");
+    click("m_btnApply");
+    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty()); // used once
+    QCOMPARE(covered.size(), 1);
+}
+
+/// What was chosen waits for the next apply, whichever song that is for.
+void TestMusicDetailedInfoWidget::aCoverOutlivesCancelAndSong()
+{
+    const QString red = picture(QStringLiteral("red2.png"), QColor(220, 20, 30));
+    click("m_btnEdit");
+    choose(red);
+    click("m_btnCancel");
+    QMusicInfo other;
+    other.localInfo = std::make_unique<LocalMusicInfo>();
+    other.localInfo->filePath = Fixtures::copyTone("flac", m_folder.path());
+    m_panel->SetMusicDetailedInfo(&other);
+    click("m_btnEdit");
+    click("m_btnApply");
+    QCOMPARE(AudioFile::read(other.localInfo->filePath).picture, Fixtures::readBytes(red));
+    m_panel->SetMusicDetailedInfo(nullptr);
+}
+
+void TestMusicDetailedInfoWidget::theCoverIsClickableInEditModeOnly()
+{
+    auto* cover = child<QImageWidget>("currentImgWidget");
+    QVERIFY(!cover->isEnabled());
+    click("m_btnEdit");
+    QVERIFY(cover->isEnabled());
+    click("m_btnCancel");
+    QVERIFY(!cover->isEnabled());
+    click("m_btnEdit");
+    click("m_btnApply");
+    QVERIFY(!cover->isEnabled());
+    QTest::mouseClick(cover, Qt::LeftButton);
+    QVERIFY(!QApplication::activeModalWidget());
+}
+
+void TestMusicDetailedInfoWidget::aCancelledChooserChangesNothing()
+{
+    click("m_btnEdit");
+    auto* cover = child<QImageWidget>("currentImgWidget");
+    const QImage before = cover->grab().toImage();
+    m_dialogs->expect([](QWidget* dialog) { dialog->close(); });
+    QTest::mouseClick(cover, Qt::LeftButton);
+    QCOMPARE(cover->grab().toImage(), before);
+    click("m_btnApply");
+    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
+}
+
+void TestMusicDetailedInfoWidget::aFailedSaveKeepsTheEditAndLogs()
+{
+    const QString path = m_song->localInfo->filePath;
+    QFile::remove(path);
+    click("m_btnEdit");
+    type("m_lineTitle", QStringLiteral("Gone"));
+    const LoggedLines lines;
+    click("m_btnApply");
+    const QStringList log = LoggedLines::take();
+    QCOMPARE(m_song->localInfo->title, QStringLiteral("Gone"));
+    QCOMPARE(shown("m_titleName"), QStringLiteral("Gone"));
+    QVERIFY(!QFile::exists(path));
+    QVERIFY(m_dialogs->texts.isEmpty());
+    QCOMPARE(log.size(), 1);
+    QVERIFY(log.first().contains(path));
+}
+
+void TestMusicDetailedInfoWidget::enterAppliesAndEscapeCancels()
+{
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        click("m_btnEdit");
+        const QString title = key == Qt::Key_Return ? QStringLiteral("One") : QStringLiteral("Two");
+        type("m_lineTitle", title);
+        QTest::keyClick(child<QLineEdit>("m_lineTitle"), key);
+        QVERIFY(!editing());
+        QCOMPARE(m_song->localInfo->title, title);
+    }
+    click("m_btnEdit");
+    type("m_lineYear", QString()); // not a year, and no reason to stay
+    QTest::keyClick(child<QLineEdit>("m_lineYear"), Qt::Key_Return);
+    QVERIFY(!editing());
+    for (const char* editor : {"m_lineTitle", "m_comboGenre"}) {
+        click("m_btnEdit");
+        child<QWidget>(editor)->setFocus();
+        QTest::keyClick(child<QWidget>(editor), Qt::Key_Escape);
+        QVERIFY(!editing());
+    }
+    QTest::keyClick(m_panel.get(), Qt::Key_Return); // means nothing in read mode
+    QCOMPARE(m_song->localInfo->title, QStringLiteral("Two"));
+}
+
+void TestMusicDetailedInfoWidget::enterOnTheCancelButtonCancels()
+{
+    click("m_btnEdit");
+    type("m_lineTitle", QStringLiteral("Other"));
+    child<QImageButton>("m_btnCancel")->setFocus();
+    QTest::keyClick(child<QImageButton>("m_btnCancel"), Qt::Key_Return);
+    QVERIFY(!editing());
+    QCOMPARE(m_song->localInfo->title, QStringLiteral("Harbour"));
+}
+
+void TestMusicDetailedInfoWidget::anotherSongEndsTheEdit()
+{
+    click("m_btnEdit");
+    const auto other = Fixtures::makeSong(true);
+    m_panel->SetMusicDetailedInfo(&other->info);
+    QVERIFY(!editing());
+    QVERIFY(!child<QImageWidget>("currentImgWidget")->isEnabled());
+    QCOMPARE(shown("m_titleName"), QString::fromUtf8("Täxt"));
+    m_panel->SetMusicDetailedInfo(nullptr);
+}
+
+void TestMusicDetailedInfoWidget::noSongHidesThePanel()
+{
+    m_panel->SetMusicDetailedInfo(nullptr);
+    QVERIFY(m_panel->isHidden());
+    QVERIFY(!m_panel->song());
+}
+
+void TestMusicDetailedInfoWidget::nothingIsCutOff()
+{
+    for (const QLabel* label : m_panel->findChildren<QLabel*>())
+        if (!qobject_cast<const RetractLabel*>(label))
+            QVERIFY2(label->sizeHint().width() <= label->width(), qPrintable(label->objectName()));
+    for (const QWidget* widget : m_panel->findChildren<QWidget*>()) {
+        if (widget->parentWidget() == m_panel.get())
+            QVERIFY2(m_panel->rect().contains(widget->geometry()), qPrintable(widget->objectName()));
+    }
+}
+
+QTEST_MAIN(TestMusicDetailedInfoWidget)
+#include "tst_musicdetailedinfowidget.moc"

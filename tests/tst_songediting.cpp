@@ -1,0 +1,302 @@
+#include "audiocore/iaudiotag.h"
+#include "audiofile.h"
+#include "fixtures.h"
+#include "loggedlines.h"
+#include "songediting.h"
+#include "songfixtures.h"
+#include "startup.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+/// Notes what is asked of a tag.
+class RecordingTag final : public IAudioTag
+{
+public:
+    QStringList calls;
+
+    qint32 Open(const char32_t*) override { return note(QStringLiteral("open")); }
+    void Reserved1() override {}
+    qint32 Close() override { return note(QStringLiteral("close")); }
+    void Reserved3() override {}
+    qint32 Save() override { return note(QStringLiteral("save")); }
+    qint32 GetItemCount() override { return 0; }
+    TagItem GetItem(qint32) override { return {}; }
+    void Reserved7() override {}
+    void Reserved8() override {}
+    qint32 SetItem(TagItem item) override
+    {
+        const QString value = item.dataKind == 0
+                                  ? QString::fromUcs4(static_cast<char32_t*>(item.data), item.size / 4)
+                                  : QString::fromLatin1(static_cast<char*>(item.data), item.size);
+        return note(
+            QStringLiteral("set %1/%2/%3 \"%4\"").arg(item.id).arg(item.type).arg(item.dataKind).arg(value));
+    }
+    void Reserved10() override {}
+    void Reserved11() override {}
+    qint32 RemoveItem(qint32 type) override { return note(QStringLiteral("remove %1").arg(type)); }
+
+private:
+    qint32 note(const QString& call)
+    {
+        calls.append(call);
+        return 0;
+    }
+};
+
+SongEdit sampleEdit()
+{
+    SongEdit edit;
+    edit.title = QStringLiteral("Nächte \U0001D11E");
+    edit.artist = QStringLiteral("Ida & Wren");
+    edit.album = QStringLiteral("潮");
+    edit.genre = QStringLiteral("Rock");
+    edit.year = 2012;
+    edit.trackNumber = 3;
+    return edit;
+}
+
+QByteArray outputOf(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    return process.waitForFinished() ? process.readAllStandardOutput() : QByteArray();
+}
+
+/// The tags as ffprobe names them, in small letters, whether they belong to the file or its stream.
+QHash<QString, QString> independentTags(const QString& path)
+{
+    const QJsonObject answer =
+        QJsonDocument::fromJson(
+            outputOf(QStringLiteral("ffprobe"),
+                     {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_format"),
+                      QStringLiteral("-show_streams"), QStringLiteral("-of"), QStringLiteral("json"), path}))
+            .object();
+    QHash<QString, QString> tags;
+    const auto take = [&](const QJsonObject& from) {
+        const QJsonObject found = from.value(QLatin1String("tags")).toObject();
+        for (auto tag = found.begin(); tag != found.end(); ++tag) {
+            QString name = tag.key().toLower();
+            if (name == QLatin1String("wm/year") || name == QLatin1String("year"))
+                name = QStringLiteral("date");
+            tags.insert(name, tag.value().toString());
+        }
+    };
+    for (const QJsonValue& stream : answer.value(QLatin1String("streams")).toArray())
+        if (stream.toObject().value(QLatin1String("codec_type")).toString() == QLatin1String("audio"))
+            take(stream.toObject());
+    take(answer.value(QLatin1String("format")).toObject());
+    return tags;
+}
+
+QByteArray independentPicture(const QString& path)
+{
+    return outputOf(QStringLiteral("ffmpeg"),
+                    {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
+                     QStringLiteral("-map"), QStringLiteral("0:v:0"), QStringLiteral("-c"),
+                     QStringLiteral("copy"), QStringLiteral("-f"), QStringLiteral("image2pipe"),
+                     QStringLiteral("-")});
+}
+} // namespace
+
+class TestSongEditing : public QObject
+{
+    Q_OBJECT
+
+public:
+    static void initMain() { Startup::beforeApplication(); }
+
+private slots:
+    void initTestCase();
+
+    void itemsAreReplacedInTheirOrder();
+    void aChosenPictureIsWrittenWhole();
+    void anUnreadablePictureIsNone_data();
+    void anUnreadablePictureIsNone();
+    void everyFormatTakesAnEdit_data();
+    void everyFormatTakesAnEdit();
+    void theSongTakesTheEdit();
+    void theCoverGetsItsPicture();
+    void whatWasHandedBackUnchangedStays_data();
+    void whatWasHandedBackUnchangedStays();
+    void aSongWithoutDataIsLeftAlone();
+
+private:
+    std::unique_ptr<QMusicInfo> songOn(const QString& path) const;
+
+    QTemporaryDir m_folder;
+    Fixtures::ModeGuard m_mode{true};
+};
+
+void TestSongEditing::initTestCase()
+{
+    Startup::afterApplication();
+    Fixtures::genericCover();
+}
+
+std::unique_ptr<QMusicInfo> TestSongEditing::songOn(const QString& path) const
+{
+    auto song = std::make_unique<QMusicInfo>();
+    song->localInfo = std::make_unique<LocalMusicInfo>();
+    song->localInfo->filePath = path;
+    return song;
+}
+
+void TestSongEditing::itemsAreReplacedInTheirOrder()
+{
+    RecordingTag tag;
+    SongEdit edit;
+    edit.title = QStringLiteral("T");
+    edit.artist = QStringLiteral("A");
+    edit.genre = QStringLiteral("Pop");
+    edit.year = 1987;
+    SongEditing::writeTag(tag, edit);
+    QCOMPARE(tag.calls, QStringList({"remove 1", "set -1/1/0 \"A\"", "remove 0", "set -1/0/0 \"T\"",
+                                     "remove 2", "set -1/2/0 \"\"", "remove 3", "set -1/3/0 \"Pop\"",
+                                     "remove 4", "set -1/4/0 \"1987\"", "remove 5", "set -1/5/0 \"0\"",
+                                     "remove 9", "set -1/9/1 \"\"", "save"}));
+}
+
+void TestSongEditing::aChosenPictureIsWrittenWhole()
+{
+    RecordingTag tag;
+    SongEdit edit;
+    edit.newCoverPath = Fixtures::saveBytes(QByteArray("\0pic\0ture", 9), m_folder.filePath("bytes"));
+    SongEditing::writeTag(tag, edit);
+    const QString expected = QStringLiteral("set -1/9/1 \"%1\"").arg(QString::fromLatin1("\0pic\0ture", 9));
+    QVERIFY(tag.calls.contains(expected));
+}
+
+void TestSongEditing::anUnreadablePictureIsNone_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("missing") << m_folder.filePath("missing");
+    QTest::newRow("directory") << m_folder.path();
+    const QString vast = Fixtures::saveBytes("x", m_folder.filePath("vast"));
+    QFile(vast).resize(400ll * 1024 * 1024);
+    QTest::newRow("vast") << vast;
+}
+
+void TestSongEditing::anUnreadablePictureIsNone()
+{
+    QFETCH(QString, path);
+    RecordingTag tag;
+    SongEdit edit;
+    edit.newCoverPath = path;
+    const LoggedLines lines;
+    SongEditing::writeTag(tag, edit);
+    const QStringList log = LoggedLines::take();
+    QVERIFY(tag.calls.contains(QStringLiteral("set -1/9/1 \"\"")));
+    QCOMPARE(log.size(), 1);
+    QVERIFY(log.first().contains(path));
+}
+
+void TestSongEditing::everyFormatTakesAnEdit_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const QString& kind : Fixtures::formats())
+        QTest::newRow(qPrintable(kind)) << kind;
+}
+
+void TestSongEditing::everyFormatTakesAnEdit()
+{
+    QFETCH(QString, kind);
+    const auto song = songOn(Fixtures::copyTone(kind, m_folder.path()));
+    const QByteArray picture = Fixtures::jpeg(100, 100, 1);
+    SongEdit edit = sampleEdit();
+    edit.newCoverPath = Fixtures::saveBytes(picture, m_folder.filePath("picture.jpg"));
+    const SongEditing::Outcome outcome = SongEditing::apply(*song, edit);
+    QVERIFY(outcome.coverChanged && outcome.coverUsed);
+
+    const AudioFile::Content ours = AudioFile::read(song->localInfo->filePath);
+    const QHash<QString, QString> theirs = independentTags(song->localInfo->filePath);
+    const struct
+    {
+        int type;
+        const char* name;
+        QString value;
+    } fields[] = {{TAG_TITLE, "title", edit.title}, {TAG_ARTIST, "artist", edit.artist},
+                  {TAG_ALBUM, "album", edit.album}, {TAG_GENRE, "genre", edit.genre},
+                  {TAG_YEAR, "date", "2012"},       {TAG_TRACK, "track", "3"}};
+    QStringList row;
+    for (const auto& field : fields) {
+        const QString other = theirs.value(QLatin1String(field.name));
+        QCOMPARE(ours.texts.value(field.type), field.value);
+        QCOMPARE(other, field.value);
+        row.append(QStringLiteral("%1: %2 | %3")
+                       .arg(QLatin1String(field.name), ours.texts.value(field.type), other));
+    }
+    QCOMPARE(ours.picture, picture);
+    QCOMPARE(independentPicture(song->localInfo->filePath), picture);
+    row.append(QStringLiteral("picture: %1 | %1 bytes").arg(picture.size()));
+    qInfo("%-5s read back by us | by ffprobe: %s", qPrintable(kind),
+          qUtf8Printable(row.join(QStringLiteral("; "))));
+}
+
+void TestSongEditing::theSongTakesTheEdit()
+{
+    const auto song = songOn(Fixtures::copyTone("mp3", m_folder.path()));
+    SongEdit edit = sampleEdit();
+    edit.year = -5;
+    const SongEditing::Outcome outcome = SongEditing::apply(*song, edit);
+    QVERIFY(!outcome.coverChanged);
+    const LocalMusicInfo& local = *song->localInfo;
+    QCOMPARE(local.title, edit.title);
+    QCOMPARE(local.artist, edit.artist);
+    QCOMPARE(local.album, edit.album);
+    QCOMPARE(local.genre, edit.genre);
+    QCOMPARE(local.year, qint64(-5));
+    QCOMPARE(local.trackNumber, qint64(3));
+    QVERIFY(local.coverPath.isEmpty());
+}
+
+void TestSongEditing::theCoverGetsItsPicture()
+{
+    const auto song = songOn(Fixtures::copyTone("mp3", m_folder.path()));
+    SongEdit edit = sampleEdit();
+    edit.newCoverPath =
+        Fixtures::savePicture(Fixtures::plain(900, 600, QColor(10, 200, 30)), m_folder.filePath("big.png"));
+    SongEditing::apply(*song, edit);
+    QCOMPARE(song->localInfo->coverPath, edit.newCoverPath);
+    QCOMPARE(song->localInfo->cover->size(), QSize(300, 200)); // songs carry small pictures
+    edit.newCoverPath = Fixtures::saveBytes("no picture", m_folder.filePath("text.png"));
+    SongEditing::apply(*song, edit);
+    QCOMPARE(Fixtures::pixels(*song->localInfo->cover), Fixtures::pixels(Fixtures::genericCover()));
+}
+
+void TestSongEditing::whatWasHandedBackUnchangedStays_data()
+{
+    everyFormatTakesAnEdit_data();
+}
+
+/// The whole song goes through the editors; of what was not typed anew the file keeps its own form.
+void TestSongEditing::whatWasHandedBackUnchangedStays()
+{
+    QFETCH(QString, kind);
+    const auto song = songOn(Fixtures::copyTone(kind, m_folder.path()));
+    SongEdit edit = sampleEdit();
+    SongEditing::apply(*song, edit);
+    const QHash<QString, QString> before = independentTags(song->localInfo->filePath);
+    edit.title = QStringLiteral("New");
+    SongEditing::apply(*song, edit);
+    QHash<QString, QString> after = independentTags(song->localInfo->filePath);
+    QCOMPARE(after.value(QStringLiteral("title")), QStringLiteral("New"));
+    after.insert(QStringLiteral("title"), before.value(QStringLiteral("title")));
+    QCOMPARE(after, before);
+}
+
+void TestSongEditing::aSongWithoutDataIsLeftAlone()
+{
+    QMusicInfo song;
+    const SongEditing::Outcome outcome = SongEditing::apply(song, sampleEdit());
+    QVERIFY(!outcome.coverChanged && !outcome.coverUsed);
+    QVERIFY(!song.localInfo);
+}
+
+QTEST_MAIN(TestSongEditing)
+#include "tst_songediting.moc"

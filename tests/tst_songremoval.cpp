@@ -1,0 +1,365 @@
+#include "audiocore/iaudiotag.h"
+#include "dupmusicinfo.h"
+#include "keptfiles.h"
+#include "loggedlines.h"
+#include "qmusicinfo.h"
+#include "songfixtures.h"
+#include "songremoval.h"
+#include "startup.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <random>
+
+class TestSongRemoval : public QObject
+{
+    Q_OBJECT
+
+public:
+    static void initMain() { Startup::beforeApplication(); }
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void aKeptFileIsKnownByEveryPath_data();
+    void aKeptFileIsKnownByEveryPath();
+    void whatIsNotKeptMayGo_data();
+    void whatIsNotKeptMayGo();
+    void noKeptFilesKeepNothing();
+    void aFileIsRemoved();
+    void aLinkIsRemovedItself();
+    void aFolderIsNeverRemoved();
+    void aSharedFileStays();
+    void theLastEntryOfTheGroupGoes();
+    void aGroupOfOneLeavesTheList();
+    void aSongOutOfTheListCostsNoFile();
+    void aGroupOutOfRangeIsLeftAlone();
+    void theTagListStaysParallel();
+    void everyGroupKeepsItsFirstSong();
+    void smallGroupsAreTakenOutUntouched();
+    void allAtOnceIsTheSameAsOneAfterTheOther();
+
+private:
+    QMusicInfo* song(const QString& name);
+    QString fileOf(const QMusicInfo* song) const { return song->localInfo->filePath; }
+    DupMusicInfo* group(const QList<QMusicInfo*>& songs);
+    SongLists lists() { return {&m_all, &m_groups, &m_undefined, &m_tags}; }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    Fixtures::ModeGuard m_mode{true};
+    std::vector<std::unique_ptr<QMusicInfo>> m_songs;
+    std::vector<std::unique_ptr<DupMusicInfo>> m_ownGroups;
+    QList<QMusicInfo*> m_all;
+    QList<QMusicInfo*> m_undefined;
+    QList<DupMusicInfo*> m_groups;
+    QList<IAudioTag*> m_tags;
+};
+
+void TestSongRemoval::initTestCase()
+{
+    Startup::afterApplication();
+    Fixtures::genericCover();
+}
+
+void TestSongRemoval::init()
+{
+    m_all.clear();
+    m_undefined.clear();
+    m_groups.clear();
+    m_tags.clear();
+    m_ownGroups.clear();
+    m_songs.clear();
+    m_folder = std::make_unique<QTemporaryDir>();
+}
+
+/// A song on a small file, in the list of all songs.
+QMusicInfo* TestSongRemoval::song(const QString& name)
+{
+    m_songs.push_back(std::make_unique<QMusicInfo>());
+    m_songs.back()->localInfo = std::make_unique<LocalMusicInfo>();
+    m_songs.back()->localInfo->filePath =
+        Fixtures::saveBytes(name.toUtf8(), m_folder->filePath(name + QLatin1String(".mp3")));
+    m_all.append(m_songs.back().get());
+    m_tags.append(nullptr);
+    return m_songs.back().get();
+}
+
+DupMusicInfo* TestSongRemoval::group(const QList<QMusicInfo*>& songs)
+{
+    m_ownGroups.push_back(std::make_unique<DupMusicInfo>());
+    m_ownGroups.back()->musicList = songs;
+    m_groups.append(m_ownGroups.back().get());
+    return m_groups.last();
+}
+
+void TestSongRemoval::aKeptFileIsKnownByEveryPath_data()
+{
+    QTest::addColumn<QString>("kept");
+    QTest::addColumn<QString>("removed");
+    QTest::newRow("twice") << "f/a.mp3" << "f/a.mp3";
+    QTest::newRow("dots") << "f/a.mp3" << "f/../f/./a.mp3";
+    QTest::newRow("through a linked folder") << "f/a.mp3" << "folderlink/a.mp3";
+    QTest::newRow("kept through a linked folder") << "folderlink/a.mp3" << "f/a.mp3";
+    QTest::newRow("kept link, removed target") << "link.mp3" << "f/a.mp3";
+    QTest::newRow("kept link to a link") << "link2.mp3" << "link.mp3";
+    QTest::newRow("target of a kept link to a link") << "link2.mp3" << "f/a.mp3";
+    QTest::newRow("the link itself") << "link.mp3" << "link.mp3";
+    QTest::newRow("a loop") << "loop1" << "loop2";
+    QTest::newRow("in a folder that is gone") << "gone/a.mp3" << "gone/./a.mp3";
+}
+
+static void makeLinks(const QTemporaryDir& folder)
+{
+    QDir(folder.path()).mkdir("f");
+    Fixtures::saveBytes("a", folder.filePath("f/a.mp3"));
+    Fixtures::saveBytes("b", folder.filePath("f/b.mp3"));
+    QFile::link(folder.filePath("f"), folder.filePath("folderlink"));
+    QFile::link("f/a.mp3", folder.filePath("link.mp3"));
+    QFile::link(folder.filePath("link.mp3"), folder.filePath("link2.mp3"));
+    QFile::link("loop2", folder.filePath("loop1"));
+    QFile::link("loop1", folder.filePath("loop2"));
+}
+
+void TestSongRemoval::aKeptFileIsKnownByEveryPath()
+{
+    QFETCH(QString, kept);
+    QFETCH(QString, removed);
+    makeLinks(*m_folder);
+    KeptFiles files;
+    files.add(m_folder->filePath(kept));
+    QVERIFY(files.wouldLose(m_folder->filePath(removed)));
+}
+
+void TestSongRemoval::whatIsNotKeptMayGo_data()
+{
+    QTest::addColumn<QString>("kept");
+    QTest::addColumn<QString>("removed");
+    QTest::newRow("another file") << "f/a.mp3" << "f/b.mp3";
+    QTest::newRow("the same name elsewhere") << "f/a.mp3" << "a.mp3";
+    QTest::newRow("a link to the kept file") << "f/a.mp3" << "link.mp3";
+    QTest::newRow("a link to a kept link") << "link.mp3" << "link2.mp3";
+}
+
+void TestSongRemoval::whatIsNotKeptMayGo()
+{
+    QFETCH(QString, kept);
+    QFETCH(QString, removed);
+    makeLinks(*m_folder);
+    KeptFiles files;
+    files.add(m_folder->filePath(kept));
+    QVERIFY(!files.wouldLose(m_folder->filePath(removed)));
+}
+
+void TestSongRemoval::noKeptFilesKeepNothing()
+{
+    QVERIFY(!KeptFiles().wouldLose(m_folder->filePath("a")));
+    QVERIFY(!KeptFiles().wouldLose(QString()));
+}
+
+void TestSongRemoval::aFileIsRemoved()
+{
+    const QMusicInfo* a = song("a");
+    SongRemoval::removeFile(*a, nullptr, KeptFiles());
+    QVERIFY(!QFile::exists(fileOf(a)));
+    const LoggedLines lines;
+    SongRemoval::removeFile(*a, nullptr, KeptFiles());
+    const QStringList log = LoggedLines::take();
+    QCOMPARE(log.size(), 1);
+    QVERIFY(log.first().contains(fileOf(a)));
+}
+
+void TestSongRemoval::aLinkIsRemovedItself()
+{
+    const QMusicInfo* a = song("a");
+    QMusicInfo* link = song("link");
+    QFile::remove(fileOf(link));
+    QVERIFY(QFile::link(fileOf(a), fileOf(link)));
+    KeptFiles kept;
+    kept.add(fileOf(a));
+    SongRemoval::removeFile(*link, nullptr, kept);
+    QVERIFY(!QFileInfo(fileOf(link)).isSymLink());
+    QVERIFY(QFile::exists(fileOf(a)));
+}
+
+void TestSongRemoval::aFolderIsNeverRemoved()
+{
+    QMusicInfo* folder = song("folder");
+    QFile::remove(fileOf(folder));
+    QDir().mkdir(fileOf(folder));
+    const LoggedLines lines;
+    SongRemoval::removeFile(*folder, nullptr, KeptFiles());
+    QCOMPARE(LoggedLines::take().size(), 1);
+    QVERIFY(QFileInfo(fileOf(folder)).isDir());
+}
+
+void TestSongRemoval::aSharedFileStays()
+{
+    QMusicInfo* a = song("a");
+    QMusicInfo* again = song("b");
+    again->localInfo->filePath = fileOf(a);
+    group({a, again});
+    KeptFiles kept;
+    kept.add(fileOf(a));
+    const LoggedLines lines;
+    QVERIFY(SongRemoval::removeOne(lists(), again, 0, true, kept));
+    const QStringList log = LoggedLines::take();
+    QVERIFY(QFile::exists(fileOf(a)));
+    QCOMPARE(log.size(), 1);
+    QCOMPARE(m_all, QList<QMusicInfo*>({a}));
+    QVERIFY(m_groups.isEmpty());
+}
+
+void TestSongRemoval::theLastEntryOfTheGroupGoes()
+{
+    QMusicInfo* a = song("a");
+    QMusicInfo* b = song("b");
+    QMusicInfo* c = song("c");
+    const DupMusicInfo* three = group({a, b, c});
+    SongRemoval::removeOne(lists(), a, 0, true, KeptFiles());
+    QCOMPARE(three->musicList, QList<QMusicInfo*>({a, b})); // wanted: not the deleted one
+    QCOMPARE(m_all, QList<QMusicInfo*>({b, c}));
+    QVERIFY(!QFile::exists(fileOf(a)));
+    QVERIFY(QFile::exists(fileOf(b)) && QFile::exists(fileOf(c)));
+}
+
+void TestSongRemoval::aGroupOfOneLeavesTheList()
+{
+    QMusicInfo* a = song("a");
+    QMusicInfo* b = song("b");
+    const DupMusicInfo* two = group({a, b});
+    const DupMusicInfo* other = group({song("c"), song("d"), song("e")});
+    m_undefined = {b, a};
+    SongRemoval::removeOne(lists(), b, 0, true, KeptFiles());
+    QCOMPARE(two->musicList, QList<QMusicInfo*>({a}));
+    QCOMPARE(m_groups.size(), 1);
+    QCOMPARE(m_groups.first(), other);
+    QCOMPARE(other->musicList.size(), 3);
+    QCOMPARE(m_undefined, QList<QMusicInfo*>({a}));
+}
+
+void TestSongRemoval::aSongOutOfTheListCostsNoFile()
+{
+    QMusicInfo* a = song("a");
+    QMusicInfo* b = song("b");
+    group({a, b});
+    m_all.removeOne(b);
+    m_tags.removeLast();
+    QVERIFY(!SongRemoval::removeOne(lists(), b, 0, true, KeptFiles()));
+    QVERIFY(QFile::exists(fileOf(b)));
+    QVERIFY(m_groups.isEmpty());
+}
+
+void TestSongRemoval::aGroupOutOfRangeIsLeftAlone()
+{
+    QMusicInfo* a = song("a");
+    const DupMusicInfo* two = group({song("b"), song("c")});
+    for (const qint64 current : {qint64(1), qint64(-1), qint64(1) << 40}) {
+        SongRemoval::removeOne(lists(), a, current, true, KeptFiles());
+        QCOMPARE(two->musicList.size(), 2);
+    }
+    group({});
+    SongRemoval::removeOne(lists(), a, 1, true, KeptFiles()); // an empty group has no last entry
+    QCOMPARE(m_groups.size(), 2);
+}
+
+void TestSongRemoval::theTagListStaysParallel()
+{
+    QMusicInfo* a = song("a");
+    QMusicInfo* b = song("b");
+    song("c");
+    for (IAudioTag*& tag : m_tags)
+        tag = CreateTag();
+    const QList<IAudioTag*> tags = m_tags;
+    tags.at(1)->Open(fileOf(b).toStdU32String().c_str());
+    SongRemoval::removeOne(lists(), b, 0, true, KeptFiles());
+    QCOMPARE(m_tags, QList<IAudioTag*>({tags.at(0), tags.at(2)}));
+    group({m_all.at(1), a});
+    SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));
+    QCOMPARE(m_tags, QList<IAudioTag*>({tags.at(2)}));
+    for (IAudioTag* tag : tags)
+        ::operator delete(tag);
+}
+
+void TestSongRemoval::everyGroupKeepsItsFirstSong()
+{
+    QList<QMusicInfo*> firsts;
+    QList<DupMusicInfo*> groups;
+    for (int size = 2; size <= 5; ++size) {
+        QList<QMusicInfo*> songs;
+        for (int i = 0; i < size; ++i)
+            songs.append(song(QString("%1-%2").arg(size).arg(i)));
+        firsts.append(songs.first());
+        groups.append(group(songs));
+    }
+    m_undefined = m_all;
+    const QVector<SongRemoval::Removal> plan = SongRemoval::planOfAll(m_groups);
+    QCOMPARE(plan.size(), 1 + 2 + 3 + 4);
+    QCOMPARE(plan.at(1).song, groups.at(1)->musicList.at(2)); // from the last one on
+    QCOMPARE(plan.at(2).song, groups.at(1)->musicList.at(1));
+    QCOMPARE(plan.at(1).kept, firsts.at(1));
+    const QList<QMusicInfo*> removed = SongRemoval::removeAll(lists(), plan);
+    QCOMPARE(removed.size(), plan.size());
+    QVERIFY(m_groups.isEmpty());
+    QCOMPARE(m_all, firsts);
+    QCOMPARE(m_undefined, firsts);
+    for (const DupMusicInfo* one : groups)
+        QCOMPARE(one->musicList.size(), 1);
+}
+
+void TestSongRemoval::smallGroupsAreTakenOutUntouched()
+{
+    QMusicInfo* a = song("a");
+    const DupMusicInfo* one = group({a});
+    const DupMusicInfo* none = group({});
+    const QVector<SongRemoval::Removal> plan = SongRemoval::planOfAll(m_groups);
+    QVERIFY(plan.isEmpty());
+    QVERIFY(SongRemoval::removeAll(lists(), plan).isEmpty());
+    QVERIFY(m_groups.isEmpty());
+    QCOMPARE(one->musicList, QList<QMusicInfo*>({a}));
+    QVERIFY(none->musicList.isEmpty());
+    QCOMPARE(m_all, QList<QMusicInfo*>({a}));
+}
+
+/// The slow way, song by song, ends in the same lists.
+void TestSongRemoval::allAtOnceIsTheSameAsOneAfterTheOther()
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 50; ++round) {
+        init();
+        for (int i = 0; i < 40; ++i)
+            song(QString::number(i));
+        QList<QMusicInfo*> free = m_all;
+        while (free.size() > 4) {
+            QList<QMusicInfo*> members;
+            for (unsigned size = 2 + random() % 4; size > 0 && !free.isEmpty(); --size)
+                members.append(free.takeAt(int(random() % unsigned(free.size()))));
+            if (members.size() > 1)
+                group(members);
+        }
+        for (QMusicInfo* some : qAsConst(m_all))
+            if (random() % 3 == 0)
+                m_undefined.append(some);
+
+        QList<QMusicInfo*> all = m_all;
+        QList<QMusicInfo*> undefined = m_undefined;
+        QList<QList<QMusicInfo*>> groups;
+        for (const DupMusicInfo* one : qAsConst(m_groups))
+            groups.append(one->musicList);
+        while (!groups.isEmpty()) {
+            QMusicInfo* last = groups.first().takeLast();
+            all.removeOne(last);
+            undefined.removeOne(last);
+            if (groups.first().size() == 1)
+                groups.removeFirst();
+        }
+        SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));
+        QCOMPARE(m_all, all);
+        QCOMPARE(m_undefined, undefined);
+        QVERIFY(m_groups.isEmpty());
+    }
+}
+
+QTEST_MAIN(TestSongRemoval)
+#include "tst_songremoval.moc"
