@@ -30,7 +30,7 @@ start_display() {
 
 # Starts the program and waits for its window.
 start_program() {
-    (cd "$work/flat" && exec "$bin/melodrift" "$@") >>"$log" 2>&1 &
+    (cd "$work" && mkdir -p flat && cd flat && exec "$bin/melodrift" "$@") >>"$log" 2>&1 &
     program=$!
     window=$(main_window)
 }

@@ -1,5 +1,6 @@
-// Plays the services of an identification for a person at the program: prints the variables that point there, then
-// takes the services' manners from its input, a word a line: proper, silent, failing. Ends with its input.
+// Plays the services of an identification for a person at the program: prints the variables that point there,
+// then takes the services' manners from its input, a word a line: proper, silent, failing. Ends with its
+// input.
 #include "identifyserver.h"
 
 #include <QCoreApplication>
