@@ -206,6 +206,8 @@ bool Journal::makeRoom(std::int64_t size)
 {
     if (size <= m_room)
         return true;
+    if (size > largestJournal - roomStep)
+        return false; // it could not be read again
     const std::string room(std::size_t(size - m_room + roomStep), '\n');
     if (platform::writeAt(m_file.get(), m_room, room.data(), room.size()) != room.size() ||
         !platform::syncToDevice(m_file.get()))

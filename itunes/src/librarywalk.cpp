@@ -13,33 +13,42 @@ using Event = itunes::XmlScanner::Event;
 namespace {
 enum class Section { Other, Tracks, Playlists };
 
+/// By length: most keys are none of these, and it is asked for all of them.
+constexpr std::pair<std::string_view, Field> fields[] = {
+    {"Name", Field::Name},
+    {"Kind", Field::Kind},
+    {"Size", Field::Size},
+    {"Year", Field::Year},
+    {"Album", Field::Album},
+    {"Genre", Field::Genre},
+    {"Movie", Field::Movie},
+    {"Artist", Field::Artist},
+    {"TV Show", Field::TvShow},
+    {"Podcast", Field::Podcast},
+    {"Track ID", Field::TrackId},
+    {"Bit Rate", Field::BitRate},
+    {"Location", Field::Location},
+    {"Has Video", Field::HasVideo},
+    {"Audiobook", Field::Audiobook},
+    {"Audiobooks", Field::Audiobook},
+    {"Total Time", Field::TotalTime},
+    {"Track Type", Field::TrackType},
+    {"Music Video", Field::MusicVideo},
+    {"Sample Rate", Field::SampleRate},
+    {"Track Number", Field::TrackNumber},
+    {"Persistent ID", Field::PersistentId},
+};
+
 Field fieldOf(std::string_view key)
 {
-    static const std::pair<std::string_view, Field> fields[] = {{"Track ID", Field::TrackId},
-                                                                {"Name", Field::Name},
-                                                                {"Artist", Field::Artist},
-                                                                {"Album", Field::Album},
-                                                                {"Genre", Field::Genre},
-                                                                {"Kind", Field::Kind},
-                                                                {"Size", Field::Size},
-                                                                {"Total Time", Field::TotalTime},
-                                                                {"Track Number", Field::TrackNumber},
-                                                                {"Year", Field::Year},
-                                                                {"Bit Rate", Field::BitRate},
-                                                                {"Sample Rate", Field::SampleRate},
-                                                                {"Persistent ID", Field::PersistentId},
-                                                                {"Location", Field::Location},
-                                                                {"Track Type", Field::TrackType},
-                                                                {"Has Video", Field::HasVideo},
-                                                                {"Movie", Field::Movie},
-                                                                {"TV Show", Field::TvShow},
-                                                                {"Music Video", Field::MusicVideo},
-                                                                {"Podcast", Field::Podcast},
-                                                                {"Audiobook", Field::Audiobook},
-                                                                {"Audiobooks", Field::Audiobook}};
-    for (const auto& [name, field] : fields)
-        if (name == key)
+    for (const auto& [name, field] : fields) {
+        if (name.size() < key.size())
+            continue;
+        if (name.size() > key.size())
+            break;
+        if (name.front() == key.front() && name == key)
             return field;
+    }
     return Field::Other;
 }
 
@@ -131,8 +140,10 @@ private:
                 hasKey = false;
                 return asked ? step(key, begin) : skip();
             }
-            m_lead = m_scanner.lead();
-            begin = m_scanner.tagBegin() - m_lead.size();
+            const std::string_view lead = m_scanner.lead();
+            begin = m_scanner.tagBegin() - lead.size();
+            if (lead != m_lead)
+                m_lead = lead;
             std::string_view text;
             if (!leaf(text))
                 return false;

@@ -16,7 +16,7 @@ constexpr std::size_t largeBuffer = 1024;
 bool writeArtwork(uint64_t persistentId, const char* buffer)
 {
     const bool ends = std::memchr(buffer, 0, smallBuffer) != nullptr;
-    return ends && MusicLibrary::instance().writeArtwork(persistentId, itunes::localPath(buffer));
+    return ends && MusicLibrary::instance().writeArtwork(persistentId, buffer);
 }
 
 bool tellLocation(uint64_t persistentId, char* buffer)

@@ -19,12 +19,9 @@ constexpr std::size_t padding = 16;
 /// The index of the next "<", or the end.
 std::size_t findMarkup(const char* bytes, std::size_t at, std::size_t end)
 {
-    // Most texts are so short that calling for help takes longer.
-    constexpr std::size_t shortText = 16;
-    const std::size_t near = at + std::min(shortText, end - at);
-    for (; at < near; ++at)
-        if (bytes[at] == '<')
-            return at;
+    // Half of the tags follow the one before directly.
+    if (at < end && bytes[at] == '<')
+        return at;
     const void* const found = std::memchr(bytes + at, '<', end - at);
     return found ? std::size_t(static_cast<const char*>(found) - bytes) : end;
 }

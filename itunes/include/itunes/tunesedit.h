@@ -15,7 +15,7 @@ int set_trackWithPresistentID(EyeTunes* application, uint64_t persistentId, cons
                               const char* coverPath);
 
 /// Answers about one track of the last reading, in one of two forms:
-/// - `fifth` holds a path (at most 255 bytes, local 8-bit encoding): the track's artwork is written to that
+/// - `fifth` holds a path (at most 255 bytes of UTF-8): the track's artwork is written to that
 ///   file, which appears whole or not at all; equal pictures share their disk space. The outputs stay as they
 ///   are; all buffers have 256 bytes.
 /// - `fifth` is empty: `last` gets the track's location, cut at a character if it does not fit. The other
