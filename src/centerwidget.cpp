@@ -382,7 +382,7 @@ void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
     KeptFiles kept;
     for (const QMusicInfo* other : ui->m_dupMusicDetailedWidget->keptSongs())
         kept.add(SongFields::audioPath(other));
-    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, QIOrvoUtil::m_cleanMode, kept))
+    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, kept))
         m_removedSongs.append(song);
     m_allMusicGridModel->refresh();
     m_allMusicTableModel->refresh();

@@ -1,7 +1,6 @@
 #include "deletealldupmusicthread.h"
 
 #include "keptfiles.h"
-#include "qiorvoutil.h"
 #include "songfields.h"
 
 #include <QElapsedTimer>
@@ -50,7 +49,7 @@ void DeleteAllDupMusicThread::run()
 
 void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan)
 {
-    const bool local = QIOrvoUtil::m_cleanMode;
+    const bool files = SongRemoval::songsAreFiles();
     const QHash<const QMusicInfo*, IAudioTag*> tags = tagsOf(m_lists);
     KeptFiles kept;
     const QMusicInfo* keptSong = nullptr;
@@ -58,7 +57,7 @@ void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& p
     sinceProgress.start();
     for (int done = 0; done < plan.size(); ++done) {
         const SongRemoval::Removal& removal = plan.at(done);
-        if (!local) {
+        if (!files) {
             SongRemoval::removeTrack(*removal.song);
         } else if (tags.contains(removal.song)) { // else it went before, and its file with it
             if (removal.kept != keptSong) {

@@ -3,7 +3,6 @@
 #include "common/screenplace.h"
 #include "dupmusicbarwidget.h"
 #include "playsongwidget.h"
-#include "qiorvoutil.h"
 #include "songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
 
@@ -100,7 +99,7 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         const DupMusicbarWidget* row = m_listBarWidget.at(position);
         if (!row || row->isKept())
             continue;
-        if (!QIOrvoUtil::m_cleanMode)
+        if (!SongRemoval::songsAreFiles())
             SongRemoval::removeTrack(*song);
         deleteRow(position);
         emit emitDeleteDupMusicWasSelected(song);

@@ -114,8 +114,8 @@ void DupMusicbarWidget::SlotOnBtnShowInfo()
     const QPoint pointer = QCursor::pos();
     m_ptCursor = {pointer.x(), pointer.y()};
     const QPoint corner(pointer.x() - cardLeftOfPointer, pointer.y());
-    m_pShowInfoWidget->move(ScreenPlace::inside(QRect(corner, m_pShowInfoWidget->size()),
-                                                ScreenPlace::availableAt(pointer)));
+    m_pShowInfoWidget->move(
+        ScreenPlace::inside(QRect(corner, m_pShowInfoWidget->size()), ScreenPlace::availableAt(pointer)));
     m_pShowInfoWidget->activateWindow();
     m_pShowInfoWidget->show();
 }

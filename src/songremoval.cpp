@@ -4,6 +4,7 @@
 #include "dupmusicinfo.h"
 #include "itunes/delmusiclib.h"
 #include "keptfiles.h"
+#include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "songfields.h"
 
@@ -12,6 +13,11 @@
 #include <QSet>
 
 #include <algorithm>
+
+bool SongRemoval::songsAreFiles()
+{
+    return QIOrvoUtil::m_cleanMode;
+}
 
 void SongRemoval::removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept)
 {
@@ -35,11 +41,11 @@ void SongRemoval::removeTrack(const QMusicInfo& song)
     qDebug("track %llx deleted from the library: %d", id, int(deleteMusic(id)));
 }
 
-bool SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, bool local,
+bool SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup,
                             const KeptFiles& kept)
 {
     const int position = lists.all->lastIndexOf(song);
-    if (local && position >= 0) {
+    if (songsAreFiles() && position >= 0) {
         IAudioTag* tag = position < lists.tags->size() ? lists.tags->takeAt(position) : nullptr;
         removeFile(*song, tag, kept);
     }

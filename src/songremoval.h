@@ -20,6 +20,8 @@ struct SongLists
 /// Taking songs out of the collection: off the disk or the iTunes library, and out of the lists. Songs and
 /// groups are never freed here.
 namespace SongRemoval {
+/// Whether songs are files in the mode in force, and not tracks of the iTunes library.
+bool songsAreFiles();
 /// Lets go of the song's file (`tag` may be null) and removes what its path names, a link itself and never a
 /// folder. A file that a kept song would lose stays. What stays is logged in one line. Any thread.
 void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept);
@@ -27,11 +29,10 @@ void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept);
 void removeTrack(const QMusicInfo& song);
 
 /// Takes the song out of the lists of songs, and the last entry, whichever song that is, out of the group at
-/// `currentGroup`; a group that falls to one song leaves the list of groups. In the local mode its file goes
+/// `currentGroup`; a group that falls to one song leaves the list of groups. A song that is a file loses it
 /// first, as removeFile() does it; a song that is not in the list of all songs costs no file. Whether it was
 /// in that list.
-bool removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, bool local,
-               const KeptFiles& kept);
+bool removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, const KeptFiles& kept);
 
 /// A song that is to go, and the first song of its group, which stays.
 struct Removal

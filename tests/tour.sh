@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs the program in a virtual display as a person would, by mouse, through the local workflow, and saves a picture
-# of each step:  tour.sh BIN_DIR PICTURE_DIR [FILES or FOLDERS]
+# Runs the program in a virtual display as a person would, by mouse, through both modes, and saves a picture of each
+# step, at two window sizes and once on a dense screen:  tour.sh BIN_DIR PICTURE_DIR [FILES or FOLDERS]
 # Prints the three counts at the end. Without files a small real collection is made.
 set -euo pipefail
 bin=$(realpath "$1")
@@ -14,13 +14,14 @@ log=$work/log
 
 cleanup() {
     kill $(jobs -p) 2>/dev/null || true
+    exec 7>&- 2>/dev/null || true
     rm -rf "$work"
 }
 trap cleanup EXIT
 
 start_display() {
     mkfifo "$work/display"
-    Xvfb -displayfd 3 -screen 0 1300x860x24 3>"$work/display" 2>/dev/null &
+    Xvfb -displayfd 3 -screen 0 2600x1720x24 3>"$work/display" 2>/dev/null &
     DISPLAY=:$(head -n 1 "$work/display")
     export DISPLAY
     openbox 2>/dev/null &
@@ -29,7 +30,7 @@ start_display() {
 
 # Starts the program and waits for its window.
 start_program() {
-    (cd "$work/flat" && exec "$bin/melodrift" "$@") >>"$log" 2>&1 &
+    (cd "$work" && mkdir -p flat && cd flat && exec "$bin/melodrift" "$@") >>"$log" 2>&1 &
     program=$!
     window=$(main_window)
 }
@@ -65,23 +66,62 @@ wait_dialog() {
     return 1
 }
 
+# Sizes and places are in points; a dense screen has several pixels to each.
+scale=1
+
 size() {
-    xdotool windowsize --sync "$window" "$1" "$2" || true
+    xdotool windowsize --sync "$window" $(($1 * scale)) $(($2 * scale)) || true
     sleep 0.5
 }
 
 click() {
-    xdotool mousemove --window "$window" "$1" "$2"
+    click_in "$window" "$@"
+}
+
+click_in() {
+    xdotool mousemove --window "$1" $(($2 * scale)) $(($3 * scale))
     sleep 0.1
     xdotool click 1
-    sleep "${3:-0.6}"
+    sleep "${4:-0.6}"
 }
 
 picture() {
     # Away from everything that would light up or tell a tip.
-    [ "${2:-}" = stay ] || xdotool mousemove --window "$window" 700 5
+    [ "${2:-}" = stay ] || xdotool mousemove --window "$window" $((700 * scale)) $((5 * scale))
     sleep 0.3
     import -window root -crop "$(frame)" +repage "$pictures/$1.png"
+}
+
+# The window with what lies beside it.
+wide_picture() {
+    sleep 0.3
+    import -window root -crop "$((1300 * scale))x$((860 * scale))+0+0" +repage "$pictures/$1.png"
+}
+
+# The program's window of this size, in points.
+window_of_size() {
+    local id WINDOW X Y WIDTH HEIGHT SCREEN
+    for id in $(xdotool search --onlyvisible --pid "$program" 2>/dev/null); do
+        eval "$(xdotool getwindowgeometry --shell "$id")"
+        [ "$WIDTH" -eq $(($1 * scale)) ] && [ "$HEIGHT" -eq $(($2 * scale)) ] && { echo "$id"; return; }
+    done
+    echo "no window of $1 x $2" >&2
+    return 1
+}
+
+# Holds the program as soon as a dialog shows, for a picture of what is over in a moment.
+picture_in_passing() {
+    for _ in $(seq 400); do
+        if [ "$(xdotool search --onlyvisible --pid "$program" 2>/dev/null | sort -u | wc -l)" -gt "$2" ]; then
+            sleep 0.08
+            kill -STOP "$program"
+            picture "$1" stay
+            kill -CONT "$program"
+            return
+        fi
+    done
+    echo "nothing showed for $1" >&2
+    return 1
 }
 
 # The window's place on the screen, as a crop.
@@ -90,13 +130,14 @@ frame() {
         /Width:/ { w = $NF } /Height:/ { h = $NF } END { printf "%dx%d+%d+%d", w, h, x, y }'
 }
 
-# All music under the given paths in one folder, as links, where a file dialog can take it at once.
+# Copies of all music under the given paths in one folder, where a file dialog can take it at once.
 flatten() {
     local number=0 file
+    rm -rf "$work/flat"
     mkdir -p "$work/flat"
     while IFS= read -r -d '' file; do
         number=$((number + 1))
-        ln -s "$file" "$work/flat/$(printf '%04d' "$number").${file##*.}"
+        cp "$file" "$work/flat/$(printf '%04d' "$number").${file##*.}"
     done < <(find -L "$@" -type f -print0 | sort -z)
 }
 
@@ -119,9 +160,76 @@ choose_all() {
     return 1
 }
 
+# Starts the services that identifications ask; `services` tells them how to behave.
+start_services() {
+    mkfifo "$work/manners" "$work/addresses"
+    "$bin/identify_services" <"$work/manners" >"$work/addresses" &
+    exec 7>"$work/manners"
+    local variable
+    while read -r variable; do
+        export "${variable?}"
+        case $variable in *_KEY=*) break ;; esac
+    done <"$work/addresses"
+}
+
+services() {
+    echo "$1" >&7
+    sleep 0.2
+}
+
+# The song whose details show: editing, identifying, the failure.
+walk_details() {
+    local width=$1 name=$2 left=$(($1 - 330))
+    click $((left + 96)) 608
+    picture "$name-details-1-editing"
+    click $((left + 160)) 472
+    picture "$name-details-2-genres" stay
+    xdotool key Escape
+    click $((left + 234)) 608
+    services silent
+    click $((left + 234)) 608 1
+    picture "$name-details-3-identifying"
+    click $((left + 234)) 608
+    services proper
+    click $((left + 234)) 608 6
+    picture "$name-details-4-identified"
+    click $((left + 96)) 608
+    picture "$name-details-5-applied"
+    services failing
+    click $((left + 234)) 608
+    wait_dialog shown
+    picture "$name-details-6-failed" stay
+    xdotool key Return
+    wait_dialog gone
+    click $((left + 234)) 608
+}
+
+# The group whose rows show: playing, the card, the deletion.
+walk_group() {
+    local width=$1 name=$2 left=$(($1 - 330)) player
+    click $((left + 243)) 281 1.5
+    wide_picture "$name-group-2-playing"
+    player=$(window_of_size 560 350)
+    click_in "$player" 250 320 0.8
+    wide_picture "$name-group-3-sought"
+    xdotool windowclose "$player"
+    wait_dialog gone
+    click $((left + 273)) 181
+    wait_dialog shown
+    picture "$name-group-4-card" stay
+    click_in "$(window_of_size 300 230)" 150 190
+    wait_dialog gone
+    click $((left + 80)) $(($3 - 57))
+    wait_dialog shown
+    picture "$name-group-5-confirmation" stay
+    click_in "$(window_of_size 441 145)" 247 116
+    wait_dialog gone
+    picture "$name-group-6-cleared"
+}
+
 # One walk through the local workflow at a window size.
 walk() {
-    local width=$1 height=$2 name=$1x$2
+    local width=$1 height=$2 name=$3
     start_program
     size "$width" "$height"
     picture "$name-1-itunes-mode"
@@ -137,6 +245,7 @@ walk() {
     picture "$name-4-all-grid"
     click 270 200
     picture "$name-5-song"
+    walk_details "$width" "$name"
     click $((width - 355)) 121
     picture "$name-6-all-table"
     click 100 168
@@ -146,10 +255,27 @@ walk() {
     picture "$name-8-duplicates"
     click 270 200
     picture "$name-9-group"
+    walk_group "$width" "$name" "$height"
     click 75 10 0.4
     click 75 30
     wait_dialog shown
     picture "$name-10-about" stay
+    stop_program
+}
+
+# A scan of a music library, while it runs and after.
+walk_library() {
+    local width=$1 height=$2 name=$3
+    start_program --itunes-library "$4"
+    size "$width" "$height"
+    click $((width / 2 + 68)) 52 0
+    kill -STOP "$program"
+    picture "$name-library-1-scanning" stay
+    kill -CONT "$program"
+    sleep 2
+    picture "$name-library-2-scanned"
+    click 270 200
+    picture "$name-library-3-song"
     stop_program
 }
 
@@ -161,17 +287,40 @@ during_intake() {
     size 1120 713
     sleep 1.3
     picture intake stay
+    wait_dialog shown
+    xdotool key Return
+    wait_dialog gone
+    click 100 212
+    click 270 200
+    click 1030 656 0
+    picture_in_passing waiting 1
+    wait_dialog gone
+    picture cleared
     stop_program
 }
 
 start_display
+start_services
+export MELODRIFT_AUDIO_OUTPUT=null
 if [ $# -eq 0 ]; then
     "$bin/make_collection" "$work/Music"
     set -- "$work/Music"
 fi
-flatten "$@"
-walk 1120 713
-walk 1000 700
+# A copy: the tour edits and deletes.
+mkdir -p "$work/copy"
+cp -rL "$@" "$work/copy"
+"$bin/make_library" "$work/copy" "$work/Library.xml"
+for width in 1120 1000; do
+    height=$((width == 1120 ? 713 : 700))
+    walk_library $width $height ${width}x$height "$work/Library.xml"
+    flatten "$@"
+    walk $width $height ${width}x$height
+done
 during_intake
+scale=2
+export QT_SCALE_FACTOR=2
+flatten "$@"
+walk_library 1120 713 dense "$work/Library.xml"
+walk 1120 713 dense
 sed -n 's/^songs: /songs: /p' "$log" | head -n 1
 echo "pictures: $pictures"

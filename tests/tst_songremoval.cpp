@@ -98,16 +98,26 @@ void TestSongRemoval::aKeptFileIsKnownByEveryPath_data()
 {
     QTest::addColumn<QString>("kept");
     QTest::addColumn<QString>("removed");
-    QTest::newRow("twice") << "f/a.mp3" << "f/a.mp3";
-    QTest::newRow("dots") << "f/a.mp3" << "f/../f/./a.mp3";
-    QTest::newRow("through a linked folder") << "f/a.mp3" << "folderlink/a.mp3";
-    QTest::newRow("kept through a linked folder") << "folderlink/a.mp3" << "f/a.mp3";
-    QTest::newRow("kept link, removed target") << "link.mp3" << "f/a.mp3";
-    QTest::newRow("kept link to a link") << "link2.mp3" << "link.mp3";
-    QTest::newRow("target of a kept link to a link") << "link2.mp3" << "f/a.mp3";
-    QTest::newRow("the link itself") << "link.mp3" << "link.mp3";
-    QTest::newRow("a loop") << "loop1" << "loop2";
-    QTest::newRow("in a folder that is gone") << "gone/a.mp3" << "gone/./a.mp3";
+    QTest::newRow("twice") << "f/a.mp3"
+                           << "f/a.mp3";
+    QTest::newRow("dots") << "f/a.mp3"
+                          << "f/../f/./a.mp3";
+    QTest::newRow("through a linked folder") << "f/a.mp3"
+                                             << "folderlink/a.mp3";
+    QTest::newRow("kept through a linked folder") << "folderlink/a.mp3"
+                                                  << "f/a.mp3";
+    QTest::newRow("kept link, removed target") << "link.mp3"
+                                               << "f/a.mp3";
+    QTest::newRow("kept link to a link") << "link2.mp3"
+                                         << "link.mp3";
+    QTest::newRow("target of a kept link to a link") << "link2.mp3"
+                                                     << "f/a.mp3";
+    QTest::newRow("the link itself") << "link.mp3"
+                                     << "link.mp3";
+    QTest::newRow("a loop") << "loop1"
+                            << "loop2";
+    QTest::newRow("in a folder that is gone") << "gone/a.mp3"
+                                              << "gone/./a.mp3";
 }
 
 static void makeLinks(const QTemporaryDir& folder)
@@ -136,10 +146,14 @@ void TestSongRemoval::whatIsNotKeptMayGo_data()
 {
     QTest::addColumn<QString>("kept");
     QTest::addColumn<QString>("removed");
-    QTest::newRow("another file") << "f/a.mp3" << "f/b.mp3";
-    QTest::newRow("the same name elsewhere") << "f/a.mp3" << "a.mp3";
-    QTest::newRow("a link to the kept file") << "f/a.mp3" << "link.mp3";
-    QTest::newRow("a link to a kept link") << "link.mp3" << "link2.mp3";
+    QTest::newRow("another file") << "f/a.mp3"
+                                  << "f/b.mp3";
+    QTest::newRow("the same name elsewhere") << "f/a.mp3"
+                                             << "a.mp3";
+    QTest::newRow("a link to the kept file") << "f/a.mp3"
+                                             << "link.mp3";
+    QTest::newRow("a link to a kept link") << "link.mp3"
+                                           << "link2.mp3";
 }
 
 void TestSongRemoval::whatIsNotKeptMayGo()
@@ -203,7 +217,7 @@ void TestSongRemoval::aSharedFileStays()
     KeptFiles kept;
     kept.add(fileOf(a));
     const LoggedLines lines;
-    QVERIFY(SongRemoval::removeOne(lists(), again, 0, true, kept));
+    QVERIFY(SongRemoval::removeOne(lists(), again, 0, kept));
     const QStringList log = LoggedLines::take();
     QVERIFY(QFile::exists(fileOf(a)));
     QCOMPARE(log.size(), 1);
@@ -217,7 +231,7 @@ void TestSongRemoval::theLastEntryOfTheGroupGoes()
     QMusicInfo* b = song("b");
     QMusicInfo* c = song("c");
     const DupMusicInfo* three = group({a, b, c});
-    SongRemoval::removeOne(lists(), a, 0, true, KeptFiles());
+    SongRemoval::removeOne(lists(), a, 0, KeptFiles());
     QCOMPARE(three->musicList, QList<QMusicInfo*>({a, b})); // wanted: not the deleted one
     QCOMPARE(m_all, QList<QMusicInfo*>({b, c}));
     QVERIFY(!QFile::exists(fileOf(a)));
@@ -231,7 +245,7 @@ void TestSongRemoval::aGroupOfOneLeavesTheList()
     const DupMusicInfo* two = group({a, b});
     const DupMusicInfo* other = group({song("c"), song("d"), song("e")});
     m_undefined = {b, a};
-    SongRemoval::removeOne(lists(), b, 0, true, KeptFiles());
+    SongRemoval::removeOne(lists(), b, 0, KeptFiles());
     QCOMPARE(two->musicList, QList<QMusicInfo*>({a}));
     QCOMPARE(m_groups.size(), 1);
     QCOMPARE(m_groups.first(), other);
@@ -246,7 +260,7 @@ void TestSongRemoval::aSongOutOfTheListCostsNoFile()
     group({a, b});
     m_all.removeOne(b);
     m_tags.removeLast();
-    QVERIFY(!SongRemoval::removeOne(lists(), b, 0, true, KeptFiles()));
+    QVERIFY(!SongRemoval::removeOne(lists(), b, 0, KeptFiles()));
     QVERIFY(QFile::exists(fileOf(b)));
     QVERIFY(m_groups.isEmpty());
 }
@@ -256,11 +270,11 @@ void TestSongRemoval::aGroupOutOfRangeIsLeftAlone()
     QMusicInfo* a = song("a");
     const DupMusicInfo* two = group({song("b"), song("c")});
     for (const qint64 current : {qint64(1), qint64(-1), qint64(1) << 40}) {
-        SongRemoval::removeOne(lists(), a, current, true, KeptFiles());
+        SongRemoval::removeOne(lists(), a, current, KeptFiles());
         QCOMPARE(two->musicList.size(), 2);
     }
     group({});
-    SongRemoval::removeOne(lists(), a, 1, true, KeptFiles()); // an empty group has no last entry
+    SongRemoval::removeOne(lists(), a, 1, KeptFiles()); // an empty group has no last entry
     QCOMPARE(m_groups.size(), 2);
 }
 
@@ -273,7 +287,7 @@ void TestSongRemoval::theTagListStaysParallel()
         tag = CreateTag();
     const QList<IAudioTag*> tags = m_tags;
     tags.at(1)->Open(fileOf(b).toStdU32String().c_str());
-    SongRemoval::removeOne(lists(), b, 0, true, KeptFiles());
+    SongRemoval::removeOne(lists(), b, 0, KeptFiles());
     QCOMPARE(m_tags, QList<IAudioTag*>({tags.at(0), tags.at(2)}));
     group({m_all.at(1), a});
     SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));

@@ -11,7 +11,6 @@
 
 using itunes::Journal;
 using itunes::TrackChanges;
-using itunes::TrackEdit;
 namespace platform = audiocore::platform;
 
 namespace {

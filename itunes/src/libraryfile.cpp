@@ -15,6 +15,7 @@ LibraryFile::LibraryFile(const std::string& path)
     : m_path(path), m_backup(path + ".melodrift-backup"), m_journal(path),
       m_writing([this] { writePending(); }, pauseBeforeWriting)
 {
+    platform::removeLeftovers(path);
 }
 
 LibraryFile::~LibraryFile()

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 
-namespace xml = itunes::xml;
 using itunes::XmlScanner;
 using Event = itunes::XmlScanner::Event;
 

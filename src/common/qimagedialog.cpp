@@ -28,7 +28,7 @@ void QImageDialog::paintEvent(QPaintEvent*)
     // Rounded corners would be holes in a window with a frame, black ones where nothing composes windows.
     if (!(windowFlags() & Qt::FramelessWindowHint))
         painter.fillRect(rect(), palette().window());
-    painter.drawImage(QPointF(0, 0), m_pBackground->image(devicePixelRatioF()));
+    painter.drawImage(QPointF(0, 0), m_pBackground->image(painter));
 }
 
 void QImageDialog::mousePressEvent(QMouseEvent* event)

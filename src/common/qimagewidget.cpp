@@ -31,7 +31,7 @@ void QImageWidget::paintEvent(QPaintEvent*)
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(rect(), m_pPixmap->image(devicePixelRatioF()));
+    painter.drawImage(rect(), m_pPixmap->image(painter));
 }
 
 void QImageWidget::mousePressEvent(QMouseEvent* event)

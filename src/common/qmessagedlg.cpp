@@ -216,10 +216,9 @@ void QMessageDlg::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.fillRect(rect(), paper);
-    const qreal ratio = devicePixelRatioF();
-    const auto draw = [&painter, ratio](const SkinPicture& part, const QRect& place) {
+    const auto draw = [&painter](const SkinPicture& part, const QRect& place) {
         if (!part.size().isEmpty())
-            painter.drawImage(place, part.image(ratio));
+            painter.drawImage(place, part.image(painter));
     };
     draw(*m_pTop, QRect(0, 0, width(), m_pTop->size().height()));
     draw(*m_pLeft, QRect(0, 0, m_pLeft->size().width(), height()));

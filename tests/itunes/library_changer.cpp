@@ -19,6 +19,7 @@ int main(int argc, char* argv[])
     const LibraryCalls::Reading reading = LibraryCalls::read();
     std::mt19937 random(unsigned(std::stoul(argv[2])));
     std::vector<QByteArray> ids;
+    ids.reserve(std::size_t(reading.count));
     for (int i = 0; i < reading.count; ++i)
         ids.emplace_back(reading.records[i].persistentId);
     for (unsigned n = 0; ids.size() > 4; ++n) {

@@ -115,6 +115,14 @@ void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
         QCOMPARE(written.count("<key>Track ID</key>"), 2 * left.size());
         QVERIFY(!QFile::exists(library + ".melodrift-journal"));
     }
+    // New writings take away what the killed ones left.
+    LibraryCalls::read(library);
+    for (int song = 0; song < 3; ++song) {
+        LibraryCalls::Edit edit;
+        QCOMPARE(LibraryCalls::edit(Fixtures::itunesTrack(song).persistentId, edit), 0);
+    }
+    closeITunesLibrary();
+    QVERIFY(QDir(folder.path()).entryList({".melodrift-*"}, QDir::Files | QDir::Hidden).isEmpty());
     for (int song = 0; song < 3; ++song)
         QVERIFY(AudioFile::properties(folder.filePath(QString("song%1.mp3").arg(song))).duration > 2900);
     qInfo("%d answered changes; %d of %d kills left a journal, %d came in the middle of a writing", changes,

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "audiofile.h"
+#include "fixtures.h"
+#include "itunesfixture.h"
+#include "librarycalls.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <sys/stat.h>
+
+/// A library of songs in a folder of its own, read by the calls that are tested.
+class SongLibrary
+{
+public:
+    SongLibrary() { AudioFile::takeLog(); }
+    ~SongLibrary() { closeITunesLibrary(); }
+    Q_DISABLE_COPY(SongLibrary)
+
+    QString folder() const { return m_folder.path(); }
+    QString path() const { return inFolder("Library.xml"); }
+    QString journal() const { return path() + ".melodrift-journal"; }
+    QString backup() const { return path() + ".melodrift-backup"; }
+    QString media(int number) const { return inFolder(QString("song%1.mp3").arg(number)); }
+    QString inFolder(const QString& name) const { return m_folder.filePath(name); }
+    static quint64 id(int number) { return Fixtures::itunesTrack(number).persistentId; }
+
+    /// Any document.
+    void make(const QByteArray& bytes)
+    {
+        Fixtures::writeLibrary(path(), bytes);
+        LibraryCalls::read(path());
+    }
+    /// So many songs, of which the first few have a real file, in two playlists.
+    void makeSongs(int count, int real = 0)
+    {
+        tracks.clear();
+        playlists = {{"All", {}}, {"Odd", {}}};
+        for (int i = 0; i < count; ++i) {
+            if (i < real)
+                Fixtures::copyTone("mp3", folder(), QString("song%1").arg(i));
+            tracks.append(Fixtures::itunesTrack(i, media(i)));
+            playlists[0].trackIds.append(tracks.last().trackId);
+            if (i % 2 == 1)
+                playlists[1].trackIds.append(tracks.last().trackId);
+        }
+        make(document());
+    }
+    /// What the file should hold, from the tracks and playlists as they are now.
+    QByteArray document() const { return Fixtures::itunesLibrary(tracks, playlists); }
+    QByteArray content() const { return LibraryCalls::contentOf(path()); }
+    QStringList temporaries() const
+    {
+        return QDir(folder()).entryList({".melodrift*"}, QDir::Files | QDir::Hidden);
+    }
+
+    QVector<Fixtures::ITunesTrack> tracks;
+    QVector<Fixtures::ITunesPlaylist> playlists;
+
+private:
+    QTemporaryDir m_folder;
+};
+
+inline ino_t fileNumber(const QString& path)
+{
+    struct stat status = {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_ino : 0;
+}

@@ -1,0 +1,318 @@
+#include "songlibrary.h"
+
+#include <QFileInfo>
+#include <QSet>
+#include <QtTest>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <thread>
+#include <unistd.h>
+
+using Fixtures::ITunesPlaylist;
+using LibraryCalls::contentOf;
+using LibraryCalls::Edit;
+using LibraryCalls::Reading;
+
+namespace {
+constexpr int writingPause = 10000; // the longest wait for a writing in the background
+} // namespace
+
+class TestLibrarySafety : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void changesShowBeforeTheyAreWritten();
+    void theFileIsWrittenWhenTheChangesPause();
+    void oneBackupHoldsTheFileAsItWas();
+    void aJournalThatIsLeftIsApplied();
+    void aTornLineIsNoChange();
+    void anotherProgramsVersionIsTheBase();
+    void aBrokenFileIsLeftAloneAndTheChangesWait();
+    void aReadOnlyLibraryFailsEveryChange();
+    void aFullDiskFailsTheChange();
+    void anotherProcessKeepsItsJournal();
+    void aLinkToTheLibraryStaysALink();
+    void manyDeletionsWriteTheFileAFewTimes();
+    void callsFromManyThreadsAllArrive();
+    void closingIsAlwaysAllowed();
+
+private:
+    std::unique_ptr<SongLibrary> m_songs;
+};
+
+void TestLibrarySafety::init()
+{
+    m_songs = std::make_unique<SongLibrary>();
+}
+
+void TestLibrarySafety::cleanup()
+{
+    closeITunesLibrary();
+    QVERIFY2(m_songs->temporaries().isEmpty(), qPrintable(m_songs->temporaries().join(' ')));
+    m_songs.reset();
+}
+
+void TestLibrarySafety::changesShowBeforeTheyAreWritten()
+{
+    m_songs->makeSongs(3, 1);
+    const QByteArray before = m_songs->content();
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), Edit()), 0);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    QCOMPARE(m_songs->content(), before);
+    const Reading reading = LibraryCalls::read();
+    QCOMPARE(LibraryCalls::names(reading),
+             QStringList({"New name", QString::fromUtf8(m_songs->tracks.at(2).name)}));
+    QCOMPARE(quint64(reading.records[0].year), Q_UINT64_C(2001));
+}
+
+void TestLibrarySafety::theFileIsWrittenWhenTheChangesPause()
+{
+    m_songs->makeSongs(3);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    QVERIFY(QFile::exists(m_songs->journal()));
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+    m_songs->playlists[0].trackIds.removeAll(m_songs->tracks.at(1).trackId);
+    m_songs->playlists[1].trackIds.clear();
+    m_songs->tracks.removeAt(1);
+    const QByteArray written = m_songs->content();
+    QVERIFY(!written.contains(Fixtures::itunesIdentifier(m_songs->id(1))));
+    QCOMPARE(LibraryCalls::read().count, 2);
+    // And again, with a new journal.
+    QCOMPARE(int(deleteMusic(m_songs->id(2))), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(m_songs->content() != written, writingPause);
+}
+
+void TestLibrarySafety::oneBackupHoldsTheFileAsItWas()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    QVERIFY(!QFile::exists(m_songs->backup()));
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    QCOMPARE(contentOf(m_songs->backup()), before);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    closeITunesLibrary();
+    QCOMPARE(contentOf(m_songs->backup()), before);
+    QCOMPARE(QDir(m_songs->folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
+}
+
+void TestLibrarySafety::aJournalThatIsLeftIsApplied()
+{
+    m_songs->makeSongs(4, 1);
+    const QByteArray before = m_songs->content();
+    Edit edit;
+    edit.name = "Tab\tand\nline \\n & \xC3\xA9";
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), edit), 0);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    const QByteArray left = contentOf(m_songs->journal());
+    closeITunesLibrary();
+    const QByteArray after = m_songs->content();
+
+    // As a kill before the writing leaves it; read, then prepared only.
+    for (const bool reading : {true, false}) {
+        Fixtures::writeLibrary(m_songs->path(), before);
+        Fixtures::writeLibrary(m_songs->journal(), left);
+        if (reading)
+            QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+        else
+            launchiTunes();
+        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+        QCOMPARE(m_songs->content(), after);
+        closeITunesLibrary();
+    }
+}
+
+void TestLibrarySafety::aTornLineIsNoChange()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    const QByteArray whole = contentOf(m_songs->journal()).trimmed();
+    closeITunesLibrary();
+    for (int size = 0; size <= whole.size(); ++size) {
+        Fixtures::writeLibrary(m_songs->path(), before);
+        Fixtures::writeLibrary(m_songs->journal(), whole.left(size));
+        const bool counts = size == whole.size();
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, counts ? 3 : 4);
+        // The next change does not suffer.
+        if (size % 7 == 0) {
+            QCOMPARE(int(deleteMusic(m_songs->id(3))), 1);
+            closeITunesLibrary();
+            QCOMPARE(LibraryCalls::read(m_songs->path()).count, counts ? 2 : 3);
+        }
+        closeITunesLibrary();
+        QVERIFY(!QFile::exists(m_songs->journal()));
+    }
+    Fixtures::writeLibrary(m_songs->path(), before);
+    Fixtures::writeLibrary(m_songs->journal(),
+                           "rubbish\n+delete\t1\t0\n" + QByteArray(1000, '\0') + "\n+\n+\t\n\n" + whole);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+}
+
+void TestLibrarySafety::anotherProgramsVersionIsTheBase()
+{
+    m_songs->makeSongs(4);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    // Meanwhile: another title, a track more, and the deleted one in a new playlist.
+    m_songs->tracks[2].name = "By another program";
+    m_songs->tracks.append(Fixtures::itunesTrack(9));
+    m_songs->playlists.append({"New", {1000, 1002}});
+    Fixtures::writeLibrary(m_songs->path(), m_songs->document());
+    closeITunesLibrary();
+    m_songs->tracks.removeFirst();
+    for (ITunesPlaylist& playlist : m_songs->playlists)
+        playlist.trackIds.removeAll(1000);
+    QCOMPARE(m_songs->content(), m_songs->document());
+}
+
+void TestLibrarySafety::aBrokenFileIsLeftAloneAndTheChangesWait()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    const QByteArray broken = before.left(before.size() / 2);
+    Fixtures::writeLibrary(m_songs->path(), broken);
+    closeITunesLibrary();
+    QCOMPARE(m_songs->content(), broken);
+    const QStringList log = AudioFile::takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY2(log.first().contains("line "), qPrintable(log.first()));
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 0);
+    Fixtures::writeLibrary(m_songs->path(), before);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+    closeITunesLibrary();
+    QVERIFY(!QFile::exists(m_songs->journal()));
+}
+
+void TestLibrarySafety::aReadOnlyLibraryFailsEveryChange()
+{
+    m_songs->makeSongs(2, 2);
+    const QByteArray before = m_songs->content();
+    const QByteArray song = contentOf(m_songs->media(0));
+    QCOMPARE(::chmod(QFile::encodeName(m_songs->path()).constData(), 0444), 0);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 0);
+    QVERIFY(LibraryCalls::edit(m_songs->id(0), Edit()) != 0);
+    QCOMPARE(AudioFile::takeLog().size(), 2);
+    QCOMPARE(LibraryCalls::read().count, 2);
+    QCOMPARE(m_songs->content(), before);
+    QCOMPARE(contentOf(m_songs->media(0)), song);
+    QVERIFY(!QFile::exists(m_songs->journal()));
+}
+
+void TestLibrarySafety::aFullDiskFailsTheChange()
+{
+    // A limit on file sizes ends writes as a full disk does.
+    std::signal(SIGXFSZ, SIG_IGN);
+    m_songs->makeSongs(200, 1);
+    const QByteArray before = m_songs->content();
+    rlimit limit = {};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    // No room for a backup; then for that, but not for the new library's lines.
+    const rlimit small{rlim_t(before.size() / 2), limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 0);
+    QVERIFY(LibraryCalls::edit(m_songs->id(0), Edit()) != 0);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    QCOMPARE(AudioFile::takeLog().size(), 2);
+    QVERIFY(!QFile::exists(m_songs->journal()));
+    QVERIFY(AudioFile::read(m_songs->media(0)).texts.isEmpty());
+
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    setrlimit(RLIMIT_FSIZE, &small);
+    closeITunesLibrary();
+    setrlimit(RLIMIT_FSIZE, &limit);
+    QCOMPARE(m_songs->content(), before);
+    QVERIFY(QFile::exists(m_songs->journal()));
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 199);
+}
+
+void TestLibrarySafety::anotherProcessKeepsItsJournal()
+{
+    m_songs->makeSongs(3);
+    const QByteArray theirs = "+delete\tof another process\t0\n";
+    Fixtures::writeLibrary(m_songs->journal(), theirs);
+    const int lock = ::open(QFile::encodeName(m_songs->journal()).constData(), O_RDWR | O_CLOEXEC);
+    QCOMPARE(::flock(lock, LOCK_EX | LOCK_NB), 0);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 0);
+    QCOMPARE(AudioFile::takeLog().size(), 1);
+    QCOMPARE(LibraryCalls::read().count, 3);
+    closeITunesLibrary();
+    QCOMPARE(contentOf(m_songs->journal()), theirs);
+    ::close(lock);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+}
+
+void TestLibrarySafety::aLinkToTheLibraryStaysALink()
+{
+    m_songs->makeSongs(3);
+    closeITunesLibrary();
+    QDir(m_songs->folder()).mkdir("elsewhere");
+    const QString link = m_songs->inFolder("elsewhere/Library.xml");
+    QVERIFY(QFile::link(m_songs->path(), link));
+    QCOMPARE(LibraryCalls::read(link).count, 3);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    closeITunesLibrary();
+    QVERIFY(QFileInfo(link).isSymLink());
+    QVERIFY(!QFileInfo(m_songs->path()).isSymLink());
+    QCOMPARE(LibraryCalls::read(link).count, 2);
+}
+
+void TestLibrarySafety::manyDeletionsWriteTheFileAFewTimes()
+{
+    constexpr int count = 3000;
+    m_songs->makeSongs(count);
+    QSet<ino_t> versions;
+    for (int i = 0; i < count; i += 2) {
+        QCOMPARE(int(deleteMusic(m_songs->id(i))), 1);
+        versions.insert(fileNumber(m_songs->path()));
+    }
+    closeITunesLibrary();
+    QVERIFY2(versions.size() <= 5, qPrintable(QString::number(versions.size())));
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, count / 2);
+}
+
+void TestLibrarySafety::callsFromManyThreadsAllArrive()
+{
+    constexpr int count = 120;
+    m_songs->makeSongs(count, 3);
+    std::thread deleting([&] {
+        for (int i = 10; i < count; i += 2)
+            deleteMusic(m_songs->id(i));
+    });
+    std::thread asking([&] {
+        for (int i = 0; i < count; ++i)
+            LibraryCalls::writeArtwork(m_songs->id(i), m_songs->inFolder("cover"));
+    });
+    for (int i = 0; i < 30; ++i)
+        QCOMPARE(LibraryCalls::edit(m_songs->id(i % 3),
+                                    {"N" + QByteArray::number(i), "A", "B", "Pop", 2000, QString()}),
+                 0);
+    deleting.join();
+    asking.join();
+    const Reading reading = LibraryCalls::read();
+    QCOMPARE(reading.count, count - (count - 10) / 2);
+    QCOMPARE(LibraryCalls::names(reading).mid(0, 3), QStringList({"N27", "N28", "N29"}));
+    closeITunesLibrary();
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, reading.count);
+}
+
+void TestLibrarySafety::closingIsAlwaysAllowed()
+{
+    closeITunesLibrary();
+    closeITunesLibrary();
+    m_songs->makeSongs(2);
+    closeITunesLibrary();
+    // The records live on, and changes are possible again.
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    closeITunesLibrary();
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 1);
+}
+
+QTEST_GUILESS_MAIN(TestLibrarySafety)
+#include "tst_librarysafety.moc"
