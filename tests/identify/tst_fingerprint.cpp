@@ -4,6 +4,7 @@
 #include "identify/fingerprint.h"
 #include "noisyape.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -71,6 +72,8 @@ private slots:
     void damagedFilesEndWell_data();
     void damagedFilesEndWell();
     void aBrokenPartIsPassedOver();
+    void vastRubbishEndsSoon_data();
+    void vastRubbishEndsSoon();
     void onlyTheFormatsOfMusicCollectionsAreRead();
 };
 
@@ -172,6 +175,26 @@ void TestFingerprint::aBrokenPartIsPassedOver()
     const Fingerprint fingerprint = ours(path);
     QCOMPARE(int(fingerprint.result), int(Decoding::Done));
     QVERIFY(!fingerprint.text.empty());
+}
+
+void TestFingerprint::vastRubbishEndsSoon_data()
+{
+    damagedFilesEndWell_data();
+}
+
+void TestFingerprint::vastRubbishEndsSoon()
+{
+    // Gathered without a bound, so much of nothing ends the program in the decoding library.
+    QFETCH(QString, kind);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("song." + Fixtures::suffixOf(kind));
+    write(path, contentOf(Fixtures::tone(kind, 5000)).left(30000));
+    QVERIFY(QFile::resize(path, qint64(4) << 30));
+    QElapsedTimer timer;
+    timer.start();
+    const Fingerprint fingerprint = ours(path);
+    QVERIFY(fingerprint.result == Decoding::Done || fingerprint.result == Decoding::NoAudio);
+    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
 }
 
 void TestFingerprint::onlyTheFormatsOfMusicCollectionsAreRead()

@@ -57,12 +57,14 @@ public:
     bool isOpen() const { return m_codec && m_packet && m_frame; }
 
     /// The next frame that decodes; null at the end.
-    const AVFrame* next(const MediaInput& input)
+    const AVFrame* next(MediaInput& input)
     {
         while (!input.isInterrupted()) {
             const int got = avcodec_receive_frame(m_codec.get(), m_frame.get());
-            if (got >= 0)
+            if (got >= 0) {
+                input.noteProgress();
                 return m_frame.get();
+            }
             if (got == AVERROR_EOF || (got == AVERROR(EAGAIN) && m_ended))
                 return nullptr;
             if (!m_ended)
@@ -117,7 +119,7 @@ private:
 };
 
 /// Whether anything was decoded.
-bool decodeInto(LimitedSink& sink, AVFormatContext* demuxer, const MediaInput& input, int sampleRate)
+bool decodeInto(LimitedSink& sink, AVFormatContext* demuxer, MediaInput& input, int sampleRate)
 {
     AudioStream stream(demuxer);
     if (!stream.isOpen())
@@ -150,11 +152,11 @@ DecodedPart audiocore::decodeBeginning(const std::string& path, int seconds, int
     const bool decoded = demuxer && decodeInto(limited, demuxer, input, sampleRate);
     if (cancellation.isCancelled()) {
         part.result = Decoding::Cancelled;
-    } else if (decoded && (limited.isFull() || !input.isInterrupted())) {
+    } else if (decoded) {
         part.result = Decoding::Done;
     } else {
-        logLine(path,
-                input.isInterrupted() ? "takes too long to decode" : "holds no audio that can be decoded");
+        logLine(path, input.isInterrupted() ? "is damaged: decoding it would not end"
+                                            : "holds no audio that can be decoded");
         part.result = Decoding::NoAudio;
     }
     return part;

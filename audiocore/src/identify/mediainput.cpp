@@ -14,7 +14,9 @@ using audiocore::MediaInput;
 
 namespace {
 constexpr std::chrono::seconds longestWork{60};
-constexpr int ioBufferSize = 64 * 1024;
+constexpr int ioBufferSize = 16 * 1024;
+/// The largest pictures and other data before and between the sounds take less.
+constexpr std::int64_t mostWithoutProgress = 64 * 1024 * 1024;
 /// The demuxers of the eight formats; none of them is a list of other files.
 const char* const musicFormats = "mp3,mov,mp4,m4a,ape,aac,flac,asf,wav,ogg";
 
@@ -50,7 +52,13 @@ MediaInput::~MediaInput()
 
 bool MediaInput::isInterrupted() const
 {
-    return m_cancellation.isCancelled() || Cancellation::Clock::now() > m_deadline;
+    return m_cancellation.isCancelled() || m_withoutProgress > mostWithoutProgress ||
+           Cancellation::Clock::now() > m_deadline;
+}
+
+void MediaInput::noteProgress()
+{
+    m_withoutProgress = 0;
 }
 
 int MediaInput::readPacket(void* self, std::uint8_t* bytes, int size)
@@ -60,6 +68,7 @@ int MediaInput::readPacket(void* self, std::uint8_t* bytes, int size)
         return AVERROR_EXIT;
     const std::size_t got = platform::readAt(input->m_file, input->m_position, bytes, std::size_t(size));
     input->m_position += std::int64_t(got);
+    input->m_withoutProgress += std::int64_t(got);
     return got > 0 ? int(got) : AVERROR_EOF;
 }
 

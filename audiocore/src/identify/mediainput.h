@@ -23,7 +23,10 @@ public:
     bool isOpen() const { return m_file != nullptr; }
     /// Reads the container's headers; null when it is none of the music formats. Owned by this object.
     AVFormatContext* demuxer();
-    /// Whether the work is to stop: cancelled, or longer under way than any real file takes.
+    /// Tells that something was decoded from what was read so far.
+    void noteProgress();
+    /// Whether the work is to stop: cancelled, or longer under way than any real file takes, or so much was
+    /// read without progress that the demuxer would only gather rubbish.
     bool isInterrupted() const;
 
 private:
@@ -36,6 +39,7 @@ private:
     std::FILE* m_file = nullptr;
     std::int64_t m_size = 0;
     std::int64_t m_position = 0;
+    std::int64_t m_withoutProgress = 0; ///< bytes
     AVIOContext* m_io = nullptr;
     AVFormatContext* m_demuxer = nullptr;
 };
