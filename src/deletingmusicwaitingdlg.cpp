@@ -1,9 +1,9 @@
 #include "deletingmusicwaitingdlg.h"
 
+#include "common/compositing.h"
 #include "common/skinmovie.h"
 #include "ui_deletingmusicwaitingdlg.h"
 
-#include <QBitmap>
 #include <QPainter>
 
 namespace {
@@ -24,15 +24,7 @@ DeletingMusicWaitingDlg::DeletingMusicWaitingDlg(QWidget* parent)
     ui->m_labMovie->move(width() / 2, height() / 2);
     m_pMovie = std::make_unique<SkinMovie>("deletingMusic.gif");
     m_pMovie->startIn(ui->m_labMovie);
-    // Where nothing composes windows, what is not the card would be black.
-    QBitmap shape(size());
-    shape.clear();
-    QPainter painter(&shape);
-    painter.setBrush(Qt::color1);
-    painter.setPen(Qt::color1);
-    painter.drawRoundedRect(card(), cornerRadius, cornerRadius);
-    painter.end();
-    setMask(shape);
+    Compositing::cutWhereNeeded(*this, Compositing::rounded(card(), cornerRadius));
 }
 
 DeletingMusicWaitingDlg::~DeletingMusicWaitingDlg() = default;

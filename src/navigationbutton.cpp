@@ -4,6 +4,9 @@
 #include <QPainterPath>
 
 namespace {
+const QColor ink(0x28, 0x40, 0x4F);
+const QColor inkChosen(0x0B, 0x5C, 0x93);
+const QColor inkLocked(0x5E, 0x74, 0x82);
 const QColor slate(0x56, 0x72, 0x84);
 const QColor accent(0x0F, 0x79, 0xB8);
 const QColor accentSoft(0x8C, 0xC4, 0xE4);
@@ -69,6 +72,28 @@ void paintCopies(QPainter& painter)
 }
 } // namespace
 
+NavigationButton::NavigationButton(QWidget* parent) : QImageButton(parent)
+{
+    setChosen(false);
+}
+
+void NavigationButton::setChosen(bool chosen)
+{
+    m_chosen = chosen;
+    QPalette captions = palette();
+    captions.setColor(QPalette::ButtonText, chosen ? inkChosen : ink);
+    captions.setColor(QPalette::Disabled, QPalette::ButtonText, chosen ? inkChosen : inkLocked);
+    setPalette(captions);
+    update();
+}
+
+int NavigationButton::shownCell() const
+{
+    if (m_chosen)
+        return StateDisabled;
+    return isEnabled() ? state() : int(StateNormal);
+}
+
 void NavigationButton::setMark(Mark mark)
 {
     m_mark = mark;
@@ -83,7 +108,7 @@ void NavigationButton::paintEvent(QPaintEvent* event)
     // On the caption's line; a pressed row sits one point lower.
     painter.translate(18, state() == StatePressed ? 23 : 22);
     if (m_mark == MarkNote)
-        paintNote(painter, isEnabled() ? slate : accent);
+        paintNote(painter, m_chosen ? accent : slate);
     else if (m_mark == MarkQuestion)
         paintQuestion(painter);
     else if (m_mark == MarkCopies)

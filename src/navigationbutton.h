@@ -3,7 +3,8 @@
 #include "common/qimagebutton.h"
 
 /// A row of the navigation pane: a button with a mark before its caption, told apart by shape and not by
-/// colour alone.
+/// colour alone. The fourth cell of its strip is the look of the chosen row, whether or not rows can be
+/// clicked at the moment.
 class NavigationButton : public QImageButton
 {
     Q_OBJECT
@@ -16,13 +17,17 @@ public:
         MarkCopies    ///< two squares, one over the other
     };
 
-    using QImageButton::QImageButton;
+    explicit NavigationButton(QWidget* parent = nullptr);
 
     void setMark(Mark mark);
+    void setChosen(bool chosen);
+    bool isChosen() const { return m_chosen; }
 
 protected:
+    int shownCell() const override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     Mark m_mark = NoMark;
+    bool m_chosen = false;
 };

@@ -35,8 +35,10 @@ void NavigationWidget::InitConnect()
 
 void NavigationWidget::select(QWidget* chosen)
 {
-    for (QWidget* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate})
+    for (NavigationButton* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate}) {
         button->setEnabled(button != chosen);
+        button->setChosen(button == chosen);
+    }
 }
 
 void NavigationWidget::OnBtnMusicAll()
@@ -72,7 +74,7 @@ void NavigationWidget::OnLeftWidgetBtnState()
 
 void NavigationWidget::SlotForbidClickingBtn(bool forbid)
 {
-    // Lifting the ban enables all three: no row looks chosen until the next choice.
+    // Lifting the ban enables all three, the chosen one, too, which goes on looking chosen.
     for (QWidget* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate})
         button->setEnabled(!forbid);
 }

@@ -1,11 +1,19 @@
 #include "showmusicinfowidget.h"
 
+#include "common/compositing.h"
 #include "songcover.h"
 #include "songfields.h"
 #include "ui_showmusicinfowidget.h"
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QRegion>
+
+namespace {
+/// Around the face the picture is a soft shadow.
+const QRect faceInPicture(10, 8, 280, 208);
+constexpr int faceRadius = 8;
+} // namespace
 
 ShowMusicInfoWidget::ShowMusicInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::ShowMusicInfoWidget>())
@@ -23,6 +31,7 @@ void ShowMusicInfoWidget::Init()
 {
     ui->m_coverWidget->SetImageBackgroud(SkinPicture::path("bg_no_picture.png"), true);
     m_face = std::make_unique<SkinPicture>(SkinPicture::path("bg_music_detail.png"));
+    Compositing::cutWhereNeeded(*this, Compositing::rounded(faceInPicture, faceRadius));
     // The cover hears presses for its own signal; here they belong to the card.
     ui->m_coverWidget->setAttribute(Qt::WA_TransparentForMouseEvents);
 }

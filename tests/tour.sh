@@ -95,7 +95,7 @@ picture() {
 # The window with what lies beside it.
 wide_picture() {
     sleep 0.3
-    import -window root -crop "$((1300 * scale))x$((860 * scale))+0+0" +repage "$pictures/$1.png"
+    import -window root -crop "$(wide_frame)" +repage "$pictures/$1.png"
 }
 
 # The program's window of this size, in points.
@@ -128,6 +128,11 @@ picture_in_passing() {
 frame() {
     xwininfo -id "$window" | awk '/Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { y = $NF }
         /Width:/ { w = $NF } /Height:/ { h = $NF } END { printf "%dx%d+%d+%d", w, h, x, y }'
+}
+
+# The same with room for a window beside it.
+wide_frame() {
+    frame | awk -F '[x+]' -v more=$((600 * scale)) '{ printf "%dx%d+%d+%d", $1 + more, $2, $3, $4 }'
 }
 
 # Copies of all music under the given paths in one folder, where a file dialog can take it at once.

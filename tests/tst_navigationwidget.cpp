@@ -40,6 +40,7 @@ private slots:
     void theChosenButtonDoesNothing();
     void selectingAllEmitsNothing();
     void aBanDisablesAllAndLiftingItEnablesAll();
+    void theChosenRowLooksChosenThroughABan();
     void theLowerButtonsCanBeHidden();
     void buttonsStackWithoutGaps();
     void thePaneHasItsColours();
@@ -119,6 +120,23 @@ void TestNavigationWidget::selectingAllEmitsNothing()
     QVERIFY(!button("m_btnMusicAll")->isEnabled());
     QVERIFY(button("m_btnMusicDuplicate")->isEnabled());
     QCOMPARE(chosen.count(), 0);
+}
+
+void TestNavigationWidget::theChosenRowLooksChosenThroughABan()
+{
+    m_pane->OnBtnMusicUndefined();
+    const auto look = [&](const char* name) {
+        return m_pane->findChild<QWidget*>(name)->grab().toImage().pixelColor(1, 22);
+    };
+    const QColor bar = look("m_btnMusicUndefined");
+    const QColor plain = look("m_btnMusicAll");
+    QVERIFY(bar != plain);
+    for (const bool forbid : {true, false}) {
+        m_pane->SlotForbidClickingBtn(forbid);
+        QCOMPARE(look("m_btnMusicUndefined"), bar);
+        QCOMPARE(look("m_btnMusicAll"), plain);
+        QCOMPARE(look("m_btnMusicDuplicate"), plain);
+    }
 }
 
 void TestNavigationWidget::aBanDisablesAllAndLiftingItEnablesAll()

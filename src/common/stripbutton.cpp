@@ -78,8 +78,9 @@ void StripButton::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform); // for ratios between the scales of the skin
     const QImage& strip = m_pImage->image(painter);
-    const bool shifted = m_nState >= StateHover && m_nState <= StateDisabled;
+    const int cell = shownCell();
+    const bool shifted = cell >= StateHover && cell <= StateDisabled;
     // From the cell to the strip's end; the widget's edge cuts off the cells behind.
-    const int left = qRound((shifted ? m_nState * width() : 0) * strip.devicePixelRatio());
+    const int left = qRound((shifted ? cell * width() : 0) * strip.devicePixelRatio());
     painter.drawImage(QPointF(0, 0), strip, QRectF(left, 0, strip.width() - left, strip.height()));
 }

@@ -26,6 +26,8 @@ protected:
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
+    /// The cell drawn, 0 to 3: that of the state, unless a derived button knows better.
+    virtual int shownCell() const { return m_nState; }
     /// Takes the strip; the size of one of its cells, in points.
     QSize loadStrip(const QString& path);
     /// The file that the strip was taken from.
