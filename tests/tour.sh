@@ -268,19 +268,25 @@ walk() {
     stop_program
 }
 
-# A scan of a music library, while it runs and after.
+# A scan of a music library.
 walk_library() {
     local width=$1 height=$2 name=$3
     start_program --itunes-library "$4"
     size "$width" "$height"
-    click $((width / 2 + 68)) 52 0
-    kill -STOP "$program"
-    picture "$name-library-1-scanning" stay
-    kill -CONT "$program"
-    sleep 2
-    picture "$name-library-2-scanned"
+    click $((width / 2 + 68)) 52 2
+    picture "$name-library-1-scanned"
     click 270 200
-    picture "$name-library-3-song"
+    picture "$name-library-2-song"
+    stop_program
+}
+
+# A scan at work needs a library that takes a moment.
+during_scan() {
+    "$bin/make_library" "$work/large" "$work/Large.xml"
+    start_program --itunes-library "$work/Large.xml"
+    size 1120 713
+    click 628 52 0.5
+    picture scanning stay
     stop_program
 }
 
@@ -322,6 +328,7 @@ for width in 1120 1000; do
     walk $width $height ${width}x$height
 done
 during_intake
+during_scan
 scale=2
 export QT_SCALE_FACTOR=2
 flatten "$@"
