@@ -1,6 +1,7 @@
 #include "audiocore/iaudiotag.h"
 #include "audiofile.h"
 #include "fixtures.h"
+#include "vtableslot.h"
 
 #include <taglib/apetag.h>
 #include <taglib/attachedpictureframe.h>
@@ -48,13 +49,6 @@ TagLib::ID3v2::AttachedPictureFrame* picture(const QByteArray& bytes,
     frame->setMimeType("image/jpeg");
     frame->setPicture(TagLib::ByteVector(bytes.constData(), unsigned(bytes.size())));
     return frame;
-}
-
-/// An operation by its slot number, whatever the compiler would call.
-template <typename Function>
-Function slot(const void* object, int number)
-{
-    return reinterpret_cast<Function>((*static_cast<void* const* const*>(object))[number]);
 }
 } // namespace
 

@@ -74,6 +74,8 @@ private slots:
     void aBrokenPartIsPassedOver();
     void vastRubbishEndsSoon_data();
     void vastRubbishEndsSoon();
+    void aLengthThatNobodyTellsIsMeasured_data();
+    void aLengthThatNobodyTellsIsMeasured();
     void onlyTheFormatsOfMusicCollectionsAreRead();
 };
 
@@ -195,6 +197,28 @@ void TestFingerprint::vastRubbishEndsSoon()
     const Fingerprint fingerprint = ours(path);
     QVERIFY(fingerprint.result == Decoding::Done || fingerprint.result == Decoding::NoAudio);
     QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
+}
+
+void TestFingerprint::aLengthThatNobodyTellsIsMeasured_data()
+{
+    QTest::addColumn<int>("milliseconds");
+    QTest::newRow("20 s") << 20000;
+    QTest::newRow("more than two minutes") << 125000;
+}
+
+void TestFingerprint::aLengthThatNobodyTellsIsMeasured()
+{
+    // What is encoded on the way through a pipe cannot tell its length at the beginning.
+    QFETCH(int, milliseconds);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("streamed.flac");
+    write(path,
+          run("ffmpeg", {"-v", "error", "-i", Fixtures::tone("flac", milliseconds), "-f", "flac", "-"}));
+    const Fingerprint fingerprint = ours(path);
+    QCOMPARE(int(fingerprint.result), int(Decoding::Done));
+    QCOMPARE(QString::fromStdString(fingerprint.text), byFpcalc(path));
+    QVERIFY2(qAbs(fingerprint.milliseconds - milliseconds) < 100,
+             qPrintable(QString::number(fingerprint.milliseconds)));
 }
 
 void TestFingerprint::onlyTheFormatsOfMusicCollectionsAreRead()

@@ -3,6 +3,7 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "identifyserver.h"
+#include "vtableslot.h"
 
 #include <QtTest>
 
@@ -11,13 +12,6 @@
 using Manner = IdentifyServer::Manner;
 
 namespace {
-/// An operation by its slot number, whatever the compiler would call.
-template <typename Function>
-Function slot(const void* object, int number)
-{
-    return reinterpret_cast<Function>((*static_cast<void* const* const*>(object))[number]);
-}
-
 QString textOf(const TagItem& item)
 {
     return QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4);

@@ -95,7 +95,7 @@ private:
     std::unique_ptr<AVFrame, FreeFrame> m_frame{av_frame_alloc()};
 };
 
-/// Passes on samples until there are enough of them.
+/// Passes on samples until there are enough of them, and counts them all.
 class LimitedSink
 {
 public:
@@ -103,35 +103,35 @@ public:
 
     void operator()(const std::vector<std::int16_t>& samples)
     {
+        m_total += std::int64_t(samples.size());
         const std::size_t count = std::min(samples.size(), m_left);
         if (count > 0)
             m_sink(samples.data(), count);
         m_left -= count;
-        m_any = m_any || count > 0;
     }
     bool isFull() const { return m_left == 0; }
-    bool gotAny() const { return m_any; }
+    std::int64_t total() const { return m_total; }
 
 private:
     const audiocore::SampleSink& m_sink;
     std::size_t m_left;
-    bool m_any = false;
+    std::int64_t m_total = 0;
 };
 
-/// Whether anything was decoded.
-bool decodeInto(LimitedSink& sink, AVFormatContext* demuxer, MediaInput& input, int sampleRate)
+/// Decodes what the sink wants, or all of it for a container that does not tell its length.
+void decodeInto(LimitedSink& sink, AVFormatContext* demuxer, MediaInput& input, int sampleRate)
 {
     AudioStream stream(demuxer);
     if (!stream.isOpen())
-        return false;
+        return;
+    const bool measure = demuxer->duration <= 0;
     audiocore::Resampler resampler(sampleRate);
-    while (!sink.isFull()) {
+    while (measure || !sink.isFull()) {
         const AVFrame* frame = stream.next(input);
         if (!frame)
             break;
         sink(resampler.convert(*frame));
     }
-    return sink.gotAny();
 }
 } // namespace
 
@@ -145,14 +145,15 @@ DecodedPart audiocore::decodeBeginning(const std::string& path, int seconds, int
         part.result = Decoding::Unreadable;
         return part;
     }
-    AVFormatContext* demuxer = input.demuxer();
-    if (demuxer && demuxer->duration > 0)
-        part.milliseconds = demuxer->duration / (AV_TIME_BASE / 1000);
     LimitedSink limited(sink, std::size_t(seconds) * std::size_t(sampleRate));
-    const bool decoded = demuxer && decodeInto(limited, demuxer, input, sampleRate);
+    if (AVFormatContext* demuxer = input.demuxer()) {
+        decodeInto(limited, demuxer, input, sampleRate);
+        part.milliseconds = demuxer->duration > 0 ? demuxer->duration / (AV_TIME_BASE / 1000)
+                                                  : limited.total() * 1000 / sampleRate;
+    }
     if (cancellation.isCancelled()) {
         part.result = Decoding::Cancelled;
-    } else if (decoded) {
+    } else if (limited.total() > 0) {
         part.result = Decoding::Done;
     } else {
         logLine(path, input.isInterrupted() ? "is damaged: decoding it would not end"

@@ -18,7 +18,7 @@ enum class Decoding {
 struct DecodedPart
 {
     Decoding result = Decoding::NoAudio;
-    /// The whole file's length as its container tells it, 0 when it does not.
+    /// The whole file's length as its container tells it, or as it is found by decoding to the end.
     std::int64_t milliseconds = 0;
 };
 
