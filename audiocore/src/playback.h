@@ -1,6 +1,7 @@
 #pragma once
 
 #include "playbackengine.h"
+#include "songstream.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -45,7 +46,7 @@ private:
     void setPhase(Phase phase, std::int64_t duration);
     bool hasEnded() const;
 
-    const std::string m_path;
+    SongSource m_source;
     const AudioFormat m_format;
 
     mutable std::mutex m_mutex; ///< never held while the engine is called, which calls wake()

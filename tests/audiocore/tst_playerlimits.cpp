@@ -95,6 +95,8 @@ private slots:
     void whatIsNoSongPlaysNothing();
     void cutOffSongsEnd();
     void damagedSongsEnd();
+    void aVastHoleBehindTheSongEnds_data();
+    void aVastHoleBehindTheSongEnds();
     void hugeCoversDoNotHinder_data();
     void hugeCoversDoNotHinder();
     void listsOfOtherFilesAreNoSongs_data();
@@ -220,6 +222,38 @@ void TestPlayerLimits::damagedSongsEnd()
                 bytes[200 + random.bounded(bytes.size() - 200)] = char(random.bounded(256));
         return damaged;
     }));
+}
+
+void TestPlayerLimits::aVastHoleBehindTheSongEnds_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const QString& kind : Fixtures::formats() + Fixtures::furtherKinds())
+        QTest::newRow(qPrintable(kind)) << kind;
+}
+
+void TestPlayerLimits::aVastHoleBehindTheSongEnds()
+{
+    QFETCH(QString, kind);
+    const QString song = Fixtures::copyTone(kind, m_folder.path(), "vast");
+    QVERIFY(QFile::resize(song, qint64(50) << 30));
+    Player player = opened(song);
+    for (const std::uint64_t from : {2500, 1000}) {
+        player->Seek(from);
+        player->Play();
+        const auto over = [&player] {
+            return player->GetState() == PLAYER_STATE_FINISHED || player->GetState() == PLAYER_STATE_EMPTY;
+        };
+        // A WAV file's hole is gone through in steps of eight bytes, for many seconds.
+        QVERIFY(kind == QLatin1String("wav") || QTest::qWaitFor(over, 20000));
+    }
+    player->Seek(2900);
+    player->Play();
+    QTest::qWait(150); // well into the hole
+    QElapsedTimer clock;
+    clock.start();
+    player.reset();
+    QVERIFY2(clock.elapsed() <= 100, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(QFile::remove(song));
 }
 
 void TestPlayerLimits::hugeCoversDoNotHinder_data()
