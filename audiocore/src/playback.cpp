@@ -12,7 +12,7 @@ namespace {
 constexpr std::chrono::milliseconds tick(20);
 /// How far ahead of the song the engine may read. A parser that finds no frame in half a gigabyte ends the
 /// program.
-constexpr std::int64_t bytesToGetOn = 128 << 20;
+constexpr std::int64_t bytesToGetOn = 48 << 20;
 /// More than any song has.
 constexpr std::int64_t bytesASecondPlayed = 8 << 20;
 /// More than any MP3 has. Where it has no table of places, seeking reads all that lies before the target.
