@@ -35,10 +35,10 @@ Playback::~Playback()
     m_thread.join();
 }
 
-Playback::Phase Playback::waitUntilOpen(std::chrono::milliseconds limit)
+Playback::Phase Playback::waitUntilOpen(std::chrono::steady_clock::time_point latest)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_opened.wait_for(lock, limit, [this] { return m_phase != Phase::Opening; });
+    m_opened.wait_until(lock, latest, [this] { return m_phase != Phase::Opening; });
     return m_phase;
 }
 

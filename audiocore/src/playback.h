@@ -23,8 +23,8 @@ public:
     Playback(const Playback&) = delete;
     Playback& operator=(const Playback&) = delete;
 
-    /// Whether the file can be played; still Opening when that took longer than the limit.
-    Phase waitUntilOpen(std::chrono::milliseconds limit);
+    /// Whether the file can be played; still Opening when that took longer than until `latest`.
+    Phase waitUntilOpen(std::chrono::steady_clock::time_point latest);
 
     void play();
     void pause();
