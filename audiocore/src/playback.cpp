@@ -10,10 +10,17 @@ using audiocore::Playback;
 namespace {
 /// How often the position is looked at while the song plays.
 constexpr std::chrono::milliseconds tick(20);
+/// How far ahead of the song the engine may read. A parser that finds no frame in half a gigabyte ends the
+/// program.
+constexpr std::int64_t bytesToGetOn = 48 << 20;
+/// More than any song has.
+constexpr std::int64_t bytesASecondPlayed = 8 << 20;
+/// More than any MP3 has. Where it has no table of places, seeking reads all that lies before the target.
+constexpr std::int64_t bytesASecondSought = 48000;
 } // namespace
 
 Playback::Playback(std::string path, AudioFormat format, std::int64_t milliseconds)
-    : m_path(std::move(path)), m_format(format), m_duration(milliseconds), m_thread([this] { run(); })
+    : m_source(std::move(path)), m_format(format), m_duration(milliseconds), m_thread([this] { run(); })
 {
 }
 
@@ -23,14 +30,15 @@ Playback::~Playback()
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_quit = true;
     }
+    m_source.closed = true;
     m_work.notify_one();
     m_thread.join();
 }
 
-Playback::Phase Playback::waitUntilOpen(std::chrono::milliseconds limit)
+Playback::Phase Playback::waitUntilOpen(std::chrono::steady_clock::time_point latest)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_opened.wait_for(lock, limit, [this] { return m_phase != Phase::Opening; });
+    m_opened.wait_until(lock, latest, [this] { return m_phase != Phase::Opening; });
     return m_phase;
 }
 
@@ -119,7 +127,8 @@ void Playback::wake(void* playback)
 
 void Playback::run()
 {
-    PlaybackEngine engine(m_path, m_format, wake, this);
+    m_source.allowance = bytesToGetOn;
+    PlaybackEngine engine(m_source, m_format, wake, this);
     for (;;) {
         handleEvents(engine);
         if (phase() == Phase::Ready) {
@@ -154,7 +163,7 @@ void Playback::handleEvents(PlaybackEngine& engine)
             setPhase(Phase::Ready, engine.duration());
             break;
         case PlaybackEngine::Event::Broken:
-            audiocore::logLine(m_path, "cannot be played: " + engine.error());
+            audiocore::logLine(m_source.path, "cannot be played: " + engine.error());
             m_enginePlays = false;
             setPhase(Phase::Failed, 0);
             break;
@@ -194,6 +203,8 @@ void Playback::carryWishes(PlaybackEngine& engine)
         // Sound starts at the target only, never with what was ready before the seek.
         play = m_play && (m_enginePlays || !m_target);
     }
+    if (target)
+        m_source.allowance = bytesToGetOn + *target * bytesASecondSought / 1000;
     if (target && !engine.seek(*target)) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_target.reset();
@@ -210,7 +221,12 @@ void Playback::look(const PlaybackEngine& engine)
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_wishedTarget || m_target)
         return;
-    m_position = position.value_or(m_position);
+    if (position) {
+        const std::int64_t more =
+            std::max<std::int64_t>(*position - m_position, 0) * bytesASecondPlayed / 1000;
+        m_source.allowance = std::min(m_source.allowance + more, bytesToGetOn);
+        m_position = *position;
+    }
     if (atEnd && !m_finished) {
         m_play = false;
         m_woken = true; // to tell the engine

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "playbackengine.h"
+#include "songstream.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -22,8 +23,8 @@ public:
     Playback(const Playback&) = delete;
     Playback& operator=(const Playback&) = delete;
 
-    /// Whether the file can be played; still Opening when that took longer than the limit.
-    Phase waitUntilOpen(std::chrono::milliseconds limit);
+    /// Whether the file can be played; still Opening when that took longer than until `latest`.
+    Phase waitUntilOpen(std::chrono::steady_clock::time_point latest);
 
     void play();
     void pause();
@@ -45,7 +46,7 @@ private:
     void setPhase(Phase phase, std::int64_t duration);
     bool hasEnded() const;
 
-    const std::string m_path;
+    SongSource m_source;
     const AudioFormat m_format;
 
     mutable std::mutex m_mutex; ///< never held while the engine is called, which calls wake()

@@ -50,6 +50,7 @@ constexpr Option options[] = {
     {"cache", "no"},
     {"demuxer", "lavf"},
     {"audio-client-name", "Melodrift"},
+    {"title", "Melodrift"},
     {"audio-fallback-to-null", "yes"},
     {"idle", "yes"},
     {"pause", "yes"},
@@ -120,12 +121,11 @@ void PlaybackEngine::Destroy::operator()(mpv_handle* engine) const
     mpv_terminate_destroy(engine);
 }
 
-PlaybackEngine::PlaybackEngine(const std::string& path, AudioFormat format, void (*wake)(void*),
-                               void* context)
-    : m_path(path), m_engine(mpv_create())
+PlaybackEngine::PlaybackEngine(SongSource& source, AudioFormat format, void (*wake)(void*), void* context)
+    : m_engine(mpv_create())
 {
     const char* container = containerOf(format);
-    if (!m_engine || !container || !start(container, wake, context)) {
+    if (!m_engine || !container || !start(source, container, wake, context)) {
         m_engine.reset();
         m_error = "the playback engine does not start";
     }
@@ -133,7 +133,7 @@ PlaybackEngine::PlaybackEngine(const std::string& path, AudioFormat format, void
 
 PlaybackEngine::~PlaybackEngine() = default;
 
-bool PlaybackEngine::start(const char* container, void (*wake)(void*), void* context)
+bool PlaybackEngine::start(SongSource& source, const char* container, void (*wake)(void*), void* context)
 {
     // Options that this build of the engine does not have are no loss: it lacks what they switch off.
     for (const Option& option : options)
@@ -142,7 +142,7 @@ bool PlaybackEngine::start(const char* container, void (*wake)(void*), void* con
     if (mpv_set_option_string(m_engine.get(), "demuxer-lavf-format", container) < 0)
         return false;
     mpv_set_wakeup_callback(m_engine.get(), wake, context);
-    const char* address = offerSong(m_engine.get(), m_path);
+    const char* address = offerSong(m_engine.get(), source);
     std::array<const char*, 3> load{"loadfile", address, nullptr};
     return address && mpv_initialize(m_engine.get()) == 0 &&
            mpv_observe_property(m_engine.get(), 0, "eof-reached", MPV_FORMAT_FLAG) == 0 &&

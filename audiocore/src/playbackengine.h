@@ -10,6 +10,8 @@
 struct mpv_handle;
 
 namespace audiocore {
+struct SongSource;
+
 /// Makes the process's numeric locale the one that the engine demands. A thread's own locale does not help:
 /// the engine looks at the process's.
 void setEngineLocale();
@@ -26,8 +28,9 @@ public:
         Broken   ///< the file cannot be played, or not any further
     };
 
-    /// `wake` is called on any thread when there are events; it must not call the engine.
-    PlaybackEngine(const std::string& path, AudioFormat format, void (*wake)(void*), void* context);
+    /// The source must outlive the engine. `wake` is called on any thread when there are events; it must not
+    /// call the engine.
+    PlaybackEngine(SongSource& source, AudioFormat format, void (*wake)(void*), void* context);
     ~PlaybackEngine();
     PlaybackEngine(const PlaybackEngine&) = delete;
     PlaybackEngine& operator=(const PlaybackEngine&) = delete;
@@ -50,11 +53,9 @@ private:
         void operator()(mpv_handle* engine) const;
     };
 
-    bool start(const char* lavfFormat, void (*wake)(void*), void* context);
-    void breakWith(int code);
+    bool start(SongSource& source, const char* container, void (*wake)(void*), void* context);
     std::optional<std::int64_t> milliseconds(const char* property) const;
 
-    const std::string m_path;
     std::unique_ptr<mpv_handle, Destroy> m_engine;
     std::string m_error;
     bool m_toldStartError = false;

@@ -19,6 +19,8 @@ struct PlayerContent
 
 using Players = audiocore::Registry<PlayerContent>;
 
+constexpr std::chrono::milliseconds longestOpening(450);
+
 std::int32_t bounded(std::int64_t number)
 {
     return std::int32_t(std::clamp<std::int64_t>(number, 0, std::numeric_limits<std::int32_t>::max()));
@@ -29,6 +31,7 @@ class Player final : public IAudioPlayer
 public:
     std::int32_t Open(const char32_t* path) override
     {
+        const auto latest = std::chrono::steady_clock::now() + longestOpening;
         const auto own = content();
         own->playback.reset();
         const std::optional<std::string> utf8 = audiocore::toUtf8(path ? path : U"");
@@ -40,8 +43,7 @@ public:
         if (media->format == AUDIO_FORMAT_UNKNOWN)
             return 1;
         own->playback = std::make_unique<Playback>(*utf8, media->format, media->properties.milliseconds);
-        return own->playback->waitUntilOpen(std::chrono::milliseconds(450)) == Playback::Phase::Failed ? 1
-                                                                                                       : 0;
+        return own->playback->waitUntilOpen(latest) == Playback::Phase::Failed ? 1 : 0;
     }
     void Reserved1() override {}
     void Reserved2() override {}

@@ -7,8 +7,11 @@
 namespace platform = audiocore::platform;
 
 namespace {
+using audiocore::SongSource;
+
 struct Song
 {
+    SongSource& source;
     std::FILE* file;
     std::int64_t position = 0;
 };
@@ -21,8 +24,11 @@ Song* songOf(void* cookie)
 std::int64_t read(void* cookie, char* bytes, std::uint64_t count)
 {
     Song* song = songOf(cookie);
+    if (song->source.closed || song->source.allowance <= 0)
+        return 0;
     const auto got = std::int64_t(platform::readAt(song->file, song->position, bytes, std::size_t(count)));
     song->position += got;
+    song->source.allowance -= got;
     return got;
 }
 
@@ -46,9 +52,10 @@ void close(void* cookie)
 }
 
 /// Looks at the opened file itself, so that nothing else can take its place in between.
-int open(void* path, char*, mpv_stream_cb_info* info)
+int open(void* offered, char*, mpv_stream_cb_info* info)
 {
-    std::FILE* file = platform::openFile(*static_cast<const std::string*>(path), false);
+    SongSource& source = *static_cast<SongSource*>(offered);
+    std::FILE* file = platform::openFile(source.path, false);
     if (!file)
         return MPV_ERROR_LOADING_FAILED;
     platform::FileState state;
@@ -57,7 +64,7 @@ int open(void* path, char*, mpv_stream_cb_info* info)
         return MPV_ERROR_LOADING_FAILED;
     }
     *info = {};
-    info->cookie = new Song{file};
+    info->cookie = new Song{source, file};
     info->read_fn = read;
     info->seek_fn = seek;
     info->size_fn = size;
@@ -66,8 +73,7 @@ int open(void* path, char*, mpv_stream_cb_info* info)
 }
 } // namespace
 
-const char* audiocore::offerSong(mpv_handle* engine, const std::string& path)
+const char* audiocore::offerSong(mpv_handle* engine, SongSource& source)
 {
-    void* cookie = const_cast<std::string*>(&path);
-    return mpv_stream_cb_add_ro(engine, "song", cookie, open) == 0 ? "song://" : nullptr;
+    return mpv_stream_cb_add_ro(engine, "song", &source, open) == 0 ? "song://" : nullptr;
 }

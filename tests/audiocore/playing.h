@@ -2,10 +2,13 @@
 
 #include "audiocore/iaudioplayer.h"
 
+#include <QElapsedTimer>
+#include <QFile>
 #include <QString>
 #include <QtTest>
 
 #include <memory>
+#include <vector>
 
 /// Players in tests.
 namespace Playing {
@@ -41,5 +44,56 @@ inline bool reaches(IAudioPlayer& player, PlayerState state, int milliseconds = 
 inline bool passes(IAudioPlayer& player, int position, int milliseconds = 10000)
 {
     return QTest::qWaitFor([&player, position] { return player.GetPosition() > position; }, milliseconds);
+}
+/// That nothing is played of the file.
+inline void verifyNothing(const QString& file)
+{
+    const Player player(CreatePlayer());
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(open(*player, file) != 0);
+    QVERIFY(clock.elapsed() <= 500);
+    player->Seek(0);
+    player->Play();
+    QCOMPARE(player->GetDuration(), 0);
+    QCOMPARE(player->GetPosition(), 0);
+    QCOMPARE(player->GetState(), int(PLAYER_STATE_EMPTY));
+    player->Pause();
+    player->Seek(5000);
+    QCOMPARE(player->GetPosition(), 0);
+}
+
+/// That all of them end, played at the same time.
+inline void verifyEnds(const QStringList& files)
+{
+    std::vector<Player> players;
+    for (const QString& file : files) {
+        players.push_back(opened(file));
+        players.back()->Seek(0);
+        players.back()->Play();
+    }
+    for (size_t i = 0; i < players.size(); ++i) {
+        IAudioPlayer& player = *players.at(i);
+        const auto stands = [&player] { return player.GetState() != PLAYER_STATE_PLAYING; };
+        QVERIFY2(QTest::qWaitFor(stands), qPrintable(files.at(int(i))));
+        QVERIFY(player.GetState() == PLAYER_STATE_FINISHED || player.GetState() == PLAYER_STATE_EMPTY);
+        QCOMPARE(player.GetPosition(), player.GetDuration());
+        player.Seek(500);
+        player.Play();
+        QVERIFY2(QTest::qWaitFor(stands), qPrintable(files.at(int(i))));
+    }
+}
+
+inline QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline void setContent(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qUtf8Printable(path));
 }
 } // namespace Playing
