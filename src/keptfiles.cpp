@@ -11,8 +11,8 @@ QString entryOf(const QString& path)
 {
     const QFileInfo file(path);
     const QString folder = file.dir().canonicalPath();
-    const QString entry = folder.isEmpty() ? QDir::cleanPath(file.absoluteFilePath())
-                                           : folder + QLatin1Char('/') + file.fileName();
+    QString entry = folder.isEmpty() ? QDir::cleanPath(file.absoluteFilePath())
+                                     : folder + QLatin1Char('/') + file.fileName();
 #if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
     // Where letters of either case may be the same file, it rather stays.
     return entry.toCaseFolded();

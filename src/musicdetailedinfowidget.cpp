@@ -79,6 +79,7 @@ void MusicDetailedInfoWidget::InitEditors()
                                              "QLineEdit:focus{border-color:#127DBB}"));
     }
     ui->m_comboGenre->setFont(font);
+    ui->gridLayoutWidget->setStyleSheet(QStringLiteral("QComboBox{padding-left:5px}"));
     auto* validator = new QIntValidator(1, 9999, this);
     ui->m_lineYear->setValidator(validator);
     ui->m_lineTrackNo->setValidator(validator);
