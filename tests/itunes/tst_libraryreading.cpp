@@ -68,6 +68,7 @@ private slots:
     void brokenStructureGivesNothingAndTellsWhere_data();
     void brokenStructureGivesNothingAndTellsWhere();
     void aFileCutAnywhereGivesNothing();
+    void aFileThatEndsInsideACharacterGivesNothing();
     void entitiesOfEntitiesEndAtOnce();
     void externalEntitiesReadAsNothing();
     void unusualButSoundStructureIsRead();
@@ -329,6 +330,18 @@ void TestLibraryReading::aFileCutAnywhereGivesNothing()
         QCOMPARE(read(whole.left(size)).count, 0);
         QCOMPARE(AudioFile::takeLog().size(), 1);
     }
+}
+
+void TestLibraryReading::aFileThatEndsInsideACharacterGivesNothing()
+{
+    const QByteArray document = named("A");
+    QByteArray wide;
+    for (const char c : document)
+        wide += QByteArray(1, c) + '\0';
+    QCOMPARE(read(wide).count, 1);
+    AudioFile::takeLog();
+    QCOMPARE(read(wide + ' ').count, 0);
+    QCOMPARE(AudioFile::takeLog().size(), 1);
 }
 
 void TestLibraryReading::entitiesOfEntitiesEndAtOnce()
