@@ -26,7 +26,7 @@ function(melodrift_add_test name)
     PROPERTIES
       TIMEOUT ${ARG_TIMEOUT}
       ENVIRONMENT
-      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1;UBSAN_OPTIONS=print_stacktrace=1"
+      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
   )
 endfunction()
 

@@ -3,13 +3,9 @@
 #include "audiocore/iaudiotag.h"
 #include "common/messagedialog.h"
 #include "common/screenplace.h"
-#include "covergriddelegate.h"
 #include "deletealldupmusicthread.h"
 #include "deletingmusicwaitingdlg.h"
-#include "dupmusiclistmodel.h"
 #include "keptfiles.h"
-#include "musiclistmodel.h"
-#include "paintdupnumberdelegate.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "songcells.h"
@@ -30,7 +26,6 @@ int m_local_add_or_ScanAgain = 0;
 
 namespace {
 constexpr int rightColumnWidth = 330;
-constexpr int titleColumnWidth = 500;
 constexpr int dropPictureGap = 24;
 } // namespace
 
@@ -50,8 +45,8 @@ CenterWidget::~CenterWidget()
 {
     if (m_pDeleteThread)
         m_pDeleteThread->wait();
-    setSongSource(nullptr);
-    setGroupSource(SongCells::columnModeDupTable);
+    m_views->showSongs(nullptr);
+    m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
     m_intake.reader().forgetCovers();
     qDeleteAll(m_localMusicList);
     qDeleteAll(m_removedSongs);
@@ -75,30 +70,11 @@ void CenterWidget::Init()
 
 void CenterWidget::InitView()
 {
-    m_allMusicGridModel = new MusicListModel(this);
-    m_allMusicTableModel = new MusicListModel(this);
-    m_dupMusicGridModel = new DupMusicListModel(this);
-    m_dupMusicTableModel = new DupMusicListModel(this);
-    setSongSource(m_pAllMusicList);
-    setGroupSource(SongCells::columnModeDupTable);
-
-    SongViews::initGrid(ui->m_allMusicListView);
-    SongViews::initGrid(ui->m_dupMusicListView);
-    SongViews::initTable(ui->m_allMusicTableView);
-    SongViews::initTable(ui->m_dupMusicTableView);
-    ui->m_allMusicListView->setModel(m_allMusicGridModel);
-    ui->m_allMusicTableView->setModel(m_allMusicTableModel);
-    ui->m_dupMusicListView->setModel(m_dupMusicGridModel);
-    ui->m_dupMusicTableView->setModel(m_dupMusicTableModel);
-    QFont captions = ui->m_allMusicListView->font();
-    captions.setPointSize(9);
-    ui->m_allMusicListView->setFont(captions);
-    ui->m_allMusicListView->setItemDelegate(new CoverGridDelegate(this));
-    ui->m_dupMusicListView->setItemDelegate(new PaintDupNumberDelegate(this));
-    ui->m_allMusicTableView->setColumnWidth(0, titleColumnWidth);
-
-    for (QWidget* view : views())
-        view->hide();
+    m_views = new SongViews(
+        {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView},
+        this);
+    m_views->showSongs(m_pAllMusicList);
+    m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
     m_pCurrentView = ui->m_allMusicListView;
 }
 
@@ -132,24 +108,11 @@ void CenterWidget::InitConnect()
     connect(&m_intake, SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
 }
 
-std::array<QAbstractItemView*, 4> CenterWidget::views() const
-{
-    return {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView};
-}
-
-QAbstractItemView* CenterWidget::chosenView() const
-{
-    if (m_nViewKind == ViewDuplicates)
-        return m_bGridMode ? static_cast<QAbstractItemView*>(ui->m_dupMusicListView)
-                           : ui->m_dupMusicTableView;
-    return m_bGridMode ? static_cast<QAbstractItemView*>(ui->m_allMusicListView) : ui->m_allMusicTableView;
-}
-
 void CenterWidget::switchView()
 {
     if (m_pCurrentView)
         m_pCurrentView->hide();
-    m_pCurrentView = chosenView();
+    m_pCurrentView = m_views->view(m_nViewKind == ViewDuplicates, m_bGridMode);
     showCurrentView();
 }
 
@@ -160,18 +123,6 @@ void CenterWidget::showCurrentView()
     m_pCurrentView->setVisible(!dropZone);
     ui->m_btnOpen->lower();
     ui->m_btnOpen->setFocusPolicy(dropZone ? Qt::StrongFocus : Qt::NoFocus);
-}
-
-void CenterWidget::setSongSource(QList<QMusicInfo*>* list)
-{
-    m_allMusicGridModel->setDataSourceList(list, SongCells::columnModeGrid, false);
-    m_allMusicTableModel->setDataSourceList(list, SongCells::columnModeTable, false);
-}
-
-void CenterWidget::setGroupSource(int tableColumns)
-{
-    m_dupMusicGridModel->setDupMusicDataSource(&m_classification.groups(), SongCells::columnModeGrid, false);
-    m_dupMusicTableModel->setDupMusicDataSource(&m_classification.groups(), tableColumns, false);
 }
 
 void CenterWidget::OnBtnGridView()
@@ -192,14 +143,14 @@ void CenterWidget::OnBtnTableView()
 
 void CenterWidget::slotShowAllmusicView()
 {
-    setSongSource(m_pAllMusicList);
+    m_views->showSongs(m_pAllMusicList);
     m_nViewKind = ViewAll;
     switchView();
 }
 
 void CenterWidget::slotShowUndefineMusicView()
 {
-    setSongSource(&m_classification.undefinedSongs());
+    m_views->showSongs(&m_classification.undefinedSongs());
     m_nViewKind = ViewUndefined;
     switchView();
 }
@@ -207,9 +158,8 @@ void CenterWidget::slotShowUndefineMusicView()
 void CenterWidget::slotShowDuplicateMusicView()
 {
     // The model shows the same seven columns for 6 as for 7; both values are wanted where they stand.
-    setGroupSource(SongCells::columnModeTable);
-    m_dupMusicGridModel->refresh();
-    m_dupMusicTableModel->refresh();
+    m_views->showGroups(&m_classification.groups(), SongCells::columnModeTable);
+    m_views->refreshGroups();
     m_nViewKind = ViewDuplicates;
     switchView();
 }
@@ -221,8 +171,7 @@ void CenterWidget::ShowWidget()
 
 void CenterWidget::showCoversAnew()
 {
-    for (QWidget* view : views())
-        view->update();
+    m_views->repaintCovers();
 }
 
 void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
@@ -230,28 +179,27 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
     if (m_bForbidClick)
         return;
     selectSong(index.row());
-    ui->m_musicDetailedWidget->SetMusicDetailedInfo(m_allMusicGridModel->nodeFromIndex(index));
+    ui->m_musicDetailedWidget->SetMusicDetailedInfo(SongViews::songOf(index));
 }
 
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
 {
     // Not kept from clicking, unlike the list of songs.
     m_nCurrentDupRow = index.row();
-    ui->m_dupMusicListView->setCurrentIndex(m_dupMusicGridModel->index(index.row(), 0));
-    ui->m_dupMusicTableView->setCurrentIndex(m_dupMusicTableModel->index(index.row(), 0));
-    if (DupMusicInfo* group = m_dupMusicGridModel->nodeFromIndex(index))
+    m_views->selectGroup(index.row());
+    if (DupMusicInfo* group = SongViews::groupOf(index))
         ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(&group->musicList);
 }
 
 void CenterWidget::SlotDoubleClickAllMusicIndex(const QModelIndex& index)
 {
-    if (QMusicInfo* song = m_allMusicGridModel->nodeFromIndex(index))
+    if (QMusicInfo* song = SongViews::songOf(index))
         emit emitStartToPlayMusic(song);
 }
 
 void CenterWidget::SlotDoubleClickDupMusicIndex(const QModelIndex& index)
 {
-    const DupMusicInfo* group = m_dupMusicGridModel->nodeFromIndex(index);
+    const DupMusicInfo* group = SongViews::groupOf(index);
     if (group && !group->musicList.isEmpty())
         emit emitStartToPlayMusic(group->musicList.first());
 }
@@ -298,8 +246,8 @@ void CenterWidget::ClearSelectedWidget()
     clearClassification();
     // Neither mode shows the other's songs: whatever was listed before, the emptied list is.
     m_pAllMusicList = &m_localMusicList;
-    setSongSource(m_pAllMusicList);
-    setGroupSource(SongCells::columnModeDupTable);
+    m_views->showSongs(m_pAllMusicList);
+    m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
     ui->m_musicDetailedWidget->SetMusicDetailedInfo(nullptr);
     for (IAudioTag* tag : std::exchange(m_tagList, {}))
         if (tag)
@@ -332,7 +280,7 @@ void CenterWidget::setLocalMusicInfo()
     showAllSongs();
     m_classification.collect(*m_pAllMusicList);
     m_classification.group();
-    setGroupSource(SongCells::columnModeDupTable);
+    m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
     qInfo("songs: %d, undefined: %d, duplicate groups: %d", m_pAllMusicList->size(),
           m_classification.undefinedSongs().size(), m_classification.groups().size());
     emitCounts();
@@ -342,15 +290,14 @@ void CenterWidget::setLocalMusicInfo()
 void CenterWidget::SlotMusicInfoHaveBeEdited()
 {
     const int scrolled = m_pCurrentView->verticalScrollBar()->value();
-    m_allMusicTableModel->refresh();
-    m_allMusicGridModel->refresh();
+    m_views->refreshSongs();
     m_classification.collect(*m_pAllMusicList);
     emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
     forgetShownGroup();
     m_classification.group();
     emit emitDuplicateMusicCount(m_classification.groups().size());
     if (m_nViewKind == ViewUndefined)
-        setSongSource(&m_classification.undefinedSongs());
+        m_views->showSongs(&m_classification.undefinedSongs());
     selectShownSong();
     m_pCurrentView->verticalScrollBar()->setValue(scrolled);
 }
@@ -368,8 +315,7 @@ void CenterWidget::selectShownSong()
 void CenterWidget::selectSong(int row)
 {
     m_nCurrentRow = row;
-    ui->m_allMusicListView->setCurrentIndex(m_allMusicGridModel->index(row, 0));
-    ui->m_allMusicTableView->setCurrentIndex(m_allMusicTableModel->index(row, 0));
+    m_views->selectSong(row);
 }
 
 SongLists CenterWidget::songLists()
@@ -384,8 +330,7 @@ void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
         kept.add(SongFields::audioPath(other));
     if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, kept))
         m_removedSongs.append(song);
-    m_allMusicGridModel->refresh();
-    m_allMusicTableModel->refresh();
+    m_views->refreshSongs();
     slotShowDuplicateMusicView();
     emitCounts();
     emit emitDuplicateMusicCount(m_classification.groups().size());
@@ -393,8 +338,7 @@ void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 
 void CenterWidget::SlotDeleteAllDupMusic()
 {
-    ui->m_dupMusicListView->setEnabled(false);
-    ui->m_dupMusicTableView->setEnabled(false);
+    m_views->setGroupsEnabled(false);
     if (!m_pDeleteThread) {
         m_pDeleteThread = std::make_unique<DeleteAllDupMusicThread>();
         connect(m_pDeleteThread.get(), SIGNAL(emitAllMusicInfo()), this,
@@ -414,14 +358,11 @@ void CenterWidget::SlotDeleteAllDupMusic()
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
     m_pWaitingDlg->finish();
-    ui->m_dupMusicListView->setEnabled(true);
-    ui->m_dupMusicTableView->setEnabled(true);
+    m_views->setGroupsEnabled(true);
     m_removedSongs += m_pDeleteThread->takeRemovedSongs();
     forgetShownGroup();
-    m_dupMusicGridModel->refresh();
-    m_dupMusicTableModel->refresh();
-    m_allMusicGridModel->refresh();
-    m_allMusicTableModel->refresh();
+    m_views->refreshGroups();
+    m_views->refreshSongs();
     emitCounts();
 }
 
@@ -462,7 +403,7 @@ void CenterWidget::forgetShownGroup()
 
 void CenterWidget::showAllSongs()
 {
-    setSongSource(m_pAllMusicList);
+    m_views->showSongs(m_pAllMusicList);
     m_nViewKind = ViewAll;
     switchView();
 }

@@ -9,17 +9,15 @@
 #include <QStringList>
 #include <QWidget>
 
-#include <array>
 #include <memory>
 
 class DeleteAllDupMusicThread;
 class DeletingMusicWaitingDlg;
-class DupMusicListModel;
 class IAudioTag;
-class MusicListModel;
 class QAbstractItemView;
 class QModelIndex;
 class QShortcut;
+class SongViews;
 struct QMusicInfo;
 
 namespace Ui {
@@ -112,12 +110,8 @@ private:
     void offerFileDialog();
     void addFiles(const QStringList& files);
 
-    std::array<QAbstractItemView*, 4> views() const;
-    QAbstractItemView* chosenView() const;
     void switchView();
     void showCurrentView();
-    void setSongSource(QList<QMusicInfo*>* list);
-    void setGroupSource(int tableColumns);
     void enterMode(bool local);
     void placeOpenButton();
 
@@ -139,10 +133,7 @@ private:
     bool m_bGridMode = true;
     bool m_bForbidClick = false;
     QAbstractItemView* m_pCurrentView = nullptr;
-    MusicListModel* m_allMusicGridModel = nullptr;
-    MusicListModel* m_allMusicTableModel = nullptr;
-    DupMusicListModel* m_dupMusicGridModel = nullptr;
-    DupMusicListModel* m_dupMusicTableModel = nullptr;
+    SongViews* m_views = nullptr;
     QShortcut* m_openShortcut = nullptr;
 
     QList<QMusicInfo*> m_localMusicList;                     ///< owned

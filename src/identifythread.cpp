@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QMutexLocker>
 
 #include <atomic>
 
@@ -47,7 +46,7 @@ IdentifyThread::~IdentifyThread()
 
 void IdentifyThread::CloseTheIdentifier()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_bCancelled = true;
     if (m_pIdentifier)
         m_pIdentifier->Cancel();
@@ -55,14 +54,14 @@ void IdentifyThread::CloseTheIdentifier()
 
 bool IdentifyThread::isCancelled() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_bCancelled;
 }
 
 /// Makes the identifier and opens the file; false when there is nothing to run.
 bool IdentifyThread::prepare()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_pIdentifier)
         m_pIdentifier = CreateIdentifier();
     if (!m_pIdentifier || m_bCancelled || m_strFilePath.size() >= longestPath)

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <QMutex>
 #include <QStringList>
 #include <QThread>
+
+#include <mutex>
 
 class IAudioIdentifier;
 struct TagItem;
@@ -41,7 +42,7 @@ private:
     void takeCover(const TagItem& item);
 
     QString m_strFilePath;
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     IAudioIdentifier* m_pIdentifier = nullptr; ///< made by the first run; guarded by the mutex
     bool m_bCancelled = false;                 ///< guarded by the mutex
 };

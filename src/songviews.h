@@ -1,10 +1,65 @@
 #pragma once
 
-class QListView;
-class QTableView;
+#include <QObject>
 
-/// How the four song views look and behave.
-namespace SongViews {
-void initGrid(QListView* view);
-void initTable(QTableView* view);
-} // namespace SongViews
+#include <array>
+
+class DupMusicListModel;
+class MusicListModel;
+class QAbstractItemView;
+class QListView;
+class QModelIndex;
+class QTableView;
+struct DupMusicInfo;
+struct QMusicInfo;
+template <typename T>
+class QList;
+
+/// The four views on the songs of a collection, a grid and a table of songs and a grid and a table of
+/// duplicate groups, with the models behind them. The two of a kind show the same list and the same
+/// selection.
+class SongViews : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Widgets
+    {
+        QListView* songGrid;
+        QTableView* songTable;
+        QListView* groupGrid;
+        QTableView* groupTable;
+    };
+
+    /// Sets the widgets up, which stay hidden and their owner's.
+    SongViews(const Widgets& widgets, QObject* parent);
+
+    /// How one grid or one table looks and behaves.
+    static void initGrid(QListView* view);
+    static void initTable(QTableView* view);
+
+    /// The lists are read in place: after a change of one its views are refreshed, or shown another list.
+    void showSongs(QList<QMusicInfo*>* songs);
+    void showGroups(QList<DupMusicInfo*>* groups, int tableColumns);
+    void refreshSongs();
+    void refreshGroups();
+
+    void selectSong(int row);
+    void selectGroup(int row);
+    /// Null for an index without one.
+    static QMusicInfo* songOf(const QModelIndex& index);
+    static DupMusicInfo* groupOf(const QModelIndex& index);
+
+    QAbstractItemView* view(bool groups, bool grid) const;
+    std::array<QAbstractItemView*, 4> all() const;
+    void setGroupsEnabled(bool enabled);
+    /// Shows files of covers as they are now.
+    void repaintCovers();
+
+private:
+    Widgets m_widgets;
+    MusicListModel* m_allMusicGridModel;
+    MusicListModel* m_allMusicTableModel;
+    DupMusicListModel* m_dupMusicGridModel;
+    DupMusicListModel* m_dupMusicTableModel;
+};

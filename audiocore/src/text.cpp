@@ -5,7 +5,25 @@
 namespace {
 constexpr char32_t replacement = 0xFFFD;
 
-void appendUtf8(std::string& out, char32_t c)
+/// The number of bytes that a character starting with this byte takes; 0 when none starts so.
+int sequenceLength(unsigned char first)
+{
+    if (first < 0x80)
+        return 1;
+    if (first >= 0xC2 && first < 0xE0)
+        return 2;
+    if (first >= 0xE0 && first < 0xF0)
+        return 3;
+    return first >= 0xF0 && first < 0xF5 ? 4 : 0;
+}
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+} // namespace
+
+void audiocore::appendUtf8(std::string& out, char32_t c)
 {
     if (c < 0x80) {
         out += char(c);
@@ -24,28 +42,10 @@ void appendUtf8(std::string& out, char32_t c)
     }
 }
 
-bool isCharacter(char32_t c)
+bool audiocore::isCharacter(char32_t c)
 {
     return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF);
 }
-
-/// The number of bytes that a character starting with this byte takes; 0 when none starts so.
-int sequenceLength(unsigned char first)
-{
-    if (first < 0x80)
-        return 1;
-    if (first >= 0xC2 && first < 0xE0)
-        return 2;
-    if (first >= 0xE0 && first < 0xF0)
-        return 3;
-    return first >= 0xF0 && first < 0xF5 ? 4 : 0;
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-} // namespace
 
 std::optional<std::string> audiocore::toUtf8(const std::u32string& text)
 {

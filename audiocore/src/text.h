@@ -4,6 +4,10 @@
 #include <string>
 
 namespace audiocore {
+/// Whether the number stands for a character: within Unicode, and no surrogate half.
+bool isCharacter(char32_t c);
+/// Appends a character as UTF-8.
+void appendUtf8(std::string& out, char32_t c);
 /// UTF-32 to UTF-8; nothing when the text holds a surrogate half or a number that is no character.
 std::optional<std::string> toUtf8(const std::u32string& text);
 /// UTF-8 to UTF-32; what is no UTF-8 becomes U+FFFD.

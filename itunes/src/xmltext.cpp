@@ -1,5 +1,7 @@
 #include "xmltext.h"
 
+#include "text.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -30,24 +32,10 @@ constexpr std::array<bool, 256> plainBytes()
 
 void appendCharacter(std::uint32_t c, std::string& out)
 {
-    if (c > 0x10FFFF || (c >= 0xD800 && c < 0xE000)) {
+    if (!audiocore::isCharacter(c))
         out += replacement;
-    } else if (c < 0x80) {
-        if (!isControl(c))
-            out += char(c);
-    } else if (c < 0x800) {
-        out += char(0xC0 | (c >> 6));
-        out += char(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += char(0xE0 | (c >> 12));
-        out += char(0x80 | ((c >> 6) & 0x3F));
-        out += char(0x80 | (c & 0x3F));
-    } else {
-        out += char(0xF0 | (c >> 18));
-        out += char(0x80 | ((c >> 12) & 0x3F));
-        out += char(0x80 | ((c >> 6) & 0x3F));
-        out += char(0x80 | (c & 0x3F));
-    }
+    else if (!isControl(c))
+        audiocore::appendUtf8(out, c);
 }
 
 /// Copies the bytes of one character at `at`, or a replacement for what is none; where it goes on.
