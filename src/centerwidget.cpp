@@ -72,9 +72,7 @@ void CenterWidget::InitView()
 {
     m_views = new SongViews(
         {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView},
-        this);
-    m_views->showSongs(m_pAllMusicList);
-    m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
+        m_pAllMusicList, &m_classification.groups(), this);
     m_pCurrentView = ui->m_allMusicListView;
 }
 

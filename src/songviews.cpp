@@ -55,11 +55,15 @@ void SongViews::initTable(QTableView* view)
     colourTexts(view);
 }
 
-SongViews::SongViews(const Widgets& widgets, QObject* parent)
+SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<DupMusicInfo*>* groups,
+                     QObject* parent)
     : QObject(parent), m_widgets(widgets), m_allMusicGridModel(new MusicListModel(this)),
       m_allMusicTableModel(new MusicListModel(this)), m_dupMusicGridModel(new DupMusicListModel(this)),
       m_dupMusicTableModel(new DupMusicListModel(this))
 {
+    // Before the views, which measure columns that are there.
+    showSongs(songs);
+    showGroups(groups, SongCells::columnModeDupTable);
     initGrid(m_widgets.songGrid);
     initGrid(m_widgets.groupGrid);
     initTable(m_widgets.songTable);

@@ -31,8 +31,9 @@ public:
         QTableView* groupTable;
     };
 
-    /// Sets the widgets up, which stay hidden and their owner's.
-    SongViews(const Widgets& widgets, QObject* parent);
+    /// Sets the widgets up on these lists; they stay hidden and their owner's.
+    SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<DupMusicInfo*>* groups,
+              QObject* parent);
 
     /// How one grid or one table looks and behaves.
     static void initGrid(QListView* view);
