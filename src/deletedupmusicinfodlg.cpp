@@ -15,6 +15,7 @@ DeleteDupMusicInfoDlg::DeleteDupMusicInfoDlg(QWidget* parent)
     ui->m_btnCancel->setBtnImage(SkinPicture::path("button_cancel.png"));
     ui->m_btnOK->setBtnImage(SkinPicture::path("button_ok.png"));
     ui->m_checkBox->move(94, 60);
+    ui->m_checkBox->setStyleSheet(QStringLiteral("QCheckBox::indicator{width:16px;height:16px}"));
     ui->m_checkBox->setAccessibleName(QStringLiteral("Do not ask me again"));
     connect(ui->m_btnOK, SIGNAL(clicked()), this, SLOT(slotOnBtnOK()));
     connect(ui->m_btnCancel, SIGNAL(clicked()), this, SLOT(slotOnBtnCancel()));

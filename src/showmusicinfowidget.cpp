@@ -12,7 +12,7 @@
 namespace {
 /// Around the face the picture is a soft shadow.
 const QRect faceInPicture(10, 8, 280, 208);
-constexpr int faceRadius = 8;
+constexpr int faceRadius = 11;
 } // namespace
 
 ShowMusicInfoWidget::ShowMusicInfoWidget(QWidget* parent)

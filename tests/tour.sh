@@ -285,16 +285,14 @@ during_scan() {
     "$bin/make_library" "$work/large" "$work/Large.xml"
     start_program --itunes-library "$work/Large.xml"
     size 1120 713
-    click 628 52 0.5
+    click 628 52 1
     picture scanning stay
     stop_program
 }
 
 # A large folder, to see the intake at work.
 during_intake() {
-    "$bin/make_collection" "$work/large" 3000
-    for copy in 1 2 3 4 5 6; do cp -r "$work/large" "$work/large$copy"; done
-    start_program "$work/large" "$work"/large?
+    start_program "$work/large"
     size 1120 713
     sleep 1.3
     picture intake stay
@@ -327,8 +325,10 @@ for width in 1120 1000; do
     flatten "$@"
     walk $width $height ${width}x$height
 done
-during_intake
+"$bin/make_collection" "$work/large/0" 3000
+for copy in 1 2 3 4 5 6; do cp -r "$work/large/0" "$work/large/$copy"; done
 during_scan
+during_intake
 scale=2
 export QT_SCALE_FACTOR=2
 flatten "$@"
