@@ -7,6 +7,7 @@
 #include "ui_duplicatemusicdetailedwidget.h"
 
 #include <QPainter>
+#include <QScrollBar>
 
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
@@ -28,6 +29,7 @@ DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget() = default;
 void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list)
 {
     m_pMusicList = list;
+    hideRows();
     clearRows();
     if (!m_pMusicList)
         return;
@@ -36,9 +38,17 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
         if (m_listBarWidget.size() == 1)
             row->SlotOnBtnCheckBox(); // the first song is kept unless the user wants otherwise
     }
+    ui->m_scrollAreaWidget->show();
+    ui->scrollArea->verticalScrollBar()->setValue(0);
     ui->m_btnClearAll->show();
     ui->m_btnClearOne->show();
     show();
+}
+
+/// While rows come or go: each that does so before the user's eyes looks at all the others.
+void DuplicateMusicDetailedWidget::hideRows()
+{
+    ui->m_scrollAreaWidget->hide();
 }
 
 void DuplicateMusicDetailedWidget::clearRows()
@@ -56,6 +66,7 @@ DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)
     connect(row, SIGNAL(emitStartPlaySong(QMusicInfo*)), this, SLOT(SlotStartPlaySong(QMusicInfo*)));
     connect(row, SIGNAL(emitStopSong()), m_pPlaySongWidget.get(), SLOT(SlotOnBtnPause()));
     ui->m_ListverticalLayout->addWidget(row);
+    row->show();
     return row;
 }
 
@@ -90,6 +101,7 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
 {
     if (!m_pMusicList)
         return;
+    hideRows();
     for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
         // The song comes from the group's list, which loses an entry with every deletion, and the mark from
         // the row at the same position.
@@ -109,6 +121,7 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         removeLastRow();
     else if (!rowsMatchSongs())
         SetDuplicateMusicDetailedInfo(m_pMusicList); // or the next deletion would take another row's song
+    ui->m_scrollAreaWidget->show();
 }
 
 void DuplicateMusicDetailedWidget::deleteRow(int position)

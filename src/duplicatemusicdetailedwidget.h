@@ -50,6 +50,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void hideRows();
     void clearRows();
     DupMusicbarWidget* addRow(QMusicInfo* song);
     void deleteRow(int position);

@@ -14,6 +14,19 @@
 namespace {
 constexpr int cardLeftOfPointer = 300;
 
+const QColor ink(0x17, 0x32, 0x4D);
+const QColor text(0x28, 0x40, 0x4F);
+const QColor muted(0x4F, 0x6B, 0x7C);
+
+/// Not by style sheets, which cost a group of thousands of rows seconds.
+void showLabel(RetractLabel* label, const QColor& colour, const QPoint& place)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
+    label->move(place);
+}
+
 void showButton(QImageButton* button, const char* picture, const QPoint& place)
 {
     button->setBtnImage(SkinPicture::path(picture));
@@ -26,11 +39,11 @@ DupMusicbarWidget::DupMusicbarWidget(QWidget* parent)
 {
     ui->setupUi(this);
     InitButtons();
-    ui->m_labelMusicName->move(38, 7);
-    ui->m_labelMusicArtist->move(38, 37);
-    ui->m_labelMusicKbps->move(38, 62);
-    ui->m_labelMusicFormat->move(130, 62);
-    ui->m_labelTotalTime->move(265, 8);
+    showLabel(ui->m_labelMusicName, ink, QPoint(38, 7));
+    showLabel(ui->m_labelMusicArtist, text, QPoint(38, 37));
+    showLabel(ui->m_labelMusicKbps, muted, QPoint(38, 62));
+    showLabel(ui->m_labelMusicFormat, muted, QPoint(130, 62));
+    showLabel(ui->m_labelTotalTime, muted, QPoint(265, 8));
     connect(ui->m_btnIsDeleta, SIGNAL(clicked()), this, SLOT(SlotOnBtnCheckBox()));
     connect(ui->m_btnPlayMusic, SIGNAL(clicked()), this, SLOT(SlotOnBtnPlay()));
     connect(ui->m_btnStopMusic, SIGNAL(clicked()), this, SLOT(SlotOnBtnPause()));
