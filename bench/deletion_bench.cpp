@@ -29,7 +29,7 @@ double seconds(const std::function<void()>& work)
 
 QString makeFile(const QTemporaryDir& folder, int number)
 {
-    const QString path = folder.filePath(QString::number(number) + QLatin1String(".mp3"));
+    QString path = folder.filePath(QString::number(number) + QLatin1String(".mp3"));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(4000, 'x')) != 4000)
         qFatal("cannot write %s", qUtf8Printable(path));
