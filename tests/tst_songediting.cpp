@@ -87,9 +87,12 @@ QHash<QString, QString> independentTags(const QString& path)
             tags.insert(name, tag.value().toString());
         }
     };
-    for (const QJsonValue& stream : answer.value(QLatin1String("streams")).toArray())
-        if (stream.toObject().value(QLatin1String("codec_type")).toString() == QLatin1String("audio"))
-            take(stream.toObject());
+    const QJsonArray streams = answer.value(QLatin1String("streams")).toArray();
+    for (int i = 0; i < streams.size(); ++i) {
+        const QJsonObject stream = streams.at(i).toObject();
+        if (stream.value(QLatin1String("codec_type")).toString() == QLatin1String("audio"))
+            take(stream);
+    }
     take(answer.value(QLatin1String("format")).toObject());
     return tags;
 }
