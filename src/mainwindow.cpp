@@ -160,6 +160,9 @@ void MainWindow::showStatusPicture(const char* name)
 
 void MainWindow::OnBtnStartScan()
 {
+    // While the switch glides, the mode that it leaves is still in force.
+    if (m_piTunesSwitchTimer->isActive() || m_pLocalSwitchTimer->isActive())
+        return;
     if (QIOrvoUtil::m_cleanMode) {
         if (m_local_add_or_ScanAgain == 1)
             ui->m_middleMusicWidget->setLocalMusicInfo();

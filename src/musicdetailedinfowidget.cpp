@@ -343,6 +343,8 @@ SongEdit MusicDetailedInfoWidget::editedSong() const
 
 void MusicDetailedInfoWidget::SlotOnBtnApply()
 {
+    if (!m_pMusicInfo)
+        return;
     cacheEditorTexts();
     const SongEditing::Outcome outcome = SongEditing::apply(*m_pMusicInfo, editedSong());
     if (outcome.coverChanged)

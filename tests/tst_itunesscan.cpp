@@ -48,6 +48,7 @@ private slots:
     void coversComeFromTheMediaFiles();
     void aSecondScanReplacesTheFirst();
     void theSwitchWaitsForTheScan();
+    void noScanStartsWhileTheSwitchGlides();
     void fromTheScanToTheNextOne();
     void aFailedEditKeepsTheCover();
     void anEditWithACoverChangesTheArtwork();
@@ -240,6 +241,18 @@ void TestITunesScan::theSwitchWaitsForTheScan()
     QVERIFY(!part<QWidget>("m_btniTunesClean")->isVisible());
     QTRY_VERIFY(QIOrvoUtil::m_cleanMode);
     QVERIFY(songs().isEmpty());
+}
+
+void TestITunesScan::noScanStartsWhileTheSwitchGlides()
+{
+    addTrack(media("a", "A"), "A");
+    writeLibrary();
+    click("m_btniTunesClean");
+    click("m_btnStarScan");
+    QVERIFY(part<QImageButton>("m_btnStarScan")->isEnabled());
+    QTRY_VERIFY(QIOrvoUtil::m_cleanMode);
+    QVERIFY(songs().isEmpty());
+    QVERIFY(m_dialogs->texts.isEmpty());
 }
 
 /// Scan, edit, play, delete from one group, clear all groups, scan again.

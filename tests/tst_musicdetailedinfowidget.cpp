@@ -485,6 +485,9 @@ void TestMusicDetailedInfoWidget::noSongHidesThePanel()
     m_panel->SetMusicDetailedInfo(nullptr);
     QVERIFY(m_panel->isHidden());
     QVERIFY(!m_panel->song());
+    m_panel->SlotOnBtnEdit();
+    m_panel->SlotOnBtnApply(); // about nothing
+    m_panel->SlotOnBtnCancel();
 }
 
 void TestMusicDetailedInfoWidget::nothingIsCutOff()
