@@ -331,8 +331,11 @@ during_scan
 during_intake
 scale=2
 export QT_SCALE_FACTOR=2
-flatten "$@"
-walk_library 1120 713 dense "$work/Library.xml"
-walk 1120 713 dense
+for width in 1120 1000; do
+    height=$((width == 1120 ? 713 : 700))
+    walk_library $width $height dense-${width}x$height "$work/Library.xml"
+    flatten "$@"
+    walk $width $height dense-${width}x$height
+done
 sed -n 's/^songs: /songs: /p' "$log" | head -n 1
 echo "pictures: $pictures"
