@@ -1,6 +1,7 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "centerwidget.h"
+#include "common/screenplace.h"
 #include "deletealldupmusicthread.h"
 #include "deletingmusicwaitingdlg.h"
 #include "duplicatemusicdetailedwidget.h"
@@ -22,6 +23,7 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <QWindow>
 
 #include <random>
 
@@ -336,18 +338,18 @@ void TestDuplicateDeletion::theWaitingDialogStaysUntilTheEnd()
 
 void TestDuplicateDeletion::theWaitingDialogLiesOverTheWindow()
 {
-    makeGroups(m_folder->path(), {2});
-    add(m_folder->path());
-    m_center->move(300, 100);
-    QPoint middle;
-    m_dialogs->expect([&](QWidget* dialog) {
-        auto* waiting = qobject_cast<DeletingMusicWaitingDlg*>(dialog);
-        QVERIFY(waiting);
-        middle = waiting->mapToGlobal(waiting->card().center());
-    });
-    m_center->SlotDeleteAllDupMusic();
-    if (!middle.isNull()) // a deletion this short may end before anybody looks
-        QVERIFY((middle - m_center->frameGeometry().center()).manhattanLength() <= 2);
+    DeletingMusicWaitingDlg dialog;
+    const auto card = [&] { return dialog.card().translated(dialog.pos()); };
+    m_center->resize(700, 500);
+    m_center->move(20, 30);
+    ScreenPlace::putOver(dialog, dialog.card(), *m_center);
+    QVERIFY((card().center() - m_center->frameGeometry().center()).manhattanLength() <= 2);
+    QCOMPARE(dialog.windowHandle()->transientParent(), m_center->windowHandle());
+    // Over a window that hangs over the screen's edge it stays on the screen.
+    const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
+    m_center->move(screen.right() - 360, screen.bottom() - 260);
+    ScreenPlace::putOver(dialog, dialog.card(), *m_center);
+    QVERIFY(screen.contains(card()));
 }
 
 void TestDuplicateDeletion::theAnimationMoves()
