@@ -404,8 +404,8 @@ void TestDuplicateDeletion::theThreadWithoutGroupsEndsAtOnce()
     QSignalSpy done(&thread, SIGNAL(emitAllMusicInfo()));
     thread.GetDupMusicBeDelete(&songs, &groups, &songs, &tags);
     thread.start();
-    QVERIFY(done.wait());
-    QVERIFY(thread.wait());
+    QVERIFY(thread.wait(20000));
+    QCOMPARE(done.size(), 1);
 }
 
 /// Another process clears all groups and is killed at some moment.

@@ -401,12 +401,12 @@ void TestITunesScan::theLoaderWithoutSongsEndsAtOnce()
     QSignalSpy done(&loader, SIGNAL(emitPaintCoverhadfinished()));
     loader.setList(&none);
     loader.start();
-    QVERIFY(done.wait());
+    QVERIFY(loader.wait(20000));
     QCOMPARE(done.size(), 1);
-    loader.wait();
     loader.setList(nullptr);
     loader.start();
-    QVERIFY(done.wait());
+    QVERIFY(loader.wait(20000));
+    QCOMPARE(done.size(), 2);
 }
 
 void TestITunesScan::theLoaderGoesOnAfterATrackWithoutArtwork()
@@ -435,7 +435,8 @@ void TestITunesScan::theLoaderGoesOnAfterATrackWithoutArtwork()
     loader.setList(&list);
     list.clear(); // it has noted what it needs
     loader.start();
-    QVERIFY(done.wait());
+    QVERIFY(loader.wait(20000));
+    QCOMPARE(done.size(), 1);
     QVERIFY(!QFile::exists(first.coverPath));
     QCOMPARE(Fixtures::readBytes(second.coverPath), Fixtures::jpeg(60, 60, 4));
     QCOMPARE(refreshed.size(), 0);
