@@ -1,6 +1,9 @@
 // Clearing all duplicate groups of a collection on disk, next to deleting the same number of files bare.
 #include "audiocore/iaudiotag.h"
+#include "centerwidget.h"
 #include "deletealldupmusicthread.h"
+#include "duplicatemusicdetailedwidget.h"
+#include "dupmusicbarwidget.h"
 #include "dupmusicinfo.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
@@ -9,6 +12,8 @@
 #include <QApplication>
 #include <QEventLoop>
 #include <QFile>
+#include <QListView>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -61,6 +66,14 @@ struct Collection
         for (IAudioTag* tag : ownTags)
             ::operator delete(tag);
     }
+    /// What went out of the list is owned by who took it out.
+    void disownRemoved()
+    {
+        const QSet<const QMusicInfo*> left(all.begin(), all.end());
+        for (auto& song : songs)
+            if (!left.contains(song.get()))
+                (void)song.release();
+    }
     Collection(const Collection&) = delete;
     Collection& operator=(const Collection&) = delete;
 
@@ -100,6 +113,44 @@ BENCHMARK(clearAll)
     ->Args({12500, 2500})
     ->Args({50000, 10000})
     ->Args({100000, 10000})
+    ->UseManualTime()
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+
+/// Deletes the unmarked half of a group from its rows.
+void clearShownGroup(benchmark::State& state)
+{
+    const int count = int(state.range(0));
+    for (auto unused : state) {
+        (void)unused;
+        Collection collection(count, 0);
+        for (QMusicInfo* song : qAsConst(collection.all)) {
+            song->localInfo->title = QStringLiteral("Title");
+            song->localInfo->duration = 180000;
+        }
+        CenterWidget center;
+        center.resize(920, 585);
+        center.show();
+        center.setMusicInfoList(&collection.all);
+        center.slotShowDuplicateMusicView();
+        center.SlotClickDupMusicIndex(
+            center.findChild<QListView*>("m_dupMusicListView")->model()->index(0, 0));
+        auto* panel = center.findChild<DuplicateMusicDetailedWidget*>();
+        const auto rows = panel->findChildren<DupMusicbarWidget*>();
+        for (int row = 1; row < count / 2; ++row)
+            rows.at(row)->SlotOnBtnCheckBox();
+        QApplication::processEvents();
+        state.SetIterationTime(seconds([panel] { panel->SlotDeleteSongWasSelected(); }));
+        if (collection.all.size() != count / 2)
+            state.SkipWithError("not every unmarked song went");
+        collection.disownRemoved();
+    }
+    state.SetItemsProcessed(state.iterations() * count / 2);
+}
+BENCHMARK(clearShownGroup)
+    ->Arg(250)
+    ->Arg(1000)
+    ->Arg(4000)
     ->UseManualTime()
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);

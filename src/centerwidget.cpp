@@ -27,6 +27,7 @@ int m_local_add_or_ScanAgain = 0;
 namespace {
 constexpr int rightColumnWidth = 330;
 constexpr int dropPictureGap = 24;
+constexpr unsigned long interruptionMilliseconds = 5;
 } // namespace
 
 CenterWidget::CenterWidget(QWidget* parent)
@@ -43,8 +44,7 @@ CenterWidget::CenterWidget(QWidget* parent)
 
 CenterWidget::~CenterWidget()
 {
-    if (m_pDeleteThread)
-        m_pDeleteThread->wait();
+    endDeletion();
     m_views->showSongs(nullptr);
     m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
     m_intake.reader().forgetCovers();
@@ -310,6 +310,14 @@ void CenterWidget::selectShownSong()
         selectSong(row);
 }
 
+/// Models that were reset have forgotten it; a group that fell to one song is none any more.
+void CenterWidget::selectShownGroup()
+{
+    const DupMusicInfo* group = m_classification.groups().value(int(m_nCurrentDupRow));
+    if (group && ui->m_dupMusicDetailedWidget->shows(group->musicList))
+        m_views->selectGroup(int(m_nCurrentDupRow));
+}
+
 void CenterWidget::selectSong(int row)
 {
     m_nCurrentRow = row;
@@ -323,13 +331,12 @@ SongLists CenterWidget::songLists()
 
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    KeptFiles kept;
-    for (const QMusicInfo* other : ui->m_dupMusicDetailedWidget->keptSongs())
-        kept.add(SongFields::audioPath(other));
-    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, kept))
+    const DuplicateMusicDetailedWidget& panel = *ui->m_dupMusicDetailedWidget;
+    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, panel.keptFiles()))
         m_removedSongs.append(song);
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
+    selectShownGroup();
     emitCounts();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
@@ -351,6 +358,24 @@ void CenterWidget::SlotDeleteAllDupMusic()
     m_pDeleteThread->start();
     ScreenPlace::putOver(*m_pWaitingDlg, m_pWaitingDlg->card(), *window());
     m_pWaitingDlg->exec();
+}
+
+bool CenterWidget::ListsAreInUse() const
+{
+    return m_intake.isRunning() || (m_pDeleteThread && m_pDeleteThread->isRunning());
+}
+
+/// The thread ends after the file at hand, and by way of this thread, which it blocks on.
+void CenterWidget::endDeletion()
+{
+    if (!m_pDeleteThread)
+        return;
+    blockSignals(true);
+    m_pDeleteThread->requestInterruption();
+    while (!m_pDeleteThread->wait(interruptionMilliseconds)) {
+        QCoreApplication::sendPostedEvents(m_pDeleteThread.get(), QEvent::MetaCall);
+        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+    }
 }
 
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
@@ -408,7 +433,7 @@ void CenterWidget::showAllSongs()
 
 void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (m_intake.isRunning()) {
+    if (ListsAreInUse()) {
         event->ignore();
         return;
     }
@@ -422,7 +447,7 @@ void CenterWidget::dropEvent(QDropEvent* event)
     QStringList paths;
     for (const QUrl& url : event->mimeData()->urls())
         paths.append(url.toLocalFile());
-    if (paths.isEmpty() || m_intake.isRunning())
+    if (paths.isEmpty() || ListsAreInUse())
         return;
     event->acceptProposedAction();
     // The source of the drag waits for this handler: it is let go before the long work starts.
@@ -431,7 +456,7 @@ void CenterWidget::dropEvent(QDropEvent* event)
 
 void CenterWidget::TakeDroppedPaths(const QStringList& paths)
 {
-    if (!QIOrvoUtil::m_cleanMode || m_intake.isRunning())
+    if (!QIOrvoUtil::m_cleanMode || ListsAreInUse())
         return;
     m_dropFileList.clear();
     for (const QString& path : paths)

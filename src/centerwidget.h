@@ -54,8 +54,9 @@ public:
 
     /// Takes files and folders in as a drop of them does.
     void TakeDroppedPaths(const QStringList& paths);
-    /// Lists empty while this is true would be lost: switching modes waits for its end.
-    bool IntakeIsRunning() const { return m_intake.isRunning(); }
+    /// Whether an intake fills the lists of songs or a thread deletes what they hold: neither may see them
+    /// emptied or filled by others, so switching modes waits for its end.
+    bool ListsAreInUse() const;
     /// Ends a running intake for good, without its message; for when the window closes.
     void StopIntake() { m_intake.stop(); }
 
@@ -123,6 +124,8 @@ private:
     void showAllSongs();
     void selectSong(int row);
     void selectShownSong();
+    void selectShownGroup();
+    void endDeletion();
 
     std::unique_ptr<Ui::CenterWidget> ui;
     SkinPicture m_dropPicture;

@@ -1,8 +1,5 @@
 #include "deletealldupmusicthread.h"
 
-#include "keptfiles.h"
-#include "songfields.h"
-
 #include <QElapsedTimer>
 #include <QHash>
 
@@ -37,8 +34,8 @@ QList<QMusicInfo*> DeleteAllDupMusicThread::takeRemovedSongs()
 void DeleteAllDupMusicThread::run()
 {
     if (!m_lists.groups->isEmpty()) {
-        const QVector<SongRemoval::Removal> plan = SongRemoval::planOfAll(*m_lists.groups);
-        deleteSongs(plan);
+        QVector<SongRemoval::Removal> plan = SongRemoval::planOfAll(*m_lists.groups);
+        plan.resize(deleteSongs(plan));
         const auto editLists = [this, &plan] { m_removedSongs += SongRemoval::removeAll(m_lists, plan); };
         QMetaObject::invokeMethod(this, editLists,
                                   thread() == QThread::currentThread() ? Qt::DirectConnection
@@ -47,7 +44,8 @@ void DeleteAllDupMusicThread::run()
     emit emitAllMusicInfo();
 }
 
-void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan)
+/// How many of them it deleted: all, unless it was told to end.
+int DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan)
 {
     const bool files = SongRemoval::songsAreFiles();
     const QHash<const QMusicInfo*, IAudioTag*> tags = tagsOf(m_lists);
@@ -56,13 +54,14 @@ void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& p
     QElapsedTimer sinceProgress;
     sinceProgress.start();
     for (int done = 0; done < plan.size(); ++done) {
+        if (isInterruptionRequested())
+            return done;
         const SongRemoval::Removal& removal = plan.at(done);
         if (!files) {
             SongRemoval::removeTrack(*removal.song);
         } else if (tags.contains(removal.song)) { // else it went before, and its file with it
             if (removal.kept != keptSong) {
-                kept = KeptFiles();
-                kept.add(SongFields::audioPath(removal.kept));
+                kept = SongRemoval::filesOf({removal.kept});
                 keptSong = removal.kept;
             }
             SongRemoval::removeFile(*removal.song, tags.value(removal.song), kept);
@@ -72,4 +71,5 @@ void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& p
             sinceProgress.start();
         }
     }
+    return plan.size();
 }

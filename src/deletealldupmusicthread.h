@@ -8,7 +8,8 @@
 /// own and then takes them out of the lists.
 ///
 /// The lists are read by the thread and edited on the thread that this object lives in, which therefore runs
-/// its event loop and leaves the lists alone meanwhile. Can be started again and again.
+/// its event loop and leaves the lists alone meanwhile. Can be started again and again. An interruption
+/// that is asked for ends the run after the song at hand.
 class DeleteAllDupMusicThread : public QThread
 {
     Q_OBJECT
@@ -32,7 +33,7 @@ protected:
     void run() override;
 
 private:
-    void deleteSongs(const QVector<SongRemoval::Removal>& plan);
+    int deleteSongs(const QVector<SongRemoval::Removal>& plan);
 
     SongLists m_lists;
     QList<QMusicInfo*> m_removedSongs;

@@ -30,8 +30,17 @@ bool DeleteDupMusicInfoDlg::isNotToAskAgain() const
 
 void DeleteDupMusicInfoDlg::slotOnBtnOK()
 {
+    const bool notToAskAgain = isNotToAskAgain();
     close();
+    ui->m_checkBox->setChecked(notToAskAgain);
     setResult(QDialog::Accepted);
+}
+
+void DeleteDupMusicInfoDlg::reject()
+{
+    // Whoever takes the deletion back is asked again.
+    ui->m_checkBox->setChecked(false);
+    QImageDialog::reject();
 }
 
 void DeleteDupMusicInfoDlg::slotOnBtnCancel()

@@ -17,7 +17,7 @@ public:
     explicit DeleteDupMusicInfoDlg(QWidget* parent = nullptr);
     ~DeleteDupMusicInfoDlg() override;
 
-    /// Whether the user wishes not to be asked again.
+    /// Whether the user accepted and wishes not to be asked again.
     bool isNotToAskAgain() const;
 
 signals:
@@ -27,6 +27,7 @@ signals:
 public slots:
     void slotOnBtnOK();
     void slotOnBtnCancel();
+    void reject() override;
 
 private:
     std::unique_ptr<Ui::DeleteDupMusicInfoDlg> ui;

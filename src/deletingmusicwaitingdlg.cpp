@@ -37,6 +37,7 @@ QRect DeletingMusicWaitingDlg::card() const
 void DeletingMusicWaitingDlg::finish()
 {
     m_bFinished = true;
+    m_pMovie->stop();
     close();
 }
 

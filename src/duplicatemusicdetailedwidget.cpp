@@ -6,8 +6,10 @@
 #include "songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
 
+#include <QApplication>
 #include <QPainter>
 #include <QScrollBar>
+#include <QSet>
 
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
@@ -101,7 +103,9 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
 {
     if (!m_pMusicList)
         return;
+    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
     hideRows();
+    m_keptFiles = SongRemoval::filesOf(keptSongs());
     for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
         // The song comes from the group's list, which loses an entry with every deletion, and the mark from
         // the row at the same position.
@@ -117,11 +121,13 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         emit emitDeleteDupMusicWasSelected(song);
         update();
     }
+    m_keptFiles = KeptFiles();
     if (m_listBarWidget.size() == 1)
         removeLastRow();
     else if (!rowsMatchSongs())
-        SetDuplicateMusicDetailedInfo(m_pMusicList); // or the next deletion would take another row's song
+        showRowsAnew(); // or the next deletion would take another row's song
     ui->m_scrollAreaWidget->show();
+    QApplication::restoreOverrideCursor();
 }
 
 void DuplicateMusicDetailedWidget::deleteRow(int position)
@@ -150,6 +156,18 @@ bool DuplicateMusicDetailedWidget::rowsMatchSongs() const
         if (m_listBarWidget.at(position)->song() != m_pMusicList->at(position))
             return false;
     return true;
+}
+
+/// What was marked to be kept stays marked.
+void DuplicateMusicDetailedWidget::showRowsAnew()
+{
+    QSet<const QMusicInfo*> kept;
+    for (const QMusicInfo* song : keptSongs())
+        kept.insert(song);
+    SetDuplicateMusicDetailedInfo(m_pMusicList);
+    for (DupMusicbarWidget* row : qAsConst(m_listBarWidget))
+        if (!row->isKept() && kept.contains(row->song()))
+            row->SlotOnBtnCheckBox();
 }
 
 void DuplicateMusicDetailedWidget::SlotStartPlaySong(QMusicInfo* song)

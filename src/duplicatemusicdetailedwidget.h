@@ -1,6 +1,7 @@
 #pragma once
 
 #include "deletedupmusicinfodlg.h"
+#include "keptfiles.h"
 
 #include <QList>
 #include <QWidget>
@@ -28,8 +29,12 @@ public:
     /// Shows a row for each song, the first one marked to be kept, and the panel; no list: forgets the group
     /// shown. The list and its songs must outlive their being shown.
     void SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list);
+    /// Whether the rows shown are those of this list.
+    bool shows(const QList<QMusicInfo*>& list) const { return m_pMusicList == &list; }
     /// The songs of the rows marked to be kept.
     QList<QMusicInfo*> keptSongs() const;
+    /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
+    const KeptFiles& keptFiles() const { return m_keptFiles; }
 
 public slots:
     void SlotOnBtnDeleteSongWasSelected();
@@ -56,6 +61,7 @@ private:
     void deleteRow(int position);
     void removeLastRow();
     bool rowsMatchSongs() const;
+    void showRowsAnew();
     void play(QMusicInfo* song, bool fromDupBar);
 
     std::unique_ptr<Ui::DuplicateMusicDetailedWidget> ui;
@@ -63,5 +69,6 @@ private:
     QList<DupMusicbarWidget*> m_listBarWidget; ///< one row per song, same index; null for one that went
     std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
     DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
+    KeptFiles m_keptFiles;                      ///< empty but for a deletion
     DeleteDupMusicInfoDlg m_deleteDlg;
 };

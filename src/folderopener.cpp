@@ -14,9 +14,15 @@ QString FolderOpener::folderOf(const QString& location)
 
 void FolderOpener::open(const QString& folder)
 {
+    if (folder.isEmpty()) {
+        qWarning("no folder can be opened: the song lies in none");
+        return;
+    }
 #if defined(Q_OS_MACOS)
     // Not quoted: a path with blanks is taken for several, which is accepted.
-    const bool started = QProcess::startDetached(QLatin1String("open ") + folder);
+    QStringList words = QProcess::splitCommand(QLatin1String("open ") + folder);
+    const QString program = words.takeFirst();
+    const bool started = QProcess::startDetached(program, words);
 #elif defined(Q_OS_WIN)
     const bool started =
         QProcess::startDetached(QStringLiteral("explorer"), {QDir::toNativeSeparators(folder)});

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QPair>
 #include <QSet>
 #include <QString>
 
+#include <optional>
+
 /// The files that must stay when others are deleted. One file can have several paths: through links, through
-/// linked folders, or because it was added twice. Any thread.
+/// linked or mounted folders, or because it was added twice. Any thread.
 class KeptFiles
 {
 public:
@@ -15,5 +18,10 @@ public:
     bool wouldLose(const QString& path) const;
 
 private:
+    using FileId = QPair<quint64, quint64>; ///< device and number on it
+
+    static std::optional<FileId> onlyNamedFile(const QString& path);
+
     QSet<QString> m_entries; ///< folder entries, spelt in one way each
+    QSet<FileId> m_files;    ///< told by the disk, however the folders are spelt
 };

@@ -238,7 +238,7 @@ void MainWindow::SlotOnBtniTunesClean()
 
 void MainWindow::SlotiTunesBtnMovieStop()
 {
-    if (postponedByIntake(m_piTunesSwitchTimer))
+    if (postponedByWork(m_piTunesSwitchTimer))
         return;
     ui->m_btnLocalClean->show();
     ui->m_tipsLabel->setText(localTips());
@@ -262,7 +262,7 @@ void MainWindow::SlotOnBtnLocalClean()
 
 void MainWindow::SlotLocalBtnMovieStop()
 {
-    if (postponedByIntake(m_pLocalSwitchTimer))
+    if (postponedByWork(m_pLocalSwitchTimer))
         return;
     ui->m_btniTunesClean->show();
     ui->m_tipsLabel->setText(iTunesTips());
@@ -271,10 +271,10 @@ void MainWindow::SlotLocalBtnMovieStop()
     m_pLocalSwitchTimer->stop();
 }
 
-/// An intake fills the list that a switch empties: the switch waits, its timer fires again.
-bool MainWindow::postponedByIntake(QTimer* timer) const
+/// A switch empties the lists: while they are in use it waits, its timer fires again.
+bool MainWindow::postponedByWork(QTimer* timer) const
 {
-    if (!ui->m_middleMusicWidget->IntakeIsRunning())
+    if (!ui->m_middleMusicWidget->ListsAreInUse())
         return false;
     timer->start(switchMilliseconds);
     return true;

@@ -70,7 +70,7 @@ private:
     void loadCovers();
     void placeHeader();
     void showStatusPicture(const char* name);
-    bool postponedByIntake(QTimer* timer) const;
+    bool postponedByWork(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;
     std::unique_ptr<SkinMovie> m_pLocalSwitchMovie;

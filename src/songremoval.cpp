@@ -3,7 +3,6 @@
 #include "audiocore/iaudiotag.h"
 #include "dupmusicinfo.h"
 #include "itunes/delmusiclib.h"
-#include "keptfiles.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "songfields.h"
@@ -17,6 +16,16 @@
 bool SongRemoval::songsAreFiles()
 {
     return QIOrvoUtil::m_cleanMode;
+}
+
+KeptFiles SongRemoval::filesOf(const QList<QMusicInfo*>& songs)
+{
+    KeptFiles files;
+    if (!songsAreFiles())
+        return files;
+    for (const QMusicInfo* song : songs)
+        files.add(SongFields::audioPath(song));
+    return files;
 }
 
 void SongRemoval::removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept)

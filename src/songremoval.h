@@ -1,10 +1,11 @@
 #pragma once
 
+#include "keptfiles.h"
+
 #include <QList>
 #include <QVector>
 
 class IAudioTag;
-class KeptFiles;
 struct DupMusicInfo;
 struct QMusicInfo;
 
@@ -22,6 +23,8 @@ struct SongLists
 namespace SongRemoval {
 /// Whether songs are files in the mode in force, and not tracks of the iTunes library.
 bool songsAreFiles();
+/// What these songs need on disk; nothing where they are tracks. Any thread.
+KeptFiles filesOf(const QList<QMusicInfo*>& songs);
 /// Lets go of the song's file (`tag` may be null) and removes what its path names, a link itself and never a
 /// folder. A file that a kept song would lose stays. What stays is logged in one line. Any thread.
 void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept);
@@ -38,7 +41,7 @@ bool removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, co
 struct Removal
 {
     QMusicInfo* song;
-    const QMusicInfo* kept;
+    QMusicInfo* kept;
 };
 /// What reduces every group to its first song, in the order of doing: group by group, from the last song on.
 /// Groups of fewer than two songs ask for nothing.

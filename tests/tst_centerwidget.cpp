@@ -482,7 +482,7 @@ void TestCenterWidget::longIntakesShowProgressAndKeepInputWaiting()
     QSignalSpy progress(m_center.get(), SIGNAL(emitIntakeProgress(int, int)));
     bool switchedMeanwhile = true;
     connect(m_center.get(), &CenterWidget::emitIntakeProgress, this, [&] {
-        switchedMeanwhile = !m_center->IntakeIsRunning();
+        switchedMeanwhile = !m_center->ListsAreInUse();
         m_center->TakeDroppedPaths({path}); // nothing can start another one meanwhile
     });
     QSignalSpy counts(m_center.get(), SIGNAL(emitMusicCount(int, int, int)));
@@ -502,7 +502,7 @@ void TestCenterWidget::closingDuringAnIntakeEndsIt()
     connect(m_center.get(), &CenterWidget::emitIntakeProgress, m_center.get(), &CenterWidget::StopIntake);
     drop({m_folder->filePath("many")});
     QVERIFY(m_dialogs->texts.isEmpty());
-    QVERIFY(!m_center->IntakeIsRunning());
+    QVERIFY(!m_center->ListsAreInUse());
 }
 
 void TestCenterWidget::groupsOfTheCollectionAreRight()

@@ -52,8 +52,10 @@ private slots:
     void theFolderIsOneArgument_data();
     void theFolderIsOneArgument();
     void aMissingFileBrowserIsLogged();
+    void aSongInNoFolderOpensNone();
     void buttonsGoWithTheLastGroup();
     void clearingAsksOnceAndForAll();
+    void whoCancelsIsAskedAgain();
     void cancellingDeletesNothing();
     void clearingWalksFromTheLastRow();
     void theLastRowGoes();
@@ -352,8 +354,6 @@ void TestDuplicateMusicDetailedWidget::theFolderIsOneArgument_data()
                                        << "/mu \"sic's";
     QTest::newRow("file URL") << "file://localhost/a%20b/c.mp3"
                               << "file://localhost/a%20b";
-    QTest::newRow("nothing") << ""
-                             << "";
 }
 
 void TestDuplicateMusicDetailedWidget::theFolderIsOneArgument()
@@ -392,6 +392,14 @@ void TestDuplicateMusicDetailedWidget::aMissingFileBrowserIsLogged()
     const QStringList log = LoggedLines::take();
     QCOMPARE(log.size(), 1);
     QVERIFY(log.first().contains(QLatin1String("/music")));
+}
+
+void TestDuplicateMusicDetailedWidget::aSongInNoFolderOpensNone()
+{
+    const LoggedLines lines;
+    QCOMPARE(FolderOpener::folderOf(QString()), QString());
+    FolderOpener::open(QString());
+    QCOMPARE(LoggedLines::take().size(), 1);
 }
 
 void TestDuplicateMusicDetailedWidget::buttonsGoWithTheLastGroup()
@@ -433,6 +441,31 @@ void TestDuplicateMusicDetailedWidget::clearingAsksOnceAndForAll()
     m_panel->SetDuplicateMusicDetailedInfo(&songs);
     click(m_panel.get(), "m_btnClearOne"); // a dialog would be closed, and nothing deleted
     QCOMPARE(deleted.size(), 6);
+}
+
+void TestDuplicateMusicDetailedWidget::whoCancelsIsAskedAgain()
+{
+    QList<QMusicInfo*> songs = group(4);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QSignalSpy deleted(m_panel.get(), SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)));
+    int asked = 0;
+    for (const char* end : {"m_btnCancel", "escape", "m_btnOK"}) {
+        m_dialogs->expect([&](QWidget* dialog) {
+            ++asked;
+            QVERIFY(!child<QCheckBox>(dialog, "m_checkBox")->isChecked());
+            if (QByteArray(end) != "m_btnOK")
+                QTest::mouseClick(child<QCheckBox>(dialog, "m_checkBox"), Qt::LeftButton, Qt::NoModifier,
+                                  {8, 9});
+            if (QByteArray(end) == "escape")
+                QTest::keyClick(dialog, Qt::Key_Escape);
+            else
+                click(dialog, end);
+        });
+        QVERIFY(deleted.isEmpty());
+        click(m_panel.get(), "m_btnClearOne");
+    }
+    QCOMPARE(asked, 3);
+    QCOMPARE(deleted.size(), 3);
 }
 
 void TestDuplicateMusicDetailedWidget::cancellingDeletesNothing()

@@ -7,9 +7,11 @@
 #include "songremoval.h"
 #include "startup.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <filesystem>
 #include <random>
 
 class TestSongRemoval : public QObject
@@ -27,6 +29,9 @@ private slots:
     void aKeptFileIsKnownByEveryPath();
     void whatIsNotKeptMayGo_data();
     void whatIsNotKeptMayGo();
+    void aKeptFileIsKnownThroughAMount();
+    void aHardLinkOfAKeptFileMayGo();
+    void tracksNeedNoFiles();
     void noKeptFilesKeepNothing();
     void aFileIsRemoved();
     void aLinkIsRemovedItself();
@@ -114,6 +119,8 @@ void TestSongRemoval::aKeptFileIsKnownByEveryPath_data()
                                                      << "f/a.mp3";
     QTest::newRow("the link itself") << "link.mp3"
                                      << "link.mp3";
+    QTest::newRow("kept relative link in a linked folder") << "folderlink2/up.mp3"
+                                                           << "real/a.mp3";
     QTest::newRow("a loop") << "loop1"
                             << "loop2";
     QTest::newRow("in a folder that is gone") << "gone/a.mp3"
@@ -128,6 +135,10 @@ static void makeLinks(const QTemporaryDir& folder)
     QFile::link(folder.filePath("f"), folder.filePath("folderlink"));
     QFile::link("f/a.mp3", folder.filePath("link.mp3"));
     QFile::link(folder.filePath("link.mp3"), folder.filePath("link2.mp3"));
+    QDir(folder.path()).mkpath("real/deep");
+    Fixtures::saveBytes("c", folder.filePath("real/a.mp3"));
+    QFile::link("../a.mp3", folder.filePath("real/deep/up.mp3"));
+    QFile::link(folder.filePath("real/deep"), folder.filePath("folderlink2"));
     QFile::link("loop2", folder.filePath("loop1"));
     QFile::link("loop1", folder.filePath("loop2"));
 }
@@ -154,6 +165,8 @@ void TestSongRemoval::whatIsNotKeptMayGo_data()
                                              << "link.mp3";
     QTest::newRow("a link to a kept link") << "link.mp3"
                                            << "link2.mp3";
+    QTest::newRow("what only the link's text names") << "folderlink2/up.mp3"
+                                                     << "a.mp3";
 }
 
 void TestSongRemoval::whatIsNotKeptMayGo()
@@ -164,6 +177,45 @@ void TestSongRemoval::whatIsNotKeptMayGo()
     KeptFiles files;
     files.add(m_folder->filePath(kept));
     QVERIFY(!files.wouldLose(m_folder->filePath(removed)));
+}
+
+void TestSongRemoval::aKeptFileIsKnownThroughAMount()
+{
+#ifdef Q_OS_LINUX
+    makeLinks(*m_folder);
+    QDir(m_folder->path()).mkdir("mounted");
+    const QString mounted = m_folder->filePath("mounted");
+    if (QProcess::execute("mount", {"--bind", m_folder->filePath("f"), mounted}) != 0)
+        QSKIP("folders cannot be mounted here");
+    KeptFiles files;
+    files.add(mounted + QLatin1String("/a.mp3"));
+    const bool lost = files.wouldLose(m_folder->filePath("f/a.mp3"));
+    const bool otherLost = files.wouldLose(m_folder->filePath("f/b.mp3"));
+    QCOMPARE(QProcess::execute("umount", {mounted}), 0);
+    QVERIFY(lost);
+    QVERIFY(!otherLost);
+#endif
+}
+
+/// The file outlives the loss of one of its names.
+void TestSongRemoval::aHardLinkOfAKeptFileMayGo()
+{
+    makeLinks(*m_folder);
+    std::error_code failure;
+    std::filesystem::create_hard_link(m_folder->filePath("f/a.mp3").toStdString(),
+                                      m_folder->filePath("hard.mp3").toStdString(), failure);
+    QVERIFY(!failure);
+    KeptFiles files;
+    files.add(m_folder->filePath("f/a.mp3"));
+    QVERIFY(!files.wouldLose(m_folder->filePath("hard.mp3")));
+}
+
+void TestSongRemoval::tracksNeedNoFiles()
+{
+    QMusicInfo* a = song("a");
+    QVERIFY(SongRemoval::filesOf({a}).wouldLose(fileOf(a)));
+    const Fixtures::ModeGuard tracks(false);
+    QVERIFY(!SongRemoval::filesOf({a}).wouldLose(fileOf(a)));
 }
 
 void TestSongRemoval::noKeptFilesKeepNothing()
