@@ -10,7 +10,11 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <fcntl.h>
+#include <memory>
+#include <sys/file.h>
 #include <unistd.h>
+#include <vector>
 
 using LibraryCalls::contentOf;
 using LibraryCalls::Reading;
@@ -35,6 +39,7 @@ class TestLibraryKill : public QObject
 
 private slots:
     void aKillLosesNoAnsweredChangeAndNoLibrary();
+    void programsThatBeginAtOnceLoseNoAnsweredChange();
 
 private:
     void makeFresh();
@@ -217,6 +222,53 @@ void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
     }
     closeITunesLibrary();
     QVERIFY2(m_songs.temporaries().isEmpty(), qPrintable(m_songs.temporaries().join(' ')));
+}
+
+/// Several programs delete one track each, at one moment and as their first change, and are killed.
+void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
+{
+    constexpr int rounds = 30;
+    constexpr int programs = 6;
+    SongLibrary songs;
+    const QString gatePath = Fixtures::writeLibrary(songs.inFolder("gate"), "");
+    int answered = 0;
+    for (int round = 0; round < rounds; ++round) {
+        songs.makeSongs(programs);
+        closeITunesLibrary();
+        const int gate = ::open(QFile::encodeName(gatePath).constData(), O_RDWR | O_CLOEXEC);
+        QCOMPARE(::flock(gate, LOCK_EX), 0);
+        std::vector<std::unique_ptr<QProcess>> starters;
+        for (int i = 0; i < programs; ++i) {
+            starters.push_back(std::make_unique<QProcess>());
+            starters.back()->start(QCoreApplication::applicationDirPath() + "/library_starter",
+                                   {songs.path(), gatePath, Fixtures::itunesIdentifier(SongLibrary::id(i))});
+        }
+        for (const auto& starter : starters)
+            QVERIFY(starter->waitForReadyRead(30000));
+        ::close(gate);
+        QSet<QByteArray> gone;
+        for (int i = 0; i < programs; ++i) {
+            QByteArray output = starters[i]->readAll();
+            while (output.count('\n') < 2 && starters[i]->waitForReadyRead(30000))
+                output += starters[i]->readAll();
+            if (output == "ready\n1\n")
+                gone.insert(Fixtures::itunesIdentifier(SongLibrary::id(i)));
+            else
+                QCOMPARE(output, QByteArray("ready\n0\n"));
+        }
+        for (const auto& starter : starters) {
+            starter->kill();
+            starter->waitForFinished();
+        }
+        answered += gone.size();
+        const Reading reading = LibraryCalls::read(songs.path());
+        QCOMPARE(reading.count, programs - gone.size());
+        for (int i = 0; i < reading.count; ++i)
+            QVERIFY(!gone.contains(reading.records[i].persistentId));
+        closeITunesLibrary();
+        QCOMPARE(LibraryCalls::read(songs.path()).count, programs - gone.size());
+    }
+    QVERIFY2(answered >= rounds, qPrintable(QString::number(answered)));
 }
 
 QTEST_GUILESS_MAIN(TestLibraryKill)

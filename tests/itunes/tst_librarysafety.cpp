@@ -5,11 +5,8 @@
 #include <QtTest>
 
 #include <csignal>
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/resource.h>
 #include <thread>
-#include <unistd.h>
 
 using Fixtures::ITunesPlaylist;
 using LibraryCalls::contentOf;
@@ -30,13 +27,10 @@ private slots:
     void changesShowBeforeTheyAreWritten();
     void theFileIsWrittenWhenTheChangesPause();
     void oneBackupHoldsTheFileAsItWas();
-    void aJournalThatIsLeftIsApplied();
-    void aTornLineIsNoChange();
     void anotherProgramsVersionIsTheBase();
     void aBrokenFileIsLeftAloneAndTheChangesWait();
     void aReadOnlyLibraryFailsEveryChange();
     void aFullDiskFailsTheChange();
-    void anotherProcessKeepsItsJournal();
     void aLinkToTheLibraryStaysALink();
     void manyDeletionsWriteTheFileAFewTimes();
     void callsFromManyThreadsAllArrive();
@@ -100,59 +94,6 @@ void TestLibrarySafety::oneBackupHoldsTheFileAsItWas()
     closeITunesLibrary();
     QCOMPARE(contentOf(m_songs->backup()), before);
     QCOMPARE(QDir(m_songs->folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
-}
-
-void TestLibrarySafety::aJournalThatIsLeftIsApplied()
-{
-    m_songs->makeSongs(4, 1);
-    const QByteArray before = m_songs->content();
-    Edit edit;
-    edit.name = "Tab\tand\nline \\n & \xC3\xA9";
-    QCOMPARE(LibraryCalls::edit(m_songs->id(0), edit), 0);
-    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
-    const QByteArray left = contentOf(m_songs->journal());
-    closeITunesLibrary();
-    const QByteArray after = m_songs->content();
-
-    // As a kill before the writing leaves it; read, then prepared only.
-    for (const bool reading : {true, false}) {
-        Fixtures::writeLibrary(m_songs->path(), before);
-        Fixtures::writeLibrary(m_songs->journal(), left);
-        if (reading)
-            QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
-        else
-            launchiTunes();
-        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
-        QCOMPARE(m_songs->content(), after);
-        closeITunesLibrary();
-    }
-}
-
-void TestLibrarySafety::aTornLineIsNoChange()
-{
-    m_songs->makeSongs(4);
-    const QByteArray before = m_songs->content();
-    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
-    const QByteArray whole = contentOf(m_songs->journal()).trimmed();
-    closeITunesLibrary();
-    for (int size = 0; size <= whole.size(); ++size) {
-        Fixtures::writeLibrary(m_songs->path(), before);
-        Fixtures::writeLibrary(m_songs->journal(), whole.left(size));
-        const bool counts = size == whole.size();
-        QCOMPARE(LibraryCalls::read(m_songs->path()).count, counts ? 3 : 4);
-        // The next change does not suffer.
-        if (size % 7 == 0) {
-            QCOMPARE(int(deleteMusic(m_songs->id(3))), 1);
-            closeITunesLibrary();
-            QCOMPARE(LibraryCalls::read(m_songs->path()).count, counts ? 2 : 3);
-        }
-        closeITunesLibrary();
-        QVERIFY(!QFile::exists(m_songs->journal()));
-    }
-    Fixtures::writeLibrary(m_songs->path(), before);
-    Fixtures::writeLibrary(m_songs->journal(),
-                           "rubbish\n+delete\t1\t0\n" + QByteArray(1000, '\0') + "\n+\n+\t\n\n" + whole);
-    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
 }
 
 void TestLibrarySafety::anotherProgramsVersionIsTheBase()
@@ -230,22 +171,6 @@ void TestLibrarySafety::aFullDiskFailsTheChange()
     QCOMPARE(m_songs->content(), before);
     QVERIFY(QFile::exists(m_songs->journal()));
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 199);
-}
-
-void TestLibrarySafety::anotherProcessKeepsItsJournal()
-{
-    m_songs->makeSongs(3);
-    const QByteArray theirs = "+delete\tof another process\t0\n";
-    Fixtures::writeLibrary(m_songs->journal(), theirs);
-    const int lock = ::open(QFile::encodeName(m_songs->journal()).constData(), O_RDWR | O_CLOEXEC);
-    QCOMPARE(::flock(lock, LOCK_EX | LOCK_NB), 0);
-    QCOMPARE(int(deleteMusic(m_songs->id(0))), 0);
-    QCOMPARE(AudioFile::takeLog().size(), 1);
-    QCOMPARE(LibraryCalls::read().count, 3);
-    closeITunesLibrary();
-    QCOMPARE(contentOf(m_songs->journal()), theirs);
-    ::close(lock);
-    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
 }
 
 void TestLibrarySafety::aLinkToTheLibraryStaysALink()
