@@ -72,8 +72,9 @@ bool findSplices(std::FILE* file, const itunes::TrackChanges& changes, std::vect
         return false;
     splices = entries.splices();
     tracksLeft = entries.tracksLeft();
-    if (!entries.deleted().empty()) {
-        itunes::PlaylistSplices items(entries.deleted());
+    const std::unordered_set<std::uint64_t> deleted = entries.deleted();
+    if (!deleted.empty()) {
+        itunes::PlaylistSplices items(deleted);
         if (!walk(file, items, error))
             return false;
         splices.insert(splices.end(), items.splices().begin(), items.splices().end());
