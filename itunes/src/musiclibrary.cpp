@@ -1,7 +1,6 @@
 #include "musiclibrary.h"
 
 #include "libraryplace.h"
-#include "libraryreading.h"
 #include "location.h"
 #include "log.h"
 #include "mediatags.h"
@@ -48,7 +47,7 @@ void MusicLibrary::prepare()
     const std::lock_guard<std::mutex> lock(m_mutex);
     const std::shared_ptr<LibraryFile> library = currentFile();
     if (library)
-        library->pending();
+        library->prepare();
 }
 
 void MusicLibrary::read(iTunesTrackRecord** records, int* count)
@@ -58,7 +57,7 @@ void MusicLibrary::read(iTunesTrackRecord** records, int* count)
     std::unique_ptr<TrackStore> store;
     if (const std::shared_ptr<LibraryFile> library = currentFile()) {
         std::string error;
-        store = readLibrary(library->path(), library->pending(), error);
+        store = library->read(error);
         if (!store)
             audiocore::logLine(library->path(), "the music library cannot be read: " + error);
     }

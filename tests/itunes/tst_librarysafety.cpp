@@ -27,8 +27,12 @@ private slots:
     void changesShowBeforeTheyAreWritten();
     void theFileIsWrittenWhenTheChangesPause();
     void oneBackupHoldsTheFileAsItWas();
+    void theBackupTakesThePlaceOfLinksAndPipes();
+    void aFolderAtTheBackupsNameFailsTheChange();
     void anotherProgramsVersionIsTheBase();
     void aBrokenFileIsLeftAloneAndTheChangesWait();
+    void aBrokenFileIsNoBackup_data();
+    void aBrokenFileIsNoBackup();
     void aReadOnlyLibraryFailsEveryChange();
     void aFullDiskFailsTheChange();
     void aLinkToTheLibraryStaysALink();
@@ -96,6 +100,41 @@ void TestLibrarySafety::oneBackupHoldsTheFileAsItWas()
     QCOMPARE(QDir(m_songs->folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
+void TestLibrarySafety::theBackupTakesThePlaceOfLinksAndPipes()
+{
+    const QString precious = Fixtures::writeLibrary(m_songs->inFolder("precious"), "precious");
+    for (const bool link : {true, false}) {
+        m_songs->makeSongs(3);
+        const QByteArray before = m_songs->content();
+        QFile::remove(m_songs->backup());
+        if (link)
+            QVERIFY(QFile::link(precious, m_songs->backup()));
+        else
+            QCOMPARE(::mkfifo(QFile::encodeName(m_songs->backup()).constData(), 0600), 0);
+        QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+        closeITunesLibrary();
+        const QFileInfo backup(m_songs->backup());
+        QVERIFY(backup.isFile() && !backup.isSymLink());
+        QCOMPARE(contentOf(m_songs->backup()), before);
+        QCOMPARE(contentOf(precious), QByteArray("precious"));
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, 2);
+    }
+}
+
+void TestLibrarySafety::aFolderAtTheBackupsNameFailsTheChange()
+{
+    m_songs->makeSongs(3);
+    const QByteArray before = m_songs->content();
+    QVERIFY(QDir().mkdir(m_songs->backup()));
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 0);
+    QCOMPARE(AudioFile::takeLog().size(), 1);
+    closeITunesLibrary();
+    QCOMPARE(m_songs->content(), before);
+    QVERIFY(QDir(m_songs->backup()).exists());
+    QVERIFY(!QFile::exists(m_songs->journal()));
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+}
+
 void TestLibrarySafety::anotherProgramsVersionIsTheBase()
 {
     m_songs->makeSongs(4);
@@ -129,6 +168,45 @@ void TestLibrarySafety::aBrokenFileIsLeftAloneAndTheChangesWait()
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
     closeITunesLibrary();
     QVERIFY(!QFile::exists(m_songs->journal()));
+}
+
+void TestLibrarySafety::aBrokenFileIsNoBackup_data()
+{
+    QTest::addColumn<bool>("readBefore");
+    QTest::newRow("broken after it was read") << true;
+    QTest::newRow("not read any more") << false;
+}
+
+void TestLibrarySafety::aBrokenFileIsNoBackup()
+{
+    QFETCH(bool, readBefore);
+    m_songs->makeSongs(4);
+    const QByteArray first = m_songs->content();
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    closeITunesLibrary();
+    const QByteArray second = m_songs->content();
+    // A new run.
+    if (readBefore)
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+    const QByteArray broken = second.left(second.size() / 2);
+    Fixtures::writeLibrary(m_songs->path(), broken);
+    AudioFile::takeLog();
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    QCOMPARE(int(deleteMusic(m_songs->id(2))), 1);
+    QCOMPARE(contentOf(m_songs->backup()), first);
+    closeITunesLibrary();
+    QCOMPARE(contentOf(m_songs->backup()), first);
+    QCOMPARE(m_songs->content(), broken);
+    const QStringList log = AudioFile::takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY2(log.first().contains("line "), qPrintable(log.first()));
+    // Made whole, it is kept before it changes.
+    Fixtures::writeLibrary(m_songs->path(), second);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 1);
+    closeITunesLibrary();
+    QVERIFY(!QFile::exists(m_songs->journal()));
+    QCOMPARE(contentOf(m_songs->backup()), second);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 1);
 }
 
 void TestLibrarySafety::aReadOnlyLibraryFailsEveryChange()
