@@ -10,11 +10,12 @@ namespace platform = audiocore::platform;
 
 namespace {
 constexpr std::chrono::milliseconds pauseBeforeWriting(1000);
+constexpr int mostRetries = 7; // each after twice the pause: four minutes in all
 } // namespace
 
 LibraryFile::LibraryFile(const std::string& path)
     : m_path(path), m_backup(path), m_journal(path),
-      m_writing([this] { writePending(); }, pauseBeforeWriting)
+      m_writing([this] { writeInBackground(); }, pauseBeforeWriting)
 {
     platform::removeLeftovers(path);
 }
@@ -101,7 +102,19 @@ bool LibraryFile::beginChange()
 void LibraryFile::changed()
 {
     ++m_revision;
+    m_failures = 0;
     m_writing.ask();
+}
+
+/// What hinders the writing may pass: a file that another program is writing, a full disk.
+void LibraryFile::writeInBackground()
+{
+    if (writePending())
+        return;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_failures < mostRetries)
+        m_writing.askAfter(pauseBeforeWriting * (2 << m_failures));
+    ++m_failures;
 }
 
 /// False when changes still wait that could not be written.

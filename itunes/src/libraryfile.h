@@ -38,6 +38,7 @@ private:
     TrackChanges pending();
     bool beginChange();
     void changed();
+    void writeInBackground();
     bool writePending();
     void report(const std::string& error) const;
 
@@ -47,6 +48,7 @@ private:
     Journal m_journal;
     TrackChanges m_changes;
     unsigned m_revision = 0;       ///< counts the changes
+    int m_failures = 0;            ///< of writings since the last change
     std::string m_reportedFailure; ///< of the last writing
     DelayedWork m_writing;
 };

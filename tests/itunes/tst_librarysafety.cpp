@@ -33,6 +33,7 @@ private slots:
     void aBrokenFileIsLeftAloneAndTheChangesWait();
     void aBrokenFileIsNoBackup_data();
     void aBrokenFileIsNoBackup();
+    void aFailedWritingIsTriedAgain();
     void aReadOnlyLibraryFailsEveryChange();
     void aFullDiskFailsTheChange();
     void aLinkToTheLibraryStaysALink();
@@ -207,6 +208,21 @@ void TestLibrarySafety::aBrokenFileIsNoBackup()
     QVERIFY(!QFile::exists(m_songs->journal()));
     QCOMPARE(contentOf(m_songs->backup()), second);
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 1);
+}
+
+void TestLibrarySafety::aFailedWritingIsTriedAgain()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    Fixtures::writeLibrary(m_songs->path(), before.left(before.size() / 2));
+    QStringList log;
+    QTRY_VERIFY_WITH_TIMEOUT(!(log += AudioFile::takeLog()).isEmpty(), writingPause);
+    Fixtures::writeLibrary(m_songs->path(), before);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+    log += AudioFile::takeLog();
+    QVERIFY2(log.size() == 1, qPrintable(log.join('\n')));
 }
 
 void TestLibrarySafety::aReadOnlyLibraryFailsEveryChange()
