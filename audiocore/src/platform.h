@@ -25,6 +25,8 @@ bool stateOf(const std::string& path, FileState& state);
 bool stateOf(std::FILE* file, FileState& state);
 /// Opens without ever blocking; null with errno set.
 std::FILE* openFile(const std::string& path, bool writing);
+/// The same for reading and writing the file at the path itself: a link there fails with ELOOP.
+std::FILE* openNoLink(const std::string& path);
 /// Reads or writes at a place without any buffer in between; the bytes done, fewer only at the end or on
 /// failure.
 std::size_t readAt(std::FILE* file, std::int64_t offset, void* bytes, std::size_t count);
@@ -46,6 +48,9 @@ void removeLeftovers(const std::string& path);
 std::string copyBeside(const std::string& path, std::FILE*& lock, std::string& error);
 /// The same without the content.
 std::string newBeside(const std::string& path, std::FILE*& lock, std::string& error);
+/// Makes an empty file with owner and mode of `model` unless there is something at the path, a link included;
+/// that stays as it is. False with the reason in `error` when there is nothing afterwards.
+bool createLike(const std::string& model, const std::string& path, std::string& error);
 /// Puts the complete file `temporary` in the place of `path` at one stroke; false with the reason in `error`.
 bool replaceFile(const std::string& temporary, const std::string& path, std::string& error);
 void removeFile(const std::string& path);

@@ -157,6 +157,36 @@ bool mayReplace(const std::string& path, const std::string& folder, std::string&
     return true;
 }
 
+/// Owner, mode and attributes of the original. Without the right to give files away the new one stays this
+/// user's.
+bool becomeLike(int original, const struct stat& status, int made)
+{
+    if (::fchmod(made, status.st_mode & 07777) != 0)
+        return false;
+    if (::fchown(made, status.st_uid, status.st_gid) != 0)
+        (void)!::fchown(made, uid_t(-1), status.st_gid);
+    copyAttributes(original, made);
+    return true;
+}
+
+void syncFolderOf(const std::string& path)
+{
+    const Descriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_CLOEXEC));
+    if (folder.fd >= 0)
+        ::fsync(folder.fd);
+}
+
+std::FILE* openWith(const std::string& path, int flags)
+{
+    const int fd = ::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0)
+        return nullptr;
+    std::FILE* file = ::fdopen(fd, (flags & O_ACCMODE) == O_RDWR ? "r+b" : "rb");
+    if (!file)
+        ::close(fd);
+    return file;
+}
+
 std::string makeBeside(const std::string& path, bool withContent, std::FILE*& lock, std::string& error)
 {
     const std::string folder = folderOf(path);
@@ -177,19 +207,14 @@ std::string makeBeside(const std::string& path, bool withContent, std::FILE*& lo
     }
     lock = ::fdopen(made, "r+b");
     ::flock(made, LOCK_EX | LOCK_NB);
-    bool whole = !withContent || copyContent(original.fd, made, status.st_size);
-    whole = whole && ::fchmod(made, status.st_mode & 07777) == 0;
-    // Without the right to give files away the new one stays this user's.
-    if (whole && ::fchown(made, status.st_uid, status.st_gid) != 0)
-        (void)!::fchown(made, uid_t(-1), status.st_gid);
-    if (!whole) {
+    const bool whole = !withContent || copyContent(original.fd, made, status.st_size);
+    if (!whole || !becomeLike(original.fd, status, made)) {
         error = "the new file cannot be written: " + reason();
         std::fclose(lock);
         lock = nullptr;
         ::unlink(temporary.c_str());
         return std::string();
     }
-    copyAttributes(original.fd, made);
     return temporary;
 }
 } // namespace
@@ -219,13 +244,12 @@ bool platform::stateOf(std::FILE* file, FileState& state)
 
 std::FILE* platform::openFile(const std::string& path, bool writing)
 {
-    const int fd = ::open(path.c_str(), (writing ? O_RDWR : O_RDONLY) | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (fd < 0)
-        return nullptr;
-    std::FILE* file = ::fdopen(fd, writing ? "r+b" : "rb");
-    if (!file)
-        ::close(fd);
-    return file;
+    return openWith(path, writing ? O_RDWR : O_RDONLY);
+}
+
+std::FILE* platform::openNoLink(const std::string& path)
+{
+    return openWith(path, O_RDWR | O_NOFOLLOW);
 }
 
 std::size_t platform::readAt(std::FILE* file, std::int64_t offset, void* bytes, std::size_t count)
@@ -316,15 +340,35 @@ std::string platform::newBeside(const std::string& path, std::FILE*& lock, std::
     return makeBeside(path, false, lock, error);
 }
 
+bool platform::createLike(const std::string& model, const std::string& path, std::string& error)
+{
+    if (!mayReplace(model, folderOf(model), error))
+        return false;
+    const Descriptor original(::open(model.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status = {};
+    if (original.fd < 0 || ::fstat(original.fd, &status) != 0) {
+        error = reason();
+        return false;
+    }
+    const Descriptor made(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (made.fd < 0 && errno != EEXIST) {
+        error = "no new file can be made in the folder: " + reason();
+        return false;
+    }
+    if (made.fd >= 0) {
+        becomeLike(original.fd, status, made.fd); // where it cannot, the file is this user's alone
+        syncFolderOf(path);
+    }
+    return true;
+}
+
 bool platform::replaceFile(const std::string& temporary, const std::string& path, std::string& error)
 {
     if (::rename(temporary.c_str(), path.c_str()) != 0) {
         error = reason();
         return false;
     }
-    const Descriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_CLOEXEC));
-    if (folder.fd >= 0)
-        ::fsync(folder.fd);
+    syncFolderOf(path);
     return true;
 }
 

@@ -70,14 +70,20 @@ std::string temporaryPrefix(const fs::path& path)
     return hash;
 }
 
+bool mayReplace(const fs::path& target, std::string& error)
+{
+    const DWORD attributes = GetFileAttributesW(target.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_READONLY))
+        return true;
+    error = attributes == INVALID_FILE_ATTRIBUTES ? reason() : "the file is read-only";
+    return false;
+}
+
 std::string makeBeside(const std::string& path, bool withContent, std::FILE*& lock, std::string& error)
 {
     const fs::path target = nativePath(path);
-    const DWORD attributes = GetFileAttributesW(target.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY)) {
-        error = attributes == INVALID_FILE_ATTRIBUTES ? reason() : "the file is read-only";
+    if (!mayReplace(target, error))
         return std::string();
-    }
     const fs::path made =
         target.parent_path() / fs::u8path(temporaryPrefix(target) + std::to_string(GetCurrentProcessId()) +
                                           "-" + std::to_string(GetTickCount64()));
@@ -123,6 +129,16 @@ bool platform::stateOf(std::FILE* file, FileState& state)
 std::FILE* platform::openFile(const std::string& path, bool writing)
 {
     return _wfsopen(nativePath(path).c_str(), writing ? L"r+bN" : L"rbN", _SH_DENYNO);
+}
+
+std::FILE* platform::openNoLink(const std::string& path)
+{
+    const DWORD attributes = GetFileAttributesW(nativePath(path).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
+        errno = ELOOP;
+        return nullptr;
+    }
+    return openFile(path, true);
 }
 
 std::size_t platform::readAt(std::FILE* file, std::int64_t offset, void* bytes, std::size_t count)
@@ -187,6 +203,21 @@ std::string platform::copyBeside(const std::string& path, std::FILE*& lock, std:
 std::string platform::newBeside(const std::string& path, std::FILE*& lock, std::string& error)
 {
     return makeBeside(path, false, lock, error);
+}
+
+bool platform::createLike(const std::string& model, const std::string& path, std::string& error)
+{
+    if (!mayReplace(nativePath(model), error))
+        return false;
+    const HANDLE made = CreateFileW(nativePath(path).c_str(), GENERIC_WRITE,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (made != INVALID_HANDLE_VALUE)
+        return CloseHandle(made);
+    if (GetLastError() == ERROR_FILE_EXISTS)
+        return true;
+    error = "no new file can be made in the folder: " + reason();
+    return false;
 }
 
 bool platform::replaceFile(const std::string& temporary, const std::string& path, std::string& error)

@@ -14,18 +14,18 @@ DelayedWork::~DelayedWork()
 
 void DelayedWork::ask()
 {
-    askFor(Clock::now() + m_pause);
+    askAfter(m_pause);
 }
 
 void DelayedWork::askAtOnce()
 {
-    askFor(Clock::now());
+    askAfter(std::chrono::milliseconds::zero());
 }
 
-void DelayedWork::askFor(Clock::time_point due)
+void DelayedWork::askAfter(std::chrono::milliseconds pause)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_due = due;
+    m_due = Clock::now() + pause;
     if (!m_thread.joinable())
         m_thread = std::thread([this] { run(); });
     m_changed.notify_one();

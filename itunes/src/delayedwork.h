@@ -21,13 +21,14 @@ public:
     void ask();
     /// The same without any pause.
     void askAtOnce();
+    /// The same with another pause.
+    void askAfter(std::chrono::milliseconds pause);
     /// Waits for work that goes on and ends the thread; what was only asked for is not done.
     void stop();
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    void askFor(Clock::time_point due);
     void run();
 
     const std::function<void()> m_work;

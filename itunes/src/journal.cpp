@@ -2,6 +2,7 @@
 
 #include "hash.h"
 #include "librarywalk.h"
+#include "log.h"
 #include "platform.h"
 
 #include <cerrno>
@@ -16,6 +17,7 @@ namespace platform = audiocore::platform;
 namespace {
 constexpr std::int64_t roomStep = 64 * 1024;
 constexpr std::int64_t largestJournal = 512 * 1024 * 1024;
+constexpr std::string_view firstLine = "melodrift journal 1\n";
 constexpr char counts = '+';
 constexpr char countsNotYet = '?';
 constexpr std::size_t editFields = 7; // word, identifier, four texts, year
@@ -70,11 +72,25 @@ std::vector<std::string_view> fieldsOf(std::string_view line)
     }
 }
 
-/// The record of a line that counts and is whole; empty otherwise.
+bool beginsAJournal(std::string_view content)
+{
+    return content.substr(0, firstLine.size()) == firstLine;
+}
+
+/// Whether nothing was ever answered in it: a kill or a power cut came before the first line was there.
+bool isBlank(std::string_view content)
+{
+    const std::size_t last = content.find_last_not_of(std::string_view("\n\0", 2));
+    const std::string_view begun = content.substr(0, last == std::string_view::npos ? 0 : last + 1);
+    return firstLine.substr(0, begun.size()) == begun;
+}
+
+/// The record of a line that is whole; empty for another.
 std::string_view recordOf(std::string_view line)
 {
     const std::size_t checksum = line.rfind('\t');
-    if (line.empty() || line[0] != counts || checksum == std::string_view::npos)
+    if (line.empty() || (line[0] != counts && line[0] != countsNotYet) ||
+        checksum == std::string_view::npos || checksum == 0)
         return {};
     const std::string_view record = line.substr(1, checksum - 1);
     return line.substr(checksum + 1) == hexadecimal(itunes::hashOf(record)) ? record : std::string_view();
@@ -122,18 +138,8 @@ bool Journal::open(TrackChanges& changes, std::string& error)
 {
     constexpr int attempts = 10;
     for (int i = 0; i < attempts && !isOpen(); ++i) {
-        if (!exists() && !create(error))
+        if (!openOnce(error))
             return false;
-        m_file.reset(platform::openFile(m_path, true));
-        if (!m_file) {
-            error = "the journal cannot be opened: " + std::string(std::strerror(errno));
-            return false;
-        }
-        if (!platform::lockFile(m_file.get())) {
-            error = "another program is changing the library";
-            m_file.reset();
-            return false;
-        }
         if (!isTheFileAtItsPath()) {
             m_file.reset(); // its former owner has just removed it
         } else if (!load(changes, error)) {
@@ -141,7 +147,27 @@ bool Journal::open(TrackChanges& changes, std::string& error)
             return false;
         }
     }
+    if (!isOpen())
+        error = "other programs are changing the library";
     return isOpen();
+}
+
+bool Journal::openOnce(std::string& error)
+{
+    if (!exists() && !platform::createLike(m_library, m_path, error))
+        return false;
+    m_file.reset(platform::openNoLink(m_path));
+    if (!m_file) {
+        const std::string reason = errno == ELOOP ? "it is a link" : std::strerror(errno);
+        error = "the journal cannot be opened: " + reason;
+        return false;
+    }
+    if (!platform::lockFile(m_file.get())) {
+        error = "another program is changing the library";
+        m_file.reset();
+        return false;
+    }
+    return true;
 }
 
 bool Journal::isTheFileAtItsPath() const
@@ -152,42 +178,89 @@ bool Journal::isTheFileAtItsPath() const
            own.device == there.device && own.inode == there.inode;
 }
 
-bool Journal::create(std::string& error)
-{
-    std::FILE* lockFile = nullptr;
-    const std::string made = platform::newBeside(m_library, lockFile, error);
-    const File lock(lockFile);
-    return !made.empty() && platform::replaceFile(made, m_path, error);
-}
-
 bool Journal::load(TrackChanges& changes, std::string& error)
 {
     platform::FileState state;
-    if (!platform::stateOf(m_file.get(), state) || !state.regular || state.size > largestJournal) {
-        error = "the journal is no file that can be read";
+    if (!platform::stateOf(m_file.get(), state) || !state.regular || state.links > 1 ||
+        state.size > largestJournal) {
+        error = "what is at the journal's name is no file that can be one";
         return false;
     }
     std::string lines(std::size_t(state.size), '\0');
     lines.resize(platform::readAt(m_file.get(), 0, lines.data(), lines.size()));
-    for (std::size_t at = 0; at < lines.size();) {
-        const std::size_t end = std::min(lines.find('\n', at), lines.size());
-        const std::string_view record = recordOf(std::string_view(lines).substr(at, end - at));
-        if (!record.empty())
-            mergeRecord(record, changes);
-        at = end + 1;
-    }
-    // Behind the last line, torn or not, with a line feed in between.
     m_room = std::int64_t(lines.size());
-    const std::size_t last = lines.find_last_not_of('\n');
-    m_end = last == std::string::npos ? 0 : std::int64_t(last) + 2;
+    m_end = 0;
+    if (beginsAJournal(lines))
+        return readLines(lines, changes, error);
+    if (isBlank(lines) && platform::truncateTo(m_file.get(), 0)) {
+        m_room = 0;
+        return true;
+    }
+    error = "the file at the journal's name is no journal";
+    return false;
+}
+
+bool Journal::readLines(const std::string& lines, TrackChanges& changes, std::string& error)
+{
+    std::vector<std::pair<std::size_t, std::size_t>> broken;
+    std::size_t damaged = 0; // those with a whole one behind
+    m_end = std::int64_t(firstLine.size());
+    for (std::size_t at = firstLine.size(), end = 0; at < lines.size(); at = end + 1) {
+        end = std::min(lines.find('\n', at), lines.size());
+        const std::string_view record = recordOf(std::string_view(lines).substr(at, end - at));
+        if (!record.empty()) {
+            m_end = std::int64_t(end) + 1;
+            damaged = broken.size();
+            if (lines[at] == counts)
+                mergeRecord(record, changes);
+        } else if (end > at) {
+            broken.emplace_back(at, end);
+        }
+    }
+    if (damaged > 0 && !keepDamaged(damaged, error))
+        return false;
+    if (m_end > m_room) { // the last line lacks its line feed
+        broken.emplace_back(std::size_t(m_room), std::size_t(m_end));
+        m_room = m_end;
+    }
+    // A torn line must not look like a damaged one when others follow.
+    for (const auto& [begin, end] : broken) {
+        if (blank(begin, end))
+            continue;
+        error = "the journal cannot be written";
+        return false;
+    }
     return true;
+}
+
+bool Journal::keepDamaged(std::size_t lines, std::string& error) const
+{
+    const std::string kept = m_path + "-damaged";
+    platform::removeLeftovers(m_path);
+    std::FILE* lockFile = nullptr;
+    const std::string copy = platform::copyBeside(m_path, lockFile, error);
+    const File lock(lockFile);
+    if (copy.empty() || !platform::replaceFile(copy, kept, error)) {
+        error = "the damaged journal cannot be kept: " + error;
+        platform::removeFile(copy);
+        return false;
+    }
+    audiocore::logLine(m_library, "the journal has damaged lines (" + std::to_string(lines) +
+                                      "), their changes are lost; it is kept as " + kept);
+    return true;
+}
+
+bool Journal::blank(std::size_t begin, std::size_t end)
+{
+    const std::string feeds(end - begin, '\n');
+    return platform::writeAt(m_file.get(), std::int64_t(begin), feeds.data(), feeds.size()) == feeds.size();
 }
 
 /// Line feeds lie ready behind the end: a file that does not grow is flushed ten times as fast.
 bool Journal::append(char state, const std::string& record)
 {
-    const std::string line =
-        (m_end > 0 ? "\n" : "") + std::string(1, state) + record + '\t' + hexadecimal(hashOf(record)) + '\n';
+    const std::string lead(m_end > 0 ? "\n" : firstLine);
+    const std::string line = lead + state + record + '\t' + hexadecimal(hashOf(record)) + '\n';
     const std::int64_t begin = m_end > 0 ? m_end - 1 : 0;
     const std::int64_t end = begin + std::int64_t(line.size());
     if (!makeRoom(end) || platform::writeAt(m_file.get(), begin, line.data(), line.size()) != line.size() ||
@@ -197,7 +270,7 @@ bool Journal::append(char state, const std::string& record)
             m_room = m_end;
         return false;
     }
-    m_prepared = begin + std::int64_t(line.find(state));
+    m_prepared = begin + std::int64_t(lead.size());
     m_end = end;
     return true;
 }
@@ -237,10 +310,12 @@ bool Journal::confirm()
 
 void Journal::remove()
 {
+    if (!m_file)
+        return;
     // Empty first: where an open file cannot be removed, an empty one stays, and says nothing.
-    if (m_file)
-        platform::truncateTo(m_file.get(), 0);
-    platform::removeFile(m_path);
+    platform::truncateTo(m_file.get(), 0);
+    if (isTheFileAtItsPath())
+        platform::removeFile(m_path);
     m_file.reset();
     m_end = m_room = 0;
 }

@@ -8,8 +8,9 @@
 
 namespace itunes {
 /// Keeps the changes that were answered but are not in the library file yet in a small file beside it, one
-/// line each. A line that was torn by a kill or a power cut is no change. While the journal is open no other
-/// process can take it. Calls from one thread at a time.
+/// line each, behind a line that tells a journal from any other file. A last line that was torn by a kill or
+/// a power cut is no change; lines damaged before it are told in the log, and the journal is kept once more
+/// beside itself. While the journal is open no other process can take it. Calls from one thread at a time.
 class Journal
 {
 public:
@@ -17,7 +18,8 @@ public:
 
     /// Whether an earlier run, or this one, left changes.
     bool exists() const;
-    /// Opens the journal, or makes it; what it holds goes into the changes. False with the reason.
+    /// Opens the journal, or makes it; what it holds goes into the changes. False with the reason; whatever
+    /// is no journal stays as it is.
     bool open(TrackChanges& changes, std::string& error);
     bool isOpen() const { return bool(m_file); }
 
@@ -31,8 +33,11 @@ public:
     void remove();
 
 private:
-    bool create(std::string& error);
+    bool openOnce(std::string& error);
     bool load(TrackChanges& changes, std::string& error);
+    bool readLines(const std::string& lines, TrackChanges& changes, std::string& error);
+    bool keepDamaged(std::size_t lines, std::string& error) const;
+    bool blank(std::size_t begin, std::size_t end);
     bool isTheFileAtItsPath() const;
     bool append(char state, const std::string& record);
     bool makeRoom(std::int64_t size);

@@ -1,5 +1,6 @@
 #include "libraryfile.h"
 
+#include "libraryreading.h"
 #include "librarywrite.h"
 #include "log.h"
 #include "platform.h"
@@ -9,11 +10,12 @@ namespace platform = audiocore::platform;
 
 namespace {
 constexpr std::chrono::milliseconds pauseBeforeWriting(1000);
+constexpr int mostRetries = 7; // each after twice the pause: four minutes in all
 } // namespace
 
 LibraryFile::LibraryFile(const std::string& path)
-    : m_path(path), m_backup(path + ".melodrift-backup"), m_journal(path),
-      m_writing([this] { writePending(); }, pauseBeforeWriting)
+    : m_path(path), m_backup(path), m_journal(path),
+      m_writing([this] { writeInBackground(); }, pauseBeforeWriting)
 {
     platform::removeLeftovers(path);
 }
@@ -24,6 +26,19 @@ LibraryFile::~LibraryFile()
     writePending();
 }
 
+std::unique_ptr<itunes::TrackStore> LibraryFile::read(std::string& error)
+{
+    platform::FileState before;
+    const bool known = platform::stateOf(m_path, before);
+    std::unique_ptr<TrackStore> store = readLibrary(m_path, pending(), error);
+    if (known && store) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_backup.knowWhole(before);
+    }
+    return store;
+}
+
+/// What the file does not hold yet.
 itunes::TrackChanges LibraryFile::pending()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -73,71 +88,60 @@ bool LibraryFile::edit(std::uint64_t id, const TrackEdit& edit, const std::funct
     return true;
 }
 
-/// What has to be there before a change.
+/// What has to be there before a change. A broken library needs no backup: it does not change until it is
+/// whole again.
 bool LibraryFile::beginChange()
 {
     std::string error;
-    if (keepBackup(error) && m_journal.open(m_changes, error))
+    if (m_backup.keep(error) != LibraryBackup::Result::Failed && m_journal.open(m_changes, error))
         return true;
     report(error);
     return false;
 }
 
-bool LibraryFile::keepBackup(std::string& error)
-{
-    if (m_hasBackup)
-        return true;
-    std::FILE* lockFile = nullptr;
-    const std::string copy = platform::copyBeside(m_path, lockFile, error);
-    const File lock(lockFile);
-    m_hasBackup = !copy.empty() && platform::replaceFile(copy, m_backup, error);
-    if (!m_hasBackup && !copy.empty())
-        platform::removeFile(copy);
-    return m_hasBackup;
-}
-
-/// The copy need not be on the disk before the file itself changes.
-bool LibraryFile::flushBackup(std::string& error)
-{
-    if (!m_backupIsFlushed) {
-        const File backup(platform::openFile(m_backup, true));
-        m_backupIsFlushed = !backup || platform::syncToDevice(backup.get()); // the user may have removed it
-    }
-    if (!m_backupIsFlushed)
-        error = "the backup cannot be written";
-    return m_backupIsFlushed;
-}
-
 void LibraryFile::changed()
 {
     ++m_revision;
+    m_failures = 0;
     m_writing.ask();
 }
 
-void LibraryFile::writePending()
+/// What hinders the writing may pass: a file that another program is writing, a full disk.
+void LibraryFile::writeInBackground()
+{
+    if (writePending())
+        return;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_failures < mostRetries)
+        m_writing.askAfter(pauseBeforeWriting * (2 << m_failures));
+    ++m_failures;
+}
+
+/// False when changes still wait that could not be written.
+bool LibraryFile::writePending()
 {
     TrackChanges changes;
     unsigned revision = 0;
     std::string error;
+    bool written = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_journal.isOpen())
-            return;
-        if (!m_changes.empty() && !keepBackup(error)) {
-            report(error);
-            return;
-        }
+            return true;
         changes = m_changes;
         revision = m_revision;
+        written = changes.empty() || m_backup.keep(error) == LibraryBackup::Result::Kept;
     }
-    const bool written = changes.empty() || (flushBackup(error) && writeChanges(m_path, changes, error));
+    written = written && (changes.empty() || (m_backup.flush(error) && writeChanges(m_path, changes, error)));
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!written) {
+    if (!written && error != m_reportedFailure)
         report("the changes wait in the journal: " + error);
-    } else if (revision == m_revision) {
+    m_reportedFailure = written ? std::string() : error;
+    if (written && revision == m_revision) {
         m_journal.remove();
         m_changes.clear();
     }
+    return written;
 }
 
 void LibraryFile::report(const std::string& error) const

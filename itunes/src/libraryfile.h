@@ -2,9 +2,12 @@
 
 #include "delayedwork.h"
 #include "journal.h"
+#include "librarybackup.h"
 #include "trackedit.h"
+#include "trackstore.h"
 
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -22,29 +25,31 @@ public:
     LibraryFile& operator=(const LibraryFile&) = delete;
 
     const std::string& path() const { return m_path; }
-    /// What the file does not hold yet. Changes that an earlier run left are written from now on.
-    TrackChanges pending();
+    /// Writes from now on what an earlier run left.
+    void prepare() { pending(); }
+    /// The library with what its file does not hold yet; null with the reason when it cannot be read whole.
+    std::unique_ptr<TrackStore> read(std::string& error);
 
     bool remove(std::uint64_t id);
     /// The edit counts if `between`, which runs when the journal has it safely, succeeds.
     bool edit(std::uint64_t id, const TrackEdit& edit, const std::function<bool()>& between);
 
 private:
+    TrackChanges pending();
     bool beginChange();
-    bool keepBackup(std::string& error);
-    bool flushBackup(std::string& error);
     void changed();
-    void writePending();
+    void writeInBackground();
+    bool writePending();
     void report(const std::string& error) const;
 
     const std::string m_path;
-    const std::string m_backup;
-    bool m_backupIsFlushed = false; ///< one writing goes on at a time, and only it asks
-    std::mutex m_mutex;             ///< for all below
+    std::mutex m_mutex; ///< for all below
+    LibraryBackup m_backup;
     Journal m_journal;
     TrackChanges m_changes;
-    unsigned m_revision = 0; ///< counts the changes
-    bool m_hasBackup = false;
+    unsigned m_revision = 0;       ///< counts the changes
+    int m_failures = 0;            ///< of writings since the last change
+    std::string m_reportedFailure; ///< of the last writing
     DelayedWork m_writing;
 };
 } // namespace itunes

@@ -53,15 +53,23 @@ void EntrySplices::trackEnds(const Span& whole)
 {
     ++m_tracks;
     const auto found = m_id ? m_changes.find(m_id) : m_changes.end();
-    if (found == m_changes.end())
-        return;
-    if (!found->second.deleted) {
-        changeEntry(found->second.edit);
+    if (found == m_changes.end() || !found->second.deleted) {
+        m_staying.push_back(m_trackId);
+        if (found != m_changes.end())
+            changeEntry(found->second.edit);
         return;
     }
     ++m_gone;
     m_deleted.insert(m_trackId);
     m_splices.push_back({whole, std::string()});
+}
+
+std::unordered_set<std::uint64_t> EntrySplices::deleted() const
+{
+    std::unordered_set<std::uint64_t> numbers = m_deleted;
+    for (const std::uint64_t number : m_staying)
+        numbers.erase(number);
+    return numbers;
 }
 
 void EntrySplices::changeEntry(const TrackEdit& edit)

@@ -28,8 +28,9 @@ public:
     void trackEnds(const Span& whole) override;
 
     const std::vector<Splice>& splices() const { return m_splices; }
-    /// Numbers of the tracks whose entries go.
-    const std::unordered_set<std::uint64_t>& deleted() const { return m_deleted; }
+    /// Numbers of the tracks whose entries go, without those that a track which stays has as well: its places
+    /// in the playlists cannot be told from the other's.
+    std::unordered_set<std::uint64_t> deleted() const;
     std::uint64_t tracks() const { return m_tracks; }
     std::uint64_t tracksLeft() const { return m_tracks - m_gone; }
 
@@ -51,6 +52,7 @@ private:
     const TrackChanges& m_changes;
     std::vector<Splice> m_splices;
     std::unordered_set<std::uint64_t> m_deleted;
+    std::vector<std::uint64_t> m_staying;
     std::uint64_t m_tracks = 0;
     std::uint64_t m_gone = 0;
 

@@ -53,28 +53,19 @@ private:
     bool m_whole = true;
 };
 
-bool walk(std::FILE* file, itunes::LibraryVisitor& visitor, std::string& error)
-{
-    ByteSource source(file);
-    itunes::XmlScanner scanner(source);
-    if (itunes::walkLibrary(scanner, visitor))
-        return true;
-    error = itunes::describeError(file, scanner);
-    return false;
-}
-
 /// What has to change, in the file's order.
 bool findSplices(std::FILE* file, const itunes::TrackChanges& changes, std::vector<Splice>& splices,
                  std::uint64_t& tracksLeft, std::string& error)
 {
     itunes::EntrySplices entries(changes);
-    if (!walk(file, entries, error))
+    if (!itunes::walkFile(file, entries, error))
         return false;
     splices = entries.splices();
     tracksLeft = entries.tracksLeft();
-    if (!entries.deleted().empty()) {
-        itunes::PlaylistSplices items(entries.deleted());
-        if (!walk(file, items, error))
+    const std::unordered_set<std::uint64_t> deleted = entries.deleted();
+    if (!deleted.empty()) {
+        itunes::PlaylistSplices items(deleted);
+        if (!itunes::walkFile(file, items, error))
             return false;
         splices.insert(splices.end(), items.splices().begin(), items.splices().end());
     }
@@ -116,7 +107,7 @@ bool isSound(std::FILE* file, std::uint64_t tracks, std::string& error)
 {
     const itunes::TrackChanges none;
     itunes::EntrySplices entries(none);
-    if (!walk(file, entries, error))
+    if (!itunes::walkFile(file, entries, error))
         return false;
     if (entries.tracks() == tracks)
         return true;
@@ -168,6 +159,16 @@ Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, st
     return outcome;
 }
 } // namespace
+
+bool itunes::walkFile(std::FILE* file, LibraryVisitor& visitor, std::string& error)
+{
+    ByteSource source(file);
+    XmlScanner scanner(source);
+    if (walkLibrary(scanner, visitor))
+        return true;
+    error = describeError(file, scanner);
+    return false;
+}
 
 bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, std::string& error)
 {

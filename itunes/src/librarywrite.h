@@ -1,10 +1,15 @@
 #pragma once
 
+#include "librarywalk.h"
 #include "trackedit.h"
 
+#include <cstdio>
 #include <string>
 
 namespace itunes {
+/// Shows the library in the file to the visitor. False when it is broken, with what and where.
+bool walkFile(std::FILE* file, LibraryVisitor& visitor, std::string& error);
+
 /// Writes the changes into the library file: a complete new file takes the old one's place at one stroke.
 /// Everything that the changes do not touch stays byte for byte as it is in the file now, whoever wrote it. A
 /// file that says already what it should is left alone. False with the reason: the file is as it was.

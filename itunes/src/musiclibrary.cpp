@@ -1,7 +1,6 @@
 #include "musiclibrary.h"
 
 #include "libraryplace.h"
-#include "libraryreading.h"
 #include "location.h"
 #include "log.h"
 #include "mediatags.h"
@@ -48,7 +47,7 @@ void MusicLibrary::prepare()
     const std::lock_guard<std::mutex> lock(m_mutex);
     const std::shared_ptr<LibraryFile> library = currentFile();
     if (library)
-        library->pending();
+        library->prepare();
 }
 
 void MusicLibrary::read(iTunesTrackRecord** records, int* count)
@@ -58,7 +57,7 @@ void MusicLibrary::read(iTunesTrackRecord** records, int* count)
     std::unique_ptr<TrackStore> store;
     if (const std::shared_ptr<LibraryFile> library = currentFile()) {
         std::string error;
-        store = readLibrary(library->path(), library->pending(), error);
+        store = library->read(error);
         if (!store)
             audiocore::logLine(library->path(), "the music library cannot be read: " + error);
     }
@@ -86,17 +85,24 @@ std::optional<MusicLibrary::Access> MusicLibrary::accessTo(std::uint64_t id)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     const TrackStore::Place* const place = m_store ? m_store->find(id) : nullptr;
-    if (!place || !lastFile())
+    if (!place || !lastFile()) {
+        audiocore::logLine("the music library", "it holds no track under this identifier");
         return std::nullopt;
+    }
+    if (m_store->isAmbiguous(id)) {
+        audiocore::logLine("the music library", "several tracks have this identifier, none was changed");
+        return std::nullopt;
+    }
     return Access{m_file, place->location ? pathOf(place->location) : std::string()};
 }
 
 bool MusicLibrary::edit(std::uint64_t id, const TrackEdit& edit, const std::string& coverPath)
 {
     const std::optional<Access> track = accessTo(id);
-    if (!track || track->mediaPath.empty()) {
-        audiocore::logLine("the music library",
-                           "it holds no track with a file to edit under this identifier");
+    if (!track)
+        return false;
+    if (track->mediaPath.empty()) {
+        audiocore::logLine("the music library", "the track has no file to edit");
         return false;
     }
     const std::optional<std::vector<char>> picture = pictureFile(coverPath);

@@ -54,6 +54,12 @@ const TrackStore::Place* TrackStore::find(std::uint64_t id) const
     return found != m_places.end() && found->id == id && !found->gone ? &*found : nullptr;
 }
 
+bool TrackStore::isAmbiguous(std::uint64_t id) const
+{
+    const auto found = std::lower_bound(m_places.begin(), m_places.end(), id, before);
+    return m_places.end() - found > 1 && found[1].id == id;
+}
+
 void TrackStore::forget(std::uint64_t id)
 {
     auto found = std::lower_bound(m_places.begin(), m_places.end(), id, before);

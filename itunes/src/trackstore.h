@@ -44,6 +44,8 @@ public:
 
     /// Null for a track that is not there or no longer.
     const Place* find(std::uint64_t id) const;
+    /// Whether several tracks have the identifier: find() answers one of them.
+    bool isAmbiguous(std::uint64_t id) const;
     void forget(std::uint64_t id);
 
 private:

@@ -33,6 +33,8 @@ private slots:
     void anEditThatSaysNothingNewLeavesTheFile();
     void aDeletionTakesTheEntryAndItsPlaces();
     void playlistsMayComeFirst();
+    void tracksOfOneIdentifierCannotChange();
+    void aNumberThatAnotherTrackHasStaysInThePlaylists();
     void utf16StaysUtf16_data();
     void utf16StaysUtf16();
     void tracksThatAreNotThereCannotChange();
@@ -198,6 +200,42 @@ void TestLibraryChanges::playlistsMayComeFirst()
     QCOMPARE(int(deleteMusic(0xAB)), 1);
     closeITunesLibrary();
     QCOMPARE(m_songs->content(), document(" <!-- stays -->", ""));
+}
+
+void TestLibraryChanges::tracksOfOneIdentifierCannotChange()
+{
+    m_songs->makeSongs(4, 3);
+    m_songs->tracks[1].persistentId = m_songs->tracks.at(0).persistentId;
+    m_songs->make(m_songs->document());
+    const QByteArray song = contentOf(m_songs->media(0));
+    AudioFile::takeLog();
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 0);
+    QCOMPARE(AudioFile::takeLog().size(), 1);
+    QVERIFY(LibraryCalls::edit(m_songs->id(0), Edit()) != 0);
+    QCOMPARE(AudioFile::takeLog().size(), 1);
+    closeITunesLibrary();
+    QCOMPARE(m_songs->content(), m_songs->document());
+    QCOMPARE(contentOf(m_songs->media(0)), song);
+    // They can be asked all the same, and the others are not concerned.
+    QCOMPARE(LibraryCalls::Buffers<1024>().call(m_songs->id(0)), 0);
+    for (const int other : {2, 3})
+        QCOMPARE(int(deleteMusic(m_songs->id(other))), 1);
+    QCOMPARE(LibraryCalls::read().count, 2);
+}
+
+void TestLibraryChanges::aNumberThatAnotherTrackHasStaysInThePlaylists()
+{
+    m_songs->makeSongs(4);
+    m_songs->tracks[1].trackId = m_songs->tracks.at(0).trackId;
+    m_songs->make(m_songs->document());
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    closeITunesLibrary();
+    m_songs->tracks.removeAt(1);
+    QCOMPARE(m_songs->content(), m_songs->document());
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1); // now there is no doubt
+    closeITunesLibrary();
+    m_songs->playlists[0].trackIds.removeAll(m_songs->tracks.takeFirst().trackId);
+    QCOMPARE(m_songs->content(), m_songs->document());
 }
 
 void TestLibraryChanges::utf16StaysUtf16_data()

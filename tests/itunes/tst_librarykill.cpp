@@ -1,3 +1,4 @@
+#include "audiocore/tagitem.h"
 #include "songlibrary.h"
 
 #include <expat.h>
@@ -8,7 +9,12 @@
 #include <QSet>
 #include <QtTest>
 
+#include <algorithm>
+#include <fcntl.h>
+#include <memory>
+#include <sys/file.h>
 #include <unistd.h>
+#include <vector>
 
 using LibraryCalls::contentOf;
 using LibraryCalls::Reading;
@@ -33,17 +39,22 @@ class TestLibraryKill : public QObject
 
 private slots:
     void aKillLosesNoAnsweredChangeAndNoLibrary();
+    void programsThatBeginAtOnceLoseNoAnsweredChange();
 
 private:
     void makeFresh();
     QByteArray outputOfKilledChanger(int seed);
     void noteAnswers(const QByteArray& output);
+    void noteEdit(const QByteArray& id, const QByteArray& name);
     void everyAnswerHolds();
+    int tagsThatWereNotAnswered();
     void everythingIsWritten();
+    QByteArray expectedDocument() const;
 
     SongLibrary m_songs;
     QSet<QByteArray> m_left;               ///< identifiers
     QHash<QByteArray, QByteArray> m_names; ///< by identifier
+    QString m_titles[editedSongs];         ///< in the media files' tags
     QRandomGenerator m_random{11};
     int m_changes = 0;
 };
@@ -56,6 +67,8 @@ void TestLibraryKill::makeFresh()
         m_left.insert(Fixtures::itunesIdentifier(track.persistentId));
         m_names.insert(Fixtures::itunesIdentifier(track.persistentId), track.name);
     }
+    for (int song = 0; song < editedSongs; ++song)
+        m_titles[song] = AudioFile::read(m_songs.media(song)).texts.value(TAG_TITLE);
     closeITunesLibrary();
 }
 
@@ -82,8 +95,32 @@ void TestLibraryKill::noteAnswers(const QByteArray& output)
         if (line.startsWith("D "))
             m_left.remove(id);
         else
-            m_names.insert(id, line.mid(19));
+            noteEdit(id, line.mid(19));
     }
+}
+
+void TestLibraryKill::noteEdit(const QByteArray& id, const QByteArray& name)
+{
+    m_names.insert(id, name);
+    for (int song = 0; song < editedSongs; ++song)
+        if (id == Fixtures::itunesIdentifier(SongLibrary::id(song)))
+            m_titles[song] = QString::fromUtf8(name);
+}
+
+/// An edit is in the media file before it is in the library: the one that was not answered any more may have
+/// come so far.
+int TestLibraryKill::tagsThatWereNotAnswered()
+{
+    int count = 0;
+    for (int song = 0; song < editedSongs; ++song) {
+        const AudioFile::Content content = AudioFile::read(m_songs.media(song));
+        const QString title = content.texts.value(TAG_TITLE);
+        count += title != m_titles[song];
+        m_titles[song] = title;
+        if (!title.isEmpty() && content.texts.value(TAG_ALBUM) != QString(LibraryCalls::Edit().album))
+            return editedSongs; // torn
+    }
+    return count;
 }
 
 /// The one change that was not answered any more may have happened or not.
@@ -100,13 +137,45 @@ void TestLibraryKill::everyAnswerHolds()
         QVERIFY(m_left.contains(id));
         QVERIFY(record.location);
         there.insert(id);
-        unanswered += m_names.value(id) != record.name;
-        m_names.insert(id, record.name);
+        if (m_names.value(id) != record.name) {
+            ++unanswered;
+            noteEdit(id, record.name);
+        }
     }
     QCOMPARE(there.size(), reading.count);
+    unanswered += tagsThatWereNotAnswered();
     QVERIFY2(unanswered == 0 || unanswered == 1, qPrintable(QString::number(unanswered)));
     m_left = there;
     closeITunesLibrary();
+}
+
+/// The library as the changes leave it, byte for byte.
+QByteArray TestLibraryKill::expectedDocument() const
+{
+    const LibraryCalls::Edit edit;
+    QVector<Fixtures::ITunesTrack> tracks;
+    QSet<int> gone;
+    for (Fixtures::ITunesTrack track : m_songs.tracks) {
+        const QByteArray id = Fixtures::itunesIdentifier(track.persistentId);
+        if (!m_left.contains(id)) {
+            gone.insert(track.trackId);
+            continue;
+        }
+        if (m_names.value(id) != track.name) {
+            track.name = m_names.value(id);
+            track.album = edit.album;
+            track.artist = edit.artist;
+            track.genre = edit.genre;
+            track.year = quint64(edit.year);
+        }
+        tracks.append(track);
+    }
+    QVector<Fixtures::ITunesPlaylist> playlists = m_songs.playlists;
+    for (Fixtures::ITunesPlaylist& playlist : playlists)
+        playlist.trackIds.erase(std::remove_if(playlist.trackIds.begin(), playlist.trackIds.end(),
+                                               [&](int track) { return gone.contains(track); }),
+                                playlist.trackIds.end());
+    return Fixtures::itunesLibrary(tracks, playlists);
 }
 
 /// What the journal held is in the file now.
@@ -115,12 +184,7 @@ void TestLibraryKill::everythingIsWritten()
     QVERIFY(!QFile::exists(m_songs.journal()));
     const QByteArray written = m_songs.content();
     QVERIFY(isWellFormed(written));
-    QCOMPARE(written.count("<key>Persistent ID</key>"), m_left.size());
-    int places = m_left.size(); // each in its entry
-    for (const Fixtures::ITunesPlaylist& playlist : qAsConst(m_songs.playlists))
-        for (const int track : playlist.trackIds)
-            places += m_left.contains(Fixtures::itunesIdentifier(SongLibrary::id((track - 1000) / 2)));
-    QCOMPARE(written.count("<key>Track ID</key>"), places);
+    QVERIFY(written == expectedDocument());
     const Reading reading = LibraryCalls::read(m_songs.path());
     QCOMPARE(reading.count, m_left.size());
     for (int i = 0; i < reading.count; ++i)
@@ -158,6 +222,53 @@ void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
     }
     closeITunesLibrary();
     QVERIFY2(m_songs.temporaries().isEmpty(), qPrintable(m_songs.temporaries().join(' ')));
+}
+
+/// Several programs delete one track each, at one moment and as their first change, and are killed.
+void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
+{
+    constexpr int rounds = 30;
+    constexpr int programs = 6;
+    SongLibrary songs;
+    const QString gatePath = Fixtures::writeLibrary(songs.inFolder("gate"), "");
+    int answered = 0;
+    for (int round = 0; round < rounds; ++round) {
+        songs.makeSongs(programs);
+        closeITunesLibrary();
+        const int gate = ::open(QFile::encodeName(gatePath).constData(), O_RDWR | O_CLOEXEC);
+        QCOMPARE(::flock(gate, LOCK_EX), 0);
+        std::vector<std::unique_ptr<QProcess>> starters;
+        for (int i = 0; i < programs; ++i) {
+            starters.push_back(std::make_unique<QProcess>());
+            starters.back()->start(QCoreApplication::applicationDirPath() + "/library_starter",
+                                   {songs.path(), gatePath, Fixtures::itunesIdentifier(SongLibrary::id(i))});
+        }
+        for (const auto& starter : starters)
+            QVERIFY(starter->waitForReadyRead(30000));
+        ::close(gate);
+        QSet<QByteArray> gone;
+        for (int i = 0; i < programs; ++i) {
+            QByteArray output = starters[i]->readAll();
+            while (output.count('\n') < 2 && starters[i]->waitForReadyRead(30000))
+                output += starters[i]->readAll();
+            if (output == "ready\n1\n")
+                gone.insert(Fixtures::itunesIdentifier(SongLibrary::id(i)));
+            else
+                QCOMPARE(output, QByteArray("ready\n0\n"));
+        }
+        for (const auto& starter : starters) {
+            starter->kill();
+            starter->waitForFinished();
+        }
+        answered += gone.size();
+        const Reading reading = LibraryCalls::read(songs.path());
+        QCOMPARE(reading.count, programs - gone.size());
+        for (int i = 0; i < reading.count; ++i)
+            QVERIFY(!gone.contains(reading.records[i].persistentId));
+        closeITunesLibrary();
+        QCOMPARE(LibraryCalls::read(songs.path()).count, programs - gone.size());
+    }
+    QVERIFY2(answered >= rounds, qPrintable(QString::number(answered)));
 }
 
 QTEST_GUILESS_MAIN(TestLibraryKill)

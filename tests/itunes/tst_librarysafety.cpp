@@ -5,11 +5,8 @@
 #include <QtTest>
 
 #include <csignal>
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/resource.h>
 #include <thread>
-#include <unistd.h>
 
 using Fixtures::ITunesPlaylist;
 using LibraryCalls::contentOf;
@@ -30,13 +27,15 @@ private slots:
     void changesShowBeforeTheyAreWritten();
     void theFileIsWrittenWhenTheChangesPause();
     void oneBackupHoldsTheFileAsItWas();
-    void aJournalThatIsLeftIsApplied();
-    void aTornLineIsNoChange();
+    void theBackupTakesThePlaceOfLinksAndPipes();
+    void aFolderAtTheBackupsNameFailsTheChange();
     void anotherProgramsVersionIsTheBase();
     void aBrokenFileIsLeftAloneAndTheChangesWait();
+    void aBrokenFileIsNoBackup_data();
+    void aBrokenFileIsNoBackup();
+    void aFailedWritingIsTriedAgain();
     void aReadOnlyLibraryFailsEveryChange();
     void aFullDiskFailsTheChange();
-    void anotherProcessKeepsItsJournal();
     void aLinkToTheLibraryStaysALink();
     void manyDeletionsWriteTheFileAFewTimes();
     void callsFromManyThreadsAllArrive();
@@ -102,56 +101,38 @@ void TestLibrarySafety::oneBackupHoldsTheFileAsItWas()
     QCOMPARE(QDir(m_songs->folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
-void TestLibrarySafety::aJournalThatIsLeftIsApplied()
+void TestLibrarySafety::theBackupTakesThePlaceOfLinksAndPipes()
 {
-    m_songs->makeSongs(4, 1);
-    const QByteArray before = m_songs->content();
-    Edit edit;
-    edit.name = "Tab\tand\nline \\n & \xC3\xA9";
-    QCOMPARE(LibraryCalls::edit(m_songs->id(0), edit), 0);
-    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
-    const QByteArray left = contentOf(m_songs->journal());
-    closeITunesLibrary();
-    const QByteArray after = m_songs->content();
-
-    // As a kill before the writing leaves it; read, then prepared only.
-    for (const bool reading : {true, false}) {
-        Fixtures::writeLibrary(m_songs->path(), before);
-        Fixtures::writeLibrary(m_songs->journal(), left);
-        if (reading)
-            QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+    const QString precious = Fixtures::writeLibrary(m_songs->inFolder("precious"), "precious");
+    for (const bool link : {true, false}) {
+        m_songs->makeSongs(3);
+        const QByteArray before = m_songs->content();
+        QFile::remove(m_songs->backup());
+        if (link)
+            QVERIFY(QFile::link(precious, m_songs->backup()));
         else
-            launchiTunes();
-        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
-        QCOMPARE(m_songs->content(), after);
+            QCOMPARE(::mkfifo(QFile::encodeName(m_songs->backup()).constData(), 0600), 0);
+        QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
         closeITunesLibrary();
+        const QFileInfo backup(m_songs->backup());
+        QVERIFY(backup.isFile() && !backup.isSymLink());
+        QCOMPARE(contentOf(m_songs->backup()), before);
+        QCOMPARE(contentOf(precious), QByteArray("precious"));
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, 2);
     }
 }
 
-void TestLibrarySafety::aTornLineIsNoChange()
+void TestLibrarySafety::aFolderAtTheBackupsNameFailsTheChange()
 {
-    m_songs->makeSongs(4);
+    m_songs->makeSongs(3);
     const QByteArray before = m_songs->content();
-    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
-    const QByteArray whole = contentOf(m_songs->journal()).trimmed();
+    QVERIFY(QDir().mkdir(m_songs->backup()));
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 0);
+    QCOMPARE(AudioFile::takeLog().size(), 1);
     closeITunesLibrary();
-    for (int size = 0; size <= whole.size(); ++size) {
-        Fixtures::writeLibrary(m_songs->path(), before);
-        Fixtures::writeLibrary(m_songs->journal(), whole.left(size));
-        const bool counts = size == whole.size();
-        QCOMPARE(LibraryCalls::read(m_songs->path()).count, counts ? 3 : 4);
-        // The next change does not suffer.
-        if (size % 7 == 0) {
-            QCOMPARE(int(deleteMusic(m_songs->id(3))), 1);
-            closeITunesLibrary();
-            QCOMPARE(LibraryCalls::read(m_songs->path()).count, counts ? 2 : 3);
-        }
-        closeITunesLibrary();
-        QVERIFY(!QFile::exists(m_songs->journal()));
-    }
-    Fixtures::writeLibrary(m_songs->path(), before);
-    Fixtures::writeLibrary(m_songs->journal(),
-                           "rubbish\n+delete\t1\t0\n" + QByteArray(1000, '\0') + "\n+\n+\t\n\n" + whole);
+    QCOMPARE(m_songs->content(), before);
+    QVERIFY(QDir(m_songs->backup()).exists());
+    QVERIFY(!QFile::exists(m_songs->journal()));
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
 }
 
@@ -188,6 +169,60 @@ void TestLibrarySafety::aBrokenFileIsLeftAloneAndTheChangesWait()
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
     closeITunesLibrary();
     QVERIFY(!QFile::exists(m_songs->journal()));
+}
+
+void TestLibrarySafety::aBrokenFileIsNoBackup_data()
+{
+    QTest::addColumn<bool>("readBefore");
+    QTest::newRow("broken after it was read") << true;
+    QTest::newRow("not read any more") << false;
+}
+
+void TestLibrarySafety::aBrokenFileIsNoBackup()
+{
+    QFETCH(bool, readBefore);
+    m_songs->makeSongs(4);
+    const QByteArray first = m_songs->content();
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    closeITunesLibrary();
+    const QByteArray second = m_songs->content();
+    // A new run.
+    if (readBefore)
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+    const QByteArray broken = second.left(second.size() / 2);
+    Fixtures::writeLibrary(m_songs->path(), broken);
+    AudioFile::takeLog();
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    QCOMPARE(int(deleteMusic(m_songs->id(2))), 1);
+    QCOMPARE(contentOf(m_songs->backup()), first);
+    closeITunesLibrary();
+    QCOMPARE(contentOf(m_songs->backup()), first);
+    QCOMPARE(m_songs->content(), broken);
+    const QStringList log = AudioFile::takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY2(log.first().contains("line "), qPrintable(log.first()));
+    // Made whole, it is kept before it changes.
+    Fixtures::writeLibrary(m_songs->path(), second);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 1);
+    closeITunesLibrary();
+    QVERIFY(!QFile::exists(m_songs->journal()));
+    QCOMPARE(contentOf(m_songs->backup()), second);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 1);
+}
+
+void TestLibrarySafety::aFailedWritingIsTriedAgain()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    Fixtures::writeLibrary(m_songs->path(), before.left(before.size() / 2));
+    QStringList log;
+    QTRY_VERIFY_WITH_TIMEOUT(!(log += AudioFile::takeLog()).isEmpty(), writingPause);
+    Fixtures::writeLibrary(m_songs->path(), before);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+    log += AudioFile::takeLog();
+    QVERIFY2(log.size() == 1, qPrintable(log.join('\n')));
 }
 
 void TestLibrarySafety::aReadOnlyLibraryFailsEveryChange()
@@ -230,22 +265,6 @@ void TestLibrarySafety::aFullDiskFailsTheChange()
     QCOMPARE(m_songs->content(), before);
     QVERIFY(QFile::exists(m_songs->journal()));
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 199);
-}
-
-void TestLibrarySafety::anotherProcessKeepsItsJournal()
-{
-    m_songs->makeSongs(3);
-    const QByteArray theirs = "+delete\tof another process\t0\n";
-    Fixtures::writeLibrary(m_songs->journal(), theirs);
-    const int lock = ::open(QFile::encodeName(m_songs->journal()).constData(), O_RDWR | O_CLOEXEC);
-    QCOMPARE(::flock(lock, LOCK_EX | LOCK_NB), 0);
-    QCOMPARE(int(deleteMusic(m_songs->id(0))), 0);
-    QCOMPARE(AudioFile::takeLog().size(), 1);
-    QCOMPARE(LibraryCalls::read().count, 3);
-    closeITunesLibrary();
-    QCOMPARE(contentOf(m_songs->journal()), theirs);
-    ::close(lock);
-    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
 }
 
 void TestLibrarySafety::aLinkToTheLibraryStaysALink()

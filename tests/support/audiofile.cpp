@@ -6,16 +6,21 @@
 
 #include <QStringList>
 
+#include <mutex>
 #include <new>
 
 namespace {
+std::mutex linesMutex; // work in the background tells, too
 QStringList lines;
 
 struct LogCatcher
 {
     LogCatcher()
     {
-        SetAudioCoreLogSink([](const char* line) { lines.append(QString::fromUtf8(line)); });
+        SetAudioCoreLogSink([](const char* line) {
+            const std::lock_guard<std::mutex> lock(linesMutex);
+            lines.append(QString::fromUtf8(line));
+        });
     }
 } catcher;
 
@@ -76,5 +81,6 @@ AudioFile::Properties AudioFile::properties(const QString& path)
 
 QStringList AudioFile::takeLog()
 {
+    const std::lock_guard<std::mutex> lock(linesMutex);
     return std::exchange(lines, QStringList());
 }

@@ -1,0 +1,288 @@
+#include "songlibrary.h"
+
+#include <QFileInfo>
+#include <QtTest>
+
+#include <fcntl.h>
+#include <functional>
+#include <memory>
+#include <sys/file.h>
+#include <unistd.h>
+
+using LibraryCalls::contentOf;
+using LibraryCalls::Edit;
+
+/// Puts something at the journal's name; `precious` is a file that must not suffer.
+using Obstacle = std::function<bool(const QString& journal, const QString& precious)>;
+Q_DECLARE_METATYPE(Obstacle)
+
+namespace {
+constexpr int writingPause = 10000; // the longest wait for a writing in the background
+} // namespace
+
+class TestLibraryJournal : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void aJournalThatIsLeftIsApplied();
+    void aTornLineIsNoChange();
+    void aTornLineIsForgottenByTheNextChange();
+    void aDamagedLineIsToldAndKept();
+    void anEditThatFailedIsNoDamage();
+    void whatIsNoJournalIsLeftAlone_data();
+    void whatIsNoJournalIsLeftAlone();
+    void whatIsEmptyBecomesTheJournal_data();
+    void whatIsEmptyBecomesTheJournal();
+    void anotherProcessKeepsItsJournal();
+    void aJournalThatAnotherTookThePlaceOfStays();
+
+private:
+    QByteArray leftBy(const std::function<void()>& changes);
+    int countWith(const QByteArray& journal);
+
+    std::unique_ptr<SongLibrary> m_songs;
+    QByteArray m_before; ///< the library as no change has seen it
+};
+
+void TestLibraryJournal::init()
+{
+    m_songs = std::make_unique<SongLibrary>();
+}
+
+void TestLibraryJournal::cleanup()
+{
+    closeITunesLibrary();
+    QVERIFY2(m_songs->temporaries().isEmpty(), qPrintable(m_songs->temporaries().join(' ')));
+    m_songs.reset();
+}
+
+/// The journal as a kill after the changes leaves it, without the line feeds that lie ready behind its end.
+QByteArray TestLibraryJournal::leftBy(const std::function<void()>& changes)
+{
+    m_songs->makeSongs(6, 1);
+    m_before = m_songs->content();
+    changes();
+    QByteArray left = contentOf(m_songs->journal());
+    while (left.endsWith("\n\n"))
+        left.chop(1);
+    closeITunesLibrary();
+    return left;
+}
+
+/// How many songs the library has with this journal beside it.
+int TestLibraryJournal::countWith(const QByteArray& journal)
+{
+    Fixtures::writeLibrary(m_songs->path(), m_before);
+    Fixtures::writeLibrary(m_songs->journal(), journal);
+    return LibraryCalls::read(m_songs->path()).count;
+}
+
+void TestLibraryJournal::aJournalThatIsLeftIsApplied()
+{
+    m_songs->makeSongs(4, 1);
+    const QByteArray before = m_songs->content();
+    Edit edit;
+    edit.name = "Tab\tand\nline \\n & \xC3\xA9";
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), edit), 0);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    const QByteArray left = contentOf(m_songs->journal());
+    closeITunesLibrary();
+    const QByteArray after = m_songs->content();
+
+    // As a kill before the writing leaves it; read, then prepared only.
+    for (const bool reading : {true, false}) {
+        Fixtures::writeLibrary(m_songs->path(), before);
+        Fixtures::writeLibrary(m_songs->journal(), left);
+        if (reading)
+            QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+        else
+            launchiTunes();
+        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+        QCOMPARE(m_songs->content(), after);
+        closeITunesLibrary();
+    }
+}
+
+void TestLibraryJournal::aTornLineIsNoChange()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    const QByteArray whole = contentOf(m_songs->journal()).trimmed();
+    closeITunesLibrary();
+    for (int size = 0; size <= whole.size(); ++size) {
+        Fixtures::writeLibrary(m_songs->path(), before);
+        Fixtures::writeLibrary(m_songs->journal(), whole.left(size));
+        const bool counts = size == whole.size();
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, counts ? 3 : 4);
+        // The next change does not suffer.
+        if (size % 7 == 0) {
+            QCOMPARE(int(deleteMusic(m_songs->id(3))), 1);
+            closeITunesLibrary();
+            QCOMPARE(LibraryCalls::read(m_songs->path()).count, counts ? 2 : 3);
+        }
+        closeITunesLibrary();
+        QVERIFY(!QFile::exists(m_songs->journal()));
+    }
+}
+
+void TestLibraryJournal::anotherProcessKeepsItsJournal()
+{
+    const QByteArray theirs = leftBy([this] { deleteMusic(m_songs->id(1)); });
+    m_songs->makeSongs(3);
+    Fixtures::writeLibrary(m_songs->journal(), theirs);
+    const int lock = ::open(QFile::encodeName(m_songs->journal()).constData(), O_RDWR | O_CLOEXEC);
+    QCOMPARE(::flock(lock, LOCK_EX | LOCK_NB), 0);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 0);
+    QCOMPARE(AudioFile::takeLog().size(), 1);
+    QCOMPARE(LibraryCalls::read().count, 3);
+    closeITunesLibrary();
+    QCOMPARE(contentOf(m_songs->journal()), theirs);
+    ::close(lock);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    QCOMPARE(LibraryCalls::read().count, 1); // without the other's, too
+}
+
+void TestLibraryJournal::aTornLineIsForgottenByTheNextChange()
+{
+    const QByteArray whole = leftBy([this] { deleteMusic(m_songs->id(0)); });
+    QCOMPARE(countWith(whole.chopped(5)), 6);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    const QByteArray next = contentOf(m_songs->journal());
+    closeITunesLibrary();
+    // As if another kill had left that: nothing in it is damaged.
+    QCOMPARE(countWith(next), 5);
+    closeITunesLibrary();
+    QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
+void TestLibraryJournal::aDamagedLineIsToldAndKept()
+{
+    const QByteArray whole = leftBy([this] {
+        for (const int song : {1, 2, 3})
+            deleteMusic(m_songs->id(song));
+    });
+    QByteArray damaged = whole;
+    const int at = damaged.indexOf(Fixtures::itunesIdentifier(m_songs->id(2)));
+    damaged[at] = damaged.at(at) == '7' ? '8' : '7';
+    QCOMPARE(countWith(damaged), 4);
+    const QStringList log = AudioFile::takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY2(log.first().contains("(1)"), qPrintable(log.first()));
+    const QString kept = m_songs->journal() + "-damaged";
+    QCOMPARE(contentOf(kept), damaged);
+    // Not told again, nor taken for something else.
+    const QByteArray next = contentOf(m_songs->journal());
+    closeITunesLibrary();
+    QVERIFY(!QFile::exists(m_songs->journal()));
+    QCOMPARE(countWith(next), 4);
+    closeITunesLibrary();
+    QVERIFY(AudioFile::takeLog().isEmpty());
+    QCOMPARE(contentOf(kept), damaged);
+}
+
+void TestLibraryJournal::anEditThatFailedIsNoDamage()
+{
+    const QByteArray whole = leftBy([this] {
+        QVERIFY(LibraryCalls::edit(m_songs->id(5), Edit()) != 0); // there is no such file
+        deleteMusic(m_songs->id(1));
+    });
+    AudioFile::takeLog();
+    QCOMPARE(countWith(whole), 5);
+    closeITunesLibrary();
+    QVERIFY(AudioFile::takeLog().isEmpty());
+    QVERIFY(!QFile::exists(m_songs->journal() + "-damaged"));
+}
+
+void TestLibraryJournal::whatIsNoJournalIsLeftAlone_data()
+{
+    const auto encoded = [](const QString& path) { return QFile::encodeName(path); };
+    QTest::addColumn<Obstacle>("make");
+    QTest::newRow("a link") << Obstacle(
+        [](auto& journal, auto& precious) { return QFile::link(precious, journal); });
+    QTest::newRow("a link to a link") << Obstacle([](auto& journal, auto& precious) {
+        return QFile::link(precious, journal + "2") && QFile::link(journal + "2", journal);
+    });
+    QTest::newRow("a link to nothing")
+        << Obstacle([](auto& journal, auto& precious) { return QFile::link(precious + "2", journal); });
+    QTest::newRow("a hard link") << Obstacle([encoded](auto& journal, auto& precious) {
+        return ::link(encoded(precious).constData(), encoded(journal).constData()) == 0;
+    });
+    QTest::newRow("a pipe") << Obstacle(
+        [encoded](auto& journal, auto&) { return ::mkfifo(encoded(journal).constData(), 0600) == 0; });
+    QTest::newRow("a folder") << Obstacle([](auto& journal, auto&) { return QDir().mkdir(journal); });
+    QTest::newRow("another file") << Obstacle(
+        [](auto& journal, auto& precious) { return QFile::copy(precious, journal); });
+    QTest::newRow("another file that begins blank") << Obstacle([](auto& journal, auto&) {
+        return !Fixtures::writeLibrary(journal, QByteArray(100000, '\n') + "precious").isEmpty();
+    });
+}
+
+void TestLibraryJournal::whatIsNoJournalIsLeftAlone()
+{
+    QFETCH(Obstacle, make);
+    m_songs->makeSongs(3, 1);
+    const QByteArray before = m_songs->content();
+    const QString precious = Fixtures::writeLibrary(m_songs->inFolder("precious"), "+delete\tprecious\n");
+    QVERIFY(make(m_songs->journal(), precious));
+    const bool readable = QFileInfo(m_songs->journal()).isFile(); // a pipe has no content to wait for
+    const QByteArray there = readable ? contentOf(m_songs->journal()) : QByteArray();
+    const ino_t number = fileNumber(m_songs->journal());
+    AudioFile::takeLog();
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 0);
+    QVERIFY(LibraryCalls::edit(m_songs->id(0), Edit()) != 0);
+    QCOMPARE(AudioFile::takeLog().size(), 2);
+    QCOMPARE(LibraryCalls::read().count, 3);
+    closeITunesLibrary();
+    QCOMPARE(contentOf(precious), QByteArray("+delete\tprecious\n"));
+    QVERIFY(!QFile::exists(precious + "2"));
+    QCOMPARE(fileNumber(m_songs->journal()), number);
+    if (readable)
+        QCOMPARE(contentOf(m_songs->journal()), there);
+    QCOMPARE(m_songs->content(), before);
+    QVERIFY(AudioFile::read(m_songs->media(0)).texts.isEmpty());
+    // Out of the way, it costs nothing.
+    QVERIFY(QDir().rename(m_songs->journal(), m_songs->inFolder("moved")));
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+}
+
+void TestLibraryJournal::whatIsEmptyBecomesTheJournal_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("line feeds") << QByteArray(70000, '\n');
+    QTest::newRow("what a power cut leaves") << QByteArray(70000, '\0');
+    QTest::newRow("a beginning") << "melodrift jou" + QByteArray(1000, '\n');
+}
+
+void TestLibraryJournal::whatIsEmptyBecomesTheJournal()
+{
+    QFETCH(QByteArray, bytes);
+    m_songs->makeSongs(3);
+    Fixtures::writeLibrary(m_songs->journal(), bytes);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    const QByteArray left = contentOf(m_songs->journal());
+    QVERIFY(!left.contains('\0'));
+    m_before = m_songs->content();
+    closeITunesLibrary();
+    QCOMPARE(countWith(left), 2);
+    QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
+void TestLibraryJournal::aJournalThatAnotherTookThePlaceOfStays()
+{
+    m_songs->makeSongs(3);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    QVERIFY(QFile::remove(m_songs->journal()));
+    Fixtures::writeLibrary(m_songs->journal(), "of another program");
+    closeITunesLibrary();
+    QCOMPARE(contentOf(m_songs->journal()), QByteArray("of another program"));
+    QVERIFY(QFile::remove(m_songs->journal()));
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 2);
+}
+
+QTEST_GUILESS_MAIN(TestLibraryJournal)
+#include "tst_libraryjournal.moc"
