@@ -252,7 +252,8 @@ void TestLibraryReading::whatIsNoMusicFileHereIsMarked_data()
         QTest::newRow(key) << here + "<key>" + key + "</key><true/>" << false << true;
         QTest::addRow("no %s", key) << here + "<key>" + key + "</key><false/>" << false << false;
     }
-    for (const char* kind : {"MPEG-4 video file", "QuickTime movie file", "PDF document"})
+    for (const char* kind : {"MPEG-4 video file", "QuickTime movie file", "PDF document",
+                             "Protected HD Video file", "Audible file", "Protected AAC Audiobook"})
         QTest::newRow(kind) << here + "<key>Kind</key><string>" + kind + "</string>" << false << true;
     QTest::newRow("a kind of song") << here + "<key>Kind</key><string>MPEG audio file</string>" << false
                                     << false;
