@@ -1,3 +1,4 @@
+#include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
 #include "itunesfixture.h"
@@ -43,6 +44,10 @@ private slots:
     void aChangedPictureTakesTheFilesPlace();
     void noArtworkLeavesNoFile();
     void artworkThatCannotBeWrittenIsTold();
+    void whatIsNoPictureLeavesTheArtwork_data();
+    void whatIsNoPictureLeavesTheArtwork();
+    void picturesOfEveryKindAreTaken_data();
+    void picturesOfEveryKindAreTaken();
     void theOptionWinsOverTheVariable();
     void theUsualPlacesAreLookedAt_data();
     void theUsualPlacesAreLookedAt();
@@ -256,6 +261,60 @@ void TestLibraryAnswers::artworkThatCannotBeWrittenIsTold()
     QDir(m_folder->path()).mkdir("folder");
     QVERIFY(LibraryCalls::writeArtwork(id, inFolder("folder")) != 0);
     QVERIFY(QDir(m_folder->path()).entryList({"*.part*"}, QDir::Files).isEmpty());
+}
+
+void TestLibraryAnswers::whatIsNoPictureLeavesTheArtwork_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("text") << QByteArray("no picture");
+    QTest::newRow("text with letters of a picture") << QByteArray("BMW, and other makers of cars and bikes");
+    QTest::newRow("one byte") << QByteArray("\xFF");
+    QTest::newRow("zeros") << QByteArray(100, '\0');
+    QTest::newRow("a picture behind something") << "x" + Fixtures::jpeg(60, 60, 2);
+    QTest::newRow("sound") << QByteArray("RIFF\x24\0\0\0WAVEfmt ", 16);
+}
+
+void TestLibraryAnswers::whatIsNoPictureLeavesTheArtwork()
+{
+    QFETCH(QByteArray, bytes);
+    const QByteArray artwork = Fixtures::jpeg(50, 50, 1);
+    const quint64 id = addTrack("mp3", artwork);
+    readLibrary();
+    LibraryCalls::Edit edit;
+    edit.cover = Fixtures::writeLibrary(inFolder("cover.jpg"), bytes);
+    QCOMPARE(LibraryCalls::edit(id, edit), 0); // the texts are not lost for it
+    QCOMPARE(AudioFile::read(inFolder("song0.mp3")).picture, artwork);
+    QCOMPARE(AudioFile::read(inFolder("song0.mp3")).texts.value(TAG_TITLE), QString("New name"));
+    const QStringList log = AudioFile::takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY(log.first().contains("cover.jpg"));
+}
+
+void TestLibraryAnswers::picturesOfEveryKindAreTaken_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    for (const char* format : {"JPEG", "PNG", "BMP"})
+        QTest::newRow(format) << QByteArray(format);
+    QTest::newRow("GIF") << QByteArray();
+}
+
+void TestLibraryAnswers::picturesOfEveryKindAreTaken()
+{
+    QFETCH(QByteArray, format);
+    const quint64 id = addTrack("mp3", Fixtures::jpeg(50, 50, 1));
+    readLibrary();
+    LibraryCalls::Edit edit;
+    edit.cover = inFolder("cover");
+    QImage picture(20, 20, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    if (format.isEmpty())
+        Fixtures::writeLibrary(edit.cover,
+                               QByteArray::fromBase64("R0lGODlhAQABAAAAACwAAAAAAQABAAACAkQBADs="));
+    else
+        QVERIFY(picture.save(edit.cover, format.constData()));
+    QCOMPARE(LibraryCalls::edit(id, edit), 0);
+    QCOMPARE(AudioFile::read(inFolder("song0.mp3")).picture, contentOf(edit.cover));
+    QVERIFY(AudioFile::takeLog().isEmpty());
 }
 
 void TestLibraryAnswers::theOptionWinsOverTheVariable()
