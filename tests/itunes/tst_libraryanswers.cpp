@@ -4,6 +4,8 @@
 #include "itunesfixture.h"
 #include "librarycalls.h"
 
+#include <expat.h>
+
 #include <QDir>
 #include <QImage>
 #include <QTemporaryDir>
@@ -21,6 +23,33 @@ struct stat stateOf(const QString& path)
     struct stat status = {};
     ::stat(QFile::encodeName(path).constData(), &status);
     return status;
+}
+
+/// The title that another program finds in a library of one track; no text when it refuses the file.
+QString titleForOthers(const QByteArray& document)
+{
+    struct Found
+    {
+        QByteArray text;
+        QByteArray key;
+        QByteArray title;
+    } found;
+    const XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetUserData(parser, &found);
+    XML_SetElementHandler(
+        parser, [](void* data, const char*, const char**) { static_cast<Found*>(data)->text.clear(); },
+        [](void* data, const char*) {
+            auto* const here = static_cast<Found*>(data);
+            if (here->key == "Name")
+                here->title = here->text;
+            here->key = here->text;
+        });
+    XML_SetCharacterDataHandler(parser, [](void* data, const char* bytes, int size) {
+        static_cast<Found*>(data)->text.append(bytes, size);
+    });
+    const bool sound = XML_Parse(parser, document.constData(), document.size(), 1) == XML_STATUS_OK;
+    XML_ParserFree(parser);
+    return sound ? QString::fromUtf8(found.title) : QString();
 }
 } // namespace
 
@@ -48,6 +77,8 @@ private slots:
     void whatIsNoPictureLeavesTheArtwork();
     void picturesOfEveryKindAreTaken_data();
     void picturesOfEveryKindAreTaken();
+    void othersReadWhatWasEdited_data();
+    void othersReadWhatWasEdited();
     void theOptionWinsOverTheVariable();
     void theUsualPlacesAreLookedAt_data();
     void theUsualPlacesAreLookedAt();
@@ -315,6 +346,49 @@ void TestLibraryAnswers::picturesOfEveryKindAreTaken()
     QCOMPARE(LibraryCalls::edit(id, edit), 0);
     QCOMPARE(AudioFile::read(inFolder("song0.mp3")).picture, contentOf(edit.cover));
     QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
+void TestLibraryAnswers::othersReadWhatWasEdited_data()
+{
+    QTest::addColumn<QByteArray>("encoding");
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<QString>("title");
+    const QByteArray umlaut = QString::fromUtf8("Mot\xC3\xB6r \xF0\x9F\x98\x80").toUtf8();
+    for (const char* encoding : {"UTF-8", "utf-8", "ISO-8859-1", "US-ASCII"}) {
+        QTest::addRow("umlauts in %s", encoding)
+            << QByteArray(encoding) << umlaut << QString::fromUtf8(umlaut);
+        QTest::addRow("no characters in %s", encoding)
+            << QByteArray(encoding) << QByteArray("a\xEF\xBF\xBF\xEF\xBF\xBE<b>&\x01\xFF")
+            << QString("a\uFFFD\uFFFD<b>&\uFFFD");
+    }
+}
+
+void TestLibraryAnswers::othersReadWhatWasEdited()
+{
+    QFETCH(QByteArray, encoding);
+    QFETCH(QByteArray, written);
+    QFETCH(QString, title);
+    const quint64 id = addTrack("mp3", QByteArray());
+    m_tracks[0].name = "Title";
+    m_tracks[0].further = "\t\t\t<key>Comments</key><string>caf\xC3\xA9</string>\n";
+    QByteArray document = Fixtures::itunesLibrary(m_tracks);
+    document.replace("encoding=\"UTF-8\"", "encoding=\"" + encoding + "\"");
+    if (encoding == "ISO-8859-1")
+        document.replace("caf\xC3\xA9", "caf\xE9");
+    else if (encoding == "US-ASCII")
+        document.replace("caf\xC3\xA9", "caf&#233;");
+    const QString path = Fixtures::writeLibrary(inFolder("Library.xml"), document);
+    QCOMPARE(LibraryCalls::read(path).count, 1);
+    QCOMPARE(titleForOthers(contentOf(path)), QString("Title"));
+    LibraryCalls::Edit edit;
+    edit.name = written;
+    QCOMPARE(LibraryCalls::edit(id, edit), 0);
+    closeITunesLibrary();
+    QCOMPARE(titleForOthers(contentOf(path)), title);
+    QCOMPARE(LibraryCalls::names(LibraryCalls::read(path)), QStringList(title));
+    // Characters of the file that nobody edited stay as they are.
+    const int comments = document.indexOf("<key>Comments");
+    QVERIFY(contentOf(path).contains(document.mid(comments, document.indexOf('\n', comments) - comments)));
 }
 
 void TestLibraryAnswers::theOptionWinsOverTheVariable()
