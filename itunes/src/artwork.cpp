@@ -41,7 +41,7 @@ bool itunes::isPicture(const std::vector<char>& bytes)
     // Two letters alone may begin any text; the size of the header, below 256, has three zeros.
     constexpr std::size_t headerSize = 14;
     return all.substr(0, 2) == "BM" && all.size() > headerSize + 4 &&
-           all.substr(headerSize + 1, 3) == std::string_view("\0\0", 3);
+           all.substr(headerSize + 1, 3) == std::string_view("\0\0\0", 3);
 }
 
 std::optional<std::vector<char>> itunes::pictureFile(const std::string& path)
