@@ -62,13 +62,13 @@ std::string contentOf(const std::string& path)
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// An edit as the calls take it: the name holds bytes of the input, and always what XML forbids.
+/// An edit as the calls take it: the name always holds what XML forbids, and then bytes of the input.
 itunes::TrackEdit editOf(const std::uint8_t* data, std::size_t size)
 {
     constexpr std::size_t longest = 40;
     const std::string bytes(data, data + std::min(size, longest));
-    return {itunes::cleanText((bytes.c_str() + std::string("a<&>\r\n\xEF\xBF\xBF\x01")).c_str()), "",
-            "\xC3\xA9", "Pop", 1999};
+    const std::string name = "a<&>\r\n\xEF\xBF\xBF\x01" + bytes;
+    return {itunes::cleanText(name.c_str()), "", "\xC3\xA9", "Pop", 1999};
 }
 
 /// What is written must read as it was promised.
