@@ -1,13 +1,20 @@
-// Arbitrary bytes as a music library: read, and if that succeeds changed, written and read again.
+// Arbitrary bytes as a music library: read, and if that succeeds changed, written and read again. What was
+// XML for another parser must be so afterwards.
 #include "audiocore/log.h"
 #include "libraryreading.h"
 #include "librarywrite.h"
+#include "localtext.h"
 
+#include <expat.h>
+
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <unistd.h>
 
@@ -40,6 +47,30 @@ bool same(const char* a, const char* b)
     return a == b || (a && b && std::strcmp(a, b) == 0);
 }
 
+/// Whether another parser takes the document. One with a document type may lean on what only it resolves.
+bool isXml(const std::string& document)
+{
+    XML_Parser const parser = XML_ParserCreate(nullptr);
+    const bool sound = XML_Parse(parser, document.data(), int(document.size()), 1) == XML_STATUS_OK;
+    XML_ParserFree(parser);
+    return sound && document.find("<!DOCTYPE") == std::string::npos;
+}
+
+std::string contentOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// An edit as the calls take it: the name always holds what XML forbids, and then bytes of the input.
+itunes::TrackEdit editOf(const std::uint8_t* data, std::size_t size)
+{
+    constexpr std::size_t longest = 40;
+    const std::string bytes(data, data + std::min(size, longest));
+    const std::string name = "a<&>\r\n\xEF\xBF\xBF\x01" + bytes;
+    return {itunes::cleanText(name.c_str()), "", "\xC3\xA9", "Pop", 1999};
+}
+
 /// What is written must read as it was promised.
 void expectEqual(itunes::TrackStore& promised, itunes::TrackStore& written)
 {
@@ -66,10 +97,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!store)
         return 0;
     // Every other track is edited, the rest deleted.
+    const itunes::TrackEdit edit = editOf(data, size);
     itunes::TrackChanges changes;
     for (int i = 0; i < store->count(); ++i)
         if (const char* id = store->records()[i].persistentId)
-            changes[std::strtoull(id, nullptr, 16)] = {i % 2 == 1, {"a<&>\r\n", "", "\xC3\xA9", "Pop", 1999}};
+            changes[std::strtoull(id, nullptr, 16)] = {i % 2 == 1, edit};
     const std::unique_ptr<itunes::TrackStore> promised = read(path, changes);
     std::string error;
     if (!promised || !itunes::writeChanges(path, changes, error))
@@ -78,5 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!written)
         std::abort();
     expectEqual(*promised, *written);
+    if (isXml({data, data + size}) && !isXml(contentOf(path)))
+        std::abort();
     return 0;
 }

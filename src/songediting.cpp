@@ -119,9 +119,10 @@ SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
     const int failed =
         set_trackWithPresistentID(EyeTunes::sharedInstance(), id, track.name, track.album, track.artist,
                                   track.genre, edit.year, song.coverPath.toLocal8Bit().constData());
-    // A library that does not know the track has no better location to offer.
+    // A library that does not know the track has no better location to offer, nor has an answer that ends
+    // where the buffer did.
     const QByteArray location = currentLocation(id);
-    if (!location.isEmpty())
+    if (!location.isEmpty() && !QByteArray(track.location).startsWith(location))
         track.location = lastingCopy(location);
     return {failed == 0, failed == 0};
 }

@@ -11,6 +11,18 @@ namespace {
 /// What stands before the path in a track's location: "file://localhost".
 constexpr int locationPrefix = 16;
 
+/// The file behind a track's location.
+QString fileAt(const QString& location)
+{
+    QString path = QUrl::fromPercentEncoding(location.mid(locationPrefix).toUtf8());
+#ifdef Q_OS_WIN
+    // A drive's letter stands behind the slash that begins every path: "/C:/Music".
+    if (path.startsWith(QLatin1Char('/')) && path.mid(2, 1) == QLatin1String(":"))
+        path.remove(0, 1);
+#endif
+    return path;
+}
+
 QString fromUtf8(const char* text)
 {
     return QString::fromUtf8(text);
@@ -139,9 +151,6 @@ quint64 SongFields::persistentId(const QMusicInfo* song)
 QString SongFields::audioPath(const QMusicInfo* song)
 {
     return field(
-        song,
-        [](const iTunesTrackRecord& track) {
-            return QUrl::fromPercentEncoding(fromUtf8(track.location).mid(locationPrefix).toUtf8());
-        },
+        song, [](const iTunesTrackRecord& track) { return fileAt(fromUtf8(track.location)); },
         [](const LocalMusicInfo& local) { return local.filePath; });
 }

@@ -3,6 +3,7 @@
 #include "libraryreading.h"
 #include "platform.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -28,6 +29,20 @@ bool writeFile(const std::vector<char>& bytes, const fs::path& path)
     return !file.fail();
 }
 } // namespace
+
+bool itunes::isPicture(const std::vector<char>& bytes)
+{
+    const std::string_view all(bytes.data(), bytes.size());
+    for (const std::string_view begin : {"\xFF\xD8\xFF", "\x89PNG\r\n\x1A\n", "GIF87a", "GIF89a"})
+        if (all.substr(0, begin.size()) == begin)
+            return true;
+    if (all.substr(0, 4) == "RIFF")
+        return all.substr(std::min<std::size_t>(8, all.size()), 4) == "WEBP";
+    // Two letters alone may begin any text; the size of the header, below 256, has three zeros.
+    constexpr std::size_t headerSize = 14;
+    return all.substr(0, 2) == "BM" && all.size() > headerSize + 4 &&
+           all.substr(headerSize + 1, 3) == std::string_view("\0\0\0", 3);
+}
 
 std::optional<std::vector<char>> itunes::pictureFile(const std::string& path)
 {

@@ -24,6 +24,9 @@ private:
     std::map<std::pair<std::size_t, std::size_t>, std::string> m_files;
 };
 
+/// Whether the bytes begin as pictures do that media files may hold.
+bool isPicture(const std::vector<char>& bytes);
+
 /// A picture file's bytes: empty when there is no such file, nothing when it is too large or cannot be read.
 std::optional<std::vector<char>> pictureFile(const std::string& path);
 } // namespace itunes

@@ -2,6 +2,9 @@
 
 #include "platform.h"
 
+#include <algorithm>
+#include <string_view>
+
 using itunes::ByteSource;
 using itunes::Encoding;
 
@@ -9,17 +12,44 @@ namespace {
 constexpr std::size_t rawBlock = 128 * 1024;
 constexpr unsigned replacement = 0xFFFD;
 
-Encoding encodingOf(const unsigned char* head, std::size_t size)
+constexpr std::size_t longestDeclaration = 256;
+
+Encoding encodingOf(std::string_view head)
 {
-    if (size < 2)
+    if (head.size() < 2)
         return Encoding::Utf8;
-    const unsigned first = head[0];
-    const unsigned second = head[1];
+    const auto first = static_cast<unsigned char>(head[0]);
+    const auto second = static_cast<unsigned char>(head[1]);
     if ((first == 0xFF && second == 0xFE) || (first == '<' && second == 0))
         return Encoding::Utf16Little;
     if ((first == 0xFE && second == 0xFF) || (first == 0 && second == '<'))
         return Encoding::Utf16Big;
     return Encoding::Utf8;
+}
+
+/// The encoding that an XML declaration names; empty for none.
+std::string_view declaredEncoding(std::string_view head)
+{
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    constexpr std::string_view word = "encoding";
+    if (head.substr(0, mark.size()) == mark)
+        head.remove_prefix(mark.size());
+    if (head.substr(0, 5) != "<?xml")
+        return {};
+    head = head.substr(0, head.find("?>"));
+    const std::size_t at = head.find(word);
+    const std::size_t quote = at == std::string_view::npos ? at : head.find_first_of("\"'", at + word.size());
+    if (quote == std::string_view::npos)
+        return {};
+    head.remove_prefix(quote + 1);
+    return head.substr(0, head.find_first_of("\"'"));
+}
+
+bool isUtf8(std::string_view name)
+{
+    constexpr std::string_view utf8 = "utf-8";
+    return std::equal(name.begin(), name.end(), utf8.begin(), utf8.end(),
+                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b; });
 }
 
 bool isHigh(unsigned unit)
@@ -84,15 +114,11 @@ unsigned characterAt(const std::string& text, std::size_t& at)
 
 ByteSource::ByteSource(std::FILE* file) : m_file(file)
 {
-    unsigned char head[2] = {};
-    m_encoding = encodingOf(head, audiocore::platform::readAt(file, 0, head, sizeof head));
-}
-
-void ByteSource::rewind()
-{
-    m_offset = 0;
-    m_raw.clear();
-    m_at = 0;
+    char bytes[longestDeclaration];
+    const std::string_view head(bytes, audiocore::platform::readAt(file, 0, bytes, sizeof bytes));
+    const std::string_view declared = declaredEncoding(head);
+    m_encoding = encodingOf(head);
+    m_declaredOther = m_encoding == Encoding::Utf8 && !declared.empty() && !isUtf8(declared);
 }
 
 std::size_t ByteSource::read(char* bytes, std::size_t count)
@@ -161,6 +187,19 @@ std::string itunes::encoded(const std::string& text, Encoding encoding)
         } else {
             putUnit(out, c, encoding);
         }
+    }
+    return out;
+}
+
+std::string itunes::inReferences(const std::string& text)
+{
+    std::string out;
+    for (std::size_t at = 0; at < text.size();) {
+        const unsigned c = characterAt(text, at);
+        if (c < 0x80)
+            out += char(c);
+        else
+            out += "&#" + std::to_string(c) + ';';
     }
     return out;
 }

@@ -19,7 +19,8 @@ public:
     explicit ByteSource(std::FILE* file);
 
     Encoding encoding() const { return m_encoding; }
-    void rewind();
+    /// Whether the file says to be in another encoding: then only ASCII may be put into it.
+    bool isDeclaredOther() const { return m_declaredOther; }
     /// The bytes read; 0 at the end, never for want of room: `count` is at least 8.
     std::size_t read(char* bytes, std::size_t count);
 
@@ -30,6 +31,7 @@ private:
 
     std::FILE* m_file;
     Encoding m_encoding = Encoding::Utf8;
+    bool m_declaredOther = false;
     std::int64_t m_offset = 0;
     std::vector<unsigned char> m_raw; ///< UTF-16 that waits
     std::size_t m_at = 0;
@@ -37,4 +39,6 @@ private:
 
 /// UTF-8 as ByteSource gives it, in the encoding that it came from.
 std::string encoded(const std::string& text, Encoding encoding);
+/// The same characters in ASCII: numeric references in place of all others.
+std::string inReferences(const std::string& text);
 } // namespace itunes

@@ -3,22 +3,50 @@
 #include "musiclibrary.h"
 
 #ifdef __APPLE__
+#include <cerrno>
 #include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
 
 extern char** environ;
 
-void launchiTunes()
+namespace {
+/// False when there is no such program. Waits for the system's answer.
+bool startedProgram(const char* bundle)
 {
-    const char* const arguments[] = {"open", "-g", "-b", "com.apple.Music", nullptr};
+    const char* const arguments[] = {"open", "-g", "-b", bundle, nullptr};
     pid_t child = 0;
-    posix_spawn(&child, "/usr/bin/open", nullptr, nullptr, const_cast<char* const*>(arguments), environ);
+    if (posix_spawn(&child, "/usr/bin/open", nullptr, nullptr, const_cast<char* const*>(arguments),
+                    environ) != 0)
+        return false;
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0)
+        if (errno != EINTR)
+            return true;
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
+
+/// Older systems have the music program under its former name.
+void startMusicProgram()
+{
+    std::thread([] {
+        if (!startedProgram("com.apple.Music"))
+            startedProgram("com.apple.iTunes");
+    }).detach();
+}
+} // namespace
 #else
+namespace {
+void startMusicProgram() {}
+} // namespace
+#endif
+
 void launchiTunes()
 {
+    // What an earlier run left comes before what the program reads or writes.
     itunes::MusicLibrary::instance().prepare();
+    startMusicProgram();
 }
-#endif
 
 unsigned char deleteMusic(uint64_t persistentId)
 {

@@ -3,8 +3,10 @@
 #include "platform.h"
 #include "trackreader.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <vector>
 
 using itunes::File;
 

@@ -93,7 +93,7 @@ bool copySpliced(std::FILE* from, std::FILE* to, const std::vector<Splice>& spli
         };
         for (; splice != splices.end() && splice->old.begin < end; ++splice) {
             copyTo(splice->old.begin);
-            writer.add(splice->text);
+            writer.add(source.isDeclaredOther() ? itunes::inReferences(splice->text) : splice->text);
             done = std::max(done, splice->old.end);
         }
         copyTo(end);

@@ -105,10 +105,14 @@ bool MusicLibrary::edit(std::uint64_t id, const TrackEdit& edit, const std::stri
         audiocore::logLine("the music library", "the track has no file to edit");
         return false;
     }
-    const std::optional<std::vector<char>> picture = pictureFile(coverPath);
+    std::optional<std::vector<char>> picture = pictureFile(coverPath);
     if (!picture) {
         audiocore::logLine(coverPath, "is no picture file that can be read, the track was not changed");
         return false;
+    }
+    if (!picture->empty() && !isPicture(*picture)) {
+        audiocore::logLine(coverPath, "is no picture, the track's artwork stays as it is");
+        picture->clear();
     }
     return track->file->edit(id, edit, [&] { return writeTags(track->mediaPath, edit, *picture); });
 }

@@ -2,6 +2,8 @@
 
 #include "location.h"
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 
 using itunes::TrackReader;
@@ -19,11 +21,19 @@ bool saysNoSong(itunes::Field field)
            field == Field::MusicVideo || field == Field::Podcast || field == Field::Audiobook;
 }
 
-/// Old libraries tell films, and all of them the booklets of albums, by the kind alone.
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? char(c + ('a' - 'A')) : c;
+}
+
+/// Old libraries tell films and audiobooks, and all of them the booklets of albums, by the kind alone.
 bool isKindOfNoSong(std::string_view kind)
 {
-    return kind.find("video") != std::string_view::npos || kind.find("movie") != std::string_view::npos ||
-           kind.find("PDF") != std::string_view::npos;
+    constexpr std::string_view words[] = {"video", "movie", "pdf", "audible", "audiobook"};
+    return std::any_of(std::begin(words), std::end(words), [kind](std::string_view word) {
+        return std::search(kind.begin(), kind.end(), word.begin(), word.end(),
+                           [](char a, char b) { return lower(a) == b; }) != kind.end();
+    });
 }
 } // namespace
 
@@ -67,8 +77,7 @@ void TrackReader::trackHas(const Pair& pair)
         m_record.genre = m_genre.keep(pair.text, texts);
         break;
     case Field::Kind:
-        m_record.kind = m_kind.keep(pair.text, texts);
-        m_record.skipB = m_record.skipB || isKindOfNoSong(pair.text);
+        takeKind(pair.text);
         break;
     case Field::PersistentId:
         // It names a file: nothing but digits passes.
@@ -85,6 +94,16 @@ void TrackReader::trackHas(const Pair& pair)
         if (saysNoSong(pair.field) && isSet(pair.text))
             m_record.skipB = 1;
     }
+}
+
+void TrackReader::takeKind(std::string_view kind)
+{
+    m_record.kind = m_kind.keep(kind, m_store.texts());
+    if (m_record.kind != m_judgedKind) {
+        m_judgedKind = m_record.kind;
+        m_judgedNoSong = isKindOfNoSong(kind);
+    }
+    m_record.skipB = m_record.skipB || m_judgedNoSong;
 }
 
 /// The record's number for a field; null for a field that is none.

@@ -38,6 +38,7 @@ private:
     };
 
     std::uint64_t* numberFor(Field field);
+    void takeKind(std::string_view kind);
     void applyChange(const TrackEdit& edit);
 
     TrackStore& m_store;
@@ -50,5 +51,7 @@ private:
     Repeated m_album;
     Repeated m_genre;
     Repeated m_kind;
+    const char* m_judgedKind = nullptr; ///< of this one is known whether it is one of no song
+    bool m_judgedNoSong = false;
 };
 } // namespace itunes

@@ -29,15 +29,6 @@ std::size_t behindAttribute(std::string_view text, std::size_t at)
     const std::size_t close = text.find(text[at], at + 1);
     return close == none ? none : close + 1;
 }
-
-/// The index of the last byte of the quoted text or the comment at `at`; none when it does not end.
-std::size_t quotedEnd(std::string_view text, std::size_t at)
-{
-    if (text[at] != '<')
-        return text.find(text[at], at + 1);
-    const std::size_t end = text.find("-->", at + 4);
-    return end == none ? none : end + 2;
-}
 } // namespace
 
 std::size_t xml::openTagEnd(std::string_view text)
@@ -55,22 +46,34 @@ std::size_t xml::openTagEnd(std::string_view text)
     return 0;
 }
 
+std::size_t xml::passedEnd(std::string_view text, std::size_t at)
+{
+    if (text[at] == '"' || text[at] == '\'')
+        return text.find(text[at], at + 1);
+    if (text[at] != '<')
+        return at;
+    const bool comment = text.substr(at, 4) == "<!--";
+    if (!comment && text.substr(at, 2) != "<?")
+        return at;
+    const std::size_t end = comment ? text.find("-->", at + 4) : text.find("?>", at + 2);
+    return end == none ? none : end + (comment ? 2 : 1);
+}
+
 std::size_t xml::documentTypeSize(std::string_view text)
 {
     int brackets = 0;
     for (std::size_t i = 2; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '"' || c == '\'' || text.substr(i, 4) == "<!--") {
-            i = quotedEnd(text, i);
-            if (i == none)
-                return 0;
-        } else if (c == '[') {
+        const std::size_t end = passedEnd(text, i);
+        if (end == none)
+            return 0;
+        if (end > i)
+            i = end;
+        else if (text[i] == '[')
             ++brackets;
-        } else if (c == ']') {
+        else if (text[i] == ']')
             --brackets;
-        } else if (c == '>' && brackets <= 0) {
+        else if (text[i] == '>' && brackets <= 0)
             return i + 1;
-        }
     }
     return 0;
 }

@@ -34,6 +34,9 @@ inline bool startsName(char c)
 /// The index of the ">" that ends the opening tag at the text's beginning; 0 when there is none, or another
 /// tag before it.
 std::size_t openTagEnd(std::string_view text);
+/// The index of the last byte of the quoted text, comment or instruction at `at` of a document type; `at`
+/// where none begins, npos for one that does not end.
+std::size_t passedEnd(std::string_view text, std::size_t at);
 /// The number of bytes of the document type at the text's beginning; 0 when it does not end.
 std::size_t documentTypeSize(std::string_view text);
 /// Whether what stands between a tag's name and its end are attributes.

@@ -1,6 +1,7 @@
 #include "xmltext.h"
 
 #include "text.h"
+#include "xmlgrammar.h"
 
 #include <algorithm>
 #include <array>
@@ -30,9 +31,15 @@ constexpr std::array<bool, 256> plainBytes()
     return plain;
 }
 
+/// XML allows the last two numbers of every plane but the first.
+bool isCharacter(std::uint32_t c)
+{
+    return audiocore::isCharacter(c) && c != 0xFFFE && c != 0xFFFF;
+}
+
 void appendCharacter(std::uint32_t c, std::string& out)
 {
-    if (!audiocore::isCharacter(c))
+    if (!isCharacter(c))
         out += replacement;
     else if (!isControl(c))
         audiocore::appendUtf8(out, c);
@@ -58,7 +65,8 @@ std::size_t appendBytes(std::string_view raw, std::size_t at, std::string& out)
                      ? 4
                      : 0;
     const bool half = first == 0xED && second >= 0xA0 && length == 3;
-    if (length == 0 || half)
+    const bool none = first == 0xEF && second == 0xBF && length == 3 && byte(at + 2) >= 0xBE;
+    if (length == 0 || half || none)
         out += replacement;
     else
         out.append(raw.substr(at, length));
@@ -108,21 +116,32 @@ std::uint32_t lowHalfAt(std::string_view raw, std::size_t at, std::size_t& end)
     return number >= 0xDC00 && number < 0xE000 ? number : 0;
 }
 
-bool appendKnown(std::string_view name, std::string& out)
+/// The character that one of the names stands for which nobody has to declare; 0 for another name.
+char knownCharacter(std::string_view name)
 {
-    static const std::pair<std::string_view, char> known[] = {
+    static constexpr std::pair<std::string_view, char> known[] = {
         {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
-    for (const auto& [text, c] : known) {
-        if (name == text) {
-            out += c;
-            return true;
-        }
-    }
-    return false;
+    for (const auto& [text, c] : known)
+        if (name == text)
+            return c;
+    return 0;
+}
+
+/// Which references are resolved; others stand for themselves.
+enum class Resolved { None, Numbers, NumbersAndKnown, All };
+
+/// Appends what a name stands for; false for one that stands for itself.
+bool appendNamed(std::string_view name, Resolved resolved, Entities* entities, std::string& out)
+{
+    const char known = resolved == Resolved::Numbers ? char(0) : knownCharacter(name);
+    if (known)
+        out += known;
+    return known || (resolved == Resolved::All && entities->append(name, out));
 }
 
 /// Resolves the reference at `at`; where the text goes on.
-std::size_t appendReference(std::string_view raw, std::size_t at, Entities& entities, std::string& out)
+std::size_t appendReference(std::string_view raw, std::size_t at, Resolved resolved, Entities* entities,
+                            std::string& out)
 {
     const std::string_view name = referenceAt(raw, at);
     const std::size_t end = at + name.size() + 2;
@@ -133,18 +152,19 @@ std::size_t appendReference(std::string_view raw, std::size_t at, Entities& enti
         appendCharacter(low ? 0x10000 + ((number - 0xD800) << 10) + (low - 0xDC00) : number, out);
         return low ? pairEnd : end;
     }
-    if (!name.empty() && (appendKnown(name, out) || entities.append(name, out)))
+    if (!name.empty() && appendNamed(name, resolved, entities, out))
         return end;
     out += '&';
     return at + 1;
 }
 
-void append(std::string_view raw, Entities* entities, std::string& out)
+/// `entities` only count where all references are resolved.
+void append(std::string_view raw, Resolved resolved, Entities* entities, std::string& out)
 {
     for (std::size_t at = 0; at < raw.size();) {
         const auto c = static_cast<unsigned char>(raw[at]);
-        if (c == '&' && entities) {
-            at = appendReference(raw, at, *entities, out);
+        if (c == '&' && resolved != Resolved::None) {
+            at = appendReference(raw, at, resolved, entities, out);
         } else if (c >= 0x80) {
             at = appendBytes(raw, at, out);
         } else {
@@ -157,14 +177,28 @@ void append(std::string_view raw, Entities* entities, std::string& out)
         }
     }
 }
+
+/// Whether the text refers to anything that would have to be declared.
+bool namesEntities(std::string_view text)
+{
+    for (std::size_t at = text.find('&'); at != std::string_view::npos; at = text.find('&', at + 1)) {
+        const std::string_view name = referenceAt(text, at);
+        if (!name.empty() && referenceNumber(name) == noReference && knownCharacter(name) == 0)
+            return true;
+    }
+    return false;
+}
 } // namespace
 
 bool Entities::declare(std::string_view documentType)
 {
-    for (std::size_t at = documentType.find("<!ENTITY"); at != std::string_view::npos;
-         at = documentType.find("<!ENTITY", at + 1))
-        if (!declareOne(documentType.substr(at + std::strlen("<!ENTITY"))))
+    constexpr std::string_view declaration = "<!ENTITY";
+    for (std::size_t at = 0; at < documentType.size(); ++at) {
+        if (documentType.substr(at, declaration.size()) == declaration &&
+            !declareOne(documentType.substr(at + declaration.size())))
             return false;
+        at = std::min(xml::passedEnd(documentType, at), documentType.size() - 1);
+    }
     return true;
 }
 
@@ -182,8 +216,8 @@ bool Entities::declareOne(std::string_view declaration)
         const std::size_t length = inside.find(quote);
         if (length > longestEntity) // or none
             return false;
-        text = inside.substr(0, length);
-        if (text.find_first_of("&%") != std::string::npos)
+        ::append(inside.substr(0, length), Resolved::Numbers, nullptr, text);
+        if (namesEntities(text))
             return false;
     }
     m_values.emplace(declaration.substr(name, nameEnd - name), text);
@@ -197,18 +231,18 @@ bool Entities::append(std::string_view name, std::string& out)
         return false;
     m_expanded += found->second.size();
     if (m_expanded <= largestExpansion)
-        appendLiteral(found->second, out);
+        ::append(found->second, Resolved::NumbersAndKnown, nullptr, out);
     return true;
 }
 
 void itunes::appendText(std::string_view raw, Entities& entities, std::string& out)
 {
-    append(raw, &entities, out);
+    append(raw, Resolved::All, &entities, out);
 }
 
 void itunes::appendLiteral(std::string_view raw, std::string& out)
 {
-    append(raw, nullptr, out);
+    append(raw, Resolved::None, nullptr, out);
 }
 
 bool itunes::isPlain(std::string_view raw)

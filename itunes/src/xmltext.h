@@ -10,8 +10,8 @@ namespace itunes {
 class Entities
 {
 public:
-    /// Takes the declarations out of a document type. False when entities are made of entities, or are too
-    /// long to be mere names for some text: what such a file would grow to has no bound.
+    /// Takes the declarations out of a document type. False when entities are made of other declared ones, or
+    /// are too long to be mere names for some text: what such a file would grow to has no bound.
     bool declare(std::string_view documentType);
     /// Appends what the name stands for; false when there is no such entity. After the first megabyte
     /// references read as nothing.
@@ -24,9 +24,10 @@ private:
     std::size_t m_expanded = 0;
 };
 
-/// Appends the text that raw character data stands for, always valid UTF-8: references are resolved, control
-/// characters dropped, broken UTF-8 and lone surrogate halves replaced, surrogate pairs joined, line ends
-/// made line feeds. A "&" that begins no reference stands for itself.
+/// Appends the text that raw character data stands for, always valid UTF-8 of characters that XML allows:
+/// references are resolved, control characters dropped, broken UTF-8, lone surrogate halves and what is no
+/// character replaced, surrogate pairs joined, line ends made line feeds. A "&" that begins no reference
+/// stands for itself.
 void appendText(std::string_view raw, Entities& entities, std::string& out);
 /// The same for the inside of a CDATA section: nothing is a reference.
 void appendLiteral(std::string_view raw, std::string& out);

@@ -1,7 +1,10 @@
+#include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
 #include "itunesfixture.h"
 #include "librarycalls.h"
+
+#include <expat.h>
 
 #include <QDir>
 #include <QImage>
@@ -20,6 +23,33 @@ struct stat stateOf(const QString& path)
     struct stat status = {};
     ::stat(QFile::encodeName(path).constData(), &status);
     return status;
+}
+
+/// The title that another program finds in a library of one track; no text when it refuses the file.
+QString titleForOthers(const QByteArray& document)
+{
+    struct Found
+    {
+        QByteArray text;
+        QByteArray key;
+        QByteArray title;
+    } found;
+    const XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetUserData(parser, &found);
+    XML_SetElementHandler(
+        parser, [](void* data, const char*, const char**) { static_cast<Found*>(data)->text.clear(); },
+        [](void* data, const char*) {
+            auto* const here = static_cast<Found*>(data);
+            if (here->key == "Name")
+                here->title = here->text;
+            here->key = here->text;
+        });
+    XML_SetCharacterDataHandler(parser, [](void* data, const char* bytes, int size) {
+        static_cast<Found*>(data)->text.append(bytes, size);
+    });
+    const bool sound = XML_Parse(parser, document.constData(), document.size(), 1) == XML_STATUS_OK;
+    XML_ParserFree(parser);
+    return sound ? QString::fromUtf8(found.title) : QString();
 }
 } // namespace
 
@@ -43,6 +73,12 @@ private slots:
     void aChangedPictureTakesTheFilesPlace();
     void noArtworkLeavesNoFile();
     void artworkThatCannotBeWrittenIsTold();
+    void whatIsNoPictureLeavesTheArtwork_data();
+    void whatIsNoPictureLeavesTheArtwork();
+    void picturesOfEveryKindAreTaken_data();
+    void picturesOfEveryKindAreTaken();
+    void othersReadWhatWasEdited_data();
+    void othersReadWhatWasEdited();
     void theOptionWinsOverTheVariable();
     void theUsualPlacesAreLookedAt_data();
     void theUsualPlacesAreLookedAt();
@@ -256,6 +292,103 @@ void TestLibraryAnswers::artworkThatCannotBeWrittenIsTold()
     QDir(m_folder->path()).mkdir("folder");
     QVERIFY(LibraryCalls::writeArtwork(id, inFolder("folder")) != 0);
     QVERIFY(QDir(m_folder->path()).entryList({"*.part*"}, QDir::Files).isEmpty());
+}
+
+void TestLibraryAnswers::whatIsNoPictureLeavesTheArtwork_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("text") << QByteArray("no picture");
+    QTest::newRow("text with letters of a picture") << QByteArray("BMW, and other makers of cars and bikes");
+    QTest::newRow("one byte") << QByteArray("\xFF");
+    QTest::newRow("zeros") << QByteArray(100, '\0');
+    QTest::newRow("a picture behind something") << "x" + Fixtures::jpeg(60, 60, 2);
+    QTest::newRow("sound") << QByteArray("RIFF\x24\0\0\0WAVEfmt ", 16);
+}
+
+void TestLibraryAnswers::whatIsNoPictureLeavesTheArtwork()
+{
+    QFETCH(QByteArray, bytes);
+    const QByteArray artwork = Fixtures::jpeg(50, 50, 1);
+    const quint64 id = addTrack("mp3", artwork);
+    readLibrary();
+    LibraryCalls::Edit edit;
+    edit.cover = Fixtures::writeLibrary(inFolder("cover.jpg"), bytes);
+    QCOMPARE(LibraryCalls::edit(id, edit), 0); // the texts are not lost for it
+    QCOMPARE(AudioFile::read(inFolder("song0.mp3")).picture, artwork);
+    QCOMPARE(AudioFile::read(inFolder("song0.mp3")).texts.value(TAG_TITLE), QString("New name"));
+    const QStringList log = AudioFile::takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY(log.first().contains("cover.jpg"));
+}
+
+void TestLibraryAnswers::picturesOfEveryKindAreTaken_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    for (const char* format : {"JPEG", "PNG", "BMP"})
+        QTest::newRow(format) << QByteArray(format);
+    QTest::newRow("GIF") << QByteArray();
+}
+
+void TestLibraryAnswers::picturesOfEveryKindAreTaken()
+{
+    QFETCH(QByteArray, format);
+    const quint64 id = addTrack("mp3", Fixtures::jpeg(50, 50, 1));
+    readLibrary();
+    LibraryCalls::Edit edit;
+    edit.cover = inFolder("cover");
+    QImage picture(20, 20, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    if (format.isEmpty())
+        Fixtures::writeLibrary(edit.cover,
+                               QByteArray::fromBase64("R0lGODlhAQABAAAAACwAAAAAAQABAAACAkQBADs="));
+    else
+        QVERIFY(picture.save(edit.cover, format.constData()));
+    QCOMPARE(LibraryCalls::edit(id, edit), 0);
+    QCOMPARE(AudioFile::read(inFolder("song0.mp3")).picture, contentOf(edit.cover));
+    QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
+void TestLibraryAnswers::othersReadWhatWasEdited_data()
+{
+    QTest::addColumn<QByteArray>("encoding");
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<QString>("title");
+    const QByteArray umlaut = QString::fromUtf8("Mot\xC3\xB6r \xF0\x9F\x98\x80").toUtf8();
+    for (const char* encoding : {"UTF-8", "utf-8", "ISO-8859-1", "US-ASCII"}) {
+        QTest::addRow("umlauts in %s", encoding)
+            << QByteArray(encoding) << umlaut << QString::fromUtf8(umlaut);
+        QTest::addRow("no characters in %s", encoding)
+            << QByteArray(encoding) << QByteArray("a\xEF\xBF\xBF\xEF\xBF\xBE<b>&\x01\xFF")
+            << QString("a\uFFFD\uFFFD<b>&\uFFFD");
+    }
+}
+
+void TestLibraryAnswers::othersReadWhatWasEdited()
+{
+    QFETCH(QByteArray, encoding);
+    QFETCH(QByteArray, written);
+    QFETCH(QString, title);
+    const quint64 id = addTrack("mp3", QByteArray());
+    m_tracks[0].name = "Title";
+    m_tracks[0].further = "\t\t\t<key>Comments</key><string>caf\xC3\xA9</string>\n";
+    QByteArray document = Fixtures::itunesLibrary(m_tracks);
+    document.replace("encoding=\"UTF-8\"", "encoding=\"" + encoding + "\"");
+    if (encoding == "ISO-8859-1")
+        document.replace("caf\xC3\xA9", "caf\xE9");
+    else if (encoding == "US-ASCII")
+        document.replace("caf\xC3\xA9", "caf&#233;");
+    const QString path = Fixtures::writeLibrary(inFolder("Library.xml"), document);
+    QCOMPARE(LibraryCalls::read(path).count, 1);
+    QCOMPARE(titleForOthers(contentOf(path)), QString("Title"));
+    LibraryCalls::Edit edit;
+    edit.name = written;
+    QCOMPARE(LibraryCalls::edit(id, edit), 0);
+    closeITunesLibrary();
+    QCOMPARE(titleForOthers(contentOf(path)), title);
+    QCOMPARE(LibraryCalls::names(LibraryCalls::read(path)), QStringList(title));
+    // Characters of the file that nobody edited stay as they are.
+    const int comments = document.indexOf("<key>Comments");
+    QVERIFY(contentOf(path).contains(document.mid(comments, document.indexOf('\n', comments) - comments)));
 }
 
 void TestLibraryAnswers::theOptionWinsOverTheVariable()

@@ -71,6 +71,8 @@ private slots:
     void aFileThatEndsInsideACharacterGivesNothing();
     void entitiesOfEntitiesEndAtOnce();
     void externalEntitiesReadAsNothing();
+    void entitiesOfCharactersAreResolved_data();
+    void entitiesOfCharactersAreResolved();
     void unusualButSoundStructureIsRead();
     void tracksWithoutAnIdentifierHaveNone();
     void theArrayBeforeLivesUntilTheNextReadingBegins();
@@ -158,6 +160,11 @@ void TestLibraryReading::namesOfBrokenTextStillArrive_data()
     QTest::newRow("overlong character") << QByteArray("\xC0\xAF") << lost + lost;
     QTest::newRow("surrogate half in bytes") << QByteArray("\xED\xA0\x80") << lost;
     QTest::newRow("line ends") << QByteArray("a\r\nb\rc\nd") << "a\nb\nc\nd";
+    QTest::newRow("no characters") << QByteArray("a\xEF\xBF\xBE"
+                                                 "b\xEF\xBF\xBF&#xFFFE;&#65535;c")
+                                   << "a" + lost + "b" + lost + lost + lost + "c";
+    QTest::newRow("the last characters before them")
+        << QByteArray("\xEF\xBF\xBD\xEF\xBE\xBF&#xFFFD;") << text("\xEF\xBF\xBD\xEF\xBE\xBF\xEF\xBF\xBD");
     QTest::newRow("four bytes") << QByteArray("\xF0\x9F\x98\x80 \xE2\x82\xAC \xC3\xA9")
                                 << text("\xF0\x9F\x98\x80 \xE2\x82\xAC \xC3\xA9");
     QTest::newRow("greater-than sign") << QByteArray("a > b ]]> c") << "a > b ]]> c";
@@ -245,7 +252,8 @@ void TestLibraryReading::whatIsNoMusicFileHereIsMarked_data()
         QTest::newRow(key) << here + "<key>" + key + "</key><true/>" << false << true;
         QTest::addRow("no %s", key) << here + "<key>" + key + "</key><false/>" << false << false;
     }
-    for (const char* kind : {"MPEG-4 video file", "QuickTime movie file", "PDF document"})
+    for (const char* kind : {"MPEG-4 video file", "QuickTime movie file", "PDF document",
+                             "Protected HD Video file", "Audible file", "Protected AAC Audiobook"})
         QTest::newRow(kind) << here + "<key>Kind</key><string>" + kind + "</string>" << false << true;
     QTest::newRow("a kind of song") << here + "<key>Kind</key><string>MPEG audio file</string>" << false
                                     << false;
@@ -381,6 +389,40 @@ void TestLibraryReading::externalEntitiesReadAsNothing()
              entryWith("<key>Name</key><string>[&out;|&in;]</string>") + "</dict></dict></plist>");
     QCOMPARE(reading.count, 1);
     QCOMPARE(text(reading.records[0].name), QStringLiteral("[|a plain name]"));
+}
+
+void TestLibraryReading::entitiesOfCharactersAreResolved_data()
+{
+    QTest::addColumn<QByteArray>("declarations");
+    QTest::addColumn<QString>("name");
+    const QString none = "[&in;]";
+    QTest::newRow("a number") << QByteArray("<!ENTITY in \"a&#160;b\">") << QString("[a\u00A0b]");
+    QTest::newRow("a hexadecimal number") << QByteArray("<!ENTITY in '&#xE9;'>") << QString("[\u00E9]");
+    QTest::newRow("a pair of numbers")
+        << QByteArray("<!ENTITY in '&#xD83D;&#xDE00;'>") << text("[\xF0\x9F\x98\x80]");
+    QTest::newRow("a known name") << QByteArray("<!ENTITY in 'R&amp;B'>") << "[R&B]";
+    QTest::newRow("a known name in numbers") << QByteArray("<!ENTITY in '&#38;#60;'>") << "[<]";
+    QTest::newRow("an ampersand") << QByteArray("<!ENTITY in 'R &#38; B'>") << "[R & B]";
+    QTest::newRow("a percent sign") << QByteArray("<!ENTITY in '100%'>") << "[100%]";
+    QTest::newRow("what looks like a parameter") << QByteArray("<!ENTITY in '%p;'>") << "[%p;]";
+    QTest::newRow("the first counts") << QByteArray("<!ENTITY in 'a'><!ENTITY in 'b'>") << "[a]";
+    QTest::newRow("in a comment") << QByteArray("<!-- <!ENTITY in '&out;'> ' -->") << none;
+    QTest::newRow("behind a comment") << QByteArray("<!--'--><!ENTITY in 'a'>") << "[a]";
+    QTest::newRow("in an instruction") << QByteArray("<?it's <!ENTITY in '&out;'> ]>?>") << none;
+    QTest::newRow("in another's value")
+        << QByteArray("<!ENTITY a \"<!ENTITY in '&#38;'>\"><!ENTITY in 'a'>") << "[a]";
+}
+
+void TestLibraryReading::entitiesOfCharactersAreResolved()
+{
+    QFETCH(QByteArray, declarations);
+    QFETCH(QString, name);
+    const Reading reading =
+        read("<!DOCTYPE plist [" + declarations + "]>" + "<plist><dict><key>Tracks</key><dict>" +
+             entryWith("<key>Name</key><string>[&in;]</string>") + "</dict></dict></plist>");
+    QCOMPARE(reading.count, 1);
+    QCOMPARE(text(reading.records[0].name), name);
+    QVERIFY(AudioFile::takeLog().isEmpty());
 }
 
 void TestLibraryReading::unusualButSoundStructureIsRead()
