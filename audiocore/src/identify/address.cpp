@@ -2,8 +2,8 @@
 
 #include <curl/curl.h>
 
-#include <algorithm>
 #include <memory>
+#include <regex>
 
 using audiocore::AddressKind;
 
@@ -23,12 +23,11 @@ std::string partOf(CURLU* url, CURLUPart which)
     return result;
 }
 
+/// Takes numeric addresses in the one form that the library brings them all into.
 bool isLoopback(const std::string& host)
 {
-    if (host == "localhost" || host == "[::1]")
-        return true;
-    const bool numeric = host.find_first_not_of("0123456789.") == std::string::npos;
-    return numeric && host.compare(0, 4, "127.") == 0 && std::count(host.begin(), host.end(), '.') == 3;
+    static const std::regex numeric(R"(127(\.(25[0-5]|2[0-4]\d|1\d\d|[1-9]?\d)){3})");
+    return host == "localhost" || host == "[::1]" || std::regex_match(host, numeric);
 }
 } // namespace
 
