@@ -78,7 +78,7 @@ std::string lookUp(const Services& services, const Fingerprint& fingerprint, con
         answerOf("AcoustID", services.acoustId, acoustid::lookupRequest(services.addresses, fingerprint),
                  cancellation);
     const acoustid::Lookup lookup = acoustid::readLookup(answer.body);
-    if (answer.code != 200 || !lookup.error.empty())
+    if (answer.code != 200 || lookup.refused)
         refuse("AcoustID", answer, lookup.error);
     if (!lookup.understood)
         throw Failure{IDENTIFY_NOT_UNDERSTOOD, "AcoustID's answer makes no sense"};
