@@ -7,7 +7,10 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
+
+namespace musicbrainz = audiocore::musicbrainz;
 
 namespace {
 constexpr std::size_t longestText = 4096;
@@ -30,6 +33,17 @@ void checkIdentifier(const std::string& identifier)
     if (identifier.find_first_not_of("0123456789abcdefABCDEF-") != std::string::npos)
         std::abort();
 }
+
+void checkRelease(const std::optional<musicbrainz::Release>& release)
+{
+    if (!release)
+        return;
+    if (release->title.empty())
+        std::abort();
+    for (const std::string* text : {&release->title, &release->year, &release->track, &release->genre})
+        check(*text);
+    checkIdentifier(release->id);
+}
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -40,11 +54,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const std::int64_t milliseconds : {0, 200000})
         checkIdentifier(audiocore::acoustid::chooseRecording(lookup.candidates, milliseconds));
 
-    const audiocore::musicbrainz::Recording recording = audiocore::musicbrainz::readRecording(answer);
-    for (const std::string* text : {&recording.title, &recording.artist, &recording.album, &recording.year,
-                                    &recording.track, &recording.genre})
-        check(*text);
-    checkIdentifier(recording.release);
+    const musicbrainz::Recording recording = musicbrainz::readRecording(answer);
+    for (const std::string& text : {recording.title, recording.artist, recording.year(), recording.genre()})
+        check(text);
+    checkIdentifier(recording.id);
+    checkRelease(recording.release);
+    std::optional<musicbrainz::Release> release = musicbrainz::readReleases(answer).best;
+    checkRelease(release);
+    if (release) {
+        musicbrainz::readTracks(*release, answer, recording.id);
+        checkRelease(release);
+    }
+    check(musicbrainz::readError(answer));
     audiocore::coverart::isPicture(answer);
     return 0;
 }

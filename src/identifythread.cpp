@@ -10,7 +10,6 @@
 
 namespace {
 constexpr int itemCount = 10;
-constexpr int longestPath = 1000;
 
 /// Number of the next cover file; never used twice in a run.
 std::atomic<quint64> coverNumber{10000};
@@ -64,7 +63,9 @@ bool IdentifyThread::prepare()
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_pIdentifier)
         m_pIdentifier = CreateIdentifier();
-    if (!m_pIdentifier || m_bCancelled || m_strFilePath.size() >= longestPath)
+    if (!m_pIdentifier)
+        qWarning("memory is too short to identify %s", qUtf8Printable(m_strFilePath));
+    if (!m_pIdentifier || m_bCancelled)
         return false;
     m_pIdentifier->Open(m_strFilePath.toStdU32String().c_str());
     return true;

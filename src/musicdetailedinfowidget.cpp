@@ -119,10 +119,12 @@ void MusicDetailedInfoWidget::forgetFormerSong()
 {
     m_bIdentified = false;
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
-    if (m_pIdentifyThread && m_pIdentifyThread->isRunning() && !m_pIdentifyThread->isCancelled()) {
+    if (!m_bIdentifying)
+        return;
+    // The worker may have ended already, its results being on their way.
+    if (m_pIdentifyThread)
         m_pIdentifyThread->CloseTheIdentifier();
-        endIdentification();
-    }
+    endIdentification();
 }
 
 void MusicDetailedInfoWidget::ShowMusicInfo()
@@ -241,12 +243,14 @@ void MusicDetailedInfoWidget::IdentifyMusic()
     connect(m_pIdentifyThread, SIGNAL(finished()), m_pIdentifyThread, SLOT(deleteLater()));
     m_pIdentifyThread->ReturnIdentifyInfo(SongFields::audioPath(m_pMusicInfo));
     m_pIdentifyThread->start();
+    m_bIdentifying = true;
     emit emitForbidToClickView(true);
 }
 
 /// Stops what shows that an identification runs, and lets the user go on.
 void MusicDetailedInfoWidget::endIdentification()
 {
+    m_bIdentifying = false;
     if (m_pMovie)
         m_pMovie->stop();
     ui->m_labMovie->hide();

@@ -3,28 +3,39 @@
 #include "identify/services.h"
 #include "identifyserver.h"
 
+#include <optional>
+
 /// The three services of a server in the test, without the pace of the public ones.
 class TestServices
 {
 public:
-    explicit TestServices(const IdentifyServer& server, const audiocore::HttpClient::Limits& limits = {})
-        : m_client(limits), m_address(server.address().toStdString())
-    {
-    }
+    explicit TestServices(const IdentifyServer& server) : m_address(server.address().toStdString()) {}
 
     audiocore::Services all()
     {
+        const auto& client = [this](IdentifyServer::Service service) -> const audiocore::HttpClient& {
+            return service == m_hurried ? m_impatient : m_patient;
+        };
         return {{m_address, m_address, m_address, "testkey"},
-                {m_client, m_acoustId},
-                {m_client, m_musicBrainz},
-                {m_client, m_coverArt}};
+                {client(IdentifyServer::AcoustId), m_acoustId},
+                {client(IdentifyServer::MusicBrainz), m_musicBrainz},
+                {client(IdentifyServer::CoverArt), m_coverArt}};
     }
 
+    /// Lets this service, and no other, take a third of a second at most. Whatever of MusicBrainz is named:
+    /// all of it.
+    void hurry(IdentifyServer::Service service)
+    {
+        const bool metadata = service != IdentifyServer::AcoustId && service != IdentifyServer::CoverArt;
+        m_hurried = metadata ? IdentifyServer::MusicBrainz : service;
+    }
     void holdMusicBrainz(std::chrono::seconds time) { m_musicBrainz.holdFor(time); }
 
 private:
-    const audiocore::HttpClient m_client;
     const std::string m_address;
+    const audiocore::HttpClient m_patient;
+    const audiocore::HttpClient m_impatient{{std::chrono::seconds(10), std::chrono::milliseconds(300)}};
+    std::optional<IdentifyServer::Service> m_hurried;
     audiocore::RateLimit m_acoustId{std::chrono::seconds(0)};
     audiocore::RateLimit m_musicBrainz{std::chrono::seconds(0)};
     audiocore::RateLimit m_coverArt{std::chrono::seconds(0)};

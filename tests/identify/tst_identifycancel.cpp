@@ -21,6 +21,8 @@ using namespace std::chrono_literals;
 namespace {
 constexpr int times = 100;
 constexpr qint64 longestMilliseconds = 200;
+/// No busy machine puts a single one off for so long, and what misses its cancellation goes on for longer.
+constexpr qint64 stuckMilliseconds = 9000;
 
 std::string shortSong()
 {
@@ -45,6 +47,13 @@ qint64 millisecondsToEnd(IdentifyJob& job, const std::function<void()>& waitForP
     });
 }
 
+void verifyEndsSoon(const Latencies& ends)
+{
+    qInfo("%lld ms at the longest", ends.longest());
+    QVERIFY2(ends.usual() <= longestMilliseconds, qPrintable(QString::number(ends.usual())));
+    QVERIFY2(ends.longest() <= stuckMilliseconds, qPrintable(QString::number(ends.longest())));
+}
+
 /// Does so a hundred times.
 void cancelOften(const std::string& path, const audiocore::Services& services,
                  const std::function<void(int)>& waitForPhase)
@@ -56,8 +65,7 @@ void cancelOften(const std::string& path, const audiocore::Services& services,
         ends.add(millisecondsToEnd(job, [&waitForPhase, i] { waitForPhase(i); }));
         QCOMPARE(int(job.found().status), int(IDENTIFY_CANCELLED));
     }
-    qInfo("%lld ms at the longest", ends.longest());
-    QVERIFY2(ends.usual() <= longestMilliseconds, qPrintable(QString::number(ends.usual())));
+    verifyEndsSoon(ends);
 }
 } // namespace
 
@@ -144,7 +152,7 @@ void TestIdentifyCancel::whileSlowingDown()
         }));
         QCOMPARE(int(job.found().status), int(IDENTIFY_CANCELLED));
     }
-    QVERIFY2(ends.usual() <= longestMilliseconds, qPrintable(QString::number(ends.usual())));
+    verifyEndsSoon(ends);
 }
 
 void TestIdentifyCancel::whileTheNameIsResolved()
@@ -181,9 +189,9 @@ void TestIdentifyCancel::throughTheInterfaceAtAnyMoment()
         identifier->Close();
     }
     DestroyIdentifier(identifier);
-    qInfo("%d cancelled, %lld ms at the longest", cancelled, ends.longest());
+    qInfo("%d cancelled", cancelled);
     QVERIFY(cancelled > 0);
-    QVERIFY2(ends.usual() <= longestMilliseconds, qPrintable(QString::number(ends.usual())));
+    verifyEndsSoon(ends);
 }
 
 QTEST_GUILESS_MAIN(TestIdentifyCancel)

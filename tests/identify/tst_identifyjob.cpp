@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include <new>
+#include <stdexcept>
 #include <thread>
 
 using audiocore::Cancellation;
@@ -43,6 +44,7 @@ private slots:
     void aRunThatEndsDespiteACancelHasNoItems();
     void closingDropsWhatWasFound();
     void aShortageOfMemoryIsAStatus();
+    void anyOtherFaultIsAnother();
 };
 
 void TestIdentifyJob::aRunIsDoneWhenNobodyCancels()
@@ -151,6 +153,17 @@ void TestIdentifyJob::aShortageOfMemoryIsAStatus()
     AudioFile::takeLog();
     QCOMPARE(statusAfterRun(job), int(IDENTIFY_NO_MEMORY));
     QCOMPARE(AudioFile::takeLog().size(), 1);
+}
+
+void TestIdentifyJob::anyOtherFaultIsAnother()
+{
+    IdentifyJob job([](const std::string&, const Cancellation&) -> Identification {
+        throw std::out_of_range("nowhere");
+    });
+    job.open("song");
+    AudioFile::takeLog();
+    QCOMPARE(statusAfterRun(job), int(IDENTIFY_NOT_UNDERSTOOD));
+    QCOMPARE(AudioFile::takeLog(), QStringList("song: is not identified: nowhere"));
 }
 
 QTEST_GUILESS_MAIN(TestIdentifyJob)

@@ -79,6 +79,7 @@ void TestLookup::theAnswersFormIsRead()
             {"id": "22222222-2222-4222-8222-222222222222", "sources": 1}]},
         {"id": "c8f5bfc0-3d4e-416d-857d-42d5d1c1e466", "score": 0.7}]})");
     QVERIFY(lookup.understood);
+    QVERIFY(!lookup.refused);
     QVERIFY(lookup.error.empty());
     QCOMPARE(lookup.candidates.size(), size_t(2));
     QCOMPARE(text(lookup.candidates[0].recording), text(one));
@@ -93,7 +94,12 @@ void TestLookup::anErrorIsTold()
     const acoustid::Lookup lookup =
         acoustid::readLookup(R"({"status": "error", "error": {"code": 4, "message": "invalid API key"}})");
     QVERIFY(lookup.understood);
+    QVERIFY(lookup.refused);
     QCOMPARE(text(lookup.error), QString("invalid API key"));
+    const acoustid::Lookup odd = acoustid::readLookup(R"({"status": "error", "error": {"message": [7]},
+        "results": [{"score": 0.9, "recordings": [{"id": "11111111-1111-4111-8111-111111111111"}]}]})");
+    QVERIFY(odd.refused);
+    QVERIFY(odd.error.empty() && odd.candidates.empty());
 }
 
 void TestLookup::whatMakesNoSenseIsNotUnderstood_data()

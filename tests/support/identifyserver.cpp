@@ -2,6 +2,9 @@
 
 #include "fixtures.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -38,7 +41,65 @@ IdentifyServer::Service serviceOf(const QByteArray& target)
 {
     if (target.startsWith("/v2/lookup"))
         return IdentifyServer::AcoustId;
+    if (target.startsWith("/ws/2/release?"))
+        return IdentifyServer::Releases;
+    if (target.startsWith("/ws/2/release/"))
+        return IdentifyServer::ReleaseTracks;
     return target.startsWith("/ws/2/") ? IdentifyServer::MusicBrainz : IdentifyServer::CoverArt;
+}
+
+/// What goes with an error's code, in the service's form.
+QByteArray errorBody(IdentifyServer::Service service, const QByteArray& error)
+{
+    if (service == IdentifyServer::AcoustId)
+        return R"({"status": "error", "error": {"code": 5, "message": ")" + error + R"("}})";
+    if (service == IdentifyServer::CoverArt)
+        return "<!doctype html><title>" + error + "</title>";
+    return R"({"error": ")" + error + R"(", "help": "For usage, please see the documentation."})";
+}
+
+const QString recordingId = QStringLiteral("cd2e7c47-16f5-46c6-a37c-a1eb7bf599ff");
+
+QJsonObject trackObject(int position)
+{
+    return {{"id", QString(IdentifyServer::identifier(900 + position))},
+            {"position", position},
+            {"number", QString::number(position)},
+            {"title", QStringLiteral("Track %1").arg(position)},
+            {"length", 20000}};
+}
+
+QJsonObject releaseObject(const IdentifyServer::Release& release)
+{
+    QJsonArray secondaryTypes;
+    if (!release.secondaryType.isEmpty())
+        secondaryTypes.append(QString(release.secondaryType));
+    return {{"id", QString(release.id)},
+            {"title", QString(release.title)},
+            {"status", QString(release.status)},
+            {"date", QString(release.date)},
+            {"country", QStringLiteral("GB")},
+            {"quality", QStringLiteral("normal")},
+            {"release-group", QJsonObject{{"id", QString(release.id)},
+                                          {"title", QString(release.title)},
+                                          {"primary-type", QStringLiteral("Album")},
+                                          {"secondary-types", secondaryTypes},
+                                          {"first-release-date", QString(release.date)}}}};
+}
+
+/// The release's one medium with the tracks told of.
+QJsonArray mediaArray(const QJsonArray& tracks, int offset)
+{
+    return {QJsonObject{{"position", 1},
+                        {"format", QStringLiteral("CD")},
+                        {"track-count", 12},
+                        {"track-offset", offset},
+                        {"tracks", tracks}}};
+}
+
+QByteArray toJson(const QJsonObject& object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 } // namespace
 
@@ -96,6 +157,14 @@ void IdentifyServer::setManner(Service service, Manner manner, int times)
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_behaviours[service].manner = manner;
     m_behaviours[service].times = times;
+}
+
+void IdentifyServer::setReleases(const QVector<Release>& releases)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_releases = releases;
+    std::sort(m_releases.begin(), m_releases.end(),
+              [](const Release& one, const Release& other) { return one.id < other.id; });
 }
 
 void IdentifyServer::setRetryAfter(const QByteArray& value)
@@ -200,10 +269,63 @@ QByteArray IdentifyServer::properAnswer(const Request& request) const
     case AcoustId:
         return lookupAnswer(request.field("duration"));
     case MusicBrainz:
-        return recordingAnswer();
+        return m_releases.isEmpty() ? recordingAnswer() : recordingOnReleases();
+    case Releases:
+        return pageOfReleases(request);
+    case ReleaseTracks:
+        return releaseWithTracks(request);
     default:
         return picture();
     }
+}
+
+/// Names 25 releases at most, in the order of their identifiers.
+QByteArray IdentifyServer::recordingOnReleases() const
+{
+    QJsonArray releases;
+    for (const Release& release : m_releases.mid(0, 25)) {
+        QJsonObject object = releaseObject(release);
+        object.insert("media", mediaArray({trackObject(release.track)}, release.track - 1));
+        releases.append(object);
+    }
+    QJsonObject recording = QJsonDocument::fromJson(recordingAnswer()).object();
+    recording.insert("releases", releases);
+    return toJson(recording);
+}
+
+QByteArray IdentifyServer::pageOfReleases(const Request& request) const
+{
+    const QUrlQuery query(QUrl::fromEncoded(request.target));
+    const QByteArray status = query.queryItemValue("status").toLatin1();
+    const int offset = query.queryItemValue("offset").toInt();
+    QVector<Release> chosen;
+    for (const Release& release : m_releases)
+        if (status.isEmpty() || release.status.toLower() == status)
+            chosen.append(release);
+    QJsonArray releases;
+    for (const Release& release : chosen.mid(offset, query.queryItemValue("limit").toInt()))
+        releases.append(releaseObject(release));
+    return toJson({{"release-count", chosen.size()}, {"release-offset", offset}, {"releases", releases}});
+}
+
+QByteArray IdentifyServer::releaseWithTracks(const Request& request) const
+{
+    const QByteArray id = request.target.mid(int(qstrlen("/ws/2/release/")), 36);
+    const auto release = std::find_if(m_releases.begin(), m_releases.end(),
+                                      [&id](const Release& known) { return known.id == id; });
+    if (release == m_releases.end())
+        return errorBody(ReleaseTracks, "Not Found");
+    QJsonArray tracks;
+    for (int position = 1; position <= 12; ++position) {
+        const QString own = position == release->track ? recordingId : QString(identifier(500 + position));
+        QJsonObject track = trackObject(position);
+        track.insert("recording", QJsonObject{{"id", own}, {"title", track.value("title")}});
+        tracks.append(track);
+    }
+    QJsonObject object = releaseObject(*release);
+    object.insert("media", mediaArray(tracks, 0));
+    object.insert("genres", QJsonArray{QJsonObject{{"name", QStringLiteral("soul")}, {"count", 2}}});
+    return toJson(object);
 }
 
 void IdentifyServer::answer(int connection, const Request& request, Manner manner) const
@@ -241,15 +363,20 @@ void IdentifyServer::misbehave(int connection, const Request& request, Manner ma
     case Manner::SlowDown: {
         const std::lock_guard<std::mutex> lock(m_mutex);
         const QByteArray wait = m_retryAfter.isEmpty() ? "" : "Retry-After: " + m_retryAfter + "\r\n";
-        send(connection, head("503 Service Unavailable", "application/json", 2, wait) + "{}");
+        const QByteArray body = errorBody(request.service, "Too many requests");
+        send(connection, head("503 Service Unavailable", "application/json", body.size(), wait) + body);
         break;
     }
-    case Manner::ServerError:
-        send(connection, head("500 Internal Server Error", "text/html", 4) + "oops");
+    case Manner::ServerError: {
+        const QByteArray body = errorBody(request.service, "Internal error");
+        send(connection, head("500 Internal Server Error", "application/json", body.size()) + body);
         break;
-    case Manner::NotFound:
-        send(connection, head("404 Not Found", "text/html", 4) + "none");
+    }
+    case Manner::NotFound: {
+        const QByteArray body = errorBody(request.service, "Not Found");
+        send(connection, head("404 Not Found", "application/json", body.size()) + body);
         break;
+    }
     case Manner::WrongJson:
         send(connection, head("200 OK", "application/json", half.size()) + half);
         break;
@@ -300,6 +427,11 @@ QByteArray IdentifyServer::picture()
 {
     static const QByteArray jpeg = Fixtures::jpeg(500, 500, 7);
     return jpeg;
+}
+
+QByteArray IdentifyServer::identifier(int number)
+{
+    return QByteArray::number(number).rightJustified(8, '0') + "-2b5b-4fd5-a0c8-2b4a0b9f4a4e";
 }
 
 QByteArray IdentifyServer::lookupAnswer(const QByteArray& seconds)

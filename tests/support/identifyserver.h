@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QVector>
 
 #include <atomic>
 #include <chrono>
@@ -17,7 +18,9 @@
 class IdentifyServer
 {
 public:
-    enum Service { AcoustId, MusicBrainz, CoverArt };
+    /// MusicBrainz answers about a recording, Releases with the list of all its releases, page by page, and
+    /// ReleaseTracks about one of them.
+    enum Service { AcoustId, MusicBrainz, Releases, ReleaseTracks, CoverArt };
     enum class Manner {
         Proper,
         Silent,          ///< takes the request and says nothing
@@ -31,6 +34,16 @@ public:
         EndlessRedirect, ///< to itself
         EndlessBody,
         EndlessHeaders
+    };
+    /// A release that the recording is on.
+    struct Release
+    {
+        QByteArray id;
+        QByteArray title;
+        QByteArray date;
+        QByteArray status = "Official";
+        QByteArray secondaryType; ///< of an album; empty for none
+        int track = 1;
     };
     struct Request
     {
@@ -59,6 +72,8 @@ public:
     /// Choir", a recording of just the length asked for, track 4 of "Paper Lanterns", 2012, "pop", and
     /// picture().
     void setAnswer(Service service, const QByteArray& body);
+    /// Puts the recording on these releases, for all that MusicBrainz answers.
+    void setReleases(const QVector<Release>& releases);
     /// How a service behaves in the next `times` requests, Proper afterwards; times < 0: from now on.
     void setManner(Service service, Manner manner, int times = -1);
     /// The waiting time that goes with SlowDown; empty for none.
@@ -71,6 +86,8 @@ public:
 
     static QByteArray picture();
     static QByteArray recordingAnswer();
+    /// An identifier as the service makes them; they sort as their numbers do.
+    static QByteArray identifier(int number);
     /// An answer that names one recording of the length.
     static QByteArray lookupAnswer(const QByteArray& seconds);
 
@@ -87,6 +104,9 @@ private:
     bool receive(int connection, Request& request) const;
     Manner note(const Request& request);
     QByteArray properAnswer(const Request& request) const;
+    QByteArray recordingOnReleases() const;
+    QByteArray pageOfReleases(const Request& request) const;
+    QByteArray releaseWithTracks(const Request& request) const;
     void answer(int connection, const Request& request, Manner manner) const;
     void misbehave(int connection, const Request& request, Manner manner, const QByteArray& proper) const;
     void sendForEver(int connection, const QByteArray& head, const QByteArray& part, int pause) const;
@@ -97,6 +117,7 @@ private:
     QList<Request> m_requests;
     QHash<int, Behaviour> m_behaviours;
     QByteArray m_retryAfter = "1";
+    QVector<Release> m_releases; ///< by their identifiers
     std::atomic<bool> m_stopping{false};
     int m_socket = -1;
     int m_port = 0;

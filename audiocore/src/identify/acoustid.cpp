@@ -62,9 +62,12 @@ acoustid::Lookup acoustid::readLookup(const std::string& answer)
         return lookup;
     const std::string status = json::text(*root, "status");
     const json::Value& results = json::member(*root, "results");
-    if (status == "error")
+    lookup.refused = status == "error";
+    lookup.understood = lookup.refused || (status == "ok" && results.is_array());
+    if (lookup.refused)
         lookup.error = json::text(json::member(*root, "error"), "message");
-    lookup.understood = status == "error" || (status == "ok" && results.is_array());
+    if (status != "ok")
+        return lookup;
     for (const json::Value& result : json::elements(results))
         addCandidates(lookup.candidates, result);
     return lookup;

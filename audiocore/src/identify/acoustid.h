@@ -22,7 +22,8 @@ struct Candidate
 struct Lookup
 {
     bool understood = false;
-    std::string error; ///< what the service says is wrong, when it says so
+    bool refused = false; ///< the service says that something is wrong
+    std::string error;    ///< what, when it says so
     std::vector<Candidate> candidates;
 };
 

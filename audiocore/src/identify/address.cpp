@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 
 using audiocore::AddressKind;
 
@@ -23,12 +24,28 @@ std::string partOf(CURLU* url, CURLUPart which)
     return result;
 }
 
+bool isByte(const std::string& text)
+{
+    return !text.empty() && text.size() <= 3 && text.find_first_not_of("0123456789") == std::string::npos &&
+           std::stoi(text) <= 255;
+}
+
+/// Takes an address in the one form that the library brings all numeric ones into.
+bool isLoopbackNumber(const std::string& host)
+{
+    if (host.compare(0, 4, "127.") != 0 || std::count(host.begin(), host.end(), '.') != 3)
+        return false;
+    std::istringstream parts(host);
+    int bytes = 0;
+    for (std::string part; std::getline(parts, part, '.'); ++bytes)
+        if (!isByte(part))
+            return false;
+    return bytes == 4;
+}
+
 bool isLoopback(const std::string& host)
 {
-    if (host == "localhost" || host == "[::1]")
-        return true;
-    const bool numeric = host.find_first_not_of("0123456789.") == std::string::npos;
-    return numeric && host.compare(0, 4, "127.") == 0 && std::count(host.begin(), host.end(), '.') == 3;
+    return host == "localhost" || host == "[::1]" || isLoopbackNumber(host);
 }
 } // namespace
 

@@ -9,6 +9,7 @@
 namespace audiocore::coverart {
 /// Asks for the front picture, 500 pixels at its longer side.
 HttpRequest frontRequest(const ServiceAddresses& addresses, const std::string& release);
-/// Whether the bytes begin as a JPEG or PNG file does.
+/// Whether the bytes are a JPEG or PNG file from its beginning to its end, of a size that can be shown; more
+/// bytes may follow. Looks at the file's parts, and decodes none.
 bool isPicture(const std::string& bytes);
 } // namespace audiocore::coverart

@@ -5,6 +5,7 @@
 #include <chromaprint.h>
 
 #include <memory>
+#include <new>
 
 using audiocore::Fingerprint;
 
@@ -44,7 +45,7 @@ Fingerprint audiocore::fingerprintOf(const std::string& path, const Cancellation
     const Context context(chromaprint_new(CHROMAPRINT_ALGORITHM_DEFAULT));
     const int sampleRate = context ? chromaprint_get_sample_rate(context.get()) : 0;
     if (!context || !chromaprint_start(context.get(), sampleRate, 1))
-        return fingerprint;
+        throw std::bad_alloc(); // all that keeps it from starting
     const DecodedPart part = decodeBeginning(path, fingerprintedSeconds, sampleRate, cancellation,
                                              [&context](const std::int16_t* samples, std::size_t count) {
                                                  chromaprint_feed(context.get(), samples, int(count));

@@ -26,18 +26,21 @@ bool keepsForm(int code)
 }
 } // namespace
 
-HttpAnswer HttpClient::send(HttpRequest request, const Cancellation& cancellation) const
+HttpAnswer HttpClient::send(HttpRequest request, const Cancellation& cancellation, const Turn& turn) const
 {
     using std::chrono::milliseconds;
-    const auto deadline = Cancellation::Clock::now() + m_limits.inAll;
+    milliseconds left = m_limits.inAll;
     if (kindOf(request.address) == AddressKind::Refused)
         return failure(Outcome::BadAddress, "the address is neither HTTPS nor of this machine");
     for (int redirects = 0; redirects <= m_limits.redirects; ++redirects) {
-        const auto left = std::chrono::duration_cast<milliseconds>(deadline - Cancellation::Clock::now());
+        if (turn && !turn())
+            return failure(Outcome::Cancelled, "");
         if (left <= milliseconds(0))
             return failure(Outcome::Failed, "the redirects take too long");
+        const auto start = Cancellation::Clock::now();
         Transfer transfer(request, {std::min(m_limits.connecting, left), left});
         HttpAnswer answer = transfer.run(cancellation);
+        left -= std::chrono::duration_cast<milliseconds>(Cancellation::Clock::now() - start);
         const std::string next = answer.outcome == Outcome::Answered ? transfer.redirect() : std::string();
         if (next.empty())
             return answer;

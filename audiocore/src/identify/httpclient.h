@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
 
 namespace audiocore {
@@ -38,14 +39,18 @@ public:
     struct Limits
     {
         std::chrono::milliseconds connecting{10000};
-        std::chrono::milliseconds inAll{30000}; ///< redirects included
+        std::chrono::milliseconds inAll{30000}; ///< redirects included, waiting for turns not
         int redirects = 5;
     };
+
+    /// Waits until the next request may start; false when cancelled.
+    using Turn = std::function<bool()>;
 
     HttpClient() = default;
     explicit HttpClient(const Limits& limits) : m_limits(limits) {}
 
-    HttpAnswer send(HttpRequest request, const Cancellation& cancellation) const;
+    /// @param turn is taken before the request and before each one that follows a redirect.
+    HttpAnswer send(HttpRequest request, const Cancellation& cancellation, const Turn& turn = nullptr) const;
 
 private:
     Limits m_limits;

@@ -14,8 +14,13 @@ using audiocore::Identification;
 using audiocore::Service;
 using audiocore::Services;
 
+namespace musicbrainz = audiocore::musicbrainz;
+
 namespace {
 using Outcome = HttpAnswer::Outcome;
+
+/// Of a hundred releases each, and each a second's wait. The best-known songs are on a few hundred.
+constexpr int mostReleasePages = 10;
 
 /// Ends the run with a failure.
 struct Failure
@@ -70,6 +75,11 @@ void refuse(const char* name, const HttpAnswer& answer, const std::string& error
                                         (error.empty() ? "" : ", \"" + error + "\"")};
 }
 
+[[noreturn]] void failToUnderstand(const char* name)
+{
+    throw Failure{IDENTIFY_NOT_UNDERSTOOD, std::string(name) + "'s answer makes no sense"};
+}
+
 /// The identifier of the file's recording.
 std::string lookUp(const Services& services, const Fingerprint& fingerprint, const Cancellation& cancellation)
 {
@@ -78,29 +88,76 @@ std::string lookUp(const Services& services, const Fingerprint& fingerprint, con
         answerOf("AcoustID", services.acoustId, acoustid::lookupRequest(services.addresses, fingerprint),
                  cancellation);
     const acoustid::Lookup lookup = acoustid::readLookup(answer.body);
-    if (answer.code != 200 || !lookup.error.empty())
+    if (answer.code != 200 || lookup.refused)
         refuse("AcoustID", answer, lookup.error);
     if (!lookup.understood)
-        throw Failure{IDENTIFY_NOT_UNDERSTOOD, "AcoustID's answer makes no sense"};
+        failToUnderstand("AcoustID");
     std::string recording = acoustid::chooseRecording(lookup.candidates, fingerprint.milliseconds);
     if (recording.empty())
         throw Failure{IDENTIFY_NO_MATCH, "AcoustID knows no such recording"};
     return recording;
 }
 
-audiocore::musicbrainz::Recording describe(const Services& services, const std::string& recording,
-                                           const Cancellation& cancellation)
+/// What MusicBrainz answers when it does not refuse.
+std::string metadata(const Services& services, const audiocore::HttpRequest& request,
+                     const Cancellation& cancellation)
 {
-    namespace musicbrainz = audiocore::musicbrainz;
-    const HttpAnswer answer =
-        answerOf("MusicBrainz", services.musicBrainz,
-                 musicbrainz::recordingRequest(services.addresses, recording), cancellation);
+    HttpAnswer answer = answerOf("MusicBrainz", services.musicBrainz, request, cancellation);
     if (answer.code != 200)
-        refuse("MusicBrainz", answer, "");
-    musicbrainz::Recording result = musicbrainz::readRecording(answer.body);
-    if (!result.understood)
-        throw Failure{IDENTIFY_NOT_UNDERSTOOD, "MusicBrainz's answer makes no sense"};
-    return result;
+        refuse("MusicBrainz", answer, musicbrainz::readError(answer.body));
+    return std::move(answer.body);
+}
+
+/// Puts the recording's best release into the first argument; asks for so many pages at most, and counts them
+/// down.
+void takeBestRelease(std::optional<musicbrainz::Release>& best, const Services& services,
+                     const std::string& recording, musicbrainz::ReleaseFilter filter, int& pagesLeft,
+                     const Cancellation& cancellation)
+{
+    std::size_t read = 0;
+    bool more = true;
+    while (more && pagesLeft-- > 0) {
+        const musicbrainz::ReleasePage page = musicbrainz::readReleases(
+            metadata(services, musicbrainz::releasesRequest(services.addresses, recording, filter, read),
+                     cancellation));
+        if (!page.understood)
+            failToUnderstand("MusicBrainz");
+        musicbrainz::takeBetter(best, page.best);
+        read += page.releases;
+        more = page.releases > 0 && double(read) < page.all;
+    }
+}
+
+/// Chooses among all the releases of a recording whose answer does not name them all.
+void chooseAmongAll(musicbrainz::Recording& recording, const Services& services, const std::string& id,
+                    const Cancellation& cancellation)
+{
+    using musicbrainz::ReleaseFilter;
+    std::optional<musicbrainz::Release> best = recording.release;
+    int pagesLeft = mostReleasePages;
+    takeBestRelease(best, services, id, ReleaseFilter::Official, pagesLeft, cancellation);
+    if (!best || !best->isOfficial())
+        takeBestRelease(best, services, id, ReleaseFilter::None, pagesLeft, cancellation);
+    if (!best || (recording.release && best->id == recording.release->id))
+        return;
+    recording.release = best;
+    if (!best->id.empty() &&
+        !musicbrainz::readTracks(
+            *recording.release,
+            metadata(services, musicbrainz::releaseRequest(services.addresses, best->id), cancellation), id))
+        failToUnderstand("MusicBrainz");
+}
+
+musicbrainz::Recording describe(const Services& services, const std::string& id,
+                                const Cancellation& cancellation)
+{
+    musicbrainz::Recording recording = musicbrainz::readRecording(
+        metadata(services, musicbrainz::recordingRequest(services.addresses, id), cancellation));
+    if (!recording.understood)
+        failToUnderstand("MusicBrainz");
+    if (recording.hasMoreReleases)
+        chooseAmongAll(recording, services, recording.id.empty() ? id : recording.id, cancellation);
+    return recording;
 }
 
 /// The release's front picture; empty when it has none.
@@ -120,14 +177,16 @@ std::string picture(const Services& services, const std::string& release, const 
     return std::move(answer.body);
 }
 
-void addTexts(Identification& found, const audiocore::musicbrainz::Recording& recording)
+void addTexts(Identification& found, const musicbrainz::Recording& recording)
 {
     found.texts[TAG_TITLE] = audiocore::toUtf32(recording.title);
     found.texts[TAG_ARTIST] = audiocore::toUtf32(recording.artist);
-    found.texts[TAG_ALBUM] = audiocore::toUtf32(recording.album);
-    found.texts[TAG_GENRE] = audiocore::toUtf32(recording.genre);
-    found.texts[TAG_YEAR] = audiocore::toUtf32(recording.year);
-    found.texts[TAG_TRACK] = audiocore::toUtf32(recording.track);
+    found.texts[TAG_GENRE] = audiocore::toUtf32(recording.genre());
+    found.texts[TAG_YEAR] = audiocore::toUtf32(recording.year());
+    if (!recording.release)
+        return;
+    found.texts[TAG_ALBUM] = audiocore::toUtf32(recording.release->title);
+    found.texts[TAG_TRACK] = audiocore::toUtf32(recording.release->track);
 }
 
 /// Puts the picture in; a failure but a cancellation leaves the texts alone.
@@ -153,10 +212,10 @@ Identification identify(const std::string& path, const Services& services, const
         throw Failure{IDENTIFY_NO_KEY,
                       "MELODRIFT_ACOUSTID_KEY names no application key for the lookup service"};
     const std::string id = lookUp(services, fingerprint(path, cancellation), cancellation);
-    const audiocore::musicbrainz::Recording recording = describe(services, id, cancellation);
+    const musicbrainz::Recording recording = describe(services, id, cancellation);
     Identification found;
     addTexts(found, recording);
-    addPicture(found, path, services, recording.release, cancellation);
+    addPicture(found, path, services, recording.release ? recording.release->id : "", cancellation);
     return found;
 }
 } // namespace

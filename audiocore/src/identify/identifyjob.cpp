@@ -2,9 +2,24 @@
 
 #include "log.h"
 
+#include <cstdio>
 #include <exception>
+#include <new>
 
+using audiocore::Identification;
 using audiocore::IdentifyJob;
+
+namespace {
+/// Nothing that goes wrong here goes further.
+void logFailure(const std::string& path, const char* reason) noexcept
+{
+    try {
+        audiocore::logLine(path, std::string("is not identified: ") + reason);
+    } catch (const std::bad_alloc&) {
+        std::fputs("a song is not identified, and memory is too short to tell which\n", stderr);
+    }
+}
+} // namespace
 
 void IdentifyJob::open(std::string path)
 {
@@ -36,15 +51,22 @@ void IdentifyJob::cancel()
 void IdentifyJob::run()
 {
     begin();
-    Identification found;
+    end(workOrFailure());
+}
+
+Identification IdentifyJob::workOrFailure() const
+{
+    Identification failed;
     try {
-        found = m_work(m_path, m_cancellation);
-    } catch (const std::exception& shortage) {
-        logLine(m_path, std::string("is not identified: ") + shortage.what());
-        found = Identification();
-        found.status = IDENTIFY_NO_MEMORY;
+        return m_work(m_path, m_cancellation);
+    } catch (const std::bad_alloc& shortage) {
+        failed.status = IDENTIFY_NO_MEMORY;
+        logFailure(m_path, shortage.what());
+    } catch (const std::exception& fault) {
+        failed.status = IDENTIFY_NOT_UNDERSTOOD;
+        logFailure(m_path, fault.what());
     }
-    end(std::move(found));
+    return failed;
 }
 
 void IdentifyJob::begin()
@@ -59,7 +81,7 @@ void IdentifyJob::end(Identification&& found)
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_found = std::move(found);
     if (m_cancellation.isCancelled()) {
-        logLine(m_path, "is not identified: cancelled");
+        logFailure(m_path, "cancelled");
         m_found = Identification();
         m_found.status = IDENTIFY_CANCELLED;
     }

@@ -31,6 +31,7 @@ private:
     enum class Phase { NeverOpened, Opened, Running, Done };
 
     void begin();
+    Identification workOrFailure() const;
     void end(Identification&& found);
 
     const Work m_work;

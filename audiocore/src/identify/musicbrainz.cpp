@@ -4,13 +4,14 @@
 #include "identify/jsonreading.h"
 #include "text.h"
 
-#include <tuple>
-
 namespace json = audiocore::json;
 namespace musicbrainz = audiocore::musicbrainz;
 
+using musicbrainz::Release;
+
 namespace {
 constexpr std::size_t largestAnswer = 10 * 1024 * 1024;
+constexpr std::size_t mostNamedReleases = 25; // with their recording
 
 /// The lower, the better.
 enum class ReleaseKind { Album, OtherAlbum, Other, Compilation };
@@ -37,41 +38,30 @@ std::string sortable(const std::string& date)
     return date + unknown.substr(date.size());
 }
 
-using Rank = std::tuple<bool, ReleaseKind, std::string>;
-
-Rank rankOf(const json::Value& release)
+Release::Rank rankOf(const json::Value& release)
 {
-    return {json::text(release, "status") != "Official", kindOfGroup(json::member(release, "release-group")),
-            sortable(json::text(release, "date"))};
+    return {json::text(release, "status") != "Official",
+            int(kindOfGroup(json::member(release, "release-group"))), sortable(json::text(release, "date"))};
 }
 
-/// The best release that has a title; null when there is none.
-const json::Value* chooseRelease(const json::Value& recording)
+std::string placeOf(const json::Value& track)
 {
-    const json::Value* best = nullptr;
-    Rank bestRank;
-    for (const json::Value& release : json::elements(json::member(recording, "releases"))) {
-        const Rank rank = rankOf(release);
-        if (json::text(release, "title").empty() || (best && rank >= bestRank))
-            continue;
-        best = &release;
-        bestRank = rank;
-    }
-    return best;
+    const double position = json::number(track, "position").value_or(0);
+    if (position >= 1 && position < 10000)
+        return std::to_string(int(position));
+    return audiocore::trackOf(json::text(track, "number"));
 }
 
-/// The place on its medium of the one track that the service names there.
-std::string trackOn(const json::Value& release)
+/// The place on its medium of the first track that the predicate takes.
+template <class IsWanted>
+std::string trackOn(const json::Value& release, IsWanted isWanted)
 {
     for (const json::Value& medium : json::elements(json::member(release, "media")))
         for (const char* name : {"tracks", "track"})
             for (const json::Value& track : json::elements(json::member(medium, name))) {
-                const double position = json::number(track, "position").value_or(0);
-                if (position >= 1 && position < 10000)
-                    return std::to_string(int(position));
-                std::string number = audiocore::trackOf(json::text(track, "number"));
-                if (!number.empty())
-                    return number;
+                std::string place = isWanted(track) ? placeOf(track) : std::string();
+                if (!place.empty())
+                    return place;
             }
     return std::string();
 }
@@ -89,39 +79,76 @@ std::string artistOf(const json::Value& entry)
     return json::cleaned(credit);
 }
 
-void addRelease(musicbrainz::Recording& recording, const json::Value& release)
+std::string genreOf(const json::Value& release)
 {
-    const json::Value& group = json::member(release, "release-group");
-    recording.album = json::text(release, "title");
-    recording.release = json::identifier(release, "id");
-    recording.track = trackOn(release);
-    recording.year = audiocore::yearOf(json::text(release, "date"));
-    if (recording.year.empty())
-        recording.year = audiocore::yearOf(json::text(group, "first-release-date"));
+    const std::string own = audiocore::mostVotedGenre(release);
+    return own.empty() ? audiocore::mostVotedGenre(json::member(release, "release-group")) : own;
 }
 
-/// The recording's own genre, or that of the album, or that of the artist.
-std::string genreOf(const json::Value& recording, const json::Value* release)
+std::string artistGenreOf(const json::Value& recording)
 {
-    std::string genre = audiocore::mostVotedGenre(recording);
-    if (genre.empty() && release)
-        genre = audiocore::mostVotedGenre(json::member(*release, "release-group"));
-    if (genre.empty())
-        for (const json::Value& credit : json::elements(json::member(recording, "artist-credit")))
-            if (genre.empty())
-                genre = audiocore::mostVotedGenre(json::member(credit, "artist"));
-    return audiocore::capitalised(genre);
+    for (const json::Value& credit : json::elements(json::member(recording, "artist-credit"))) {
+        std::string genre = audiocore::mostVotedGenre(json::member(credit, "artist"));
+        if (!genre.empty())
+            return genre;
+    }
+    return std::string();
+}
+
+Release releaseOf(const json::Value& value)
+{
+    Release release;
+    release.rank = rankOf(value);
+    release.id = json::identifier(value, "id");
+    release.title = json::text(value, "title");
+    release.year = audiocore::yearOf(json::text(value, "date"));
+    if (release.year.empty())
+        release.year =
+            audiocore::yearOf(json::text(json::member(value, "release-group"), "first-release-date"));
+    // The one track that is named there is the recording's.
+    release.track = trackOn(value, [](const json::Value&) { return true; });
+    release.genre = genreOf(value);
+    return release;
+}
+
+/// The best release that has a title.
+std::optional<Release> bestOf(const std::vector<json::Value>& releases)
+{
+    std::optional<Release> best;
+    for (const json::Value& value : releases)
+        if (!json::text(value, "title").empty())
+            musicbrainz::takeBetter(best, releaseOf(value));
+    return best;
+}
+
+audiocore::HttpRequest get(const audiocore::ServiceAddresses& addresses, const std::string& what)
+{
+    audiocore::HttpRequest request;
+    request.address = addresses.musicBrainz + "/ws/2/" + what + "&fmt=json";
+    request.largestAnswer = largestAnswer;
+    return request;
 }
 } // namespace
+
+std::string musicbrainz::Recording::year() const
+{
+    return release && !release->year.empty() ? release->year : firstYear;
+}
+
+std::string musicbrainz::Recording::genre() const
+{
+    std::string genre = ownGenre;
+    if (genre.empty() && release)
+        genre = release->genre;
+    return capitalised(genre.empty() ? artistGenre : genre);
+}
 
 audiocore::HttpRequest musicbrainz::recordingRequest(const ServiceAddresses& addresses,
                                                      const std::string& recording)
 {
-    HttpRequest request;
-    request.address = addresses.musicBrainz + "/ws/2/recording/" + recording +
-                      "?inc=artist-credits+releases+release-groups+media+genres&fmt=json";
-    request.largestAnswer = largestAnswer;
-    return request;
+    // Genres come with the recording, its releases and, as "artists" are asked for, its artists.
+    return get(addresses,
+               "recording/" + recording + "?inc=artists+artist-credits+releases+release-groups+media+genres");
 }
 
 musicbrainz::Recording musicbrainz::readRecording(const std::string& answer)
@@ -130,14 +157,68 @@ musicbrainz::Recording musicbrainz::readRecording(const std::string& answer)
     const std::optional<json::Value> root = json::parse(answer);
     if (!root)
         return recording;
+    const std::vector<json::Value>& releases = json::elements(json::member(*root, "releases"));
+    recording.id = json::identifier(*root, "id");
     recording.title = json::text(*root, "title");
     recording.understood = !recording.title.empty();
     recording.artist = artistOf(*root);
-    const json::Value* release = chooseRelease(*root);
-    if (release)
-        addRelease(recording, *release);
-    if (recording.year.empty())
-        recording.year = yearOf(json::text(*root, "first-release-date"));
-    recording.genre = genreOf(*root, release);
+    recording.firstYear = yearOf(json::text(*root, "first-release-date"));
+    recording.ownGenre = mostVotedGenre(*root);
+    recording.artistGenre = artistGenreOf(*root);
+    recording.release = bestOf(releases);
+    recording.hasMoreReleases = releases.size() >= mostNamedReleases;
     return recording;
+}
+
+audiocore::HttpRequest musicbrainz::releasesRequest(const ServiceAddresses& addresses,
+                                                    const std::string& recording, ReleaseFilter filter,
+                                                    std::size_t offset)
+{
+    return get(addresses, "release?recording=" + recording +
+                              (filter == ReleaseFilter::Official ? "&status=official" : "") +
+                              "&inc=release-groups&limit=100&offset=" + std::to_string(offset));
+}
+
+musicbrainz::ReleasePage musicbrainz::readReleases(const std::string& answer)
+{
+    ReleasePage page;
+    const std::optional<json::Value> root = json::parse(answer);
+    if (!root)
+        return page;
+    const json::Value& releases = json::member(*root, "releases");
+    page.understood = releases.is_array();
+    page.releases = json::elements(releases).size();
+    page.all = json::number(*root, "release-count").value_or(0);
+    page.best = bestOf(json::elements(releases));
+    return page;
+}
+
+audiocore::HttpRequest musicbrainz::releaseRequest(const ServiceAddresses& addresses,
+                                                   const std::string& release)
+{
+    return get(addresses, "release/" + release + "?inc=recordings+release-groups+genres");
+}
+
+bool musicbrainz::readTracks(Release& release, const std::string& answer, const std::string& recording)
+{
+    const std::optional<json::Value> root = json::parse(answer);
+    if (!root || json::text(*root, "title").empty())
+        return false;
+    release.genre = genreOf(*root);
+    release.track = trackOn(*root, [&recording](const json::Value& track) {
+        return json::identifier(json::member(track, "recording"), "id") == recording;
+    });
+    return true;
+}
+
+void musicbrainz::takeBetter(std::optional<Release>& best, const std::optional<Release>& other)
+{
+    if (other && (!best || other->rank < best->rank))
+        best = other;
+}
+
+std::string musicbrainz::readError(const std::string& answer)
+{
+    const std::optional<json::Value> root = json::parse(answer);
+    return root ? json::text(*root, "error") : std::string();
 }

@@ -3,25 +3,72 @@
 #include "identify/httpclient.h"
 #include "identify/services.h"
 
+#include <optional>
 #include <string>
+#include <tuple>
 
 /// The MusicBrainz web service: a recording's identifier in, its texts out.
+///
+/// The answer about a recording names 25 of its releases at most, just any of them. Songs that are on more
+/// take further requests: for all the releases, page by page, and for the tracks of the chosen one.
 namespace audiocore::musicbrainz {
-/// Texts are UTF-8, empty when the service does not know them.
+/// Texts are UTF-8, empty when the answer does not tell them.
+struct Release
+{
+    /// The lower, the better: official ones come first, of these the albums before singles and compilations,
+    /// and of equals the earliest.
+    using Rank = std::tuple<bool, int, std::string>;
+
+    Rank rank;
+    std::string id;
+    std::string title; ///< never empty
+    std::string year;
+    std::string track; ///< the recording's place on its medium
+    std::string genre; ///< the most voted one of the release, else of its group
+
+    bool isOfficial() const { return !std::get<0>(rank); }
+};
+
 struct Recording
 {
     bool understood = false;
+    std::string id; ///< which the service goes by; another than asked for when two were merged
     std::string title;
-    std::string artist;  ///< the whole credit, joined as the database joins it
-    std::string album;   ///< the chosen release's title
-    std::string release; ///< the chosen release's identifier
-    std::string year;
-    std::string track;
-    std::string genre; ///< the most voted one, capitalised as a title
+    std::string artist; ///< the whole credit, joined as the database joins it
+    std::string firstYear;
+    std::string ownGenre;
+    std::string artistGenre;
+    std::optional<Release> release; ///< the best of those named
+    bool hasMoreReleases = false;   ///< than those named, perhaps
+
+    std::string year() const;
+    /// The most voted genre of the recording, else of the release, else of the artist, as a title.
+    std::string genre() const;
+};
+
+/// A part of the list of a recording's releases.
+struct ReleasePage
+{
+    bool understood = false;
+    std::size_t releases = 0;    ///< on this page
+    double all = 0;              ///< in the whole list
+    std::optional<Release> best; ///< of this page; without track and genre
 };
 
 HttpRequest recordingRequest(const ServiceAddresses& addresses, const std::string& recording);
-/// Of several releases the official ones come first, of these the albums before singles and compilations, and
-/// of equals the earliest.
 Recording readRecording(const std::string& answer);
+
+enum class ReleaseFilter { Official, None };
+HttpRequest releasesRequest(const ServiceAddresses& addresses, const std::string& recording,
+                            ReleaseFilter filter, std::size_t offset);
+ReleasePage readReleases(const std::string& answer);
+
+HttpRequest releaseRequest(const ServiceAddresses& addresses, const std::string& release);
+/// Takes track and genre from the answer; false when it makes no sense.
+bool readTracks(Release& release, const std::string& answer, const std::string& recording);
+
+/// Puts the better one of the two into the first, of equals the first.
+void takeBetter(std::optional<Release>& best, const std::optional<Release>& other);
+/// What the service says is wrong; empty when it does not.
+std::string readError(const std::string& answer);
 } // namespace audiocore::musicbrainz

@@ -48,15 +48,14 @@ ServiceAddresses audiocore::configuredAddresses()
 
 HttpAnswer Service::ask(const HttpRequest& request, const Cancellation& cancellation) const
 {
+    const auto turn = [this, &cancellation] { return m_limit.waitForTurn(cancellation); };
     for (bool again = false;; again = true) {
-        HttpAnswer answer;
-        answer.outcome = HttpAnswer::Outcome::Cancelled;
-        if (!m_limit.waitForTurn(cancellation))
+        HttpAnswer answer = m_client.send(request, cancellation, turn);
+        if (!asksToSlowDown(answer))
             return answer;
-        answer = m_client.send(request, cancellation);
-        if (again || !asksToSlowDown(answer) || answer.retryAfter > longestHold)
+        m_limit.holdFor(std::clamp(answer.retryAfter, seconds(1), longestHold)); // whoever asks next
+        if (again || answer.retryAfter > longestHold)
             return answer;
-        m_limit.holdFor(std::max(answer.retryAfter, seconds(1)));
     }
 }
 

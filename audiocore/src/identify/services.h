@@ -27,7 +27,9 @@ public:
     Service(const HttpClient& client, RateLimit& limit) : m_client(client), m_limit(limit) {}
 
     /// Sends the request when its turn has come, and once more when the service asks to slow down and does
-    /// not ask for more than ten seconds.
+    /// not ask for more than ten seconds. Redirects wait for turns of their own, and whenever the service
+    /// asks to slow down, the next request to it waits, whosever it is: as long as asked for, ten seconds at
+    /// most.
     HttpAnswer ask(const HttpRequest& request, const Cancellation& cancellation) const;
 
 private:

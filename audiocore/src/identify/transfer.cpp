@@ -89,8 +89,11 @@ HttpAnswer Transfer::run(const Cancellation& cancellation)
     }
     int running = 1;
     while (running > 0 && !cancellation.isCancelled()) {
-        if (curl_multi_perform(m_multi, &running) != CURLM_OK)
+        const CURLMcode result = curl_multi_perform(m_multi, &running);
+        if (result != CURLM_OK) {
+            m_answer.error = curl_multi_strerror(result);
             break;
+        }
         if (running > 0)
             curl_multi_poll(m_multi, nullptr, 0, pollMilliseconds, nullptr);
     }
