@@ -328,6 +328,7 @@ void TestMusicDetailedInfoWidget::labelsShowWhatWasTyped()
     QCOMPARE(shown("m_titleName"), QStringLiteral("  two  blanks "));
     QCOMPARE(shown("m_yearNumber"), QStringLiteral("0012")); // not the number
     QCOMPARE(m_song->localInfo->year, qint64(12));
+    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).texts.value(TAG_YEAR), QStringLiteral("12"));
 }
 
 void TestMusicDetailedInfoWidget::anEmptyYearIsZero()

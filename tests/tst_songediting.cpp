@@ -123,6 +123,8 @@ private slots:
     void anUnreadablePictureIsNone();
     void everyFormatTakesAnEdit_data();
     void everyFormatTakesAnEdit();
+    void everyFormatTakesAnyNumber_data();
+    void everyFormatTakesAnyNumber();
     void theSongTakesTheEdit();
     void theCoverGetsItsPicture();
     void whatWasHandedBackUnchangedStays_data();
@@ -239,6 +241,41 @@ void TestSongEditing::everyFormatTakesAnEdit()
     row.append(QStringLiteral("picture: %1 | %1 bytes").arg(picture.size()));
     qInfo("%-5s read back by us | by ffprobe: %s", qPrintable(kind),
           qUtf8Printable(row.join(QStringLiteral("; "))));
+}
+
+void TestSongEditing::everyFormatTakesAnyNumber_data()
+{
+    everyFormatTakesAnEdit_data();
+}
+
+/// Whatever the editors let through, from their least to their greatest.
+void TestSongEditing::everyFormatTakesAnyNumber()
+{
+    QFETCH(QString, kind);
+    const auto song = songOn(Fixtures::copyTone(kind, m_folder.path()));
+    SongEdit edit = sampleEdit();
+    SongEditing::apply(*song, edit);
+    const struct
+    {
+        int year;
+        int track;
+    } numbers[] = {{987, 9999}, {9999, 1}, {5, 10}, {12, 255}, {1000, 256}, {1, 999}};
+    for (const auto& number : numbers) {
+        edit.year = number.year;
+        edit.trackNumber = number.track;
+        SongEditing::apply(*song, edit);
+        QHash<int, QString> ours = AudioFile::read(song->localInfo->filePath).texts;
+        QCOMPARE(ours.value(TAG_YEAR), QString::number(number.year));
+        QCOMPARE(ours.value(TAG_TRACK), QString::number(number.track));
+        const QHash<QString, QString> theirs = independentTags(song->localInfo->filePath);
+        QCOMPARE(theirs.value(QStringLiteral("date")).toInt(), number.year);
+        QCOMPARE(theirs.value(QStringLiteral("track")).toInt(), number.track);
+        edit.title += QLatin1Char('+'); // what is handed back is not lost
+        SongEditing::apply(*song, edit);
+        ours = AudioFile::read(song->localInfo->filePath).texts;
+        QCOMPARE(ours.value(TAG_TITLE), edit.title);
+        QCOMPARE(ours.value(TAG_YEAR), QString::number(number.year));
+    }
 }
 
 void TestSongEditing::theSongTakesTheEdit()

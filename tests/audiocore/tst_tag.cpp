@@ -62,6 +62,8 @@ private slots:
     void operationsStandAtTheirSlots();
     void severalValuesComeAsOneText();
     void theYearIsFourDigitsOfWhateverDate();
+    void aShortYearStandsAlone_data();
+    void aShortYearStandsAlone();
     void theTrackIsTheNumberBeforeTheSlash();
     void everyVersionOfId3IsRead_data();
     void everyVersionOfId3IsRead();
@@ -137,6 +139,28 @@ void TestTag::theYearIsFourDigitsOfWhateverDate()
         QVERIFY(file.save());
         QCOMPARE(AudioFile::read(path).texts.value(TAG_YEAR), QStringLiteral("2012"));
     }
+}
+
+void TestTag::aShortYearStandsAlone_data()
+{
+    QTest::addColumn<QString>("year");
+    for (const char* date : {"987", "0987", " 987 ", "0987-05-01"})
+        QTest::newRow(date) << "987";
+    QTest::newRow("5") << "5";
+    QTest::newRow("0012") << "12";
+    QTest::newRow("987 or 2012") << "2012";
+    for (const char* date : {"0", "000", "0000", "0000-05", "-5", "5 BC", "99-5", "early"})
+        QTest::newRow(date) << QString();
+}
+
+void TestTag::aShortYearStandsAlone()
+{
+    QFETCH(QString, year);
+    const QString path = Fixtures::copyTone(QStringLiteral("flac"), m_folder.path());
+    TagLib::FLAC::File file(native(path).c_str());
+    file.xiphComment(true)->addField("DATE", QTest::currentDataTag(), true);
+    QVERIFY(file.save());
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_YEAR), year);
 }
 
 void TestTag::theTrackIsTheNumberBeforeTheSlash()
