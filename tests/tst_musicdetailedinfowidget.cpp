@@ -432,8 +432,8 @@ void TestMusicDetailedInfoWidget::aFailedSaveKeepsTheEditAndLogs()
     QCOMPARE(shown("m_titleName"), QStringLiteral("Gone"));
     QVERIFY(!QFile::exists(path));
     QVERIFY(m_dialogs->texts.isEmpty());
-    QCOMPARE(log.size(), 1);
-    QVERIFY(log.first().contains(path));
+    // That it could not be read either may be said before.
+    QVERIFY(log.last().contains(path + QLatin1String(": the tag was not saved: ")));
 }
 
 void TestMusicDetailedInfoWidget::enterAppliesAndEscapeCancels()

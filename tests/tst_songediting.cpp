@@ -125,6 +125,8 @@ private slots:
     void everyFormatTakesAnEdit();
     void everyFormatTakesAnyNumber_data();
     void everyFormatTakesAnyNumber();
+    void everyFailedSaveIsLogged_data();
+    void everyFailedSaveIsLogged();
     void theSongTakesTheEdit();
     void theCoverGetsItsPicture();
     void whatWasHandedBackUnchangedStays_data();
@@ -275,6 +277,30 @@ void TestSongEditing::everyFormatTakesAnyNumber()
         ours = AudioFile::read(song->localInfo->filePath).texts;
         QCOMPARE(ours.value(TAG_TITLE), edit.title);
         QCOMPARE(ours.value(TAG_YEAR), QString::number(number.year));
+    }
+}
+
+void TestSongEditing::everyFailedSaveIsLogged_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("missing") << m_folder.filePath("missing.mp3");
+    QTest::newRow("garbage") << Fixtures::saveBytes("garbage", m_folder.filePath("garbage.mp3"));
+    QTest::newRow("empty") << Fixtures::saveBytes("", m_folder.filePath("empty.mp3"));
+    QTest::newRow("directory") << m_folder.path();
+}
+
+void TestSongEditing::everyFailedSaveIsLogged()
+{
+    QFETCH(QString, path);
+    const auto song = songOn(path);
+    AudioFile::read(path); // whoever looked at the file before
+    for (int time = 0; time < 3; ++time) {
+        const LoggedLines lines;
+        SongEditing::apply(*song, sampleEdit());
+        const QStringList log = LoggedLines::take();
+        QCOMPARE(log.size(), 1);
+        QVERIFY2(log.first().contains(path + QLatin1String(": the tag was not saved: ")),
+                 qPrintable(log.first()));
     }
 }
 
