@@ -45,6 +45,7 @@ private slots:
     void applyWritesTheFile();
     void labelsShowWhatWasTyped();
     void anEmptyYearIsZero();
+    void textsOfAnyLengthAreHandedBackWhole();
     void applyWithoutACoverTakesThePictureOut();
     void aChosenCoverIsShownAtOnceAndWrittenByApply();
     void aCoverOutlivesCancelAndSong();
@@ -342,6 +343,24 @@ void TestMusicDetailedInfoWidget::anEmptyYearIsZero()
     const QHash<int, QString> texts = AudioFile::read(m_song->localInfo->filePath).texts;
     QVERIFY(!texts.contains(TAG_YEAR));
     QVERIFY(!texts.contains(TAG_TRACK));
+}
+
+void TestMusicDetailedInfoWidget::textsOfAnyLengthAreHandedBackWhole()
+{
+    const QString path = m_song->localInfo->filePath;
+    const QString vast = QString(40000, QLatin1Char('x')) + QLatin1String("\nend");
+    QCOMPARE(AudioFile::write(path, {{TAG_TITLE, vast}, {TAG_ARTIST, vast}, {TAG_ALBUM, vast}}), 0);
+    LocalMusicInfo& local = *m_song->localInfo;
+    local.title = local.artist = local.album = vast;
+    m_panel->SetMusicDetailedInfo(m_song.get());
+    click("m_btnEdit");
+    type("m_lineTitle", QStringLiteral("Short"));
+    click("m_btnApply");
+    const QHash<int, QString> texts = AudioFile::read(path).texts;
+    QCOMPARE(texts.value(TAG_TITLE), QStringLiteral("Short"));
+    QVERIFY(texts.value(TAG_ARTIST) == vast);
+    QVERIFY(texts.value(TAG_ALBUM) == vast);
+    QVERIFY(local.artist == vast);
 }
 
 void TestMusicDetailedInfoWidget::applyWithoutACoverTakesThePictureOut()
