@@ -74,6 +74,7 @@ private slots:
     void theContentDecidesNotTheName();
     void anUntaggedFileHasNoItems();
     void itemsBeyondTheLastAreAbsent();
+    void noPathIsLoggedAsNone();
     void closingMayComeFromAnotherThread();
     void openObjectsHoldNoDescriptorAndLittleMemory();
 
@@ -300,6 +301,19 @@ void TestTag::itemsBeyondTheLastAreAbsent()
     QCOMPARE(tag->GetItem(-1).size, 0);
     QCOMPARE(tag->GetItem(0).size, 0);
     QCOMPARE(tag->GetItem(1000).size, 0);
+    ::operator delete(tag);
+}
+
+void TestTag::noPathIsLoggedAsNone()
+{
+    IAudioTag* tag = CreateTag();
+    AudioFile::takeLog();
+    QVERIFY(tag->Open(U"") != 0);
+    QVERIFY(tag->Open(nullptr) != 0);
+    QCOMPARE(AudioFile::takeLog(), QStringList({"a file: no path was given", "a file: no path was given"}));
+    const char32_t half[] = {U'a', 0xD800, 0};
+    QVERIFY(tag->Open(half) != 0);
+    QCOMPARE(AudioFile::takeLog(), QStringList({"a file: has a name that is not valid text"}));
     ::operator delete(tag);
 }
 
