@@ -13,6 +13,7 @@
 #include <QTimer>
 #include <QtTest>
 #include <QUrl>
+#include <QWindow>
 
 #include <ctime>
 
@@ -48,6 +49,12 @@ private slots:
     void everySongBringsATimerOfItsOwn();
     void manyTimersCostLittle();
     void opensBesideAndStaysWhereItWasLeft();
+    void opensWithItsFrameOnTheScreen_data();
+    void opensWithItsFrameOnTheScreen();
+    void comesBackWhenItsScreenIsGone();
+    void aFrameThatComesLateIsKeptOnTheScreen();
+    void windowsAreGraspedAtTheirUpperEdge_data();
+    void windowsAreGraspedAtTheirUpperEdge();
     void windowsGoBesideOthers_data();
     void windowsGoBesideOthers();
     void doesNotKeepTheProgramRunning();
@@ -358,6 +365,75 @@ void TestPlaySongWidget::opensBesideAndStaysWhereItWasLeft()
     m_window->ShowBeside(QRect(screen.topLeft(), QSize(100, 100)));
     QVERIFY(!m_window->isMinimized());
     QCOMPARE(m_window->pos(), left);
+}
+
+void TestPlaySongWidget::opensWithItsFrameOnTheScreen_data()
+{
+    QTest::addColumn<QPoint>("shift"); // of the other window, from the screen's top-left corner
+    QTest::newRow("top left") << QPoint(0, 0);
+    QTest::newRow("bottom right") << QPoint(700, 500);
+    QTest::newRow("beyond the bottom") << QPoint(100, 2000);
+}
+
+void TestPlaySongWidget::opensWithItsFrameOnTheScreen()
+{
+    QFETCH(QPoint, shift);
+    const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
+    m_window->ShowBeside(QRect(screen.topLeft() + shift, QSize(100, 100)));
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QVERIFY(screen.contains(m_window->windowHandle()->frameGeometry()));
+}
+
+void TestPlaySongWidget::comesBackWhenItsScreenIsGone()
+{
+    const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
+    const QRect other(screen.topLeft(), QSize(100, 100));
+    m_window->ShowBeside(other);
+    m_window->move(screen.bottomRight() + QPoint(900, 200));
+    m_window->close();
+    m_window->ShowBeside(other);
+    QVERIFY(screen.contains(m_window->frameGeometry()));
+    m_window->move(screen.bottomRight() + QPoint(900, 200)); // while it is open
+    m_window->ShowBeside(other);
+    QVERIFY(screen.contains(m_window->frameGeometry()));
+    const QPoint half(screen.right() - 200, screen.bottom() - 100);
+    m_window->move(half);
+    m_window->close();
+    m_window->ShowBeside(other);
+    QCOMPARE(m_window->pos(), half); // left so by the user
+}
+
+void TestPlaySongWidget::aFrameThatComesLateIsKeptOnTheScreen()
+{
+    const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
+    m_window->ShowBeside(QRect(screen.topLeft(), QSize(100, 100)));
+    // As if it had turned out larger than thought.
+    m_window->move(screen.right() - 300, screen.bottom() - 100);
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QTRY_VERIFY(screen.contains(m_window->windowHandle()->frameGeometry()));
+}
+
+void TestPlaySongWidget::windowsAreGraspedAtTheirUpperEdge_data()
+{
+    QTest::addColumn<QRect>("window");
+    QTest::addColumn<bool>("graspable");
+    QTest::newRow("inside") << QRect(100, 100, 560, 370) << true;
+    QTest::newRow("second screen") << QRect(2500, 300, 560, 370) << true;
+    QTest::newRow("across both") << QRect(1700, 300, 560, 370) << true;
+    QTest::newRow("half below") << QRect(100, 900, 560, 370) << true;
+    QTest::newRow("hardly left") << QRect(-510, 100, 560, 370) << false;
+    QTest::newRow("below") << QRect(100, 1075, 560, 370) << false;
+    QTest::newRow("bar above") << QRect(100, -30, 560, 370) << false;
+    QTest::newRow("gone screen") << QRect(5000, 300, 560, 370) << false;
+    QTest::newRow("small") << QRect(0, 0, 40, 30) << true;
+}
+
+void TestPlaySongWidget::windowsAreGraspedAtTheirUpperEdge()
+{
+    QFETCH(QRect, window);
+    const QVector<QRect> screens = {QRect(0, 0, 1920, 1080), QRect(1920, 0, 1280, 1024)};
+    QTEST(ScreenPlace::graspable(window, screens), "graspable");
+    QVERIFY(!ScreenPlace::graspable(window, {}));
 }
 
 void TestPlaySongWidget::windowsGoBesideOthers_data()
