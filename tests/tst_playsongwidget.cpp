@@ -48,6 +48,7 @@ private slots:
     void aFileThatCannotBePlayedIsQuiet();
     void everySongBringsATimerOfItsOwn();
     void manyTimersCostLittle();
+    void playingCostsLittle();
     void opensBesideAndStaysWhereItWasLeft();
     void opensWithItsFrameOnTheScreen_data();
     void opensWithItsFrameOnTheScreen();
@@ -347,6 +348,23 @@ void TestPlaySongWidget::manyTimersCostLittle()
     qInfo("50 timers on a paused song: %.1f %% of a core", share * 100);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     QVERIFY(share < 0.05);
+#endif
+}
+
+/// One song that plays in an open window.
+void TestPlaySongWidget::playingCostsLittle()
+{
+    const auto song = songOf(200000);
+    m_window->show();
+    m_window->SetMusicPlayInfo(&song->info, true);
+    QTRY_COMPARE(text("m_labelShowTime"), QStringLiteral("00::01"));
+    const std::clock_t before = std::clock();
+    QTest::qWait(2000);
+    const double share = double(std::clock() - before) / CLOCKS_PER_SEC / 2;
+    qInfo("a playing song: %.1f %% of a core", share * 100);
+    QVERIFY(playing());
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    QVERIFY(share < 0.25);
 #endif
 }
 
