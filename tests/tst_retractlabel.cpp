@@ -34,6 +34,10 @@ private slots:
     void anotherWindowEndsTheEdit();
     void losingTheFocusAccepts();
     void theEditorCanBeClosedUnheard();
+    void anotherEndingIsPartOfTheNewName();
+    void aNameLeftAsItWasIsNoRename();
+    void anEmptiedNameIsItsExtension();
+    void withoutAnEditorNothingIsRenamed();
 
 private:
     static QLineEdit* editorOf(const RetractLabel& label) { return label.findChild<QLineEdit*>(); }
@@ -279,6 +283,64 @@ void TestRetractLabel::theEditorCanBeClosedUnheard()
     open(label);
     label.setCanEditText(false);
     QVERIFY(editorOf(label)->isHidden());
+}
+
+/// Return is heard twice; the extension of the new name is none of the old one.
+void TestRetractLabel::anotherEndingIsPartOfTheNewName()
+{
+    RetractLabel label;
+    label.resize(200, 24);
+    label.setText(QStringLiteral("song"));
+    QSignalSpy changes(&label, SIGNAL(emitChangeName()));
+    open(label);
+    QTest::keyClicks(editorOf(label), QStringLiteral("a.b"));
+    QTest::keyClick(editorOf(label), Qt::Key_Return);
+    QCOMPARE(label.getName(), QStringLiteral("a.b"));
+    QCOMPARE(changes.size(), 1);
+}
+
+void TestRetractLabel::aNameLeftAsItWasIsNoRename()
+{
+    RetractLabel label;
+    label.resize(200, 24);
+    QSignalSpy changes(&label, SIGNAL(emitChangeName()));
+    label.setText(QStringLiteral("former.mp3"));
+    open(label);
+    QTest::keyClick(editorOf(label), Qt::Key_Escape);
+    label.setText(QStringLiteral("Live: Salt/Honey.mp3"));
+    open(label);
+    QCOMPARE(editorOf(label)->text(), QStringLiteral("Live SaltHoney"));
+    QTest::keyClick(editorOf(label), Qt::Key_Return);
+    QCOMPARE(label.getName(), QStringLiteral("Live: Salt/Honey.mp3"));
+    QCOMPARE(changes.size(), 0);
+    open(label);
+    QTest::keyClick(editorOf(label), Qt::Key_End);
+    QTest::keyClick(editorOf(label), '2');
+    QTest::keyClick(editorOf(label), ':');
+    QTest::keyClick(editorOf(label), Qt::Key_Return);
+    QCOMPARE(label.getName(), QStringLiteral("Live SaltHoney2.mp3"));
+    QCOMPARE(changes.size(), 1);
+}
+
+void TestRetractLabel::anEmptiedNameIsItsExtension()
+{
+    RetractLabel label;
+    label.resize(200, 24);
+    label.setText(QStringLiteral("song.mp3"));
+    open(label);
+    QTest::keyClick(editorOf(label), Qt::Key_Delete);
+    QTest::keyClick(editorOf(label), Qt::Key_Return);
+    QCOMPARE(label.getName(), QStringLiteral(".mp3")); // wanted: who renames the file judges the name
+}
+
+void TestRetractLabel::withoutAnEditorNothingIsRenamed()
+{
+    RetractLabel label;
+    label.setText(QStringLiteral("song.mp3"));
+    QSignalSpy changes(&label, SIGNAL(emitChangeName()));
+    label.RenameOK();
+    QCOMPARE(label.getName(), QStringLiteral("song.mp3"));
+    QCOMPARE(changes.size(), 0);
 }
 
 QTEST_MAIN(TestRetractLabel)

@@ -7,6 +7,15 @@
 #include <QPainter>
 #include <QRegularExpression>
 
+namespace {
+const QRegularExpression& forbidden()
+{
+    static const QRegularExpression characters(QStringLiteral("[/:*\"<>|]"));
+    return characters;
+}
+
+} // namespace
+
 RetractLabel::RetractLabel(QWidget* parent) : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
@@ -48,7 +57,9 @@ void RetractLabel::setCanEditText(bool edit)
         return;
     }
     makeEditor();
-    m_pLineEdit->setText(m_strName.left(extensionStart()));
+    // A name from elsewhere may hold what the editor refuses.
+    m_strOpened = m_strName.left(extensionStart()).remove(forbidden());
+    m_pLineEdit->setText(m_strOpened);
     m_pLineEdit->setGeometry(rect());
     m_pLineEdit->show();
     m_pLineEdit->selectAll();
@@ -74,8 +85,7 @@ int RetractLabel::extensionStart() const
 
 void RetractLabel::NameChange(const QString& text)
 {
-    static const QRegularExpression forbidden(QStringLiteral("[/:*\"<>|]"));
-    if (text.contains(forbidden))
+    if (text.contains(forbidden()))
         m_pLineEdit->setText(m_strLastValid);
     else
         m_strLastValid = text;
@@ -83,12 +93,15 @@ void RetractLabel::NameChange(const QString& text)
 
 void RetractLabel::RenameOK()
 {
-    const QString name = m_pLineEdit->text() + m_strName.mid(extensionStart());
-    if (name != m_strName) {
-        setText(name);
-        emit emitChangeName();
-    }
+    // Return finishes the editing as well, and so does hiding the editor: only the first call counts.
+    if (!m_pLineEdit || m_pLineEdit->isHidden())
+        return;
     m_pLineEdit->hide();
+    const QString name = m_pLineEdit->text() + m_strName.mid(extensionStart());
+    if (m_pLineEdit->text() == m_strOpened || name == m_strName)
+        return;
+    setText(name);
+    emit emitChangeName();
 }
 
 bool RetractLabel::eventFilter(QObject* watched, QEvent* event)

@@ -44,4 +44,5 @@ private:
     QLineEdit* m_pLineEdit = nullptr; ///< made by the first edit
     QString m_strLastValid;           ///< what the editor last held without a forbidden character
     int m_nTextWidth = -1;
+    QString m_strOpened; ///< what the editor was opened with
 };
