@@ -4,6 +4,7 @@
 
 #include <QLineEdit>
 #include <QSignalSpy>
+#include <QTextDocument>
 #include <QtTest>
 #include <QVBoxLayout>
 
@@ -26,6 +27,8 @@ private slots:
     void aTinyLabelShowsDots();
     void aNewSizeIsANewLayout();
     void markupIsText();
+    void markupIsTextInTheTip();
+    void theTipOfAVastTextTakesNoTime();
     void theTextWidthIsNotMeasured();
     void renamingKeepsTheExtension_data();
     void renamingKeepsTheExtension();
@@ -42,7 +45,20 @@ private slots:
 private:
     static QLineEdit* editorOf(const RetractLabel& label) { return label.findChild<QLineEdit*>(); }
     static void open(RetractLabel& label);
+    static const QLabel* tipOf(RetractLabel& label);
 };
+
+/// Hovers over the label; the tip that comes, null when none does.
+const QLabel* TestRetractLabel::tipOf(RetractLabel& label)
+{
+    QHelpEvent hover(QEvent::ToolTip, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(&label, &hover);
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (const QWidget* window : windows)
+        if (window->windowType() == Qt::ToolTip && window->isVisible())
+            return qobject_cast<const QLabel*>(window);
+    return nullptr;
+}
 
 void TestRetractLabel::open(RetractLabel& label)
 {
@@ -164,6 +180,40 @@ void TestRetractLabel::markupIsText()
 {
     RetractLabel label;
     QCOMPARE(label.textFormat(), Qt::PlainText);
+}
+
+void TestRetractLabel::markupIsTextInTheTip()
+{
+    RetractLabel label;
+    label.resize(40, 20);
+    const QString name = QStringLiteral("<h1>Salt</h1> & <img src='x'> &amp;\nHoney");
+    label.setText(name);
+    QCOMPARE(label.toolTip(), name);
+    const QLabel* tip = tipOf(label);
+    QVERIFY(tip);
+    QTextDocument shown;
+    shown.setHtml(tip->text());
+    QCOMPARE(shown.toPlainText(), name);
+    label.setText(QStringLiteral("a"));
+    QHelpEvent hover(QEvent::ToolTip, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(&label, &hover);
+    QVERIFY(!hover.isAccepted());
+}
+
+void TestRetractLabel::theTipOfAVastTextTakesNoTime()
+{
+    RetractLabel label;
+    label.resize(80, 20);
+    const QString name = QStringLiteral("<b>vast</b> ").repeated(100000);
+    label.setText(name);
+    QCOMPARE(label.toolTip(), name);
+    const QLabel* tip = tipOf(label);
+    QVERIFY(tip);
+    QTextDocument shown;
+    shown.setHtml(tip->text());
+    QVERIFY(shown.toPlainText().size() <= 4000);
+    QVERIFY(shown.toPlainText().endsWith(QLatin1String("...")));
+    QVERIFY(name.startsWith(shown.toPlainText().chopped(3)));
 }
 
 void TestRetractLabel::theTextWidthIsNotMeasured()

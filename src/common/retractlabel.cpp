@@ -2,10 +2,12 @@
 
 #include "common/textfit.h"
 
-#include <QEvent>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QPainter>
 #include <QRegularExpression>
+#include <QTextDocument>
+#include <QToolTip>
 
 namespace {
 const QRegularExpression& forbidden()
@@ -14,6 +16,13 @@ const QRegularExpression& forbidden()
     return characters;
 }
 
+/// The text as a tip shows it: nothing in it is markup, long lines are broken, and it has an end, since
+/// laying out takes time.
+QString tipText(const QString& text)
+{
+    const auto fits = [](const QString& candidate) { return candidate.size() <= 4000; };
+    return Qt::convertFromPlainText(TextFit::elided(text, fits), Qt::WhiteSpaceNormal);
+}
 } // namespace
 
 RetractLabel::RetractLabel(QWidget* parent) : QLabel(parent)
@@ -102,6 +111,14 @@ void RetractLabel::RenameOK()
         return;
     setText(name);
     emit emitChangeName();
+}
+
+bool RetractLabel::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip || toolTip().isEmpty())
+        return QLabel::event(event);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tipText(toolTip()), this);
+    return true;
 }
 
 bool RetractLabel::eventFilter(QObject* watched, QEvent* event)
