@@ -14,6 +14,8 @@
 #include <QPainter>
 #include <QStandardPaths>
 
+#include <limits>
+
 namespace {
 QString numberText(quint64 number)
 {
@@ -80,6 +82,9 @@ void MusicDetailedInfoWidget::InitEditors()
     }
     ui->m_comboGenre->setFont(font);
     ui->gridLayoutWidget->setStyleSheet(QStringLiteral("QComboBox{padding-left:5px}"));
+    // A text is handed back as long as it is.
+    for (QLineEdit* editor : {ui->m_lineTitle, ui->m_lineArtist, ui->m_lineAlbum})
+        editor->setMaxLength(std::numeric_limits<int>::max());
     auto* validator = new QIntValidator(1, 9999, this);
     ui->m_lineYear->setValidator(validator);
     ui->m_lineTrackNo->setValidator(validator);

@@ -13,6 +13,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QTimer>
+#include <QWindow>
 
 namespace {
 constexpr int updateMilliseconds = 20;
@@ -176,13 +177,35 @@ void PlaySongWidget::SlotOnBtnPause()
 
 void PlaySongWidget::ShowBeside(const QRect& other)
 {
-    if (!m_bPlaced)
-        move(ScreenPlace::beside(other, size(), ScreenPlace::availableAt(other.center())));
-    m_bPlaced = true;
+    if (!m_bPlaced || !ScreenPlace::graspable(frameGeometry()))
+        placeBeside(other);
     show();
     setWindowState(windowState() & ~Qt::WindowMinimized);
     raise();
     update();
+}
+
+void PlaySongWidget::placeBeside(const QRect& other)
+{
+    const QRect whole = QRect(QPoint(0, 0), size()).marginsAdded(ScreenPlace::frameAround(*this));
+    move(ScreenPlace::beside(other, whole.size(), ScreenPlace::availableAt(other.center())));
+    m_bPlaced = true;
+    m_bFrameGuessed = !isVisible();
+    windowHandle()->installEventFilter(this);
+}
+
+/// Once the window has its frame, that lies inside the screen, too, whatever had been guessed.
+bool PlaySongWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (m_bFrameGuessed && event->type() == QEvent::Expose && watched == windowHandle() &&
+        windowHandle()->isExposed()) {
+        m_bFrameGuessed = false;
+        const QRect frame = windowHandle()->frameGeometry();
+        const QPoint place = ScreenPlace::inside(frame, ScreenPlace::availableAt(frame.center()));
+        if (place != frame.topLeft())
+            move(place);
+    }
+    return QImageWidget::eventFilter(watched, event);
 }
 
 void PlaySongWidget::closeEvent(QCloseEvent* event)

@@ -30,7 +30,8 @@ public:
     QString ConvertTime(long long milliseconds) const;
     void MusicDidfinish();
 
-    /// Shows the window in front. The first time it lies beside the other one; later where it was left.
+    /// Shows the window in front. It lies beside the other one the first time, and when the screen that it
+    /// was left on is gone; else where it was left.
     void ShowBeside(const QRect& other);
 
 public slots:
@@ -47,6 +48,7 @@ signals:
     void emitSongPlayBtnHidden();
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -61,10 +63,12 @@ private:
     void load(const QString& path);
     void startTimer();
     void showPauseButton(bool pause);
+    void placeBeside(const QRect& other);
 
     std::unique_ptr<Ui::PlaySongWidget> ui;
     bool m_bFromDupBar = true;
     quint64 m_nTotalTime = 0; ///< milliseconds
     std::unique_ptr<IAudioPlayer, DestroyPlayerLater> m_pPlayer;
     bool m_bPlaced = false;
+    bool m_bFrameGuessed = false; ///< the window was placed before its frame was known
 };

@@ -76,9 +76,9 @@ SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
     local.trackNumber = edit.trackNumber;
     // The tag object that stays with the song is left alone: it reads again when it is asked again.
     if (const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()}) {
-        // A file that cannot even be opened has been logged by then.
-        if (tag->Open(local.filePath.toStdU32String().c_str()) == 0)
-            SongEditing::writeTag(*tag, edit);
+        // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
+        tag->Open(local.filePath.toStdU32String().c_str());
+        SongEditing::writeTag(*tag, edit);
     }
     if (edit.newCoverPath.isEmpty())
         return {};

@@ -13,6 +13,7 @@
 #include <QTimer>
 #include <QtTest>
 #include <QUrl>
+#include <QWindow>
 
 #include <ctime>
 
@@ -47,7 +48,14 @@ private slots:
     void aFileThatCannotBePlayedIsQuiet();
     void everySongBringsATimerOfItsOwn();
     void manyTimersCostLittle();
+    void playingCostsLittle();
     void opensBesideAndStaysWhereItWasLeft();
+    void opensWithItsFrameOnTheScreen_data();
+    void opensWithItsFrameOnTheScreen();
+    void comesBackWhenItsScreenIsGone();
+    void aFrameThatComesLateIsKeptOnTheScreen();
+    void windowsAreGraspedAtTheirUpperEdge_data();
+    void windowsAreGraspedAtTheirUpperEdge();
     void windowsGoBesideOthers_data();
     void windowsGoBesideOthers();
     void doesNotKeepTheProgramRunning();
@@ -343,6 +351,23 @@ void TestPlaySongWidget::manyTimersCostLittle()
 #endif
 }
 
+/// One song that plays in an open window.
+void TestPlaySongWidget::playingCostsLittle()
+{
+    const auto song = songOf(200000);
+    m_window->show();
+    m_window->SetMusicPlayInfo(&song->info, true);
+    QTRY_COMPARE(text("m_labelShowTime"), QStringLiteral("00::01"));
+    const std::clock_t before = std::clock();
+    QTest::qWait(2000);
+    const double share = double(std::clock() - before) / CLOCKS_PER_SEC / 2;
+    qInfo("a playing song: %.1f %% of a core", share * 100);
+    QVERIFY(playing());
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    QVERIFY(share < 0.25);
+#endif
+}
+
 void TestPlaySongWidget::opensBesideAndStaysWhereItWasLeft()
 {
     const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
@@ -358,6 +383,75 @@ void TestPlaySongWidget::opensBesideAndStaysWhereItWasLeft()
     m_window->ShowBeside(QRect(screen.topLeft(), QSize(100, 100)));
     QVERIFY(!m_window->isMinimized());
     QCOMPARE(m_window->pos(), left);
+}
+
+void TestPlaySongWidget::opensWithItsFrameOnTheScreen_data()
+{
+    QTest::addColumn<QPoint>("shift"); // of the other window, from the screen's top-left corner
+    QTest::newRow("top left") << QPoint(0, 0);
+    QTest::newRow("bottom right") << QPoint(700, 500);
+    QTest::newRow("beyond the bottom") << QPoint(100, 2000);
+}
+
+void TestPlaySongWidget::opensWithItsFrameOnTheScreen()
+{
+    QFETCH(QPoint, shift);
+    const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
+    m_window->ShowBeside(QRect(screen.topLeft() + shift, QSize(100, 100)));
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QVERIFY(screen.contains(m_window->windowHandle()->frameGeometry()));
+}
+
+void TestPlaySongWidget::comesBackWhenItsScreenIsGone()
+{
+    const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
+    const QRect other(screen.topLeft(), QSize(100, 100));
+    m_window->ShowBeside(other);
+    m_window->move(screen.bottomRight() + QPoint(900, 200));
+    m_window->close();
+    m_window->ShowBeside(other);
+    QVERIFY(screen.contains(m_window->frameGeometry()));
+    m_window->move(screen.bottomRight() + QPoint(900, 200)); // while it is open
+    m_window->ShowBeside(other);
+    QVERIFY(screen.contains(m_window->frameGeometry()));
+    const QPoint half(screen.right() - 200, screen.bottom() - 100);
+    m_window->move(half);
+    m_window->close();
+    m_window->ShowBeside(other);
+    QCOMPARE(m_window->pos(), half); // left so by the user
+}
+
+void TestPlaySongWidget::aFrameThatComesLateIsKeptOnTheScreen()
+{
+    const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
+    m_window->ShowBeside(QRect(screen.topLeft(), QSize(100, 100)));
+    // As if it had turned out larger than thought.
+    m_window->move(screen.right() - 300, screen.bottom() - 100);
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QTRY_VERIFY(screen.contains(m_window->windowHandle()->frameGeometry()));
+}
+
+void TestPlaySongWidget::windowsAreGraspedAtTheirUpperEdge_data()
+{
+    QTest::addColumn<QRect>("window");
+    QTest::addColumn<bool>("graspable");
+    QTest::newRow("inside") << QRect(100, 100, 560, 370) << true;
+    QTest::newRow("second screen") << QRect(2500, 300, 560, 370) << true;
+    QTest::newRow("across both") << QRect(1700, 300, 560, 370) << true;
+    QTest::newRow("half below") << QRect(100, 900, 560, 370) << true;
+    QTest::newRow("hardly left") << QRect(-510, 100, 560, 370) << false;
+    QTest::newRow("below") << QRect(100, 1075, 560, 370) << false;
+    QTest::newRow("bar above") << QRect(100, -30, 560, 370) << false;
+    QTest::newRow("gone screen") << QRect(5000, 300, 560, 370) << false;
+    QTest::newRow("small") << QRect(0, 0, 40, 30) << true;
+}
+
+void TestPlaySongWidget::windowsAreGraspedAtTheirUpperEdge()
+{
+    QFETCH(QRect, window);
+    const QVector<QRect> screens = {QRect(0, 0, 1920, 1080), QRect(1920, 0, 1280, 1024)};
+    QTEST(ScreenPlace::graspable(window, screens), "graspable");
+    QVERIFY(!ScreenPlace::graspable(window, {}));
 }
 
 void TestPlaySongWidget::windowsGoBesideOthers_data()

@@ -4,6 +4,7 @@
 
 #include <QLineEdit>
 #include <QSignalSpy>
+#include <QTextDocument>
 #include <QtTest>
 #include <QVBoxLayout>
 
@@ -26,6 +27,8 @@ private slots:
     void aTinyLabelShowsDots();
     void aNewSizeIsANewLayout();
     void markupIsText();
+    void markupIsTextInTheTip();
+    void theTipOfAVastTextTakesNoTime();
     void theTextWidthIsNotMeasured();
     void renamingKeepsTheExtension_data();
     void renamingKeepsTheExtension();
@@ -34,11 +37,28 @@ private slots:
     void anotherWindowEndsTheEdit();
     void losingTheFocusAccepts();
     void theEditorCanBeClosedUnheard();
+    void anotherEndingIsPartOfTheNewName();
+    void aNameLeftAsItWasIsNoRename();
+    void anEmptiedNameIsItsExtension();
+    void withoutAnEditorNothingIsRenamed();
 
 private:
     static QLineEdit* editorOf(const RetractLabel& label) { return label.findChild<QLineEdit*>(); }
     static void open(RetractLabel& label);
+    static const QLabel* tipOf(RetractLabel& label);
 };
+
+/// Hovers over the label; the tip that comes, null when none does.
+const QLabel* TestRetractLabel::tipOf(RetractLabel& label)
+{
+    QHelpEvent hover(QEvent::ToolTip, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(&label, &hover);
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (const QWidget* window : windows)
+        if (window->windowType() == Qt::ToolTip && window->isVisible())
+            return qobject_cast<const QLabel*>(window);
+    return nullptr;
+}
 
 void TestRetractLabel::open(RetractLabel& label)
 {
@@ -162,6 +182,40 @@ void TestRetractLabel::markupIsText()
     QCOMPARE(label.textFormat(), Qt::PlainText);
 }
 
+void TestRetractLabel::markupIsTextInTheTip()
+{
+    RetractLabel label;
+    label.resize(40, 20);
+    const QString name = QStringLiteral("<h1>Salt</h1> & <img src='x'> &amp;\nHoney");
+    label.setText(name);
+    QCOMPARE(label.toolTip(), name);
+    const QLabel* tip = tipOf(label);
+    QVERIFY(tip);
+    QTextDocument shown;
+    shown.setHtml(tip->text());
+    QCOMPARE(shown.toPlainText(), name);
+    label.setText(QStringLiteral("a"));
+    QHelpEvent hover(QEvent::ToolTip, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(&label, &hover);
+    QVERIFY(!hover.isAccepted());
+}
+
+void TestRetractLabel::theTipOfAVastTextTakesNoTime()
+{
+    RetractLabel label;
+    label.resize(80, 20);
+    const QString name = QStringLiteral("<b>vast</b> ").repeated(100000);
+    label.setText(name);
+    QCOMPARE(label.toolTip(), name);
+    const QLabel* tip = tipOf(label);
+    QVERIFY(tip);
+    QTextDocument shown;
+    shown.setHtml(tip->text());
+    QVERIFY(shown.toPlainText().size() <= 4000);
+    QVERIFY(shown.toPlainText().endsWith(QLatin1String("...")));
+    QVERIFY(name.startsWith(shown.toPlainText().chopped(3)));
+}
+
 void TestRetractLabel::theTextWidthIsNotMeasured()
 {
     RetractLabel label;
@@ -279,6 +333,64 @@ void TestRetractLabel::theEditorCanBeClosedUnheard()
     open(label);
     label.setCanEditText(false);
     QVERIFY(editorOf(label)->isHidden());
+}
+
+/// Return is heard twice; the extension of the new name is none of the old one.
+void TestRetractLabel::anotherEndingIsPartOfTheNewName()
+{
+    RetractLabel label;
+    label.resize(200, 24);
+    label.setText(QStringLiteral("song"));
+    QSignalSpy changes(&label, SIGNAL(emitChangeName()));
+    open(label);
+    QTest::keyClicks(editorOf(label), QStringLiteral("a.b"));
+    QTest::keyClick(editorOf(label), Qt::Key_Return);
+    QCOMPARE(label.getName(), QStringLiteral("a.b"));
+    QCOMPARE(changes.size(), 1);
+}
+
+void TestRetractLabel::aNameLeftAsItWasIsNoRename()
+{
+    RetractLabel label;
+    label.resize(200, 24);
+    QSignalSpy changes(&label, SIGNAL(emitChangeName()));
+    label.setText(QStringLiteral("former.mp3"));
+    open(label);
+    QTest::keyClick(editorOf(label), Qt::Key_Escape);
+    label.setText(QStringLiteral("Live: Salt/Honey.mp3"));
+    open(label);
+    QCOMPARE(editorOf(label)->text(), QStringLiteral("Live SaltHoney"));
+    QTest::keyClick(editorOf(label), Qt::Key_Return);
+    QCOMPARE(label.getName(), QStringLiteral("Live: Salt/Honey.mp3"));
+    QCOMPARE(changes.size(), 0);
+    open(label);
+    QTest::keyClick(editorOf(label), Qt::Key_End);
+    QTest::keyClick(editorOf(label), '2');
+    QTest::keyClick(editorOf(label), ':');
+    QTest::keyClick(editorOf(label), Qt::Key_Return);
+    QCOMPARE(label.getName(), QStringLiteral("Live SaltHoney2.mp3"));
+    QCOMPARE(changes.size(), 1);
+}
+
+void TestRetractLabel::anEmptiedNameIsItsExtension()
+{
+    RetractLabel label;
+    label.resize(200, 24);
+    label.setText(QStringLiteral("song.mp3"));
+    open(label);
+    QTest::keyClick(editorOf(label), Qt::Key_Delete);
+    QTest::keyClick(editorOf(label), Qt::Key_Return);
+    QCOMPARE(label.getName(), QStringLiteral(".mp3")); // wanted: who renames the file judges the name
+}
+
+void TestRetractLabel::withoutAnEditorNothingIsRenamed()
+{
+    RetractLabel label;
+    label.setText(QStringLiteral("song.mp3"));
+    QSignalSpy changes(&label, SIGNAL(emitChangeName()));
+    label.RenameOK();
+    QCOMPARE(label.getName(), QStringLiteral("song.mp3"));
+    QCOMPARE(changes.size(), 0);
 }
 
 QTEST_MAIN(TestRetractLabel)

@@ -123,6 +123,10 @@ private slots:
     void anUnreadablePictureIsNone();
     void everyFormatTakesAnEdit_data();
     void everyFormatTakesAnEdit();
+    void everyFormatTakesAnyNumber_data();
+    void everyFormatTakesAnyNumber();
+    void everyFailedSaveIsLogged_data();
+    void everyFailedSaveIsLogged();
     void theSongTakesTheEdit();
     void theCoverGetsItsPicture();
     void whatWasHandedBackUnchangedStays_data();
@@ -239,6 +243,65 @@ void TestSongEditing::everyFormatTakesAnEdit()
     row.append(QStringLiteral("picture: %1 | %1 bytes").arg(picture.size()));
     qInfo("%-5s read back by us | by ffprobe: %s", qPrintable(kind),
           qUtf8Printable(row.join(QStringLiteral("; "))));
+}
+
+void TestSongEditing::everyFormatTakesAnyNumber_data()
+{
+    everyFormatTakesAnEdit_data();
+}
+
+/// Whatever the editors let through, from their least to their greatest.
+void TestSongEditing::everyFormatTakesAnyNumber()
+{
+    QFETCH(QString, kind);
+    const auto song = songOn(Fixtures::copyTone(kind, m_folder.path()));
+    SongEdit edit = sampleEdit();
+    SongEditing::apply(*song, edit);
+    const struct
+    {
+        int year;
+        int track;
+    } numbers[] = {{987, 9999}, {9999, 1}, {5, 10}, {12, 255}, {1000, 256}, {1, 999}};
+    for (const auto& number : numbers) {
+        edit.year = number.year;
+        edit.trackNumber = number.track;
+        SongEditing::apply(*song, edit);
+        QHash<int, QString> ours = AudioFile::read(song->localInfo->filePath).texts;
+        QCOMPARE(ours.value(TAG_YEAR), QString::number(number.year));
+        QCOMPARE(ours.value(TAG_TRACK), QString::number(number.track));
+        const QHash<QString, QString> theirs = independentTags(song->localInfo->filePath);
+        QCOMPARE(theirs.value(QStringLiteral("date")).toInt(), number.year);
+        QCOMPARE(theirs.value(QStringLiteral("track")).toInt(), number.track);
+        edit.title += QLatin1Char('+'); // what is handed back is not lost
+        SongEditing::apply(*song, edit);
+        ours = AudioFile::read(song->localInfo->filePath).texts;
+        QCOMPARE(ours.value(TAG_TITLE), edit.title);
+        QCOMPARE(ours.value(TAG_YEAR), QString::number(number.year));
+    }
+}
+
+void TestSongEditing::everyFailedSaveIsLogged_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("missing") << m_folder.filePath("missing.mp3");
+    QTest::newRow("garbage") << Fixtures::saveBytes("garbage", m_folder.filePath("garbage.mp3"));
+    QTest::newRow("empty") << Fixtures::saveBytes("", m_folder.filePath("empty.mp3"));
+    QTest::newRow("directory") << m_folder.path();
+}
+
+void TestSongEditing::everyFailedSaveIsLogged()
+{
+    QFETCH(QString, path);
+    const auto song = songOn(path);
+    AudioFile::read(path); // whoever looked at the file before
+    for (int time = 0; time < 3; ++time) {
+        const LoggedLines lines;
+        SongEditing::apply(*song, sampleEdit());
+        const QStringList log = LoggedLines::take();
+        QCOMPARE(log.size(), 1);
+        QVERIFY2(log.first().contains(path + QLatin1String(": the tag was not saved: ")),
+                 qPrintable(log.first()));
+    }
 }
 
 void TestSongEditing::theSongTakesTheEdit()

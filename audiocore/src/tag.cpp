@@ -54,7 +54,7 @@ public:
         *own = TagState();
         const std::optional<std::string> utf8 = audiocore::toUtf8(path ? path : U"");
         if (!utf8 || utf8->empty()) {
-            audiocore::logLine(utf8.value_or("a file"), "has a name that is not valid text");
+            audiocore::logLine("a file", utf8 ? "no path was given" : "has a name that is not valid text");
             return 1;
         }
         own->path = *utf8;

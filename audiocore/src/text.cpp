@@ -1,6 +1,6 @@
 #include "text.h"
 
-#include <cctype>
+#include <algorithm>
 
 namespace {
 constexpr char32_t replacement = 0xFFFD;
@@ -20,6 +20,17 @@ int sequenceLength(unsigned char first)
 bool isDigit(char c)
 {
     return c >= '0' && c <= '9';
+}
+
+std::string withoutOuterBlanks(const std::string& text)
+{
+    const size_t begin = std::min(text.find_first_not_of(' '), text.size());
+    return text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
+}
+
+std::string withoutZeros(const std::string& digits)
+{
+    return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
 }
 } // namespace
 
@@ -84,13 +95,17 @@ std::u32string audiocore::toUtf32(const std::string& text)
 
 std::string audiocore::yearOf(const std::string& date)
 {
+    // A number of fewer digits is a year only where it stands alone.
+    const std::string text = withoutOuterBlanks(date);
+    if (text.size() < 4 && std::all_of(text.begin(), text.end(), isDigit))
+        return withoutZeros(text);
     for (size_t i = 0; i < date.size();) {
         size_t end = i;
         while (end < date.size() && isDigit(date[end]))
             ++end;
         // A longer run is a date without separators, such as 20120315.
         if (end - i >= 4)
-            return date.substr(i, 4) == "0000" ? std::string() : date.substr(i, 4);
+            return withoutZeros(date.substr(i, 4));
         i = end + 1;
     }
     return std::string();

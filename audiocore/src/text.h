@@ -13,7 +13,8 @@ std::optional<std::string> toUtf8(const std::u32string& text);
 /// UTF-8 to UTF-32; what is no UTF-8 becomes U+FFFD.
 std::u32string toUtf32(const std::string& text);
 
-/// The four digits of whatever date the text holds; empty when it holds none.
+/// The year of whatever date the text holds: its four digits, or up to three that are all of the text.
+/// Without leading zeros; empty when there is none and for 0.
 std::string yearOf(const std::string& date);
 /// The number before a "/", without blanks and leading zeros; empty for none and for 0.
 std::string trackOf(const std::string& track);

@@ -2,10 +2,28 @@
 
 #include "common/textfit.h"
 
-#include <QEvent>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QPainter>
 #include <QRegularExpression>
+#include <QTextDocument>
+#include <QToolTip>
+
+namespace {
+const QRegularExpression& forbidden()
+{
+    static const QRegularExpression characters(QStringLiteral("[/:*\"<>|]"));
+    return characters;
+}
+
+/// The text as a tip shows it: nothing in it is markup, long lines are broken, and it has an end, since
+/// laying out takes time.
+QString tipText(const QString& text)
+{
+    const auto fits = [](const QString& candidate) { return candidate.size() <= 4000; };
+    return Qt::convertFromPlainText(TextFit::elided(text, fits), Qt::WhiteSpaceNormal);
+}
+} // namespace
 
 RetractLabel::RetractLabel(QWidget* parent) : QLabel(parent)
 {
@@ -48,7 +66,9 @@ void RetractLabel::setCanEditText(bool edit)
         return;
     }
     makeEditor();
-    m_pLineEdit->setText(m_strName.left(extensionStart()));
+    // A name from elsewhere may hold what the editor refuses.
+    m_strOpened = m_strName.left(extensionStart()).remove(forbidden());
+    m_pLineEdit->setText(m_strOpened);
     m_pLineEdit->setGeometry(rect());
     m_pLineEdit->show();
     m_pLineEdit->selectAll();
@@ -74,8 +94,7 @@ int RetractLabel::extensionStart() const
 
 void RetractLabel::NameChange(const QString& text)
 {
-    static const QRegularExpression forbidden(QStringLiteral("[/:*\"<>|]"));
-    if (text.contains(forbidden))
+    if (text.contains(forbidden()))
         m_pLineEdit->setText(m_strLastValid);
     else
         m_strLastValid = text;
@@ -83,12 +102,23 @@ void RetractLabel::NameChange(const QString& text)
 
 void RetractLabel::RenameOK()
 {
-    const QString name = m_pLineEdit->text() + m_strName.mid(extensionStart());
-    if (name != m_strName) {
-        setText(name);
-        emit emitChangeName();
-    }
+    // Return finishes the editing as well, and so does hiding the editor: only the first call counts.
+    if (!m_pLineEdit || m_pLineEdit->isHidden())
+        return;
     m_pLineEdit->hide();
+    const QString name = m_pLineEdit->text() + m_strName.mid(extensionStart());
+    if (m_pLineEdit->text() == m_strOpened || name == m_strName)
+        return;
+    setText(name);
+    emit emitChangeName();
+}
+
+bool RetractLabel::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip || toolTip().isEmpty())
+        return QLabel::event(event);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tipText(toolTip()), this);
+    return true;
 }
 
 bool RetractLabel::eventFilter(QObject* watched, QEvent* event)

@@ -31,6 +31,7 @@ public slots:
     void NameChange(const QString& text);
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -44,4 +45,5 @@ private:
     QLineEdit* m_pLineEdit = nullptr; ///< made by the first edit
     QString m_strLastValid;           ///< what the editor last held without a forbidden character
     int m_nTextWidth = -1;
+    QString m_strOpened; ///< what the editor was opened with
 };

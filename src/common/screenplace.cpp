@@ -5,6 +5,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <algorithm>
+
 QRect ScreenPlace::availableAt(const QPoint& point)
 {
     const QScreen* screen = QGuiApplication::screenAt(point);
@@ -20,6 +22,34 @@ QPoint ScreenPlace::inside(const QRect& window, const QRect& screen)
     };
     return {kept(window.x(), window.width(), screen.x(), screen.width()),
             kept(window.y(), window.height(), screen.y(), screen.height())};
+}
+
+bool ScreenPlace::graspable(const QRect& window, const QVector<QRect>& screens)
+{
+    const QRect edge(window.topLeft(), QSize(window.width(), 20));
+    const int enough = qMin(60, window.width());
+    return std::any_of(screens.begin(), screens.end(), [&](const QRect& screen) {
+        const QRect shown = screen & edge;
+        return shown.height() == edge.height() && shown.width() >= enough;
+    });
+}
+
+bool ScreenPlace::graspable(const QRect& window)
+{
+    QVector<QRect> screens;
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.append(screen->availableGeometry());
+    return graspable(window, screens);
+}
+
+QMargins ScreenPlace::frameAround(QWidget& window)
+{
+    window.winId(); // makes the window handle
+    QMargins frame = window.windowHandle()->frameMargins();
+    for (const QWindow* other : QGuiApplication::topLevelWindows())
+        if (frame.isNull() && other->isVisible() && other->type() == Qt::Window)
+            frame = other->frameMargins();
+    return frame;
 }
 
 QPoint ScreenPlace::beside(const QRect& other, const QSize& size, const QRect& screen)

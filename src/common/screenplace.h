@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QMargins>
 #include <QPoint>
 #include <QRect>
 #include <QSize>
+#include <QVector>
 
 class QWidget;
 
@@ -13,6 +15,13 @@ QRect availableAt(const QPoint& point);
 /// The top-left corner at which the window lies inside the screen, moved as little as that takes; a window
 /// larger than the screen keeps its top-left corner in sight.
 QPoint inside(const QRect& window, const QRect& screen);
+/// Whether some screen shows enough of the window's upper edge to grasp it there.
+bool graspable(const QRect& window, const QVector<QRect>& screens);
+/// The same for the screens that there are.
+bool graspable(const QRect& window);
+/// What the window system puts around the window. Before it is shown this may have to be guessed by the other
+/// windows.
+QMargins frameAround(QWidget& window);
 /// The top-left corner at which a window of the size lies inside the screen, right of the other window where
 /// there is room, else left of it, else as far right as it goes.
 QPoint beside(const QRect& other, const QSize& size, const QRect& screen);

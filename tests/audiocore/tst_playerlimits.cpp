@@ -35,6 +35,7 @@ private slots:
     void init();
     void whatIsNoSongPlaysNothing_data();
     void whatIsNoSongPlaysNothing();
+    void noPathIsLoggedAsNone();
     void cutOffSongsEnd();
     void damagedSongsEnd();
     void aVastHoleBehindTheSongEnds_data();
@@ -99,6 +100,13 @@ void TestPlayerLimits::whatIsNoSongPlaysNothing()
 {
     QFETCH(QString, file);
     verifyNothing(file);
+}
+
+void TestPlayerLimits::noPathIsLoggedAsNone()
+{
+    const Player player(CreatePlayer());
+    QVERIFY(player->Open(U"") != 0);
+    QCOMPARE(AudioFile::takeLog(), QStringList({"a file: no path was given"}));
 }
 
 void TestPlayerLimits::cutOffSongsEnd()

@@ -62,6 +62,8 @@ private slots:
     void operationsStandAtTheirSlots();
     void severalValuesComeAsOneText();
     void theYearIsFourDigitsOfWhateverDate();
+    void aShortYearStandsAlone_data();
+    void aShortYearStandsAlone();
     void theTrackIsTheNumberBeforeTheSlash();
     void everyVersionOfId3IsRead_data();
     void everyVersionOfId3IsRead();
@@ -72,6 +74,7 @@ private slots:
     void theContentDecidesNotTheName();
     void anUntaggedFileHasNoItems();
     void itemsBeyondTheLastAreAbsent();
+    void noPathIsLoggedAsNone();
     void closingMayComeFromAnotherThread();
     void openObjectsHoldNoDescriptorAndLittleMemory();
 
@@ -137,6 +140,28 @@ void TestTag::theYearIsFourDigitsOfWhateverDate()
         QVERIFY(file.save());
         QCOMPARE(AudioFile::read(path).texts.value(TAG_YEAR), QStringLiteral("2012"));
     }
+}
+
+void TestTag::aShortYearStandsAlone_data()
+{
+    QTest::addColumn<QString>("year");
+    for (const char* date : {"987", "0987", " 987 ", "0987-05-01"})
+        QTest::newRow(date) << "987";
+    QTest::newRow("5") << "5";
+    QTest::newRow("0012") << "12";
+    QTest::newRow("987 or 2012") << "2012";
+    for (const char* date : {"0", "000", "0000", "0000-05", "-5", "5 BC", "99-5", "early"})
+        QTest::newRow(date) << QString();
+}
+
+void TestTag::aShortYearStandsAlone()
+{
+    QFETCH(QString, year);
+    const QString path = Fixtures::copyTone(QStringLiteral("flac"), m_folder.path());
+    TagLib::FLAC::File file(native(path).c_str());
+    file.xiphComment(true)->addField("DATE", QTest::currentDataTag(), true);
+    QVERIFY(file.save());
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_YEAR), year);
 }
 
 void TestTag::theTrackIsTheNumberBeforeTheSlash()
@@ -276,6 +301,19 @@ void TestTag::itemsBeyondTheLastAreAbsent()
     QCOMPARE(tag->GetItem(-1).size, 0);
     QCOMPARE(tag->GetItem(0).size, 0);
     QCOMPARE(tag->GetItem(1000).size, 0);
+    ::operator delete(tag);
+}
+
+void TestTag::noPathIsLoggedAsNone()
+{
+    IAudioTag* tag = CreateTag();
+    AudioFile::takeLog();
+    QVERIFY(tag->Open(U"") != 0);
+    QVERIFY(tag->Open(nullptr) != 0);
+    QCOMPARE(AudioFile::takeLog(), QStringList({"a file: no path was given", "a file: no path was given"}));
+    const char32_t half[] = {U'a', 0xD800, 0};
+    QVERIFY(tag->Open(half) != 0);
+    QCOMPARE(AudioFile::takeLog(), QStringList({"a file: has a name that is not valid text"}));
     ::operator delete(tag);
 }
 
