@@ -15,6 +15,8 @@
 #include <QTimer>
 #include <QWindow>
 
+#include <utility>
+
 namespace {
 constexpr int updateMilliseconds = 20;
 constexpr double sliderRange = 10000.0;
@@ -180,6 +182,7 @@ void PlaySongWidget::ShowBeside(const QRect& other)
     if (!m_bPlaced || !ScreenPlace::graspable(frameGeometry()))
         placeBeside(other);
     show();
+    windowHandle()->installEventFilter(this);
     setWindowState(windowState() & ~Qt::WindowMinimized);
     raise();
     update();
@@ -191,21 +194,24 @@ void PlaySongWidget::placeBeside(const QRect& other)
     move(ScreenPlace::beside(other, whole.size(), ScreenPlace::availableAt(other.center())));
     m_bPlaced = true;
     m_bFrameGuessed = !isVisible();
-    windowHandle()->installEventFilter(this);
 }
 
-/// Once the window has its frame, that lies inside the screen, too, whatever had been guessed.
 bool PlaySongWidget::eventFilter(QObject* watched, QEvent* event)
 {
-    if (m_bFrameGuessed && event->type() == QEvent::Expose && watched == windowHandle() &&
-        windowHandle()->isExposed()) {
-        m_bFrameGuessed = false;
-        const QRect frame = windowHandle()->frameGeometry();
-        const QPoint place = ScreenPlace::inside(frame, ScreenPlace::availableAt(frame.center()));
-        if (place != frame.topLeft())
-            move(place);
-    }
+    // What the window system does to a window as it shows it is heard of by then.
+    if (m_bFrameGuessed && watched == windowHandle() && event->type() == QEvent::Expose)
+        QTimer::singleShot(0, this, &PlaySongWidget::keepFrameInside);
     return QImageWidget::eventFilter(watched, event);
+}
+
+void PlaySongWidget::keepFrameInside()
+{
+    if (!std::exchange(m_bFrameGuessed, false))
+        return;
+    const QRect frame = windowHandle()->frameGeometry();
+    const QPoint place = ScreenPlace::inside(frame, ScreenPlace::availableAt(frame.center()));
+    if (place != frame.topLeft())
+        move(place);
 }
 
 void PlaySongWidget::closeEvent(QCloseEvent* event)

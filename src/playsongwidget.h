@@ -64,6 +64,8 @@ private:
     void startTimer();
     void showPauseButton(bool pause);
     void placeBeside(const QRect& other);
+    /// Whatever frame had been guessed.
+    void keepFrameInside();
 
     std::unique_ptr<Ui::PlaySongWidget> ui;
     bool m_bFromDupBar = true;

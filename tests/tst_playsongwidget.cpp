@@ -399,7 +399,7 @@ void TestPlaySongWidget::opensWithItsFrameOnTheScreen()
     const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
     m_window->ShowBeside(QRect(screen.topLeft() + shift, QSize(100, 100)));
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-    QVERIFY(screen.contains(m_window->windowHandle()->frameGeometry()));
+    QTRY_VERIFY(screen.contains(m_window->windowHandle()->frameGeometry()));
 }
 
 void TestPlaySongWidget::comesBackWhenItsScreenIsGone()

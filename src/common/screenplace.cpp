@@ -42,10 +42,9 @@ bool ScreenPlace::graspable(const QRect& window)
     return graspable(window, screens);
 }
 
-QMargins ScreenPlace::frameAround(QWidget& window)
+QMargins ScreenPlace::frameAround(const QWidget& window)
 {
-    window.winId(); // makes the window handle
-    QMargins frame = window.windowHandle()->frameMargins();
+    QMargins frame = window.windowHandle() ? window.windowHandle()->frameMargins() : QMargins();
     for (const QWindow* other : QGuiApplication::topLevelWindows())
         if (frame.isNull() && other->isVisible() && other->type() == Qt::Window)
             frame = other->frameMargins();

@@ -21,7 +21,7 @@ bool graspable(const QRect& window, const QVector<QRect>& screens);
 bool graspable(const QRect& window);
 /// What the window system puts around the window. Before it is shown this may have to be guessed by the other
 /// windows.
-QMargins frameAround(QWidget& window);
+QMargins frameAround(const QWidget& window);
 /// The top-left corner at which a window of the size lies inside the screen, right of the other window where
 /// there is room, else left of it, else as far right as it goes.
 QPoint beside(const QRect& other, const QSize& size, const QRect& screen);
