@@ -388,6 +388,7 @@ void TestRetractLabel::withoutAnEditorNothingIsRenamed()
     RetractLabel label;
     label.setText(QStringLiteral("song.mp3"));
     QSignalSpy changes(&label, SIGNAL(emitChangeName()));
+    label.NameChange(QStringLiteral("a:b"));
     label.RenameOK();
     QCOMPARE(label.getName(), QStringLiteral("song.mp3"));
     QCOMPARE(changes.size(), 0);

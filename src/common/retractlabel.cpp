@@ -94,10 +94,10 @@ int RetractLabel::extensionStart() const
 
 void RetractLabel::NameChange(const QString& text)
 {
-    if (text.contains(forbidden()))
-        m_pLineEdit->setText(m_strLastValid);
-    else
+    if (!text.contains(forbidden()))
         m_strLastValid = text;
+    else if (m_pLineEdit)
+        m_pLineEdit->setText(m_strLastValid);
 }
 
 void RetractLabel::RenameOK()
