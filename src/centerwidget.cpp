@@ -531,7 +531,8 @@ void CenterWidget::paintEvent(QPaintEvent*)
     const QSize picture = m_dropPicture.size();
     const QPoint corner((width() - rightColumnWidth - picture.width()) / 2,
                         ui->m_btnOpen->y() - picture.height() - dropPictureGap);
-    painter.drawImage(corner, m_dropPicture.image(devicePixelRatioF()));
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(corner, m_dropPicture.image(painter));
 }
 
 void CenterWidget::placeOpenButton()

@@ -10,6 +10,7 @@ namespace {
 constexpr int cardMargin = 48;
 constexpr int captionHeight = 44;
 constexpr int cornerRadius = 10;
+const QColor outline(0x9C, 0xCB, 0xE6);
 } // namespace
 
 DeletingMusicWaitingDlg::DeletingMusicWaitingDlg(QWidget* parent)
@@ -57,7 +58,10 @@ void DeletingMusicWaitingDlg::reject()
 void DeletingMusicWaitingDlg::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setPen(QColor(0x9C, 0xCB, 0xE6));
+    // A cut window shows pixels whole that the smooth outline covers in part.
+    if (!mask().isEmpty())
+        painter.fillRect(card(), outline);
+    painter.setPen(outline);
     painter.setBrush(Qt::white);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawRoundedRect(QRectF(card()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);

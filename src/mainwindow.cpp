@@ -2,6 +2,7 @@
 
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
+#include "common/skinpicture.h"
 #include "homepage.h"
 #include "introducethissofedialog.h"
 #include "itunes/delmusiclib.h"
@@ -26,6 +27,9 @@ constexpr int footerHeight = 26;
 constexpr int menuHeight = 20;
 constexpr int menuWidth = 320;
 constexpr int switchMilliseconds = 690;
+constexpr int tipsIndent = 6; // off the status disc
+constexpr int tipsGap = 6;    // to the start button
+constexpr qreal closestLetters = 92;
 
 QString iTunesTips()
 {
@@ -39,11 +43,6 @@ QString localTips()
                           "Add music files and start tidying your local music now!");
 }
 
-/// The picture at the scale of the screens in use, its own ratio set.
-std::unique_ptr<QPixmap> skinPixmap(const QString& path, qreal ratio)
-{
-    return std::make_unique<QPixmap>(QPixmap::fromImage(SkinPicture(path).image(ratio)));
-}
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui::MainWindow>())
@@ -140,22 +139,23 @@ void MainWindow::InitConnect()
 
 void MainWindow::setTopImage(const QString& path)
 {
-    m_pTopImage = skinPixmap(path, devicePixelRatioF());
+    m_pTopImage = std::make_unique<SkinPicture>(path);
 }
 
 void MainWindow::setFootImage(const QString& path)
 {
-    m_pFootImage = skinPixmap(path, devicePixelRatioF());
+    m_pFootImage = std::make_unique<SkinPicture>(path);
 }
 
 void MainWindow::setBackgroundImage(const QString& path)
 {
-    m_pBackgroundImage = skinPixmap(path, devicePixelRatioF());
+    m_pBackgroundImage = std::make_unique<SkinPicture>(path);
 }
 
 void MainWindow::showStatusPicture(const char* name)
 {
-    ui->m_movieLabel->setPixmap(*skinPixmap(SkinPicture::path(name), devicePixelRatioF()));
+    m_pStatusPicture = name;
+    ui->m_movieLabel->showPicture(SkinPicture::path(name));
 }
 
 void MainWindow::OnBtnStartScan()
@@ -303,7 +303,6 @@ void MainWindow::SlotIntakeProgress(int done, int total)
 {
     if (!m_pIntakeMovie) {
         m_strTipsBeforeIntake = ui->m_tipsLabel->text();
-        m_statusBeforeIntake = ui->m_movieLabel->pixmap(Qt::ReturnByValue);
         m_pIntakeMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
         m_pIntakeMovie->startIn(ui->m_movieLabel);
     }
@@ -313,7 +312,7 @@ void MainWindow::SlotIntakeProgress(int done, int total)
 void MainWindow::SlotIntakeFinished()
 {
     if (m_pIntakeMovie) {
-        ui->m_movieLabel->setPixmap(m_statusBeforeIntake);
+        showStatusPicture(m_pStatusPicture);
         ui->m_tipsLabel->setText(m_strTipsBeforeIntake);
         m_pIntakeMovie.reset();
     }
@@ -330,18 +329,19 @@ void MainWindow::OpenInLocalMode(const QStringList& paths)
 void MainWindow::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    const auto pointHeight = [](const QPixmap& picture) {
-        return int(picture.height() / picture.devicePixelRatio());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const auto draw = [&painter](const SkinPicture& picture, const QRect& place) {
+        painter.drawImage(place, picture.image(painter));
     };
     if (m_pTopImage)
-        painter.drawPixmap(QRect(0, 0, width(), pointHeight(*m_pTopImage)), *m_pTopImage);
+        draw(*m_pTopImage, QRect(0, 0, width(), m_pTopImage->size().height()));
     if (m_pFootImage) {
-        const int footHeight = pointHeight(*m_pFootImage);
-        painter.drawPixmap(QRect(0, height() - footHeight, width(), footHeight), *m_pFootImage);
+        const int footHeight = m_pFootImage->size().height();
+        draw(*m_pFootImage, QRect(0, height() - footHeight, width(), footHeight));
     }
     if (m_pBackgroundImage)
-        painter.drawPixmap(QRect(width() - 329, headerHeight, 330, height() - headerHeight - footerHeight),
-                           *m_pBackgroundImage);
+        draw(*m_pBackgroundImage,
+             QRect(width() - 329, headerHeight, 330, height() - headerHeight - footerHeight));
     placeHeader();
 }
 
@@ -350,10 +350,25 @@ void MainWindow::placeHeader()
     ui->m_btnStarScan->move(width() / 2, 30);
     ui->m_hhwidget->move(width() - 419, 5);
     ui->m_tipsLabel->setGeometry(60, 25, 465, 40);
-    ui->m_tipsLabel->setFont(QFont(QStringLiteral("Tahoma"), 12));
+    ui->m_tipsLabel->setIndent(tipsIndent);
+    ui->m_tipsLabel->setFont(tipsFont());
     QPalette palette = ui->m_tipsLabel->palette();
     palette.setColor(QPalette::WindowText, Qt::black);
     ui->m_tipsLabel->setPalette(palette);
+}
+
+/// In a small window the letters stand closer, so that the tips end before the start button.
+QFont MainWindow::tipsFont() const
+{
+    QFont font(QStringLiteral("Tahoma"), 12);
+    const QFontMetricsF metrics(font);
+    qreal widest = 0;
+    for (const QString& line : ui->m_tipsLabel->text().split(QLatin1Char('\n')))
+        widest = qMax(widest, metrics.horizontalAdvance(line));
+    const qreal room = ui->m_btnStarScan->x() - tipsGap - ui->m_tipsLabel->x() - tipsIndent;
+    if (widest > room)
+        font.setLetterSpacing(QFont::PercentageSpacing, qMax(closestLetters, 100 * room / widest));
+    return font;
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)

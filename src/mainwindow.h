@@ -2,12 +2,12 @@
 
 #include <QList>
 #include <QMainWindow>
-#include <QPixmap>
 
 #include <memory>
 
 class QTimer;
 class SkinMovie;
+class SkinPicture;
 
 class PaintCoverImageThread;
 struct QMusicInfo;
@@ -69,6 +69,7 @@ private:
     void takeTracks(int count);
     void loadCovers();
     void placeHeader();
+    QFont tipsFont() const;
     void showStatusPicture(const char* name);
     bool postponedByWork(QTimer* timer) const;
 
@@ -77,9 +78,10 @@ private:
     std::unique_ptr<SkinMovie> m_piTunesSwitchMovie;
     QTimer* m_piTunesSwitchTimer = nullptr; ///< ends the switch to the local mode
     QTimer* m_pLocalSwitchTimer = nullptr;  ///< ends the switch to the iTunes mode
-    std::unique_ptr<QPixmap> m_pTopImage;
-    std::unique_ptr<QPixmap> m_pFootImage;
-    std::unique_ptr<QPixmap> m_pBackgroundImage;
+    std::unique_ptr<SkinPicture> m_pTopImage;
+    std::unique_ptr<SkinPicture> m_pFootImage;
+    std::unique_ptr<SkinPicture> m_pBackgroundImage;
+    const char* m_pStatusPicture = nullptr; ///< its file name; shown while no animation runs
 
     iTunesTrackRecord* m_pTrackRecords = nullptr; ///< the library's, of the last scan
     QList<QMusicInfo*> m_musicList;               ///< owned: the songs of the last scan
@@ -88,6 +90,5 @@ private:
 
     std::unique_ptr<SkinMovie> m_pIntakeMovie; ///< set while an intake shows its progress
     QString m_strTipsBeforeIntake;
-    QPixmap m_statusBeforeIntake;
     QStringList m_pathsToOpen; ///< taken in once the local mode is in force
 };

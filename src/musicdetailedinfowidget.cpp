@@ -388,7 +388,8 @@ void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)
     // Where the face ends its flat colour goes on.
     painter.fillRect(rect(), QColor(0xF5, 0xFA, 0xFD));
     painter.fillRect(0, 0, 1, height(), QColor(0xC9, 0xDD, 0xE9));
-    painter.drawImage(QPointF(0, 0), m_face.image(devicePixelRatioF()));
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(QPointF(0, 0), m_face.image(painter));
     const QRect fields = ui->gridLayoutWidget->geometry();
     const int rows = ui->m_gridLayout->rowCount();
     for (int row = 1; row <= rows; ++row)

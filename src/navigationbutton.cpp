@@ -105,8 +105,7 @@ void NavigationButton::paintEvent(QPaintEvent* event)
     QImageButton::paintEvent(event);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    // On the caption's line; a pressed row sits one point lower.
-    painter.translate(18, state() == StatePressed ? 23 : 22);
+    painter.translate(18, 22); // on the caption's line
     if (m_mark == MarkNote)
         paintNote(painter, m_chosen ? accent : slate);
     else if (m_mark == MarkQuestion)

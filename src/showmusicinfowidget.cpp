@@ -7,13 +7,6 @@
 
 #include <QKeyEvent>
 #include <QPainter>
-#include <QRegion>
-
-namespace {
-/// Around the face the picture is a soft shadow.
-const QRect faceInPicture(10, 8, 280, 208);
-constexpr int faceRadius = 11;
-} // namespace
 
 ShowMusicInfoWidget::ShowMusicInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::ShowMusicInfoWidget>())
@@ -31,7 +24,8 @@ void ShowMusicInfoWidget::Init()
 {
     ui->m_coverWidget->SetImageBackgroud(SkinPicture::path("bg_no_picture.png"), true);
     m_face = std::make_unique<SkinPicture>(SkinPicture::path("bg_music_detail.png"));
-    Compositing::cutWhereNeeded(*this, Compositing::rounded(faceInPicture, faceRadius));
+    // Around the face the picture is a soft shadow.
+    Compositing::cutWhereNeeded(*this, Compositing::opaquePart(m_face->image(1)));
     // The cover hears presses for its own signal; here they belong to the card.
     ui->m_coverWidget->setAttribute(Qt::WA_TransparentForMouseEvents);
 }
@@ -50,7 +44,8 @@ void ShowMusicInfoWidget::setMusicInfo(QMusicInfo* song)
 void ShowMusicInfoWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.drawImage(QPointF(0, 0), m_face->image(devicePixelRatioF()));
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(QPointF(0, 0), m_face->image(painter));
 }
 
 void ShowMusicInfoWidget::mousePressEvent(QMouseEvent*)

@@ -52,6 +52,7 @@ private slots:
     void theHeaderIsPlacedInTheWindow_data();
     void theHeaderIsPlacedInTheWindow();
     void theTipsFitTheirLine();
+    void theTipsTouchNeitherNeighbour();
     void theModeSwitchTakesItsTime();
     void aRunningScanHoldsTheSwitchToTheLocalMode();
     void withoutPicturesTheHeaderIsPlacedAllTheSame();
@@ -168,6 +169,8 @@ void TestMainWindow::theHeaderIsPlacedInTheWindow()
     QCOMPARE(place("m_leftMusicWidget"), QRect(0, 102, 200, size.height() - 128));
     QCOMPARE(place("m_middleMusicWidget"), QRect(200, 102, width - 200, size.height() - 128));
     QCOMPARE(place("verticalLayoutWidget").width(), 330);
+    // Never squeezed; a small window cuts off its blank foot.
+    QCOMPARE(place("m_backgroundImageWidget"), QRect(width - 330, 102, 330, 585));
 }
 
 void TestMainWindow::theTipsFitTheirLine()
@@ -177,6 +180,21 @@ void TestMainWindow::theTipsFitTheirLine()
     for (const QString& line : (QString(iTunesTips) + '\n' + localTips).split('\n'))
         QVERIFY2(label->fontMetrics().horizontalAdvance(line) <= 465, qPrintable(line));
     QVERIFY(2 * label->fontMetrics().lineSpacing() <= 40);
+}
+
+void TestMainWindow::theTipsTouchNeitherNeighbour()
+{
+    m_window->resize(1000, 700);
+    auto* label = part<QLabel>("m_tipsLabel");
+    QVERIFY(label->indent() >= 6);
+    for (const char* text : {iTunesTips, localTips}) {
+        label->setText(text);
+        m_window->grab();
+        for (const QString& line : QString(text).split('\n')) {
+            const int end = label->x() + label->indent() + label->fontMetrics().horizontalAdvance(line);
+            QVERIFY2(end <= part<QWidget>("m_btnStarScan")->x() - 6, qPrintable(line));
+        }
+    }
 }
 
 void TestMainWindow::theModeSwitchTakesItsTime()

@@ -1,11 +1,17 @@
+#include "centerwidget.h"
 #include "common/qimagebutton.h"
 #include "common/qimagedialog.h"
 #include "common/qimagewidget.h"
+#include "common/skinlabel.h"
+#include "common/skinmovie.h"
 #include "covergriddelegate.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
+#include "mainwindow.h"
+#include "musicdetailedinfowidget.h"
 #include "musiclistmodel.h"
 #include "paintdupnumberdelegate.h"
+#include "showmusicinfowidget.h"
 #include "songfixtures.h"
 #include "songviews.h"
 
@@ -52,6 +58,57 @@ QImage painted(QWidget& widget)
     return image;
 }
 
+/// What the widget itself paints on a screen between the scales of the skin.
+QImage paintedBetween(QWidget& widget)
+{
+    QImage image(widget.size() * 1.5, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(1.5);
+    image.fill(Qt::transparent);
+    widget.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    return image;
+}
+
+/// A picture as such a screen shows it, smoothly or with pixels left out.
+QImage shownBetween(const QSize& size, const QImage& picture, const QRect& place, bool smooth)
+{
+    QImage image(size * 1.5, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(1.5);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
+    painter.drawImage(place, picture);
+    return image;
+}
+
+int distance(QRgb a, QRgb b)
+{
+    return qAbs(qRed(a) - qRed(b)) + qAbs(qGreen(a) - qGreen(b)) + qAbs(qBlue(a) - qBlue(b));
+}
+
+/// Whether the widget shows the picture smoothly; judged by the pixels that tell.
+bool isSmoothBetween(QWidget& widget, const QImage& picture, const QRect& place)
+{
+    const QImage shown = paintedBetween(widget);
+    const QImage smooth = shownBetween(widget.size(), picture, place, true);
+    const QImage rough = shownBetween(widget.size(), picture, place, false);
+    int telling = 0;
+    int smoothly = 0;
+    for (int y = 0; y < shown.height(); ++y)
+        for (int x = 0; x < shown.width(); ++x) {
+            const QRgb wanted = smooth.pixel(x, y);
+            if (qAlpha(wanted) < 255 || distance(wanted, rough.pixel(x, y)) < 24)
+                continue;
+            ++telling;
+            smoothly += distance(wanted, shown.pixel(x, y)) < 12 ? 1 : 0;
+        }
+    return telling >= 20 && smoothly * 10 > telling * 9;
+}
+
+QImage finePicture(const char* name)
+{
+    return SkinPicture(SkinPicture::path(name)).image(2);
+}
+
 /// Four equal cells, white at the left of the point (10.5, 0) and black at the right of it.
 QImage halved(int scale)
 {
@@ -93,6 +150,9 @@ private slots:
     void aPictureWithoutAFinerOneKeepsItsSize();
     void ratiosBetweenTheScalesAreSmooth_data() { anEdgeIsAsSharpAsTheScreen_data(); }
     void ratiosBetweenTheScalesAreSmooth();
+    void facesAreSmoothBetweenTheScales();
+    void theHeaderIsSmoothBetweenTheScales();
+    void animationsAreSmoothBetweenTheScales();
     void coversUseEveryPixel_data();
     void coversUseEveryPixel();
     void theCountsDiscIsAsFineAsTheScreen();
@@ -205,16 +265,51 @@ void TestPixelRatio::ratiosBetweenTheScalesAreSmooth()
         QPainter(&columns).fillRect(x, 0, 1, 12, Qt::black);
     savePicture(columns, path("columns.png"));
     const auto widget = showing(kind, path("columns.png"));
-    QImage image(widget->size() * 1.5, QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(1.5);
-    image.fill(Qt::transparent);
-    widget->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    const QImage image = paintedBetween(*widget);
     int mixed = 0;
     for (int x = 0; x < 30; ++x) {
         const int grey = qGray(image.pixel(x, 9));
         mixed += grey > 40 && grey < 215 ? 1 : 0;
     }
     QVERIFY2(mixed >= 8, qPrintable(QString::number(mixed)));
+}
+
+void TestPixelRatio::facesAreSmoothBetweenTheScales()
+{
+    ShowMusicInfoWidget card;
+    QVERIFY(isSmoothBetween(card, finePicture("bg_music_detail.png"), QRect(0, 0, 300, 230)));
+    MusicDetailedInfoWidget details;
+    details.resize(330, 585);
+    QVERIFY(isSmoothBetween(details, finePicture("bg_right.png"), QRect(0, 0, 330, 585)));
+    CenterWidget center;
+    center.resize(800, 585);
+    auto* open = center.findChild<QWidget*>("m_btnOpen");
+    open->show();
+    painted(center); // places the button
+    QVERIFY(isSmoothBetween(center, finePicture("bg_openfile.png"), QRect(25, open->y() - 284, 420, 260)));
+}
+
+void TestPixelRatio::theHeaderIsSmoothBetweenTheScales()
+{
+    MainWindow window;
+    window.setTopImage(SkinPicture::path("bg_banner.png"));
+    window.setFootImage(SkinPicture::path("bg_foot.png"));
+    window.setBackgroundImage(SkinPicture::path("bg_right_nofile.png"));
+    window.resize(1000, 700);
+    QVERIFY(isSmoothBetween(window, finePicture("bg_banner.png"), QRect(0, 0, 1000, 102)));
+    QVERIFY(isSmoothBetween(window, finePicture("bg_right_nofile.png"), QRect(671, 102, 330, 572)));
+    auto* status = window.findChild<QLabel*>("m_movieLabel");
+    QVERIFY(isSmoothBetween(*status, finePicture("pic_startscan.png"), QRect(0, 0, 50, 50)));
+}
+
+void TestPixelRatio::animationsAreSmoothBetweenTheScales()
+{
+    SkinLabel label;
+    label.resize(220, 44);
+    SkinMovie movie("b_local_music_clean1.gif");
+    movie.startIn(&label);
+    movie.setPaused(true);
+    QVERIFY(isSmoothBetween(label, movie.currentImage(), QRect(0, 0, 220, 44)));
 }
 
 void TestPixelRatio::coversUseEveryPixel_data()

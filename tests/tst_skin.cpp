@@ -5,8 +5,13 @@
 #include <QDirIterator>
 #include <QImageReader>
 #include <QMovie>
+#include <QPainter>
 #include <QRegularExpression>
 #include <QtTest>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
 
 namespace {
 struct Size
@@ -43,7 +48,12 @@ const Size pictures[] = {{"Image/logo.png", 256, 256},
                          {"Image/menu_home.png", 16, 16},
                          {"Image/menu_about.png", 16, 16},
                          {"Image/menu_help.png", 16, 16},
-                         {"Image/menu_exit.png", 16, 16}};
+                         {"Image/menu_exit.png", 16, 16},
+                         {"pic/message_top.png", 64, 32},
+                         {"pic/message_bottom.png", 64, 1},
+                         {"pic/message_line_left.png", 1, 64},
+                         {"pic/message_line_right.png", 1, 64},
+                         {"pic/msg_title_icon.png", 20, 20}};
 
 const Size strips[] = {{"Image/btn_startscan.png", 136, 44},
                        {"Image/add_music.png", 136, 44},
@@ -83,9 +93,134 @@ const Size strips[] = {{"Image/btn_startscan.png", 136, 44},
                        {"pic/button_ok.png", 90, 28},
                        {"pic/button_cancel.png", 90, 28}};
 
+/// Words that no button picture carries: the file that gives them their colour, the colour as it is written
+/// there, and the darkest part of the ground that they lie on.
+struct Caption
+{
+    const char* source;
+    const char* ink;
+    const char* ground;
+};
+
+const Caption captions[] = {{"src/navigationbutton.cpp", "0x28, 0x40, 0x4F", "#F4F4F4"},
+                            {"src/navigationbutton.cpp", "0x0B, 0x5C, 0x93", "#E0F1FB"}, // the chosen row
+                            {"src/mainwindow.cpp", "#2C4B66", "#DCEFFA"},
+                            {"src/songviews.cpp", "#28404F", "#EAF4FB"},          // column titles
+                            {"src/songviews.cpp", "0x28, 0x40, 0x4F", "#F0F6FC"}, // striped rows
+                            {"src/deletingmusicwaitingdlg.cpp", "0x28, 0x40, 0x4F", "#FFFFFF"},
+                            {"src/introducethissofedialog.cpp", "#0B5C93", "#EEF7FC"},
+                            {"src/startup.cpp", "0x28, 0x40, 0x4F", "#EEF6FB"}, // of what the system draws
+                            {"src/paintdupnumberdelegate.cpp", "255, 255, 255", "#CE4237"},
+                            {"forms/musicdetailedinfowidget.ui", "#4F6B7C", "#F5FAFD"},
+                            {"forms/showmusicinfowidget.ui", "#4F6B7C", "#F0F8FD"},
+                            {"forms/playsongwidget.ui", "#4F6B7C", "#F2F9FD"},
+                            {"src/dupmusicbarwidget.cpp", "0x4F, 0x6B, 0x7C", "#E7F7FF"},
+                            {"art/palette.toml", "#567284", "#F5FAFD"},  // hints in pictures
+                            {"art/palette.toml", "#3F6179", "#E6F1F8"}}; // the side of the switch that is off
+
+/// What buttons lie on: white, the navigation pane, the rows of a duplicate group.
+const char* const grounds[] = {"#FFFFFF", "#F4F4F4", "#E7F7FF"};
+
 QString resource(const QString& name)
 {
     return QIOrvoUtil::getResourcePath() + '/' + name;
+}
+
+/// The file of a picture at a scale of 1 or 2.
+QString fileOf(const QString& name, int scale)
+{
+    return scale == 1 ? resource(name) : SkinPicture::doubledPath(resource(name));
+}
+
+bool isListed(const QString& name)
+{
+    const auto named = [&](const Size& row) { return name == row.name; };
+    return std::any_of(std::begin(pictures), std::end(pictures), named) ||
+           std::any_of(std::begin(strips), std::end(strips), named);
+}
+
+/// The picture on a ground, pixel by pixel and without any transparency.
+QImage laidOn(const QColor& ground, const QImage& picture)
+{
+    QImage laid(picture.size(), QImage::Format_RGB32);
+    laid.fill(ground);
+    QPainter(&laid).drawImage(laid.rect(), picture);
+    return laid;
+}
+
+/// Levels from 0 to 255.
+int farthestChannel(QRgb a, QRgb b)
+{
+    return qMax(qAbs(qRed(a) - qRed(b)), qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b))));
+}
+
+/// What two opaque pictures of the same size differ by on average.
+double meanDifference(const QImage& a, const QImage& b)
+{
+    qint64 sum = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        const auto* lineA = reinterpret_cast<const QRgb*>(a.constScanLine(y));
+        const auto* lineB = reinterpret_cast<const QRgb*>(b.constScanLine(y));
+        for (int x = 0; x < a.width(); ++x)
+            sum += farthestChannel(lineA[x], lineB[x]);
+    }
+    return double(sum) / (qint64(a.width()) * a.height());
+}
+
+/// The names in a source, each with its folder and extension: literals that end as pictures do, and those
+/// that stand for a PNG without saying so.
+QStringList picturesNamedIn(const QString& source)
+{
+    static const QRegularExpression literal(
+        R"x((SkinPicture::path\()?"(/Image/|\\\\pic\\\\)?([A-Za-z0-9_]+)(\.png|\.gif)?")x");
+    QStringList names;
+    auto matches = literal.globalMatch(source);
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        const QString folder = match.captured(2);
+        const QString extension = match.captured(4);
+        if (match.captured(1).isEmpty() && folder.isEmpty() && extension.isEmpty())
+            continue;
+        names.append((folder.contains("pic") ? "pic/" : "Image/") + match.captured(3) +
+                     (extension.isEmpty() ? ".png" : extension));
+    }
+    return names;
+}
+
+/// Of "#RRGGBB" or "red, green, blue".
+QColor colourOf(const QString& written)
+{
+    if (written.startsWith('#'))
+        return QColor(written);
+    const QStringList parts = written.split(", ");
+    return QColor(parts.at(0).toInt(nullptr, 0), parts.at(1).toInt(nullptr, 0),
+                  parts.at(2).toInt(nullptr, 0));
+}
+
+double luminance(const QColor& colour)
+{
+    const auto linear = [](double part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+double contrast(const QColor& ink, const QColor& ground)
+{
+    const double a = luminance(ink) + 0.05;
+    const double b = luminance(ground) + 0.05;
+    return qMax(a, b) / qMin(a, b);
+}
+
+/// As the file says; a movie would take its own lateness off.
+QList<int> delaysOf(const QString& path)
+{
+    QList<int> delays;
+    QImageReader timing(path);
+    while (!timing.read().isNull())
+        delays.append(timing.nextImageDelay());
+    return delays;
 }
 
 /// The frames of an animation, each whole.
@@ -109,7 +244,7 @@ private slots:
     void picturesHaveTheirSizes();
     void stripsHaveFourCellsThatDiffer_data();
     void stripsHaveFourCellsThatDiffer();
-    void everyPictureThatTheSourcesNameIsThere();
+    void everyPictureThatTheSourcesNameIsListed();
     void switchesGlideOnceAndEndAsTheButtonBegins_data();
     void switchesGlideOnceAndEndAsTheButtonBegins();
     void endlessAnimationsTurnSmoothly_data();
@@ -117,6 +252,11 @@ private slots:
     void denseScreensGetTheDoubledPicture();
     void eitherSeparatorNamesAPicture();
     void wordsOfEveryButtonAreKnown();
+    void captionsCanBeRead_data();
+    void captionsCanBeRead();
+
+private:
+    static void compareCells(const QImage& strip);
 };
 
 void TestSkin::picturesHaveTheirSizes_data()
@@ -131,9 +271,8 @@ void TestSkin::picturesHaveTheirSizes()
 {
     QFETCH(QString, name);
     QFETCH(QSize, size);
-    QCOMPARE(QImageReader(resource(name)).size(), size);
-    QVERIFY(!QImageReader(resource(name)).read().isNull());
-    QCOMPARE(QImageReader(SkinPicture::doubledPath(resource(name))).size(), size * 2);
+    for (const int scale : {1, 2})
+        QCOMPARE(QImageReader(fileOf(name, scale)).read().size(), size * scale);
 }
 
 void TestSkin::stripsHaveFourCellsThatDiffer_data()
@@ -149,34 +288,41 @@ void TestSkin::stripsHaveFourCellsThatDiffer()
     QFETCH(QString, name);
     QFETCH(QSize, cell);
     for (const int scale : {1, 2}) {
-        const QImage strip(scale == 1 ? resource(name) : SkinPicture::doubledPath(resource(name)));
+        const QImage strip(fileOf(name, scale));
         QCOMPARE(strip.size(), QSize(cell.width() * 4, cell.height()) * scale);
-        QList<QImage> cells;
-        for (int i = 0; i < 4; ++i)
-            cells.append(strip.copy(i * cell.width() * scale, 0, cell.width() * scale, strip.height()));
-        for (int i = 0; i < 4; ++i)
-            for (int j = 0; j < i; ++j)
-                QVERIFY2(cells.at(i) != cells.at(j), qPrintable(QString("cells %1 and %2").arg(j).arg(i)));
+        for (const char* ground : grounds) {
+            compareCells(laidOn(ground, strip));
+            if (QTest::currentTestFailed())
+                return;
+        }
     }
 }
 
-void TestSkin::everyPictureThatTheSourcesNameIsThere()
+void TestSkin::compareCells(const QImage& strip)
 {
-    const QRegularExpression named("\"(?:/Image/|\\\\\\\\pic\\\\\\\\)?([A-Za-z0-9_]+\\.(?:png|gif))\"");
+    constexpr double visible = 4;
+    const int width = strip.width() / 4;
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < i; ++j) {
+            const double difference = meanDifference(strip.copy(i * width, 0, width, strip.height()),
+                                                     strip.copy(j * width, 0, width, strip.height()));
+            QVERIFY2(difference >= visible,
+                     qPrintable(QString("cells %1 and %2 differ by %3").arg(j).arg(i).arg(difference)));
+        }
+}
+
+void TestSkin::everyPictureThatTheSourcesNameIsListed()
+{
     int found = 0;
     QDirIterator sources(QString(MELODRIFT_SOURCES), {"*.cpp", "*.h"}, QDir::Files,
                          QDirIterator::Subdirectories);
     while (sources.hasNext()) {
         QFile source(sources.next());
         QVERIFY(source.open(QIODevice::ReadOnly));
-        auto names = named.globalMatch(QString::fromUtf8(source.readAll()));
-        while (names.hasNext()) {
-            const QString name = names.next().captured(1);
-            if (name == "name.png") // as a comment calls any picture
+        for (const QString& name : picturesNamedIn(QString::fromUtf8(source.readAll()))) {
+            if (name == "Image/name.png") // as a comment calls any picture
                 continue;
-            const bool there =
-                QFile::exists(resource("Image/" + name)) || QFile::exists(resource("pic/" + name));
-            QVERIFY2(there, qPrintable(source.fileName() + " names " + name));
+            QVERIFY2(isListed(name), qPrintable(source.fileName() + " names " + name));
             ++found;
         }
     }
@@ -198,31 +344,24 @@ void TestSkin::switchesGlideOnceAndEndAsTheButtonBegins()
     QFETCH(QString, movie);
     QFETCH(QString, next);
     for (const int scale : {1, 2}) {
-        const QString path = scale == 1 ? resource(movie) : SkinPicture::doubledPath(resource(movie));
+        const QString path = fileOf(movie, scale);
         const QList<QImage> frames = framesOf(path);
-        // As the file says; a movie would take its own lateness off.
-        QImageReader timing(path);
-        int milliseconds = 0;
-        while (!timing.read().isNull())
-            milliseconds += timing.nextImageDelay();
-        QCOMPARE(timing.loopCount(), 0);
+        const QList<int> delays = delaysOf(path);
+        const int milliseconds = std::accumulate(delays.begin(), delays.end(), 0);
+        QCOMPARE(QImageReader(path).loopCount(), 0);
         QVERIFY2(qAbs(milliseconds - 690) <= 40, qPrintable(QString::number(milliseconds)));
         QVERIFY(frames.size() * 1000 / 690 >= 25);
-        const QImage strip(scale == 1 ? resource(next) : SkinPicture::doubledPath(resource(next)));
+        const QImage strip(fileOf(next, scale));
         const QImage cell =
             strip.copy(0, 0, strip.width() / 4, strip.height()).convertToFormat(QImage::Format_ARGB32);
         int far = 0;
         for (int y = 0; y < cell.height(); ++y)
             for (int x = 0; x < cell.width(); ++x) {
                 const QRgb wanted = cell.pixel(x, y);
-                const QRgb shown = frames.last().pixel(x, y);
-                if (qAlpha(wanted) < 255)
-                    continue;
-                far = qMax(far,
-                           qMax(qAbs(qRed(wanted) - qRed(shown)), qMax(qAbs(qGreen(wanted) - qGreen(shown)),
-                                                                       qAbs(qBlue(wanted) - qBlue(shown)))));
+                if (qAlpha(wanted) == 255)
+                    far = qMax(far, farthestChannel(wanted, frames.last().pixel(x, y)));
             }
-        QVERIFY2(far <= 12, qPrintable(QString::number(far)));
+        QVERIFY2(far <= 4, qPrintable(QString::number(far)));
     }
 }
 
@@ -237,13 +376,18 @@ void TestSkin::endlessAnimationsTurnSmoothly_data()
 void TestSkin::endlessAnimationsTurnSmoothly()
 {
     QFETCH(QString, movie);
-    QMovie endless(resource(movie));
-    endless.jumpToFrame(0);
-    QCOMPARE(endless.loopCount(), -1);
-    const QList<QImage> frames = framesOf(resource(movie));
-    QVERIFY(frames.size() >= 20);
-    for (int i = 1; i < frames.size(); ++i)
-        QVERIFY(frames.at(i) != frames.at(i - 1));
+    for (const int scale : {1, 2}) {
+        const QString path = fileOf(movie, scale);
+        QMovie endless(path);
+        endless.jumpToFrame(0);
+        QCOMPARE(endless.loopCount(), -1);
+        const QList<QImage> frames = framesOf(path);
+        QVERIFY(frames.size() >= 20); // the file holds one turn
+        for (int i = 0; i < frames.size(); ++i)
+            QVERIFY(frames.at(i) != frames.at((i + 1) % frames.size()));
+        for (const int delay : delaysOf(path))
+            QVERIFY2(delay >= 20 && delay <= 100, qPrintable(QString::number(delay)));
+    }
 }
 
 void TestSkin::denseScreensGetTheDoubledPicture()
@@ -272,6 +416,28 @@ void TestSkin::wordsOfEveryButtonAreKnown()
     for (const Size& strip : strips)
         if (QString(strip.name) != "Image/button_menu.png")
             QVERIFY2(!SkinWords::of(strip.name).name.isEmpty(), strip.name);
+}
+
+void TestSkin::captionsCanBeRead_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("ink");
+    QTest::addColumn<QString>("ground");
+    for (const Caption& caption : captions)
+        QTest::addRow("%s: %s", caption.source, caption.ink)
+            << QString(caption.source) << QString(caption.ink) << QString(caption.ground);
+}
+
+void TestSkin::captionsCanBeRead()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, ink);
+    QFETCH(QString, ground);
+    QFile file(QString(MELODRIFT_SOURCES "/../") + source);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY2(file.readAll().contains(ink.toUtf8()), "the colour is another one now");
+    const double measured = contrast(colourOf(ink), QColor(ground));
+    QVERIFY2(measured >= 4.5, qPrintable(QString::number(measured)));
 }
 
 QTEST_MAIN(TestSkin)

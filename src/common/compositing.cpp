@@ -1,5 +1,6 @@
 #include "common/compositing.h"
 
+#include <QBitmap>
 #include <QPainterPath>
 #include <QRegion>
 #include <QWidget>
@@ -21,6 +22,19 @@ void Compositing::cutWhereNeeded(QWidget& window, const QRegion& shape)
 {
     if (!isActive())
         window.setMask(shape);
+}
+
+QRegion Compositing::opaquePart(const QImage& picture)
+{
+    const QImage pixels = picture.convertToFormat(QImage::Format_ARGB32);
+    QImage opaque(pixels.size(), QImage::Format_MonoLSB);
+    opaque.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)}); // as bitmaps have it
+    opaque.fill(0);
+    for (int y = 0; y < pixels.height(); ++y)
+        for (int x = 0; x < pixels.width(); ++x)
+            if (qAlpha(pixels.pixel(x, y)) == 255)
+                opaque.setPixel(x, y, 1);
+    return QRegion(QBitmap::fromImage(opaque));
 }
 
 QRegion Compositing::rounded(const QRect& rect, int radius)

@@ -1,5 +1,6 @@
 #pragma once
 
+class QImage;
 class QRect;
 class QRegion;
 class QWidget;
@@ -10,6 +11,8 @@ namespace Compositing {
 bool isActive();
 /// Cuts the window to the shape where the desktop does not compose windows.
 void cutWhereNeeded(QWidget& window, const QRegion& shape);
+/// The pixels of a picture that nothing shines through.
+QRegion opaquePart(const QImage& picture);
 /// A rectangle with round corners.
 QRegion rounded(const QRect& rect, int radius);
 } // namespace Compositing
