@@ -1,6 +1,8 @@
 #include "mediafile.h"
 
 #include "mpegframes.h"
+#include "tagtext.h"
+#include "wavfile.h"
 
 #include <taglib/apefile.h>
 #include <taglib/apetag.h>
@@ -16,7 +18,6 @@
 #include <taglib/oggflacfile.h>
 #include <taglib/opusfile.h>
 #include <taglib/vorbisfile.h>
-#include <taglib/wavfile.h>
 #include <taglib/xiphcomment.h>
 
 #include <algorithm>
@@ -108,12 +109,30 @@ std::unique_ptr<TagLib::File> oggFile(IOStream& stream, const ByteVector& head)
     return nullptr;
 }
 
+/// The chunk names no encoding; the library would take it for UTF-8 and make nothing of anything else.
+class InfoText : public TagLib::RIFF::Info::StringHandler
+{
+public:
+    TagLib::String parse(const ByteVector& bytes) const override
+    {
+        return TagLib::String(audiocore::readableText(bytes), TagLib::String::UTF8);
+    }
+};
+
+std::unique_ptr<TagLib::File> wavFile(IOStream& stream)
+{
+    static const InfoText handler;
+    static const bool installed = (TagLib::RIFF::Info::Tag::setStringHandler(&handler), true);
+    static_cast<void>(installed);
+    return std::make_unique<audiocore::WavFile>(&stream, true);
+}
+
 std::unique_ptr<TagLib::File> fileOf(AudioFormat format, IOStream& stream, const ByteVector& head)
 {
     TagLib::ID3v2::FrameFactory* factory = TagLib::ID3v2::FrameFactory::instance();
     switch (format) {
     case AUDIO_FORMAT_WAV:
-        return std::make_unique<TagLib::RIFF::WAV::File>(&stream, true);
+        return wavFile(stream);
     case AUDIO_FORMAT_WMA:
         return std::make_unique<TagLib::ASF::File>(&stream, true);
     case AUDIO_FORMAT_M4A:

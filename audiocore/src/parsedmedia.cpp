@@ -79,6 +79,7 @@ bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
         return false;
     parsed.format = media.format;
     parsed.properties = properties;
+    parsed.audioBegin = media.audioBegin;
     addItems(parsed, audiocore::readTags(media));
     return true;
 }

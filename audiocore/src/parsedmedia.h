@@ -23,7 +23,8 @@ struct ParsedMedia
 
     AudioFormat format = AUDIO_FORMAT_UNKNOWN;
     MpegStream properties;
-    std::vector<Item> items; ///< texts by type, the picture last
+    std::int64_t audioBegin = 0; ///< behind a tag at the file's beginning
+    std::vector<Item> items;     ///< texts by type, the picture last
 };
 
 /// Reads the file, or hands out the last reading of it when the file did not change since; the readings

@@ -5,17 +5,20 @@
 #include <taglib/attachedpictureframe.h>
 #include <taglib/flacfile.h>
 #include <taglib/flacpicture.h>
+#include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/mp4coverart.h>
 #include <taglib/mp4tag.h>
 #include <taglib/mpegfile.h>
+#include <taglib/oggflacfile.h>
+#include <taglib/wavfile.h>
 #include <taglib/xiphcomment.h>
 
 using TagLib::ByteVector;
-using TagLib::String;
 
 namespace {
-constexpr unsigned int largestPicture = 64u * 1024 * 1024;
+/// What our own player gets past, whatever the format wraps it in.
+constexpr unsigned int largestShown = 32u * 1024 * 1024;
 const char* const apeFront = "COVER ART (FRONT)";
 
 /// Picks the front cover from a list of picture objects, else the first.
@@ -24,43 +27,28 @@ class Choice
 public:
     void offer(const ByteVector& bytes, bool front)
     {
-        if (bytes.isEmpty() || bytes.size() > largestPicture)
+        if (bytes.isEmpty())
+            return;
+        ++m_count;
+        if (bytes.size() > largestShown)
             return;
         if (m_chosen.isEmpty() || (front && !m_front))
             m_chosen = bytes;
         m_front = m_front || front;
     }
     const ByteVector& bytes() const { return m_chosen; }
+    int count() const { return m_count; }
 
 private:
+    int m_count = 0;
     ByteVector m_chosen;
     bool m_front = false;
 };
-
-String mimeType(const ByteVector& bytes)
-{
-    if (bytes.startsWith("\x89PNG"))
-        return "image/png";
-    if (bytes.startsWith("GIF8"))
-        return "image/gif";
-    if (bytes.startsWith("BM"))
-        return "image/bmp";
-    return bytes.mid(8, 4) == ByteVector("WEBP") ? "image/webp" : "image/jpeg";
-}
 
 void offerFlac(Choice& choice, const TagLib::List<TagLib::FLAC::Picture*>& pictures)
 {
     for (const TagLib::FLAC::Picture* picture : pictures)
         choice.offer(picture->data(), picture->type() == TagLib::FLAC::Picture::FrontCover);
-}
-
-TagLib::FLAC::Picture* flacPicture(const ByteVector& bytes)
-{
-    auto* picture = new TagLib::FLAC::Picture;
-    picture->setType(TagLib::FLAC::Picture::FrontCover);
-    picture->setMimeType(mimeType(bytes));
-    picture->setData(bytes);
-    return picture;
 }
 
 void offerId3v2(Choice& choice, const TagLib::ID3v2::Tag& tag)
@@ -96,61 +84,22 @@ void offerAsf(Choice& choice, const TagLib::ASF::Tag& tag)
         choice.offer(picture.picture(), picture.type() == TagLib::ASF::Picture::FrontCover);
     }
 }
-
-void setId3v2(TagLib::ID3v2::Tag& tag, const ByteVector& bytes)
-{
-    tag.removeFrames("APIC");
-    if (bytes.isEmpty())
-        return;
-    auto* frame = new TagLib::ID3v2::AttachedPictureFrame;
-    frame->setType(TagLib::ID3v2::AttachedPictureFrame::FrontCover);
-    frame->setMimeType(mimeType(bytes));
-    frame->setPicture(bytes);
-    tag.addFrame(frame);
-}
-
-void setApe(TagLib::APE::Tag& tag, const ByteVector& bytes)
-{
-    TagLib::StringList covers;
-    for (const auto& [key, item] : tag.itemListMap())
-        if (key.startsWith("COVER ART"))
-            covers.append(key);
-    for (const String& key : covers)
-        tag.removeItem(key);
-    if (bytes.isEmpty())
-        return;
-    ByteVector data(mimeType(bytes) == "image/png" ? "Cover.png" : "Cover.jpg");
-    data.append('\0');
-    data.append(bytes);
-    tag.setItem(apeFront, TagLib::APE::Item(apeFront, data, true));
-}
-
-void setMp4(TagLib::MP4::Tag& tag, const ByteVector& bytes)
-{
-    tag.removeItem("covr");
-    if (bytes.isEmpty())
-        return;
-    const bool png = mimeType(bytes) == "image/png";
-    TagLib::MP4::CoverArtList covers;
-    covers.append(
-        TagLib::MP4::CoverArt(png ? TagLib::MP4::CoverArt::PNG : TagLib::MP4::CoverArt::JPEG, bytes));
-    tag.setItem("covr", covers);
-}
-
-void setAsf(TagLib::ASF::Tag& tag, const ByteVector& bytes)
-{
-    tag.removeItem("WM/Picture");
-    if (bytes.isEmpty())
-        return;
-    TagLib::ASF::Picture picture;
-    picture.setType(TagLib::ASF::Picture::FrontCover);
-    picture.setMimeType(mimeType(bytes));
-    picture.setPicture(bytes);
-    tag.setAttribute("WM/Picture", picture);
-}
 } // namespace
 
-ByteVector audiocore::readPicture(const MediaFile& media)
+unsigned int audiocore::largestPicture(const MediaFile& media)
+{
+    constexpr unsigned int inBlock = (16u * 1024 - 64) * 1024; // of what holds less than 16 MB
+    auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(media.file.get());
+    auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(media.file.get());
+    const TagLib::ID3v2::Tag* id3v2 = mpeg ? mpeg->ID3v2Tag() : wav ? wav->ID3v2Tag() : nullptr;
+    if (media.format == AUDIO_FORMAT_FLAC || (id3v2 && id3v2->header()->majorVersion() == 2))
+        return inBlock;
+    if (dynamic_cast<const TagLib::Ogg::FLAC::File*>(media.file.get()))
+        return inBlock / 4 * 3; // written with four characters for three bytes
+    return largestShown;
+}
+
+void audiocore::readPictures(const MediaFile& media, TagContent& content)
 {
     Choice choice;
     if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(media.file.get()))
@@ -167,36 +116,50 @@ ByteVector audiocore::readPicture(const MediaFile& media)
         else if (auto* asf = dynamic_cast<TagLib::ASF::Tag*>(tag))
             offerAsf(choice, *asf);
     }
-    return choice.bytes();
+    content.picture = choice.bytes();
+    content.pictures = choice.count();
 }
 
-void audiocore::writePicture(const MediaFile& media, const std::vector<TagLib::Tag*>& tags,
-                             const ByteVector& bytes)
+std::string audiocore::pictureType(const ByteVector& bytes)
 {
-    // A FLAC file has picture blocks of its own; the comment of an Ogg file carries the picture itself.
-    auto* flac = dynamic_cast<TagLib::FLAC::File*>(media.file.get());
-    if (flac) {
-        flac->removePictures();
-        if (!bytes.isEmpty())
-            flac->addPicture(flacPicture(bytes));
-    }
-    bool written = flac != nullptr;
-    for (TagLib::Tag* tag : tags) {
-        const ByteVector own = written ? ByteVector() : bytes;
-        if (auto* id3v2 = dynamic_cast<TagLib::ID3v2::Tag*>(tag))
-            setId3v2(*id3v2, own);
-        else if (auto* ape = dynamic_cast<TagLib::APE::Tag*>(tag))
-            setApe(*ape, own);
-        else if (auto* mp4 = dynamic_cast<TagLib::MP4::Tag*>(tag))
-            setMp4(*mp4, own);
-        else if (auto* asf = dynamic_cast<TagLib::ASF::Tag*>(tag))
-            setAsf(*asf, own);
-        else if (auto* xiph = dynamic_cast<TagLib::Ogg::XiphComment*>(tag)) {
-            xiph->removeAllPictures();
-            if (!own.isEmpty())
-                xiph->addPicture(flacPicture(own));
-        } else
-            continue;
-        written = true;
-    }
+    if (bytes.startsWith("\x89PNG"))
+        return "image/png";
+    if (bytes.startsWith("GIF8"))
+        return "image/gif";
+    if (bytes.startsWith("BM"))
+        return "image/bmp";
+    return bytes.mid(8, 4) == ByteVector("WEBP") ? "image/webp" : "image/jpeg";
+}
+
+ByteVector audiocore::flacPicture(const ByteVector& bytes)
+{
+    TagLib::FLAC::Picture picture;
+    picture.setType(TagLib::FLAC::Picture::FrontCover);
+    picture.setMimeType(pictureType(bytes));
+    picture.setData(bytes);
+    return picture.render();
+}
+
+void audiocore::setMp4Picture(TagLib::MP4::Tag& tag, const ByteVector& bytes)
+{
+    tag.removeItem("covr");
+    if (bytes.isEmpty())
+        return;
+    const bool png = pictureType(bytes) == "image/png";
+    TagLib::MP4::CoverArtList covers;
+    covers.append(
+        TagLib::MP4::CoverArt(png ? TagLib::MP4::CoverArt::PNG : TagLib::MP4::CoverArt::JPEG, bytes));
+    tag.setItem("covr", covers);
+}
+
+void audiocore::setAsfPicture(TagLib::ASF::Tag& tag, const ByteVector& bytes)
+{
+    tag.removeItem("WM/Picture");
+    if (bytes.isEmpty())
+        return;
+    TagLib::ASF::Picture picture;
+    picture.setType(TagLib::ASF::Picture::FrontCover);
+    picture.setMimeType(pictureType(bytes));
+    picture.setPicture(bytes);
+    tag.setAttribute("WM/Picture", picture);
 }

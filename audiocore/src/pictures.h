@@ -1,14 +1,28 @@
 #pragma once
 
-#include "mediafile.h"
+#include "tagfields.h"
 
-#include <taglib/tbytevector.h>
+namespace TagLib {
+namespace ASF {
+class Tag;
+}
+namespace MP4 {
+class Tag;
+}
+} // namespace TagLib
 
 namespace audiocore {
-/// The bytes of the front cover, else of the first picture; empty without one.
-TagLib::ByteVector readPicture(const MediaFile& media);
-/// Takes all pictures out of the file and these tags of it in memory, and puts the bytes in as the front
-/// cover, unless they are empty.
-void writePicture(const MediaFile& media, const std::vector<TagLib::Tag*>& tags,
-                  const TagLib::ByteVector& bytes);
+/// The most bytes that a picture may have to be written into this file: its tag can hold it, and our own
+/// player still plays the file.
+unsigned int largestPicture(const MediaFile& media);
+/// Fills in the front cover, else the first picture, and how many there are.
+void readPictures(const MediaFile& media, TagContent& content);
+
+/// "image/png" and the like, by the first bytes.
+std::string pictureType(const TagLib::ByteVector& bytes);
+/// The front cover as FLAC wraps it.
+TagLib::ByteVector flacPicture(const TagLib::ByteVector& bytes);
+/// These take all pictures out and put the bytes in as the front cover, unless they are empty.
+void setMp4Picture(TagLib::MP4::Tag& tag, const TagLib::ByteVector& bytes);
+void setAsfPicture(TagLib::ASF::Tag& tag, const TagLib::ByteVector& bytes);
 } // namespace audiocore

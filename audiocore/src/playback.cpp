@@ -19,8 +19,9 @@ constexpr std::int64_t bytesASecondPlayed = 8 << 20;
 constexpr std::int64_t bytesASecondSought = 48000;
 } // namespace
 
-Playback::Playback(std::string path, AudioFormat format, std::int64_t milliseconds)
-    : m_source(std::move(path)), m_format(format), m_duration(milliseconds), m_thread([this] { run(); })
+Playback::Playback(std::string path, AudioFormat format, std::int64_t milliseconds, std::int64_t audioBegin)
+    : m_source(std::move(path)), m_format(format), m_audioBegin(audioBegin), m_duration(milliseconds),
+      m_thread([this] { run(); })
 {
 }
 
@@ -127,7 +128,7 @@ void Playback::wake(void* playback)
 
 void Playback::run()
 {
-    m_source.allowance = bytesToGetOn;
+    m_source.allowance = bytesToGetOn + m_audioBegin;
     PlaybackEngine engine(m_source, m_format, wake, this);
     for (;;) {
         handleEvents(engine);

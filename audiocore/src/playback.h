@@ -16,8 +16,9 @@ class Playback
 public:
     enum class Phase { Opening, Ready, Failed };
 
-    /// `milliseconds` is the length when it is known, else 0.
-    Playback(std::string path, AudioFormat format, std::int64_t milliseconds);
+    /// `milliseconds` is the length when it is known, else 0; `audioBegin` is where the tag at the file's
+    /// beginning ends.
+    Playback(std::string path, AudioFormat format, std::int64_t milliseconds, std::int64_t audioBegin);
     /// Ends the playback.
     ~Playback();
     Playback(const Playback&) = delete;
@@ -48,6 +49,7 @@ private:
 
     SongSource m_source;
     const AudioFormat m_format;
+    const std::int64_t m_audioBegin;
 
     mutable std::mutex m_mutex; ///< never held while the engine is called, which calls wake()
     std::condition_variable m_work;

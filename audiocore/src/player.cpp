@@ -42,7 +42,8 @@ public:
         const auto media = audiocore::parsedMedia(*utf8);
         if (media->format == AUDIO_FORMAT_UNKNOWN)
             return 1;
-        own->playback = std::make_unique<Playback>(*utf8, media->format, media->properties.milliseconds);
+        own->playback = std::make_unique<Playback>(*utf8, media->format, media->properties.milliseconds,
+                                                   media->audioBegin);
         return own->playback->waitUntilOpen(latest) == Playback::Phase::Failed ? 1 : 0;
     }
     void Reserved1() override {}

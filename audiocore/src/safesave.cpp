@@ -2,7 +2,9 @@
 
 #include "checkedstream.h"
 #include "log.h"
+#include "pictures.h"
 #include "platform.h"
+#include "tagwriting.h"
 
 #include <memory>
 
@@ -12,8 +14,14 @@ using audiocore::TagEdits;
 namespace {
 using Lock = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-/// The edits that the file needs; false with a reason when it cannot be read.
-bool neededEdits(const std::string& path, const TagEdits& edits, TagEdits& needed, std::string& error)
+struct Needed
+{
+    TagEdits edits;
+    std::string leftOut; ///< why the picture is not among them
+};
+
+/// The edits that the file needs and can take; false with a reason when it cannot be read.
+bool neededEdits(const std::string& path, const TagEdits& edits, Needed& needed, std::string& error)
 {
     CheckedStream stream(path, CheckedStream::Mode::Read);
     if (!stream.isOpen()) {
@@ -25,7 +33,14 @@ bool neededEdits(const std::string& path, const TagEdits& edits, TagEdits& neede
         error = "it holds no music that can be read";
         return false;
     }
-    needed = audiocore::changesOf(edits, audiocore::readTags(media));
+    needed.edits = audiocore::changesOf(edits, audiocore::readTags(media));
+    const unsigned int most = audiocore::largestPicture(media);
+    if (needed.edits.picture && needed.edits.picture->size() > most) {
+        needed.leftOut = "the picture was not saved, the old one stays: it has " +
+                         std::to_string(needed.edits.picture->size()) + " bytes, the file takes " +
+                         std::to_string(most) + " at the most";
+        needed.edits.picture.reset();
+    }
     if (stream.ranDry())
         throw audiocore::EndlessReading();
     return true;
@@ -57,10 +72,9 @@ bool editCopy(const std::string& copy, const TagEdits& edits, std::string& error
     }
     {
         const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Writing);
-        if (!media.file || !audiocore::writeTags(media, edits)) {
-            error = "the tag cannot be written";
+        error = media.file ? audiocore::writeTags(media, edits) : "the tag cannot be written";
+        if (!error.empty())
             return false;
-        }
         if (media.format == AUDIO_FORMAT_WMA)
             correctAsfSize(stream);
     }
@@ -74,10 +88,10 @@ bool editCopy(const std::string& copy, const TagEdits& edits, std::string& error
 /// Whether the copy now reads as the edits want it: the old file is not given up for one that does not.
 bool readsAsWanted(const std::string& copy, const TagEdits& edits, std::string& error)
 {
-    TagEdits left;
+    Needed left;
     if (!neededEdits(copy, edits, left, error))
         return false;
-    if (left.isEmpty())
+    if (left.edits.isEmpty())
         return true;
     error = "the new file does not read back as written";
     return false;
@@ -105,19 +119,21 @@ bool saveChanges(const std::string& target, const TagEdits& changes, std::string
 bool audiocore::saveEdits(const std::string& path, const TagEdits& edits)
 {
     std::string error;
-    TagEdits changes;
+    Needed needed;
     const std::string target = platform::realPath(path);
     if (!target.empty())
         platform::removeLeftovers(target);
     bool saved = false;
     try {
-        saved = neededEdits(path, edits, changes, error) &&
-                (changes.isEmpty() || saveChanges(target, changes, error));
+        saved = neededEdits(path, edits, needed, error) &&
+                (needed.edits.isEmpty() || saveChanges(target, needed.edits, error));
     } catch (const EndlessReading& reason) {
         error = reason.what();
         platform::removeLeftovers(target); // the copy's lock is gone, too
     }
     if (!saved)
         logLine(path, "the tag was not saved: " + error);
-    return saved;
+    else if (!needed.leftOut.empty())
+        logLine(path, needed.leftOut);
+    return saved && needed.leftOut.empty();
 }

@@ -7,6 +7,7 @@
 namespace audiocore {
 /// Saves edits of a file's tag: a complete new file is written beside the old one, flushed, and put in its
 /// place, so that whatever happens the file is the old one or the new one, whole. Nothing is written when the
-/// edits change nothing. False on failure, with one log line.
+/// edits change nothing. A picture that is too large for the file is left out, and the rest is saved. False
+/// when something was not saved, with one log line.
 bool saveEdits(const std::string& path, const TagEdits& edits);
 } // namespace audiocore

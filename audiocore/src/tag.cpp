@@ -74,10 +74,11 @@ public:
             return 1;
         if (!own->edits)
             return 0;
-        if (!audiocore::saveEdits(own->path, *own->edits))
+        const bool saved = audiocore::saveEdits(own->path, *own->edits);
+        own->reading.reset();
+        if (!saved)
             return 1;
         own->edits.reset();
-        own->reading.reset();
         return 0;
     }
     std::int32_t GetItemCount() override

@@ -16,6 +16,7 @@ struct TagContent
 {
     std::array<std::string, textTypes> texts; ///< by TagItemType
     TagLib::ByteVector picture;               ///< the front cover, else the first picture
+    int pictures = 0;                         ///< of whatever kind and size
 };
 
 /// Edits, by TagItemType: nothing where a field is left alone, an empty value where it is taken out.
@@ -28,8 +29,6 @@ struct TagEdits
 };
 
 TagContent readTags(const MediaFile& media);
-/// Keeps only those edits that change what the content shows.
+/// Keeps only those edits that change what the content shows. A picture is to be the only one.
 TagEdits changesOf(const TagEdits& edits, const TagContent& content);
-/// Applies the edits to the file's tags in memory and saves; false when the library refuses.
-bool writeTags(const MediaFile& media, const TagEdits& edits);
 } // namespace audiocore

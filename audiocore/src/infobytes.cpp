@@ -1,0 +1,51 @@
+#include "infobytes.h"
+
+#include "fieldlist.h"
+
+using audiocore::InfoBytes;
+using TagLib::ByteVector;
+
+namespace {
+constexpr unsigned int headSize = 8;
+const char* const ids[audiocore::textTypes] = {"INAM", "IART", "IPRD", "IGNR", "ICRD", "IPRT"};
+} // namespace
+
+InfoBytes::InfoBytes(const ByteVector& list)
+{
+    unsigned int position = 4;
+    while (m_entries.size() < mostFields && list.size() - position >= headSize) {
+        const unsigned int size = list.toUInt(position + 4, false);
+        if (size > list.size() - position - headSize)
+            break;
+        m_entries.push_back({list.mid(position, 4), list.mid(position + headSize, size)});
+        position = std::min(position + headSize + size + (size & 1), list.size());
+    }
+    m_rest = list.mid(position);
+}
+
+void InfoBytes::apply(const TagEdits& edits)
+{
+    for (size_t type = 0; type < size_t(textTypes); ++type) {
+        if (!edits.texts[type])
+            continue;
+        const std::string& text = *edits.texts[type];
+        std::optional<Entry> replacement;
+        if (!text.empty())
+            replacement = Entry{ids[type], ByteVector(text.c_str(), unsigned(text.size()) + 1)};
+        replaceFields(
+            m_entries, [type](const Entry& entry) { return entry.id == ids[type]; }, replacement);
+    }
+}
+
+ByteVector InfoBytes::render() const
+{
+    ByteVector list("INFO");
+    for (const Entry& entry : m_entries) {
+        list.append(entry.id);
+        list.append(ByteVector::fromUInt(entry.value.size(), false));
+        list.append(entry.value);
+        if (entry.value.size() & 1)
+            list.append('\0');
+    }
+    return list.append(m_rest);
+}

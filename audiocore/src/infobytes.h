@@ -1,0 +1,28 @@
+#pragma once
+
+#include "tagfields.h"
+
+#include <vector>
+
+namespace audiocore {
+/// The INFO list of a WAV file. What is not edited keeps its bytes.
+class InfoBytes
+{
+public:
+    /// `list` starts with "INFO".
+    explicit InfoBytes(const TagLib::ByteVector& list);
+
+    void apply(const TagEdits& edits);
+    TagLib::ByteVector render() const;
+
+private:
+    struct Entry
+    {
+        TagLib::ByteVector id;
+        TagLib::ByteVector value;
+    };
+
+    std::vector<Entry> m_entries;
+    TagLib::ByteVector m_rest; ///< behind the last entry that can be made out
+};
+} // namespace audiocore

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <taglib/wavfile.h>
+
+namespace audiocore {
+/// A WAV file whose chunks can be handled one by one.
+class WavFile : public TagLib::RIFF::WAV::File
+{
+public:
+    using TagLib::RIFF::File::chunkCount;
+    using TagLib::RIFF::File::chunkData;
+    using TagLib::RIFF::File::removeChunk;
+    using TagLib::RIFF::File::setChunkData;
+    using TagLib::RIFF::WAV::File::File;
+
+    /// The numbers of the chunks that hold tags, -1 without one.
+    int id3v2Chunk();
+    int infoChunk();
+};
+} // namespace audiocore
