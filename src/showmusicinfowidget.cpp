@@ -8,6 +8,10 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+namespace {
+const QColor outline(0x9C, 0xCB, 0xE6);
+} // namespace
+
 ShowMusicInfoWidget::ShowMusicInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::ShowMusicInfoWidget>())
 {
@@ -25,7 +29,7 @@ void ShowMusicInfoWidget::Init()
     ui->m_coverWidget->SetImageBackgroud(SkinPicture::path("bg_no_picture.png"), true);
     m_face = std::make_unique<SkinPicture>(SkinPicture::path("bg_music_detail.png"));
     // Around the face the picture is a soft shadow.
-    Compositing::cutWhereNeeded(*this, Compositing::opaquePart(m_face->image(1)));
+    Compositing::cutWhereNeeded(*this, Compositing::solidPart(m_face->image(1)));
     // The cover hears presses for its own signal; here they belong to the card.
     ui->m_coverWidget->setAttribute(Qt::WA_TransparentForMouseEvents);
 }
@@ -44,6 +48,9 @@ void ShowMusicInfoWidget::setMusicInfo(QMusicInfo* song)
 void ShowMusicInfoWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    // A cut window shows pixels whole that the smooth outline covers in part.
+    if (!mask().isEmpty())
+        painter.fillRect(rect(), outline);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(QPointF(0, 0), m_face->image(painter));
 }

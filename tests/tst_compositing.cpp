@@ -1,6 +1,7 @@
 #include "common/compositing.h"
 #include "common/skinpicture.h"
 #include "deletingmusicwaitingdlg.h"
+#include "showmusicinfowidget.h"
 
 #include <QBitmap>
 #include <QtTest>
@@ -12,6 +13,21 @@ QImage painted(QWidget& widget)
     image.fill(Qt::transparent);
     widget.render(&image, QPoint(), QRegion(), QWidget::IgnoreMask);
     return image;
+}
+
+/// #9CCBE6; in a corner mixed a little with what is beside it.
+bool isOutline(const QColor& colour)
+{
+    return colour.alpha() == 255 && colour.red() <= 0xD4 && colour.blue() >= 0xD8;
+}
+
+/// Whether the pixel is one of the last ones of the shape.
+bool bordersOn(const QRegion& shape, int x, int y)
+{
+    for (const QPoint& beside : {QPoint(x - 1, y), QPoint(x + 1, y), QPoint(x, y - 1), QPoint(x, y + 1)})
+        if (!shape.contains(beside))
+            return true;
+    return false;
 }
 } // namespace
 
@@ -29,16 +45,18 @@ private slots:
 void TestCompositing::theCutOfTheCardFollowsItsPicture()
 {
     const QImage card = SkinPicture(SkinPicture::path("bg_music_detail.png")).image(1);
-    const QRegion shape = Compositing::opaquePart(card);
+    const QRegion shape = Compositing::solidPart(card);
     QCOMPARE(shape.boundingRect(), QRect(10, 8, 280, 208));
-    int outline = 0;
+    ShowMusicInfoWidget window;
+    window.setMask(shape);
+    const QImage shown = painted(window);
     for (int y = 0; y < card.height(); ++y)
         for (int x = 0; x < card.width(); ++x) {
-            const QRgb pixel = card.pixel(x, y);
-            QCOMPARE(shape.contains(QPoint(x, y)), qAlpha(pixel) == 255);
-            outline += pixel == qRgb(0x9C, 0xCB, 0xE6) ? 1 : 0;
+            if (qAlpha(card.pixel(x, y)) == 255)
+                QVERIFY(shape.contains(QPoint(x, y)));
+            if (shape.contains(QPoint(x, y)) && bordersOn(shape, x, y))
+                QVERIFY2(isOutline(shown.pixelColor(x, y)), qPrintable(shown.pixelColor(x, y).name()));
         }
-    QVERIFY(outline > 900); // nearly all of the way round
 }
 
 void TestCompositing::theCutWaitingCardIsPaintedWhole()

@@ -24,17 +24,17 @@ void Compositing::cutWhereNeeded(QWidget& window, const QRegion& shape)
         window.setMask(shape);
 }
 
-QRegion Compositing::opaquePart(const QImage& picture)
+QRegion Compositing::solidPart(const QImage& picture)
 {
     const QImage pixels = picture.convertToFormat(QImage::Format_ARGB32);
-    QImage opaque(pixels.size(), QImage::Format_MonoLSB);
-    opaque.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)}); // as bitmaps have it
-    opaque.fill(0);
+    QImage solid(pixels.size(), QImage::Format_MonoLSB);
+    solid.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)}); // as bitmaps have it
+    solid.fill(0);
     for (int y = 0; y < pixels.height(); ++y)
         for (int x = 0; x < pixels.width(); ++x)
-            if (qAlpha(pixels.pixel(x, y)) == 255)
-                opaque.setPixel(x, y, 1);
-    return QRegion(QBitmap::fromImage(opaque));
+            if (qAlpha(pixels.pixel(x, y)) >= 128)
+                solid.setPixel(x, y, 1);
+    return QRegion(QBitmap::fromImage(solid));
 }
 
 QRegion Compositing::rounded(const QRect& rect, int radius)

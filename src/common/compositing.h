@@ -11,8 +11,8 @@ namespace Compositing {
 bool isActive();
 /// Cuts the window to the shape where the desktop does not compose windows.
 void cutWhereNeeded(QWidget& window, const QRegion& shape);
-/// The pixels of a picture that nothing shines through.
-QRegion opaquePart(const QImage& picture);
+/// The pixels of a picture that let less than half through: a face and its outline without its shadow.
+QRegion solidPart(const QImage& picture);
 /// A rectangle with round corners.
 QRegion rounded(const QRect& rect, int radius);
 } // namespace Compositing
