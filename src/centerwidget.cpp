@@ -174,8 +174,10 @@ void CenterWidget::showCoversAnew()
 
 void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 {
-    if (m_bForbidClick)
+    if (m_bForbidClick) {
+        selectShownSong(); // the view has moved its mark by itself
         return;
+    }
     selectSong(index.row());
     ui->m_musicDetailedWidget->SetMusicDetailedInfo(SongViews::songOf(index));
 }

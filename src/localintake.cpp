@@ -15,6 +15,37 @@ constexpr int progressAfterMilliseconds = 400;
 constexpr int coverMilliseconds = 30;
 } // namespace
 
+namespace {
+/// Swallows what the user does with mouse and keyboard for one scope. Closing the window is let through.
+class InputBarrier : public QObject
+{
+public:
+    InputBarrier() { QCoreApplication::instance()->installEventFilter(this); }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::Wheel:
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::ShortcutOverride:
+        case QEvent::Shortcut:
+        case QEvent::ContextMenu:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+            return true;
+        default:
+            return false;
+        }
+    }
+};
+} // namespace
+
 /// Marks the intake as running for one scope.
 class LocalIntake::Running
 {
@@ -85,6 +116,7 @@ void LocalIntake::keepAlive(int done, int total)
         return;
     if (m_sinceStart.elapsed() >= progressAfterMilliseconds)
         emit progress(done, total);
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    const InputBarrier barrier;
+    QCoreApplication::processEvents();
     m_sinceRepaint.start();
 }

@@ -7,8 +7,9 @@
 #include <QObject>
 #include <QTimer>
 
-/// Takes music files in on the GUI thread while the window goes on repainting: user input waits, everything
-/// else is handled several times a second, so whatever could disturb an intake asks isRunning() first.
+/// Takes music files in on the GUI thread while the window goes on repainting: clicks and keys are lost,
+/// everything else is handled several times a second, so whatever could disturb an intake asks isRunning()
+/// first.
 class LocalIntake : public QObject
 {
     Q_OBJECT

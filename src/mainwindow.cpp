@@ -102,13 +102,15 @@ void MainWindow::InitMainMenu()
         "QMenuBar::item:pressed{background:#BFE2F5}"));
     const auto add = [this, bar](const QString& text, const char* icon, const char* slot) {
         QMenu* menu = bar->addMenu(text);
-        const QAction* action = menu->addAction(QIcon(SkinPicture::path(icon)), text);
+        QAction* action = menu->addAction(QIcon(SkinPicture::path(icon)), text);
         connect(action, SIGNAL(triggered()), this, slot);
+        return action;
     };
     add(QStringLiteral("Home"), "menu_home.png", SLOT(SlotHomeMenu()));
     add(QStringLiteral("About"), "menu_about.png", SLOT(SlotAboutMenu()));
-    add(QStringLiteral("Help"), "menu_help.png", SLOT(SlotHelpMenu()));
-    add(QStringLiteral("Exit"), "menu_exit.png", SLOT(SlotExitMenu()));
+    add(QStringLiteral("Help"), "menu_help.png", SLOT(SlotHelpMenu()))
+        ->setShortcut(QKeySequence::HelpContents);
+    add(QStringLiteral("Exit"), "menu_exit.png", SLOT(SlotExitMenu()))->setShortcut(QKeySequence::Quit);
     bar->setGeometry(4, 0, menuWidth, menuHeight);
 }
 

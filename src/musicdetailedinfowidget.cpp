@@ -124,6 +124,8 @@ void MusicDetailedInfoWidget::forgetFormerSong()
 {
     m_bIdentified = false;
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
+    if (m_bCoverIdentified)
+        m_strNewCoverPath.clear();
     if (!m_bIdentifying)
         return;
     // The worker may have ended already, its results being on their way.
@@ -156,8 +158,12 @@ void MusicDetailedInfoWidget::showCover(const QString& path)
 
 void MusicDetailedInfoWidget::showButtons(bool editing)
 {
+    const bool hasFocus = isAncestorOf(window()->focusWidget());
     ui->m_btnEdit->setVisible(!editing);
     ui->m_btnIdentify->setVisible(!editing);
+    // Or the focus would go to wherever it finds a place, once what has it is hidden.
+    if (hasFocus && !editing)
+        ui->m_btnEdit->setFocus();
     ui->m_btnApply->setVisible(editing);
     ui->m_btnCancel->setVisible(editing);
 }
@@ -201,6 +207,8 @@ void MusicDetailedInfoWidget::SlotOnBtnEdit()
     ui->m_comboGenre->show();
     ui->currentImgWidget->setToolTip(QStringLiteral("click to add cover"));
     ui->currentImgWidget->setEnabled(true);
+    if (!m_strNewCoverPath.isEmpty())
+        showCover(m_strNewCoverPath); // what an apply would write
     showButtons(true);
     ui->m_lineTitle->setFocus();
 }
@@ -301,6 +309,7 @@ void MusicDetailedInfoWidget::SlotReceiveIdentifyCover(const QString& path)
     if (isStale(sender()))
         return;
     m_strNewCoverPath = path;
+    m_bCoverIdentified = true;
     showCover(path);
 }
 
@@ -324,6 +333,7 @@ void MusicDetailedInfoWidget::SlotChangeImage()
     if (path.isEmpty())
         return;
     m_strNewCoverPath = path;
+    m_bCoverIdentified = false;
     showCover(path);
 }
 

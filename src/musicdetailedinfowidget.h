@@ -84,7 +84,8 @@ private:
     bool m_bNewSong = false;
     bool m_bFirstShow = true;
     bool m_bIdentified = false;
-    bool m_bIdentifying = false; ///< from the start until the results are here, or nobody waits for them
+    bool m_bCoverIdentified = false; ///< the new cover was not chosen by the user
+    bool m_bIdentifying = false;     ///< from the start until the results are here, or nobody waits for them
     QStringList m_genreList;
     QString m_strShownTitle; ///< what the labels show after an apply: exactly what was typed
     QString m_strShownArtist;

@@ -60,7 +60,7 @@ private slots:
     void anEditKeepsThePlaceInTheList();
     void theOpenButtonLiesUnderTheView();
     void ctrlOOpensTheDialogInTheLocalModeOnly();
-    void longIntakesShowProgressAndKeepInputWaiting();
+    void longIntakesShowProgressAndTakeNoInput();
     void closingDuringAnIntakeEndsIt();
     void groupsOfTheCollectionAreRight();
 
@@ -328,6 +328,12 @@ void TestCenterWidget::aBanKeepsClicksFromSongsButNotFromGroups()
     m_center->slotShowAllmusicView();
     clickItem(view<QListView>("m_allMusicListView"), 1);
     QVERIFY(m_center->findChild<QWidget*>("m_musicDetailedWidget")->isVisible());
+    m_center->SlotForbidToClickView(true);
+    clickItem(view<QListView>("m_allMusicListView"), 0); // the mark stays where the song is that shows
+    for (const QAbstractItemView* list :
+         m_center->findChildren<QAbstractItemView*>(QRegularExpression(QStringLiteral("^m_allMusic"))))
+        QCOMPARE(list->currentIndex().row(), 1);
+    m_center->SlotForbidToClickView(false);
 }
 
 void TestCenterWidget::aDoubleClickPlays()
@@ -472,7 +478,7 @@ void TestCenterWidget::ctrlOOpensTheDialogInTheLocalModeOnly()
     QCOMPARE(opened, 1);
 }
 
-void TestCenterWidget::longIntakesShowProgressAndKeepInputWaiting()
+void TestCenterWidget::longIntakesShowProgressAndTakeNoInput()
 {
     // Enough names of one file for more than a blink.
     const QString path = tone("model", "Same");
@@ -481,14 +487,20 @@ void TestCenterWidget::longIntakesShowProgressAndKeepInputWaiting()
         QFile::link(path, m_folder->filePath(QString("many/%1.mp3").arg(i)));
     QSignalSpy progress(m_center.get(), SIGNAL(emitIntakeProgress(int, int)));
     bool switchedMeanwhile = true;
+    auto* button = m_center->findChild<QPushButton*>("m_btnTableDisplay");
+    QSignalSpy clicks(button, SIGNAL(clicked()));
     connect(m_center.get(), &CenterWidget::emitIntakeProgress, this, [&] {
         switchedMeanwhile = !m_center->ListsAreInUse();
         m_center->TakeDroppedPaths({path}); // nothing can start another one meanwhile
+        for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+            QCoreApplication::postEvent(
+                button, new QMouseEvent(type, QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, {}));
     });
     QSignalSpy counts(m_center.get(), SIGNAL(emitMusicCount(int, int, int)));
     add({m_folder->filePath("many")});
     QVERIFY(progress.count() > 0);
     QVERIFY(!switchedMeanwhile);
+    QVERIFY(clicks.isEmpty());
     QCOMPARE(progress.last().at(1).toInt(), 20000);
     QCOMPARE(counts.last(), QVariantList({20000, 0, 1}));
 }

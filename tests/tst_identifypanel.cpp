@@ -49,6 +49,7 @@ private slots:
     void cancelEndsItWithoutAWord();
     void aLateResultStillFillsTheEditors();
     void whatIsFoundForAnotherSongIsDropped();
+    void anIdentifiedCoverIsForItsSongAlone();
     void resultsOnTheirWayLockNothingForAnotherSong_data();
     void resultsOnTheirWayLockNothingForAnotherSong();
     void anotherSongIsNotIdentifiedAgain();
@@ -289,6 +290,19 @@ void TestIdentifyPanel::whatIsFoundForAnotherSongIsDropped()
     emit worker->emitFailToIdentify();
     QCOMPARE(typed("m_lineTitle"), QStringLiteral("Other"));
     QVERIFY(m_dialogs->texts.isEmpty());
+    click("m_btnApply");
+    QVERIFY(other->localInfo->coverPath.isEmpty());
+    m_panel->SetMusicDetailedInfo(nullptr);
+}
+
+void TestIdentifyPanel::anIdentifiedCoverIsForItsSongAlone()
+{
+    const auto other = songOn(Fixtures::copyTone("flac", m_folder.path()));
+    click("m_btnEdit");
+    m_panel->SlotReceiveIdentifyCover(QStringLiteral("/cover"));
+    click("m_btnCancel");
+    m_panel->SetMusicDetailedInfo(other.get());
+    click("m_btnEdit");
     click("m_btnApply");
     QVERIFY(other->localInfo->coverPath.isEmpty());
     m_panel->SetMusicDetailedInfo(nullptr);

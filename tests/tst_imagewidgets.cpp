@@ -32,6 +32,7 @@ private slots:
     void leavingPressedKeepsThePressedLook();
     void disablingShowsTheFourthCellAndEnablingTheFirst();
     void otherButtonsDoNotPress();
+    void aDoubleClickIsForOneButton();
     void clicksAndKeysWorkAsOnEveryButton();
     void theCaptionStartsAtItsPoint();
     void withoutAStripTheBaseButtonPaintsItself();
@@ -147,6 +148,31 @@ void TestImageWidgets::otherButtonsDoNotPress()
     button.setBtnImage(path("strip.png"));
     QTest::mousePress(&button, Qt::RightButton);
     QCOMPARE(button.state(), int(QImageButton::StateNormal));
+}
+
+/// Its second press, where another button has come in the place of the first, is none for that one.
+void TestImageWidgets::aDoubleClickIsForOneButton()
+{
+    QImageButton first;
+    QImageButton second;
+    for (QImageButton* button : {&first, &second}) {
+        button->setBtnImage(path("strip.png"));
+        button->show();
+    }
+    const auto doubleClick = [](QImageButton& button) {
+        QMouseEvent press(QEvent::MouseButtonDblClick, QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&button, &press);
+        QTest::mouseRelease(&button, Qt::LeftButton, {}, {5, 5});
+    };
+    QSignalSpy firstClicks(&first, SIGNAL(clicked()));
+    QSignalSpy secondClicks(&second, SIGNAL(clicked()));
+    QTest::mouseClick(&first, Qt::LeftButton, {}, {5, 5});
+    doubleClick(second);
+    QCOMPARE(secondClicks.size(), 0);
+    doubleClick(first);
+    QCOMPARE(firstClicks.size(), 2);
+    QTest::mouseClick(&second, Qt::LeftButton, {}, {5, 5});
+    QCOMPARE(secondClicks.size(), 1);
 }
 
 void TestImageWidgets::clicksAndKeysWorkAsOnEveryButton()

@@ -49,6 +49,7 @@ private slots:
     void applyWithoutACoverTakesThePictureOut();
     void aChosenCoverIsShownAtOnceAndWrittenByApply();
     void aCoverOutlivesCancelAndSong();
+    void theFocusStaysInThePanel();
     void theCoverIsClickableInEditModeOnly();
     void aCancelledChooserChangesNothing();
     void aFailedSaveKeepsTheEditAndLogs();
@@ -406,9 +407,22 @@ void TestMusicDetailedInfoWidget::aCoverOutlivesCancelAndSong()
     other.localInfo->filePath = Fixtures::copyTone("flac", m_folder.path());
     m_panel->SetMusicDetailedInfo(&other);
     click("m_btnEdit");
+    const QPoint middle = child<QImageWidget>("currentImgWidget")->geometry().center();
+    QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30)); // nothing is written unseen
     click("m_btnApply");
     QCOMPARE(AudioFile::read(other.localInfo->filePath).picture, Fixtures::readBytes(red));
     m_panel->SetMusicDetailedInfo(nullptr);
+}
+
+/// Space would press whatever button got it.
+void TestMusicDetailedInfoWidget::theFocusStaysInThePanel()
+{
+    for (const char* end : {"m_btnCancel", "m_btnApply"}) {
+        click("m_btnEdit");
+        child<QWidget>(end)->setFocus();
+        click(end);
+        QCOMPARE(m_panel->window()->focusWidget(), child<QWidget>("m_btnEdit"));
+    }
 }
 
 void TestMusicDetailedInfoWidget::theCoverIsClickableInEditModeOnly()

@@ -21,6 +21,7 @@ bool QImageButton::setBtnImage(const QString& path)
     if (cell.height() == 0)
         return false;
     setFixedSize(cell);
+    update();
     return true;
 }
 

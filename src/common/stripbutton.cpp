@@ -2,6 +2,16 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
+
+namespace {
+/// The button that took the last press.
+QPointer<const StripButton>& lastPressed()
+{
+    static QPointer<const StripButton> button;
+    return button;
+}
+} // namespace
 
 StripButton::StripButton(QWidget* parent) : QPushButton(parent) {}
 
@@ -24,6 +34,7 @@ void StripButton::changeState(int state)
 
 void StripButton::mousePressEvent(QMouseEvent* event)
 {
+    lastPressed() = this;
     if (event->button() == Qt::LeftButton) {
         if (!isEnabled())
             m_nState = StateDisabled;
@@ -31,6 +42,13 @@ void StripButton::mousePressEvent(QMouseEvent* event)
             changeState(StatePressed);
     }
     QPushButton::mousePressEvent(event);
+}
+
+void StripButton::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    // The second press of a double click is not for a button that came in the place of the first one's.
+    if (lastPressed() == this)
+        QPushButton::mouseDoubleClickEvent(event);
 }
 
 void StripButton::mouseReleaseEvent(QMouseEvent* event)
