@@ -2,16 +2,21 @@
 
 #include "checkedstream.h"
 #include "log.h"
+#include "parsedmedia.h"
 #include "pictures.h"
 #include "platform.h"
 #include "tagwriting.h"
 
+#include <cstdint>
+#include <cstdlib>
 #include <memory>
 
 using audiocore::CheckedStream;
 using audiocore::TagEdits;
 
 namespace {
+constexpr std::int64_t longestShift = 100; // milliseconds
+
 using Lock = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 struct Needed
@@ -97,6 +102,19 @@ bool readsAsWanted(const std::string& copy, const TagEdits& edits, std::string& 
     return false;
 }
 
+/// Whether the copy plays as the original does: a tag that was written over music would show here.
+bool playsAsBefore(const std::string& original, const std::string& copy, std::string& error)
+{
+    const auto before = audiocore::parsedMedia(original);
+    const auto after = audiocore::parsedMedia(copy);
+    const std::int64_t shift = std::abs(after->properties.milliseconds - before->properties.milliseconds);
+    if (after->format == before->format && after->properties.sampleRate == before->properties.sampleRate &&
+        shift <= longestShift)
+        return true;
+    error = "the new file does not play as the old one does";
+    return false;
+}
+
 /// `target` is no link.
 bool saveChanges(const std::string& target, const TagEdits& changes, std::string& error)
 {
@@ -109,7 +127,7 @@ bool saveChanges(const std::string& target, const TagEdits& changes, std::string
     if (audiocore::platform::stateOf(target, state) && state.links > 1)
         audiocore::logLine(target, "has further names (hard links); they keep the tags as they were");
     if (editCopy(copy, changes, error) && readsAsWanted(copy, changes, error) &&
-        audiocore::platform::replaceFile(copy, target, error))
+        playsAsBefore(target, copy, error) && audiocore::platform::replaceFile(copy, target, error))
         return true;
     audiocore::platform::removeFile(copy);
     return false;
