@@ -49,10 +49,14 @@ Edits editsFor(const TagEdits& edits, const TagContent& content)
     return all;
 }
 
+/// A further tag is edited where there is one, and never made.
 template <class Bytes>
-void applyOwn(Bytes& tag, const Edits& edits)
+void applyTo(Bytes& tag, const Edits& edits, bool own)
 {
-    tag.apply(tag.isEmpty() ? edits.ownNew : edits.own);
+    if (own)
+        tag.apply(tag.isEmpty() ? edits.ownNew : edits.own);
+    else if (!tag.isEmpty())
+        tag.apply(edits.further);
 }
 
 /// The tag at the file's beginning.
@@ -62,10 +66,7 @@ std::string writeFront(TagLib::File& file, const Edits& edits, bool own)
     std::optional<audiocore::Id3v2Bytes> tag = audiocore::Id3v2Bytes::parse(bytesAt(file, place));
     if (!tag)
         return cannotBeKept;
-    if (own)
-        applyOwn(*tag, edits);
-    else if (!tag->isEmpty())
-        tag->apply(edits.further);
+    applyTo(*tag, edits, own);
     const std::optional<ByteVector> bytes = tag->render(unsigned(place.size));
     if (!bytes)
         return tooLarge;
@@ -80,10 +81,7 @@ std::string writeApe(TagLib::File& file, const Edits& edits, bool own)
     std::optional<audiocore::ApeBytes> tag = audiocore::ApeBytes::parse(bytesAt(file, place));
     if (!tag)
         return cannotBeKept;
-    if (own)
-        applyOwn(*tag, edits);
-    else if (!tag->isEmpty())
-        tag->apply(edits.further);
+    applyTo(*tag, edits, own);
     putAt(file, place, tag->render());
     return std::string();
 }
@@ -146,7 +144,7 @@ std::string writeFlac(TagLib::File& file, long begin, const Edits& edits)
     std::optional<audiocore::CommentBytes> comment = audiocore::CommentBytes::parse(blocks->comment());
     if (!comment)
         return cannotBeKept;
-    applyOwn(*comment, edits);
+    applyTo(*comment, edits, true);
     if (edits.own.picture)
         comment->apply({{}, ByteVector()}); // such a file has blocks of its own for pictures
     blocks->setComment(comment->render());
@@ -177,7 +175,7 @@ std::string writeWav(audiocore::WavFile& file, const Edits& edits)
     std::optional<audiocore::Id3v2Bytes> tag = audiocore::Id3v2Bytes::parse(audiocore::id3v2Bytes(file));
     if (!tag)
         return cannotBeKept;
-    applyOwn(*tag, edits);
+    applyTo(*tag, edits, true);
     const std::optional<ByteVector> bytes = tag->render(0);
     if (!bytes)
         return tooLarge;
