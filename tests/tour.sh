@@ -55,9 +55,11 @@ stop_program() {
 
 # Waits until a second window of the program is there, or gone.
 wait_dialog() {
-    local wanted=$1 count
+    local wanted=$1 windows count
     for _ in $(seq 600); do
-        count=$(xdotool search --onlyvisible --pid "$program" 2>/dev/null | sort -u | wc -l)
+        # Fails when a window goes while it is looked at.
+        windows=$(xdotool search --onlyvisible --pid "$program" 2>/dev/null) || { sleep 0.1; continue; }
+        count=$(sort -u <<<"$windows" | wc -l)
         if [ "$wanted" = shown ] && [ "$count" -gt 1 ]; then sleep 0.4; return; fi
         if [ "$wanted" = gone ] && [ "$count" -le 1 ]; then sleep 0.4; return; fi
         sleep 0.1
