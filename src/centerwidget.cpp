@@ -5,11 +5,9 @@
 #include "common/screenplace.h"
 #include "deletealldupmusicthread.h"
 #include "deletingmusicwaitingdlg.h"
-#include "keptfiles.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "songcells.h"
-#include "songfields.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
 
