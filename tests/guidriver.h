@@ -11,8 +11,6 @@
 /// Answers the modal dialogs that the program opens, in their order, and remembers what they said.
 class DialogDriver : public QObject
 {
-    Q_OBJECT
-
 public:
     using Answer = std::function<void(QWidget*)>;
 
