@@ -8,10 +8,12 @@
 #include <utility>
 
 using audiocore::CheckedStream;
+using audiocore::StreamOffset;
+using audiocore::StreamSize;
 using TagLib::ByteVector;
 
 namespace {
-constexpr long blockSize = 256 * 1024;
+constexpr StreamOffset blockSize = 256 * 1024;
 constexpr unsigned int bufferSize = 4 * 1024;
 // Far more than reading any whole file takes, and a second at the most.
 constexpr std::int64_t stepsToRead = 300000;
@@ -32,7 +34,7 @@ CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mo
         m_openError = "not a regular file";
         std::fclose(std::exchange(m_file, nullptr));
     }
-    m_length = m_file ? long(state.size) : 0;
+    m_length = m_file ? StreamOffset(state.size) : 0;
     const bool writing = mode == Mode::ReadWrite;
     m_stepsLeft = stepsToRead + (writing ? m_length / bytesAStepWriting : 0);
     m_bytesLeft = bytesToRead + (writing ? m_length * timesThroughWriting : 0);
@@ -59,7 +61,7 @@ TagLib::FileName CheckedStream::name() const
 #endif
 }
 
-bool CheckedStream::mayRead(unsigned long bytes)
+bool CheckedStream::mayRead(StreamSize bytes)
 {
     if (--m_stepsLeft < -dryStepsBorne)
         throw EndlessReading();
@@ -67,27 +69,27 @@ bool CheckedStream::mayRead(unsigned long bytes)
     return !ranDry();
 }
 
-ByteVector CheckedStream::readBlock(unsigned long length)
+ByteVector CheckedStream::readBlock(StreamSize length)
 {
-    const long left = std::max(0L, m_length - m_position);
-    const auto count =
-        static_cast<unsigned int>(std::min<unsigned long>(length, static_cast<unsigned long>(left)));
+    const StreamOffset left = std::max(StreamOffset(0), m_length - m_position);
+    const auto count = static_cast<unsigned int>(std::min<StreamSize>(length, static_cast<StreamSize>(left)));
     if (!mayRead(count) || !m_file || count == 0)
         return ByteVector();
     ByteVector block;
     if (count < bufferSize) {
-        if (m_position < m_bufferStart || m_position + long(count) > m_bufferStart + long(m_buffer.size()))
+        if (m_position < m_bufferStart ||
+            m_position + StreamOffset(count) > m_bufferStart + StreamOffset(m_buffer.size()))
             fillBuffer(m_position);
         block = m_buffer.mid(static_cast<unsigned int>(m_position - m_bufferStart), count);
     } else {
         block.resize(count);
         block.resize(static_cast<unsigned int>(platform::readAt(m_file, m_position, block.data(), count)));
     }
-    m_position += long(block.size());
+    m_position += StreamOffset(block.size());
     return block;
 }
 
-void CheckedStream::fillBuffer(long position)
+void CheckedStream::fillBuffer(StreamOffset position)
 {
     m_buffer.resize(bufferSize);
     m_buffer.resize(
@@ -102,41 +104,41 @@ void CheckedStream::writeBlock(const ByteVector& data)
     if (platform::writeAt(m_file, m_position, data.data(), data.size()) != data.size())
         m_failed = true;
     m_buffer.clear();
-    m_position += long(data.size());
+    m_position += StreamOffset(data.size());
     m_length = std::max(m_length, m_position);
 }
 
-void CheckedStream::writeAt(long position, const ByteVector& data)
+void CheckedStream::writeAt(StreamOffset position, const ByteVector& data)
 {
     seek(position);
     writeBlock(data);
 }
 
 /// Moves everything from `from` on to start at `to`, without overwriting what is still to be moved.
-void CheckedStream::moveTail(long from, long to)
+void CheckedStream::moveTail(StreamOffset from, StreamOffset to)
 {
-    const long tail = m_length - from;
+    const StreamOffset tail = m_length - from;
     if (to < from) {
-        for (long done = 0; done < tail && !m_failed; done += blockSize) {
+        for (StreamOffset done = 0; done < tail && !m_failed; done += blockSize) {
             seek(from + done);
-            writeAt(to + done, readBlock(static_cast<unsigned long>(std::min(blockSize, tail - done))));
+            writeAt(to + done, readBlock(static_cast<StreamSize>(std::min(blockSize, tail - done))));
         }
         return;
     }
-    for (long left = tail; left > 0 && !m_failed;) {
-        const long size = std::min(blockSize, left);
+    for (StreamOffset left = tail; left > 0 && !m_failed;) {
+        const StreamOffset size = std::min(blockSize, left);
         left -= size;
         seek(from + left);
-        writeAt(to + left, readBlock(static_cast<unsigned long>(size)));
+        writeAt(to + left, readBlock(static_cast<StreamSize>(size)));
     }
 }
 
-void CheckedStream::insert(const ByteVector& data, unsigned long start, unsigned long replace)
+void CheckedStream::insert(const ByteVector& data, StreamStart start, StreamSize replace)
 {
-    const long begin = std::min(long(start), m_length);
-    const long replacedEnd = std::min(begin + long(replace), m_length);
-    const long newEnd = begin + long(data.size());
-    const long newLength = m_length - replacedEnd + newEnd;
+    const StreamOffset begin = std::min(StreamOffset(start), m_length);
+    const StreamOffset replacedEnd = std::min(begin + StreamOffset(replace), m_length);
+    const StreamOffset newEnd = begin + StreamOffset(data.size());
+    const StreamOffset newLength = m_length - replacedEnd + newEnd;
     if (newEnd != replacedEnd)
         moveTail(replacedEnd, newEnd);
     writeAt(begin, data);
@@ -145,19 +147,19 @@ void CheckedStream::insert(const ByteVector& data, unsigned long start, unsigned
     seek(newEnd);
 }
 
-void CheckedStream::removeBlock(unsigned long start, unsigned long length)
+void CheckedStream::removeBlock(StreamStart start, StreamSize length)
 {
     insert(ByteVector(), start, length);
 }
 
-void CheckedStream::seek(long offset, Position position)
+void CheckedStream::seek(StreamOffset offset, Position position)
 {
     mayRead(0);
-    const long base = position == Beginning ? 0 : position == Current ? m_position : m_length;
-    m_position = std::max(0L, base + offset);
+    const StreamOffset base = position == Beginning ? 0 : position == Current ? m_position : m_length;
+    m_position = std::max(StreamOffset(0), base + offset);
 }
 
-void CheckedStream::truncate(long length)
+void CheckedStream::truncate(StreamOffset length)
 {
     if (!m_file || m_mode == Mode::Read)
         return;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "taglibtypes.h"
+
 #include <taglib/tiostream.h>
 
 #include <cstdint>
@@ -36,29 +38,29 @@ public:
     bool flushToDevice();
 
     TagLib::FileName name() const override;
-    TagLib::ByteVector readBlock(unsigned long length) override;
+    TagLib::ByteVector readBlock(StreamSize length) override;
     void writeBlock(const TagLib::ByteVector& data) override;
-    void insert(const TagLib::ByteVector& data, unsigned long start, unsigned long replace) override;
-    void removeBlock(unsigned long start, unsigned long length) override;
+    void insert(const TagLib::ByteVector& data, StreamStart start, StreamSize replace) override;
+    void removeBlock(StreamStart start, StreamSize length) override;
     bool readOnly() const override { return m_mode == Mode::Read; }
     bool isOpen() const override { return m_file != nullptr; }
-    void seek(long offset, Position position = Beginning) override;
-    long tell() const override { return m_position; }
-    long length() override { return m_length; }
-    void truncate(long length) override;
+    void seek(StreamOffset offset, Position position = Beginning) override;
+    StreamOffset tell() const override { return m_position; }
+    StreamOffset length() override { return m_length; }
+    void truncate(StreamOffset length) override;
 
 private:
-    bool mayRead(unsigned long bytes);
-    void fillBuffer(long position);
-    void writeAt(long position, const TagLib::ByteVector& data);
-    void moveTail(long from, long to);
+    bool mayRead(StreamSize bytes);
+    void fillBuffer(StreamOffset position);
+    void writeAt(StreamOffset position, const TagLib::ByteVector& data);
+    void moveTail(StreamOffset from, StreamOffset to);
 
     std::FILE* m_file = nullptr;
     Mode m_mode;
-    long m_length = 0;
-    long m_position = 0;
+    StreamOffset m_length = 0;
+    StreamOffset m_position = 0;
     TagLib::ByteVector m_buffer; ///< of the file from m_bufferStart on; tags are read in tiny pieces
-    long m_bufferStart = 0;
+    StreamOffset m_bufferStart = 0;
     std::int64_t m_stepsLeft = 0;
     std::int64_t m_bytesLeft = 0;
     bool m_failed = false;

@@ -88,7 +88,7 @@ bool hasTag(IOStream& stream, long audioBegin)
     if (audioBegin > 0)
         return true;
     const ByteVector end = [&stream] {
-        stream.seek(std::max(0L, stream.length() - id3v1Size - apeFooterSize));
+        stream.seek(std::max(0L, long(stream.length()) - id3v1Size - apeFooterSize));
         return stream.readBlock(id3v1Size + apeFooterSize);
     }();
     const auto at = [&end](long fromEnd, const char* magic) {

@@ -1,19 +1,20 @@
 #include "mp4writing.h"
 
 #include "audiocore/tagitem.h"
+#include "mp4atoms.h"
 #include "pictures.h"
 #include "tagtext.h"
 
-#include <taglib/mp4atom.h>
 #include <taglib/mp4tag.h>
 #include <taglib/tfile.h>
 
 #include <algorithm>
 
+using audiocore::Mp4Atom;
+using audiocore::Mp4Atoms;
 using audiocore::TagEdits;
 using TagLib::ByteVector;
 using TagLib::String;
-using TagLib::MP4::Atom;
 using TagLib::MP4::Item;
 
 namespace {
@@ -27,15 +28,11 @@ constexpr unsigned int atomHead = 8;
 const char* const placeholderName = "----:m:n";
 constexpr unsigned int placeholderHead = 50;
 
-const Atom* findList(TagLib::MP4::Atoms& atoms)
+/// The atoms of the list of items.
+std::vector<const Mp4Atom*> itemsOf(const Mp4Atoms& atoms)
 {
-    return atoms.find("moov", "udta", "meta", "ilst");
-}
-
-ByteVector bytesOf(TagLib::File& file, const Atom& atom)
-{
-    file.seek(atom.offset);
-    return file.readBlock(static_cast<unsigned long>(atom.length));
+    const Mp4Atom* list = atoms.find({"moov", "udta", "meta", "ilst"});
+    return list ? atoms.childrenOf(*list) : std::vector<const Mp4Atom*>();
 }
 
 bool isEdited(const String& name, const TagEdits& edits)
@@ -50,12 +47,11 @@ bool isEdited(const String& name, const TagEdits& edits)
 /// The atoms that the edits leave alone, as they stand in the file.
 ByteVector keptAtoms(TagLib::File& file, const TagEdits& edits)
 {
-    TagLib::MP4::Atoms atoms(&file);
+    const Mp4Atoms atoms(file, Mp4Atoms::Fragments::PassOver);
     ByteVector kept;
-    if (const Atom* list = findList(atoms))
-        for (const Atom* atom : list->children)
-            if (!isEdited(String(atom->name, String::Latin1), edits))
-                kept.append(bytesOf(file, *atom));
+    for (const Mp4Atom* atom : itemsOf(atoms))
+        if (!isEdited(String(atom->name, String::Latin1), edits))
+            kept.append(bytesOf(file, *atom));
     if (kept.isEmpty() || kept.size() >= placeholderHead)
         return kept;
     // So few bytes are filled up to the size of a placeholder.
@@ -89,14 +85,11 @@ void setText(TagLib::MP4::Tag& tag, int type, const std::string& value)
 /// Puts the bytes over the placeholder, which is as long as they are.
 bool replacePlaceholder(TagLib::File& file, const ByteVector& bytes)
 {
-    TagLib::MP4::Atoms atoms(&file);
-    const Atom* list = findList(atoms);
-    if (!list)
-        return false;
-    for (const Atom* atom : list->children) {
-        if (atom->name != "----" || atom->length != long(bytes.size()))
+    const Mp4Atoms atoms(file, Mp4Atoms::Fragments::PassOver);
+    for (const Mp4Atom* atom : itemsOf(atoms)) {
+        if (atom->name != "----" || atom->size != std::int64_t(bytes.size()))
             continue;
-        file.seek(atom->offset);
+        file.seek(atom->begin);
         file.writeBlock(bytes);
         return true;
     }
@@ -108,11 +101,10 @@ std::string audiocore::mp4Text(TagLib::File& file, int type)
 {
     constexpr unsigned int dataHead = atomHead + 16;
     constexpr unsigned char utf16 = 2;
-    TagLib::MP4::Atoms atoms(&file);
-    const Atom* list = findList(atoms);
-    if (!list || type == TAG_TRACK)
+    if (type == TAG_TRACK)
         return std::string();
-    for (const Atom* atom : list->children) {
+    const Mp4Atoms atoms(file, Mp4Atoms::Fragments::PassOver);
+    for (const Mp4Atom* atom : itemsOf(atoms)) {
         if (atom->name != names[type].front())
             continue;
         const ByteVector bytes = bytesOf(file, *atom);
