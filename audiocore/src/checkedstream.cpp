@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 using audiocore::CheckedStream;
@@ -15,13 +16,31 @@ using TagLib::ByteVector;
 namespace {
 constexpr StreamOffset blockSize = 256 * 1024;
 constexpr unsigned int bufferSize = 4 * 1024;
-// Far more than reading any whole file takes, and a second at the most.
-constexpr std::int64_t stepsToRead = 300000;
-constexpr std::int64_t bytesToRead = 256 << 20;
-constexpr std::int64_t dryStepsBorne = 5000000; // they cost next to nothing
-// Writing goes through whole files, some of them page by page.
-constexpr std::int64_t bytesAStepWriting = 128;
-constexpr std::int64_t timesThroughWriting = 8;
+constexpr StreamSize largestBlock = 96 * 1024 * 1024; // the largest picture, and 64 MB beyond
+constexpr std::int64_t dryStepsBorne = 5000000;       // they cost next to nothing
+
+struct Budget
+{
+    std::int64_t steps; ///< about a microsecond each
+    std::int64_t bytes; ///< a good gigabyte a second
+};
+
+/// Far more than reading any file of the size takes.
+Budget toRead(std::int64_t size)
+{
+    constexpr std::int64_t mostSteps = 300000;
+    constexpr std::int64_t mostBytes = 256 << 20;
+    return {std::min(mostSteps, 10000 + size / 64), std::min(mostBytes, (16 << 20) + size * 8)};
+}
+
+/// Writing goes through whole files, some of them by small pages, and may put a picture in.
+Budget toWrite(std::int64_t size)
+{
+    constexpr std::int64_t bytesAStep = 16;
+    constexpr std::int64_t timesThrough = 16;
+    constexpr std::int64_t newBytes = 256 << 20;
+    return {toRead(size).steps + size / bytesAStep, newBytes + size * timesThrough};
+}
 } // namespace
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
@@ -35,9 +54,9 @@ CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mo
         std::fclose(std::exchange(m_file, nullptr));
     }
     m_length = m_file ? StreamOffset(state.size) : 0;
-    const bool writing = mode == Mode::ReadWrite;
-    m_stepsLeft = stepsToRead + (writing ? m_length / bytesAStepWriting : 0);
-    m_bytesLeft = bytesToRead + (writing ? m_length * timesThroughWriting : 0);
+    const Budget budget = mode == Mode::ReadWrite ? toWrite(m_length) : toRead(m_length);
+    m_mostSteps = budget.steps;
+    m_mostBytes = budget.bytes;
 }
 
 CheckedStream::~CheckedStream()
@@ -61,20 +80,24 @@ TagLib::FileName CheckedStream::name() const
 #endif
 }
 
-bool CheckedStream::mayRead(StreamSize bytes)
+bool CheckedStream::mayGoOn(StreamSize bytes)
 {
-    if (--m_stepsLeft < -dryStepsBorne)
+    if (++m_steps > m_mostSteps + dryStepsBorne)
         throw EndlessReading();
-    m_bytesLeft -= std::int64_t(bytes);
+    // What is refused is not moved, but enough to tell that it was too much.
+    m_bytes = std::min(m_bytes + std::int64_t(bytes), m_mostBytes + 1);
     return !ranDry();
 }
 
 ByteVector CheckedStream::readBlock(StreamSize length)
 {
-    const StreamOffset left = std::max(StreamOffset(0), m_length - m_position);
-    const auto count = static_cast<unsigned int>(std::min<StreamSize>(length, static_cast<StreamSize>(left)));
-    if (!mayRead(count) || !m_file || count == 0)
+    const auto left = static_cast<StreamSize>(std::max(StreamOffset(0), m_length - m_position));
+    const StreamSize size = std::min(length, left);
+    if (size > largestBlock)
+        m_bytes = m_mostBytes + 1;
+    if (!mayGoOn(size) || !m_file || size == 0)
         return ByteVector();
+    const auto count = static_cast<unsigned int>(size);
     ByteVector block;
     if (count < bufferSize) {
         if (m_position < m_bufferStart ||
@@ -101,6 +124,8 @@ void CheckedStream::writeBlock(const ByteVector& data)
 {
     if (!m_file || m_mode == Mode::Read || data.isEmpty())
         return;
+    if (!mayGoOn(data.size()))
+        return;
     if (platform::writeAt(m_file, m_position, data.data(), data.size()) != data.size())
         m_failed = true;
     m_buffer.clear();
@@ -119,13 +144,13 @@ void CheckedStream::moveTail(StreamOffset from, StreamOffset to)
 {
     const StreamOffset tail = m_length - from;
     if (to < from) {
-        for (StreamOffset done = 0; done < tail && !m_failed; done += blockSize) {
+        for (StreamOffset done = 0; done < tail && !m_failed && !ranDry(); done += blockSize) {
             seek(from + done);
             writeAt(to + done, readBlock(static_cast<StreamSize>(std::min(blockSize, tail - done))));
         }
         return;
     }
-    for (StreamOffset left = tail; left > 0 && !m_failed;) {
+    for (StreamOffset left = tail; left > 0 && !m_failed && !ranDry();) {
         const StreamOffset size = std::min(blockSize, left);
         left -= size;
         seek(from + left);
@@ -135,8 +160,8 @@ void CheckedStream::moveTail(StreamOffset from, StreamOffset to)
 
 void CheckedStream::insert(const ByteVector& data, StreamStart start, StreamSize replace)
 {
-    const StreamOffset begin = std::min(StreamOffset(start), m_length);
-    const StreamOffset replacedEnd = std::min(begin + StreamOffset(replace), m_length);
+    const auto begin = StreamOffset(std::min(StreamSize(start), StreamSize(m_length)));
+    const auto replacedEnd = begin + StreamOffset(std::min(replace, StreamSize(m_length - begin)));
     const StreamOffset newEnd = begin + StreamOffset(data.size());
     const StreamOffset newLength = m_length - replacedEnd + newEnd;
     if (newEnd != replacedEnd)
@@ -154,9 +179,10 @@ void CheckedStream::removeBlock(StreamStart start, StreamSize length)
 
 void CheckedStream::seek(StreamOffset offset, Position position)
 {
-    mayRead(0);
+    mayGoOn(0);
     const StreamOffset base = position == Beginning ? 0 : position == Current ? m_position : m_length;
-    m_position = std::max(StreamOffset(0), base + offset);
+    const StreamOffset furthest = std::numeric_limits<StreamOffset>::max() / 2;
+    m_position = std::max(StreamOffset(0), base + std::clamp(offset, -furthest, furthest - base));
 }
 
 void CheckedStream::truncate(StreamOffset length)
