@@ -1,9 +1,9 @@
 # Flags that all of our own targets share.
 add_library(melodrift_flags INTERFACE)
 if(MSVC)
-  target_compile_options(melodrift_flags INTERFACE /W4 /WX /utf-8)
+  target_compile_options(melodrift_flags INTERFACE /W4 $<$<BOOL:${MELODRIFT_WERROR}>:/WX> /utf-8)
 else()
-  target_compile_options(melodrift_flags INTERFACE -Wall -Wextra -Wpedantic -Werror)
+  target_compile_options(melodrift_flags INTERFACE -Wall -Wextra -Wpedantic $<$<BOOL:${MELODRIFT_WERROR}>:-Werror>)
 endif()
 if(MELODRIFT_SANITIZE)
   target_compile_options(melodrift_flags INTERFACE -fsanitize=${MELODRIFT_SANITIZE} -fno-omit-frame-pointer

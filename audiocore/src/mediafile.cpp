@@ -1,5 +1,6 @@
 #include "mediafile.h"
 
+#include "mp4file.h"
 #include "mpegframes.h"
 #include "tagtext.h"
 #include "wavfile.h"
@@ -13,7 +14,6 @@
 #include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/infotag.h>
-#include <taglib/mp4file.h>
 #include <taglib/mpegfile.h>
 #include <taglib/oggflacfile.h>
 #include <taglib/opusfile.h>
@@ -88,7 +88,7 @@ bool hasTag(IOStream& stream, long audioBegin)
     if (audioBegin > 0)
         return true;
     const ByteVector end = [&stream] {
-        stream.seek(std::max(0L, stream.length() - id3v1Size - apeFooterSize));
+        stream.seek(std::max(0L, long(stream.length()) - id3v1Size - apeFooterSize));
         return stream.readBlock(id3v1Size + apeFooterSize);
     }();
     const auto at = [&end](long fromEnd, const char* magic) {
@@ -136,7 +136,7 @@ std::unique_ptr<TagLib::File> fileOf(AudioFormat format, IOStream& stream, const
     case AUDIO_FORMAT_WMA:
         return std::make_unique<TagLib::ASF::File>(&stream, true);
     case AUDIO_FORMAT_M4A:
-        return std::make_unique<TagLib::MP4::File>(&stream, true);
+        return std::make_unique<audiocore::Mp4File>(stream);
     case AUDIO_FORMAT_OGG:
         return oggFile(stream, head);
     case AUDIO_FORMAT_APE:
@@ -173,7 +173,8 @@ MediaFile audiocore::openMedia(IOStream& stream, Purpose purpose)
         return media;
     stream.seek(0);
     media.file = fileOf(media.format, stream, head);
-    if (!media.file || !media.file->isValid() || (!mpeg && !media.file->audioProperties()))
+    const bool measuredByUs = mpeg || media.format == AUDIO_FORMAT_M4A;
+    if (!media.file || !media.file->isValid() || (!measuredByUs && !media.file->audioProperties()))
         return MediaFile();
     return media;
 }
@@ -196,7 +197,7 @@ std::vector<TagLib::Tag*> audiocore::tagsOf(const MediaFile& media)
         addIf(tags, ape->hasAPETag(), ape->APETag());
         addIf(tags, ape->hasID3v1Tag(), ape->ID3v1Tag());
     } else if (media.file) {
-        tags.push_back(media.file->tag());
+        addIf(tags, true, media.file->tag());
     }
     return tags;
 }

@@ -2,6 +2,7 @@
 
 #include "checkedstream.h"
 #include "log.h"
+#include "mp4file.h"
 #include "platform.h"
 #include "tagfields.h"
 #include "text.h"
@@ -45,6 +46,8 @@ MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& str
         return audiocore::measureMp3(stream, media.audioBegin);
     if (media.format == AUDIO_FORMAT_AAC)
         return audiocore::measureAdts(stream, media.audioBegin);
+    if (const auto* mp4 = dynamic_cast<const audiocore::Mp4File*>(media.file.get()))
+        return mp4->sound();
     MpegStream result;
     if (const TagLib::AudioProperties* properties = media.file->audioProperties()) {
         result.milliseconds = properties->lengthInMilliseconds();

@@ -5,6 +5,7 @@
 #include "commentbytes.h"
 #include "id3v2bytes.h"
 #include "infobytes.h"
+#include "mp4file.h"
 #include "mp4writing.h"
 #include "pictures.h"
 #include "tagplaces.h"
@@ -16,7 +17,6 @@
 #include <taglib/asftag.h>
 #include <taglib/flacfile.h>
 #include <taglib/id3v1genres.h>
-#include <taglib/mp4file.h>
 #include <taglib/mpegfile.h>
 #include <taglib/oggfile.h>
 
@@ -257,8 +257,8 @@ std::string audiocore::writeTags(const MediaFile& media, const TagEdits& edits)
         return writeOgg(*ogg, all);
     if (auto* wav = dynamic_cast<WavFile*>(&file))
         return writeWav(*wav, all);
-    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(&file))
-        return writeMp4(file, *mp4->tag(), edits) ? std::string() : refused;
+    if (auto* mp4 = dynamic_cast<Mp4File*>(&file))
+        return writeMp4(*mp4, edits) ? std::string() : cannotBeKept;
     if (auto* asf = dynamic_cast<TagLib::ASF::File*>(&file))
         return writeAsf(*asf, edits) ? std::string() : refused;
     return refused;
