@@ -24,29 +24,42 @@ constexpr std::int64_t timesThroughWriting = 8;
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
 {
-    platform::FileState state;
     m_file = platform::openFile(utf8Path, mode == Mode::ReadWrite);
-    if (!m_file) {
+    if (!m_file)
         m_openError = std::strerror(errno);
-    } else if (!platform::stateOf(m_file, state) || !state.regular) {
+    takeFile();
+}
+
+CheckedStream::CheckedStream(std::FILE* file, const std::string& utf8Path, Mode mode)
+    : m_file(file), m_owned(false), m_mode(mode), m_path(utf8Path)
+{
+    takeFile();
+}
+
+void CheckedStream::takeFile()
+{
+    platform::FileState state;
+    if (m_file && (!platform::stateOf(m_file, state) || !state.regular)) {
         m_openError = "not a regular file";
-        std::fclose(std::exchange(m_file, nullptr));
+        std::FILE* const file = std::exchange(m_file, nullptr);
+        if (m_owned)
+            std::fclose(file);
     }
     m_length = m_file ? long(state.size) : 0;
-    const bool writing = mode == Mode::ReadWrite;
+    const bool writing = m_mode == Mode::ReadWrite;
     m_stepsLeft = stepsToRead + (writing ? m_length / bytesAStepWriting : 0);
     m_bytesLeft = bytesToRead + (writing ? m_length * timesThroughWriting : 0);
 }
 
 CheckedStream::~CheckedStream()
 {
-    if (m_file)
+    if (m_file && m_owned)
         std::fclose(m_file);
 }
 
 bool CheckedStream::flushToDevice()
 {
-    return m_file && !m_failed && !ranDry() && platform::syncToDevice(m_file);
+    return m_file && !m_failed && !m_readFailed && !ranDry() && platform::syncToDevice(m_file);
 }
 
 TagLib::FileName CheckedStream::name() const
@@ -83,6 +96,7 @@ ByteVector CheckedStream::readBlock(unsigned long length)
         block.resize(count);
         block.resize(static_cast<unsigned int>(platform::readAt(m_file, m_position, block.data(), count)));
     }
+    m_readFailed = m_readFailed || block.size() < count;
     m_position += long(block.size());
     return block;
 }
@@ -117,18 +131,27 @@ void CheckedStream::moveTail(long from, long to)
 {
     const long tail = m_length - from;
     if (to < from) {
-        for (long done = 0; done < tail && !m_failed; done += blockSize) {
-            seek(from + done);
-            writeAt(to + done, readBlock(static_cast<unsigned long>(std::min(blockSize, tail - done))));
-        }
+        for (long done = 0; done < tail && !m_failed; done += blockSize)
+            moveBlock(from + done, to + done, std::min(blockSize, tail - done));
         return;
     }
     for (long left = tail; left > 0 && !m_failed;) {
         const long size = std::min(blockSize, left);
         left -= size;
-        seek(from + left);
-        writeAt(to + left, readBlock(static_cast<unsigned long>(size)));
+        moveBlock(from + left, to + left, size);
     }
+}
+
+/// What takes no room takes none afterwards, where the system can do it.
+void CheckedStream::moveBlock(long from, long to, long size)
+{
+    if (platform::isHole(m_file, from, size) && platform::makeHole(m_file, to, size)) {
+        m_buffer.clear();
+        m_length = std::max(m_length, to + size);
+        return;
+    }
+    seek(from);
+    writeAt(to, readBlock(static_cast<unsigned long>(size)));
 }
 
 void CheckedStream::insert(const ByteVector& data, unsigned long start, unsigned long replace)

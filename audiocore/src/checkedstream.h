@@ -26,13 +26,17 @@ public:
 
     /// Opens a regular file, following links; anything else is not opened and never blocks.
     CheckedStream(const std::string& utf8Path, Mode mode);
+    /// Works on an open file, which stays the caller's; the path is for messages alone.
+    CheckedStream(std::FILE* file, const std::string& utf8Path, Mode mode);
     ~CheckedStream() override;
 
     /// Why the file is not open; empty when it is.
     const std::string& openError() const { return m_openError; }
     /// Whether the stream ran dry; what was read of it then means nothing.
     bool ranDry() const { return m_stepsLeft < 0 || m_bytesLeft < 0; }
-    /// Hands everything to the system and the device; false when any write since opening failed.
+    /// Whether bytes that the file has could not be read; what was read then means nothing, either.
+    bool readFailed() const { return m_readFailed; }
+    /// Hands everything to the system and the device; false when any read or write since opening failed.
     bool flushToDevice();
 
     TagLib::FileName name() const override;
@@ -52,8 +56,12 @@ private:
     void fillBuffer(long position);
     void writeAt(long position, const TagLib::ByteVector& data);
     void moveTail(long from, long to);
+    void moveBlock(long from, long to, long size);
+
+    void takeFile();
 
     std::FILE* m_file = nullptr;
+    bool m_owned = true;
     Mode m_mode;
     long m_length = 0;
     long m_position = 0;
@@ -61,7 +69,8 @@ private:
     long m_bufferStart = 0;
     std::int64_t m_stepsLeft = 0;
     std::int64_t m_bytesLeft = 0;
-    bool m_failed = false;
+    bool m_failed = false; ///< to write
+    bool m_readFailed = false;
     std::string m_path;
     std::string m_openError;
 };
