@@ -10,8 +10,8 @@
 using audiocore::SaveLock;
 
 namespace {
-constexpr int tries = 50;
-constexpr std::chrono::milliseconds pause(20);
+constexpr int tries = 200;
+constexpr std::chrono::milliseconds pause(5);
 
 /// A few for all files: it does no harm when two of them wait for each other.
 std::mutex& mutexOf(const std::string& target)
