@@ -45,29 +45,42 @@ Budget toWrite(std::int64_t size)
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
 {
-    platform::FileState state;
     m_file = platform::openFile(utf8Path, mode == Mode::ReadWrite);
-    if (!m_file) {
+    if (!m_file)
         m_openError = std::strerror(errno);
-    } else if (!platform::stateOf(m_file, state) || !state.regular) {
+    takeFile();
+}
+
+CheckedStream::CheckedStream(std::FILE* file, const std::string& utf8Path, Mode mode)
+    : m_file(file), m_owned(false), m_mode(mode), m_path(utf8Path)
+{
+    takeFile();
+}
+
+void CheckedStream::takeFile()
+{
+    platform::FileState state;
+    if (m_file && (!platform::stateOf(m_file, state) || !state.regular)) {
         m_openError = "not a regular file";
-        std::fclose(std::exchange(m_file, nullptr));
+        std::FILE* const file = std::exchange(m_file, nullptr);
+        if (m_owned)
+            std::fclose(file);
     }
     m_length = m_file ? StreamOffset(state.size) : 0;
-    const Budget budget = mode == Mode::ReadWrite ? toWrite(m_length) : toRead(m_length);
+    const Budget budget = m_mode == Mode::ReadWrite ? toWrite(m_length) : toRead(m_length);
     m_mostSteps = budget.steps;
     m_mostBytes = budget.bytes;
 }
 
 CheckedStream::~CheckedStream()
 {
-    if (m_file)
+    if (m_file && m_owned)
         std::fclose(m_file);
 }
 
 bool CheckedStream::flushToDevice()
 {
-    return m_file && !m_failed && !ranDry() && platform::syncToDevice(m_file);
+    return m_file && !m_failed && !m_readFailed && !ranDry() && platform::syncToDevice(m_file);
 }
 
 TagLib::FileName CheckedStream::name() const
@@ -108,6 +121,7 @@ ByteVector CheckedStream::readBlock(StreamSize length)
         block.resize(count);
         block.resize(static_cast<unsigned int>(platform::readAt(m_file, m_position, block.data(), count)));
     }
+    m_readFailed = m_readFailed || block.size() < count;
     m_position += StreamOffset(block.size());
     return block;
 }
@@ -144,18 +158,27 @@ void CheckedStream::moveTail(StreamOffset from, StreamOffset to)
 {
     const StreamOffset tail = m_length - from;
     if (to < from) {
-        for (StreamOffset done = 0; done < tail && !m_failed && !ranDry(); done += blockSize) {
-            seek(from + done);
-            writeAt(to + done, readBlock(static_cast<StreamSize>(std::min(blockSize, tail - done))));
-        }
+        for (StreamOffset done = 0; done < tail && !m_failed && !ranDry(); done += blockSize)
+            moveBlock(from + done, to + done, std::min(blockSize, tail - done));
         return;
     }
     for (StreamOffset left = tail; left > 0 && !m_failed && !ranDry();) {
         const StreamOffset size = std::min(blockSize, left);
         left -= size;
-        seek(from + left);
-        writeAt(to + left, readBlock(static_cast<StreamSize>(size)));
+        moveBlock(from + left, to + left, size);
     }
+}
+
+/// What takes no room takes none afterwards, where the system can do it.
+void CheckedStream::moveBlock(StreamOffset from, StreamOffset to, StreamOffset size)
+{
+    if (platform::isHole(m_file, from, size) && platform::makeHole(m_file, to, size)) {
+        m_buffer.clear();
+        m_length = std::max(m_length, to + size);
+        return;
+    }
+    seek(from);
+    writeAt(to, readBlock(static_cast<StreamSize>(size)));
 }
 
 void CheckedStream::insert(const ByteVector& data, StreamStart start, StreamSize replace)

@@ -30,6 +30,8 @@ public:
 
     /// Opens a regular file, following links; anything else is not opened and never blocks.
     CheckedStream(const std::string& utf8Path, Mode mode);
+    /// Works on an open file, which stays the caller's; the path is for messages alone.
+    CheckedStream(std::FILE* file, const std::string& utf8Path, Mode mode);
     ~CheckedStream() override;
 
     /// Why the file is not open; empty when it is.
@@ -39,7 +41,9 @@ public:
     /// The reads, writes and seeks so far, and the bytes they moved.
     std::int64_t steps() const { return m_steps; }
     std::int64_t bytes() const { return m_bytes; }
-    /// Hands everything to the system and the device; false when any write since opening failed.
+    /// Whether bytes that the file has could not be read; what was read then means nothing, either.
+    bool readFailed() const { return m_readFailed; }
+    /// Hands everything to the system and the device; false when any read or write since opening failed.
     bool flushToDevice();
 
     TagLib::FileName name() const override;
@@ -55,12 +59,15 @@ public:
     void truncate(StreamOffset length) override;
 
 private:
+    void takeFile();
     bool mayGoOn(StreamSize bytes);
     void fillBuffer(StreamOffset position);
     void writeAt(StreamOffset position, const TagLib::ByteVector& data);
     void moveTail(StreamOffset from, StreamOffset to);
+    void moveBlock(StreamOffset from, StreamOffset to, StreamOffset size);
 
     std::FILE* m_file = nullptr;
+    bool m_owned = true;
     Mode m_mode;
     StreamOffset m_length = 0;
     StreamOffset m_position = 0;
@@ -70,7 +77,8 @@ private:
     std::int64_t m_mostSteps = 0;
     std::int64_t m_bytes = 0;
     std::int64_t m_mostBytes = 0;
-    bool m_failed = false;
+    bool m_failed = false; ///< to write
+    bool m_readFailed = false;
     std::string m_path;
     std::string m_openError;
 };

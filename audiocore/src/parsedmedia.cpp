@@ -87,10 +87,9 @@ bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
     return true;
 }
 
-std::shared_ptr<const ParsedMedia> parse(const std::string& path)
+std::shared_ptr<const ParsedMedia> parse(audiocore::CheckedStream& stream, const std::string& path)
 {
     auto parsed = std::make_shared<ParsedMedia>();
-    audiocore::CheckedStream stream(path, audiocore::CheckedStream::Mode::Read);
     if (!stream.isOpen()) {
         audiocore::logLine(path, "cannot be read: " + stream.openError());
         return parsed;
@@ -99,9 +98,10 @@ std::shared_ptr<const ParsedMedia> parse(const std::string& path)
         const bool music = readInto(*parsed, stream);
         if (stream.ranDry())
             throw audiocore::EndlessReading();
-        if (music)
+        if (music && !stream.readFailed())
             return parsed;
-        audiocore::logLine(path, "holds no music that can be read");
+        audiocore::logLine(path, stream.readFailed() ? "cannot be read to its end"
+                                                     : "holds no music that can be read");
     } catch (const audiocore::EndlessReading& reason) {
         audiocore::logLine(path, reason.what());
     }
@@ -120,10 +120,17 @@ std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& pat
         if (last.media && last.path == path && last.state == state)
             return last.media;
     }
-    std::shared_ptr<const ParsedMedia> media = parse(path);
+    CheckedStream stream(path, CheckedStream::Mode::Read);
+    std::shared_ptr<const ParsedMedia> media = parse(stream, path);
     const std::lock_guard<std::mutex> lock(last.mutex);
     last.path = path;
     last.state = state;
     last.media = media;
     return media;
+}
+
+std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(std::FILE* file, const std::string& path)
+{
+    CheckedStream stream(file, path, CheckedStream::Mode::Read);
+    return parse(stream, path);
 }

@@ -3,7 +3,7 @@
 #include "hash.h"
 #include "librarywalk.h"
 #include "log.h"
-#include "platform.h"
+#include "newfile.h"
 
 #include <cerrno>
 #include <cinttypes>
@@ -13,6 +13,7 @@
 using itunes::Journal;
 using itunes::TrackChanges;
 namespace platform = audiocore::platform;
+using platform::NewFile;
 
 namespace {
 constexpr std::int64_t roomStep = 64 * 1024;
@@ -237,12 +238,9 @@ bool Journal::keepDamaged(std::size_t lines, std::string& error) const
 {
     const std::string kept = m_path + "-damaged";
     platform::removeLeftovers(m_path);
-    std::FILE* lockFile = nullptr;
-    const std::string copy = platform::copyBeside(m_path, lockFile, error);
-    const File lock(lockFile);
-    if (copy.empty() || !platform::replaceFile(copy, kept, error)) {
+    const auto copy = NewFile::beside(m_path, NewFile::Content::Copied, error);
+    if (!copy || copy->takeName(kept, error) != NewFile::Taking::Done) {
         error = "the damaged journal cannot be kept: " + error;
-        platform::removeFile(copy);
         return false;
     }
     audiocore::logLine(m_library, "the journal has damaged lines (" + std::to_string(lines) +

@@ -5,6 +5,7 @@
 
 using itunes::LibraryBackup;
 namespace platform = audiocore::platform;
+using platform::NewFile;
 
 LibraryBackup::LibraryBackup(const std::string& libraryPath)
     : m_library(libraryPath), m_path(libraryPath + ".melodrift-backup")
@@ -20,31 +21,24 @@ LibraryBackup::Result LibraryBackup::keep(std::string& error)
         error = m_brokenReason; // thousands of changes may ask
         return Result::Broken;
     }
-    std::FILE* lockFile = nullptr;
-    const std::string copy = platform::copyBeside(m_library, lockFile, error);
-    const File lock(lockFile);
-    if (copy.empty())
+    const auto copy = NewFile::beside(m_library, NewFile::Content::Copied, error);
+    if (!copy)
         return Result::Failed;
-    if (!isWhole(copy, error)) {
-        platform::removeFile(copy);
+    if (!isWhole(*copy, error)) {
         m_broken = before;
         m_brokenReason = error;
         return Result::Broken;
     }
-    m_isKept = platform::replaceFile(copy, m_path, error);
-    if (!m_isKept)
-        platform::removeFile(copy);
+    m_isKept = copy->takeName(m_path, error) == NewFile::Taking::Done;
     return m_isKept ? Result::Kept : Result::Failed;
 }
 
-bool LibraryBackup::isWhole(const std::string& copy, std::string& error) const
+bool LibraryBackup::isWhole(const NewFile& copy, std::string& error) const
 {
-    platform::FileState now;
-    if (platform::stateOf(m_library, now) && now == m_whole)
+    if (copy.original() == m_whole)
         return true;
-    const File file = openLibrary(copy, error);
     LibraryVisitor nobody;
-    return file && walkFile(file.get(), nobody, error);
+    return walkFile(copy.file(), nobody, error);
 }
 
 bool LibraryBackup::flush(std::string& error)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform.h"
+#include "newfile.h"
 
 #include <string>
 
@@ -27,7 +27,7 @@ public:
     bool flush(std::string& error);
 
 private:
-    bool isWhole(const std::string& copy, std::string& error) const;
+    bool isWhole(const audiocore::platform::NewFile& copy, std::string& error) const;
 
     const std::string m_library;
     const std::string m_path;

@@ -3,7 +3,7 @@
 #include "libraryreading.h"
 #include "librarywrite.h"
 #include "log.h"
-#include "platform.h"
+#include "newfile.h"
 
 using itunes::LibraryFile;
 namespace platform = audiocore::platform;

@@ -2,13 +2,14 @@
 
 #include "libraryreading.h"
 #include "librarysplices.h"
-#include "platform.h"
+#include "newfile.h"
 
 #include <algorithm>
 
 using itunes::ByteSource;
 using itunes::Splice;
 namespace platform = audiocore::platform;
+using platform::NewFile;
 
 namespace {
 constexpr std::size_t blockSize = 1024 * 1024;
@@ -115,15 +116,14 @@ bool isSound(std::FILE* file, std::uint64_t tracks, std::string& error)
     return false;
 }
 
-bool writeBeside(std::FILE* library, const std::string& temporary, const std::vector<Splice>& splices,
-                 std::uint64_t tracksLeft, std::string& error)
+bool writeSpliced(std::FILE* library, std::FILE* file, const std::vector<Splice>& splices,
+                  std::uint64_t tracksLeft, std::string& error)
 {
-    const itunes::File file(platform::openFile(temporary, true));
-    if (!file || !copySpliced(library, file.get(), splices)) {
+    if (!copySpliced(library, file, splices)) {
         error = "the new file cannot be written, the disk may be full";
         return false;
     }
-    return isSound(file.get(), tracksLeft, error);
+    return isSound(file, tracksLeft, error);
 }
 
 Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, std::string& error)
@@ -139,24 +139,18 @@ Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, st
     if (splices.empty())
         return Outcome::Done;
 
-    std::FILE* lockFile = nullptr;
-    const std::string temporary = platform::newBeside(path, lockFile, error);
-    const itunes::File lock(lockFile);
-    if (temporary.empty())
+    const auto made = NewFile::beside(path, NewFile::Content::Empty, error);
+    if (!made)
         return Outcome::Failed;
-    Outcome outcome = Outcome::Failed;
-    const bool written = writeBeside(library.get(), temporary, splices, tracksLeft, error);
+    if (made->original() != before)
+        return Outcome::ChangedMeanwhile;
+    if (!writeSpliced(library.get(), made->file(), splices, tracksLeft, error))
+        return Outcome::Failed;
     library.reset(); // what is open cannot be replaced everywhere
-    if (written) {
-        platform::FileState now;
-        if (!platform::stateOf(path, now) || !(now == before))
-            outcome = Outcome::ChangedMeanwhile;
-        else if (platform::replaceFile(temporary, path, error))
-            outcome = Outcome::Done;
-    }
-    if (outcome != Outcome::Done)
-        platform::removeFile(temporary);
-    return outcome;
+    const NewFile::Taking taking = made->replaceOriginal(error);
+    return taking == NewFile::Taking::Done               ? Outcome::Done
+           : taking == NewFile::Taking::ChangedMeanwhile ? Outcome::ChangedMeanwhile
+                                                         : Outcome::Failed;
 }
 } // namespace
 
