@@ -527,12 +527,18 @@ void CenterWidget::paintEvent(QPaintEvent*)
     painter.fillRect(column.left(), column.top(), 1, column.height(), QColor(0xC9, 0xDD, 0xE9));
     if (ui->m_btnOpen->isHidden())
         return;
-    placeOpenButton();
+    placeOpenButton(); // where it stands already
     const QSize picture = m_dropPicture.size();
     const QPoint corner((width() - rightColumnWidth - picture.width()) / 2,
                         ui->m_btnOpen->y() - picture.height() - dropPictureGap);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(corner, m_dropPicture.image(painter));
+}
+
+void CenterWidget::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    placeOpenButton();
 }
 
 void CenterWidget::placeOpenButton()

@@ -100,6 +100,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     enum ViewKind { ViewAll = 0, ViewDuplicates = 1, ViewUndefined = 2 };

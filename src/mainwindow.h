@@ -69,6 +69,7 @@ private:
     void takeTracks(int count);
     void loadCovers();
     void placeHeader();
+    void showTips(const QString& text);
     QFont tipsFont() const;
     void showStatusPicture(const char* name);
     bool postponedByWork(QTimer* timer) const;

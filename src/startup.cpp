@@ -101,4 +101,6 @@ void Startup::afterApplication()
     SetAudioCoreLogSink([](const char* line) { qWarning("%s", line); });
     chooseFonts();
     chooseColours();
+    // The text cursor stands still: a blinking one has its window painted for as long as an editor is open.
+    QApplication::setCursorFlashTime(0);
 }

@@ -6,6 +6,6 @@ namespace Startup {
 /// Points the temporary directory at one that only this user can enter and fixes the layout's 72 dots per
 /// inch, unless the user set a font resolution of their own. Before the application object.
 void beforeApplication();
-/// Fonts, colours and the log. After the application object.
+/// Fonts, colours, the text cursor and the log. After the application object.
 void afterApplication();
 } // namespace Startup
