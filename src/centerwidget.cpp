@@ -10,6 +10,7 @@
 #include "songcells.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
+#include "workers.h"
 
 #include <QDragEnterEvent>
 #include <QFileDialog>
@@ -355,7 +356,10 @@ void CenterWidget::SlotDeleteAllDupMusic()
             SLOT(showProgress(int, int)));
     const SongLists lists = songLists();
     m_pDeleteThread->GetDupMusicBeDelete(lists.all, lists.groups, lists.undefined, lists.tags);
-    m_pDeleteThread->start();
+    if (!Workers::start(*m_pDeleteThread)) {
+        SlotAllMusicInfoAfterDeleting();
+        return;
+    }
     ScreenPlace::putOver(*m_pWaitingDlg, m_pWaitingDlg->card(), *window());
     m_pWaitingDlg->exec();
 }

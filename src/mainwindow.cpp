@@ -12,6 +12,7 @@
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "ui_mainwindow.h"
+#include "workers.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -228,7 +229,8 @@ void MainWindow::loadCovers()
     }
     m_pCoverThread->wait(); // the run before may still be returning
     m_pCoverThread->setList(&m_musicList);
-    m_pCoverThread->start();
+    if (!Workers::start(*m_pCoverThread)) // the scan goes on without its covers
+        QMetaObject::invokeMethod(this, "SlotScanFinish", Qt::QueuedConnection);
 }
 
 void MainWindow::SlotOnBtniTunesClean()

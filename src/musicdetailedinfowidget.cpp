@@ -7,6 +7,7 @@
 #include "songcover.h"
 #include "songfields.h"
 #include "ui_musicdetailedinfowidget.h"
+#include "workers.h"
 
 #include <QFileDialog>
 #include <QIntValidator>
@@ -255,9 +256,12 @@ void MusicDetailedInfoWidget::IdentifyMusic()
     connect(m_pIdentifyThread, SIGNAL(emitFailToIdentify()), this, SLOT(SlotOnFailIdentifyTips()));
     connect(m_pIdentifyThread, SIGNAL(finished()), m_pIdentifyThread, SLOT(deleteLater()));
     m_pIdentifyThread->ReturnIdentifyInfo(SongFields::audioPath(m_pMusicInfo));
-    m_pIdentifyThread->start();
     m_bIdentifying = true;
     emit emitForbidToClickView(true);
+    if (Workers::start(*m_pIdentifyThread))
+        return;
+    QMetaObject::invokeMethod(m_pIdentifyThread, "emitFailToIdentify", Qt::QueuedConnection);
+    m_pIdentifyThread->deleteLater();
 }
 
 /// Stops what shows that an identification runs, and lets the user go on.

@@ -1,6 +1,7 @@
 #include "startup.h"
 
 #include "audiocore/log.h"
+#include "workers.h"
 
 #include <QApplication>
 #include <QDir>
@@ -99,6 +100,7 @@ void Startup::afterApplication()
     // The application object took the user's locale over; number parsers of the audio libraries want the dot.
     std::setlocale(LC_NUMERIC, "C");
     SetAudioCoreLogSink([](const char* line) { qWarning("%s", line); });
+    Workers::fillToolkitPool();
     chooseFonts();
     chooseColours();
     // The text cursor stands still: a blinking one has its window painted for as long as an editor is open.

@@ -3,6 +3,7 @@
 #include "platform.h"
 
 #include <memory>
+#include <new>
 
 namespace platform = audiocore::platform;
 
@@ -21,7 +22,7 @@ Song* songOf(void* cookie)
     return static_cast<Song*>(cookie);
 }
 
-std::int64_t read(void* cookie, char* bytes, std::uint64_t count)
+std::int64_t read(void* cookie, char* bytes, std::uint64_t count) noexcept
 {
     Song* song = songOf(cookie);
     if (song->source.closed || song->source.allowance <= 0)
@@ -32,27 +33,27 @@ std::int64_t read(void* cookie, char* bytes, std::uint64_t count)
     return got;
 }
 
-std::int64_t seek(void* cookie, std::int64_t position)
+std::int64_t seek(void* cookie, std::int64_t position) noexcept
 {
     if (position < 0)
         return MPV_ERROR_GENERIC;
     return songOf(cookie)->position = position;
 }
 
-std::int64_t size(void* cookie)
+std::int64_t size(void* cookie) noexcept
 {
     platform::FileState state;
     return platform::stateOf(songOf(cookie)->file, state) ? state.size : std::int64_t(MPV_ERROR_GENERIC);
 }
 
-void close(void* cookie)
+void close(void* cookie) noexcept
 {
     const std::unique_ptr<Song> song(songOf(cookie));
     std::fclose(song->file);
 }
 
 /// Looks at the opened file itself, so that nothing else can take its place in between.
-int open(void* offered, char*, mpv_stream_cb_info* info)
+int open(void* offered, char*, mpv_stream_cb_info* info) noexcept
 {
     SongSource& source = *static_cast<SongSource*>(offered);
     std::FILE* file = platform::openFile(source.path, false);
@@ -63,8 +64,14 @@ int open(void* offered, char*, mpv_stream_cb_info* info)
         std::fclose(file);
         return MPV_ERROR_LOADING_FAILED;
     }
+    // The engine is no C++: nothing is thrown through it.
+    Song* song = new (std::nothrow) Song{source, file};
+    if (!song) {
+        std::fclose(file);
+        return MPV_ERROR_NOMEM;
+    }
     *info = {};
-    info->cookie = new Song{source, file};
+    info->cookie = song;
     info->read_fn = read;
     info->seek_fn = seek;
     info->size_fn = size;

@@ -5,6 +5,8 @@
 #include "log.h"
 #include "newfile.h"
 
+#include <exception>
+
 using itunes::LibraryFile;
 namespace platform = audiocore::platform;
 
@@ -118,7 +120,17 @@ void LibraryFile::writeInBackground()
 }
 
 /// False when changes still wait that could not be written.
-bool LibraryFile::writePending()
+bool LibraryFile::writePending() noexcept
+{
+    try {
+        return tryToWrite();
+    } catch (const std::exception& fault) {
+        audiocore::logFailure(m_path, "the changes wait in the journal", fault.what());
+        return false;
+    }
+}
+
+bool LibraryFile::tryToWrite()
 {
     TrackChanges changes;
     unsigned revision = 0;

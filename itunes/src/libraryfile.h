@@ -39,7 +39,8 @@ private:
     bool beginChange();
     void changed();
     void writeInBackground();
-    bool writePending();
+    bool writePending() noexcept;
+    bool tryToWrite();
     void report(const std::string& error) const;
 
     const std::string m_path;

@@ -259,8 +259,8 @@ void TestPlayerLimits::numbersNeedNoCertainLocale()
     qputenv("LOCPATH", m_folder.path().toLocal8Bit());
     QVERIFY(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"));
     QCOMPARE(QByteArray::number(std::strtod("1.5", nullptr)), QByteArray("1")); // the comma is in force
-    // Also where a thread has a locale of its own.
-    const locale_t own = ::newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
+    // Also where a thread has a locale of its own. Copied: made anew, it would lose what LOCPATH names.
+    const locale_t own = ::duplocale(LC_GLOBAL_LOCALE);
     const locale_t before = ::uselocale(own);
     {
         const Player player = opened(Fixtures::tone("flac"));
