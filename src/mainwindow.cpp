@@ -80,10 +80,9 @@ void MainWindow::Init()
     m_pLocalSwitchTimer = new QTimer(this);
     ui->m_btnLocalClean->hide();
     ui->m_movieLabel->setGeometry(10, 20, 50, 50);
-    showStatusPicture("pic_startscan.png");
+    showStart(iTunesTips());
     ui->m_leftMusicWidget->setAllSongsCount(0);
     ui->m_leftMusicWidget->OnLeftWidgetBtnState();
-    ui->m_tipsLabel->setText(iTunesTips());
     // Where the header's boxes meet in a small window, the start button stays clickable.
     ui->m_btnStarScan->raise();
     placeHeader();
@@ -160,6 +159,13 @@ void MainWindow::showStatusPicture(const char* name)
     ui->m_movieLabel->showPicture(SkinPicture::path(name));
 }
 
+/// What the header says of a mode in which nothing was scanned yet.
+void MainWindow::showStart(const QString& tips)
+{
+    showStatusPicture("pic_startscan.png");
+    ui->m_tipsLabel->setText(tips);
+}
+
 void MainWindow::OnBtnStartScan()
 {
     // While the switch glides, the mode that it leaves is still in force.
@@ -231,6 +237,7 @@ void MainWindow::SlotOnBtniTunesClean()
 {
     if (m_bScanning)
         return;
+    ui->m_middleMusicWidget->PrepareModeSwitch();
     ui->m_btniTunesClean->hide();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("add_music.png"));
     m_pLocalSwitchMovie->startIn(ui->m_labelClean);
@@ -243,7 +250,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
     if (postponedByWork(m_piTunesSwitchTimer))
         return;
     ui->m_btnLocalClean->show();
-    ui->m_tipsLabel->setText(localTips());
+    showStart(localTips());
     ui->m_middleMusicWidget->SwitchToLocalCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_piTunesSwitchTimer->stop();
@@ -254,6 +261,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
 void MainWindow::SlotOnBtnLocalClean()
 {
     // Unlike the other direction, a running scan does not stand in the way.
+    ui->m_middleMusicWidget->PrepareModeSwitch();
     ui->m_btnLocalClean->hide();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
     m_piTunesSwitchMovie->startIn(ui->m_labelClean);
@@ -267,7 +275,7 @@ void MainWindow::SlotLocalBtnMovieStop()
     if (postponedByWork(m_pLocalSwitchTimer))
         return;
     ui->m_btniTunesClean->show();
-    ui->m_tipsLabel->setText(iTunesTips());
+    showStart(iTunesTips());
     ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_pLocalSwitchTimer->stop();

@@ -71,6 +71,7 @@ private:
     void placeHeader();
     QFont tipsFont() const;
     void showStatusPicture(const char* name);
+    void showStart(const QString& tips);
     bool postponedByWork(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;
