@@ -58,6 +58,7 @@ MusicDetailedInfoWidget::~MusicDetailedInfoWidget()
 void MusicDetailedInfoWidget::InitBtn()
 {
     ui->m_btnApply->setBtnImage(SkinPicture::path("btn_apply.png"));
+    ui->m_btnApply->setChangesFiles(true); // it lies in the place of Edit
     ui->m_btnCancel->setBtnImage(SkinPicture::path("button_edit_close.png"));
     ui->m_btnEdit->setBtnImage(SkinPicture::path("button_edit.png"));
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
