@@ -3,6 +3,7 @@
 #include "audiocore/tagitem.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
+#include "coverchoice.h"
 #include "identifythread.h"
 #include "songcover.h"
 #include "songfields.h"
@@ -328,9 +329,10 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
 
 void MusicDetailedInfoWidget::SlotChangeImage()
 {
-    const QString path = QFileDialog::getOpenFileName(
+    const QString chosen = QFileDialog::getOpenFileName(
         this, QStringLiteral("Open File"), QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
         QStringLiteral("Images(*.png *.xpm *.jpg)"));
+    const QString path = chosen.isEmpty() ? QString() : CoverChoice::embeddable(chosen);
     if (path.isEmpty())
         return;
     m_strNewCoverPath = path;
