@@ -81,7 +81,6 @@ void MainWindow::Init()
     m_pLocalSwitchTimer = new QTimer(this);
     ui->m_btnLocalClean->hide();
     ui->m_movieLabel->setGeometry(10, 20, 50, 50);
-    showStatusPicture("pic_startscan.png");
     ui->m_leftMusicWidget->setAllSongsCount(0);
     ui->m_leftMusicWidget->OnLeftWidgetBtnState();
     ui->m_tipsLabel->setIndent(tipsIndent);
@@ -91,7 +90,7 @@ void MainWindow::Init()
     // Where the header's boxes meet in a small window, the start button stays clickable.
     ui->m_btnStarScan->raise();
     placeHeader();
-    showTips(iTunesTips());
+    showStart(iTunesTips());
 }
 
 void MainWindow::InitMainMenu()
@@ -163,6 +162,13 @@ void MainWindow::showStatusPicture(const char* name)
 {
     m_pStatusPicture = name;
     ui->m_movieLabel->showPicture(SkinPicture::path(name));
+}
+
+/// What the header says of a mode in which nothing was scanned yet.
+void MainWindow::showStart(const QString& tips)
+{
+    showStatusPicture("pic_startscan.png");
+    showTips(tips);
 }
 
 void MainWindow::OnBtnStartScan()
@@ -237,6 +243,7 @@ void MainWindow::SlotOnBtniTunesClean()
 {
     if (m_bScanning)
         return;
+    ui->m_middleMusicWidget->PrepareModeSwitch();
     ui->m_btniTunesClean->hide();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("add_music.png"));
     m_pLocalSwitchMovie->startIn(ui->m_labelClean);
@@ -249,7 +256,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
     if (postponedByWork(m_piTunesSwitchTimer))
         return;
     ui->m_btnLocalClean->show();
-    showTips(localTips());
+    showStart(localTips());
     ui->m_middleMusicWidget->SwitchToLocalCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_piTunesSwitchTimer->stop();
@@ -260,6 +267,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
 void MainWindow::SlotOnBtnLocalClean()
 {
     // Unlike the other direction, a running scan does not stand in the way.
+    ui->m_middleMusicWidget->PrepareModeSwitch();
     ui->m_btnLocalClean->hide();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
     m_piTunesSwitchMovie->startIn(ui->m_labelClean);
@@ -273,7 +281,7 @@ void MainWindow::SlotLocalBtnMovieStop()
     if (postponedByWork(m_pLocalSwitchTimer))
         return;
     ui->m_btniTunesClean->show();
-    showTips(iTunesTips());
+    showStart(iTunesTips());
     ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_pLocalSwitchTimer->stop();

@@ -72,6 +72,7 @@ private:
     void showTips(const QString& text);
     QFont tipsFont() const;
     void showStatusPicture(const char* name);
+    void showStart(const QString& tips);
     bool postponedByWork(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;

@@ -3,6 +3,7 @@
 #include "audiocore/tagitem.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
+#include "coverchoice.h"
 #include "identifythread.h"
 #include "songcover.h"
 #include "songfields.h"
@@ -59,6 +60,7 @@ MusicDetailedInfoWidget::~MusicDetailedInfoWidget()
 void MusicDetailedInfoWidget::InitBtn()
 {
     ui->m_btnApply->setBtnImage(SkinPicture::path("btn_apply.png"));
+    ui->m_btnApply->setChangesFiles(true); // it lies in the place of Edit
     ui->m_btnCancel->setBtnImage(SkinPicture::path("button_edit_close.png"));
     ui->m_btnEdit->setBtnImage(SkinPicture::path("button_edit.png"));
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
@@ -331,9 +333,10 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
 
 void MusicDetailedInfoWidget::SlotChangeImage()
 {
-    const QString path = QFileDialog::getOpenFileName(
+    const QString chosen = QFileDialog::getOpenFileName(
         this, QStringLiteral("Open File"), QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
         QStringLiteral("Images(*.png *.xpm *.jpg)"));
+    const QString path = chosen.isEmpty() ? QString() : CoverChoice::embeddable(chosen);
     if (path.isEmpty())
         return;
     m_strNewCoverPath = path;

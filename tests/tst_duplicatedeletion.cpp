@@ -27,6 +27,7 @@
 #include <QtTest>
 #include <QWindow>
 
+#include <functional>
 #include <random>
 
 namespace {
@@ -76,6 +77,7 @@ private slots:
     void theSameFileTwiceStays();
     void clearingAllKeepsTheFirstOfEveryGroup();
     void clearingAllCanBeRepeated();
+    void whatFollowsTheWaitingDialogIsNotLost();
     void theWaitingDialogStaysUntilTheEnd();
     void theWaitingDialogLiesOverTheWindow();
     void theAnimationMoves();
@@ -369,6 +371,50 @@ void TestDuplicateDeletion::clearingAllCanBeRepeated()
         QVERIFY(groups().isEmpty());
         QCOMPARE(filesIn(m_folder->path()), QStringList({"T000-00.mp3", "T001-00.mp3"}));
     }
+}
+
+/// Does something as soon as the waiting dialog has closed. The thread is still returning then: it waits for
+/// the event in hand to go.
+class NextAfterDeleting : public QObject
+{
+public:
+    NextAfterDeleting(CenterWidget& center, std::function<void()> next)
+        : m_center(center), m_next(std::move(next))
+    {
+        m_center.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() != QEvent::MetaCall)
+            return false;
+        m_center.removeEventFilter(this);
+        static_cast<QObject&>(m_center).event(event);
+        m_next();
+        return true;
+    }
+
+private:
+    CenterWidget& m_center;
+    const std::function<void()> m_next;
+};
+
+void TestDuplicateDeletion::whatFollowsTheWaitingDialogIsNotLost()
+{
+    makeGroups(m_folder->path(), {2, 2});
+    add(m_folder->path());
+    const QTemporaryDir further;
+    makeGroups(further.path(), {3});
+    bool inUse = true;
+    const NextAfterDeleting user(*m_center, [&] {
+        inUse = m_center->ListsAreInUse();
+        add(further.path());
+    });
+    m_center->SlotDeleteAllDupMusic();
+    QVERIFY(!inUse);
+    QCOMPARE(allSongs().size(), 2 + 3);
+    QCOMPARE(m_center->ReturnDuplicateMusicCount(), 1);
 }
 
 void TestDuplicateDeletion::theWaitingDialogStaysUntilTheEnd()

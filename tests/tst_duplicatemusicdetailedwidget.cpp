@@ -45,6 +45,7 @@ private slots:
     void playingARowShowsItsStopButton();
     void anotherRowTakesOver();
     void stoppingARowPauses();
+    void aQuickStopAfterPlayIsHeard();
     void theWindowTellsTheRow();
     void replacedRowsLeaveThePlaybackAlone();
     void aTableSongLeavesRowsAlone();
@@ -57,6 +58,7 @@ private slots:
     void clearingAsksOnceAndForAll();
     void whoCancelsIsAskedAgain();
     void cancellingDeletesNothing();
+    void noStrayDoubleClickDeletes();
     void clearingWalksFromTheLastRow();
     void theLastRowGoes();
     void rowsThatLostTheirSongsAreShownAnew();
@@ -283,6 +285,21 @@ void TestDuplicateMusicDetailedWidget::stoppingARowPauses()
     QVERIFY(child<QWidget>(player(), "m_btnPlay")->isVisible());
 }
 
+/// The stop button comes in the place of the play button, so that both presses are one double click.
+void TestDuplicateMusicDetailedWidget::aQuickStopAfterPlayIsHeard()
+{
+    QList<QMusicInfo*> songs = group(1);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    const DupMusicbarWidget* row = rows().first();
+    click(row, "m_btnPlayMusic");
+    QVERIFY(stops(row));
+    pressAsSecond(child<QWidget>(row, "m_btnStopMusic"));
+    QVERIFY(!stops(row));
+    QVERIFY(child<QWidget>(player(), "m_btnPlay")->isVisible());
+    pressAsSecond(child<QWidget>(row, "m_btnPlayMusic"));
+    QVERIFY(stops(row));
+}
+
 void TestDuplicateMusicDetailedWidget::theWindowTellsTheRow()
 {
     QList<QMusicInfo*> songs = group(1);
@@ -479,6 +496,30 @@ void TestDuplicateMusicDetailedWidget::cancellingDeletesNothing()
     click(m_panel.get(), "m_btnClearOne");
     QCOMPARE(deleted.size(), 0);
     QCOMPARE(rows().size(), 3);
+}
+
+/// A double click begun elsewhere, whose second press falls on a button that deletes.
+void TestDuplicateMusicDetailedWidget::noStrayDoubleClickDeletes()
+{
+    QList<QMusicInfo*> songs = group(3);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QSignalSpy deleted(m_panel.get(), SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)));
+    for (const char* button : {"m_btnClearOne", "m_btnClearAll"}) {
+        click(rows().first(), "m_btnPlayMusic");
+        pressAsSecond(child<QWidget>(m_panel.get(), button));
+        QVERIFY(m_dialogs->texts.isEmpty());
+        QCOMPARE(deleted.size(), 0);
+    }
+    bool asked = false;
+    m_dialogs->expect([&](QWidget* dialog) { // the first press opened it under the pointer
+        asked = true;
+        pressAsSecond(child<QWidget>(dialog, "m_btnOK"));
+        QVERIFY(dialog->isVisible());
+        click(dialog, "m_btnCancel");
+    });
+    click(m_panel.get(), "m_btnClearOne");
+    QVERIFY(asked);
+    QCOMPARE(deleted.size(), 0);
 }
 
 void TestDuplicateMusicDetailedWidget::clearingWalksFromTheLastRow()

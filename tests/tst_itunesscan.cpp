@@ -41,6 +41,7 @@ public:
     {
         qputenv("MELODRIFT_AUDIO_OUTPUT", "null");
         Startup::beforeApplication();
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     }
 
 private slots:
@@ -58,6 +59,8 @@ private slots:
     void fromTheScanToTheNextOne();
     void aFailedEditKeepsTheCover();
     void anEditWithACoverChangesTheArtwork();
+    void aChosenXpmIsStored();
+    void theSongMarkedToBeKeptKeepsItsTrack();
     void anEditedSongWithALongPathStillPlays();
     void theProgramTakesTheLibraryThatItIsGiven();
     void theWindowAnswersWhileCoversLoad();
@@ -78,6 +81,11 @@ private:
     static void type(const QWidget* panel, const char* editor, const QString& text);
     bool scan() const;
     QList<QMusicInfo*> songs() const;
+    /// Identifiers, which tell songs of one group apart as their titles do not: of the songs shown, of the
+    /// tracks with these numbers, and of those entries that the library still has.
+    QList<QByteArray> shownIds() const;
+    QList<QByteArray> idsOf(const QList<int>& tracks) const;
+    QList<QByteArray> idsInLibrary() const;
     QString media(const QString& name, const QString& title, const QByteArray& cover = QByteArray());
     void addTrack(const QString& file, const QByteArray& title, quint64 duration = 3000);
     void addTracks(const QString& file, int count);
@@ -160,6 +168,33 @@ QList<QMusicInfo*> TestITunesScan::songs() const
     for (int row = 0; row < model->rowCount(); ++row)
         found.append(static_cast<QMusicInfo*>(model->index(row, 0).internalPointer()));
     return found;
+}
+
+QList<QByteArray> TestITunesScan::shownIds() const
+{
+    QList<QByteArray> ids;
+    for (const QMusicInfo* song : songs())
+        ids.append(song->track->persistentId);
+    return ids;
+}
+
+QList<QByteArray> TestITunesScan::idsOf(const QList<int>& tracks) const
+{
+    QList<QByteArray> ids;
+    for (const int track : tracks)
+        ids.append(Fixtures::itunesIdentifier(m_tracks.at(track).persistentId));
+    return ids;
+}
+
+QList<QByteArray> TestITunesScan::idsInLibrary() const
+{
+    QList<QByteArray> ids;
+    const QByteArray text = library();
+    for (const Fixtures::ITunesTrack& track : m_tracks)
+        if (text.contains("<key>Persistent ID</key><string>" +
+                          Fixtures::itunesIdentifier(track.persistentId) + "</string>"))
+            ids.append(Fixtures::itunesIdentifier(track.persistentId));
+    return ids;
 }
 
 QString TestITunesScan::media(const QString& name, const QString& title, const QByteArray& cover)
@@ -309,14 +344,17 @@ void TestITunesScan::fromTheScanToTheNextOne()
         addTrack(media(QString("one%1").arg(i), "One"), "One");
     for (int i = 0; i < 4; ++i)
         addTrack(media(QString("two%1").arg(i), "Two"), "Two");
+    for (int i = 0; i < 3; ++i)
+        addTrack(media(QString("three%1").arg(i), "Three"), "Three");
     addTrack(media("single", "Single"), "Single", 5000);
     writeLibrary();
     QVERIFY(scan());
     const auto tracks = [&] { return library().count("<key>Track ID</key>"); };
-    QCOMPARE(library().count("<key>Persistent ID</key>"), 8);
+    QCOMPARE(idsInLibrary(), idsOf({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+    QCOMPARE(shownIds(), idsInLibrary());
 
     click("m_btnMusicAll");
-    clickRow("m_allMusicListView", 7);
+    clickRow("m_allMusicListView", 10);
     const auto* details = part<MusicDetailedInfoWidget>("m_musicDetailedWidget");
     clickIn(details, "m_btnEdit");
     type(details, "m_lineTitle", QString::fromUtf8("Østersøen"));
@@ -329,7 +367,7 @@ void TestITunesScan::fromTheScanToTheNextOne()
              QString::fromUtf8("Østersøen"));
     QVERIFY(QByteArray(single->track->location).endsWith("/single.mp3"));
 
-    clickRow("m_allMusicListView", 7, true);
+    clickRow("m_allMusicListView", 10, true);
     PlaySongWidget* player = nullptr;
     for (QWidget* window : QApplication::topLevelWidgets())
         if (auto* found = qobject_cast<PlaySongWidget*>(window))
@@ -343,24 +381,26 @@ void TestITunesScan::fromTheScanToTheNextOne()
     const auto* group = part<DuplicateMusicDetailedWidget>("m_dupMusicDetailedWidget");
     m_dialogs->expectButton("m_btnOK");
     clickIn(group, "m_btnClearOne");
-    QCOMPARE(songs().size(), 6);
+    QCOMPARE(shownIds(), idsOf({0, 3, 4, 5, 6, 7, 8, 9, 10}));
     click("m_btnMusicDuplicate");
     clickRow("m_dupMusicListView", 0);
     m_dialogs->expect([](QWidget*) {}); // the waiting dialog closes itself
     clickIn(group, "m_btnClearAll");
-    QCOMPARE(songs().size(), 3);
-    for (const char* name : {"one0", "one1", "one2", "two0", "two3", "single"})
+    QCOMPARE(shownIds(), idsOf({0, 3, 7, 10}));
+    for (const char* name : {"one0", "one1", "one2", "two0", "two3", "three2", "single"})
         QVERIFY(QFile::exists(m_folder->filePath(QString("%1.mp3").arg(name)))); // media files stay
 
     QVERIFY(scan());
     QStringList titles;
     for (const QMusicInfo* song : songs())
         titles.append(QString::fromUtf8(song->track->name));
-    QCOMPARE(titles, QStringList({"One", "Two", QString::fromUtf8("Østersøen")}));
+    QCOMPARE(titles, QStringList({"One", "Two", "Three", QString::fromUtf8("Østersøen")}));
+    QCOMPARE(shownIds(), idsOf({0, 3, 7, 10}));
     QVERIFY(songs().last()->track->trackNumber != 99); // never sent
     closeITunesLibrary();
-    QCOMPARE(library().count("<key>Persistent ID</key>"), 3);
-    QCOMPARE(tracks(), 3 + 3); // the entries, and the playlist's
+    QCOMPARE(idsInLibrary(), idsOf({0, 3, 7, 10}));
+    QCOMPARE(library().count("<key>Persistent ID</key>"), 4);
+    QCOMPARE(tracks(), 4 + 4); // the entries, and the playlist's
 }
 
 void TestITunesScan::aFailedEditKeepsTheCover()
@@ -405,6 +445,48 @@ void TestITunesScan::anEditWithACoverChangesTheArtwork()
     QCOMPARE(covered.size(), 2); // every edit that the library takes counts
     QCOMPARE(AudioFile::read(a).picture, picture);
     QCOMPARE(songs().first()->coverPath, chosen);
+}
+
+void TestITunesScan::aChosenXpmIsStored()
+{
+    const QString a = media("a", "A", Fixtures::jpeg(60, 60, 4));
+    addTrack(a, "A");
+    writeLibrary();
+    QVERIFY(scan());
+    const QImage drawn = Fixtures::plain(30, 30, QColor(200, 30, 40));
+    const QString xpm = Fixtures::savePicture(drawn, m_folder->filePath("chosen.xpm"), "XPM");
+    clickRow("m_allMusicListView", 0);
+    auto* details = part<MusicDetailedInfoWidget>("m_musicDetailedWidget");
+    clickIn(details, "m_btnEdit");
+    m_dialogs->expect([xpm](QWidget* dialog) {
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(xpm);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    QTest::mouseClick(details->findChild<QWidget*>("currentImgWidget"), Qt::LeftButton);
+    clickIn(details, "m_btnApply");
+    QCOMPARE(Fixtures::pixels(QImage::fromData(AudioFile::read(a).picture)), Fixtures::pixels(drawn));
+    QVERIFY(scan());
+    QCOMPARE(Fixtures::pixels(QImage(songs().first()->coverPath)), Fixtures::pixels(drawn));
+}
+
+/// It is another one than the first of its group, and has the same texts.
+void TestITunesScan::theSongMarkedToBeKeptKeepsItsTrack()
+{
+    for (int i = 0; i < 3; ++i)
+        addTrack(media(QString("one%1").arg(i), "One"), "One");
+    writeLibrary();
+    QVERIFY(scan());
+    click("m_btnMusicDuplicate");
+    clickRow("m_dupMusicListView", 0);
+    const auto* group = part<DuplicateMusicDetailedWidget>("m_dupMusicDetailedWidget");
+    const QList<DupMusicbarWidget*> rows = group->findChildren<DupMusicbarWidget*>();
+    clickIn(rows.at(0), "m_btnIsDeleta");
+    clickIn(rows.at(1), "m_btnIsDeleta");
+    m_dialogs->expectButton("m_btnOK");
+    clickIn(group, "m_btnClearOne");
+    QCOMPARE(shownIds(), idsOf({1}));
+    closeITunesLibrary();
+    QCOMPARE(idsInLibrary(), idsOf({1}));
 }
 
 void TestITunesScan::anEditedSongWithALongPathStillPlays()

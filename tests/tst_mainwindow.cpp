@@ -10,7 +10,12 @@
 
 #include <QDesktopServices>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListView>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QMovie>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -55,6 +60,9 @@ private slots:
     void theTipsTouchNeitherNeighbour();
     void theModeSwitchTakesItsTime();
     void aRunningScanHoldsTheSwitchToTheLocalMode();
+    void nothingIsTakenInOnceTheModeIsLeft_data();
+    void nothingIsTakenInOnceTheModeIsLeft();
+    void theTickOfAScanGoesWithItsMode();
     void withoutPicturesTheHeaderIsPlacedAllTheSame();
     void menusOpenTheirPages();
     void theLocalWorkflowRunsFromEndToEnd();
@@ -240,6 +248,72 @@ void TestMainWindow::aRunningScanHoldsTheSwitchToTheLocalMode()
     click("m_btnLocalClean");
     QVERIFY(!part<QWidget>("m_btnLocalClean")->isVisible());
     QTRY_VERIFY(part<QWidget>("m_btniTunesClean")->isVisible());
+}
+
+void TestMainWindow::nothingIsTakenInOnceTheModeIsLeft_data()
+{
+    QTest::addColumn<QString>("way");
+    for (const char* way : {"button", "key", "drop"})
+        QTest::newRow(way) << QString(way);
+}
+
+/// The switch takes a moment, in which the mode that it leaves is still in force.
+void TestMainWindow::nothingIsTakenInOnceTheModeIsLeft()
+{
+    QFETCH(QString, way);
+    const QString path = tone("a", "One");
+    switchToLocal();
+    auto* center = part<CenterWidget>("m_middleMusicWidget");
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    bool opened = false;
+    m_dialogs->expect([&](QWidget* dialog) { // chooses once the other mode is in force
+        opened = true;
+        QTRY_VERIFY(!QIOrvoUtil::m_cleanMode);
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    m_dialogs->expectButton("m_btnType");
+    click("m_btnLocalClean");
+    if (way == "button") {
+        QTest::mouseClick(part<QImageButton>("m_btnOpen"), Qt::LeftButton);
+    } else if (way == "key") {
+        QTest::keyClick(m_window.get(), Qt::Key_O, Qt::ControlModifier);
+    } else {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path)});
+        QDragEnterEvent enter({300, 300}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(center, &enter);
+        QVERIFY(!enter.isAccepted());
+        center->TakeDroppedPaths({path});
+    }
+    QTRY_VERIFY(part<QWidget>("m_btniTunesClean")->isVisible());
+    QVERIFY(!opened);
+    QVERIFY(m_dialogs->texts.isEmpty());
+    QCOMPARE(part<QListView>("m_allMusicListView")->model()->rowCount(), 0);
+    QCOMPARE(caption("m_btnMusicAll"), QString("All songs(0)"));
+    QCOMPARE(m_local_add_or_ScanAgain, 0);
+    // Back in the local mode files are taken in as before.
+    m_dialogs = std::make_unique<DialogDriver>();
+    switchToLocal();
+    m_dialogs->expectButton("m_btnType");
+    center->TakeDroppedPaths({path});
+    QCOMPARE(caption("m_btnMusicAll"), QString("All songs(1)"));
+}
+
+void TestMainWindow::theTickOfAScanGoesWithItsMode()
+{
+    const auto status = [this] { return part<QLabel>("m_movieLabel")->grab().toImage(); };
+    const QImage atStart = status();
+    for (const char* leave : {"m_btniTunesClean", "m_btnLocalClean"}) {
+        m_window->SlotScanFinish();
+        QVERIFY(status() != atStart);
+        const bool local = QIOrvoUtil::m_cleanMode;
+        click(leave);
+        QTRY_VERIFY(QIOrvoUtil::m_cleanMode != local);
+        QCOMPARE(tips(), QString(local ? iTunesTips : localTips));
+        QCOMPARE(status(), atStart);
+    }
 }
 
 void TestMainWindow::withoutPicturesTheHeaderIsPlacedAllTheSame()
