@@ -1,47 +1,20 @@
 #include "program.h"
 
+#include "commandline.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "mainwindow.h"
 #include "qiorvoutil.h"
 #include "startup.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QDesktopWidget>
-#include <QFileInfo>
 #include <QIcon>
 
 namespace {
-/// Takes the options over; the files and folders named on the command line, as absolute paths.
-QStringList namedPaths(const QApplication& application)
+int runApplication(int argc, char* argv[], const QStringList& paths)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Tidies a music collection."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("paths"),
-                                 QStringLiteral("Music files or folders to add in the local clean mode."),
-                                 QStringLiteral("[paths...]"));
-    const QCommandLineOption library(QStringLiteral("itunes-library"),
-                                     QStringLiteral("The iTunes library file to read and edit."),
-                                     QStringLiteral("file"));
-    parser.addOption(library);
-    parser.process(application);
-    if (parser.isSet(library))
-        setITunesLibraryOption(QFileInfo(parser.value(library)).absoluteFilePath().toUtf8().constData());
-    QStringList paths;
-    for (const QString& path : parser.positionalArguments())
-        paths.append(QFileInfo(path).absoluteFilePath());
-    return paths;
-}
-} // namespace
-
-int runProgram(int argc, char* argv[])
-{
-    Startup::beforeApplication();
     QApplication application(argc, argv);
     Startup::afterApplication();
-    const QStringList paths = namedPaths(application);
 
     MainWindow window;
     const QString resources = QIOrvoUtil::getResourcePath();
@@ -57,4 +30,17 @@ int runProgram(int argc, char* argv[])
     if (!paths.isEmpty())
         window.OpenInLocalMode(paths);
     return QApplication::exec();
+}
+} // namespace
+
+int runProgram(int argc, char* argv[])
+{
+    Startup::beforeCommandLine();
+    const CommandLine commandLine = CommandLine::read(argc, argv);
+    if (commandLine.isAnswered)
+        return commandLine.exitCode;
+    if (!commandLine.library.isEmpty())
+        setITunesLibraryOption(commandLine.library.toUtf8().constData());
+    Startup::beforeApplication();
+    return runApplication(argc, argv, commandLine.paths);
 }

@@ -76,12 +76,19 @@ void chooseColours()
 }
 } // namespace
 
-void Startup::beforeApplication()
+void Startup::beforeCommandLine()
 {
 #ifdef Q_OS_UNIX
     // File names are UTF-8 also where no language is set, as in a bare container.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 #endif
+    QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+}
+
+void Startup::beforeApplication()
+{
+    beforeCommandLine();
     makeTemporaryFilesPrivate();
     if (!qEnvironmentVariableIsSet("QT_FONT_DPI")) {
         qputenv("QT_FONT_DPI", "72");
@@ -90,8 +97,6 @@ void Startup::beforeApplication()
     }
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
 }
 
 void Startup::afterApplication()

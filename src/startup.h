@@ -1,8 +1,10 @@
 #pragma once
 
-/// What the process needs before and after its application object is made. Each is called once, on the main
-/// thread.
+/// What the process needs before and after its application object is made, on the main thread.
 namespace Startup {
+/// The program's name and version and how its texts are encoded. Before the command line is read;
+/// beforeApplication() does it, too.
+void beforeCommandLine();
 /// Points the temporary directory at one that only this user can enter and fixes the layout's 72 dots per
 /// inch, unless the user set a font resolution of their own. Before the application object.
 void beforeApplication();
