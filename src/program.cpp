@@ -1,6 +1,7 @@
 #include "program.h"
 
 #include "commandline.h"
+#include "endingsignals.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "mainwindow.h"
 #include "qiorvoutil.h"
@@ -26,6 +27,11 @@ int runApplication(int argc, char* argv[], const QStringList& paths)
     window.move((desktop.width() - window.width()) / 2, (desktop.height() - window.height()) / 2);
     window.setMinimumHeight(700);
     window.setMinimumWidth(1000);
+    const EndingSignals endingSignals;
+    QObject::connect(&endingSignals, &EndingSignals::arrived, &window, [&window] {
+        window.close();
+        QApplication::quit(); // which also ends the dialogs that are open
+    });
     window.show();
     if (!paths.isEmpty())
         window.OpenInLocalMode(paths);
@@ -41,6 +47,9 @@ int runProgram(int argc, char* argv[])
         return commandLine.exitCode;
     if (!commandLine.library.isEmpty())
         setITunesLibraryOption(commandLine.library.toUtf8().constData());
+    EndingSignals::hold();
     Startup::beforeApplication();
-    return runApplication(argc, argv, commandLine.paths);
+    const int exitCode = runApplication(argc, argv, commandLine.paths);
+    Startup::removeTemporaryFiles();
+    return EndingSignals::passOn(exitCode);
 }

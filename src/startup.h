@@ -10,4 +10,7 @@ void beforeCommandLine();
 void beforeApplication();
 /// Fonts, colours and the log. After the application object.
 void afterApplication();
+/// Takes the private temporary directory away with all that is in it. After the application object, when no
+/// thread writes files any more.
+void removeTemporaryFiles();
 } // namespace Startup
