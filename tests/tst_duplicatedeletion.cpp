@@ -75,6 +75,7 @@ private slots:
     void marksHoldOverRepeatedDeletions();
     void theGroupShownStaysSelected();
     void theSameFileTwiceStays();
+    void aFileThatTookAnothersPlaceStays();
     void clearingAllKeepsTheFirstOfEveryGroup();
     void clearingAllCanBeRepeated();
     void whatFollowsTheWaitingDialogIsNotLost();
@@ -332,6 +333,21 @@ void TestDuplicateDeletion::theSameFileTwiceStays()
     m_center->SlotDeleteAllDupMusic();
     QVERIFY(QFile::exists(path));
     QCOMPARE(allSongs().size(), 1);
+}
+
+void TestDuplicateDeletion::aFileThatTookAnothersPlaceStays()
+{
+    makeGroups(m_folder->path(), {3, 3});
+    add(m_folder->path());
+    openGroup(0);
+    Fixtures::saveBytes("new", m_folder->filePath("T000-02.mp3"));
+    Fixtures::saveBytes("new", m_folder->filePath("T001-01.mp3"));
+    m_dialogs->expect([](QWidget*) {}); // the waiting dialog closes itself
+    QTest::mouseClick(panel()->findChild<QImageButton*>("m_btnClearAll"), Qt::LeftButton);
+    QCOMPARE(filesIn(m_folder->path()),
+             QStringList({"T000-00.mp3", "T000-02.mp3", "T001-00.mp3", "T001-01.mp3"}));
+    QCOMPARE(allSongs().size(), 2); // the lists do not tell of it
+    QVERIFY(groups().isEmpty());
 }
 
 void TestDuplicateDeletion::clearingAllKeepsTheFirstOfEveryGroup()

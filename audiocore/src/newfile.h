@@ -39,7 +39,8 @@ public:
     std::FILE* file() const { return m_file; }
     /// The file that this one lies beside, as it was when this one was made.
     const FileState& original() const { return m_original; }
-    /// Takes the place of the original, which has to be as it was. Not by forName() and linkOf().
+    /// Takes the place of the original, which has to be as it was. Not by forName() and linkOf(). What is not
+    /// done has a reason.
     Taking replaceOriginal(std::string& error);
     /// Takes the name, in the same folder, of whatever is there.
     Taking takeName(const std::string& path, std::string& error);

@@ -207,9 +207,10 @@ bool NewFile::isAtItsName() const
 NewFile::Taking NewFile::replaceOriginal(std::string& error)
 {
     FileState now;
-    if (!stateAt(m_place->folder.fd, m_place->target, now) || now != m_original)
-        return Taking::ChangedMeanwhile;
-    return moveTo(m_place->target, error);
+    if (stateAt(m_place->folder.fd, m_place->target, now) && now == m_original)
+        return moveTo(m_place->target, error);
+    error = "another program changed the file meanwhile";
+    return Taking::ChangedMeanwhile;
 }
 
 NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
@@ -219,6 +220,7 @@ NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
 
 NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
 {
+    error = "another program exchanged the new file meanwhile";
     if (!isAtItsName())
         return Taking::ChangedMeanwhile;
     const int folder = m_place->folder.fd;

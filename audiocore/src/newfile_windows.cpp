@@ -150,9 +150,10 @@ bool NewFile::isAtItsName() const
 NewFile::Taking NewFile::replaceOriginal(std::string& error)
 {
     FileState now;
-    if (!stateOf(m_place->target.u8string(), now) || now != m_original)
-        return Taking::ChangedMeanwhile;
-    return moveTo(m_place->target.u8string(), error);
+    if (stateOf(m_place->target.u8string(), now) && now == m_original)
+        return moveTo(m_place->target.u8string(), error);
+    error = "another program changed the file meanwhile";
+    return Taking::ChangedMeanwhile;
 }
 
 NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
@@ -162,6 +163,7 @@ NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
 
 NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
 {
+    error = "another program exchanged the new file meanwhile";
     if (!isAtItsName())
         return Taking::ChangedMeanwhile;
     if (m_file)
