@@ -126,8 +126,8 @@ void ApeBytes::apply(const TagEdits& edits)
         value.append('\0');
         replacement = Item{binary, frontCover, value.append(*edits.picture)};
     }
-    replaceFields(
-        m_items, [](const Item& item) { return isPicture(item.key); }, replacement);
+    const auto isOld = [](const Item& item) { return isPicture(item.key); };
+    replaceFields(m_items, isOld, replacement);
 }
 
 ByteVector ApeBytes::render() const

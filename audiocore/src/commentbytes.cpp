@@ -98,16 +98,16 @@ void CommentBytes::apply(const TagEdits& edits)
         std::optional<ByteVector> replacement;
         if (!value.empty())
             replacement = field(names[type].front(), ByteVector(value.data(), unsigned(value.size())));
-        replaceFields(
-            m_fields, [type](const ByteVector& old) { return hasName(old, names[type]); }, replacement);
+        const auto isOld = [type](const ByteVector& old) { return hasName(old, names[type]); };
+        replaceFields(m_fields, isOld, replacement);
     }
     if (!edits.picture)
         return;
     std::optional<ByteVector> replacement;
     if (!edits.picture->isEmpty())
         replacement = field(pictureNames.front(), flacPicture(*edits.picture).toBase64());
-    replaceFields(
-        m_fields, [](const ByteVector& old) { return hasName(old, pictureNames); }, replacement);
+    const auto isOld = [](const ByteVector& old) { return hasName(old, pictureNames); };
+    replaceFields(m_fields, isOld, replacement);
 }
 
 ByteVector CommentBytes::render() const

@@ -32,8 +32,8 @@ void InfoBytes::apply(const TagEdits& edits)
         std::optional<Entry> replacement;
         if (!text.empty())
             replacement = Entry{ids[type], ByteVector(text.c_str(), unsigned(text.size()) + 1)};
-        replaceFields(
-            m_entries, [type](const Entry& entry) { return entry.id == ids[type]; }, replacement);
+        const auto isOld = [type](const Entry& entry) { return entry.id == ids[type]; };
+        replaceFields(m_entries, isOld, replacement);
     }
 }
 

@@ -84,8 +84,14 @@ ByteVector oldTrack(Mp4File& file, const std::vector<const Mp4Atom*>& items)
 
 void replaceText(std::vector<Field>& fields, int type, const std::optional<Field>& field)
 {
-    audiocore::replaceFields(
-        fields, [type](const Field& old) { return audiocore::isMp4Name(old.name, type); }, field);
+    const auto isOld = [type](const Field& old) { return audiocore::isMp4Name(old.name, type); };
+    audiocore::replaceFields(fields, isOld, field);
+}
+
+void replacePicture(std::vector<Field>& fields, const std::optional<Field>& field)
+{
+    const auto isOld = [](const Field& old) { return old.name == audiocore::mp4PictureName; };
+    audiocore::replaceFields(fields, isOld, field);
 }
 
 /// The list with the edits, as an atom.
@@ -100,9 +106,7 @@ ByteVector newList(Mp4File& file, const std::vector<const Mp4Atom*>& items, cons
                         type == TAG_TRACK ? trackField(oldTrack(file, items), *text)
                                           : textField(type, *text));
     if (edits.picture)
-        audiocore::replaceFields(
-            fields, [](const Field& old) { return old.name == audiocore::mp4PictureName; },
-            pictureField(*edits.picture));
+        replacePicture(fields, pictureField(*edits.picture));
     ByteVector content;
     for (const Field& field : fields)
         content.append(field.bytes);

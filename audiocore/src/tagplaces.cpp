@@ -165,8 +165,8 @@ void FlacBlocks::setPicture(const ByteVector& bytes)
     std::optional<Block> picture;
     if (!bytes.isEmpty())
         picture = Block{pictureBlock, bytes};
-    replaceFields(
-        m_blocks, [](const Block& block) { return block.type == pictureBlock; }, picture);
+    const auto isOld = [](const Block& block) { return block.type == pictureBlock; };
+    replaceFields(m_blocks, isOld, picture);
 }
 
 bool FlacBlocks::write(TagLib::File& file) const
