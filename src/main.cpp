@@ -1,13 +1,11 @@
 #include "itunes/itunesmusiclibrary.h"
 #include "mainwindow.h"
-#include "qiorvoutil.h"
+#include "programwindow.h"
 #include "startup.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDesktopWidget>
 #include <QFileInfo>
-#include <QIcon>
 
 namespace {
 /// Takes the options over; the files and folders named on the command line, as absolute paths.
@@ -41,18 +39,9 @@ int main(int argc, char* argv[])
     Startup::afterApplication();
     const QStringList paths = namedPaths(application);
 
-    MainWindow window;
-    const QString resources = QIOrvoUtil::getResourcePath();
-    QApplication::setWindowIcon(QIcon(resources + QLatin1String("/Image/logo.png")));
-    window.setTopImage(resources + QLatin1String("/Image/bg_banner.png"));
-    window.setFootImage(resources + QLatin1String("/Image/bg_foot.png"));
-    window.setBackgroundImage(resources + QLatin1String("/Image/bg_right_nofile.png"));
-    const QRect desktop = QApplication::desktop()->geometry();
-    window.move((desktop.width() - window.width()) / 2, (desktop.height() - window.height()) / 2);
-    window.setMinimumHeight(700);
-    window.setMinimumWidth(1000);
-    window.show();
+    const std::unique_ptr<MainWindow> window = makeProgramWindow();
+    window->show();
     if (!paths.isEmpty())
-        window.OpenInLocalMode(paths);
+        window->OpenInLocalMode(paths);
     return QApplication::exec();
 }
