@@ -4,12 +4,10 @@
 #include "endingsignals.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "mainwindow.h"
-#include "qiorvoutil.h"
+#include "programwindow.h"
 #include "startup.h"
 
 #include <QApplication>
-#include <QDesktopWidget>
-#include <QIcon>
 
 namespace {
 int runApplication(int argc, char* argv[], const QStringList& paths)
@@ -17,24 +15,15 @@ int runApplication(int argc, char* argv[], const QStringList& paths)
     QApplication application(argc, argv);
     Startup::afterApplication();
 
-    MainWindow window;
-    const QString resources = QIOrvoUtil::getResourcePath();
-    QApplication::setWindowIcon(QIcon(resources + QLatin1String("/Image/logo.png")));
-    window.setTopImage(resources + QLatin1String("/Image/bg_banner.png"));
-    window.setFootImage(resources + QLatin1String("/Image/bg_foot.png"));
-    window.setBackgroundImage(resources + QLatin1String("/Image/bg_right_nofile.png"));
-    const QRect desktop = QApplication::desktop()->geometry();
-    window.move((desktop.width() - window.width()) / 2, (desktop.height() - window.height()) / 2);
-    window.setMinimumHeight(700);
-    window.setMinimumWidth(1000);
+    const std::unique_ptr<MainWindow> window = makeProgramWindow();
     const EndingSignals endingSignals;
-    QObject::connect(&endingSignals, &EndingSignals::arrived, &window, [&window] {
-        window.close();
+    QObject::connect(&endingSignals, &EndingSignals::arrived, window.get(), [&window] {
+        window->close();
         QApplication::quit(); // which also ends the dialogs that are open
     });
-    window.show();
+    window->show();
     if (!paths.isEmpty())
-        window.OpenInLocalMode(paths);
+        window->OpenInLocalMode(paths);
     return QApplication::exec();
 }
 } // namespace

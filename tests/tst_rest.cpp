@@ -9,6 +9,7 @@
 #include "itunesfixture.h"
 #include "mainwindow.h"
 #include "playsongwidget.h"
+#include "programwindow.h"
 #include "qiorvoutil.h"
 #include "restwatch.h"
 #include "startup.h"
@@ -102,12 +103,7 @@ void TestRest::initTestCase()
 void TestRest::init()
 {
     qputenv("MELODRIFT_ITUNES_LIBRARY", m_music.filePath("none.xml").toUtf8());
-    m_window = std::make_unique<MainWindow>();
-    const QString image = QIOrvoUtil::getResourcePath() + "/Image/";
-    m_window->setTopImage(image + "bg_banner.png");
-    m_window->setFootImage(image + "bg_foot.png");
-    m_window->setBackgroundImage(image + "bg_right_nofile.png");
-    m_window->setMinimumSize(1000, 700);
+    m_window = makeProgramWindow();
     m_window->show();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     m_watch = std::make_unique<RestWatch>();
