@@ -202,10 +202,10 @@ std::string Id3v2Bytes::textOf(const Frame& frame) const
     }
 }
 
-std::string Id3v2Bytes::wronglyMarkedText(int type) const
+std::string Id3v2Bytes::unreadText(int type) const
 {
     for (const Frame& frame : m_frames)
-        if (says(frame.id, type) && frame.body.data()[0] == utf8)
+        if (says(frame.id, type) && (frame.body.data()[0] == utf8 || m_version == 2))
             return textOf(frame);
     return std::string();
 }
