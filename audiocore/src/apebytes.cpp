@@ -106,9 +106,10 @@ std::string ApeBytes::text(int type) const
 void ApeBytes::apply(const TagEdits& edits)
 {
     for (int type = 0; type < textTypes; ++type) {
-        if (!edits.texts[size_t(type)])
+        const auto& edit = edits.texts[size_t(type)];
+        if (!edit)
             continue;
-        std::string value = *edits.texts[size_t(type)];
+        std::string value = *edit;
         if (type == TAG_TRACK && !value.empty())
             value += totalOf(text(type));
         const auto isOld = [type](const Item& item) { return sameName(item.key, keys[type]); };

@@ -44,7 +44,7 @@ std::optional<ByteVector> takeBlock(const ByteVector& bytes, unsigned int& posit
     const unsigned int size = bytes.toUInt(position, false);
     if (size > bytes.size() - position - 4)
         return std::nullopt;
-    const ByteVector block = bytes.mid(position + 4, size);
+    ByteVector block = bytes.mid(position + 4, size);
     position += 4 + size;
     return block;
 }
@@ -90,9 +90,10 @@ std::string CommentBytes::text(int type) const
 void CommentBytes::apply(const TagEdits& edits)
 {
     for (int type = 0; type < textTypes; ++type) {
-        if (!edits.texts[size_t(type)])
+        const auto& edit = edits.texts[size_t(type)];
+        if (!edit)
             continue;
-        std::string value = *edits.texts[size_t(type)];
+        std::string value = *edit;
         if (type == TAG_TRACK && !value.empty())
             value += totalOf(text(type));
         std::optional<ByteVector> replacement;

@@ -26,9 +26,10 @@ InfoBytes::InfoBytes(const ByteVector& list)
 void InfoBytes::apply(const TagEdits& edits)
 {
     for (size_t type = 0; type < size_t(textTypes); ++type) {
-        if (!edits.texts[type])
+        const auto& edit = edits.texts[type];
+        if (!edit)
             continue;
-        const std::string& text = *edits.texts[type];
+        const std::string& text = *edit;
         std::optional<Entry> replacement;
         if (!text.empty())
             replacement = Entry{ids[type], ByteVector(text.c_str(), unsigned(text.size()) + 1)};

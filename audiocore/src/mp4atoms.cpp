@@ -24,7 +24,7 @@ bool contains(std::initializer_list<const char*> names, const std::string& name)
 bool isContainer(const std::string& name, Mp4Atoms::Fragments fragments)
 {
     return contains({"moov", "trak", "mdia", "minf", "stbl", "udta", "meta", "ilst"}, name) ||
-           (fragments == Mp4Atoms::Fragments::Enter && contains({"moof", "traf"}, name));
+           (fragments == Mp4Atoms::Fragments::Enter && contains({"moof", "traf", "mfra"}, name));
 }
 
 /// What atoms have around them: the file, or another atom.

@@ -3,6 +3,7 @@
 #include "audiocore/tagitem.h"
 #include "fieldlist.h"
 #include "mp4file.h"
+#include "mp4places.h"
 #include "pictures.h"
 
 #include <limits>
@@ -17,7 +18,7 @@ using TagLib::ByteVector;
 
 namespace {
 constexpr unsigned int atomHead = 8;
-constexpr std::int64_t largestList = 128 << 20;
+constexpr std::int64_t largestList = 64 << 20;
 constexpr std::int64_t most32 = std::numeric_limits<std::uint32_t>::max();
 
 enum class Marked : unsigned int { Number = 0, Utf8 = 1, Jpeg = 13, Png = 14 };
@@ -107,10 +108,14 @@ ByteVector newList(Mp4File& file, const std::vector<const Mp4Atom*>& items, cons
                                           : textField(type, *text));
     if (edits.picture)
         replacePicture(fields, pictureField(*edits.picture));
-    ByteVector content;
-    for (const Field& field : fields)
-        content.append(field.bytes);
-    return atom("ilst", content);
+    ByteVector list = atom("ilst", ByteVector());
+    for (Field& field : fields) {
+        list.append(field.bytes);
+        field.bytes.clear(); // pictures are large
+    }
+    const ByteVector size = ByteVector::fromUInt(list.size());
+    std::copy(size.begin(), size.end(), list.data());
+    return list;
 }
 
 /// A part of the file that other bytes take the place of.
@@ -190,62 +195,6 @@ bool grow(TagLib::File& file, const Mp4Atom& atom, std::int64_t by)
                                                    : ByteVector::fromLongLong(size));
     return true;
 }
-
-/// Adds to the numbers of a table, each of `width` bytes, that are not below `from`; block by block.
-bool shiftTable(TagLib::File& file, std::int64_t begin, std::int64_t count, unsigned int width,
-                std::int64_t from, std::int64_t by)
-{
-    constexpr std::int64_t atOnce = 16 * 1024;
-    for (std::int64_t done = 0; done < count; done += atOnce) {
-        const std::int64_t position = begin + done * width;
-        file.seek(position);
-        ByteVector block = file.readBlock(size_t(std::min(atOnce, count - done)) * width);
-        ByteVector shifted;
-        for (unsigned int at = 0; at + width <= block.size(); at += width) {
-            std::int64_t number = width == 4 ? block.toUInt(at) : block.toLongLong(at);
-            if (number >= from && number <= std::numeric_limits<std::int64_t>::max() / 2)
-                number += by;
-            if (width == 4 && number > most32)
-                return false;
-            shifted.append(width == 4 ? ByteVector::fromUInt(static_cast<unsigned int>(number))
-                                      : ByteVector::fromLongLong(number));
-        }
-        if (shifted.size() != block.size())
-            return false;
-        file.seek(position);
-        file.writeBlock(shifted);
-    }
-    return true;
-}
-
-/// The tables of where the music's pieces are.
-bool shiftChunks(TagLib::File& file, const Mp4Atoms& atoms, std::int64_t from, std::int64_t by)
-{
-    for (const auto& [name, width] : {std::pair<const char*, unsigned int>{"stco", 4}, {"co64", 8}})
-        for (const Mp4Atom* table : atoms.findAll({"moov", "trak", "mdia", "minf", "stbl", name})) {
-            file.seek(table->content() + 4);
-            const ByteVector head = file.readBlock(4);
-            const std::int64_t count = head.size() < 4 ? 0 : head.toUInt(0u);
-            const std::int64_t first = table->content() + 8;
-            if (count > (table->end() - first) / width || !shiftTable(file, first, count, width, from, by))
-                return false;
-        }
-    return true;
-}
-
-/// The places that fragments count from.
-bool shiftFragments(TagLib::File& file, const Mp4Atoms& atoms, std::int64_t from, std::int64_t by)
-{
-    constexpr char hasBase = 1;
-    for (const Mp4Atom* fragment : atoms.findAll({"moof", "traf", "tfhd"})) {
-        file.seek(fragment->content());
-        const ByteVector flags = file.readBlock(4);
-        if (flags.size() == 4 && (flags.data()[3] & hasBase) && fragment->end() >= fragment->content() + 16 &&
-            !shiftTable(file, fragment->content() + 8, 1, 8, from, by))
-            return false;
-    }
-    return true;
-}
 } // namespace
 
 bool audiocore::writeMp4(Mp4File& file, const TagEdits& edits)
@@ -264,8 +213,7 @@ bool audiocore::writeMp4(Mp4File& file, const TagEdits& edits)
         bytes = wrapped(bytes, *container);
 
     const std::int64_t by = std::int64_t(bytes.size()) - splice.size;
-    if (by != 0 &&
-        (!shiftChunks(file, atoms, splice.end(), by) || !shiftFragments(file, atoms, splice.end(), by)))
+    if (by != 0 && !moveMp4Places(file, atoms, splice.end(), by))
         return false;
     for (const Mp4Atom* around : splice.around)
         if (!grow(file, *around, by))

@@ -11,6 +11,7 @@
 
 #include <taglib/apetag.h>
 #include <taglib/asftag.h>
+#include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/textidentificationframe.h>
 #include <taglib/tpropertymap.h>
@@ -129,9 +130,9 @@ void addUnreadTexts(TagContent& content, TagLib::File& file, const TagLib::Tag& 
     };
     if (const auto* id3v2 = dynamic_cast<const TagLib::ID3v2::Tag*>(&tag)) {
         const auto contains = [id3v2](const char* id) { return !id3v2->frameList(id).isEmpty(); };
-        if (unread(contains, id3v2Frames))
+        if (unread(contains, id3v2Frames) || id3v2->header()->majorVersion() == 2)
             if (const auto bytes = audiocore::Id3v2Bytes::parse(audiocore::id3v2Bytes(file)))
-                addTexts(content, [&bytes](int type) { return bytes->wronglyMarkedText(type); });
+                addTexts(content, [&bytes](int type) { return bytes->unreadText(type); });
     } else if (const auto* ape = dynamic_cast<const TagLib::APE::Tag*>(&tag)) {
         const auto contains = [ape](const char* key) { return ape->itemListMap().contains(key); };
         if (unread(contains, apeKeys))
@@ -166,9 +167,10 @@ TagEdits audiocore::changesOf(const TagEdits& edits, const TagContent& content)
 {
     TagEdits changes;
     for (size_t type = 0; type < size_t(textTypes); ++type) {
-        if (!edits.texts[type])
+        const auto& edit = edits.texts[type];
+        if (!edit)
             continue;
-        const std::string shown = shownText(int(type), *edits.texts[type]);
+        const std::string shown = shownText(int(type), *edit);
         if (shown != content.texts[type])
             changes.texts[type] = shown;
     }

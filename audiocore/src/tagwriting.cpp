@@ -160,9 +160,9 @@ std::string writeFlac(TagLib::File& file, long begin, const Edits& edits)
 std::string writeOgg(TagLib::Ogg::File& file, const Edits& edits)
 {
     std::optional<audiocore::CommentPacket> packet = audiocore::CommentPacket::find(file);
-    std::optional<audiocore::CommentBytes> comment;
-    if (packet)
-        comment = audiocore::CommentBytes::parse(packet->comment);
+    if (!packet)
+        return cannotBeKept;
+    std::optional<audiocore::CommentBytes> comment = audiocore::CommentBytes::parse(packet->comment);
     if (!comment)
         return cannotBeKept;
     comment->apply(edits.own);
@@ -234,8 +234,8 @@ void setAsfText(TagLib::ASF::Tag& tag, int type, const std::string& value)
 bool writeAsf(TagLib::ASF::File& file, const TagEdits& edits)
 {
     for (int type = 0; type < audiocore::textTypes; ++type)
-        if (edits.texts[size_t(type)])
-            setAsfText(*file.tag(), type, *edits.texts[size_t(type)]);
+        if (const auto& text = edits.texts[size_t(type)])
+            setAsfText(*file.tag(), type, *text);
     if (edits.picture)
         audiocore::setAsfPicture(*file.tag(), *edits.picture);
     return file.save();

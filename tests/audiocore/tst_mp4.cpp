@@ -65,6 +65,23 @@ QByteArray withWideTable(QByteArray file)
     return file;
 }
 
+/// Whether the index at the end, where there is one, says where the fragments are.
+bool indexIsRight(const QByteArray& file)
+{
+    const int index = file.indexOf("tfra");
+    if (index < 0)
+        return true;
+    const bool wide = file.at(index + 4) == 1;
+    const int size = (wide ? 16 : 8) + 3; // the three numbers behind have a byte each
+    const int count = int(numberAt(file, index + 16));
+    for (int entry = 0; entry < count; ++entry) {
+        const int place = index + 20 + entry * size + (wide ? 12 : 4);
+        if (file.mid(int(numberAt(file, place)) + 4, 4) != "moof")
+            return false;
+    }
+    return count > 0 && (numberAt(file, index + 12) & 63) == 0;
+}
+
 struct Work
 {
     std::int64_t steps = 0;
@@ -156,6 +173,8 @@ private slots:
     void hostileAtomsTakeFewSteps();
     void anEndlessTableTakesFewSteps_data();
     void anEndlessTableTakesFewSteps();
+    void hugeItemsAreNotRead_data();
+    void hugeItemsAreNotRead();
     void musicTakesASmallPartOfWhatItMay_data();
     void musicTakesASmallPartOfWhatItMay();
 
@@ -209,6 +228,7 @@ void TestMp4::theMusicIsFoundWhereItMoved()
         QCOMPARE(AudioFile::read(path).picture, wanted);
         QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), QStringLiteral("Tide"));
         QCOMPARE(soundOf(path), sound);
+        QVERIFY(indexIsRight(contentOf(path)));
         QCOMPARE(AudioFile::properties(path).duration, before.duration);
     }
 }
@@ -347,6 +367,42 @@ void TestMp4::anEndlessTableTakesFewSteps()
     QVERIFY(workOn(path, CheckedStream::Mode::Read).steps < 5000);
     const Work work = workOn(path, CheckedStream::Mode::ReadWrite, Fixtures::jpeg(100, 100, 1));
     QVERIFY2(work.steps < 5000, qPrintable(QString::number(work.steps)));
+}
+
+void TestMp4::hugeItemsAreNotRead_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<quint64>("size");
+    for (const char* name : {"\251nam", "gnre", "trkn", "covr", "----"})
+        for (const quint64 size : {quint64(33) << 20, quint64(3) << 30})
+            QTest::addRow("%s, %llu bytes", name[0] == '\251' ? "a text" : name, size)
+                << QByteArray(name) << size;
+}
+
+void TestMp4::hugeItemsAreNotRead()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(quint64, size);
+    QByteArray content =
+        Mp4::number(quint32(size) + 16) + "data" + Mp4::number(name == "covr" ? 13 : 1) + Mp4::number(0);
+    for (const QByteArray& around : {name, QByteArray("ilst"), QByteArray("meta"), QByteArray("udta")}) {
+        const QByteArray inside = (around == "meta" ? Mp4::number(0) : QByteArray()) + content;
+        content = Mp4::number(1) + around + Mp4::number64(size + quint64(inside.size()) + 16) + inside;
+    }
+    const QByteArray track = Mp4::track(Mp4::table("stco", 0, QByteArray()));
+    const QByteArray moov =
+        Mp4::number(1) + "moov" + Mp4::number64(size + quint64((track + content).size()) + 16);
+    const QString path = file(Mp4::atom("ftyp", "M4A " + Mp4::number(0)) + moov + track + content);
+    QFile hole(path);
+    QVERIFY(hole.open(QIODevice::ReadWrite));
+    QVERIFY(hole.resize(hole.size() + qint64(size)));
+    hole.close();
+    QCOMPARE(AudioFile::properties(path).duration, 3000);
+    QVERIFY(AudioFile::read(path).texts.isEmpty());
+    QVERIFY(AudioFile::read(path).picture.isEmpty());
+    const Work work = workOn(path, CheckedStream::Mode::Read);
+    QVERIFY2(work.bytes < 300000 && work.steps < 200, qPrintable(QString::number(work.bytes)));
+    QFile::remove(path);
 }
 
 void TestMp4::musicTakesASmallPartOfWhatItMay_data()
