@@ -189,9 +189,13 @@ bool NewFile::becomeOriginal(Content content, std::string& error)
     const int from = m_place->original.fd;
     const int made = ::fileno(m_file);
     std::string failure;
+    struct stat now = {};
     if ((content == Content::Empty || copyContent(from, m_place->originalStatus, made, failure)) &&
-        becomeLike(from, m_place->originalStatus, made))
-        return true;
+        becomeLike(from, m_place->originalStatus, made) && ::fstat(from, &now) == 0) {
+        if (stateFrom(now) == m_original)
+            return true;
+        failure = "another program is writing the file";
+    }
     error = "the new file cannot be written: " + (failure.empty() ? reason() : failure);
     return false;
 }

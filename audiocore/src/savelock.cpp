@@ -3,6 +3,7 @@
 #include "platform.h"
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <functional>
 #include <thread>
@@ -37,9 +38,10 @@ SaveLock::SaveLock(const std::string& target) : m_inProcess(mutexOf(target))
         if (!m_file)
             return;
         const bool locked = platform::lockFile(m_file.get());
-        if (locked && isAtItsPath(m_file.get(), target))
+        const bool isHeld = !locked && errno == EWOULDBLOCK; // else there are no locks here
+        if (locked ? isAtItsPath(m_file.get(), target) : !isHeld)
             return;
-        if (!locked) // else its former holder has put another file there
+        if (isHeld) // else its former holder has put another file there
             std::this_thread::sleep_for(pause);
     }
 #endif

@@ -204,6 +204,7 @@ void TestSafeSave::whatAnotherProgramWritesMeanwhileStays_data()
     QTest::newRow("in the file") << "in place";
     QTest::newRow("as a new file") << "renamed";
     QTest::newRow("in as many bytes, with the old time") << "unseen";
+    QTest::newRow("in the file, while it is copied") << "early";
 }
 
 void TestSafeSave::whatAnotherProgramWritesMeanwhileStays()
@@ -213,7 +214,7 @@ void TestSafeSave::whatAnotherProgramWritesMeanwhileStays()
     writeAlbum(song, "Old album");
     const Interposed::Guard guard;
     int written = 0;
-    Interposed::beforeSync = [&] {
+    const auto write = [&] {
         if (written++ > 0)
             return;
         const struct stat before = statusOf(song);
@@ -229,6 +230,13 @@ void TestSafeSave::whatAnotherProgramWritesMeanwhileStays()
             ::utimensat(AT_FDCWD, native(song).c_str(), times, 0);
         }
     };
+    if (way == QLatin1String("early"))
+        Interposed::copiesInKernel = [&](size_t wanted) {
+            write();
+            return ssize_t(wanted);
+        };
+    else
+        Interposed::beforeSync = write;
     QCOMPARE(AudioFile::write(song, {{TAG_TITLE, QStringLiteral("Title")}}), 0);
     QVERIFY(written > 0);
     QCOMPARE(textOf(song, TAG_ALBUM), QStringLiteral("New album"));
