@@ -93,10 +93,11 @@ std::optional<MusicLibrary::Access> MusicLibrary::accessTo(std::uint64_t id)
         audiocore::logLine("the music library", "several tracks have this identifier, none was changed");
         return std::nullopt;
     }
-    return Access{m_file, place->location ? pathOf(place->location) : std::string()};
+    return Access{m_file, m_store, place->location ? pathOf(place->location) : std::string(),
+                  m_store->valuesOf(*place)};
 }
 
-bool MusicLibrary::edit(std::uint64_t id, const TrackEdit& edit, const std::string& coverPath)
+bool MusicLibrary::edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath)
 {
     const std::optional<Access> track = accessTo(id);
     if (!track)
@@ -114,7 +115,12 @@ bool MusicLibrary::edit(std::uint64_t id, const TrackEdit& edit, const std::stri
         audiocore::logLine(coverPath, "is no picture, the track's artwork stays as it is");
         picture->clear();
     }
-    return track->file->edit(id, edit, [&] { return writeTags(track->mediaPath, edit, *picture); });
+    const JournalRecord record{id, false, differenceOf(track->lastSeen, values), markOf(*picture, coverPath)};
+    if (!track->file->edit(record, [&] { return writeTags(track->mediaPath, record.edit, *picture); }))
+        return false;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    track->store->noteEdit(id, values);
+    return true;
 }
 
 bool MusicLibrary::remove(std::uint64_t id)

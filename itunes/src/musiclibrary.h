@@ -25,7 +25,8 @@ public:
 
     /// The location of a track with a file; nothing for another.
     std::optional<std::string> locationOf(std::uint64_t id);
-    bool edit(std::uint64_t id, const TrackEdit& edit, const std::string& coverPath);
+    /// What the values say anew against what the caller has last seen is written, and nothing else.
+    bool edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath);
     bool remove(std::uint64_t id);
     bool writeArtwork(std::uint64_t id, const std::string& path);
 
@@ -34,7 +35,9 @@ private:
     struct Access
     {
         std::shared_ptr<LibraryFile> file;
+        std::shared_ptr<TrackStore> store;
         std::string mediaPath; ///< empty for a track without a file
+        TrackValues lastSeen;  ///< by the caller
     };
 
     std::shared_ptr<LibraryFile> currentFile();
