@@ -54,16 +54,22 @@ void MusicLibrary::read(iTunesTrackRecord** records, int* count)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_former = std::move(m_store);
+    m_problem.clear();
     std::unique_ptr<TrackStore> store;
     if (const std::shared_ptr<LibraryFile> library = currentFile()) {
-        std::string error;
-        store = library->read(error);
+        store = library->read(m_problem);
         if (!store)
-            audiocore::logLine(library->path(), "the music library cannot be read: " + error);
+            audiocore::logLine(library->path(), "the music library cannot be read: " + m_problem);
     }
     m_store = store ? std::move(store) : std::make_unique<TrackStore>();
     *records = m_store->records();
     *count = m_store->count();
+}
+
+const char* MusicLibrary::problem()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_problem.c_str();
 }
 
 void MusicLibrary::close()

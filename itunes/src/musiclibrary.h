@@ -21,6 +21,8 @@ public:
     /// Writes what an earlier run left, in the background.
     void prepare();
     void read(iTunesTrackRecord** records, int* count);
+    /// Of the last reading; empty when it went well. Valid until the next one.
+    const char* problem();
     void close();
 
     /// The location of a track with a file; nothing for another.
@@ -50,6 +52,7 @@ private:
     std::shared_ptr<LibraryFile> m_file;
     std::shared_ptr<TrackStore> m_store;
     std::shared_ptr<TrackStore> m_former; ///< the views may still show it while a new reading begins
+    std::string m_problem;
     Artwork m_artwork;
 };
 } // namespace itunes
