@@ -18,6 +18,7 @@ public:
         Done,
         ChangedMeanwhile, ///< somebody else wrote the file, or exchanged a name: everything is as they left
                           ///< it
+        NameTaken,        ///< something has the name already, and keeps it
         Failed
     };
 
@@ -44,6 +45,8 @@ public:
     Taking replaceOriginal(std::string& error);
     /// Takes the name, in the same folder, of whatever is there.
     Taking takeName(const std::string& path, std::string& error);
+    /// Takes the name, in the same folder, unless something has it.
+    Taking takeFreeName(const std::string& path, std::string& error);
 
 private:
     struct Place;
@@ -55,6 +58,7 @@ private:
     bool becomeOriginal(Content content, std::string& error);
     bool isAtItsName() const;
     Taking moveTo(const std::string& name, std::string& error);
+    Taking takenAt(const std::string& name);
 
     std::unique_ptr<Place> m_place;
     std::FILE* m_file = nullptr;

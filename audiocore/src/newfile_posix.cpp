@@ -234,7 +234,33 @@ NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
     }
     if (isAtItsName()) // between two names of one file nothing is renamed
         ::unlinkat(folder, m_place->name.c_str(), 0);
-    ::fsync(folder);
+    return takenAt(name);
+}
+
+NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
+{
+    error = "another program exchanged the new file meanwhile";
+    if (!isAtItsName())
+        return Taking::ChangedMeanwhile;
+    const int folder = m_place->folder.fd;
+    const std::string name = nameOf(path);
+    if (::linkat(folder, m_place->name.c_str(), folder, name.c_str(), 0) == 0) {
+        ::unlinkat(folder, m_place->name.c_str(), 0);
+        return takenAt(name);
+    }
+    // Not every file system has further names.
+    FileState there;
+    if (errno == EEXIST || stateAt(folder, name, there)) {
+        error = "something has the name " + name;
+        return Taking::NameTaken;
+    }
+    return moveTo(name, error);
+}
+
+/// Under its last name the file is nobody's to remove any more.
+NewFile::Taking NewFile::takenAt(const std::string& name)
+{
+    ::fsync(m_place->folder.fd);
     m_place->name = name;
     const Taking taking = isAtItsName() ? Taking::Done : Taking::ChangedMeanwhile;
     m_place->name.clear();

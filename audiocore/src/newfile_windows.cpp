@@ -161,6 +161,15 @@ NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
     return moveTo(path, error);
 }
 
+NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
+{
+    std::error_code failure;
+    if (fs::symlink_status(fs::u8path(path), failure).type() == fs::file_type::not_found)
+        return moveTo(path, error);
+    error = "something has the name " + path;
+    return Taking::NameTaken;
+}
+
 NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
 {
     error = "another program exchanged the new file meanwhile";

@@ -22,6 +22,9 @@ public:
     QString path() const { return inFolder("Library.xml"); }
     QString journal() const { return path() + ".melodrift-journal"; }
     QString backup() const { return path() + ".melodrift-backup"; }
+    /// The version that was there first, and journals that could not be applied whole.
+    QStringList originals() const { return beside("Library.xml.melodrift-original-*"); }
+    QStringList keptJournals() const { return beside("Library.xml.melodrift-journal-kept-*"); }
     QString media(int number) const { return inFolder(QString("song%1.mp3").arg(number)); }
     QString inFolder(const QString& name) const { return m_folder.filePath(name); }
     static quint64 id(int number) { return Fixtures::itunesTrack(number).persistentId; }
@@ -59,6 +62,14 @@ public:
     QVector<Fixtures::ITunesPlaylist> playlists;
 
 private:
+    QStringList beside(const QString& pattern) const
+    {
+        QStringList paths;
+        for (const QString& name : QDir(folder()).entryList({pattern}))
+            paths.append(inFolder(name));
+        return paths;
+    }
+
     QTemporaryDir m_folder;
 };
 
