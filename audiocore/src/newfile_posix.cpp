@@ -15,7 +15,6 @@
 
 namespace platform = audiocore::platform;
 using platform::Descriptor;
-using platform::FileState;
 using platform::NewFile;
 
 namespace {
