@@ -231,7 +231,31 @@ NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
         error = reason();
         return Taking::Failed;
     }
-    if (isAtItsName()) // between two names of one file nothing is renamed
+    return settleAt(name);
+}
+
+NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
+{
+    const int folder = m_place->folder.fd;
+    const std::string name = nameOf(path);
+    error = "another program exchanged the new file meanwhile";
+    if (!isAtItsName())
+        return Taking::ChangedMeanwhile;
+    if (::linkat(folder, m_place->name.c_str(), folder, name.c_str(), 0) == 0)
+        return settleAt(name);
+    FileState there;
+    if (errno == EEXIST || stateAt(folder, name, there)) {
+        error = "there is a file of that name";
+        return Taking::NameTaken;
+    }
+    return moveTo(name, error); // not every file system knows further names
+}
+
+/// What follows once the file has that name.
+NewFile::Taking NewFile::settleAt(const std::string& name)
+{
+    const int folder = m_place->folder.fd;
+    if (isAtItsName()) // it has its former name as well: between names of one file nothing is renamed
         ::unlinkat(folder, m_place->name.c_str(), 0);
     ::fsync(folder);
     m_place->name = name;
@@ -256,6 +280,17 @@ void platform::removeLeftovers(const std::string& path)
         if (file.isOpen() && ::flock(file.fd, LOCK_EX | LOCK_NB) == 0)
             ::unlinkat(folder.fd, entry->d_name, 0);
     }
+}
+
+bool platform::renameFile(const std::string& from, const std::string& to, std::string& error)
+{
+    const Descriptor folder = openFolderOf(from);
+    if (folder.isOpen() && ::renameat(folder.fd, nameOf(from).c_str(), folder.fd, nameOf(to).c_str()) == 0) {
+        ::fsync(folder.fd);
+        return true;
+    }
+    error = reason();
+    return false;
 }
 
 bool platform::createLike(const std::string& model, const std::string& path, std::string& error)
