@@ -76,14 +76,14 @@ QString removeIfUnchanged(const QString& path, const FileState& state)
     const int folder = openFolder(nameBegin > 0 ? whole.left(nameBegin) : QByteArray("."));
     if (folder < 0)
         return qt_error_string(errno);
-    QString reason;
     struct stat there = {};
-    if (::fstatat(folder, name.constData(), &there, AT_SYMLINK_NOFOLLOW) != 0)
+    const bool gone = ::fstatat(folder, name.constData(), &there, AT_SYMLINK_NOFOLLOW) != 0;
+    const bool unchanged = !gone && state.exists() && entryState(folder, name) == state;
+    QString reason;
+    if (gone || (unchanged && ::unlinkat(folder, name.constData(), 0) != 0))
         reason = qt_error_string(errno);
-    else if (!state.exists() || entryState(folder, name) != state)
+    else if (!unchanged)
         reason = whenChanged();
-    else if (::unlinkat(folder, name.constData(), 0) != 0)
-        reason = qt_error_string(errno);
     ::close(folder);
     return reason;
 }

@@ -16,9 +16,9 @@ public:
     enum class Content { Copied, Empty };
     enum class Taking {
         Done,
+        NameTaken,        ///< by something that was not to be replaced
         ChangedMeanwhile, ///< somebody else wrote the file, or exchanged a name: everything is as they left
                           ///< it
-        NameTaken,        ///< something has the name already, and keeps it
         Failed
     };
 
@@ -45,7 +45,7 @@ public:
     Taking replaceOriginal(std::string& error);
     /// Takes the name, in the same folder, of whatever is there.
     Taking takeName(const std::string& path, std::string& error);
-    /// Takes the name, in the same folder, unless something has it.
+    /// Takes a name in the same folder that nothing has, not even a link to nowhere.
     Taking takeFreeName(const std::string& path, std::string& error);
 
 private:
@@ -58,7 +58,7 @@ private:
     bool becomeOriginal(Content content, std::string& error);
     bool isAtItsName() const;
     Taking moveTo(const std::string& name, std::string& error);
-    Taking takenAt(const std::string& name);
+    Taking settleAt(const std::string& name);
 
     std::unique_ptr<Place> m_place;
     std::FILE* m_file = nullptr;
@@ -67,6 +67,8 @@ private:
 
 /// Removes the new files that killed writers left beside the file; those of living writers stay.
 void removeLeftovers(const std::string& path);
+/// Gives what lies at `from` the name of `to`, in the same folder, instead of whatever is there.
+bool renameFile(const std::string& from, const std::string& to, std::string& error);
 /// Makes an empty file with owner and mode of `model` unless there is something at the path, a link included;
 /// that stays as it is. False with the reason in `error` when there is nothing afterwards.
 bool createLike(const std::string& model, const std::string& path, std::string& error);

@@ -15,7 +15,6 @@
 
 namespace platform = audiocore::platform;
 using platform::Descriptor;
-using platform::FileState;
 using platform::NewFile;
 
 namespace {
@@ -232,35 +231,33 @@ NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
         error = reason();
         return Taking::Failed;
     }
-    if (isAtItsName()) // between two names of one file nothing is renamed
-        ::unlinkat(folder, m_place->name.c_str(), 0);
-    return takenAt(name);
+    return settleAt(name);
 }
 
 NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
 {
+    const int folder = m_place->folder.fd;
+    const std::string name = nameOf(path);
     error = "another program exchanged the new file meanwhile";
     if (!isAtItsName())
         return Taking::ChangedMeanwhile;
-    const int folder = m_place->folder.fd;
-    const std::string name = nameOf(path);
-    if (::linkat(folder, m_place->name.c_str(), folder, name.c_str(), 0) == 0) {
-        ::unlinkat(folder, m_place->name.c_str(), 0);
-        return takenAt(name);
-    }
-    // Not every file system has further names.
+    if (::linkat(folder, m_place->name.c_str(), folder, name.c_str(), 0) == 0)
+        return settleAt(name);
     FileState there;
     if (errno == EEXIST || stateAt(folder, name, there)) {
-        error = "something has the name " + name;
+        error = "there is a file of that name";
         return Taking::NameTaken;
     }
-    return moveTo(name, error);
+    return moveTo(name, error); // not every file system knows further names
 }
 
-/// Under its last name the file is nobody's to remove any more.
-NewFile::Taking NewFile::takenAt(const std::string& name)
+/// What follows once the file has that name.
+NewFile::Taking NewFile::settleAt(const std::string& name)
 {
-    ::fsync(m_place->folder.fd);
+    const int folder = m_place->folder.fd;
+    if (isAtItsName()) // it has its former name as well: between names of one file nothing is renamed
+        ::unlinkat(folder, m_place->name.c_str(), 0);
+    ::fsync(folder);
     m_place->name = name;
     const Taking taking = isAtItsName() ? Taking::Done : Taking::ChangedMeanwhile;
     m_place->name.clear();
@@ -283,6 +280,17 @@ void platform::removeLeftovers(const std::string& path)
         if (file.isOpen() && ::flock(file.fd, LOCK_EX | LOCK_NB) == 0)
             ::unlinkat(folder.fd, entry->d_name, 0);
     }
+}
+
+bool platform::renameFile(const std::string& from, const std::string& to, std::string& error)
+{
+    const Descriptor folder = openFolderOf(from);
+    if (folder.isOpen() && ::renameat(folder.fd, nameOf(from).c_str(), folder.fd, nameOf(to).c_str()) == 0) {
+        ::fsync(folder.fd);
+        return true;
+    }
+    error = reason();
+    return false;
 }
 
 bool platform::createLike(const std::string& model, const std::string& path, std::string& error)

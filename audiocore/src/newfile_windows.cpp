@@ -161,15 +161,6 @@ NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
     return moveTo(path, error);
 }
 
-NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
-{
-    std::error_code failure;
-    if (fs::symlink_status(fs::u8path(path), failure).type() == fs::file_type::not_found)
-        return moveTo(path, error);
-    error = "something has the name " + path;
-    return Taking::NameTaken;
-}
-
 NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
 {
     error = "another program exchanged the new file meanwhile";
@@ -182,6 +173,20 @@ NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
         error = reason();
         return Taking::Failed;
     }
+    return settleAt(name);
+}
+
+NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
+{
+    if (GetFileAttributesW(fs::u8path(path).c_str()) != INVALID_FILE_ATTRIBUTES) {
+        error = "there is a file of that name";
+        return Taking::NameTaken;
+    }
+    return moveTo(path, error);
+}
+
+NewFile::Taking NewFile::settleAt(const std::string&)
+{
     m_place->name.clear();
     return Taking::Done;
 }
@@ -194,6 +199,14 @@ void platform::removeLeftovers(const std::string& path)
     for (const fs::directory_entry& entry : fs::directory_iterator(target.parent_path(), failure))
         if (entry.path().filename().u8string().compare(0, prefix.size(), prefix) == 0)
             fs::remove(entry.path(), failure); // fails while its writer has it open
+}
+
+bool platform::renameFile(const std::string& from, const std::string& to, std::string& error)
+{
+    if (moveOver(fs::u8path(from), fs::u8path(to)))
+        return true;
+    error = reason();
+    return false;
 }
 
 bool platform::createLike(const std::string& model, const std::string& path, std::string& error)

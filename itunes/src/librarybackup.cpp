@@ -136,12 +136,10 @@ bool LibraryBackup::rotate(std::string& error) const
     int gap = 1;
     while (gap < versions && isFile(backup(gap)))
         ++gap;
-    std::error_code failure;
-    for (int number = gap - 1; number >= 1 && !failure; --number)
-        fs::rename(fs::u8path(backup(number)), fs::u8path(backup(number + 1)), failure);
-    if (failure)
-        error = failure.message();
-    return !failure;
+    for (int number = gap - 1; number >= 1; --number)
+        if (!platform::renameFile(backup(number), backup(number + 1), error))
+            return false;
+    return true;
 }
 
 bool LibraryBackup::flush(std::string& error)

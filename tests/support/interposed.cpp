@@ -1,6 +1,7 @@
 #include "interposed.h"
 
 #include <cerrno>
+#include <ctime>
 
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -11,10 +12,11 @@ std::function<void()> beforeSync;
 std::function<void()> beforeLock;
 std::function<bool(int, off_t)> readFails;
 std::function<ssize_t(size_t)> copiesInKernel;
+std::function<void()> pauses;
 
 Guard::~Guard()
 {
-    beforeSync = beforeLock = nullptr;
+    beforeSync = beforeLock = pauses = nullptr;
     readFails = nullptr;
     copiesInKernel = nullptr;
 }
@@ -34,6 +36,16 @@ int flock(int fd, int operation) noexcept
     if (Interposed::beforeLock)
         Interposed::beforeLock();
     return int(::syscall(SYS_flock, fd, operation));
+}
+
+int usleep(useconds_t microseconds)
+{
+    if (Interposed::pauses) {
+        Interposed::pauses();
+        return 0;
+    }
+    const timespec pause = {time_t(microseconds / 1000000), long(microseconds % 1000000) * 1000};
+    return ::nanosleep(&pause, nullptr);
 }
 
 ssize_t pread(int fd, void* bytes, size_t count, off_t offset)

@@ -16,6 +16,8 @@ extern std::function<void()> beforeLock;
 extern std::function<bool(int fd, off_t offset)> readFails;
 /// How many bytes copying inside the kernel does; a negative number makes it fail as a broken disk does.
 extern std::function<ssize_t(size_t wanted)> copiesInKernel;
+/// In place of a pause of microseconds.
+extern std::function<void()> pauses;
 
 /// Takes all of them away at the end of a scope.
 struct Guard
