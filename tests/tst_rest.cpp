@@ -103,10 +103,10 @@ void TestRest::initTestCase()
 void TestRest::init()
 {
     qputenv("MELODRIFT_ITUNES_LIBRARY", m_music.filePath("none.xml").toUtf8());
+    m_watch = std::make_unique<RestWatch>();
     m_window = makeProgramWindow();
     m_window->show();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    m_watch = std::make_unique<RestWatch>();
 }
 
 void TestRest::cleanup()
