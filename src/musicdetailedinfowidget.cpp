@@ -333,10 +333,13 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
 
 void MusicDetailedInfoWidget::SlotChangeImage()
 {
+    const QMusicInfo* const song = m_pMusicInfo; // only compared: a mode switch may take it meanwhile
     const QString chosen = QFileDialog::getOpenFileName(
         this, QStringLiteral("Open File"), QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
         QStringLiteral("Images(*.png *.xpm *.jpg)"));
-    const QString path = chosen.isEmpty() ? QString() : CoverChoice::embeddable(chosen);
+    if (chosen.isEmpty() || m_pMusicInfo != song)
+        return;
+    const QString path = CoverChoice::embeddable(chosen);
     if (path.isEmpty())
         return;
     m_strNewCoverPath = path;

@@ -175,6 +175,7 @@ void TestCenterWidget::startsWithEveryViewHidden()
     for (const char* name :
          {"m_allMusicListView", "m_allMusicTableView", "m_dupMusicListView", "m_dupMusicTableView"})
         QVERIFY(fresh.findChild<QWidget*>(name)->isHidden());
+    QCOMPARE(fresh.findChild<QTableView*>("m_dupMusicTableView")->model()->columnCount(), 7);
     QVERIFY(fresh.findChild<QWidget*>("m_btnOpen")->isHidden());
     QVERIFY(fresh.findChild<QWidget*>("m_musicDetailedWidget")->isHidden());
     QVERIFY(!fresh.findChild<QWidget*>("m_btnGridDisplay")->isEnabled());
@@ -316,6 +317,7 @@ void TestCenterWidget::viewsLookAsTheyShould()
         QCOMPARE(list->frameShape(), QFrame::NoFrame);
         QVERIFY(list->uniformItemSizes()); // or a hundred thousand songs take seconds to lay out
         QCOMPARE(list->palette().color(QPalette::Text), QColor(0x28, 0x40, 0x4F));
+        QCOMPARE(list->palette().color(QPalette::Disabled, QPalette::Text), QColor(0x28, 0x40, 0x4F));
     }
     QCOMPARE(view<QListView>("m_allMusicListView")->font().pointSize(), 9);
     QVERIFY(view<QListView>("m_allMusicListView")->itemDelegate()->inherits("CoverGridDelegate"));
@@ -332,6 +334,7 @@ void TestCenterWidget::viewsLookAsTheyShould()
         QVERIFY(table->horizontalHeader()->styleSheet().contains("background:#EAF4FB"));
         QCOMPARE(table->selectionMode(), QAbstractItemView::SingleSelection);
         QCOMPARE(table->palette().color(QPalette::Text), QColor(0x28, 0x40, 0x4F));
+        QCOMPARE(table->palette().color(QPalette::Disabled, QPalette::Text), QColor(0x28, 0x40, 0x4F));
         QCOMPARE(table->editTriggers(), QAbstractItemView::NoEditTriggers);
         QCOMPARE(table->selectionBehavior(), QAbstractItemView::SelectRows);
         QCOMPARE(table->focusPolicy(), Qt::NoFocus);

@@ -66,6 +66,7 @@ private slots:
     void withoutPicturesTheHeaderIsPlacedAllTheSame();
     void menusOpenTheirPages();
     void theLocalWorkflowRunsFromEndToEnd();
+    void theCentralViewReachesTheNavigation();
     void startScanOpensTheDialogWhileNothingWasAdded();
     void pathsAreTakenInOnceTheLocalModeIsInForce();
     void progressShowsInTheHeader();
@@ -371,6 +372,14 @@ void TestMainWindow::theLocalWorkflowRunsFromEndToEnd()
     QVERIFY(part<QWidget>("m_dupMusicListView")->isVisible());
     QTest::mouseClick(part<QImageButton>("m_btnMusicUndefined"), Qt::LeftButton);
     QVERIFY(part<QWidget>("m_allMusicListView")->isVisible());
+    QCOMPARE(part<QListView>("m_allMusicListView")->model()->rowCount(), 1);
+    auto* list = part<QListView>("m_allMusicListView");
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      list->visualRect(list->model()->index(0, 0)).center());
+    QVERIFY(part<QWidget>("m_musicDetailedWidget")->isVisible());
+    QTest::mouseClick(part<QImageButton>("m_btnMusicAll"), Qt::LeftButton);
+    QVERIFY(part<QWidget>("m_musicDetailedWidget")->isHidden());
+    QCOMPARE(list->model()->rowCount(), 3);
     // Once files were added the button scans them.
     QCOMPARE(part<QImageButton>("m_btnStarScan")->accessibleName(), QString("Start Scan"));
     click("m_btnStarScan");
@@ -379,6 +388,25 @@ void TestMainWindow::theLocalWorkflowRunsFromEndToEnd()
     // Leaving the mode empties the counts.
     click("m_btnLocalClean");
     QTRY_COMPARE(caption("m_btnMusicAll"), QString("All songs(0)"));
+}
+
+void TestMainWindow::theCentralViewReachesTheNavigation()
+{
+    auto* center = part<CenterWidget>("m_middleMusicWidget");
+    const auto enabled = [this] {
+        QList<bool> states;
+        for (const char* name : {"m_btnMusicAll", "m_btnMusicUndefined", "m_btnMusicDuplicate"})
+            states.append(part<QWidget>(name)->isEnabled());
+        return states;
+    };
+    click("m_btnMusicUndefined");
+    QCOMPARE(enabled(), QList<bool>({true, false, true}));
+    emit center->emitSetNavigViewBtn();
+    QCOMPARE(enabled(), QList<bool>({false, true, true}));
+    emit center->emitForbidClickNavigBtn(true);
+    QCOMPARE(enabled(), QList<bool>({false, false, false}));
+    emit center->emitForbidClickNavigBtn(false);
+    QCOMPARE(enabled(), QList<bool>({true, true, true}));
 }
 
 void TestMainWindow::startScanOpensTheDialogWhileNothingWasAdded()

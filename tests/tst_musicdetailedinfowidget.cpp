@@ -55,6 +55,7 @@ private slots:
     void jpegAndPngAreEmbeddedAsTheyAre();
     void whatIsNoPictureIsNotTaken_data();
     void whatIsNoPictureIsNotTaken();
+    void aChooserThatOutlivesItsSongChangesNothing();
     void theFocusStaysInThePanel();
     void theCoverIsClickableInEditModeOnly();
     void aCancelledChooserChangesNothing();
@@ -491,6 +492,24 @@ void TestMusicDetailedInfoWidget::whatIsNoPictureIsNotTaken()
     QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30));
     click("m_btnApply");
     QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, Fixtures::readBytes(red));
+}
+
+/// As when a mode switch that was begun before empties the lists meanwhile.
+void TestMusicDetailedInfoWidget::aChooserThatOutlivesItsSongChangesNothing()
+{
+    const QString red = picture(QStringLiteral("late.png"), QColor(220, 20, 30));
+    click("m_btnEdit");
+    m_dialogs->expect([&](QWidget* dialog) {
+        m_panel->SetMusicDetailedInfo(nullptr);
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(red);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    QTest::mouseClick(child<QImageWidget>("currentImgWidget"), Qt::LeftButton);
+    m_panel->SetMusicDetailedInfo(m_song.get());
+    click("m_btnEdit");
+    click("m_btnApply");
+    QVERIFY(m_song->localInfo->coverPath != red);
+    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
 }
 
 /// Space would press whatever button got it.
