@@ -5,7 +5,9 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#ifndef __GLIBC__
 extern char** environ;
+#endif
 
 namespace {
 const char variable[] = "TMPDIR=";

@@ -98,7 +98,8 @@ PrivateFolder::Data::Data(const QString& parent)
 bool PrivateFolder::Data::make()
 {
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        std::string made = m_place + '/' + prefix + drawn;
+        std::string made = m_place;
+        made.append("/").append(prefix).append(drawn);
         if (!::mkdtemp(made.data()))
             return false;
         if (takeOver(made.substr(m_place.size() + 1)))

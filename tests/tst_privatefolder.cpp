@@ -5,10 +5,10 @@
 #include <QElapsedTimer>
 #include <QtTest>
 
+#include <array>
 #include <atomic>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 class TestPrivateFolder : public QObject
 {
@@ -181,9 +181,9 @@ void TestPrivateFolder::manyAtOnceKeepTheirFolders()
                 ++lost;
         }
     };
-    std::vector<std::thread> starters;
-    for (int i = 0; i < 6; ++i)
-        starters.emplace_back(startAndEnd);
+    std::array<std::thread, 6> starters;
+    for (std::thread& starter : starters)
+        starter = std::thread(startAndEnd);
     for (std::thread& starter : starters)
         starter.join();
     QCOMPARE(lost.load(), 0);
