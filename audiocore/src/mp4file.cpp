@@ -8,8 +8,6 @@
 
 #include <algorithm>
 
-using audiocore::Mp4Atom;
-using audiocore::Mp4Atoms;
 using audiocore::Mp4File;
 using audiocore::Mp4Value;
 using TagLib::ByteVector;

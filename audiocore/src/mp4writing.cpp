@@ -99,6 +99,7 @@ void replacePicture(std::vector<Field>& fields, const std::optional<Field>& fiel
 ByteVector newList(Mp4File& file, const std::vector<const Mp4Atom*>& items, const TagEdits& edits)
 {
     std::vector<Field> fields;
+    fields.reserve(items.size());
     for (const Mp4Atom* item : items)
         fields.push_back({item->name, bytesOf(file, *item)});
     for (int type = 0; type < audiocore::textTypes; ++type)
