@@ -31,6 +31,19 @@ bool itunes::makePrivate(std::FILE* file)
     return true;
 }
 #else
+namespace {
+/// A power cut must not take the new name away again.
+void syncFolderOf(const std::string& path)
+{
+    const std::string folder = path.substr(0, path.rfind('/') + 1);
+    const int opened = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (opened < 0)
+        return;
+    (void)::fsync(opened);
+    ::close(opened);
+}
+} // namespace
+
 Owner itunes::ownerOf(std::FILE* file, const std::string& libraryPath)
 {
     struct stat status = {};
@@ -58,6 +71,7 @@ bool itunes::createPrivate(const std::string& path, const std::string& libraryPa
     if (::geteuid() == 0 && ::stat(libraryPath.c_str(), &library) == 0)
         (void)!::fchown(made, library.st_uid, gid_t(-1));
     ::close(made);
+    syncFolderOf(path);
     return true;
 }
 

@@ -146,7 +146,12 @@ std::string itunes::lineOf(const JournalRecord& record, RecordState state)
         content += edit.year ? '\t' + (isSet + std::to_string(*edit.year)) : "\t";
         content += '\t' + quoted(record.cover.path) + '\t' + hexadecimal(record.cover.hash);
     }
-    return char(state) + content + '\t' + hexadecimal(hashOf(content)) + '\n';
+    return withChecksum(char(state) + content) + '\n';
+}
+
+std::string itunes::withChecksum(const std::string& line)
+{
+    return line + '\t' + hexadecimal(hashOf(std::string_view(line).substr(line.empty() ? 0 : 1)));
 }
 
 std::optional<std::pair<JournalRecord, RecordState>> itunes::recordOf(std::string_view line)

@@ -36,6 +36,8 @@ enum class RecordState : char {
 
 /// The first byte of a line is its state and can be changed in place. Ends with a line feed.
 std::string lineOf(const JournalRecord& record, RecordState state);
+/// A line from its state and content, without the line feed.
+std::string withChecksum(const std::string& line);
 /// Nothing for a line that is not whole, or says what no call can have said. Texts are clean. Without the
 /// line feed.
 std::optional<std::pair<JournalRecord, RecordState>> recordOf(std::string_view line);

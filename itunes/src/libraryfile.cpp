@@ -132,6 +132,8 @@ bool LibraryFile::edit(const JournalRecord& edit, const std::function<bool()>& w
     }
     if (!m_journal.confirm()) {
         report("the journal cannot be written");
+        m_content.begun = edit; // the media file has it: what hinders the disk may pass
+        m_writing.ask();
         return false;
     }
     mergeEdit(m_content.changes, edit.id, edit.edit);

@@ -160,6 +160,15 @@ Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, it
            : taking == NewFile::Taking::ChangedMeanwhile ? Outcome::ChangedMeanwhile
                                                          : Outcome::Failed;
 }
+
+/// The state of a new file that has taken the library's name since, which may count as a change.
+void noteNewName(const std::string& path, platform::FileState& state)
+{
+    platform::FileState now;
+    if (platform::stateOf(path, now) && now.device == state.device && now.inode == state.inode &&
+        now.size == state.size && now.modified == state.modified)
+        state = now;
+}
 } // namespace
 
 bool itunes::walkFile(std::FILE* file, LibraryVisitor& visitor, std::string& error)
@@ -179,6 +188,8 @@ bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, 
     platform::removeLeftovers(path);
     for (int i = 0; i < attempts; ++i) {
         const Outcome outcome = tryOnce(path, changes, written, error);
+        if (outcome == Outcome::Done)
+            noteNewName(path, written.contents.state);
         if (outcome != Outcome::ChangedMeanwhile)
             return outcome == Outcome::Done;
     }

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <sys/stat.h>
 
 /// A library of songs in a folder of its own, read by the calls that are tested.
@@ -53,6 +54,26 @@ public:
     /// What the file should hold, from the tracks and playlists as they are now.
     QByteArray document() const { return Fixtures::itunesLibrary(tracks, playlists); }
     QByteArray content() const { return LibraryCalls::contentOf(path()); }
+    /// The journal as a kill after the changes leaves it, without the line feeds that lie ready behind its
+    /// end.
+    QByteArray leftBy(const std::function<void()>& changes)
+    {
+        makeSongs(6, 1);
+        before = content();
+        changes();
+        QByteArray left = LibraryCalls::contentOf(journal());
+        while (left.endsWith("\n\n"))
+            left.chop(1);
+        closeITunesLibrary();
+        return left;
+    }
+    /// How many songs the library has with this journal beside it.
+    int countWith(const QByteArray& left) const
+    {
+        Fixtures::writeLibrary(path(), before);
+        Fixtures::writeLibrary(journal(), left);
+        return LibraryCalls::read(path()).count;
+    }
     QStringList temporaries() const
     {
         return QDir(folder()).entryList({".melodrift*"}, QDir::Files | QDir::Hidden);
@@ -60,6 +81,7 @@ public:
 
     QVector<Fixtures::ITunesTrack> tracks;
     QVector<Fixtures::ITunesPlaylist> playlists;
+    QByteArray before; ///< the library as no change has seen it
 
 private:
     QStringList beside(const QString& pattern) const

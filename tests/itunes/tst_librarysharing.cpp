@@ -22,6 +22,7 @@ private slots:
     void anEditThatFailedIsNoReading();
     void aTrackThatIsGoneIsNotEdited();
     void anEditWhoseTrackGoesIsKeptAside();
+    void withoutAnotherWriterNothingIsReadAgain();
     void theOriginalIsKeptForGood();
     void theLastThreeVersionsAreKept();
     void theOldestBackupThereIsTheOriginal();
@@ -143,6 +144,18 @@ void TestLibrarySharing::anEditWhoseTrackGoesIsKeptAside()
     QCOMPARE(log.size(), 1);
     QVERIFY2(log.first().contains(kept.first()), qPrintable(log.first()));
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 1);
+}
+
+void TestLibrarySharing::withoutAnotherWriterNothingIsReadAgain()
+{
+    const auto bytesRead = [] { return contentOf("/proc/self/io").split('\n').value(0).mid(7).toLongLong(); };
+    m_songs->makeSongs(5000, 2);
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), Edit()), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), 10000);
+    const qint64 before = bytesRead();
+    QCOMPARE(LibraryCalls::edit(m_songs->id(1), Edit()), 0);
+    const qint64 read = bytesRead() - before;
+    QVERIFY2(read < m_songs->content().size() / 2, qPrintable(QString::number(read)));
 }
 
 /// A run of its own with one deletion; the library that it found.
