@@ -19,16 +19,20 @@ function(melodrift_add_test name)
   target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${ARG_LIBS})
   # A test's own code need not be fast, but quick to build.
   target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-O0>)
+  set(patience "${CMAKE_SOURCE_DIR}/tests/support/patience.h")
+  target_compile_options(
+    ${name} PRIVATE "$<IF:$<CXX_COMPILER_ID:MSVC>,/FI${patience},SHELL:-include ${patience}>"
+  )
   add_test(NAME ${name} COMMAND ${name})
   if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 600)
+    set(ARG_TIMEOUT 1800)
   endif()
   set_tests_properties(
     ${name}
     PROPERTIES
       TIMEOUT ${ARG_TIMEOUT}
       ENVIRONMENT
-      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
+      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;QTEST_FUNCTION_TIMEOUT=1700000;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
   )
 endfunction()
 

@@ -77,11 +77,11 @@ QByteArray TestLibraryKill::outputOfKilledChanger(int seed)
     QProcess changer;
     changer.start(QCoreApplication::applicationDirPath() + "/library_changer",
                   {m_songs.path(), QString::number(seed)});
-    if (!changer.waitForReadyRead(30000)) // it is at work
+    if (!changer.waitForReadyRead(patience)) // it is at work
         return QByteArray();
     ::usleep(useconds_t(m_random.bounded(40000)));
     changer.kill();
-    changer.waitForFinished();
+    changer.waitForFinished(patience);
     const QByteArray output = changer.readAllStandardOutput();
     return output.left(output.lastIndexOf('\n') + 1);
 }
@@ -244,12 +244,12 @@ void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
                                    {songs.path(), gatePath, Fixtures::itunesIdentifier(SongLibrary::id(i))});
         }
         for (const auto& starter : starters)
-            QVERIFY(starter->waitForReadyRead(30000));
+            QVERIFY(starter->waitForReadyRead(patience));
         ::close(gate);
         QSet<QByteArray> gone;
         for (int i = 0; i < programs; ++i) {
             QByteArray output = starters[i]->readAll();
-            while (output.count('\n') < 2 && starters[i]->waitForReadyRead(30000))
+            while (output.count('\n') < 2 && starters[i]->waitForReadyRead(patience))
                 output += starters[i]->readAll();
             if (output == "ready\n1\n")
                 gone.insert(Fixtures::itunesIdentifier(SongLibrary::id(i)));
@@ -258,7 +258,7 @@ void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
         }
         for (const auto& starter : starters) {
             starter->kill();
-            starter->waitForFinished();
+            starter->waitForFinished(patience);
         }
         answered += gone.size();
         const Reading reading = LibraryCalls::read(songs.path());
