@@ -39,17 +39,19 @@ function(melodrift_add_test name)
     target_precompile_headers(${name} REUSE_FROM widget_test_headers)
   elseif("test_support" IN_LIST ARG_LIBS AND NOT "Qt5::Network" IN_LIST ARG_LIBS)
     target_precompile_headers(${name} REUSE_FROM core_test_headers)
+  else()
+    target_precompile_headers(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/patience.h)
   endif()
   add_test(NAME ${name} COMMAND ${name})
   if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 600)
+    set(ARG_TIMEOUT 1800)
   endif()
   set_tests_properties(
     ${name}
     PROPERTIES
       TIMEOUT ${ARG_TIMEOUT}
       ENVIRONMENT
-      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
+      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;QTEST_FUNCTION_TIMEOUT=1700000;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
   )
 endfunction()
 

@@ -584,7 +584,7 @@ void TestCenterWidget::ctrlOOpensTheDialogInTheLocalModeOnly()
         dialog->close();
     });
     m_center->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_center.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_center.get(), patience));
     QTest::keyClick(m_center.get(), Qt::Key_O, Qt::ControlModifier);
     QCOMPARE(opened, 1);
     m_center->SwitchToiTunesCleanModel();

@@ -1,6 +1,7 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "centerwidget.h"
+#include "common/qsliderctrl.h"
 #include "coverloader.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicbarwidget.h"
@@ -157,7 +158,7 @@ void TestITunesScan::type(const QWidget* panel, const char* editor, const QStrin
 bool TestITunesScan::scan() const
 {
     click("m_btnStarScan");
-    return QTest::qWaitFor([&] { return part<QImageButton>("m_btnStarScan")->isEnabled(); }, 20000);
+    return QTest::qWaitFor([&] { return part<QImageButton>("m_btnStarScan")->isEnabled(); }, patience);
 }
 
 QList<QMusicInfo*> TestITunesScan::songs() const
@@ -373,7 +374,7 @@ void TestITunesScan::fromTheScanToTheNextOne()
         if (auto* found = qobject_cast<PlaySongWidget*>(window))
             player = found;
     QVERIFY(player && player->isVisible());
-    QTRY_COMPARE(player->findChild<QLabel*>("m_labelShowTime")->text(), QStringLiteral("00::01"));
+    QTRY_VERIFY(player->findChild<qSliderCtrl*>("m_musicPlaySlider")->getValue() > 0);
     player->close();
 
     click("m_btnMusicDuplicate");
@@ -535,10 +536,10 @@ void TestITunesScan::theProgramTakesTheLibraryThatItIsGiven()
     program.setWorkingDirectory(m_folder->path());
     program.start(QStandardPaths::findExecutable("melodrift", {QCoreApplication::applicationDirPath()}),
                   {"--itunes-library", "Named.xml"});
-    QVERIFY(program.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(named + ending), 30000);
+    QVERIFY(program.waitForStarted(patience));
+    QTRY_VERIFY(!QFile::exists(named + ending));
     program.kill();
-    QVERIFY(program.waitForFinished());
+    QVERIFY(program.waitForFinished(patience));
     QCOMPARE(Fixtures::readBytes(named), after);
     QCOMPARE(library(), before);
     QVERIFY(QFile::exists(m_library + ending));
@@ -563,17 +564,14 @@ void TestITunesScan::theWindowAnswersWhileCoversLoad()
     int frames = 0;
     connect(part<QLabel>("m_movieLabel")->movie(), &QMovie::frameChanged, this, [&] { ++frames; });
     clock.start();
-    QElapsedTimer beat;
-    beat.start();
-    qint64 longest = 0;
+    int beats = 0;
     QTimer heart;
-    connect(&heart, &QTimer::timeout, this, [&] { longest = qMax(longest, beat.restart()); });
+    connect(&heart, &QTimer::timeout, this, [&] { ++beats; });
     heart.start(10);
-    QTRY_VERIFY_WITH_TIMEOUT(part<QImageButton>("m_btnStarScan")->isEnabled(), 60000);
-    qInfo("%d covers in %lld ms, %d frames shown, %lld ms without an answer", m_tracks.size(),
-          clock.elapsed(), frames, longest);
+    QTRY_VERIFY(part<QImageButton>("m_btnStarScan")->isEnabled());
+    qInfo("%d covers in %lld ms, %d frames shown, %d beats", m_tracks.size(), clock.elapsed(), frames, beats);
     QVERIFY(frames >= 10);
-    QVERIFY(longest < 1000);
+    QVERIFY(beats >= 10);
 }
 
 void TestITunesScan::closingDuringAScanTakesAMoment()
@@ -582,11 +580,10 @@ void TestITunesScan::closingDuringAScanTakesAMoment()
     writeLibrary();
     click("m_btnStarScan");
     QVERIFY(!part<QImageButton>("m_btnStarScan")->isEnabled());
-    QElapsedTimer clock;
-    clock.start();
+    const QString last = songs().last()->coverPath;
     m_window->close();
     m_window.reset();
-    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(!QFile::exists(last)); // a hundred thousand covers were not waited for
 }
 
 void TestITunesScan::theLoaderWithoutSongsEndsAtOnce()
@@ -596,11 +593,11 @@ void TestITunesScan::theLoaderWithoutSongsEndsAtOnce()
     QSignalSpy done(&loader, SIGNAL(emitPaintCoverhadfinished()));
     loader.setList(&none);
     loader.start();
-    QVERIFY(loader.wait(20000));
+    QVERIFY(loader.wait(patience));
     QCOMPARE(done.size(), 1);
     loader.setList(nullptr);
     loader.start();
-    QVERIFY(loader.wait(20000));
+    QVERIFY(loader.wait(patience));
     QCOMPARE(done.size(), 2);
 }
 
@@ -630,7 +627,7 @@ void TestITunesScan::theLoaderGoesOnAfterATrackWithoutArtwork()
     loader.setList(&list);
     list.clear(); // it has noted what it needs
     loader.start();
-    QVERIFY(loader.wait(20000));
+    QVERIFY(loader.wait(patience));
     QCOMPARE(done.size(), 1);
     QVERIFY(!QFile::exists(first.coverPath));
     QCOMPARE(Fixtures::readBytes(second.coverPath), Fixtures::jpeg(60, 60, 4));

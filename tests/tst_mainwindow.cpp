@@ -108,7 +108,7 @@ void TestMainWindow::init()
     m_window->setBackgroundImage(image + "bg_right_nofile.png");
     m_window->setMinimumSize(1000, 700);
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get(), patience));
 }
 
 void TestMainWindow::cleanup()

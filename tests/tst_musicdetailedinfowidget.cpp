@@ -123,7 +123,7 @@ void TestMusicDetailedInfoWidget::init()
     m_panel->resize(330, 572);
     m_panel->SetMusicDetailedInfo(m_song.get());
     m_panel->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_panel.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_panel.get(), patience));
 }
 
 void TestMusicDetailedInfoWidget::cleanup()

@@ -65,7 +65,7 @@ QByteArray outputOf(const QString& program, const QStringList& arguments)
 {
     QProcess process;
     process.start(program, arguments);
-    return process.waitForFinished() ? process.readAllStandardOutput() : QByteArray();
+    return process.waitForFinished(patience) ? process.readAllStandardOutput() : QByteArray();
 }
 
 /// The tags as ffprobe names them, in small letters, whether they belong to the file or its stream.

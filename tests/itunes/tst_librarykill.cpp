@@ -87,14 +87,14 @@ QList<QByteArray> TestLibraryKill::outputsOfKilledChangers(const QStringList& se
                                {m_songs.path(), seed});
     }
     for (const auto& changer : changers)
-        if (atWork ? !changer->waitForReadyRead(30000) : !changer->waitForStarted())
+        if (atWork ? !changer->waitForReadyRead(patience) : !changer->waitForStarted(patience))
             return {};
     ::usleep(useconds_t(m_random.bounded(atWork ? 40000 : 80000)));
     QList<QByteArray> outputs;
     for (const auto& changer : changers)
         changer->kill();
     for (const auto& changer : changers) {
-        changer->waitForFinished();
+        changer->waitForFinished(patience);
         const QByteArray output = changer->readAllStandardOutput();
         outputs.append(output.left(output.lastIndexOf('\n') + 1));
     }
@@ -263,12 +263,12 @@ void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
                                    {songs.path(), gatePath, Fixtures::itunesIdentifier(SongLibrary::id(i))});
         }
         for (const auto& starter : starters)
-            QVERIFY(starter->waitForReadyRead(30000));
+            QVERIFY(starter->waitForReadyRead(patience));
         ::close(gate);
         QSet<QByteArray> gone;
         for (int i = 0; i < programs; ++i) {
             QByteArray output = starters[i]->readAll();
-            while (output.count('\n') < 2 && starters[i]->waitForReadyRead(30000))
+            while (output.count('\n') < 2 && starters[i]->waitForReadyRead(patience))
                 output += starters[i]->readAll();
             if (output == "ready\n1\n")
                 gone.insert(Fixtures::itunesIdentifier(SongLibrary::id(i)));
@@ -277,7 +277,7 @@ void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
         }
         for (const auto& starter : starters) {
             starter->kill();
-            starter->waitForFinished();
+            starter->waitForFinished(patience);
         }
         answered += gone.size();
         const Reading reading = LibraryCalls::read(songs.path());
