@@ -1,6 +1,8 @@
 #include "checkedstream.h"
 
+#include "checkedmath.h"
 #include "platform.h"
+#include "tagscreen.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -20,6 +22,8 @@ constexpr std::int64_t dryStepsBorne = 5000000; // they cost next to nothing
 // Writing goes through whole files, some of them page by page.
 constexpr std::int64_t bytesAStepWriting = 128;
 constexpr std::int64_t timesThroughWriting = 8;
+
+thread_local std::int64_t stepsTaken = 0;
 } // namespace
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
@@ -59,8 +63,14 @@ TagLib::FileName CheckedStream::name() const
 #endif
 }
 
+std::int64_t CheckedStream::stepsOfThread()
+{
+    return stepsTaken;
+}
+
 bool CheckedStream::mayRead(unsigned long bytes)
 {
+    ++stepsTaken;
     if (--m_stepsLeft < -dryStepsBorne)
         throw EndlessReading();
     m_bytesLeft -= std::int64_t(bytes);
@@ -68,6 +78,11 @@ bool CheckedStream::mayRead(unsigned long bytes)
 }
 
 ByteVector CheckedStream::readBlock(unsigned long length)
+{
+    return m_screen ? m_screen->read(*this, length) : readUnscreened(length);
+}
+
+ByteVector CheckedStream::readUnscreened(unsigned long length)
 {
     const long left = std::max(0L, m_length - m_position);
     const auto count =
@@ -154,7 +169,7 @@ void CheckedStream::seek(long offset, Position position)
 {
     mayRead(0);
     const long base = position == Beginning ? 0 : position == Current ? m_position : m_length;
-    m_position = std::max(0L, base + offset);
+    m_position = std::max(0L, long(checked::sum(base, offset)));
 }
 
 void CheckedStream::truncate(long length)

@@ -8,6 +8,8 @@
 #include <string>
 
 namespace audiocore {
+class TagScreen;
+
 /// What a stream throws when its reader goes on for ever although nothing more comes. The tag library loses a
 /// little memory then, so it is the last resort.
 class EndlessReading : public std::runtime_error
@@ -35,6 +37,12 @@ public:
     /// Hands everything to the system and the device; false when any write since opening failed.
     bool flushToDevice();
 
+    /// What readBlock hands out goes through the screen, until null is set; the screen must live as long.
+    void setScreen(TagScreen* screen) { m_screen = screen; }
+    TagLib::ByteVector readUnscreened(unsigned long length);
+    /// How often this thread has read or sought in any such stream.
+    static std::int64_t stepsOfThread();
+
     TagLib::FileName name() const override;
     TagLib::ByteVector readBlock(unsigned long length) override;
     void writeBlock(const TagLib::ByteVector& data) override;
@@ -53,6 +61,7 @@ private:
     void writeAt(long position, const TagLib::ByteVector& data);
     void moveTail(long from, long to);
 
+    TagScreen* m_screen = nullptr;
     std::FILE* m_file = nullptr;
     Mode m_mode;
     long m_length = 0;

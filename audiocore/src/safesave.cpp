@@ -16,6 +16,7 @@ using audiocore::TagEdits;
 
 namespace {
 constexpr std::int64_t longestShift = 100; // milliseconds
+const char* const noMusic = "it holds no music that can be read";
 
 using Lock = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
@@ -24,6 +25,15 @@ struct Needed
     TagEdits edits;
     std::string leftOut; ///< why the picture is not among them
 };
+
+/// Whether readers are shown anything of the file at all: what is saved into another one nobody would see.
+bool holdsMusic(const std::string& path, std::string& error)
+{
+    if (audiocore::parsedMedia(path)->format != AUDIO_FORMAT_UNKNOWN)
+        return true;
+    error = noMusic;
+    return false;
+}
 
 /// The edits that the file needs and can take; false with a reason when it cannot be read.
 bool neededEdits(const std::string& path, const TagEdits& edits, Needed& needed, std::string& error)
@@ -35,7 +45,7 @@ bool neededEdits(const std::string& path, const TagEdits& edits, Needed& needed,
     }
     const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
     if (media.format == AUDIO_FORMAT_UNKNOWN) {
-        error = "it holds no music that can be read";
+        error = noMusic;
         return false;
     }
     needed.edits = audiocore::changesOf(edits, audiocore::readTags(media));
@@ -143,7 +153,7 @@ bool audiocore::saveEdits(const std::string& path, const TagEdits& edits)
         platform::removeLeftovers(target);
     bool saved = false;
     try {
-        saved = neededEdits(path, edits, needed, error) &&
+        saved = holdsMusic(path, error) && neededEdits(path, edits, needed, error) &&
                 (needed.edits.isEmpty() || saveChanges(target, needed.edits, error));
     } catch (const EndlessReading& reason) {
         error = reason.what();
