@@ -3,6 +3,7 @@
 #include "audiocore/tagitem.h"
 #include "fieldlist.h"
 #include "pictures.h"
+#include "taglimits.h"
 #include "tagtext.h"
 
 using audiocore::ApeBytes;
@@ -94,11 +95,17 @@ std::string ApeBytes::text(int type) const
 {
     std::string joined;
     for (const Item& item : m_items) {
-        if (!sameName(item.key, keys[type]) || (item.flags & valueKind) != 0)
+        if (!sameName(item.key, keys[type]) || (item.flags & valueKind) != 0 ||
+            item.value.size() > longestText)
             continue;
         joined += joined.empty() ? "" : "; ";
-        for (const char c : readableText(item.value))
+        for (const char c : readableText(item.value)) {
+            if (c == 0 && type == TAG_TITLE && !joined.empty())
+                return joined;
             joined += c == 0 ? std::string("; ") : std::string(1, c);
+        }
+        if (type == TAG_TITLE && !joined.empty())
+            break;
     }
     return joined;
 }
@@ -131,18 +138,45 @@ void ApeBytes::apply(const TagEdits& edits)
     replaceFields(m_items, isOld, replacement);
 }
 
+ByteVector ApeBytes::shown(const ByteVector& items)
+{
+    // The tag library knows these two as well.
+    const auto isText = [](const Item& item) {
+        return sameName(item.key, "Date") || sameName(item.key, "TrackNumber") ||
+               std::any_of(std::begin(keys), std::end(keys),
+                           [&item](const char* key) { return sameName(item.key, key); });
+    };
+    ApeBytes all;
+    all.readItems(items); // as far as they can be made out
+    unsigned int left = mostTextBytes;
+    ByteVector bytes;
+    for (const Item& item : all.m_items) {
+        const unsigned int cost = isText(item) ? item.value.size() + costOfField : 0;
+        const bool picture = isPicture(item.key) && (item.flags & valueKind) == binary;
+        if (cost > std::min(left, longestText) || (cost == 0 && !picture))
+            continue;
+        left -= cost;
+        append(bytes, item);
+    }
+    return bytes;
+}
+
+void ApeBytes::append(ByteVector& items, const Item& item)
+{
+    items.append(ByteVector::fromUInt(item.value.size(), false));
+    items.append(ByteVector::fromUInt(item.flags, false));
+    items.append(bytesOf(item.key));
+    items.append('\0');
+    items.append(item.value);
+}
+
 ByteVector ApeBytes::render() const
 {
     if (m_items.empty())
         return ByteVector();
     ByteVector items;
-    for (const Item& item : m_items) {
-        items.append(ByteVector::fromUInt(item.value.size(), false));
-        items.append(ByteVector::fromUInt(item.flags, false));
-        items.append(bytesOf(item.key));
-        items.append('\0');
-        items.append(item.value);
-    }
+    for (const Item& item : m_items)
+        append(items, item);
     ByteVector tag = edge(items.size(), m_items.size(), hasHeader | isHeader);
     tag.append(items);
     return tag.append(edge(items.size(), m_items.size(), hasHeader));

@@ -15,10 +15,12 @@ public:
     /// The size of the tag that ends with this footer, header included; 0 when it is none.
     static unsigned int sizeByFooter(const TagLib::ByteVector& footer);
     static constexpr unsigned int footerSize = 32;
+    /// Of a tag's items those that say ours, in bounds, as the items of another tag.
+    static TagLib::ByteVector shown(const TagLib::ByteVector& items);
 
     bool isEmpty() const { return m_items.empty(); }
     void apply(const TagEdits& edits);
-    /// All values of the item, joined; also those that are no UTF-8.
+    /// All values of the item, joined, of titles the first one; also those that are no UTF-8.
     std::string text(int type) const;
     /// No bytes without items.
     TagLib::ByteVector render() const;
@@ -31,6 +33,7 @@ private:
         TagLib::ByteVector value;
     };
 
+    static void append(TagLib::ByteVector& items, const Item& item);
     bool readItems(const TagLib::ByteVector& bytes);
 
     std::vector<Item> m_items;

@@ -1,6 +1,8 @@
 #include "checkedstream.h"
 
+#include "checkedmath.h"
 #include "platform.h"
+#include "tagscreen.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -41,6 +43,8 @@ Budget toWrite(std::int64_t size)
     constexpr std::int64_t newBytes = 256 << 20;
     return {toRead(size).steps + size / bytesAStep, newBytes + size * timesThrough};
 }
+
+thread_local std::int64_t stepsTaken = 0;
 } // namespace
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
@@ -93,8 +97,14 @@ TagLib::FileName CheckedStream::name() const
 #endif
 }
 
+std::int64_t CheckedStream::stepsOfThread()
+{
+    return stepsTaken;
+}
+
 bool CheckedStream::mayGoOn(StreamSize bytes)
 {
+    ++stepsTaken;
     if (++m_steps > m_mostSteps + dryStepsBorne)
         throw EndlessReading();
     // What is refused is not moved, but enough to tell that it was too much.
@@ -103,6 +113,11 @@ bool CheckedStream::mayGoOn(StreamSize bytes)
 }
 
 ByteVector CheckedStream::readBlock(StreamSize length)
+{
+    return m_screen ? m_screen->read(*this, length) : readUnscreened(length);
+}
+
+ByteVector CheckedStream::readUnscreened(StreamSize length)
 {
     const auto left = static_cast<StreamSize>(std::max(StreamOffset(0), m_length - m_position));
     const StreamSize size = std::min(length, left);

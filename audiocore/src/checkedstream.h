@@ -10,6 +10,8 @@
 #include <string>
 
 namespace audiocore {
+class TagScreen;
+
 /// What a stream throws when its reader goes on for ever although nothing more comes. The tag library loses a
 /// little memory then, so it is the last resort.
 class EndlessReading : public std::runtime_error
@@ -46,6 +48,12 @@ public:
     /// Hands everything to the system and the device; false when any read or write since opening failed.
     bool flushToDevice();
 
+    /// What readBlock hands out goes through the screen, until null is set; the screen must live as long.
+    void setScreen(TagScreen* screen) { m_screen = screen; }
+    TagLib::ByteVector readUnscreened(StreamSize length);
+    /// How often this thread has read or sought in any such stream.
+    static std::int64_t stepsOfThread();
+
     TagLib::FileName name() const override;
     TagLib::ByteVector readBlock(StreamSize length) override;
     void writeBlock(const TagLib::ByteVector& data) override;
@@ -66,6 +74,7 @@ private:
     void moveTail(StreamOffset from, StreamOffset to);
     void moveBlock(StreamOffset from, StreamOffset to, StreamOffset size);
 
+    TagScreen* m_screen = nullptr;
     std::FILE* m_file = nullptr;
     bool m_owned = true;
     Mode m_mode;

@@ -3,6 +3,7 @@
 #include "audiocore/tagitem.h"
 #include "fieldlist.h"
 #include "pictures.h"
+#include "taglimits.h"
 #include "tagtext.h"
 
 using audiocore::CommentBytes;
@@ -22,6 +23,28 @@ bool hasName(const ByteVector& field, const std::vector<const char*>& wanted)
     const std::string name(field.data(), size_t(end));
     return std::any_of(wanted.begin(), wanted.end(),
                        [&name](const char* known) { return audiocore::sameName(name, known); });
+}
+
+/// Whether the tag library will make a picture of the field, and a short text of its description.
+bool isPlainPicture(const ByteVector& field)
+{
+    constexpr unsigned int beginning = 88; // characters
+    constexpr unsigned int mimePlace = 4;
+    if (!hasName(field, pictureNames))
+        return false;
+    const ByteVector value = field.mid(unsigned(field.find('=')) + 1);
+    const auto isDigit = [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' ||
+               c == '/' || c == '=';
+    };
+    if (!std::all_of(value.begin(), value.end(), isDigit))
+        return false;
+    if (!hasName(field, {pictureNames.front()}))
+        return true;
+    const ByteVector head = ByteVector::fromBase64(value.mid(0, beginning));
+    const unsigned int mime = head.size() < 32 ? audiocore::longestText : head.toUInt(mimePlace);
+    return mime <= head.size() && mime + mimePlace + 8 <= head.size() &&
+           head.toUInt(mimePlace + 4 + mime) <= audiocore::longestText;
 }
 
 std::string valueOf(const ByteVector& field)
@@ -78,11 +101,42 @@ std::optional<CommentBytes> CommentBytes::parse(const ByteVector& comment)
     return parsed;
 }
 
+std::optional<CommentBytes::Bound> CommentBytes::boundOf(const ByteVector& comment)
+{
+    unsigned int position = 0;
+    if (comment.size() >= 8 && comment.toUInt(0u, false) > longestText)
+        return Bound{0, ByteVector(8, '\0'), 8};
+    if (!takeBlock(comment, position) || comment.size() - position < 4)
+        return std::nullopt;
+    const unsigned int place = position;
+    const unsigned int count = comment.toUInt(place, false);
+    position += 4;
+    unsigned int left = mostTextBytes;
+    for (unsigned int i = 0; i < count; ++i) {
+        const unsigned int end = position;
+        const std::optional<ByteVector> field = takeBlock(comment, position);
+        if (!field)
+            return std::nullopt;
+        const unsigned int cost = costOfField + (isPlainPicture(*field) ? 0 : field->size());
+        if (cost > left)
+            return Bound{place, ByteVector::fromUInt(i, false), end};
+        left -= cost;
+    }
+    return std::nullopt;
+}
+
+void CommentBytes::boundFields(ByteVector& comment)
+{
+    if (const std::optional<Bound> bound = boundOf(comment))
+        std::copy(bound->bytes.begin(), bound->bytes.end(), comment.begin() + bound->place);
+}
+
 std::string CommentBytes::text(int type) const
 {
     std::string joined;
     for (const ByteVector& field : m_fields)
-        if (hasName(field, names[type]) && !valueOf(field).empty())
+        if (field.size() <= longestText && hasName(field, names[type]) && !valueOf(field).empty() &&
+            (joined.empty() || type != TAG_TITLE))
             joined += (joined.empty() ? "" : "; ") + valueOf(field);
     return joined;
 }

@@ -1,6 +1,7 @@
 #include "infobytes.h"
 
 #include "fieldlist.h"
+#include "taglimits.h"
 
 using audiocore::InfoBytes;
 using TagLib::ByteVector;
@@ -41,12 +42,28 @@ void InfoBytes::apply(const TagEdits& edits)
 ByteVector InfoBytes::render() const
 {
     ByteVector list("INFO");
-    for (const Entry& entry : m_entries) {
-        list.append(entry.id);
-        list.append(ByteVector::fromUInt(entry.value.size(), false));
-        list.append(entry.value);
-        if (entry.value.size() & 1)
-            list.append('\0');
-    }
+    for (const Entry& entry : m_entries)
+        append(list, entry);
     return list.append(m_rest);
+}
+
+ByteVector InfoBytes::shown() const
+{
+    ByteVector list("INFO");
+    for (const char* id : ids) { // of several the library would take the last one
+        const auto last = std::find_if(m_entries.rbegin(), m_entries.rend(),
+                                       [id](const Entry& entry) { return entry.id == id; });
+        if (last != m_entries.rend() && last->value.size() <= longestText)
+            append(list, *last);
+    }
+    return list;
+}
+
+void InfoBytes::append(ByteVector& list, const Entry& entry)
+{
+    list.append(entry.id);
+    list.append(ByteVector::fromUInt(entry.value.size(), false));
+    list.append(entry.value);
+    if (entry.value.size() & 1)
+        list.append('\0');
 }

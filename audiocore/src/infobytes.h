@@ -14,6 +14,8 @@ public:
 
     void apply(const TagEdits& edits);
     TagLib::ByteVector render() const;
+    /// The entries that say our items, in bounds, as another list.
+    TagLib::ByteVector shown() const;
 
 private:
     struct Entry
@@ -21,6 +23,8 @@ private:
         TagLib::ByteVector id;
         TagLib::ByteVector value;
     };
+
+    static void append(TagLib::ByteVector& list, const Entry& entry);
 
     std::vector<Entry> m_entries;
     TagLib::ByteVector m_rest; ///< behind the last entry that can be made out

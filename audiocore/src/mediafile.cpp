@@ -1,7 +1,9 @@
 #include "mediafile.h"
 
+#include "checkedstream.h"
 #include "mp4file.h"
 #include "mpegframes.h"
+#include "tagscreen.h"
 #include "tagtext.h"
 #include "wavfile.h"
 
@@ -157,11 +159,26 @@ void addIf(std::vector<TagLib::Tag*>& tags, bool there, TagLib::Tag* tag)
     if (there && tag)
         tags.push_back(tag);
 }
+
+/// The library reads all tags at once, and it is for this reading only that it gets them screened.
+void openScreened(MediaFile& media, audiocore::Purpose purpose, const ByteVector& head)
+{
+    audiocore::CheckedStream& stream = *media.stream;
+    audiocore::TagScreen screen(media.format, stream, media.audioBegin, purpose);
+    if (media.format != AUDIO_FORMAT_M4A) // our own walk has bounds of its own
+        stream.setScreen(&screen);
+    const auto lift = [](audiocore::CheckedStream* screened) { screened->setScreen(nullptr); };
+    const std::unique_ptr<audiocore::CheckedStream, decltype(lift)> lifted(&stream, lift);
+    stream.seek(0);
+    media.file = fileOf(media.format, stream, head);
+    media.isWhole = screen.isWhole();
+}
 } // namespace
 
-MediaFile audiocore::openMedia(IOStream& stream, Purpose purpose)
+MediaFile audiocore::openMedia(CheckedStream& stream, Purpose purpose)
 {
     MediaFile media;
+    media.stream = &stream;
     media.audioBegin = behindId3v2(stream);
     const ByteVector head = headAt(stream, media.audioBegin);
     media.format = formatByMagic(head);
@@ -171,8 +188,7 @@ MediaFile audiocore::openMedia(IOStream& stream, Purpose purpose)
     // The tag library would search raw AAC from one end to the other for a tag that is not there.
     if (media.format == AUDIO_FORMAT_AAC && purpose == Purpose::Reading && !hasTag(stream, media.audioBegin))
         return media;
-    stream.seek(0);
-    media.file = fileOf(media.format, stream, head);
+    openScreened(media, purpose, head);
     const bool measuredByUs = mpeg || media.format == AUDIO_FORMAT_M4A;
     if (!media.file || !media.file->isValid() || (!measuredByUs && !media.file->audioProperties()))
         return MediaFile();

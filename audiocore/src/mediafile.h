@@ -3,12 +3,13 @@
 #include "audiocore/iaudiodecoder.h"
 
 #include <taglib/tfile.h>
-#include <taglib/tiostream.h>
 
 #include <memory>
 #include <vector>
 
 namespace audiocore {
+class CheckedStream;
+
 /// A music file opened by what is in it, whatever its name says.
 struct MediaFile
 {
@@ -17,6 +18,8 @@ struct MediaFile
     long audioBegin = 0;
     /// Null when the stream holds no music, or, read only, music without any tag.
     std::unique_ptr<TagLib::File> file;
+    bool isWhole = true;             ///< whether the library was shown all that it would write anew
+    CheckedStream* stream = nullptr; ///< what the file reads
 };
 
 enum class Purpose {
@@ -25,7 +28,7 @@ enum class Purpose {
 };
 
 /// The stream must outlive what is returned. The format is unknown when it holds no music.
-MediaFile openMedia(TagLib::IOStream& stream, Purpose purpose);
+MediaFile openMedia(CheckedStream& stream, Purpose purpose);
 /// The tags that a file of its kind has now, the one that is believed first at the front.
 std::vector<TagLib::Tag*> tagsOf(const MediaFile& media);
 } // namespace audiocore

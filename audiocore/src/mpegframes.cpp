@@ -1,5 +1,7 @@
 #include "mpegframes.h"
 
+#include "checkedmath.h"
+
 #include <taglib/tiostream.h>
 
 #include <algorithm>
@@ -151,8 +153,8 @@ MpegStream fromSamples(std::int64_t samples, int sampleRate, std::int64_t bytes)
 {
     MpegStream result;
     result.sampleRate = sampleRate;
-    result.milliseconds = sampleRate > 0 ? samples * 1000 / sampleRate : 0;
-    result.bitsPerSecond = result.milliseconds > 0 ? bytes * 8000 / result.milliseconds : 0;
+    result.milliseconds = audiocore::checked::scaled(samples, 1000, sampleRate);
+    result.bitsPerSecond = audiocore::checked::scaled(bytes, 8000, result.milliseconds);
     return result;
 }
 

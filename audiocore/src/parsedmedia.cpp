@@ -1,9 +1,11 @@
 #include "parsedmedia.h"
 
+#include "checkedmath.h"
 #include "checkedstream.h"
 #include "log.h"
 #include "mp4file.h"
 #include "platform.h"
+#include "soundlimits.h"
 #include "tagfields.h"
 #include "text.h"
 
@@ -37,7 +39,9 @@ std::int64_t millisecondsByLastPage(TagLib::File& file, int sampleRate)
 {
     auto* ogg = dynamic_cast<TagLib::Ogg::File*>(&file);
     const TagLib::Ogg::PageHeader* page = ogg && sampleRate > 0 ? ogg->lastPageHeader() : nullptr;
-    return page ? std::max<std::int64_t>(page->absoluteGranularPosition(), 0) * 1000 / sampleRate : 0;
+    return page ? audiocore::checked::scaled(std::max<std::int64_t>(page->absoluteGranularPosition(), 0),
+                                             1000, sampleRate)
+                : 0;
 }
 
 MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& stream)
@@ -57,7 +61,7 @@ MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& str
     if (result.milliseconds > 0)
         return result;
     result.milliseconds = millisecondsByLastPage(*media.file, result.sampleRate);
-    result.bitsPerSecond = result.milliseconds > 0 ? stream.length() * 8000 / result.milliseconds : 0;
+    result.bitsPerSecond = audiocore::checked::scaled(stream.length(), 8000, result.milliseconds);
     return result;
 }
 
@@ -78,7 +82,7 @@ bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
     const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
     const MpegStream properties =
         media.format == AUDIO_FORMAT_UNKNOWN ? MpegStream() : propertiesOf(media, stream);
-    if (properties.sampleRate <= 0)
+    if (!audiocore::isSampleRate(properties.sampleRate))
         return false;
     parsed.format = media.format;
     parsed.properties = properties;

@@ -1,5 +1,6 @@
 #include "playback.h"
 
+#include "checkedmath.h"
 #include "log.h"
 
 #include <algorithm>
@@ -149,7 +150,7 @@ void Playback::fail(const char* fault) noexcept
 
 void Playback::playToTheEnd()
 {
-    m_source.allowance = bytesToGetOn + m_audioBegin;
+    m_source.allowance = checked::sum(bytesToGetOn, m_audioBegin);
     PlaybackEngine engine(m_source, m_format, wake, this);
     for (;;) {
         handleEvents(engine);
@@ -225,7 +226,7 @@ void Playback::carryWishes(PlaybackEngine& engine)
         play = m_play && (m_enginePlays || !m_target);
     }
     if (target)
-        m_source.allowance = bytesToGetOn + *target * bytesASecondSought / 1000;
+        m_source.allowance = checked::sum(bytesToGetOn, checked::scaled(*target, bytesASecondSought, 1000));
     if (target && !engine.seek(*target)) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_target.reset();
@@ -244,8 +245,8 @@ void Playback::look(const PlaybackEngine& engine)
         return;
     if (position) {
         const std::int64_t more =
-            std::max<std::int64_t>(*position - m_position, 0) * bytesASecondPlayed / 1000;
-        m_source.allowance = std::min(m_source.allowance + more, bytesToGetOn);
+            checked::scaled(std::max<std::int64_t>(*position - m_position, 0), bytesASecondPlayed, 1000);
+        m_source.allowance = std::min(checked::sum(m_source.allowance, more), bytesToGetOn);
         m_position = *position;
     }
     if (atEnd && !m_finished) {

@@ -20,6 +20,7 @@ using platform::NewFile;
 namespace {
 constexpr std::int64_t longestShift = 100; // milliseconds
 constexpr int attempts = 5;
+const char* const noMusic = "it holds no music that can be read";
 
 enum class Outcome { Saved, ChangedMeanwhile, Failed };
 
@@ -28,6 +29,15 @@ struct Needed
     TagEdits edits;
     std::string leftOut; ///< why the picture is not among them
 };
+
+/// Whether readers are shown anything of the file at all: what is saved into another one nobody would see.
+bool holdsMusic(const std::string& path, std::string& error)
+{
+    if (audiocore::parsedMedia(path)->format != AUDIO_FORMAT_UNKNOWN)
+        return true;
+    error = noMusic;
+    return false;
+}
 
 /// The edits that the file needs and can take; false with a reason when it cannot be read.
 bool neededEdits(CheckedStream& stream, const TagEdits& edits, Needed& needed, std::string& error)
@@ -38,7 +48,7 @@ bool neededEdits(CheckedStream& stream, const TagEdits& edits, Needed& needed, s
     }
     const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
     if (media.format == AUDIO_FORMAT_UNKNOWN) {
-        error = "it holds no music that can be read";
+        error = noMusic;
         return false;
     }
     needed.edits = audiocore::changesOf(edits, audiocore::readTags(media));
@@ -159,7 +169,7 @@ Outcome tryOnce(const std::string& path, const TagEdits& edits, Needed& needed, 
     platform::FileState before;
     platform::stateOf(target, before);
     Outcome outcome = Outcome::Failed;
-    if (neededEdits(target, edits, needed, error))
+    if (holdsMusic(target, error) && neededEdits(target, edits, needed, error))
         outcome = needed.edits.isEmpty() ? Outcome::Saved : saveChanges(target, before, needed.edits, error);
     if (outcome == Outcome::Saved && !needed.edits.isEmpty())
         return outcome;

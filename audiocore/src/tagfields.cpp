@@ -6,6 +6,7 @@
 #include "id3v2bytes.h"
 #include "mp4file.h"
 #include "pictures.h"
+#include "taglimits.h"
 #include "tagplaces.h"
 #include "text.h"
 
@@ -37,6 +38,7 @@ std::string shownText(int type, const std::string& text)
     return type == TAG_TRACK ? audiocore::trackOf(text) : text;
 }
 
+/// Several values joined; but of titles the first one, since it is by titles that duplicates are told.
 std::string valueOf(const TagLib::PropertyMap& properties, int type)
 {
     TagLib::StringList values = properties[propertyNames[type]];
@@ -44,7 +46,7 @@ std::string valueOf(const TagLib::PropertyMap& properties, int type)
         values = properties["YEAR"];
     std::string joined;
     for (const String& value : values) {
-        if (value.isEmpty())
+        if (value.isEmpty() || (type == TAG_TITLE && !joined.empty()))
             continue;
         joined += (joined.empty() ? "" : "; ") + value.to8Bit(true);
     }
@@ -98,6 +100,8 @@ void addTexts(TagContent& content, TextOf textOf)
         if (!text.empty())
             continue;
         text = textOf(type);
+        if (type == TAG_TITLE) // the first value alone
+            text.resize(std::min(text.find('\0', text.find_first_not_of('\0')), text.size()));
         text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
         text = shownText(type, text);
     }
@@ -110,6 +114,13 @@ void addTextsOf(TagContent& content, const std::optional<Tag>& tag)
         addTexts(content, [&tag](int type) { return tag->text(type); });
 }
 
+/// A tag that is taken apart a second time, unless that takes too much.
+template <class Bytes>
+std::optional<Bytes> parsed(const std::optional<TagLib::ByteVector>& tag)
+{
+    return tag && long(tag->size()) <= audiocore::mostTagBytes ? Bytes::parse(*tag) : std::nullopt;
+}
+
 bool isIncomplete(const TagContent& content)
 {
     return std::any_of(content.texts.begin(), content.texts.end(),
@@ -118,8 +129,9 @@ bool isIncomplete(const TagContent& content)
 
 /// The library makes nothing of texts that are not in the encoding that they are marked with. Their bytes are
 /// read again only where it came upon such fields.
-void addUnreadTexts(TagContent& content, TagLib::File& file, const TagLib::Tag& tag)
+void addUnreadTexts(TagContent& content, const audiocore::MediaFile& media, const TagLib::Tag& tag)
 {
+    TagLib::File& file = *media.file;
     if (!isIncomplete(content))
         return;
     const auto unread = [&content](const auto& contains, const char* const* names) {
@@ -131,15 +143,15 @@ void addUnreadTexts(TagContent& content, TagLib::File& file, const TagLib::Tag& 
     if (const auto* id3v2 = dynamic_cast<const TagLib::ID3v2::Tag*>(&tag)) {
         const auto contains = [id3v2](const char* id) { return !id3v2->frameList(id).isEmpty(); };
         if (unread(contains, id3v2Frames) || id3v2->header()->majorVersion() == 2)
-            if (const auto bytes = audiocore::Id3v2Bytes::parse(audiocore::id3v2Bytes(file)))
+            if (const auto bytes = parsed<audiocore::Id3v2Bytes>(audiocore::id3v2Bytes(file)))
                 addTexts(content, [&bytes](int type) { return bytes->unreadText(type); });
     } else if (const auto* ape = dynamic_cast<const TagLib::APE::Tag*>(&tag)) {
         const auto contains = [ape](const char* key) { return ape->itemListMap().contains(key); };
         if (unread(contains, apeKeys))
-            addTextsOf(content, audiocore::ApeBytes::parse(bytesAt(file, audiocore::findApe(file))));
+            addTextsOf(content, parsed<audiocore::ApeBytes>(bytesAt(file, audiocore::findApe(file))));
     } else if (dynamic_cast<const TagLib::Ogg::XiphComment*>(&tag)) {
         // It leaves no trace of them here.
-        addTextsOf(content, audiocore::CommentBytes::parse(audiocore::commentBytes(file)));
+        addTextsOf(content, audiocore::CommentBytes::parse(audiocore::commentBytes(media)));
     }
 }
 } // namespace
@@ -157,7 +169,7 @@ TagContent audiocore::readTags(const MediaFile& media)
         addValues(content, propertiesOf(*mp4));
     for (TagLib::Tag* tag : tagsOf(media)) {
         addValues(content, propertiesOf(*tag));
-        addUnreadTexts(content, *media.file, *tag);
+        addUnreadTexts(content, media, *tag);
     }
     readPictures(media, content);
     return content;

@@ -1,8 +1,12 @@
 #include "tagplaces.h"
 
 #include "apebytes.h"
+#include "commentbytes.h"
 #include "fieldlist.h"
 #include "id3v2bytes.h"
+#include "mediafile.h"
+#include "oggpacket.h"
+#include "taglimits.h"
 #include "wavfile.h"
 
 #include <taglib/mpegfile.h>
@@ -73,8 +77,10 @@ Place audiocore::findApe(TagLib::File& file)
     return size <= end ? Place{end - size, size} : Place{end, 0};
 }
 
-ByteVector audiocore::bytesAt(TagLib::File& file, const Place& place)
+std::optional<ByteVector> audiocore::bytesAt(TagLib::File& file, const Place& place)
 {
+    if (place.size > mostTagBytesWritten)
+        return std::nullopt;
     return place.size > 0 ? read(file, place.begin, static_cast<unsigned long>(place.size)) : ByteVector();
 }
 
@@ -84,22 +90,30 @@ void audiocore::putAt(TagLib::File& file, const Place& place, const ByteVector& 
         file.insert(bytes, static_cast<unsigned long>(place.begin), static_cast<unsigned long>(place.size));
 }
 
-ByteVector audiocore::id3v2Bytes(TagLib::File& file)
+std::optional<ByteVector> audiocore::id3v2Bytes(TagLib::File& file)
 {
     auto* wav = dynamic_cast<WavFile*>(&file);
     if (!wav)
         return bytesAt(file, findId3v2(file));
     const int chunk = wav->id3v2Chunk();
-    return chunk < 0 ? ByteVector() : wav->chunkData(unsigned(chunk));
+    if (chunk < 0)
+        return ByteVector();
+    if (long(wav->chunkDataSize(unsigned(chunk))) > mostTagBytesWritten)
+        return std::nullopt;
+    return wav->chunkData(unsigned(chunk));
 }
 
-ByteVector audiocore::commentBytes(TagLib::File& file)
+ByteVector audiocore::commentBytes(const MediaFile& media)
 {
-    if (auto* ogg = dynamic_cast<TagLib::Ogg::File*>(&file)) {
-        const std::optional<CommentPacket> packet = CommentPacket::find(*ogg);
-        return packet ? packet->comment : ByteVector();
+    ByteVector comment;
+    if (dynamic_cast<TagLib::Ogg::File*>(media.file.get())) {
+        const std::vector<OggComment> comments = oggComments(*media.stream, media.audioBegin, mostTagBytes);
+        comment = comments.empty() ? ByteVector() : comments.front().bytes;
+    } else {
+        comment = FlacBlocks::commentOnly(*media.file, findId3v2(*media.file).size);
     }
-    return FlacBlocks::commentOnly(file, findId3v2(file).size);
+    CommentBytes::boundFields(comment);
+    return comment;
 }
 
 std::optional<FlacBlocks> FlacBlocks::read(TagLib::File& file, long begin)
@@ -113,6 +127,8 @@ std::optional<FlacBlocks> FlacBlocks::read(TagLib::File& file, long begin)
         const unsigned int size = head.toUInt(1, 3, true);
         const int type = head.data()[0] & kindOfBlock;
         last = (head.data()[0] & lastBlock) != 0;
+        if (position - begin + long(size) > mostTagBytesWritten)
+            return std::nullopt;
         if (type != paddingBlock)
             blocks.m_blocks.push_back({type, ::read(file, position + long(blockHead), size)});
         if (type != paddingBlock && blocks.m_blocks.back().bytes.size() != size)

@@ -13,6 +13,8 @@ class File;
 } // namespace TagLib
 
 namespace audiocore {
+struct MediaFile;
+
 /// A part of a file; where there is no tag, the place where one would go and no bytes.
 struct Place
 {
@@ -23,18 +25,21 @@ struct Place
 Place findId3v2(TagLib::File& file);
 Place findApe(TagLib::File& file);
 Place findId3v1(TagLib::File& file);
-TagLib::ByteVector bytesAt(TagLib::File& file, const Place& place);
+/// Nothing when that is more than we write of one tag.
+std::optional<TagLib::ByteVector> bytesAt(TagLib::File& file, const Place& place);
 void putAt(TagLib::File& file, const Place& place, const TagLib::ByteVector& bytes);
 
-/// The bytes of the tag as it stands in the file, wherever a file of its kind has it; none without one.
-TagLib::ByteVector id3v2Bytes(TagLib::File& file);
-TagLib::ByteVector commentBytes(TagLib::File& file);
+/// The bytes of the tag as it stands in the file, wherever a file of its kind has it; none without one, and
+/// nothing when that is more than we write of one tag.
+std::optional<TagLib::ByteVector> id3v2Bytes(TagLib::File& file);
+/// Of a comment, in bounds for reading.
+TagLib::ByteVector commentBytes(const MediaFile& media);
 
 /// The blocks before the music of a FLAC file.
 class FlacBlocks
 {
 public:
-    /// Nothing where they cannot be taken apart.
+    /// Nothing where they cannot be taken apart or are more than we write.
     static std::optional<FlacBlocks> read(TagLib::File& file, long begin);
     /// The comment's bytes without all the others.
     static TagLib::ByteVector commentOnly(TagLib::File& file, long begin);

@@ -7,7 +7,9 @@
 #include "infobytes.h"
 #include "mp4file.h"
 #include "mp4writing.h"
+#include "oggpacket.h"
 #include "pictures.h"
+#include "taglimits.h"
 #include "tagplaces.h"
 #include "tagtext.h"
 #include "wavfile.h"
@@ -63,7 +65,10 @@ void applyTo(Bytes& tag, const Edits& edits, bool own)
 std::string writeFront(TagLib::File& file, const Edits& edits, bool own)
 {
     const audiocore::Place place = audiocore::findId3v2(file);
-    std::optional<audiocore::Id3v2Bytes> tag = audiocore::Id3v2Bytes::parse(bytesAt(file, place));
+    const std::optional<ByteVector> old = bytesAt(file, place);
+    if (!old)
+        return tooLarge;
+    std::optional<audiocore::Id3v2Bytes> tag = audiocore::Id3v2Bytes::parse(*old);
     if (!tag)
         return cannotBeKept;
     applyTo(*tag, edits, own);
@@ -78,7 +83,10 @@ std::string writeFront(TagLib::File& file, const Edits& edits, bool own)
 std::string writeApe(TagLib::File& file, const Edits& edits, bool own)
 {
     const audiocore::Place place = audiocore::findApe(file);
-    std::optional<audiocore::ApeBytes> tag = audiocore::ApeBytes::parse(bytesAt(file, place));
+    const std::optional<ByteVector> old = bytesAt(file, place);
+    if (!old)
+        return tooLarge;
+    std::optional<audiocore::ApeBytes> tag = audiocore::ApeBytes::parse(*old);
     if (!tag)
         return cannotBeKept;
     applyTo(*tag, edits, own);
@@ -107,7 +115,7 @@ void writeId3v1(TagLib::File& file, const TagEdits& edits)
     } texts[] = {{TAG_TITLE, 3, 30}, {TAG_ARTIST, 33, 30}, {TAG_ALBUM, 63, 30}, {TAG_YEAR, 93, 4}};
 
     const audiocore::Place place = audiocore::findId3v1(file);
-    ByteVector tag = bytesAt(file, place);
+    ByteVector tag = bytesAt(file, place).value_or(ByteVector());
     if (tag.isEmpty())
         return;
     for (const auto& text : texts)
@@ -157,8 +165,11 @@ std::string writeFlac(TagLib::File& file, long begin, const Edits& edits)
     return writeFront(file, edits, false);
 }
 
-std::string writeOgg(TagLib::Ogg::File& file, const Edits& edits)
+std::string writeOgg(TagLib::Ogg::File& file, const audiocore::MediaFile& media, const Edits& edits)
 {
+    // The library gathers the packet whatever its size.
+    if (audiocore::oggComments(*media.stream, media.audioBegin, audiocore::mostTagBytesWritten).empty())
+        return cannotBeKept;
     std::optional<audiocore::CommentPacket> packet = audiocore::CommentPacket::find(file);
     if (!packet)
         return cannotBeKept;
@@ -172,7 +183,12 @@ std::string writeOgg(TagLib::Ogg::File& file, const Edits& edits)
 
 std::string writeWav(audiocore::WavFile& file, const Edits& edits)
 {
-    std::optional<audiocore::Id3v2Bytes> tag = audiocore::Id3v2Bytes::parse(audiocore::id3v2Bytes(file));
+    if (file.length() > file.end())
+        return "it goes on behind its last chunk, perhaps with sound";
+    const std::optional<ByteVector> old = audiocore::id3v2Bytes(file);
+    if (!old)
+        return tooLarge;
+    std::optional<audiocore::Id3v2Bytes> tag = audiocore::Id3v2Bytes::parse(*old);
     if (!tag)
         return cannotBeKept;
     applyTo(*tag, edits, true);
@@ -254,12 +270,15 @@ std::string audiocore::writeTags(const MediaFile& media, const TagEdits& edits)
     if (dynamic_cast<TagLib::FLAC::File*>(&file))
         return writeFlac(file, media.audioBegin, all);
     if (auto* ogg = dynamic_cast<TagLib::Ogg::File*>(&file))
-        return writeOgg(*ogg, all);
+        return writeOgg(*ogg, media, all);
     if (auto* wav = dynamic_cast<WavFile*>(&file))
         return writeWav(*wav, all);
     if (auto* mp4 = dynamic_cast<Mp4File*>(&file))
         return writeMp4(*mp4, edits) ? std::string() : cannotBeKept;
-    if (auto* asf = dynamic_cast<TagLib::ASF::File*>(&file))
+    auto* asf = dynamic_cast<TagLib::ASF::File*>(&file);
+    if (asf && !media.isWhole)
+        return cannotBeKept;
+    if (asf)
         return writeAsf(*asf, edits) ? std::string() : refused;
     return refused;
 }

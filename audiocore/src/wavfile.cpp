@@ -10,6 +10,13 @@ int WavFile::id3v2Chunk()
     return -1;
 }
 
+long WavFile::end()
+{
+    const unsigned int last = chunkCount() - 1;
+    return chunkCount() == 0 ? 0
+                             : long(chunkOffset(last)) + long(chunkDataSize(last)) + long(chunkPadding(last));
+}
+
 int WavFile::infoChunk()
 {
     for (unsigned int i = 0; i < chunkCount(); ++i)

@@ -5,6 +5,7 @@
 
 #include <taglib/apetag.h>
 #include <taglib/attachedpictureframe.h>
+#include <taglib/fileref.h>
 #include <taglib/flacfile.h>
 #include <taglib/flacpicture.h>
 #include <taglib/id3v1tag.h>
@@ -61,6 +62,8 @@ private slots:
     void everyFormatKeepsSixTextsAndThePicture();
     void operationsStandAtTheirSlots();
     void severalValuesComeAsOneText();
+    void ofSeveralTitlesTheFirstIsReadAndAllStay_data();
+    void ofSeveralTitlesTheFirstIsReadAndAllStay();
     void theYearIsFourDigitsOfWhateverDate();
     void aShortYearStandsAlone_data();
     void aShortYearStandsAlone();
@@ -129,6 +132,31 @@ void TestTag::severalValuesComeAsOneText()
         QVERIFY(file.save());
     }
     QCOMPARE(AudioFile::read(path).texts.value(TAG_ARTIST), QStringLiteral("One; Two"));
+}
+
+void TestTag::ofSeveralTitlesTheFirstIsReadAndAllStay_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char* kind : {"mp3", "m4a", "ape", "flac", "ogg", "opus"})
+        QTest::newRow(kind) << kind;
+}
+
+void TestTag::ofSeveralTitlesTheFirstIsReadAndAllStay()
+{
+    QFETCH(QString, kind);
+    const QString path = Fixtures::copyTone(kind, m_folder.path());
+    const TagLib::StringList both = TagLib::StringList("One").append("Two");
+    {
+        TagLib::FileRef file(native(path).c_str());
+        TagLib::PropertyMap properties;
+        properties["TITLE"] = both;
+        file.file()->setProperties(properties);
+        QVERIFY(file.save());
+    }
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), QStringLiteral("One"));
+    // The application writes all texts, also those that were left as they were read.
+    QCOMPARE(AudioFile::write(path, {{TAG_TITLE, "One"}, {TAG_ARTIST, "Singer"}}), 0);
+    QVERIFY(TagLib::FileRef(native(path).c_str()).file()->properties()["TITLE"] == both);
 }
 
 void TestTag::theYearIsFourDigitsOfWhateverDate()

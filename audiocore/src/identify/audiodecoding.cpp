@@ -1,8 +1,10 @@
 #include "identify/audiodecoding.h"
 
+#include "checkedmath.h"
 #include "identify/mediainput.h"
 #include "identify/resampler.h"
 #include "log.h"
+#include "soundlimits.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -44,7 +46,8 @@ public:
                 demuxer->streams[i]->discard = AVDISCARD_ALL;
         m_codec.reset(avcodec_alloc_context3(codec));
         const AVStream* stream = demuxer->streams[m_index];
-        if (!m_codec || avcodec_parameters_to_context(m_codec.get(), stream->codecpar) < 0) {
+        if (!m_codec || stream->codecpar->sample_rate > audiocore::mostSampleRate ||
+            avcodec_parameters_to_context(m_codec.get(), stream->codecpar) < 0) {
             m_codec.reset();
             return;
         }
@@ -149,7 +152,7 @@ DecodedPart audiocore::decodeBeginning(const std::string& path, int seconds, int
     if (AVFormatContext* demuxer = input.demuxer()) {
         decodeInto(limited, demuxer, input, sampleRate);
         part.milliseconds = demuxer->duration > 0 ? demuxer->duration / (AV_TIME_BASE / 1000)
-                                                  : limited.total() * 1000 / sampleRate;
+                                                  : checked::scaled(limited.total(), 1000, sampleRate);
     }
     if (cancellation.isCancelled()) {
         part.result = Decoding::Cancelled;

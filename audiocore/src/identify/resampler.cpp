@@ -1,5 +1,7 @@
 #include "identify/resampler.h"
 
+#include "soundlimits.h"
+
 extern "C" {
 #include <libavutil/channel_layout.h>
 #include <libavutil/frame.h>
@@ -66,7 +68,7 @@ bool Resampler::fit(const AVFrame& frame)
     if (m_converter && *m_shape == shape)
         return true;
     swr_free(&m_converter);
-    if (frame.sample_rate <= 0 || frame.ch_layout.nb_channels <= 0)
+    if (!isSampleRate(frame.sample_rate) || frame.ch_layout.nb_channels <= 0)
         return false;
     m_converter = converterFor(frame, m_sampleRate);
     *m_shape = shape;

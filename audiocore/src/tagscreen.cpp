@@ -1,0 +1,202 @@
+#include "tagscreen.h"
+
+#include "apebytes.h"
+#include "checkedstream.h"
+#include "commentbytes.h"
+#include "id3v2bytes.h"
+#include "infobytes.h"
+#include "oggpacket.h"
+#include "taglimits.h"
+
+#include <algorithm>
+
+using audiocore::TagScreen;
+using TagLib::ByteVector;
+
+namespace {
+/// What the library reads in pieces up to this size it looks through and does not keep.
+constexpr unsigned long pieceLookedThrough = 1024;
+constexpr unsigned int id3v2Head = 10;
+constexpr unsigned int apeHead = audiocore::ApeBytes::footerSize;
+constexpr unsigned int flacHead = 4;
+constexpr long headersBesideComment = 1024 * 1024;
+
+enum FlacBlock { StreamInfo = 0, Padding = 1, Comment = 4, Picture = 6 };
+constexpr int kindOfBlock = 0x7F;
+
+/// Whether the texts that a FLAC picture begins with are as long as texts may be.
+bool isPlainPicture(const ByteVector& bytes)
+{
+    constexpr unsigned int mimePlace = 4;
+    const unsigned int mime = bytes.toUInt(mimePlace);
+    if (bytes.size() < 32 || mime > audiocore::longestText)
+        return false;
+    const unsigned int descriptionPlace = mimePlace + 4 + mime;
+    return bytes.size() >= descriptionPlace + 4 && bytes.toUInt(descriptionPlace) <= audiocore::longestText;
+}
+} // namespace
+
+TagScreen::TagScreen(AudioFormat format, CheckedStream& stream, long audioBegin, Purpose purpose)
+    : m_format(format), m_purpose(purpose), m_bytesLeft(mostTagBytes), m_asfTextLeft(4ul * mostTextBytes)
+{
+    if (format == AUDIO_FORMAT_OGG)
+        boundOggComments(stream, audioBegin);
+}
+
+ByteVector TagScreen::read(CheckedStream& stream, unsigned long length)
+{
+    const long position = stream.tell();
+    if (isExpected(position, length))
+        return readBody(stream);
+    ByteVector block = m_format == AUDIO_FORMAT_WMA ? readAsf(stream, length) : readPlain(stream, length);
+    patch(block, position);
+    if (m_format == AUDIO_FORMAT_WAV && block.startsWith("INFO"))
+        return InfoBytes(block).shown();
+    noteHead(block, position);
+    return block;
+}
+
+bool TagScreen::isExpected(long position, unsigned long length) const
+{
+    return m_expected.body != Body::None && m_expected.position == position && m_expected.length == length;
+}
+
+ByteVector TagScreen::readPlain(CheckedStream& stream, unsigned long length)
+{
+    if (length <= pieceLookedThrough)
+        return stream.readUnscreened(length);
+    ByteVector block = stream.readUnscreened(std::min(length, static_cast<unsigned long>(m_bytesLeft)));
+    m_whole = m_whole && (block.size() == length || stream.tell() == stream.length());
+    m_bytesLeft -= long(block.size());
+    return block;
+}
+
+ByteVector TagScreen::readBody(CheckedStream& stream)
+{
+    const Expected expected = std::exchange(m_expected, Expected());
+    if (expected.body == Body::FlacBlock) {
+        m_expected = expected;
+        return readFlacBlock(stream);
+    }
+    if (expected.body == Body::Ape)
+        return ApeBytes::shown(readPlain(stream, expected.length));
+    return readId3v2(stream, expected);
+}
+
+ByteVector TagScreen::readId3v2(CheckedStream& stream, const Expected& expected)
+{
+    std::optional<Id3v2Bytes> tag;
+    if (long(expected.length) <= m_bytesLeft) {
+        tag = Id3v2Bytes::parse(expected.head, readPlain(stream, expected.length));
+    } else {
+        const long left = std::max(0L, stream.length() - expected.position);
+        const auto size =
+            static_cast<unsigned int>(std::min(expected.length, static_cast<unsigned long>(left)));
+        const auto part = [&](unsigned int position, unsigned int bytes) {
+            stream.seek(expected.position + long(position));
+            return readPlain(stream, bytes);
+        };
+        tag = Id3v2Bytes::skim(expected.head, size, m_bytesLeft, part);
+    }
+    // The library counts on some bytes behind the frames.
+    return (tag ? tag->shown() : ByteVector()).append(ByteVector(2 * id3v2Head, '\0'));
+}
+
+/// The library takes a block of another size than its head says for the end of the file.
+ByteVector TagScreen::readFlacBlock(CheckedStream& stream)
+{
+    const Expected expected = std::exchange(m_expected, Expected());
+    const int type = expected.head.data()[0] & kindOfBlock;
+    const auto size = static_cast<unsigned int>(expected.length);
+    if (type == Padding && expected.position + long(size) <= stream.length()) {
+        stream.seek(expected.position + long(size));
+        return ByteVector(size, '\0');
+    }
+    ByteVector block = readPlain(stream, size);
+    if (type == Comment)
+        CommentBytes::boundFields(block);
+    if (type == Picture && !isPlainPicture(block))
+        block = ByteVector(block.size(), '\0');
+    return block;
+}
+
+/// The library reads an attribute's kind, its size, its name and then its value. Only values that are bytes
+/// may be large, as pictures are.
+ByteVector TagScreen::readAsf(CheckedStream& stream, unsigned long length)
+{
+    constexpr unsigned int ofBytes = 1;
+    constexpr unsigned long largestNumber = 16;
+    const auto& [kind, size, name] = m_lastReads;
+    const bool value = kind.size() == 2 && size.size() == 4;
+    const bool bytes = value && kind.toUShort(false) == ofBytes;
+    const bool keptAsItIs =
+        m_purpose == Purpose::Writing && !value; // an object that the library does not know
+    ByteVector block;
+    if (length > largestNumber && !bytes && !keptAsItIs) {
+        const long left = std::max(0L, stream.length() - stream.tell());
+        const long end = stream.tell() + long(std::min(length, static_cast<unsigned long>(left)));
+        block = readPlain(stream, std::min({length, static_cast<unsigned long>(longestText), m_asfTextLeft}));
+        m_asfTextLeft -= block.size();
+        m_whole = m_whole && (block.size() == length || stream.tell() == stream.length());
+        stream.seek(end);
+    } else {
+        block = readPlain(stream, length);
+    }
+    m_lastReads = {size, name, block.mid(0, 4)};
+    if (block.size() > 4)
+        m_lastReads.back() = ByteVector();
+    return block;
+}
+
+void TagScreen::noteHead(ByteVector& block, long position)
+{
+    constexpr char footerFlag = 0x10;
+    if (block.size() == id3v2Head && block.startsWith("ID3")) {
+        const unsigned int footer = Id3v2Bytes::footerOf(block);
+        const unsigned int body = Id3v2Bytes::sizeByHeader(block) - id3v2Head - footer;
+        m_expected = {Body::Id3v2, position + long(id3v2Head), body, block};
+        block[5] = char(block[5] & footerFlag); // the body is shown without what the other flags say
+    } else if (block.size() == apeHead && block.startsWith("APETAGEX")) {
+        const unsigned int size = std::max(block.toUInt(12, false), apeHead);
+        m_expected = {Body::Ape, position + long(apeHead) - long(size), size - apeHead, block};
+    } else if (block.size() == flacHead && m_format == AUDIO_FORMAT_FLAC) {
+        noteFlacHead(block, position);
+    }
+}
+
+/// Blocks that we do not ask for are shown as padding, which the library does not keep.
+void TagScreen::noteFlacHead(ByteVector& head, long position)
+{
+    const int type = head.data()[0] & kindOfBlock;
+    const unsigned int size = head.toUInt(1, 3, true);
+    const bool asked = type == StreamInfo || type == Comment || type == Picture;
+    if (!asked || long(size) > m_bytesLeft)
+        head[0] = char((head.data()[0] & ~kindOfBlock) | Padding);
+    m_expected = {Body::FlacBlock, position + long(flacHead), size, head};
+}
+
+/// The library goes by the number of fields that a comment tells.
+void TagScreen::boundOggComments(CheckedStream& stream, long audioBegin)
+{
+    // It takes the first page that it comes upon, be it inside a tag before the music.
+    stream.seek(0);
+    const int found =
+        audioBegin > 0
+            ? stream.readBlock(static_cast<unsigned long>(std::min(audioBegin, mostTagBytes))).find("OggS")
+            : -1;
+    for (const OggComment& comment : oggComments(stream, found < 0 ? audioBegin : found, mostTagBytes)) {
+        const std::optional<CommentBytes::Bound> bound = CommentBytes::boundOf(comment.bytes);
+        if (!bound)
+            continue;
+        for (unsigned int i = 0; i < bound->bytes.size(); ++i)
+            m_patches.emplace_back(comment.placeOf(bound->place + i), bound->bytes.data()[i]);
+        m_bytesLeft = std::min(m_bytesLeft, long(bound->end) + headersBesideComment);
+    }
+}
+
+void TagScreen::patch(ByteVector& block, long position) const
+{
+    for (const auto& [place, byte] : m_patches)
+        if (place >= position && place < position + long(block.size()))
+            block[int(place - position)] = byte;
+}

@@ -1,0 +1,265 @@
+// Files that say more than they hold: whatever they say, reading takes memory and steps in bounds.
+#include "audiofile.h"
+#include "bombs.h"
+#include "checkedstream.h"
+#include "fixtures.h"
+#include "identify/fingerprint.h"
+
+#include "audiocore/iaudiodecoder.h"
+#include "audiocore/iaudioplayer.h"
+#include "audiocore/iaudiotag.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cstdio>
+#include <fstream>
+#include <sys/resource.h>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool sanitized = true;
+#else
+constexpr bool sanitized = false;
+#endif
+
+namespace {
+constexpr qint64 megabyte = 1 << 20;
+const char* const feedOption = "--feed";
+
+/// The most memory that the process ever had at once, in bytes.
+qint64 peakMemory()
+{
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word)
+        if (word == "VmHWM:") {
+            qint64 kilobytes = 0;
+            status >> kilobytes;
+            return kilobytes * 1024;
+        }
+    return 0;
+}
+
+void limit(__rlimit_resource resource, rlim_t most)
+{
+    const rlimit both{most, most};
+    ::setrlimit(resource, &both);
+}
+
+/// The bytes of the picture among the items; -1 when an item's size makes no sense.
+qint64 readItems(IAudioTag& tag)
+{
+    qint64 picture = 0;
+    const int count = tag.GetItemCount();
+    for (int i = 0; i < count; ++i) {
+        const TagItem item = tag.GetItem(i);
+        if (item.size <= 0 || !item.data)
+            return -1;
+        if (item.dataKind != 0)
+            picture = item.size;
+    }
+    return picture;
+}
+
+qint64 read(const std::u32string& path)
+{
+    IAudioTag* tag = CreateTag();
+    tag->Open(path.c_str());
+    const qint64 picture = readItems(*tag);
+    ::operator delete(tag);
+    IAudioDecoder* decoder = CreateDecoder();
+    decoder->Open(path.c_str());
+    const bool sensible = decoder->GetDuration() >= 0 && decoder->GetSampleRate() >= 0 &&
+                          decoder->GetSampleRate() <= 768000 && decoder->GetBitrate() >= 0;
+    ::operator delete(decoder);
+    return sensible ? picture : -1;
+}
+
+qint64 save(const std::u32string& path)
+{
+    std::u32string title = U"New";
+    IAudioTag* tag = CreateTag();
+    tag->Open(path.c_str());
+    tag->RemoveItem(TAG_TITLE);
+    tag->SetItem({-1, TAG_TITLE, 0, int(title.size() * 4), title.data()});
+    const int saved = tag->Save();
+    ::operator delete(tag);
+    std::printf("saved %d\n", saved);
+    return read(path);
+}
+
+qint64 play(const std::u32string& path)
+{
+    IAudioPlayer* player = CreatePlayer();
+    player->Open(path.c_str());
+    player->Play();
+    player->GetState();
+    DestroyPlayer(player);
+    return 0;
+}
+
+qint64 identify(const QString& path)
+{
+    const audiocore::Cancellation never;
+    audiocore::fingerprintOf(path.toStdString(), never);
+    return 0;
+}
+
+/// What the process that takes the risk does.
+int feed(const QString& call, const QString& path)
+{
+    if (!sanitized)
+        limit(RLIMIT_AS, 512 * megabyte);
+    limit(RLIMIT_CPU, sanitized ? 200 : 20); // seconds of its own work: other processes do not count
+    const qint64 before = peakMemory();
+    const std::u32string wide = path.toStdU32String();
+    const qint64 picture = call == "read"   ? read(wide)
+                           : call == "save" ? save(wide)
+                           : call == "play" ? play(wide)
+                                            : identify(path);
+    std::printf("picture %lld\nmemory %lld\nsteps %lld\n", qlonglong(picture),
+                qlonglong(peakMemory() - before), qlonglong(audiocore::CheckedStream::stepsOfThread()));
+    return 0;
+}
+} // namespace
+
+class TestBombs : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void readingStaysInBounds_data();
+    void readingStaysInBounds();
+    void savingKeepsOrSays_data();
+    void savingKeepsOrSays();
+    void playingAndIdentifyingEnd_data();
+    void playingAndIdentifyingEnd();
+
+private:
+    struct Outcome
+    {
+        bool survived = false;
+        QHash<QByteArray, qint64> numbers;
+        QByteArray errors;
+    };
+    static void addBombs();
+    static QByteArray contentOf(const QString& path);
+    QString written(const Bombs::Bomb& bomb) const;
+    static Outcome feedTo(const QString& call, const QString& path);
+
+    QTemporaryDir m_folder;
+};
+
+Q_DECLARE_METATYPE(Bombs::Bomb)
+
+void TestBombs::addBombs()
+{
+    QTest::addColumn<Bombs::Bomb>("bomb");
+    for (const Bombs::Bomb& bomb : Bombs::all())
+        QTest::newRow(bomb.name) << bomb;
+}
+
+QByteArray TestBombs::contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString TestBombs::written(const Bombs::Bomb& bomb) const
+{
+    const QString path = m_folder.filePath(QString("bomb.") + bomb.suffix);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bomb.make()) < 0)
+        qFatal("cannot write %s", qUtf8Printable(path));
+    return path;
+}
+
+TestBombs::Outcome TestBombs::feedTo(const QString& call, const QString& path)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("MALLOC_ARENA_MAX", "1"); // every thread would set an address space of its own apart
+    environment.insert("MELODRIFT_AUDIO_OUTPUT", "null");
+    process.setProcessEnvironment(environment);
+    process.start(QCoreApplication::applicationFilePath(), {feedOption, call, path});
+    Outcome outcome;
+    outcome.survived = process.waitForFinished(500000) && process.exitStatus() == QProcess::NormalExit &&
+                       process.exitCode() == 0;
+    outcome.errors = process.readAllStandardError().right(1000);
+    for (const QByteArray& line : process.readAllStandardOutput().split('\n')) {
+        const QList<QByteArray> words = line.split(' ');
+        if (words.size() == 2)
+            outcome.numbers.insert(words.first(), words.last().toLongLong());
+    }
+    return outcome;
+}
+
+void TestBombs::readingStaysInBounds_data()
+{
+    addBombs();
+}
+
+void TestBombs::readingStaysInBounds()
+{
+    QFETCH(Bombs::Bomb, bomb);
+    const QString path = written(bomb);
+    const Outcome outcome = feedTo("read", path);
+    QVERIFY2(outcome.survived, outcome.errors.constData());
+    const qint64 picture = outcome.numbers.value("picture");
+    QVERIFY(picture >= 0);
+    const qint64 memory = outcome.numbers.value("memory");
+    if (!sanitized) // which keeps what is freed
+        QVERIFY2(memory <= 64 * megabyte + picture, qPrintable(QString::number(memory / megabyte)));
+    const qint64 steps = outcome.numbers.value("steps");
+    QVERIFY2(steps <= 20000 + QFileInfo(path).size() / 2, qPrintable(QString::number(steps)));
+    qInfo("%lld kB of file: %lld MB, %lld steps", QFileInfo(path).size() / 1024, memory / megabyte, steps);
+}
+
+void TestBombs::savingKeepsOrSays_data()
+{
+    addBombs();
+}
+
+void TestBombs::savingKeepsOrSays()
+{
+    QFETCH(Bombs::Bomb, bomb);
+    const QString path = written(bomb);
+    const QByteArray before = contentOf(path);
+    const Outcome outcome = feedTo("save", path);
+    QVERIFY2(outcome.survived, outcome.errors.constData());
+    QVERIFY(outcome.numbers.value("picture") >= 0);
+    if (outcome.numbers.value("saved") == 0)
+        QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), QString("New"));
+    else
+        QVERIFY(contentOf(path) == before);
+    qInfo("%s", outcome.numbers.value("saved") == 0 ? "saved" : "refused");
+}
+
+void TestBombs::playingAndIdentifyingEnd_data()
+{
+    addBombs();
+}
+
+void TestBombs::playingAndIdentifyingEnd()
+{
+    QFETCH(Bombs::Bomb, bomb);
+    const QString path = written(bomb);
+    for (const char* call : {"play", "identify"}) {
+        const Outcome outcome = feedTo(call, path);
+        QVERIFY2(outcome.survived, outcome.errors.constData());
+    }
+}
+
+int main(int argc, char** argv)
+{
+    if (argc == 4 && qstrcmp(argv[1], feedOption) == 0)
+        return feed(QFile::decodeName(argv[2]), QFile::decodeName(argv[3]));
+    QCoreApplication application(argc, argv);
+    if (sanitized)
+        qInfo("the sanitizer needs more addresses than the limit leaves: memory is not looked at here");
+    TestBombs test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_bombs.moc"
