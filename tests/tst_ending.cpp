@@ -63,7 +63,7 @@ public slots:
     {
         center().SwitchToLocalCleanModel();
         onceDuringTheIntake();
-        connect(qApp, &QCoreApplication::aboutToQuit,
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit,
                 [first = musicNum] { tell("read " + QByteArray::number(musicNum - first)); });
         center().TakeDroppedPaths({QDir::currentPath() + "/songs"});
     }
@@ -97,7 +97,7 @@ public slots:
     void exitIsChosen() { window().SlotExitMenu(); }
     void furtherSignalsCome()
     {
-        connect(qApp, &QCoreApplication::aboutToQuit, [] {
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, [] {
             std::raise(SIGINT);
             std::raise(SIGTERM);
         });
@@ -154,11 +154,11 @@ private:
 void playScene()
 {
     // The application object that only reads the command line has no windows.
-    if (!qobject_cast<QApplication*>(qApp))
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
         return;
-    QTimer::singleShot(0, qApp, [] {
+    QTimer::singleShot(0, QCoreApplication::instance(), [] {
         auto* scene = new Scene;
-        scene->setParent(qApp);
+        scene->setParent(QCoreApplication::instance());
         QMetaObject::invokeMethod(scene, qgetenv(sceneVariable).constData());
     });
 }
