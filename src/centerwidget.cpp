@@ -499,7 +499,7 @@ bool CenterWidget::takesFiles() const
 /// What the user chooses; nothing where the mode went meanwhile.
 QStringList CenterWidget::chosenFiles()
 {
-    const QStringList files = QFileDialog::getOpenFileNames(
+    QStringList files = QFileDialog::getOpenFileNames(
         this, QStringLiteral("open"), QString(),
         QStringLiteral("music files(*.mp3 *.m4a *.ape *.aac *.flac *.wma *.wav *.ogg)"));
     if (files.isEmpty() || takesFiles())
