@@ -19,13 +19,14 @@ std::atomic<std::size_t> shortFrom{noShortage}; ///< bytes
 std::atomic<int> memoryGranted{0};
 std::atomic<int> memoryRefusals{0};
 std::atomic<int> memoryRefused{0};
+std::atomic<int> memoryAsked{0};
 std::atomic<pthread_t> maker{};
 std::atomic<bool> concernsMaker{false};
 
 bool refuses(std::size_t bytes)
 {
     if (bytes < shortFrom || (pthread_equal(maker, pthread_self()) != 0) != concernsMaker ||
-        memoryGranted.fetch_sub(1) > 0 || memoryRefused >= memoryRefusals)
+        ++memoryAsked <= memoryGranted || memoryRefused >= memoryRefusals)
         return false;
     ++memoryRefused;
     return true;
@@ -78,6 +79,7 @@ Shortage::OfMemory::OfMemory(Whose whose, std::size_t bytes, int granted, int re
     memoryGranted = granted;
     memoryRefusals = refusals;
     memoryRefused = 0;
+    memoryAsked = 0;
     shortFrom = bytes;
 }
 
@@ -89,6 +91,11 @@ Shortage::OfMemory::~OfMemory()
 int Shortage::OfMemory::refused()
 {
     return memoryRefused;
+}
+
+int Shortage::OfMemory::asked()
+{
+    return memoryAsked;
 }
 
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),

@@ -30,7 +30,8 @@ public:
     OfMemory(const OfMemory&) = delete;
     OfMemory& operator=(const OfMemory&) = delete;
 
-    /// How many were refused.
+    /// How many were refused, and how many were asked for, refused or not.
     static int refused();
+    static int asked();
 };
 } // namespace Shortage
