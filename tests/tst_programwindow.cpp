@@ -51,7 +51,7 @@ void TestProgramWindow::theApplicationHasItsIcon()
 {
     const QIcon logo(SkinPicture::path("logo.png"));
     const QSize size(256, 256);
-    QCOMPARE(logo.availableSizes(), QList<QSize>({size}));
+    QVERIFY(logo.availableSizes().contains(size));
     QCOMPARE(m_window->windowIcon().pixmap(size).toImage(), logo.pixmap(size).toImage());
 }
 
