@@ -21,7 +21,7 @@ using namespace Playing;
 namespace {
 int entriesOf(const char* folder)
 {
-    return int(QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size());
+    return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 
 } // namespace
