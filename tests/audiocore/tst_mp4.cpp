@@ -117,7 +117,7 @@ Work workOn(const QString& path, CheckedStream::Mode mode, const QByteArray& pic
 /// What an atom may say of its size, right or wrong.
 QByteArray anyAtom(QRandomGenerator& random, const QByteArray& name, const QByteArray& content)
 {
-    const QByteArray right = Mp4::atom(name, content);
+    QByteArray right = Mp4::atom(name, content);
     switch (random.bounded(24)) {
     case 0:
         return Mp4::number(0) + right.mid(4);

@@ -20,7 +20,7 @@ using namespace Playing;
 namespace {
 int entriesOf(const char* folder)
 {
-    return int(QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size());
+    return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 
 /// No machine is so busy that an end takes so long, and what is gone through to the end takes longer.
