@@ -9,9 +9,7 @@
 #include <cstring>
 
 using itunes::Journal;
-using itunes::JournalContent;
 using itunes::JournalRecord;
-using itunes::RecordState;
 namespace platform = audiocore::platform;
 using platform::NewFile;
 
