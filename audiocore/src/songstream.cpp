@@ -1,8 +1,10 @@
 #include "songstream.h"
 
 #include "platform.h"
+#include "soundview.h"
 
 #include <memory>
+#include <new>
 
 namespace platform = audiocore::platform;
 
@@ -13,6 +15,7 @@ struct Song
 {
     SongSource& source;
     std::FILE* file;
+    audiocore::SoundView view;
     std::int64_t position = 0;
 };
 
@@ -27,6 +30,7 @@ std::int64_t read(void* cookie, char* bytes, std::uint64_t count)
     if (song->source.closed || song->source.allowance <= 0)
         return 0;
     const auto got = std::int64_t(platform::readAt(song->file, song->position, bytes, std::size_t(count)));
+    song->view.show(song->position, bytes, std::size_t(got));
     song->position += got;
     song->source.allowance -= got;
     return got;
@@ -63,8 +67,14 @@ int open(void* offered, char*, mpv_stream_cb_info* info)
         std::fclose(file);
         return MPV_ERROR_LOADING_FAILED;
     }
+    std::optional<audiocore::SoundView> view = audiocore::SoundView::of(source.path);
+    Song* song = view ? new (std::nothrow) Song{source, file, std::move(*view)} : nullptr;
+    if (!song) {
+        std::fclose(file);
+        return MPV_ERROR_LOADING_FAILED;
+    }
     *info = {};
-    info->cookie = new Song{source, file};
+    info->cookie = song;
     info->read_fn = read;
     info->seek_fn = seek;
     info->size_fn = size;
