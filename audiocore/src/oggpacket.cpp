@@ -112,6 +112,7 @@ std::vector<OggComment> audiocore::oggComments(CheckedStream& stream, long begin
     const std::optional<OggComment> first = reader.next(mostBytes);
     const bool flac = first && first->bytes.startsWith("\x7F"
                                                        "FLAC");
+    const bool speex = first && first->bytes.startsWith("Speex   ");
     while (const std::optional<OggComment> packet = first ? reader.next(mostBytes) : std::nullopt) {
         const ByteVector& bytes = packet->bytes;
         mostBytes -= long(bytes.size());
@@ -121,6 +122,8 @@ std::vector<OggComment> audiocore::oggComments(CheckedStream& stream, long begin
             comments.push_back(withoutHead(*packet, 8));
         else if (flac && bytes.size() > flacHead && (bytes.data()[0] & kindOfBlock) == commentBlock)
             comments.push_back(withoutHead(*packet, flacHead));
+        else if (speex)
+            comments.push_back(*packet);
         const bool last = bytes.isEmpty() || (bytes.data()[0] & ~kindOfBlock) != 0;
         if (!flac || last)
             break;

@@ -1,6 +1,7 @@
 #include "songstream.h"
 
 #include "platform.h"
+#include "soundview.h"
 
 #include <memory>
 #include <new>
@@ -14,6 +15,7 @@ struct Song
 {
     SongSource& source;
     std::FILE* file;
+    audiocore::SoundView view;
     std::int64_t position = 0;
 };
 
@@ -28,6 +30,7 @@ std::int64_t read(void* cookie, char* bytes, std::uint64_t count) noexcept
     if (song->source.closed || song->source.allowance <= 0)
         return 0;
     const auto got = std::int64_t(platform::readAt(song->file, song->position, bytes, std::size_t(count)));
+    song->view.show(song->position, bytes, std::size_t(got));
     song->position += got;
     song->source.allowance -= got;
     return got;
@@ -65,10 +68,11 @@ int open(void* offered, char*, mpv_stream_cb_info* info) noexcept
         return MPV_ERROR_LOADING_FAILED;
     }
     // The engine is no C++: nothing is thrown through it.
-    Song* song = new (std::nothrow) Song{source, file};
+    std::optional<audiocore::SoundView> view = audiocore::SoundView::of(source.path);
+    Song* song = view ? new (std::nothrow) Song{source, file, std::move(*view)} : nullptr;
     if (!song) {
         std::fclose(file);
-        return MPV_ERROR_NOMEM;
+        return view ? MPV_ERROR_NOMEM : MPV_ERROR_LOADING_FAILED;
     }
     *info = {};
     info->cookie = song;

@@ -33,6 +33,7 @@ MediaInput::MediaInput(const std::string& path, const Cancellation& cancellation
     platform::FileState state;
     if (m_file && platform::stateOf(m_file, state) && state.regular) {
         m_size = state.size;
+        m_view = SoundView::of(path);
         return;
     }
     if (m_file)
@@ -67,6 +68,7 @@ int MediaInput::readPacket(void* self, std::uint8_t* bytes, int size)
     if (input->isInterrupted())
         return AVERROR_EXIT;
     const std::size_t got = platform::readAt(input->m_file, input->m_position, bytes, std::size_t(size));
+    input->m_view->show(input->m_position, bytes, got);
     input->m_position += std::int64_t(got);
     input->m_withoutProgress += std::int64_t(got);
     return got > 0 ? int(got) : AVERROR_EOF;
@@ -110,7 +112,7 @@ bool MediaInput::prepare()
 
 AVFormatContext* MediaInput::demuxer()
 {
-    if (m_demuxer || !m_file || !prepare())
+    if (m_demuxer || !m_file || !m_view || !prepare())
         return m_demuxer;
     AVDictionary* options = nullptr;
     av_dict_set(&options, "format_whitelist", musicFormats, 0);

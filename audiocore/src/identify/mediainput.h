@@ -1,6 +1,7 @@
 #pragma once
 
 #include "identify/cancellation.h"
+#include "soundview.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -37,6 +38,7 @@ private:
     const Cancellation& m_cancellation;
     const Cancellation::Clock::time_point m_deadline;
     std::FILE* m_file = nullptr;
+    std::optional<SoundView> m_view; ///< nothing for a file that no decoder may see
     std::int64_t m_size = 0;
     std::int64_t m_position = 0;
     std::int64_t m_withoutProgress = 0; ///< bytes
