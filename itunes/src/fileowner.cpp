@@ -3,6 +3,8 @@
 #ifdef _WIN32
 #include "platform.h"
 #else
+#include "filecopy_posix.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -66,6 +68,8 @@ bool itunes::createPrivate(const std::string& path, const std::string& libraryPa
     }
     if (made < 0)
         return true;
+    // Where the rights that the folder hands on cannot be taken away, the mode alone keeps others out.
+    (void)audiocore::platform::makePrivate(made);
     struct stat library = {};
     // What root leaves behind belongs to whose library it is.
     if (::geteuid() == 0 && ::stat(libraryPath.c_str(), &library) == 0)
