@@ -3,8 +3,10 @@
 #include "platform.h"
 #include "soundview.h"
 
+#include <cstdio>
 #include <memory>
 #include <new>
+#include <optional>
 
 namespace platform = audiocore::platform;
 
@@ -55,6 +57,18 @@ void close(void* cookie) noexcept
     std::fclose(song->file);
 }
 
+/// Null when there is nothing to hear or no memory for it. The file is the song's then, and closed here
+/// otherwise.
+Song* songFrom(SongSource& source, std::FILE* file)
+{
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> closing(file, std::fclose);
+    std::optional<audiocore::SoundView> view = audiocore::SoundView::of(source.path);
+    Song* song = view ? new Song{source, file, std::move(*view)} : nullptr;
+    if (song)
+        static_cast<void>(closing.release());
+    return song;
+}
+
 /// Looks at the opened file itself, so that nothing else can take its place in between.
 int open(void* offered, char*, mpv_stream_cb_info* info) noexcept
 {
@@ -67,13 +81,14 @@ int open(void* offered, char*, mpv_stream_cb_info* info) noexcept
         std::fclose(file);
         return MPV_ERROR_LOADING_FAILED;
     }
-    // The engine is no C++: nothing is thrown through it.
-    std::optional<audiocore::SoundView> view = audiocore::SoundView::of(source.path);
-    Song* song = view ? new (std::nothrow) Song{source, file, std::move(*view)} : nullptr;
-    if (!song) {
-        std::fclose(file);
-        return view ? MPV_ERROR_NOMEM : MPV_ERROR_LOADING_FAILED;
+    Song* song = nullptr;
+    try {
+        song = songFrom(source, file);
+    } catch (const std::bad_alloc&) {
+        return MPV_ERROR_NOMEM; // the engine is no C++: nothing is thrown through it
     }
+    if (!song)
+        return MPV_ERROR_LOADING_FAILED;
     *info = {};
     info->cookie = song;
     info->read_fn = read;

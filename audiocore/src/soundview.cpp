@@ -8,9 +8,9 @@
 #include "taglimits.h"
 
 #include <algorithm>
-#include <exception>
 
 using audiocore::CheckedStream;
+using audiocore::EndlessReading;
 using audiocore::SoundView;
 using TagLib::ByteVector;
 
@@ -34,8 +34,8 @@ std::optional<SoundView> SoundView::of(const std::string& path)
         SoundView view;
         if (stream.isOpen() && view.hideAll(stream) && !stream.ranDry())
             return view;
-    } catch (const std::exception&) {
-        // Too much of something: as good as unreadable.
+    } catch (const EndlessReading&) {
+        // As good as unreadable.
     }
     return std::nullopt;
 }

@@ -14,7 +14,7 @@ class CheckedStream;
 class SoundView
 {
 public:
-    /// Nothing for a file that cannot be looked through. Throws nothing.
+    /// Nothing for a file that cannot be looked through. Throws std::bad_alloc alone.
     static std::optional<SoundView> of(const std::string& path);
 
     /// Changes what was read from `position` on into what is shown.

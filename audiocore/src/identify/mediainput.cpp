@@ -29,11 +29,11 @@ int openNothingElse(AVFormatContext*, AVIOContext**, const char*, int, AVDiction
 MediaInput::MediaInput(const std::string& path, const Cancellation& cancellation)
     : m_cancellation(cancellation), m_deadline(Cancellation::Clock::now() + longestWork)
 {
+    m_view = SoundView::of(path);
     m_file = platform::openFile(path, false);
     platform::FileState state;
     if (m_file && platform::stateOf(m_file, state) && state.regular) {
         m_size = state.size;
-        m_view = SoundView::of(path);
         return;
     }
     if (m_file)
