@@ -76,7 +76,7 @@ void TestIdentifyShortage::anAnswerThatDoesNotFitIsAStatus()
         QCOMPARE(Shortage::OfMemory::refused(), 1);
     }
     QCOMPARE(AudioFile::takeLog().size(), 1);
-    QTRY_COMPARE(openFiles(), files); // the connection was given up in order
+    QTRY_VERIFY(openFiles() <= files); // given up in order; the server may have closed its own end since
     QCOMPARE(statusOfRun(), int(IDENTIFY_FOUND));
 }
 
