@@ -127,8 +127,8 @@ ByteVector TagScreen::readAsf(CheckedStream& stream, unsigned long length)
     constexpr unsigned int ofBytes = 1;
     constexpr unsigned long largestNumber = 16;
     const auto& [kind, size, name] = m_lastReads;
-    const bool value = kind.size() == 2 && size.size() == 4;
-    const bool bytes = value && kind.toUShort(false) == ofBytes;
+    const bool value = kind.size == 2 && size.size == 4;
+    const bool bytes = value && kind.word == ofBytes;
     const bool keptAsItIs =
         m_purpose == Purpose::Writing && !value; // an object that the library does not know
     ByteVector block;
@@ -142,9 +142,7 @@ ByteVector TagScreen::readAsf(CheckedStream& stream, unsigned long length)
     } else {
         block = readPlain(stream, length);
     }
-    m_lastReads = {size, name, block.mid(0, 4)};
-    if (block.size() > 4)
-        m_lastReads.back() = ByteVector();
+    m_lastReads = {size, name, {block.size(), block.size() == 2 ? block.toUShort(0u, false) : 0u}};
     return block;
 }
 

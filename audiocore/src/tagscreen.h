@@ -40,6 +40,12 @@ private:
         TagLib::ByteVector head;
     };
 
+    struct LastRead
+    {
+        unsigned int size;
+        unsigned int word; ///< of two bytes
+    };
+
     bool isExpected(long position, unsigned long length) const;
     TagLib::ByteVector readPlain(CheckedStream& stream, unsigned long length);
     TagLib::ByteVector readBody(CheckedStream& stream);
@@ -57,7 +63,7 @@ private:
     long m_bytesLeft;
     unsigned long m_asfTextLeft;
     Expected m_expected;
-    std::array<TagLib::ByteVector, 3> m_lastReads; ///< those of four bytes at the most; else empty
-    std::vector<std::pair<long, char>> m_patches;  ///< bytes that are shown otherwise, by their place
+    std::array<LastRead, 3> m_lastReads{};
+    std::vector<std::pair<long, char>> m_patches; ///< bytes that are shown otherwise, by their place
 };
 } // namespace audiocore
