@@ -50,6 +50,7 @@ struct Collection
             songs.push_back(std::make_unique<QMusicInfo>());
             songs.back()->localInfo = std::make_unique<LocalMusicInfo>();
             songs.back()->localInfo->filePath = makeFile(folder, i);
+            songs.back()->localInfo->file = FileState::ofEntry(songs.back()->localInfo->filePath);
             all.append(songs.back().get());
             tags.append(CreateTag());
             ownTags.append(tags.last());

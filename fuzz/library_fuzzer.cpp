@@ -104,7 +104,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             changes[std::strtoull(id, nullptr, 16)] = {i % 2 == 1, edit};
     const std::unique_ptr<itunes::TrackStore> promised = read(path, changes);
     std::string error;
-    if (!promised || !itunes::writeChanges(path, changes, error))
+    itunes::Written result;
+    if (!promised || !itunes::writeChanges(path, changes, result, error))
         std::abort();
     const std::unique_ptr<itunes::TrackStore> written = read(path, {});
     if (!written)

@@ -10,6 +10,7 @@
 #include "songcells.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
+#include "workers.h"
 
 #include <QDragEnterEvent>
 #include <QFileDialog>
@@ -44,7 +45,7 @@ CenterWidget::~CenterWidget()
 {
     endDeletion();
     m_views->showSongs(nullptr);
-    m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
+    m_views->showGroups(nullptr, SongCells::columnModeDupTable);
     m_intake.reader().forgetCovers();
     qDeleteAll(m_localMusicList);
     qDeleteAll(m_removedSongs);
@@ -235,6 +236,7 @@ void CenterWidget::enterMode(bool local)
     setAcceptDrops(local);
     m_openShortcut->setEnabled(local);
     QIOrvoUtil::m_cleanMode = local;
+    m_bLeavingMode = false;
     update();
 }
 
@@ -355,14 +357,13 @@ void CenterWidget::SlotDeleteAllDupMusic()
             SLOT(showProgress(int, int)));
     const SongLists lists = songLists();
     m_pDeleteThread->GetDupMusicBeDelete(lists.all, lists.groups, lists.undefined, lists.tags);
-    m_pDeleteThread->start();
+    m_bDeleting = true;
+    if (!Workers::start(*m_pDeleteThread)) {
+        SlotAllMusicInfoAfterDeleting();
+        return;
+    }
     ScreenPlace::putOver(*m_pWaitingDlg, m_pWaitingDlg->card(), *window());
     m_pWaitingDlg->exec();
-}
-
-bool CenterWidget::ListsAreInUse() const
-{
-    return m_intake.isRunning() || (m_pDeleteThread && m_pDeleteThread->isRunning());
 }
 
 /// The thread ends after the file at hand, and by way of this thread, which it blocks on.
@@ -380,6 +381,7 @@ void CenterWidget::endDeletion()
 
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
+    m_bDeleting = false;
     m_pWaitingDlg->finish();
     m_views->setGroupsEnabled(true);
     m_removedSongs += m_pDeleteThread->takeRemovedSongs();
@@ -433,7 +435,7 @@ void CenterWidget::showAllSongs()
 
 void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (ListsAreInUse()) {
+    if (!takesFiles()) {
         event->ignore();
         return;
     }
@@ -447,7 +449,7 @@ void CenterWidget::dropEvent(QDropEvent* event)
     QStringList paths;
     for (const QUrl& url : event->mimeData()->urls())
         paths.append(url.toLocalFile());
-    if (paths.isEmpty() || ListsAreInUse())
+    if (paths.isEmpty() || !takesFiles())
         return;
     event->acceptProposedAction();
     // The source of the drag waits for this handler: it is let go before the long work starts.
@@ -456,8 +458,11 @@ void CenterWidget::dropEvent(QDropEvent* event)
 
 void CenterWidget::TakeDroppedPaths(const QStringList& paths)
 {
-    if (!QIOrvoUtil::m_cleanMode || ListsAreInUse())
+    if (!takesFiles()) {
+        qWarning("%d dropped paths are not added: %s", paths.size(),
+                 ListsAreInUse() ? "the lists are in use" : "the local mode is not in force");
         return;
+    }
     m_dropFileList.clear();
     for (const QString& path : paths)
         DragMusicIntoLocalToAddFile(path);
@@ -473,21 +478,34 @@ void CenterWidget::DragMusicIntoLocalToAddFile(const QString& path)
 
 void CenterWidget::OnBtnOpenFile()
 {
-    QStringList files;
-    if (std::exchange(m_bFromDrop, false)) {
-        files = m_dropFileList;
-        if (files.isEmpty()) {
-            offerFileDialog();
-            return;
-        }
-    } else {
-        files = QFileDialog::getOpenFileNames(
-            this, QStringLiteral("open"), QString(),
-            QStringLiteral("music files(*.mp3 *.m4a *.ape *.aac *.flac *.wma *.wav *.ogg)"));
-        if (files.isEmpty())
-            return;
+    const bool fromDrop = std::exchange(m_bFromDrop, false);
+    if (!takesFiles())
+        return;
+    if (fromDrop && m_dropFileList.isEmpty()) {
+        offerFileDialog();
+        return;
     }
-    addFiles(files);
+    const QStringList files = fromDrop ? m_dropFileList : chosenFiles();
+    if (!files.isEmpty())
+        addFiles(files);
+}
+
+/// Files are local songs: of any other mode, and of one that is being left, they are none.
+bool CenterWidget::takesFiles() const
+{
+    return QIOrvoUtil::m_cleanMode && !m_bLeavingMode && !ListsAreInUse();
+}
+
+/// What the user chooses; nothing where the mode went meanwhile.
+QStringList CenterWidget::chosenFiles()
+{
+    QStringList files = QFileDialog::getOpenFileNames(
+        this, QStringLiteral("open"), QString(),
+        QStringLiteral("music files(*.mp3 *.m4a *.ape *.aac *.flac *.wma *.wav *.ogg)"));
+    if (files.isEmpty() || takesFiles())
+        return files;
+    qWarning("%d chosen files are not added: the local mode is left", files.size());
+    return {};
 }
 
 void CenterWidget::offerFileDialog()
@@ -510,7 +528,7 @@ void CenterWidget::addFiles(const QStringList& files)
     const bool confirmed = MessageDialog::notify(
         QStringLiteral("Add file(s) successfully! \nClick Start Scan to clean up right away!"),
         "btn_msg_startscan.png");
-    if (!confirmed)
+    if (!confirmed || !takesFiles())
         return;
     showCurrentView();
     ui->m_btnOpen->show();
@@ -527,12 +545,18 @@ void CenterWidget::paintEvent(QPaintEvent*)
     painter.fillRect(column.left(), column.top(), 1, column.height(), QColor(0xC9, 0xDD, 0xE9));
     if (ui->m_btnOpen->isHidden())
         return;
-    placeOpenButton();
+    placeOpenButton(); // where it stands already
     const QSize picture = m_dropPicture.size();
     const QPoint corner((width() - rightColumnWidth - picture.width()) / 2,
                         ui->m_btnOpen->y() - picture.height() - dropPictureGap);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(corner, m_dropPicture.image(painter));
+}
+
+void CenterWidget::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    placeOpenButton();
 }
 
 void CenterWidget::placeOpenButton()

@@ -45,6 +45,8 @@ public:
     /// The number of groups, not of songs.
     int ReturnDuplicateMusicCount() const;
 
+    /// From here to the next switch nothing is taken in: what came would go with the mode that is left.
+    void PrepareModeSwitch() { m_bLeavingMode = true; }
     void SwitchToLocalCleanModel();
     void SwitchToiTunesCleanModel();
     void ClearSelectedWidget();
@@ -52,11 +54,13 @@ public:
     /// After cover files were written.
     void showCoversAnew();
 
-    /// Takes files and folders in as a drop of them does.
+    /// Takes files and folders in as a drop of them does: nothing out of the local mode, nor while it is
+    /// left.
     void TakeDroppedPaths(const QStringList& paths);
     /// Whether an intake fills the lists of songs or a thread deletes what they hold: neither may see them
-    /// emptied or filled by others, so switching modes waits for its end.
-    bool ListsAreInUse() const;
+    /// emptied or filled by others, so switching modes waits for its end. The thread has ended its use once
+    /// the waiting dialog closes, whenever it returns itself.
+    bool ListsAreInUse() const { return m_intake.isRunning() || m_bDeleting; }
     /// Ends a running intake for good, without its message; for when the window closes.
     void StopIntake() { m_intake.stop(); }
 
@@ -100,6 +104,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     enum ViewKind { ViewAll = 0, ViewDuplicates = 1, ViewUndefined = 2 };
@@ -108,6 +113,8 @@ private:
     void InitView();
     void InitConnect();
 
+    bool takesFiles() const;
+    QStringList chosenFiles();
     void offerFileDialog();
     void addFiles(const QStringList& files);
 
@@ -146,9 +153,11 @@ private:
     QList<QMusicInfo*> m_removedSongs; ///< owned; out of every list, but panels may still show one
     std::unique_ptr<DeleteAllDupMusicThread> m_pDeleteThread;
     std::unique_ptr<DeletingMusicWaitingDlg> m_pWaitingDlg; ///< of the last deletion of all duplicates
+    bool m_bDeleting = false;                               ///< until the thread has edited the lists
 
     LocalIntake m_intake;
     QStringList m_dropFileList;
     bool m_bFromDrop = false;
+    bool m_bLeavingMode = false;
     bool m_bFilesAdded = false;
 };

@@ -1,6 +1,9 @@
 #include "decodequeue.h"
 
+#include "workers.h"
+
 #include <algorithm>
+#include <utility>
 
 namespace {
 /// One processor is left for whoever reads the files; more than a few would only wait for the disk.
@@ -24,16 +27,33 @@ DecodeQueue::~DecodeQueue()
 
 std::future<QImage> DecodeQueue::add(Decoding decoding)
 {
-    Task task(std::move(decoding));
+    Task task([decoding = std::move(decoding)] {
+        QImage image;
+        Workers::finish("decoding a cover", [&] { image = decoding(); });
+        return image;
+    });
     std::future<QImage> image = task.get_future();
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_tasks.push_back(std::move(task));
     }
     m_changed.notify_one();
-    while (m_threads.size() < threadCount())
-        m_threads.emplace_back([this] { work(); });
+    makeThreads();
+    if (m_threads.empty())
+        workOnce();
     return image;
+}
+
+/// Fewer than wanted will do, and another call may find room for more.
+void DecodeQueue::makeThreads()
+{
+    try {
+        while (m_threads.size() < threadCount())
+            m_threads.emplace_back([this] { work(); });
+    } catch (const std::exception& fault) {
+        if (m_threads.empty() && !std::exchange(m_toldShortage, true))
+            Workers::logFailure("making a thread for covers", fault);
+    }
 }
 
 void DecodeQueue::drop()
@@ -49,9 +69,18 @@ void DecodeQueue::work()
         m_changed.wait(lock, [this] { return m_ending || !m_tasks.empty(); });
         if (m_tasks.empty())
             return;
-        Task task = std::move(m_tasks.front());
-        m_tasks.pop_front();
         lock.unlock();
-        task();
+        workOnce();
     }
+}
+
+void DecodeQueue::workOnce()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    if (m_tasks.empty())
+        return;
+    Task task = std::move(m_tasks.front());
+    m_tasks.pop_front();
+    lock.unlock();
+    task();
 }

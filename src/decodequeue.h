@@ -11,7 +11,8 @@
 #include <vector>
 
 /// Runs decodings on threads of its own, in the order in which they were added. The threads start with the
-/// first one. To be called from one thread.
+/// first one; where the system makes none, add() decodes. A decoding that throws brings no picture. To be
+/// called from one thread.
 class DecodeQueue
 {
 public:
@@ -30,10 +31,13 @@ private:
     using Task = std::packaged_task<QImage()>;
 
     void work();
+    void workOnce();
+    void makeThreads();
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Task> m_tasks; ///< guarded by m_mutex, as is m_ending
     bool m_ending = false;
     std::vector<std::thread> m_threads;
+    bool m_toldShortage = false; ///< of threads
 };

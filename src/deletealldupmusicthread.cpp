@@ -1,5 +1,7 @@
 #include "deletealldupmusicthread.h"
 
+#include "workers.h"
+
 #include <QElapsedTimer>
 #include <QHash>
 
@@ -34,8 +36,13 @@ QList<QMusicInfo*> DeleteAllDupMusicThread::takeRemovedSongs()
 void DeleteAllDupMusicThread::run()
 {
     if (!m_lists.groups->isEmpty()) {
-        QVector<SongRemoval::Removal> plan = SongRemoval::planOfAll(*m_lists.groups);
-        plan.resize(deleteSongs(plan));
+        QVector<SongRemoval::Removal> plan;
+        int done = 0; // what is gone leaves the lists, whatever ended the deletion
+        Workers::finish("deleting duplicates", [this, &plan, &done] {
+            plan = SongRemoval::planOfAll(*m_lists.groups);
+            deleteSongs(plan, done);
+        });
+        plan.resize(done);
         const auto editLists = [this, &plan] { m_removedSongs += SongRemoval::removeAll(m_lists, plan); };
         QMetaObject::invokeMethod(this, editLists,
                                   thread() == QThread::currentThread() ? Qt::DirectConnection
@@ -44,8 +51,8 @@ void DeleteAllDupMusicThread::run()
     emit emitAllMusicInfo();
 }
 
-/// How many of them it deleted: all, unless it was told to end.
-int DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan)
+/// Counts in `done` how many of them it deleted: all, unless it was told to end.
+void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done)
 {
     const bool files = SongRemoval::songsAreFiles();
     const QHash<const QMusicInfo*, IAudioTag*> tags = tagsOf(m_lists);
@@ -53,9 +60,9 @@ int DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& pl
     const QMusicInfo* keptSong = nullptr;
     QElapsedTimer sinceProgress;
     sinceProgress.start();
-    for (int done = 0; done < plan.size(); ++done) {
+    for (done = 0; done < plan.size(); ++done) {
         if (isInterruptionRequested())
-            return done;
+            return;
         const SongRemoval::Removal& removal = plan.at(done);
         if (!files) {
             SongRemoval::removeTrack(*removal.song);
@@ -71,5 +78,4 @@ int DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& pl
             sinceProgress.start();
         }
     }
-    return plan.size();
 }

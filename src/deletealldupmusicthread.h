@@ -33,7 +33,7 @@ protected:
     void run() override;
 
 private:
-    int deleteSongs(const QVector<SongRemoval::Removal>& plan);
+    void deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done);
 
     SongLists m_lists;
     QList<QMusicInfo*> m_removedSongs;

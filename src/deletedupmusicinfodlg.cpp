@@ -14,6 +14,7 @@ DeleteDupMusicInfoDlg::DeleteDupMusicInfoDlg(QWidget* parent)
     SetImageBackgroud(SkinPicture::path("bg_message_duplicated.png"));
     ui->m_btnCancel->setBtnImage(SkinPicture::path("button_cancel.png"));
     ui->m_btnOK->setBtnImage(SkinPicture::path("button_ok.png"));
+    ui->m_btnOK->setChangesFiles(true);
     ui->m_checkBox->move(94, 60);
     ui->m_checkBox->setStyleSheet(QStringLiteral("QCheckBox::indicator{width:16px;height:16px}"));
     ui->m_checkBox->setAccessibleName(QStringLiteral("Do not ask me again"));

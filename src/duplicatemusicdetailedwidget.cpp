@@ -20,6 +20,8 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     ui->m_scrollAreaWidget->setAutoFillBackground(false);
     ui->m_btnClearOne->setBtnImage(SkinPicture::path("btn_clearduplicate.png"));
     ui->m_btnClearAll->setBtnImage(SkinPicture::path("btn_ClearAll.png"));
+    ui->m_btnClearOne->setChangesFiles(true);
+    ui->m_btnClearAll->setChangesFiles(true);
     connect(ui->m_btnClearOne, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteSongWasSelected()));
     connect(ui->m_btnClearAll, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteAllSong()));
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongStopBtnHidden()), this, SLOT(SlotSongStopBtnHidden()));

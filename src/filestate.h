@@ -19,6 +19,8 @@ struct FileState
     bool exists() const { return size >= 0; }
 
     static FileState of(const QString& path);
+    /// Of what lies at the path itself, a link included.
+    static FileState ofEntry(const QString& path);
 };
 
 inline bool operator==(const FileState& a, const FileState& b)
@@ -31,6 +33,10 @@ inline bool operator!=(const FileState& a, const FileState& b)
 {
     return !(a == b);
 }
+
+/// Removes what lies at the path itself, never a folder, if it is in that state; the reason why not, or
+/// empty.
+QString removeIfUnchanged(const QString& path, const FileState& state);
 
 inline uint qHash(const FileState& state, uint seed = 0)
 {

@@ -1,7 +1,30 @@
 #include "folderopener.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
+#include <QUrl>
+
+namespace {
+/// The path of a file URL on this machine; other texts as they stand.
+QString pathOf(const QString& folder)
+{
+    QUrl url(folder, QUrl::StrictMode);
+    if (url.scheme() != QLatin1String("file") || url.hasQuery() || url.hasFragment())
+        return folder;
+    if (url.host() == QLatin1String("localhost"))
+        url.setHost(QString());
+    return url.host().isEmpty() ? url.toLocalFile() : folder;
+}
+
+/// Anything else could be started by the file browser, or be taken for an option: what begins with "-" is no
+/// absolute path. A bundle is a folder that is a program.
+bool isFolder(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.isAbsolute() && info.isDir() && !info.isBundle();
+}
+} // namespace
 
 QString FolderOpener::folderOf(const QString& location)
 {
@@ -14,18 +37,16 @@ QString FolderOpener::folderOf(const QString& location)
 
 void FolderOpener::open(const QString& folder)
 {
-    if (folder.isEmpty()) {
-        qWarning("no folder can be opened: the song lies in none");
+    if (!isFolder(pathOf(folder))) {
+        qWarning("\"%s\" is not opened: it is no folder of this machine", qUtf8Printable(folder));
         return;
     }
+    // One argument, blanks or not.
 #if defined(Q_OS_MACOS)
-    // Not quoted: a path with blanks is taken for several, which is accepted.
-    QStringList words = QProcess::splitCommand(QLatin1String("open ") + folder);
-    const QString program = words.takeFirst();
-    const bool started = QProcess::startDetached(program, words);
+    const bool started = QProcess::startDetached(QStringLiteral("open"), {folder});
 #elif defined(Q_OS_WIN)
     const bool started =
-        QProcess::startDetached(QStringLiteral("explorer"), {QDir::toNativeSeparators(folder)});
+        QProcess::startDetached(QStringLiteral("explorer"), {QDir::toNativeSeparators(pathOf(folder))});
 #else
     const bool started = QProcess::startDetached(QStringLiteral("xdg-open"), {folder});
 #endif

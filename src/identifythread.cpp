@@ -2,6 +2,7 @@
 
 #include "audiocore/iaudioidentifier.h"
 #include "localsongreader.h"
+#include "workers.h"
 
 #include <QDir>
 #include <QFile>
@@ -72,6 +73,12 @@ bool IdentifyThread::prepare()
 }
 
 void IdentifyThread::run()
+{
+    if (!Workers::finish("identifying a song", [this] { identify(); }))
+        emit emitFailToIdentify();
+}
+
+void IdentifyThread::identify()
 {
     if (!prepare()) {
         emit emitFailToIdentify();

@@ -37,6 +37,7 @@ protected:
     void run() override;
 
 private:
+    void identify();
     bool prepare();
     QStringList takeItems();
     void takeCover(const TagItem& item);

@@ -59,21 +59,41 @@ QString targetOf(const QString& entry)
 }
 } // namespace
 
-#ifdef Q_OS_UNIX
-/// Of what lies at the path itself; nothing for what is no file, and for a file with other names, which
-/// outlives the loss of one.
-std::optional<KeptFiles::FileId> KeptFiles::onlyNamedFile(const QString& path)
+/// What the disk tells of an entry.
+struct KeptFiles::Found
 {
-    struct stat status = {};
-    if (lstat(QFile::encodeName(path).constData(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_nlink != 1)
-        return std::nullopt;
-    return FileId(status.st_dev, status.st_ino);
+    bool known = false; ///< false where it tells nothing
+    Place place;
+    Place foldedPlace;
+    bool isFile = false; ///< and no link
+    bool hasOtherNames = false;
+    FileId file;
+};
+
+#ifdef Q_OS_UNIX
+KeptFiles::Found KeptFiles::find(const QString& entry)
+{
+    Found found;
+    const QFileInfo path(entry);
+    struct stat folder = {};
+    struct stat file = {};
+    if (::stat(QFile::encodeName(path.path()).constData(), &folder) != 0 ||
+        ::lstat(QFile::encodeName(entry).constData(), &file) != 0)
+        return found;
+    const FileId folderId(folder.st_dev, folder.st_ino);
+    found.known = true;
+    found.place = Place(folderId, spelling(path.fileName()));
+    found.foldedPlace =
+        Place(folderId, path.fileName().normalized(QString::NormalizationForm_C).toCaseFolded());
+    found.isFile = S_ISREG(file.st_mode);
+    found.hasOtherNames = file.st_nlink > 1;
+    found.file = FileId(file.st_dev, file.st_ino);
+    return found;
 }
 #else
-std::optional<KeptFiles::FileId> KeptFiles::onlyNamedFile(const QString&)
+KeptFiles::Found KeptFiles::find(const QString&)
 {
-    return std::nullopt;
+    return Found();
 }
 #endif
 
@@ -83,8 +103,11 @@ void KeptFiles::add(const QString& path)
     for (int step = 0; step < longestChain && !next.isEmpty(); ++step) {
         const QString entry = entryOf(next);
         m_entries.insert(spelling(entry));
-        if (const std::optional<FileId> file = onlyNamedFile(entry))
-            m_files.insert(*file);
+        const Found found = find(entry);
+        if (found.known)
+            m_places.insert(found.place);
+        if (found.isFile)
+            m_files[found.file].insert(found.foldedPlace);
         next = targetOf(entry);
     }
 }
@@ -96,6 +119,12 @@ bool KeptFiles::wouldLose(const QString& path) const
     const QString entry = entryOf(path);
     if (m_entries.contains(spelling(entry)))
         return true;
-    const std::optional<FileId> file = onlyNamedFile(entry);
-    return file && m_files.contains(*file);
+    const Found found = find(entry);
+    if (!found.known)
+        return false;
+    if (m_places.contains(found.place))
+        return true;
+    // The last name of a kept file, or one that may be the known name in letters of another case.
+    const auto kept = m_files.constFind(found.file);
+    return kept != m_files.constEnd() && (!found.hasOtherNames || kept->contains(found.foldedPlace));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "filestate.h"
+
 #include <QPixmap>
 #include <QString>
 
@@ -26,4 +28,5 @@ struct LocalMusicInfo
     qint64 sampleRate = 0;          ///< hertz
     qint64 duration = 0;            ///< milliseconds
     std::unique_ptr<QPixmap> cover; ///< ready to paint; never null
+    FileState file;                 ///< what lay at the path when it was read, or when we saved it last
 };

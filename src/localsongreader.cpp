@@ -36,6 +36,7 @@ LocalSongReader::Song LocalSongReader::read(const QString& path)
     song.info = std::make_unique<QMusicInfo>();
     song.info->localInfo = std::make_unique<LocalMusicInfo>();
     song.info->localInfo->filePath = path;
+    song.info->localInfo->file = FileState::ofEntry(path);
     m_addedPathList.append(path);
 
     const std::u32string widePath = path.toStdU32String();

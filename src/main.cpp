@@ -1,58 +1,6 @@
-#include "itunes/itunesmusiclibrary.h"
-#include "mainwindow.h"
-#include "qiorvoutil.h"
-#include "startup.h"
-
-#include <QApplication>
-#include <QCommandLineParser>
-#include <QDesktopWidget>
-#include <QFileInfo>
-#include <QIcon>
-
-namespace {
-/// Takes the options over; the files and folders named on the command line, as absolute paths.
-QStringList namedPaths(const QApplication& application)
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Tidies a music collection."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("paths"),
-                                 QStringLiteral("Music files or folders to add in the local clean mode."),
-                                 QStringLiteral("[paths...]"));
-    const QCommandLineOption library(QStringLiteral("itunes-library"),
-                                     QStringLiteral("The iTunes library file to read and edit."),
-                                     QStringLiteral("file"));
-    parser.addOption(library);
-    parser.process(application);
-    if (parser.isSet(library))
-        setITunesLibraryOption(QFileInfo(parser.value(library)).absoluteFilePath().toUtf8().constData());
-    QStringList paths;
-    for (const QString& path : parser.positionalArguments())
-        paths.append(QFileInfo(path).absoluteFilePath());
-    return paths;
-}
-} // namespace
+#include "program.h"
 
 int main(int argc, char* argv[])
 {
-    Startup::beforeApplication();
-    QApplication application(argc, argv);
-    Startup::afterApplication();
-    const QStringList paths = namedPaths(application);
-
-    MainWindow window;
-    const QString resources = QIOrvoUtil::getResourcePath();
-    QApplication::setWindowIcon(QIcon(resources + QLatin1String("/Image/logo.png")));
-    window.setTopImage(resources + QLatin1String("/Image/bg_banner.png"));
-    window.setFootImage(resources + QLatin1String("/Image/bg_foot.png"));
-    window.setBackgroundImage(resources + QLatin1String("/Image/bg_right_nofile.png"));
-    const QRect desktop = QApplication::desktop()->geometry();
-    window.move((desktop.width() - window.width()) / 2, (desktop.height() - window.height()) / 2);
-    window.setMinimumHeight(700);
-    window.setMinimumWidth(1000);
-    window.show();
-    if (!paths.isEmpty())
-        window.OpenInLocalMode(paths);
-    return QApplication::exec();
+    return runProgram(argc, argv);
 }

@@ -12,6 +12,7 @@
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "ui_mainwindow.h"
+#include "workers.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -80,13 +81,16 @@ void MainWindow::Init()
     m_pLocalSwitchTimer = new QTimer(this);
     ui->m_btnLocalClean->hide();
     ui->m_movieLabel->setGeometry(10, 20, 50, 50);
-    showStatusPicture("pic_startscan.png");
     ui->m_leftMusicWidget->setAllSongsCount(0);
     ui->m_leftMusicWidget->OnLeftWidgetBtnState();
-    ui->m_tipsLabel->setText(iTunesTips());
+    ui->m_tipsLabel->setIndent(tipsIndent);
+    QPalette palette = ui->m_tipsLabel->palette();
+    palette.setColor(QPalette::WindowText, Qt::black);
+    ui->m_tipsLabel->setPalette(palette);
     // Where the header's boxes meet in a small window, the start button stays clickable.
     ui->m_btnStarScan->raise();
     placeHeader();
+    showStart(iTunesTips());
 }
 
 void MainWindow::InitMainMenu()
@@ -160,6 +164,13 @@ void MainWindow::showStatusPicture(const char* name)
     ui->m_movieLabel->showPicture(SkinPicture::path(name));
 }
 
+/// What the header says of a mode in which nothing was scanned yet.
+void MainWindow::showStart(const QString& tips)
+{
+    showStatusPicture("pic_startscan.png");
+    showTips(tips);
+}
+
 void MainWindow::OnBtnStartScan()
 {
     // While the switch glides, the mode that it leaves is still in force.
@@ -185,7 +196,7 @@ void MainWindow::scanITunesLibrary()
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("button_Scanning.png"));
     ui->m_btnStarScan->setEnabled(false);
     m_bScanning = true;
-    ui->m_tipsLabel->setText(QStringLiteral("Scanning......\nPlease wait a moment!"));
+    showTips(QStringLiteral("Scanning......\nPlease wait a moment!"));
     repaint(); // reading the library takes a moment in which nothing is painted
 
     int count = 0;
@@ -224,13 +235,15 @@ void MainWindow::loadCovers()
     }
     m_pCoverThread->wait(); // the run before may still be returning
     m_pCoverThread->setList(&m_musicList);
-    m_pCoverThread->start();
+    if (!Workers::start(*m_pCoverThread)) // the scan goes on without its covers
+        QMetaObject::invokeMethod(this, "SlotScanFinish", Qt::QueuedConnection);
 }
 
 void MainWindow::SlotOnBtniTunesClean()
 {
     if (m_bScanning)
         return;
+    ui->m_middleMusicWidget->PrepareModeSwitch();
     ui->m_btniTunesClean->hide();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("add_music.png"));
     m_pLocalSwitchMovie->startIn(ui->m_labelClean);
@@ -243,7 +256,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
     if (postponedByWork(m_piTunesSwitchTimer))
         return;
     ui->m_btnLocalClean->show();
-    ui->m_tipsLabel->setText(localTips());
+    showStart(localTips());
     ui->m_middleMusicWidget->SwitchToLocalCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_piTunesSwitchTimer->stop();
@@ -254,6 +267,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
 void MainWindow::SlotOnBtnLocalClean()
 {
     // Unlike the other direction, a running scan does not stand in the way.
+    ui->m_middleMusicWidget->PrepareModeSwitch();
     ui->m_btnLocalClean->hide();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
     m_piTunesSwitchMovie->startIn(ui->m_labelClean);
@@ -267,7 +281,7 @@ void MainWindow::SlotLocalBtnMovieStop()
     if (postponedByWork(m_pLocalSwitchTimer))
         return;
     ui->m_btniTunesClean->show();
-    ui->m_tipsLabel->setText(iTunesTips());
+    showStart(iTunesTips());
     ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_pLocalSwitchTimer->stop();
@@ -294,10 +308,9 @@ void MainWindow::SlotScanFinish()
     showStatusPicture("pic_scanover.png");
     const int duplicates = ui->m_middleMusicWidget->ReturnDuplicateMusicCount();
     const int undefined = ui->m_middleMusicWidget->ReturnUndefinedMusicCount();
-    ui->m_tipsLabel->setText(
-        QStringLiteral("Scan Finished!\nScan Results: %1 Undefined Song(s); %2 Duplicate Song(s).")
-            .arg(undefined)
-            .arg(duplicates));
+    showTips(QStringLiteral("Scan Finished!\nScan Results: %1 Undefined Song(s); %2 Duplicate Song(s).")
+                 .arg(undefined)
+                 .arg(duplicates));
     update();
 }
 
@@ -308,14 +321,14 @@ void MainWindow::SlotIntakeProgress(int done, int total)
         m_pIntakeMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
         m_pIntakeMovie->startIn(ui->m_movieLabel);
     }
-    ui->m_tipsLabel->setText(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
+    showTips(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
 }
 
 void MainWindow::SlotIntakeFinished()
 {
     if (m_pIntakeMovie) {
         showStatusPicture(m_pStatusPicture);
-        ui->m_tipsLabel->setText(m_strTipsBeforeIntake);
+        showTips(m_strTipsBeforeIntake);
         m_pIntakeMovie.reset();
     }
     // From here on the button scans what was added.
@@ -347,16 +360,18 @@ void MainWindow::paintEvent(QPaintEvent*)
     placeHeader();
 }
 
+/// At a painting all stands there already, and this does nothing: what moves then would be painted again.
 void MainWindow::placeHeader()
 {
     ui->m_btnStarScan->move(width() / 2, 30);
     ui->m_hhwidget->move(width() - 419, 5);
     ui->m_tipsLabel->setGeometry(60, 25, 465, 40);
-    ui->m_tipsLabel->setIndent(tipsIndent);
+}
+
+void MainWindow::showTips(const QString& text)
+{
+    ui->m_tipsLabel->setText(text);
     ui->m_tipsLabel->setFont(tipsFont());
-    QPalette palette = ui->m_tipsLabel->palette();
-    palette.setColor(QPalette::WindowText, Qt::black);
-    ui->m_tipsLabel->setPalette(palette);
 }
 
 /// In a small window the letters stand closer, so that the tips end before the start button.
@@ -377,6 +392,7 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
     placeHeader();
+    ui->m_tipsLabel->setFont(tipsFont());
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

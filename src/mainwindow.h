@@ -69,8 +69,10 @@ private:
     void takeTracks(int count);
     void loadCovers();
     void placeHeader();
+    void showTips(const QString& text);
     QFont tipsFont() const;
     void showStatusPicture(const char* name);
+    void showStart(const QString& tips);
     bool postponedByWork(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;

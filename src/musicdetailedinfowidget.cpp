@@ -3,10 +3,12 @@
 #include "audiocore/tagitem.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
+#include "coverchoice.h"
 #include "identifythread.h"
 #include "songcover.h"
 #include "songfields.h"
 #include "ui_musicdetailedinfowidget.h"
+#include "workers.h"
 
 #include <QFileDialog>
 #include <QIntValidator>
@@ -58,6 +60,7 @@ MusicDetailedInfoWidget::~MusicDetailedInfoWidget()
 void MusicDetailedInfoWidget::InitBtn()
 {
     ui->m_btnApply->setBtnImage(SkinPicture::path("btn_apply.png"));
+    ui->m_btnApply->setChangesFiles(true); // it lies in the place of Edit
     ui->m_btnCancel->setBtnImage(SkinPicture::path("button_edit_close.png"));
     ui->m_btnEdit->setBtnImage(SkinPicture::path("button_edit.png"));
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
@@ -255,9 +258,12 @@ void MusicDetailedInfoWidget::IdentifyMusic()
     connect(m_pIdentifyThread, SIGNAL(emitFailToIdentify()), this, SLOT(SlotOnFailIdentifyTips()));
     connect(m_pIdentifyThread, SIGNAL(finished()), m_pIdentifyThread, SLOT(deleteLater()));
     m_pIdentifyThread->ReturnIdentifyInfo(SongFields::audioPath(m_pMusicInfo));
-    m_pIdentifyThread->start();
     m_bIdentifying = true;
     emit emitForbidToClickView(true);
+    if (Workers::start(*m_pIdentifyThread))
+        return;
+    QMetaObject::invokeMethod(m_pIdentifyThread, "emitFailToIdentify", Qt::QueuedConnection);
+    m_pIdentifyThread->deleteLater();
 }
 
 /// Stops what shows that an identification runs, and lets the user go on.
@@ -327,9 +333,13 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
 
 void MusicDetailedInfoWidget::SlotChangeImage()
 {
-    const QString path = QFileDialog::getOpenFileName(
+    const QMusicInfo* const song = m_pMusicInfo; // only compared: a mode switch may take it meanwhile
+    const QString chosen = QFileDialog::getOpenFileName(
         this, QStringLiteral("Open File"), QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
         QStringLiteral("Images(*.png *.xpm *.jpg)"));
+    if (chosen.isEmpty() || m_pMusicInfo != song)
+        return;
+    const QString path = CoverChoice::embeddable(chosen);
     if (path.isEmpty())
         return;
     m_strNewCoverPath = path;

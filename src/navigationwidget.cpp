@@ -23,6 +23,7 @@ void NavigationWidget::InitBtn()
     ui->m_btnMusicAll->setMark(NavigationButton::MarkNote);
     ui->m_btnMusicUndefined->setMark(NavigationButton::MarkQuestion);
     ui->m_btnMusicDuplicate->setMark(NavigationButton::MarkCopies);
+    stackButtons();
     setMusicCount(0, 0, 0);
 }
 
@@ -107,13 +108,19 @@ void NavigationWidget::setBtnHidden(bool hidden)
     ui->m_btnMusicUndefined->setHidden(hidden);
 }
 
-void NavigationWidget::paintEvent(QPaintEvent*)
+/// At a painting they stand there already, and this does nothing.
+void NavigationWidget::stackButtons()
 {
     int top = 0;
     for (QWidget* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate}) {
         button->move(0, top);
         top += button->height();
     }
+}
+
+void NavigationWidget::paintEvent(QPaintEvent*)
+{
+    stackButtons();
     QPainter painter(this);
     painter.fillRect(rect(), QColor(244, 244, 244));
     painter.fillRect(width() - 1, 0, 1, height(), QColor(170, 170, 170));

@@ -47,6 +47,7 @@ protected:
 private:
     void InitBtn();
     void InitConnect();
+    void stackButtons();
     void select(QWidget* chosen);
 
     std::unique_ptr<Ui::NavigationWidget> ui;

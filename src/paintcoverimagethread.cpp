@@ -4,6 +4,7 @@
 #include "itunes/tunesedit.h"
 #include "qmusicinfo.h"
 #include "songfields.h"
+#include "workers.h"
 
 #include <QFile>
 
@@ -30,12 +31,15 @@ void PaintCoverImageThread::setList(QList<QMusicInfo*>* list)
 
 void PaintCoverImageThread::run()
 {
-    for (const Track& track : m_tracks) {
-        if (isInterruptionRequested())
-            return;
-        fetchCover(track);
-    }
-    emit emitPaintCoverhadfinished();
+    Workers::finish("loading covers", [this] {
+        for (const Track& track : m_tracks) {
+            if (isInterruptionRequested())
+                return;
+            fetchCover(track);
+        }
+    });
+    if (!isInterruptionRequested())
+        emit emitPaintCoverhadfinished();
 }
 
 void PaintCoverImageThread::fetchCover(const Track& track)

@@ -23,7 +23,7 @@ public:
     void setList(QList<QMusicInfo*>* list);
 
 signals:
-    /// When all songs were handled; not when the run was interrupted.
+    /// When all songs were handled, or the others cannot be; not when the run was interrupted.
     void emitPaintCoverhadfinished();
     /// Declared for views that show covers as they come; never emitted.
     void emitRefreshImage(int row);

@@ -78,7 +78,8 @@ SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
     if (const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()}) {
         // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
         tag->Open(local.filePath.toStdU32String().c_str());
-        SongEditing::writeTag(*tag, edit);
+        if (SongEditing::writeTag(*tag, edit) == 0)
+            local.file = FileState::ofEntry(local.filePath);
     }
     if (edit.newCoverPath.isEmpty())
         return {};

@@ -8,7 +8,6 @@
 #include "songfields.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QSet>
 
 #include <algorithm>
@@ -39,9 +38,9 @@ void SongRemoval::removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptF
         qWarning("%s stays on disk: a song that is kept has the same file", qUtf8Printable(path));
         return;
     }
-    QFile file(path);
-    if (!file.remove())
-        qWarning("%s stays on disk: %s", qUtf8Printable(path), qUtf8Printable(file.errorString()));
+    const QString reason = removeIfUnchanged(path, song.localInfo->file);
+    if (!reason.isEmpty())
+        qWarning("%s stays on disk: %s", qUtf8Printable(path), qUtf8Printable(reason));
 }
 
 void SongRemoval::removeTrack(const QMusicInfo& song)

@@ -26,7 +26,8 @@ bool songsAreFiles();
 /// What these songs need on disk; nothing where they are tracks. Any thread.
 KeptFiles filesOf(const QList<QMusicInfo*>& songs);
 /// Lets go of the song's file (`tag` may be null) and removes what its path names, a link itself and never a
-/// folder. A file that a kept song would lose stays. What stays is logged in one line. Any thread.
+/// folder. A file that a kept song would lose stays, and one that is not as it was when it was listed, or
+/// saved by us. What stays is logged in one line. Any thread.
 void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept);
 /// Deletes the song's track from the iTunes library; the result is logged. Any thread.
 void removeTrack(const QMusicInfo& song);

@@ -1,37 +1,40 @@
 #include "startup.h"
 
 #include "audiocore/log.h"
+#include "ownenvironment.h"
+#include "privatefolder.h"
+#include "workers.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFontDatabase>
 #include <QPalette>
 #include <QStyleFactory>
-#include <QTemporaryDir>
 #include <QTextCodec>
 #include <QToolTip>
 
 #include <clocale>
 
 namespace {
+/// There is one for the whole run. As a static object it also goes where a library ends the process, as the
+/// one of the display does when that breaks down.
+std::unique_ptr<PrivateFolder>& privateFolder()
+{
+    static std::unique_ptr<PrivateFolder> folder;
+    return folder;
+}
+
 /// Cover files go to names glued to the temporary path ("…localImage"). The path therefore names a folder
 /// inside a private one, so that the glued names lie in the private one, too.
 void makeTemporaryFilesPrivate()
 {
-    QTemporaryDir home(QDir::tempPath() + QLatin1String("/melodrift-XXXXXX"));
-    home.setAutoRemove(false);
-    const QString temporary = home.path() + QLatin1String("/tmp");
-    if (!home.isValid() || !QDir().mkpath(temporary)) {
-        qWarning("no private temporary directory: %s", qUtf8Printable(home.errorString()));
+    if (privateFolder())
         return;
-    }
-    const QByteArray native = QFile::encodeName(QDir::toNativeSeparators(temporary));
-#ifdef Q_OS_WIN
-    qputenv("TMP", native);
-    qputenv("TEMP", native);
-#else
-    qputenv("TMPDIR", native);
-#endif
+    privateFolder() = std::make_unique<PrivateFolder>(QDir::tempPath());
+    const QString home = privateFolder()->path();
+    const QString temporary = home + QLatin1String("/tmp");
+    if (!home.isEmpty() && QDir().mkpath(temporary))
+        OwnEnvironment::setTemporaryFolder(QFile::encodeName(QDir::toNativeSeparators(temporary)));
 }
 
 /// The first installed of the families stands in for a missing one.
@@ -76,12 +79,19 @@ void chooseColours()
 }
 } // namespace
 
-void Startup::beforeApplication()
+void Startup::beforeCommandLine()
 {
 #ifdef Q_OS_UNIX
     // File names are UTF-8 also where no language is set, as in a bare container.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 #endif
+    QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+}
+
+void Startup::beforeApplication()
+{
+    beforeCommandLine();
     makeTemporaryFilesPrivate();
     if (!qEnvironmentVariableIsSet("QT_FONT_DPI")) {
         qputenv("QT_FONT_DPI", "72");
@@ -90,8 +100,11 @@ void Startup::beforeApplication()
     }
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+}
+
+void Startup::removeTemporaryFiles()
+{
+    privateFolder().reset();
 }
 
 void Startup::afterApplication()
@@ -99,6 +112,9 @@ void Startup::afterApplication()
     // The application object took the user's locale over; number parsers of the audio libraries want the dot.
     std::setlocale(LC_NUMERIC, "C");
     SetAudioCoreLogSink([](const char* line) { qWarning("%s", line); });
+    Workers::fillToolkitPool();
     chooseFonts();
     chooseColours();
+    // The text cursor stands still: a blinking one has its window painted for as long as an editor is open.
+    QApplication::setCursorFlashTime(0);
 }

@@ -5,14 +5,23 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QTimer>
 #include <QtTest>
+
+/// The second press of a double click whose first one another button took, as the window system tells of it.
+inline void pressAsSecond(QWidget* button)
+{
+    const QPoint middle = button->rect().center();
+    QMouseEvent press(QEvent::MouseButtonDblClick, middle, button->mapToGlobal(middle), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(button, &press);
+    QTest::mouseRelease(button, Qt::LeftButton, Qt::NoModifier, middle);
+}
 
 /// Answers the modal dialogs that the program opens, in their order, and remembers what they said.
 class DialogDriver : public QObject
 {
-    Q_OBJECT
-
 public:
     using Answer = std::function<void(QWidget*)>;
 

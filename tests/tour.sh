@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs the program in a virtual display as a person would, by mouse, through both modes, and saves a picture of each
 # step, at two window sizes and once on a dense screen:  tour.sh BIN_DIR PICTURE_DIR [FILES or FOLDERS]
-# Prints the three counts at the end. Without files a small real collection is made.
+# Prints the three counts at the end, and for every screen what share of a core the program takes while nothing
+# happens; fails where it is too much. Without files a small real collection is made.
 set -euo pipefail
 bin=$(realpath "$1")
 pictures=$2
@@ -92,6 +93,27 @@ picture() {
     [ "${2:-}" = stay ] || xdotool mousemove --window "$window" $((700 * scale)) $((5 * scale))
     sleep 0.3
     import -window root -crop "$(frame)" +repage "$pictures/$1.png"
+}
+
+# Clock ticks of processor time that the program has taken.
+ticks() {
+    sed 's/.*) //' "/proc/$program/stat" | awk '{ print $12 + $13 }'
+}
+
+# Prints the processor time of five seconds on this screen, after one in which it settles, as a share of a core, which
+# has to be under one per cent, or under the one given.
+busy=
+rest() {
+    local before share
+    sleep 1
+    before=$(ticks)
+    sleep 5
+    share=$(awk -v ticks=$(($(ticks) - before)) -v hertz="$(getconf CLK_TCK)" \
+        'BEGIN { printf "%.1f", 100 * ticks / hertz / 5 }')
+    echo "at rest, $1: $share % of a core"
+    awk -v share="$share" -v limit="${2:-1}" 'BEGIN { exit !(share < limit) }' && return
+    echo "that is too much" >&2
+    busy=$1
 }
 
 # The window with what lies beside it.
@@ -189,6 +211,7 @@ walk_details() {
     local width=$1 name=$2 left=$(($1 - 330))
     click $((left + 96)) 608
     picture "$name-details-1-editing"
+    rest "$name, editing"
     click $((left + 160)) 472
     picture "$name-details-2-genres" stay
     xdotool key Escape
@@ -229,6 +252,7 @@ walk_group() {
     click $((left + 80)) $(($3 - 57))
     wait_dialog shown
     picture "$name-group-5-confirmation" stay
+    rest "$name, confirmation"
     click_in "$(window_of_size 441 145)" 247 116
     wait_dialog gone
     picture "$name-group-6-cleared"
@@ -240,33 +264,42 @@ walk() {
     start_program
     size "$width" "$height"
     picture "$name-1-itunes-mode"
+    rest "$name, iTunes mode"
     click $((width - 70)) 52 1.2
     picture "$name-2-local-mode"
+    rest "$name, local mode"
     click $((width / 2 + 68)) 52
     wait_dialog shown
     choose_all
     wait_dialog shown
     picture "$name-3-added" stay
+    rest "$name, message"
     xdotool key Return
     wait_dialog gone
     picture "$name-4-all-grid"
+    rest "$name, grid"
     click 270 200
     picture "$name-5-song"
+    rest "$name, song"
     walk_details "$width" "$name"
     click $((width - 355)) 121
     picture "$name-6-all-table"
+    rest "$name, table"
     click 100 168
     picture "$name-7-undefined"
     click $((width - 385)) 121
     click 100 212
     picture "$name-8-duplicates"
+    rest "$name, duplicates"
     click 270 200
     picture "$name-9-group"
+    rest "$name, group"
     walk_group "$width" "$name" "$height"
     click 75 10 0.4
     click 75 30
     wait_dialog shown
     picture "$name-10-about" stay
+    rest "$name, about"
     stop_program
 }
 
@@ -279,6 +312,7 @@ walk_library() {
     picture "$name-library-1-scanned"
     click 270 200
     picture "$name-library-2-song"
+    rest "$name, song of a library"
     stop_program
 }
 
@@ -310,6 +344,34 @@ during_intake() {
     stop_program
 }
 
+# A large group, and the timers that every song played leaves running.
+after_songs() {
+    local model song player
+    model=$(find "$work/large" -name '*.mp3' -print -quit)
+    mkdir "$work/fifty"
+    for song in $(seq 50); do cp "$model" "$work/fifty/$song.mp3"; done
+    start_program "$work/fifty"
+    size 1120 713
+    wait_dialog shown
+    xdotool key Return
+    wait_dialog gone
+    click 100 212
+    click 270 200
+    picture fifty-1-rows
+    rest "group of 50 rows"
+    : >"$log"
+    for song in $(seq 50); do
+        click 1033 181 0.1
+        click 1033 281 0.1
+    done
+    player=$(window_of_size 560 350)
+    click_in "$player" 26 321
+    picture fifty-2-paused stay
+    [ "$(grep -c '^playing ' "$log")" -eq 100 ]
+    rest "100 songs played, the last paused" 3
+    stop_program
+}
+
 start_display
 start_services
 export MELODRIFT_AUDIO_OUTPUT=null
@@ -331,6 +393,7 @@ done
 for copy in 1 2 3 4 5 6; do cp -r "$work/large/0" "$work/large/$copy"; done
 during_scan
 during_intake
+after_songs
 scale=2
 export QT_SCALE_FACTOR=2
 for width in 1120 1000; do
@@ -341,3 +404,4 @@ for width in 1120 1000; do
 done
 sed -n 's/^songs: /songs: /p' "$log" | head -n 1
 echo "pictures: $pictures"
+[ -z "$busy" ]

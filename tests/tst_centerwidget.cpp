@@ -1,6 +1,7 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "centerwidget.h"
+#include "duplicatemusicdetailedwidget.h"
 #include "dupmusicinfo.h"
 #include "fixtures.h"
 #include "guidriver.h"
@@ -13,6 +14,7 @@
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
 #include <QMimeData>
@@ -50,9 +52,15 @@ private slots:
     void scanningWithoutFilesSaysSo();
     void displayAndKindChooseTheView();
     void viewsLookAsTheyShould();
+    void aClickSelectsInBothViewsAndShowsTheSong_data() { bothDisplays(); }
     void aClickSelectsInBothViewsAndShowsTheSong();
+    void aClickOnAGroupShowsItsSongs_data() { bothDisplays(); }
+    void aClickOnAGroupShowsItsSongs();
     void aBanKeepsClicksFromSongsButNotFromGroups();
+    void aDoubleClickPlays_data() { bothDisplays(); }
     void aDoubleClickPlays();
+    void panelsAreHeard();
+    void panelsHear();
     void switchingModesEmptiesAndRefusesDrops();
     void dropsLandOnTheListToo();
     void iTunesSongsAreClassifiedInTheirOrder();
@@ -60,6 +68,8 @@ private slots:
     void anEditKeepsThePlaceInTheList();
     void theOpenButtonLiesUnderTheView();
     void ctrlOOpensTheDialogInTheLocalModeOnly();
+    void aDialogThatOutlivesItsModeAddsNothing();
+    void aMessageThatOutlivesItsModeScansNothing();
     void longIntakesShowProgressAndTakeNoInput();
     void closingDuringAnIntakeEndsIt();
     void groupsOfTheCollectionAreRight();
@@ -70,6 +80,8 @@ private:
     {
         return m_center->findChild<View*>(name);
     }
+    static void bothDisplays();
+    void display(bool table) const;
     QString tone(const QString& name, const QString& title, const char* kind = "mp3") const;
     void drop(const QStringList& paths, QWidget* target = nullptr);
     void add(const QStringList& paths);
@@ -101,6 +113,22 @@ void TestCenterWidget::cleanup()
     m_dialogs.reset();
     QIOrvoUtil::m_cleanMode = false;
     m_local_add_or_ScanAgain = 0;
+}
+
+/// Rows for tests of what grid and table have in common.
+void TestCenterWidget::bothDisplays()
+{
+    QTest::addColumn<bool>("table");
+    QTest::newRow("grid") << false;
+    QTest::newRow("table") << true;
+}
+
+void TestCenterWidget::display(bool table) const
+{
+    if (table)
+        m_center->OnBtnTableView();
+    else
+        m_center->OnBtnGridView();
 }
 
 QString TestCenterWidget::tone(const QString& name, const QString& title, const char* kind) const
@@ -147,6 +175,7 @@ void TestCenterWidget::startsWithEveryViewHidden()
     for (const char* name :
          {"m_allMusicListView", "m_allMusicTableView", "m_dupMusicListView", "m_dupMusicTableView"})
         QVERIFY(fresh.findChild<QWidget*>(name)->isHidden());
+    QCOMPARE(fresh.findChild<QTableView*>("m_dupMusicTableView")->model()->columnCount(), 7);
     QVERIFY(fresh.findChild<QWidget*>("m_btnOpen")->isHidden());
     QVERIFY(fresh.findChild<QWidget*>("m_musicDetailedWidget")->isHidden());
     QVERIFY(!fresh.findChild<QWidget*>("m_btnGridDisplay")->isEnabled());
@@ -286,12 +315,26 @@ void TestCenterWidget::viewsLookAsTheyShould()
         QCOMPARE(list->dragDropMode(), QAbstractItemView::DragDrop);
         QCOMPARE(list->focusPolicy(), Qt::NoFocus);
         QCOMPARE(list->frameShape(), QFrame::NoFrame);
+        QVERIFY(list->uniformItemSizes()); // or a hundred thousand songs take seconds to lay out
+        QCOMPARE(list->palette().color(QPalette::Text), QColor(0x28, 0x40, 0x4F));
+        QCOMPARE(list->palette().color(QPalette::Disabled, QPalette::Text), QColor(0x28, 0x40, 0x4F));
     }
     QCOMPARE(view<QListView>("m_allMusicListView")->font().pointSize(), 9);
+    QVERIFY(view<QListView>("m_allMusicListView")->itemDelegate()->inherits("CoverGridDelegate"));
     QVERIFY(view<QListView>("m_dupMusicListView")->itemDelegate()->inherits("PaintDupNumberDelegate"));
     for (const char* name : {"m_allMusicTableView", "m_dupMusicTableView"}) {
         const auto* table = view<QTableView>(name);
+        QCOMPARE(table->frameShape(), QFrame::NoFrame);
         QVERIFY(!table->showGrid());
+        QVERIFY(table->verticalHeader()->isHidden());
+        QCOMPARE(table->verticalHeader()->defaultSectionSize(), 26);
+        QCOMPARE(table->horizontalHeader()->defaultSectionSize(), 130);
+        QVERIFY(table->horizontalHeader()->stretchLastSection());
+        QVERIFY(!table->horizontalHeader()->highlightSections());
+        QVERIFY(table->horizontalHeader()->styleSheet().contains("background:#EAF4FB"));
+        QCOMPARE(table->selectionMode(), QAbstractItemView::SingleSelection);
+        QCOMPARE(table->palette().color(QPalette::Text), QColor(0x28, 0x40, 0x4F));
+        QCOMPARE(table->palette().color(QPalette::Disabled, QPalette::Text), QColor(0x28, 0x40, 0x4F));
         QCOMPARE(table->editTriggers(), QAbstractItemView::NoEditTriggers);
         QCOMPARE(table->selectionBehavior(), QAbstractItemView::SelectRows);
         QCOMPARE(table->focusPolicy(), Qt::NoFocus);
@@ -300,13 +343,32 @@ void TestCenterWidget::viewsLookAsTheyShould()
 
 void TestCenterWidget::aClickSelectsInBothViewsAndShowsTheSong()
 {
+    QFETCH(bool, table);
     add({tone("a", "One"), tone("b", "Two")});
+    display(table);
     auto* panel = m_center->findChild<MusicDetailedInfoWidget*>();
-    clickItem(view<QListView>("m_allMusicListView"), 1);
+    clickItem(view<QAbstractItemView>(table ? "m_allMusicTableView" : "m_allMusicListView"), 1);
     QVERIFY(panel->isVisible());
     QCOMPARE(panel->findChild<QLabel*>("m_titleName")->text(), QString("Two"));
     QCOMPARE(view<QListView>("m_allMusicListView")->currentIndex().row(), 1);
     QCOMPARE(view<QTableView>("m_allMusicTableView")->currentIndex().row(), 1);
+    m_center->SlotHiddenMusicDetailedWidget();
+    QVERIFY(panel->isHidden());
+}
+
+void TestCenterWidget::aClickOnAGroupShowsItsSongs()
+{
+    QFETCH(bool, table);
+    add({tone("a", "One"), tone("b", "Two"), tone("c", "One"), tone("d", "Two"), tone("e", "Two")});
+    m_center->slotShowDuplicateMusicView();
+    display(table);
+    auto* panel = m_center->findChild<DuplicateMusicDetailedWidget*>();
+    clickItem(view<QAbstractItemView>(table ? "m_dupMusicTableView" : "m_dupMusicListView"), 1);
+    QVERIFY(panel->isVisible());
+    QCOMPARE(panel->keptSongs().size(), 1);
+    QCOMPARE(panel->keptSongs().first()->localInfo->title, QString("Two"));
+    QCOMPARE(view<QListView>("m_dupMusicListView")->currentIndex().row(), 1);
+    QCOMPARE(view<QTableView>("m_dupMusicTableView")->currentIndex().row(), 1);
     m_center->SlotHiddenMusicDetailedWidget();
     QVERIFY(panel->isHidden());
 }
@@ -338,20 +400,72 @@ void TestCenterWidget::aBanKeepsClicksFromSongsButNotFromGroups()
 
 void TestCenterWidget::aDoubleClickPlays()
 {
+    QFETCH(bool, table);
     QList<QMusicInfo*> played;
     connect(m_center.get(), &CenterWidget::emitStartToPlayMusic, this,
             [&played](QMusicInfo* song) { played.append(song); });
     add({tone("a", "Same"), tone("b", "Same"), tone("c", "Other")});
-    clickItem(view<QListView>("m_allMusicListView"), 2, true);
+    display(table);
+    clickItem(view<QAbstractItemView>(table ? "m_allMusicTableView" : "m_allMusicListView"), 2, true);
     QCOMPARE(played.size(), 1);
     QCOMPARE(played.last()->localInfo->title, QString("Other"));
     m_center->slotShowDuplicateMusicView();
-    clickItem(view<QListView>("m_dupMusicListView"), 0, true);
+    clickItem(view<QAbstractItemView>(table ? "m_dupMusicTableView" : "m_dupMusicListView"), 0, true);
     QCOMPARE(played.size(), 2);
     QVERIFY(played.last()->localInfo->filePath.endsWith("a.mp3"));
     m_center->SlotDoubleClickDupMusicIndex(QModelIndex());
     m_center->SlotDoubleClickAllMusicIndex(QModelIndex());
     QCOMPARE(played.size(), 2);
+}
+
+/// What the panels of one song and of one group say reaches the lists.
+void TestCenterWidget::panelsAreHeard()
+{
+    add({tone("a", "Same"), tone("b", "Same"), tone("c", "Same"), tone("d", "More"), tone("e", "More")});
+    auto* details = m_center->findChild<MusicDetailedInfoWidget*>();
+    auto* group = m_center->findChild<DuplicateMusicDetailedWidget*>();
+    QSignalSpy classified(m_center.get(), SIGNAL(emitUndefinedMusicCount(int)));
+    emit details->emitMusicInfoHasChanged();
+    QCOMPARE(classified.size(), 1);
+    emit details->emitMusicCoverHasChanged();
+    QCOMPARE(classified.size(), 2);
+    QSignalSpy bans(m_center.get(), SIGNAL(emitForbidClickNavigBtn(bool)));
+    emit details->emitForbidToClickView(true);
+    QCOMPARE(bans, QList<QVariantList>({{true}}));
+    emit details->emitForbidToClickView(false);
+    QCOMPARE(bans.size(), 2);
+
+    QSignalSpy counts(m_center.get(), SIGNAL(emitMusicCount(int, int, int)));
+    auto* model = view<QListView>("m_allMusicListView")->model();
+    auto* last = static_cast<QMusicInfo*>(model->index(2, 0).internalPointer());
+    emit group->emitDeleteDupMusicWasSelected(last);
+    QCOMPARE(counts.last(), QVariantList({4, 0, 2}));
+    QVERIFY(!QFile::exists(m_folder->filePath("c.mp3")));
+    m_dialogs->expect([](QWidget*) {}); // the waiting dialog closes itself
+    emit group->emitDeleteAllDupMusic();
+    QCOMPARE(counts.last(), QVariantList({2, 0, 0}));
+}
+
+/// What the lists say reaches the panel of one group.
+void TestCenterWidget::panelsHear()
+{
+    add({tone("a", "Same"), tone("b", "Same")});
+    m_center->slotShowDuplicateMusicView();
+    clickItem(view<QListView>("m_dupMusicListView"), 0);
+    auto* group = m_center->findChild<DuplicateMusicDetailedWidget*>();
+    const auto* clearAll = group->findChild<QWidget*>("m_btnClearAll");
+    QVERIFY(clearAll->isVisible());
+    emit m_center->emitDuplicateMusicCount(0);
+    QVERIFY(clearAll->isHidden());
+    const auto players = [] {
+        int visible = 0;
+        for (const QWidget* window : QApplication::topLevelWidgets())
+            visible += window->inherits("PlaySongWidget") && window->isVisible() ? 1 : 0;
+        return visible;
+    };
+    QCOMPARE(players(), 0);
+    clickItem(view<QListView>("m_dupMusicListView"), 0, true);
+    QCOMPARE(players(), 1);
 }
 
 void TestCenterWidget::switchingModesEmptiesAndRefusesDrops()
@@ -470,12 +584,54 @@ void TestCenterWidget::ctrlOOpensTheDialogInTheLocalModeOnly()
         dialog->close();
     });
     m_center->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_center.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_center.get(), patience));
     QTest::keyClick(m_center.get(), Qt::Key_O, Qt::ControlModifier);
     QCOMPARE(opened, 1);
     m_center->SwitchToiTunesCleanModel();
     QTest::keyClick(m_center.get(), Qt::Key_O, Qt::ControlModifier);
     QCOMPARE(opened, 1);
+}
+
+void TestCenterWidget::aDialogThatOutlivesItsModeAddsNothing()
+{
+    const QString path = tone("a", "One");
+    m_dialogs->expect([&](QWidget* dialog) {
+        m_center->SwitchToiTunesCleanModel();
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    m_dialogs->expectButton("m_btnType");
+    m_center->OnBtnOpenFile();
+    QVERIFY(m_dialogs->texts.isEmpty());
+    QCOMPARE(view<QListView>("m_allMusicListView")->model()->rowCount(), 0);
+    QCOMPARE(m_local_add_or_ScanAgain, 0);
+    // The button of the message about a drop without music opens no dialog there, either.
+    m_center->SwitchToLocalCleanModel();
+    m_dialogs = std::make_unique<DialogDriver>();
+    bool opened = false;
+    m_dialogs->expect([&](QWidget* dialog) {
+        m_center->SwitchToiTunesCleanModel();
+        QTest::mouseClick(dialog->findChild<QImageButton*>("m_btnType"), Qt::LeftButton);
+    });
+    m_dialogs->expect([&](QWidget* dialog) {
+        opened = true;
+        dialog->close();
+    });
+    drop({m_folder->filePath("nothing.txt")});
+    QCOMPARE(m_dialogs->texts.size(), 1);
+    QVERIFY(!opened);
+}
+
+void TestCenterWidget::aMessageThatOutlivesItsModeScansNothing()
+{
+    m_dialogs->expect([this](QWidget* dialog) {
+        m_center->SwitchToiTunesCleanModel();
+        QTest::mouseClick(dialog->findChild<QImageButton*>("m_btnType"), Qt::LeftButton);
+    });
+    drop({tone("a", "One")});
+    QCOMPARE(m_dialogs->texts.size(), 1); // and none about missing files
+    QVERIFY(m_center->findChild<QWidget*>("m_btnOpen")->isHidden());
+    QVERIFY(view<QListView>("m_allMusicListView")->isVisible());
 }
 
 void TestCenterWidget::longIntakesShowProgressAndTakeNoInput()

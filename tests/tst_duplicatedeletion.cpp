@@ -27,6 +27,7 @@
 #include <QtTest>
 #include <QWindow>
 
+#include <functional>
 #include <random>
 
 namespace {
@@ -74,8 +75,10 @@ private slots:
     void marksHoldOverRepeatedDeletions();
     void theGroupShownStaysSelected();
     void theSameFileTwiceStays();
+    void aFileThatTookAnothersPlaceStays();
     void clearingAllKeepsTheFirstOfEveryGroup();
     void clearingAllCanBeRepeated();
+    void whatFollowsTheWaitingDialogIsNotLost();
     void theWaitingDialogStaysUntilTheEnd();
     void theWaitingDialogLiesOverTheWindow();
     void theAnimationMoves();
@@ -332,6 +335,21 @@ void TestDuplicateDeletion::theSameFileTwiceStays()
     QCOMPARE(allSongs().size(), 1);
 }
 
+void TestDuplicateDeletion::aFileThatTookAnothersPlaceStays()
+{
+    makeGroups(m_folder->path(), {3, 3});
+    add(m_folder->path());
+    openGroup(0);
+    Fixtures::saveBytes("new", m_folder->filePath("T000-02.mp3"));
+    Fixtures::saveBytes("new", m_folder->filePath("T001-01.mp3"));
+    m_dialogs->expect([](QWidget*) {}); // the waiting dialog closes itself
+    QTest::mouseClick(panel()->findChild<QImageButton*>("m_btnClearAll"), Qt::LeftButton);
+    QCOMPARE(filesIn(m_folder->path()),
+             QStringList({"T000-00.mp3", "T000-02.mp3", "T001-00.mp3", "T001-01.mp3"}));
+    QCOMPARE(allSongs().size(), 2); // the lists do not tell of it
+    QVERIFY(groups().isEmpty());
+}
+
 void TestDuplicateDeletion::clearingAllKeepsTheFirstOfEveryGroup()
 {
     makeGroups(m_folder->path(), {2, 3, 4, 5, 1});
@@ -369,6 +387,50 @@ void TestDuplicateDeletion::clearingAllCanBeRepeated()
         QVERIFY(groups().isEmpty());
         QCOMPARE(filesIn(m_folder->path()), QStringList({"T000-00.mp3", "T001-00.mp3"}));
     }
+}
+
+/// Does something as soon as the waiting dialog has closed. The thread is still returning then: it waits for
+/// the event in hand to go.
+class NextAfterDeleting : public QObject
+{
+public:
+    NextAfterDeleting(CenterWidget& center, std::function<void()> next)
+        : m_center(center), m_next(std::move(next))
+    {
+        m_center.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() != QEvent::MetaCall)
+            return false;
+        m_center.removeEventFilter(this);
+        static_cast<QObject&>(m_center).event(event);
+        m_next();
+        return true;
+    }
+
+private:
+    CenterWidget& m_center;
+    const std::function<void()> m_next;
+};
+
+void TestDuplicateDeletion::whatFollowsTheWaitingDialogIsNotLost()
+{
+    makeGroups(m_folder->path(), {2, 2});
+    add(m_folder->path());
+    const QTemporaryDir further;
+    makeGroups(further.path(), {3});
+    bool inUse = true;
+    const NextAfterDeleting user(*m_center, [&] {
+        inUse = m_center->ListsAreInUse();
+        add(further.path());
+    });
+    m_center->SlotDeleteAllDupMusic();
+    QVERIFY(!inUse);
+    QCOMPARE(allSongs().size(), 2 + 3);
+    QCOMPARE(m_center->ReturnDuplicateMusicCount(), 1);
 }
 
 void TestDuplicateDeletion::theWaitingDialogStaysUntilTheEnd()

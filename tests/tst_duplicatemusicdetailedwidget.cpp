@@ -17,6 +17,34 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+namespace {
+/// A file browser in place of the desktop's for one scope, which notes in the folder what it is asked for.
+class FileBrowser
+{
+public:
+    explicit FileBrowser(const QString& folder) : m_note(folder + "/note"), m_path(qgetenv("PATH"))
+    {
+        QFile::remove(m_note);
+        const QByteArray note = m_note.toUtf8();
+        const QString program = Fixtures::saveBytes("#!/bin/sh\nprintf '%s|' \"$@\" > '" + note +
+                                                        ".part'\nmv '" + note + ".part' '" + note + "'\n",
+                                                    folder + "/xdg-open");
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
+        qputenv("PATH", folder.toUtf8() + ':' + m_path);
+    }
+    ~FileBrowser() { qputenv("PATH", m_path); }
+    Q_DISABLE_COPY(FileBrowser)
+
+    bool wasAsked() const { return QFile::exists(m_note); }
+    /// Each with a "|" behind it.
+    QString arguments() const { return QString::fromUtf8(Fixtures::readBytes(m_note)); }
+
+private:
+    QString m_note;
+    QByteArray m_path;
+};
+} // namespace
+
 class TestDuplicateMusicDetailedWidget : public QObject
 {
     Q_OBJECT
@@ -45,18 +73,22 @@ private slots:
     void playingARowShowsItsStopButton();
     void anotherRowTakesOver();
     void stoppingARowPauses();
+    void aQuickStopAfterPlayIsHeard();
     void theWindowTellsTheRow();
     void replacedRowsLeaveThePlaybackAlone();
     void aTableSongLeavesRowsAlone();
     void theCardOpensAndClosesWithTheRow();
     void theFolderIsOneArgument_data();
     void theFolderIsOneArgument();
+    void whatIsNoFolderIsNotOpened_data();
+    void whatIsNoFolderIsNotOpened();
     void aMissingFileBrowserIsLogged();
     void aSongInNoFolderOpensNone();
     void buttonsGoWithTheLastGroup();
     void clearingAsksOnceAndForAll();
     void whoCancelsIsAskedAgain();
     void cancellingDeletesNothing();
+    void noStrayDoubleClickDeletes();
     void clearingWalksFromTheLastRow();
     void theLastRowGoes();
     void rowsThatLostTheirSongsAreShownAnew();
@@ -283,6 +315,21 @@ void TestDuplicateMusicDetailedWidget::stoppingARowPauses()
     QVERIFY(child<QWidget>(player(), "m_btnPlay")->isVisible());
 }
 
+/// The stop button comes in the place of the play button, so that both presses are one double click.
+void TestDuplicateMusicDetailedWidget::aQuickStopAfterPlayIsHeard()
+{
+    QList<QMusicInfo*> songs = group(1);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    const DupMusicbarWidget* row = rows().first();
+    click(row, "m_btnPlayMusic");
+    QVERIFY(stops(row));
+    pressAsSecond(child<QWidget>(row, "m_btnStopMusic"));
+    QVERIFY(!stops(row));
+    QVERIFY(child<QWidget>(player(), "m_btnPlay")->isVisible());
+    pressAsSecond(child<QWidget>(row, "m_btnPlayMusic"));
+    QVERIFY(stops(row));
+}
+
 void TestDuplicateMusicDetailedWidget::theWindowTellsTheRow()
 {
     QList<QMusicInfo*> songs = group(1);
@@ -346,40 +393,67 @@ void TestDuplicateMusicDetailedWidget::theCardOpensAndClosesWithTheRow()
 
 void TestDuplicateMusicDetailedWidget::theFolderIsOneArgument_data()
 {
-    QTest::addColumn<QString>("location");
+    QTest::addColumn<QString>("location"); // %1: a folder that is there
     QTest::addColumn<QString>("folder");
-    QTest::newRow("plain") << "/music/a.mp3"
-                           << "/music";
-    QTest::newRow("blanks and quotes") << "/mu \"sic's/a b.mp3"
-                                       << "/mu \"sic's";
-    QTest::newRow("file URL") << "file://localhost/a%20b/c.mp3"
-                              << "file://localhost/a%20b";
+    QTest::newRow("plain") << "%1/music/a.mp3"
+                           << "%1/music";
+    QTest::newRow("blanks and quotes") << "%1/mu \"sic's -a x/a b.mp3"
+                                       << "%1/mu \"sic's -a x";
+    QTest::newRow("like an option") << "%1/-a/a.mp3"
+                                    << "%1/-a";
+    QTest::newRow("file URL") << "file://localhost%1/a%20b/c.mp3"
+                              << "file://localhost%1/a%20b";
+    QTest::newRow("file URL without a host") << "file://%1/a%20b/c.mp3"
+                                             << "file://%1/a%20b";
 }
 
 void TestDuplicateMusicDetailedWidget::theFolderIsOneArgument()
 {
     QFETCH(QString, location);
     QFETCH(QString, folder);
+    location.replace("%1", m_folder.path());
+    folder.replace("%1", m_folder.path());
     QCOMPARE(FolderOpener::folderOf(location), folder);
 #ifdef Q_OS_LINUX
-    // A file browser of our own notes what it is asked for.
-    const QString note = m_folder.filePath("note");
-    QFile::remove(note);
-    const QString opener = m_folder.filePath("xdg-open");
-    Fixtures::saveBytes("#!/bin/sh\nprintf '%s|' \"$@\" > '" + note.toUtf8() + ".part'\nmv '" +
-                            note.toUtf8() + ".part' '" + note.toUtf8() + "'\n",
-                        opener);
-    QFile::setPermissions(opener, QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
-    const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", m_folder.path().toUtf8() + ':' + path);
+    for (const char* name : {"music", "mu \"sic's -a x", "-a", "a b"})
+        QDir(m_folder.path()).mkdir(name);
+    const FileBrowser browser(m_folder.path());
     QList<QMusicInfo*> songs = group(1);
     songs.first()->localInfo->filePath = location;
     m_panel->SetDuplicateMusicDetailedInfo(&songs);
     click(rows().first(), "m_btnOpenPath");
-    qputenv("PATH", path);
-    QTRY_VERIFY(QFile::exists(note));
-    QCOMPARE(QString::fromUtf8(Fixtures::readBytes(note)), folder + QLatin1Char('|'));
+    QTRY_VERIFY(browser.wasAsked());
+    QCOMPARE(browser.arguments(), folder + QLatin1Char('|'));
 #endif
+}
+
+void TestDuplicateMusicDetailedWidget::whatIsNoFolderIsNotOpened_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("nothing") << "%1/nowhere";
+    QTest::newRow("a file") << "%1/file.desktop";
+    QTest::newRow("a file as a URL") << "file://localhost%1/file.desktop";
+    QTest::newRow("an option") << "--version";
+    QTest::newRow("a relative path") << "-a";
+    QTest::newRow("another scheme") << "smb://localhost%1";
+    QTest::newRow("another machine") << "file://elsewhere%1";
+}
+
+void TestDuplicateMusicDetailedWidget::whatIsNoFolderIsNotOpened()
+{
+    QFETCH(QString, path);
+    path.replace("%1", m_folder.path());
+    QDir(m_folder.path()).mkdir("-a");
+    Fixtures::saveBytes("[Desktop Entry]\n", m_folder.filePath("file.desktop"));
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_folder.path()));
+    const FileBrowser browser(m_folder.path());
+    const LoggedLines lines;
+    FolderOpener::open(path);
+    const QStringList log = LoggedLines::take();
+    QDir::setCurrent(before);
+    QCOMPARE(log.size(), 1);
+    QVERIFY2(log.first().contains(path), qPrintable(log.first()));
 }
 
 void TestDuplicateMusicDetailedWidget::aMissingFileBrowserIsLogged()
@@ -387,11 +461,11 @@ void TestDuplicateMusicDetailedWidget::aMissingFileBrowserIsLogged()
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", m_folder.filePath("empty").toUtf8());
     const LoggedLines lines;
-    FolderOpener::open(QStringLiteral("/music"));
+    FolderOpener::open(m_folder.path());
     qputenv("PATH", path);
     const QStringList log = LoggedLines::take();
     QCOMPARE(log.size(), 1);
-    QVERIFY(log.first().contains(QLatin1String("/music")));
+    QVERIFY(log.first().contains(m_folder.path()));
 }
 
 void TestDuplicateMusicDetailedWidget::aSongInNoFolderOpensNone()
@@ -479,6 +553,30 @@ void TestDuplicateMusicDetailedWidget::cancellingDeletesNothing()
     click(m_panel.get(), "m_btnClearOne");
     QCOMPARE(deleted.size(), 0);
     QCOMPARE(rows().size(), 3);
+}
+
+/// A double click begun elsewhere, whose second press falls on a button that deletes.
+void TestDuplicateMusicDetailedWidget::noStrayDoubleClickDeletes()
+{
+    QList<QMusicInfo*> songs = group(3);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QSignalSpy deleted(m_panel.get(), SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)));
+    for (const char* button : {"m_btnClearOne", "m_btnClearAll"}) {
+        click(rows().first(), "m_btnPlayMusic");
+        pressAsSecond(child<QWidget>(m_panel.get(), button));
+        QVERIFY(m_dialogs->texts.isEmpty());
+        QCOMPARE(deleted.size(), 0);
+    }
+    bool asked = false;
+    m_dialogs->expect([&](QWidget* dialog) { // the first press opened it under the pointer
+        asked = true;
+        pressAsSecond(child<QWidget>(dialog, "m_btnOK"));
+        QVERIFY(dialog->isVisible());
+        click(dialog, "m_btnCancel");
+    });
+    click(m_panel.get(), "m_btnClearOne");
+    QVERIFY(asked);
+    QCOMPARE(deleted.size(), 0);
 }
 
 void TestDuplicateMusicDetailedWidget::clearingWalksFromTheLastRow()

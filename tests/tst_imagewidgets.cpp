@@ -32,7 +32,7 @@ private slots:
     void leavingPressedKeepsThePressedLook();
     void disablingShowsTheFourthCellAndEnablingTheFirst();
     void otherButtonsDoNotPress();
-    void aDoubleClickIsForOneButton();
+    void aDoubleClickChangesFilesByOneButtonOnly();
     void clicksAndKeysWorkAsOnEveryButton();
     void theCaptionStartsAtItsPoint();
     void withoutAStripTheBaseButtonPaintsItself();
@@ -150,8 +150,9 @@ void TestImageWidgets::otherButtonsDoNotPress()
     QCOMPARE(button.state(), int(QImageButton::StateNormal));
 }
 
-/// Its second press, where another button has come in the place of the first, is none for that one.
-void TestImageWidgets::aDoubleClickIsForOneButton()
+/// Where another button has come in the place of the first one, its second press is for that one unless it
+/// would change files.
+void TestImageWidgets::aDoubleClickChangesFilesByOneButtonOnly()
 {
     QImageButton first;
     QImageButton second;
@@ -168,9 +169,16 @@ void TestImageWidgets::aDoubleClickIsForOneButton()
     QSignalSpy secondClicks(&second, SIGNAL(clicked()));
     QTest::mouseClick(&first, Qt::LeftButton, {}, {5, 5});
     doubleClick(second);
+    QCOMPARE(secondClicks.size(), 1);
+    secondClicks.clear();
+    first.setChangesFiles(true);
+    second.setChangesFiles(true);
+    QTest::mouseClick(&first, Qt::LeftButton, {}, {5, 5});
+    firstClicks.clear();
+    doubleClick(second);
     QCOMPARE(secondClicks.size(), 0);
     doubleClick(first);
-    QCOMPARE(firstClicks.size(), 2);
+    QCOMPARE(firstClicks.size(), 1);
     QTest::mouseClick(&second, Qt::LeftButton, {}, {5, 5});
     QCOMPARE(secondClicks.size(), 1);
 }

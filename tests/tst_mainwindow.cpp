@@ -10,7 +10,12 @@
 
 #include <QDesktopServices>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListView>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QMovie>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -55,9 +60,13 @@ private slots:
     void theTipsTouchNeitherNeighbour();
     void theModeSwitchTakesItsTime();
     void aRunningScanHoldsTheSwitchToTheLocalMode();
+    void nothingIsTakenInOnceTheModeIsLeft_data();
+    void nothingIsTakenInOnceTheModeIsLeft();
+    void theTickOfAScanGoesWithItsMode();
     void withoutPicturesTheHeaderIsPlacedAllTheSame();
     void menusOpenTheirPages();
     void theLocalWorkflowRunsFromEndToEnd();
+    void theCentralViewReachesTheNavigation();
     void startScanOpensTheDialogWhileNothingWasAdded();
     void pathsAreTakenInOnceTheLocalModeIsInForce();
     void progressShowsInTheHeader();
@@ -99,7 +108,7 @@ void TestMainWindow::init()
     m_window->setBackgroundImage(image + "bg_right_nofile.png");
     m_window->setMinimumSize(1000, 700);
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get(), patience));
 }
 
 void TestMainWindow::cleanup()
@@ -185,16 +194,18 @@ void TestMainWindow::theTipsFitTheirLine()
 void TestMainWindow::theTipsTouchNeitherNeighbour()
 {
     m_window->resize(1000, 700);
-    auto* label = part<QLabel>("m_tipsLabel");
+    const auto* label = part<QLabel>("m_tipsLabel");
     QVERIFY(label->indent() >= 6);
-    for (const char* text : {iTunesTips, localTips}) {
-        label->setText(text);
-        m_window->grab();
-        for (const QString& line : QString(text).split('\n')) {
+    const auto verifyEnds = [&] {
+        for (const QString& line : tips().split('\n')) {
             const int end = label->x() + label->indent() + label->fontMetrics().horizontalAdvance(line);
             QVERIFY2(end <= part<QWidget>("m_btnStarScan")->x() - 6, qPrintable(line));
         }
-    }
+    };
+    verifyEnds();
+    switchToLocal();
+    QCOMPARE(tips(), QString(localTips));
+    verifyEnds();
 }
 
 void TestMainWindow::theModeSwitchTakesItsTime()
@@ -238,6 +249,72 @@ void TestMainWindow::aRunningScanHoldsTheSwitchToTheLocalMode()
     click("m_btnLocalClean");
     QVERIFY(!part<QWidget>("m_btnLocalClean")->isVisible());
     QTRY_VERIFY(part<QWidget>("m_btniTunesClean")->isVisible());
+}
+
+void TestMainWindow::nothingIsTakenInOnceTheModeIsLeft_data()
+{
+    QTest::addColumn<QString>("way");
+    for (const char* way : {"button", "key", "drop"})
+        QTest::newRow(way) << QString(way);
+}
+
+/// The switch takes a moment, in which the mode that it leaves is still in force.
+void TestMainWindow::nothingIsTakenInOnceTheModeIsLeft()
+{
+    QFETCH(QString, way);
+    const QString path = tone("a", "One");
+    switchToLocal();
+    auto* center = part<CenterWidget>("m_middleMusicWidget");
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    bool opened = false;
+    m_dialogs->expect([&](QWidget* dialog) { // chooses once the other mode is in force
+        opened = true;
+        QTRY_VERIFY(!QIOrvoUtil::m_cleanMode);
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    m_dialogs->expectButton("m_btnType");
+    click("m_btnLocalClean");
+    if (way == "button") {
+        QTest::mouseClick(part<QImageButton>("m_btnOpen"), Qt::LeftButton);
+    } else if (way == "key") {
+        QTest::keyClick(m_window.get(), Qt::Key_O, Qt::ControlModifier);
+    } else {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path)});
+        QDragEnterEvent enter({300, 300}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(center, &enter);
+        QVERIFY(!enter.isAccepted());
+        center->TakeDroppedPaths({path});
+    }
+    QTRY_VERIFY(part<QWidget>("m_btniTunesClean")->isVisible());
+    QVERIFY(!opened);
+    QVERIFY(m_dialogs->texts.isEmpty());
+    QCOMPARE(part<QListView>("m_allMusicListView")->model()->rowCount(), 0);
+    QCOMPARE(caption("m_btnMusicAll"), QString("All songs(0)"));
+    QCOMPARE(m_local_add_or_ScanAgain, 0);
+    // Back in the local mode files are taken in as before.
+    m_dialogs = std::make_unique<DialogDriver>();
+    switchToLocal();
+    m_dialogs->expectButton("m_btnType");
+    center->TakeDroppedPaths({path});
+    QCOMPARE(caption("m_btnMusicAll"), QString("All songs(1)"));
+}
+
+void TestMainWindow::theTickOfAScanGoesWithItsMode()
+{
+    const auto status = [this] { return part<QLabel>("m_movieLabel")->grab().toImage(); };
+    const QImage atStart = status();
+    for (const char* leave : {"m_btniTunesClean", "m_btnLocalClean"}) {
+        m_window->SlotScanFinish();
+        QVERIFY(status() != atStart);
+        const bool local = QIOrvoUtil::m_cleanMode;
+        click(leave);
+        QTRY_VERIFY(QIOrvoUtil::m_cleanMode != local);
+        QCOMPARE(tips(), QString(local ? iTunesTips : localTips));
+        QCOMPARE(status(), atStart);
+    }
 }
 
 void TestMainWindow::withoutPicturesTheHeaderIsPlacedAllTheSame()
@@ -295,6 +372,14 @@ void TestMainWindow::theLocalWorkflowRunsFromEndToEnd()
     QVERIFY(part<QWidget>("m_dupMusicListView")->isVisible());
     QTest::mouseClick(part<QImageButton>("m_btnMusicUndefined"), Qt::LeftButton);
     QVERIFY(part<QWidget>("m_allMusicListView")->isVisible());
+    QCOMPARE(part<QListView>("m_allMusicListView")->model()->rowCount(), 1);
+    auto* list = part<QListView>("m_allMusicListView");
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      list->visualRect(list->model()->index(0, 0)).center());
+    QVERIFY(part<QWidget>("m_musicDetailedWidget")->isVisible());
+    QTest::mouseClick(part<QImageButton>("m_btnMusicAll"), Qt::LeftButton);
+    QVERIFY(part<QWidget>("m_musicDetailedWidget")->isHidden());
+    QCOMPARE(list->model()->rowCount(), 3);
     // Once files were added the button scans them.
     QCOMPARE(part<QImageButton>("m_btnStarScan")->accessibleName(), QString("Start Scan"));
     click("m_btnStarScan");
@@ -303,6 +388,25 @@ void TestMainWindow::theLocalWorkflowRunsFromEndToEnd()
     // Leaving the mode empties the counts.
     click("m_btnLocalClean");
     QTRY_COMPARE(caption("m_btnMusicAll"), QString("All songs(0)"));
+}
+
+void TestMainWindow::theCentralViewReachesTheNavigation()
+{
+    auto* center = part<CenterWidget>("m_middleMusicWidget");
+    const auto enabled = [this] {
+        QList<bool> states;
+        for (const char* name : {"m_btnMusicAll", "m_btnMusicUndefined", "m_btnMusicDuplicate"})
+            states.append(part<QWidget>(name)->isEnabled());
+        return states;
+    };
+    click("m_btnMusicUndefined");
+    QCOMPARE(enabled(), QList<bool>({true, false, true}));
+    emit center->emitSetNavigViewBtn();
+    QCOMPARE(enabled(), QList<bool>({false, true, true}));
+    emit center->emitForbidClickNavigBtn(true);
+    QCOMPARE(enabled(), QList<bool>({false, false, false}));
+    emit center->emitForbidClickNavigBtn(false);
+    QCOMPARE(enabled(), QList<bool>({true, true, true}));
 }
 
 void TestMainWindow::startScanOpensTheDialogWhileNothingWasAdded()

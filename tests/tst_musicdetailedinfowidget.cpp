@@ -49,6 +49,13 @@ private slots:
     void applyWithoutACoverTakesThePictureOut();
     void aChosenCoverIsShownAtOnceAndWrittenByApply();
     void aCoverOutlivesCancelAndSong();
+    void aDoubleClickOnEditAppliesNothing();
+    void whatIsNeitherJpegNorPngIsEmbeddedAsPng_data();
+    void whatIsNeitherJpegNorPngIsEmbeddedAsPng();
+    void jpegAndPngAreEmbeddedAsTheyAre();
+    void whatIsNoPictureIsNotTaken_data();
+    void whatIsNoPictureIsNotTaken();
+    void aChooserThatOutlivesItsSongChangesNothing();
     void theFocusStaysInThePanel();
     void theCoverIsClickableInEditModeOnly();
     void aCancelledChooserChangesNothing();
@@ -116,7 +123,7 @@ void TestMusicDetailedInfoWidget::init()
     m_panel->resize(330, 572);
     m_panel->SetMusicDetailedInfo(m_song.get());
     m_panel->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_panel.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_panel.get(), patience));
 }
 
 void TestMusicDetailedInfoWidget::cleanup()
@@ -412,6 +419,97 @@ void TestMusicDetailedInfoWidget::aCoverOutlivesCancelAndSong()
     click("m_btnApply");
     QCOMPARE(AudioFile::read(other.localInfo->filePath).picture, Fixtures::readBytes(red));
     m_panel->SetMusicDetailedInfo(nullptr);
+}
+
+/// Apply lies in the place of Edit, and would take the cover out.
+void TestMusicDetailedInfoWidget::aDoubleClickOnEditAppliesNothing()
+{
+    const QByteArray before = Fixtures::readBytes(m_song->localInfo->filePath);
+    QSignalSpy applied(m_panel.get(), SIGNAL(emitMusicInfoHasChanged()));
+    click("m_btnEdit");
+    pressAsSecond(child<QWidget>("m_btnApply"));
+    QVERIFY(editing());
+    QCOMPARE(applied.size(), 0);
+    QCOMPARE(Fixtures::readBytes(m_song->localInfo->filePath), before);
+}
+
+void TestMusicDetailedInfoWidget::whatIsNeitherJpegNorPngIsEmbeddedAsPng_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("format");
+    QTest::newRow("xpm") << "cover.xpm" << QByteArray("XPM");
+    QTest::newRow("a bitmap under another name") << "cover.jpg" << QByteArray("BMP");
+}
+
+void TestMusicDetailedInfoWidget::whatIsNeitherJpegNorPngIsEmbeddedAsPng()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, format);
+    QImage drawn = Fixtures::plain(40, 30, QColor(220, 20, 30));
+    drawn.setPixelColor(3, 7, QColor(10, 200, 90));
+    const QString path = Fixtures::savePicture(drawn, m_folder.filePath(name), format.constData());
+    click("m_btnEdit");
+    choose(path);
+    click("m_btnApply");
+    const QByteArray embedded = AudioFile::read(m_song->localInfo->filePath).picture;
+    QVERIFY(embedded.startsWith("\x89PNG\r\n\x1A\n"));
+    QCOMPARE(Fixtures::pixels(QImage::fromData(embedded)), Fixtures::pixels(drawn));
+    QCOMPARE(Fixtures::readBytes(m_song->localInfo->coverPath), embedded);
+    QCOMPARE(Fixtures::pixels(*m_song->localInfo->cover), Fixtures::pixels(drawn));
+    QVERIFY(QFile::exists(path));
+}
+
+void TestMusicDetailedInfoWidget::jpegAndPngAreEmbeddedAsTheyAre()
+{
+    const QByteArray bytes = Fixtures::jpeg(30, 20, 6);
+    const QString jpeg = Fixtures::saveBytes(bytes, m_folder.filePath("named.png"));
+    click("m_btnEdit");
+    choose(jpeg);
+    click("m_btnApply");
+    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, bytes);
+    QCOMPARE(m_song->localInfo->coverPath, jpeg);
+}
+
+void TestMusicDetailedInfoWidget::whatIsNoPictureIsNotTaken_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("text") << QByteArray("No picture at all");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("the start of a PNG") << QByteArray("\x89PNG\r\n\x1A\n");
+    QTest::newRow("the start of an XPM") << QByteArray("/* XPM */\nstatic char* x[] = {\n\"40 30 2 1\",");
+}
+
+void TestMusicDetailedInfoWidget::whatIsNoPictureIsNotTaken()
+{
+    QFETCH(QByteArray, bytes);
+    const QString red = picture(QStringLiteral("before.png"), QColor(220, 20, 30));
+    click("m_btnEdit");
+    choose(red);
+    const LoggedLines lines;
+    choose(Fixtures::saveBytes(bytes, m_folder.filePath("broken.png")));
+    QCOMPARE(LoggedLines::take().filter("broken.png").size(), 1);
+    const QPoint middle = child<QImageWidget>("currentImgWidget")->geometry().center();
+    QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30));
+    click("m_btnApply");
+    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, Fixtures::readBytes(red));
+}
+
+/// As when a mode switch that was begun before empties the lists meanwhile.
+void TestMusicDetailedInfoWidget::aChooserThatOutlivesItsSongChangesNothing()
+{
+    const QString red = picture(QStringLiteral("late.png"), QColor(220, 20, 30));
+    click("m_btnEdit");
+    m_dialogs->expect([&](QWidget* dialog) {
+        m_panel->SetMusicDetailedInfo(nullptr);
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(red);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    QTest::mouseClick(child<QImageWidget>("currentImgWidget"), Qt::LeftButton);
+    m_panel->SetMusicDetailedInfo(m_song.get());
+    click("m_btnEdit");
+    click("m_btnApply");
+    QVERIFY(m_song->localInfo->coverPath != red);
+    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
 }
 
 /// Space would press whatever button got it.

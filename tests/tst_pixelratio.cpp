@@ -348,7 +348,7 @@ void TestPixelRatio::coversUseEveryPixel()
     view.setModel(groups ? static_cast<QAbstractItemModel*>(&groupModel) : &songModel);
     view.resize(380, 300);
     view.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QVERIFY(QTest::qWaitForWindowExposed(&view, patience));
 
     const QImage drawn = view.viewport()->grab().toImage();
     const QRect cell = view.visualRect(view.model()->index(0, 0));
@@ -380,7 +380,7 @@ void TestPixelRatio::theCountsDiscIsAsFineAsTheScreen()
     view.setModel(&model);
     view.resize(380, 300);
     view.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QVERIFY(QTest::qWaitForWindowExposed(&view, patience));
 
     const QImage drawn = view.viewport()->grab().toImage();
     const QRect cell = view.visualRect(model.index(0, 0));

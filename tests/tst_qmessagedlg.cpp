@@ -244,7 +244,7 @@ void TestQMessageDlg::everyLineHasRoom()
     QFETCH(int, lines);
     m_dialog->SetMessage(text);
     m_dialog->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_dialog.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(m_dialog.get(), patience));
     QVERIFY(message()->height() >= lines * (m_dialog->fontMetrics().height() - 1));
     QVERIFY(message()->height() < (lines + 1) * (m_dialog->fontMetrics().lineSpacing() + 1));
     QCOMPARE(message()->verticalScrollBar()->maximum(), 0);
@@ -270,7 +270,7 @@ void TestQMessageDlg::aVeryLongMessageStaysOnTheScreen()
     QFETCH(QString, text);
     m_dialog->SetMessage(text);
     m_dialog->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_dialog.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(m_dialog.get(), patience));
     const QSize screen = m_dialog->screen()->availableSize();
     QVERIFY(m_dialog->width() < screen.width());
     QVERIFY(m_dialog->height() < screen.height());
@@ -309,7 +309,7 @@ void TestQMessageDlg::theTitleStripDragsTheBox()
     QFETCH(bool, moves);
     m_dialog->move(60, 40);
     m_dialog->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_dialog.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(m_dialog.get(), patience));
     const QPoint start = m_dialog->pos();
     drag(*m_dialog, from, QPoint(31, -12));
     QCOMPARE(m_dialog->pos(), moves ? start + QPoint(31, -12) : start);
@@ -359,7 +359,7 @@ void TestQMessageDlg::missingPicturesAreLogged()
     QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
     QProcess bare;
     bare.start(copy, {withoutPictures});
-    QVERIFY(bare.waitForFinished(60000));
+    QVERIFY(bare.waitForFinished(patience));
     const QByteArray log = bare.readAllStandardError();
     QVERIFY2(bare.exitStatus() == QProcess::NormalExit && bare.exitCode() == 0, log);
     QStringList failures;

@@ -311,7 +311,7 @@ void TestQSliderCtrl::theHandleCanHideUntilThePointerComes()
     slider.setBtnHide();
     dress(slider);
     slider.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&slider));
+    QVERIFY(QTest::qWaitForWindowExposed(&slider, patience));
     QVERIFY(!handleOf(slider)->isVisible());
     enter(slider);
     QVERIFY(handleOf(slider)->isVisible());

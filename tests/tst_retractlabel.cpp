@@ -64,7 +64,7 @@ void TestRetractLabel::open(RetractLabel& label)
 {
     label.window()->show();
     label.window()->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(label.window()));
+    QVERIFY(QTest::qWaitForWindowActive(label.window(), patience));
     label.setCanEditText(true);
 }
 

@@ -136,7 +136,7 @@ void TestShowMusicInfoWidget::aPressAnywhereClosesIt()
     ShowMusicInfoWidget card;
     for (const char* name : {"m_coverWidget", "m_labName", "label"}) {
         card.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&card));
+        QVERIFY(QTest::qWaitForWindowExposed(&card, patience));
         QTest::mousePress(card.windowHandle(), Qt::LeftButton, Qt::NoModifier,
                           card.findChild<QWidget*>(name)->geometry().center());
         QVERIFY2(!card.isVisible(), name);

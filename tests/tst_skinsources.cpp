@@ -23,7 +23,7 @@ int TestSkinSources::check(QString& said, const QProcessEnvironment& environment
     script.setProcessEnvironment(environment);
     script.start(QStandardPaths::findExecutable("python3", {"/usr/bin"}),
                  {MELODRIFT_ROOT "/art/render", "--check"});
-    if (!script.waitForStarted())
+    if (!script.waitForStarted(patience))
         return -1;
     // Two hundred pictures and frames; a busy machine takes its time.
     if (!script.waitForFinished(570000))

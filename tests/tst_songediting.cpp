@@ -65,7 +65,7 @@ QByteArray outputOf(const QString& program, const QStringList& arguments)
 {
     QProcess process;
     process.start(program, arguments);
-    return process.waitForFinished() ? process.readAllStandardOutput() : QByteArray();
+    return process.waitForFinished(patience) ? process.readAllStandardOutput() : QByteArray();
 }
 
 /// The tags as ffprobe names them, in small letters, whether they belong to the file or its stream.
@@ -128,6 +128,7 @@ private slots:
     void everyFailedSaveIsLogged_data();
     void everyFailedSaveIsLogged();
     void theSongTakesTheEdit();
+    void anEditedFileIsStillTheOneThatIsListed();
     void theCoverGetsItsPicture();
     void whatWasHandedBackUnchangedStays_data();
     void whatWasHandedBackUnchangedStays();
@@ -319,6 +320,25 @@ void TestSongEditing::theSongTakesTheEdit()
     QCOMPARE(local.year, qint64(-5));
     QCOMPARE(local.trackNumber, qint64(3));
     QVERIFY(local.coverPath.isEmpty());
+}
+
+/// Saving puts a new file in its place, and deleting removes only what is listed.
+void TestSongEditing::anEditedFileIsStillTheOneThatIsListed()
+{
+    const QString path = Fixtures::copyTone("mp3", m_folder.path());
+    const auto song = songOn(path);
+    song->localInfo->file = FileState::ofEntry(path);
+    SongEdit edit = sampleEdit();
+    SongEditing::apply(*song, edit);
+    QCOMPARE(song->localInfo->file, FileState::ofEntry(path));
+
+    // What was not saved is not ours.
+    QVERIFY(QFile::remove(path));
+    Fixtures::saveBytes("no music", path);
+    edit.title += "!";
+    const LoggedLines lines;
+    SongEditing::apply(*song, edit);
+    QVERIFY(song->localInfo->file != FileState::ofEntry(path));
 }
 
 void TestSongEditing::theCoverGetsItsPicture()

@@ -7,12 +7,19 @@
 #include "songremoval.h"
 #include "startup.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <filesystem>
+#include <functional>
 #include <random>
+
+#ifdef Q_OS_LINUX
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 class TestSongRemoval : public QObject
 {
@@ -29,12 +36,17 @@ private slots:
     void aKeptFileIsKnownByEveryPath();
     void whatIsNotKeptMayGo_data();
     void whatIsNotKeptMayGo();
+    void aKeptFileIsKnownThroughAMount_data();
     void aKeptFileIsKnownThroughAMount();
+    void theLastNameOfAKeptFileStays();
     void aHardLinkOfAKeptFileMayGo();
     void tracksNeedNoFiles();
     void noKeptFilesKeepNothing();
     void aFileIsRemoved();
     void aLinkIsRemovedItself();
+    void whatTookTheFilesPlaceStays_data();
+    void whatTookTheFilesPlaceStays();
+    void aHardLinkOrAnotherModeChangesNothing();
     void aFolderIsNeverRemoved();
     void aSharedFileStays();
     void theLastEntryOfTheGroupGoes();
@@ -48,7 +60,9 @@ private slots:
 
 private:
     QMusicInfo* song(const QString& name);
-    QString fileOf(const QMusicInfo* song) const { return song->localInfo->filePath; }
+    /// As an intake finds the song's file.
+    static void list(QMusicInfo* song) { song->localInfo->file = FileState::ofEntry(fileOf(song)); }
+    static QString fileOf(const QMusicInfo* song) { return song->localInfo->filePath; }
     DupMusicInfo* group(const QList<QMusicInfo*>& songs);
     SongLists lists() { return {&m_all, &m_groups, &m_undefined, &m_tags}; }
 
@@ -86,6 +100,7 @@ QMusicInfo* TestSongRemoval::song(const QString& name)
     m_songs.back()->localInfo = std::make_unique<LocalMusicInfo>();
     m_songs.back()->localInfo->filePath =
         Fixtures::saveBytes(name.toUtf8(), m_folder->filePath(name + QLatin1String(".mp3")));
+    list(m_songs.back().get());
     m_all.append(m_songs.back().get());
     m_tags.append(nullptr);
     return m_songs.back().get();
@@ -179,22 +194,74 @@ void TestSongRemoval::whatIsNotKeptMayGo()
     QVERIFY(!files.wouldLose(m_folder->filePath(removed)));
 }
 
+#ifdef Q_OS_LINUX
+/// What a process finds whose second view of the folder "f" is "mounted": no other process sees it. Negative
+/// where that cannot be had.
+static int withAMount(const QTemporaryDir& folder, const std::function<int()>& find)
+{
+    QDir(folder.path()).mkdir("mounted");
+    const QByteArray f = QFile::encodeName(folder.filePath("f"));
+    const QByteArray mounted = QFile::encodeName(folder.filePath("mounted"));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        constexpr int cannot = 99;
+        const int more = ::geteuid() == 0 ? 0 : CLONE_NEWUSER;
+        if (::unshare(CLONE_NEWNS | more) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount(f.constData(), mounted.constData(), nullptr, MS_BIND, nullptr) != 0)
+            ::_exit(cannot);
+        ::_exit(find());
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) < 99 ? WEXITSTATUS(status) : -1;
+}
+#endif
+
+void TestSongRemoval::aKeptFileIsKnownThroughAMount_data()
+{
+    QTest::addColumn<bool>("furtherName");
+    QTest::newRow("with one name") << false;
+    QTest::newRow("with a further hard link") << true;
+}
+
 void TestSongRemoval::aKeptFileIsKnownThroughAMount()
 {
 #ifdef Q_OS_LINUX
+    QFETCH(bool, furtherName);
     makeLinks(*m_folder);
-    QDir(m_folder->path()).mkdir("mounted");
-    const QString mounted = m_folder->filePath("mounted");
-    if (QProcess::execute("mount", {"--bind", m_folder->filePath("f"), mounted}) != 0)
-        QSKIP("folders cannot be mounted here");
-    KeptFiles files;
-    files.add(mounted + QLatin1String("/a.mp3"));
-    const bool lost = files.wouldLose(m_folder->filePath("f/a.mp3"));
-    const bool otherLost = files.wouldLose(m_folder->filePath("f/b.mp3"));
-    QCOMPARE(QProcess::execute("umount", {mounted}), 0);
-    QVERIFY(lost);
-    QVERIFY(!otherLost);
+    std::error_code failure;
+    if (furtherName)
+        std::filesystem::create_hard_link(m_folder->filePath("f/a.mp3").toStdString(),
+                                          m_folder->filePath("f/hard.mp3").toStdString(), failure);
+    QVERIFY(!failure);
+    const int found = withAMount(*m_folder, [this] {
+        const auto lost = [this](const char* kept, const char* removed) {
+            KeptFiles files;
+            files.add(m_folder->filePath(kept));
+            return int(files.wouldLose(m_folder->filePath(removed)));
+        };
+        return lost("mounted/a.mp3", "f/a.mp3") + 2 * lost("f/a.mp3", "mounted/a.mp3") +
+               4 * lost("mounted/a.mp3", "f/b.mp3") + 8 * lost("f/a.mp3", "mounted/hard.mp3");
+    });
+    if (found < 0)
+        QSKIP("folders cannot be mounted here, not even in a private name space");
+    QCOMPARE(found, 3);
 #endif
+}
+
+/// What had another name when it was kept may have none any more when that is its turn.
+void TestSongRemoval::theLastNameOfAKeptFileStays()
+{
+    makeLinks(*m_folder);
+    std::error_code failure;
+    std::filesystem::create_hard_link(m_folder->filePath("f/a.mp3").toStdString(),
+                                      m_folder->filePath("hard.mp3").toStdString(), failure);
+    QVERIFY(!failure);
+    KeptFiles files;
+    files.add(m_folder->filePath("f/a.mp3"));
+    QVERIFY(QFile::remove(m_folder->filePath("f/a.mp3")));
+    QVERIFY(files.wouldLose(m_folder->filePath("hard.mp3")));
 }
 
 /// The file outlives the loss of one of its names.
@@ -242,11 +309,57 @@ void TestSongRemoval::aLinkIsRemovedItself()
     QMusicInfo* link = song("link");
     QFile::remove(fileOf(link));
     QVERIFY(QFile::link(fileOf(a), fileOf(link)));
+    list(link);
     KeptFiles kept;
     kept.add(fileOf(a));
     SongRemoval::removeFile(*link, nullptr, kept);
     QVERIFY(!QFileInfo(fileOf(link)).isSymLink());
     QVERIFY(QFile::exists(fileOf(a)));
+}
+
+/// What lies at the path is not what the user saw in the list.
+void TestSongRemoval::whatTookTheFilesPlaceStays_data()
+{
+    QTest::addColumn<QString>("what");
+    for (const char* what :
+         {"another file", "another link", "the file written anew", "a file where none was"})
+        QTest::newRow(what) << QString(what);
+}
+
+void TestSongRemoval::whatTookTheFilesPlaceStays()
+{
+    QFETCH(QString, what);
+    QMusicInfo* a = song("a");
+    QMusicInfo* b = song("b");
+    if (what == "another file") {
+        QVERIFY(QFile::rename(fileOf(a), fileOf(a) + ".old"));
+        QVERIFY(QFile::rename(fileOf(b), fileOf(a)));
+    } else if (what == "another link") {
+        QVERIFY(QFile::remove(fileOf(a)));
+        QVERIFY(QFile::link(fileOf(b), fileOf(a)));
+        list(a);
+        QVERIFY(QFile::link(m_folder->filePath("elsewhere"), fileOf(a) + ".new"));
+        QCOMPARE(std::rename(qPrintable(fileOf(a) + ".new"), qPrintable(fileOf(a))), 0);
+    } else if (what == "the file written anew") {
+        Fixtures::saveBytes("other", fileOf(a));
+    } else {
+        a->localInfo->file = FileState();
+    }
+    const LoggedLines lines;
+    SongRemoval::removeFile(*a, nullptr, KeptFiles());
+    const QStringList log = LoggedLines::take();
+    QCOMPARE(log.size(), 1);
+    QVERIFY(log.first().contains(fileOf(a)));
+    QVERIFY(QFileInfo(fileOf(a)).isSymLink() || QFile::exists(fileOf(a)));
+}
+
+void TestSongRemoval::aHardLinkOrAnotherModeChangesNothing()
+{
+    QMusicInfo* a = song("a");
+    std::filesystem::create_hard_link(fileOf(a).toStdString(), m_folder->filePath("hard").toStdString());
+    QVERIFY(QFile::setPermissions(fileOf(a), QFile::ReadOwner));
+    SongRemoval::removeFile(*a, nullptr, KeptFiles());
+    QVERIFY(!QFile::exists(fileOf(a)));
 }
 
 void TestSongRemoval::aFolderIsNeverRemoved()
@@ -265,6 +378,7 @@ void TestSongRemoval::aSharedFileStays()
     QMusicInfo* a = song("a");
     QMusicInfo* again = song("b");
     again->localInfo->filePath = fileOf(a);
+    list(again);
     group({a, again});
     KeptFiles kept;
     kept.add(fileOf(a));

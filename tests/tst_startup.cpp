@@ -1,3 +1,4 @@
+#include "folderopener.h"
 #include "localsongreader.h"
 #include "startup.h"
 
@@ -5,6 +6,7 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QLabel>
+#include <QTemporaryDir>
 #include <QTextCodec>
 #include <QtTest>
 
@@ -18,6 +20,8 @@ public:
     static void initMain()
     {
         qunsetenv("QT_FONT_DPI");
+        s_usersFolder = QDir::tempPath();
+        qputenv("TMPDIR", s_usersFolder.toUtf8());
         Startup::beforeApplication();
     }
 
@@ -25,11 +29,16 @@ private slots:
     void initTestCase() { Startup::afterApplication(); }
 
     void temporaryFilesArePrivate();
+    void programsThatAreStartedFindTheUsersFolder();
     void pointsArePixels();
     void aResolutionOfTheUsersOwnStays();
     void missingFontsHaveStandIns();
     void numbersHaveADotForTheLibraries();
     void fileNamesAreUtf8();
+    void theFolderGoesAtTheEnd();
+
+private:
+    static inline QString s_usersFolder;
 };
 
 void TestStartup::temporaryFilesArePrivate()
@@ -44,6 +53,28 @@ void TestStartup::temporaryFilesArePrivate()
              QFile::Permissions());
     QVERIFY(QFileInfo(QDir::tempPath()).isDir());
     QVERIFY(QDir().mkpath(covers));
+}
+
+void TestStartup::programsThatAreStartedFindTheUsersFolder()
+{
+#ifdef Q_OS_LINUX
+    // A file browser of our own notes what it finds.
+    const QTemporaryDir folder;
+    QFile opener(folder.filePath("xdg-open"));
+    QVERIFY(opener.open(QIODevice::WriteOnly));
+    opener.write("#!/bin/sh\nprintf %s \"$TMPDIR\" > \"$1/note.part\"\nmv \"$1/note.part\" \"$1/note\"\n");
+    opener.close();
+    QVERIFY(opener.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", folder.path().toUtf8() + ':' + path);
+    FolderOpener::open(folder.path());
+    qputenv("PATH", path);
+    QFile note(folder.filePath("note"));
+    QTRY_VERIFY_WITH_TIMEOUT(note.exists(), 60000);
+    QVERIFY(note.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(note.readAll()), s_usersFolder);
+    QVERIFY(QDir::tempPath() != s_usersFolder);
+#endif
 }
 
 void TestStartup::pointsArePixels()
@@ -79,6 +110,14 @@ void TestStartup::numbersHaveADotForTheLibraries()
 void TestStartup::fileNamesAreUtf8()
 {
     QCOMPARE(QTextCodec::codecForLocale()->name(), QByteArray("UTF-8"));
+}
+
+void TestStartup::theFolderGoesAtTheEnd()
+{
+    const QFileInfo home(QFileInfo(QDir::tempPath()).path());
+    QVERIFY(home.isDir());
+    Startup::removeTemporaryFiles();
+    QVERIFY(!QFileInfo::exists(home.filePath()));
 }
 
 QTEST_MAIN(TestStartup)

@@ -113,9 +113,10 @@ std::string ApeBytes::text(int type) const
 void ApeBytes::apply(const TagEdits& edits)
 {
     for (int type = 0; type < textTypes; ++type) {
-        if (!edits.texts[size_t(type)])
+        const auto& edit = edits.texts[size_t(type)];
+        if (!edit)
             continue;
-        std::string value = *edits.texts[size_t(type)];
+        std::string value = *edit;
         if (type == TAG_TRACK && !value.empty())
             value += totalOf(text(type));
         const auto isOld = [type](const Item& item) { return sameName(item.key, keys[type]); };
@@ -133,8 +134,8 @@ void ApeBytes::apply(const TagEdits& edits)
         value.append('\0');
         replacement = Item{binary, frontCover, value.append(*edits.picture)};
     }
-    replaceFields(
-        m_items, [](const Item& item) { return isPicture(item.key); }, replacement);
+    const auto isOld = [](const Item& item) { return isPicture(item.key); };
+    replaceFields(m_items, isOld, replacement);
 }
 
 ByteVector ApeBytes::shown(const ByteVector& items)

@@ -7,50 +7,84 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 using audiocore::CheckedStream;
+using audiocore::StreamOffset;
+using audiocore::StreamSize;
 using TagLib::ByteVector;
 
 namespace {
-constexpr long blockSize = 256 * 1024;
+constexpr StreamOffset blockSize = 256 * 1024;
 constexpr unsigned int bufferSize = 4 * 1024;
-// Far more than reading any whole file takes, and a second at the most.
-constexpr std::int64_t stepsToRead = 300000;
-constexpr std::int64_t bytesToRead = 256 << 20;
-constexpr std::int64_t dryStepsBorne = 5000000; // they cost next to nothing
-// Writing goes through whole files, some of them page by page.
-constexpr std::int64_t bytesAStepWriting = 128;
-constexpr std::int64_t timesThroughWriting = 8;
+constexpr StreamSize largestBlock = 96 * 1024 * 1024; // the largest picture, and 64 MB beyond
+constexpr std::int64_t dryStepsBorne = 5000000;       // they cost next to nothing
+
+struct Budget
+{
+    std::int64_t steps; ///< about a microsecond each
+    std::int64_t bytes; ///< a good gigabyte a second
+};
+
+/// Far more than reading any file of the size takes.
+Budget toRead(std::int64_t size)
+{
+    constexpr std::int64_t mostSteps = 300000;
+    constexpr std::int64_t mostBytes = 256 << 20;
+    return {std::min(mostSteps, 10000 + size / 64), std::min(mostBytes, (16 << 20) + size * 8)};
+}
+
+/// Writing goes through whole files, some of them by small pages, and may put a picture in.
+Budget toWrite(std::int64_t size)
+{
+    constexpr std::int64_t bytesAStep = 16;
+    constexpr std::int64_t timesThrough = 16;
+    constexpr std::int64_t newBytes = 256 << 20;
+    return {toRead(size).steps + size / bytesAStep, newBytes + size * timesThrough};
+}
 
 thread_local std::int64_t stepsTaken = 0;
 } // namespace
 
 CheckedStream::CheckedStream(const std::string& utf8Path, Mode mode) : m_mode(mode), m_path(utf8Path)
 {
-    platform::FileState state;
     m_file = platform::openFile(utf8Path, mode == Mode::ReadWrite);
-    if (!m_file) {
+    if (!m_file)
         m_openError = std::strerror(errno);
-    } else if (!platform::stateOf(m_file, state) || !state.regular) {
+    takeFile();
+}
+
+CheckedStream::CheckedStream(std::FILE* file, const std::string& utf8Path, Mode mode)
+    : m_file(file), m_owned(false), m_mode(mode), m_path(utf8Path)
+{
+    takeFile();
+}
+
+void CheckedStream::takeFile()
+{
+    platform::FileState state;
+    if (m_file && (!platform::stateOf(m_file, state) || !state.regular)) {
         m_openError = "not a regular file";
-        std::fclose(std::exchange(m_file, nullptr));
+        std::FILE* const file = std::exchange(m_file, nullptr);
+        if (m_owned)
+            std::fclose(file);
     }
-    m_length = m_file ? long(state.size) : 0;
-    const bool writing = mode == Mode::ReadWrite;
-    m_stepsLeft = stepsToRead + (writing ? m_length / bytesAStepWriting : 0);
-    m_bytesLeft = bytesToRead + (writing ? m_length * timesThroughWriting : 0);
+    m_length = m_file ? StreamOffset(state.size) : 0;
+    const Budget budget = m_mode == Mode::ReadWrite ? toWrite(m_length) : toRead(m_length);
+    m_mostSteps = budget.steps;
+    m_mostBytes = budget.bytes;
 }
 
 CheckedStream::~CheckedStream()
 {
-    if (m_file)
+    if (m_file && m_owned)
         std::fclose(m_file);
 }
 
 bool CheckedStream::flushToDevice()
 {
-    return m_file && !m_failed && !ranDry() && platform::syncToDevice(m_file);
+    return m_file && !m_failed && !m_readFailed && !ranDry() && platform::syncToDevice(m_file);
 }
 
 TagLib::FileName CheckedStream::name() const
@@ -68,41 +102,46 @@ std::int64_t CheckedStream::stepsOfThread()
     return stepsTaken;
 }
 
-bool CheckedStream::mayRead(unsigned long bytes)
+bool CheckedStream::mayGoOn(StreamSize bytes)
 {
     ++stepsTaken;
-    if (--m_stepsLeft < -dryStepsBorne)
+    if (++m_steps > m_mostSteps + dryStepsBorne)
         throw EndlessReading();
-    m_bytesLeft -= std::int64_t(bytes);
+    // What is refused is not moved, but enough to tell that it was too much.
+    m_bytes = std::min(m_bytes + std::int64_t(bytes), m_mostBytes + 1);
     return !ranDry();
 }
 
-ByteVector CheckedStream::readBlock(unsigned long length)
+ByteVector CheckedStream::readBlock(StreamSize length)
 {
     return m_screen ? m_screen->read(*this, length) : readUnscreened(length);
 }
 
-ByteVector CheckedStream::readUnscreened(unsigned long length)
+ByteVector CheckedStream::readUnscreened(StreamSize length)
 {
-    const long left = std::max(0L, m_length - m_position);
-    const auto count =
-        static_cast<unsigned int>(std::min<unsigned long>(length, static_cast<unsigned long>(left)));
-    if (!mayRead(count) || !m_file || count == 0)
+    const auto left = static_cast<StreamSize>(std::max(StreamOffset(0), m_length - m_position));
+    const StreamSize size = std::min(length, left);
+    if (size > largestBlock)
+        m_bytes = m_mostBytes + 1;
+    if (!mayGoOn(size) || !m_file || size == 0)
         return ByteVector();
+    const auto count = static_cast<unsigned int>(size);
     ByteVector block;
     if (count < bufferSize) {
-        if (m_position < m_bufferStart || m_position + long(count) > m_bufferStart + long(m_buffer.size()))
+        if (m_position < m_bufferStart ||
+            m_position + StreamOffset(count) > m_bufferStart + StreamOffset(m_buffer.size()))
             fillBuffer(m_position);
         block = m_buffer.mid(static_cast<unsigned int>(m_position - m_bufferStart), count);
     } else {
         block.resize(count);
         block.resize(static_cast<unsigned int>(platform::readAt(m_file, m_position, block.data(), count)));
     }
-    m_position += long(block.size());
+    m_readFailed = m_readFailed || block.size() < count;
+    m_position += StreamOffset(block.size());
     return block;
 }
 
-void CheckedStream::fillBuffer(long position)
+void CheckedStream::fillBuffer(StreamOffset position)
 {
     m_buffer.resize(bufferSize);
     m_buffer.resize(
@@ -114,44 +153,55 @@ void CheckedStream::writeBlock(const ByteVector& data)
 {
     if (!m_file || m_mode == Mode::Read || data.isEmpty())
         return;
+    if (!mayGoOn(data.size()))
+        return;
     if (platform::writeAt(m_file, m_position, data.data(), data.size()) != data.size())
         m_failed = true;
     m_buffer.clear();
-    m_position += long(data.size());
+    m_position += StreamOffset(data.size());
     m_length = std::max(m_length, m_position);
 }
 
-void CheckedStream::writeAt(long position, const ByteVector& data)
+void CheckedStream::writeAt(StreamOffset position, const ByteVector& data)
 {
     seek(position);
     writeBlock(data);
 }
 
 /// Moves everything from `from` on to start at `to`, without overwriting what is still to be moved.
-void CheckedStream::moveTail(long from, long to)
+void CheckedStream::moveTail(StreamOffset from, StreamOffset to)
 {
-    const long tail = m_length - from;
+    const StreamOffset tail = m_length - from;
     if (to < from) {
-        for (long done = 0; done < tail && !m_failed; done += blockSize) {
-            seek(from + done);
-            writeAt(to + done, readBlock(static_cast<unsigned long>(std::min(blockSize, tail - done))));
-        }
+        for (StreamOffset done = 0; done < tail && !m_failed && !ranDry(); done += blockSize)
+            moveBlock(from + done, to + done, std::min(blockSize, tail - done));
         return;
     }
-    for (long left = tail; left > 0 && !m_failed;) {
-        const long size = std::min(blockSize, left);
+    for (StreamOffset left = tail; left > 0 && !m_failed && !ranDry();) {
+        const StreamOffset size = std::min(blockSize, left);
         left -= size;
-        seek(from + left);
-        writeAt(to + left, readBlock(static_cast<unsigned long>(size)));
+        moveBlock(from + left, to + left, size);
     }
 }
 
-void CheckedStream::insert(const ByteVector& data, unsigned long start, unsigned long replace)
+/// What takes no room takes none afterwards, where the system can do it.
+void CheckedStream::moveBlock(StreamOffset from, StreamOffset to, StreamOffset size)
 {
-    const long begin = std::min(long(start), m_length);
-    const long replacedEnd = std::min(begin + long(replace), m_length);
-    const long newEnd = begin + long(data.size());
-    const long newLength = m_length - replacedEnd + newEnd;
+    if (platform::isHole(m_file, from, size) && platform::makeHole(m_file, to, size)) {
+        m_buffer.clear();
+        m_length = std::max(m_length, to + size);
+        return;
+    }
+    seek(from);
+    writeAt(to, readBlock(static_cast<StreamSize>(size)));
+}
+
+void CheckedStream::insert(const ByteVector& data, StreamStart start, StreamSize replace)
+{
+    const auto begin = StreamOffset(std::min(StreamSize(start), StreamSize(m_length)));
+    const auto replacedEnd = begin + StreamOffset(std::min(replace, StreamSize(m_length - begin)));
+    const StreamOffset newEnd = begin + StreamOffset(data.size());
+    const StreamOffset newLength = m_length - replacedEnd + newEnd;
     if (newEnd != replacedEnd)
         moveTail(replacedEnd, newEnd);
     writeAt(begin, data);
@@ -160,19 +210,20 @@ void CheckedStream::insert(const ByteVector& data, unsigned long start, unsigned
     seek(newEnd);
 }
 
-void CheckedStream::removeBlock(unsigned long start, unsigned long length)
+void CheckedStream::removeBlock(StreamStart start, StreamSize length)
 {
     insert(ByteVector(), start, length);
 }
 
-void CheckedStream::seek(long offset, Position position)
+void CheckedStream::seek(StreamOffset offset, Position position)
 {
-    mayRead(0);
-    const long base = position == Beginning ? 0 : position == Current ? m_position : m_length;
-    m_position = std::max(0L, long(checked::sum(base, offset)));
+    mayGoOn(0);
+    const StreamOffset base = position == Beginning ? 0 : position == Current ? m_position : m_length;
+    const StreamOffset furthest = std::numeric_limits<StreamOffset>::max() / 2;
+    m_position = std::max(StreamOffset(0), base + std::clamp(offset, -furthest, furthest - base));
 }
 
-void CheckedStream::truncate(long length)
+void CheckedStream::truncate(StreamOffset length)
 {
     if (!m_file || m_mode == Mode::Read)
         return;

@@ -67,7 +67,7 @@ std::optional<ByteVector> takeBlock(const ByteVector& bytes, unsigned int& posit
     const unsigned int size = bytes.toUInt(position, false);
     if (size > bytes.size() - position - 4)
         return std::nullopt;
-    const ByteVector block = bytes.mid(position + 4, size);
+    ByteVector block = bytes.mid(position + 4, size);
     position += 4 + size;
     return block;
 }
@@ -144,24 +144,25 @@ std::string CommentBytes::text(int type) const
 void CommentBytes::apply(const TagEdits& edits)
 {
     for (int type = 0; type < textTypes; ++type) {
-        if (!edits.texts[size_t(type)])
+        const auto& edit = edits.texts[size_t(type)];
+        if (!edit)
             continue;
-        std::string value = *edits.texts[size_t(type)];
+        std::string value = *edit;
         if (type == TAG_TRACK && !value.empty())
             value += totalOf(text(type));
         std::optional<ByteVector> replacement;
         if (!value.empty())
             replacement = field(names[type].front(), ByteVector(value.data(), unsigned(value.size())));
-        replaceFields(
-            m_fields, [type](const ByteVector& old) { return hasName(old, names[type]); }, replacement);
+        const auto isOld = [type](const ByteVector& old) { return hasName(old, names[type]); };
+        replaceFields(m_fields, isOld, replacement);
     }
     if (!edits.picture)
         return;
     std::optional<ByteVector> replacement;
     if (!edits.picture->isEmpty())
         replacement = field(pictureNames.front(), flacPicture(*edits.picture).toBase64());
-    replaceFields(
-        m_fields, [](const ByteVector& old) { return hasName(old, pictureNames); }, replacement);
+    const auto isOld = [](const ByteVector& old) { return hasName(old, pictureNames); };
+    replaceFields(m_fields, isOld, replacement);
 }
 
 ByteVector CommentBytes::render() const

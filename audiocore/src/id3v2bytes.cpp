@@ -293,10 +293,11 @@ std::string Id3v2Bytes::textOf(const Frame& frame) const
     }
 }
 
-std::string Id3v2Bytes::wronglyMarkedText(int type) const
+std::string Id3v2Bytes::unreadText(int type) const
 {
     for (const Frame& frame : m_frames)
-        if (says(frame.id, type) && frame.body.data()[0] == utf8 && frame.body.size() <= longestText)
+        if (says(frame.id, type) && (frame.body.data()[0] == utf8 || m_version == 2) &&
+            frame.body.size() <= longestText)
             return textOf(frame);
     return std::string();
 }
@@ -340,9 +341,10 @@ std::optional<Id3v2Bytes::Frame> Id3v2Bytes::pictureFrame(const ByteVector& byte
 void Id3v2Bytes::apply(const TagEdits& edits)
 {
     for (int type = 0; type < textTypes; ++type) {
-        if (!edits.texts[size_t(type)])
+        const auto& edit = edits.texts[size_t(type)];
+        if (!edit)
             continue;
-        std::string text = *edits.texts[size_t(type)];
+        std::string text = *edit;
         const auto isOld = [type](const Frame& frame) { return says(frame.id, type); };
         const auto old = std::find_if(m_frames.begin(), m_frames.end(), isOld);
         if (type == TAG_TRACK && !text.empty() && old != m_frames.end())

@@ -29,8 +29,9 @@ public:
 
     bool isEmpty() const { return m_frames.empty(); }
     void apply(const TagEdits& edits);
-    /// What frames say that are marked as UTF-8 and are not.
-    std::string wronglyMarkedText(int type) const;
+    /// What frames say that the tag library makes nothing of: those marked as UTF-8 that are not, and in the
+    /// oldest version a short one at the end, which the library's own second version passes over.
+    std::string unreadText(int type) const;
     /// The frames that say our items, plain and in bounds, as the body of a tag of the same version without
     /// any flags.
     TagLib::ByteVector shown() const;

@@ -27,14 +27,15 @@ InfoBytes::InfoBytes(const ByteVector& list)
 void InfoBytes::apply(const TagEdits& edits)
 {
     for (size_t type = 0; type < size_t(textTypes); ++type) {
-        if (!edits.texts[type])
+        const auto& edit = edits.texts[type];
+        if (!edit)
             continue;
-        const std::string& text = *edits.texts[type];
+        const std::string& text = *edit;
         std::optional<Entry> replacement;
         if (!text.empty())
             replacement = Entry{ids[type], ByteVector(text.c_str(), unsigned(text.size()) + 1)};
-        replaceFields(
-            m_entries, [type](const Entry& entry) { return entry.id == ids[type]; }, replacement);
+        const auto isOld = [type](const Entry& entry) { return entry.id == ids[type]; };
+        replaceFields(m_entries, isOld, replacement);
     }
 }
 

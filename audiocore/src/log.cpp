@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <new>
 
 namespace {
 void toStandardError(const char* line)
@@ -22,4 +23,14 @@ void SetAudioCoreLogSink(AudioCoreLogSink newSink)
 void audiocore::logLine(const std::string& path, const std::string& reason)
 {
     sink.load()((path + ": " + reason).c_str());
+}
+
+void audiocore::logFailure(const std::string& path, const char* reason, const char* fault) noexcept
+{
+    try {
+        logLine(path, std::string(reason) + ": " + fault);
+    } catch (const std::bad_alloc&) {
+        // Standard error needs no memory.
+        std::fprintf(stderr, "%s: %s: %s\n", path.c_str(), reason, fault);
+    }
 }

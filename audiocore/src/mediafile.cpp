@@ -1,6 +1,7 @@
 #include "mediafile.h"
 
 #include "checkedstream.h"
+#include "mp4file.h"
 #include "mpegframes.h"
 #include "tagscreen.h"
 #include "tagtext.h"
@@ -15,7 +16,6 @@
 #include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/infotag.h>
-#include <taglib/mp4file.h>
 #include <taglib/mpegfile.h>
 #include <taglib/oggflacfile.h>
 #include <taglib/opusfile.h>
@@ -90,7 +90,7 @@ bool hasTag(IOStream& stream, long audioBegin)
     if (audioBegin > 0)
         return true;
     const ByteVector end = [&stream] {
-        stream.seek(std::max(0L, stream.length() - id3v1Size - apeFooterSize));
+        stream.seek(std::max(0L, long(stream.length()) - id3v1Size - apeFooterSize));
         return stream.readBlock(id3v1Size + apeFooterSize);
     }();
     const auto at = [&end](long fromEnd, const char* magic) {
@@ -138,7 +138,7 @@ std::unique_ptr<TagLib::File> fileOf(AudioFormat format, IOStream& stream, const
     case AUDIO_FORMAT_WMA:
         return std::make_unique<TagLib::ASF::File>(&stream, true);
     case AUDIO_FORMAT_M4A:
-        return std::make_unique<TagLib::MP4::File>(&stream, true);
+        return std::make_unique<audiocore::Mp4File>(stream);
     case AUDIO_FORMAT_OGG:
         return oggFile(stream, head);
     case AUDIO_FORMAT_APE:
@@ -165,7 +165,8 @@ void openScreened(MediaFile& media, audiocore::Purpose purpose, const ByteVector
 {
     audiocore::CheckedStream& stream = *media.stream;
     audiocore::TagScreen screen(media.format, stream, media.audioBegin, purpose);
-    stream.setScreen(&screen);
+    if (media.format != AUDIO_FORMAT_M4A) // our own walk has bounds of its own
+        stream.setScreen(&screen);
     const auto lift = [](audiocore::CheckedStream* screened) { screened->setScreen(nullptr); };
     const std::unique_ptr<audiocore::CheckedStream, decltype(lift)> lifted(&stream, lift);
     stream.seek(0);
@@ -188,7 +189,8 @@ MediaFile audiocore::openMedia(CheckedStream& stream, Purpose purpose)
     if (media.format == AUDIO_FORMAT_AAC && purpose == Purpose::Reading && !hasTag(stream, media.audioBegin))
         return media;
     openScreened(media, purpose, head);
-    if (!media.file || !media.file->isValid() || (!mpeg && !media.file->audioProperties()))
+    const bool measuredByUs = mpeg || media.format == AUDIO_FORMAT_M4A;
+    if (!media.file || !media.file->isValid() || (!measuredByUs && !media.file->audioProperties()))
         return MediaFile();
     return media;
 }
@@ -211,7 +213,7 @@ std::vector<TagLib::Tag*> audiocore::tagsOf(const MediaFile& media)
         addIf(tags, ape->hasAPETag(), ape->APETag());
         addIf(tags, ape->hasID3v1Tag(), ape->ID3v1Tag());
     } else if (media.file) {
-        tags.push_back(media.file->tag());
+        addIf(tags, true, media.file->tag());
     }
     return tags;
 }

@@ -1,150 +1,224 @@
 #include "mp4writing.h"
 
 #include "audiocore/tagitem.h"
+#include "fieldlist.h"
+#include "mp4file.h"
+#include "mp4places.h"
 #include "pictures.h"
-#include "tagtext.h"
 
-#include <taglib/mp4atom.h>
-#include <taglib/mp4tag.h>
-#include <taglib/tfile.h>
+#include <limits>
+#include <string>
 
-#include <algorithm>
-
+using audiocore::Mp4Atom;
+using audiocore::Mp4Atoms;
+using audiocore::Mp4File;
+using audiocore::Mp4Value;
 using audiocore::TagEdits;
 using TagLib::ByteVector;
-using TagLib::String;
-using TagLib::MP4::Atom;
-using TagLib::MP4::Item;
 
 namespace {
-/// The first one is written.
-const std::vector<const char*> names[audiocore::textTypes] = {{"\251nam"},         {"\251ART"}, {"\251alb"},
-                                                              {"\251gen", "gnre"}, {"\251day"}, {"trkn"}};
-const char* const pictureName = "covr";
-
 constexpr unsigned int atomHead = 8;
-// An atom that the tag library writes with bytes of any kind.
-const char* const placeholderName = "----:m:n";
-constexpr unsigned int placeholderHead = 50;
+constexpr std::int64_t largestList = 64 << 20;
+constexpr std::int64_t most32 = std::numeric_limits<std::uint32_t>::max();
 
-const Atom* findList(TagLib::MP4::Atoms& atoms)
+enum class Marked : unsigned int { Number = 0, Utf8 = 1, Jpeg = 13, Png = 14 };
+
+ByteVector atom(const std::string& name, const ByteVector& content)
 {
-    return atoms.find("moov", "udta", "meta", "ilst");
+    ByteVector bytes = ByteVector::fromUInt(content.size() + atomHead);
+    bytes.append(ByteVector(name.data(), unsigned(name.size())));
+    return bytes.append(content);
 }
 
-ByteVector bytesOf(TagLib::File& file, const Atom& atom)
+ByteVector item(const std::string& name, Marked as, const ByteVector& value)
 {
-    file.seek(atom.offset);
-    return file.readBlock(static_cast<unsigned long>(atom.length));
+    ByteVector data = ByteVector::fromUInt(static_cast<unsigned int>(as));
+    data.append(ByteVector(4, '\0'));
+    return atom(name, atom("data", data.append(value)));
 }
 
-bool isEdited(const String& name, const TagEdits& edits)
+struct Field
 {
-    for (size_t type = 0; type < size_t(audiocore::textTypes); ++type)
-        if (edits.texts[type] && std::any_of(names[type].begin(), names[type].end(),
-                                             [&name](const char* known) { return name == known; }))
-            return true;
-    return edits.picture && name == pictureName;
+    std::string name;
+    ByteVector bytes; ///< the whole atom
+};
+
+std::optional<Field> textField(int type, const std::string& text)
+{
+    if (text.empty())
+        return std::nullopt;
+    const std::string& name = audiocore::mp4Names(type).front();
+    return Field{name, item(name, Marked::Utf8, ByteVector(text.data(), unsigned(text.size())))};
 }
 
-/// The atoms that the edits leave alone, as they stand in the file.
-ByteVector keptAtoms(TagLib::File& file, const TagEdits& edits)
+std::optional<Field> pictureField(const ByteVector& picture)
 {
-    TagLib::MP4::Atoms atoms(&file);
-    ByteVector kept;
-    if (const Atom* list = findList(atoms))
-        for (const Atom* atom : list->children)
-            if (!isEdited(String(atom->name, String::Latin1), edits))
-                kept.append(bytesOf(file, *atom));
-    if (kept.isEmpty() || kept.size() >= placeholderHead)
-        return kept;
-    // So few bytes are filled up to the size of a placeholder.
-    kept.append(ByteVector::fromUInt(placeholderHead));
-    kept.append("free");
-    return kept.append(ByteVector(placeholderHead - atomHead, '\0'));
+    if (picture.isEmpty())
+        return std::nullopt;
+    const bool png = audiocore::pictureType(picture) == "image/png";
+    return Field{audiocore::mp4PictureName,
+                 item(audiocore::mp4PictureName, png ? Marked::Png : Marked::Jpeg, picture)};
 }
 
-void setTrack(TagLib::MP4::Tag& tag, const std::string& value)
+/// The number of a track in the old value, or in a new one; the total and whatever else is there stays.
+std::optional<Field> trackField(const ByteVector& old, const std::string& text)
 {
-    const int total = tag.contains("trkn") ? tag.item("trkn").toIntPair().second : 0;
-    const int number = value.empty() ? 0 : std::stoi(value.substr(0, 6));
-    if (number == 0 && total == 0)
-        tag.removeItem("trkn");
-    else
-        tag.setItem("trkn", Item(number, total));
+    ByteVector value = old.size() < 6 ? ByteVector(8, '\0') : old;
+    const int number = text.empty() ? 0 : std::stoi(text.substr(0, 6));
+    if (number == 0 && value.toUShort(4u) == 0)
+        return std::nullopt;
+    const ByteVector bytes = ByteVector::fromShort(static_cast<short>(number));
+    std::copy(bytes.begin(), bytes.end(), value.begin() + 2);
+    return Field{"trkn", item("trkn", Marked::Number, value)};
 }
 
-void setText(TagLib::MP4::Tag& tag, int type, const std::string& value)
+/// The first value of the first track item.
+ByteVector oldTrack(Mp4File& file, const std::vector<const Mp4Atom*>& items)
 {
-    if (type == TAG_TRACK) {
-        setTrack(tag, value);
-        return;
+    for (const Mp4Atom* item : items) {
+        const std::vector<Mp4Value> values = file.valuesOf(*item);
+        if (audiocore::isMp4Name(item->name, TAG_TRACK) && !values.empty() && values.front().size <= 64)
+            return file.bytesOf(values.front());
     }
-    for (const char* name : names[type])
-        tag.removeItem(name);
-    if (!value.empty())
-        tag.setItem(names[type].front(), TagLib::StringList(String(value, String::UTF8)));
+    return ByteVector();
 }
 
-/// Puts the bytes over the placeholder, which is as long as they are.
-bool replacePlaceholder(TagLib::File& file, const ByteVector& bytes)
+void replaceText(std::vector<Field>& fields, int type, const std::optional<Field>& field)
 {
-    TagLib::MP4::Atoms atoms(&file);
-    const Atom* list = findList(atoms);
-    if (!list)
-        return false;
-    for (const Atom* atom : list->children) {
-        if (atom->name != "----" || atom->length != long(bytes.size()))
-            continue;
-        file.seek(atom->offset);
-        file.writeBlock(bytes);
+    const auto isOld = [type](const Field& old) { return audiocore::isMp4Name(old.name, type); };
+    audiocore::replaceFields(fields, isOld, field);
+}
+
+void replacePicture(std::vector<Field>& fields, const std::optional<Field>& field)
+{
+    const auto isOld = [](const Field& old) { return old.name == audiocore::mp4PictureName; };
+    audiocore::replaceFields(fields, isOld, field);
+}
+
+/// The list with the edits, as an atom.
+ByteVector newList(Mp4File& file, const std::vector<const Mp4Atom*>& items, const TagEdits& edits)
+{
+    std::vector<Field> fields;
+    fields.reserve(items.size());
+    for (const Mp4Atom* item : items)
+        fields.push_back({item->name, bytesOf(file, *item)});
+    for (int type = 0; type < audiocore::textTypes; ++type)
+        if (const auto& text = edits.texts[size_t(type)])
+            replaceText(fields, type,
+                        type == TAG_TRACK ? trackField(oldTrack(file, items), *text)
+                                          : textField(type, *text));
+    if (edits.picture)
+        replacePicture(fields, pictureField(*edits.picture));
+    ByteVector list = atom("ilst", ByteVector());
+    for (Field& field : fields) {
+        list.append(field.bytes);
+        field.bytes.clear(); // pictures are large
+    }
+    const ByteVector size = ByteVector::fromUInt(list.size());
+    std::copy(size.begin(), size.end(), list.data());
+    return list;
+}
+
+/// A part of the file that other bytes take the place of.
+struct Splice
+{
+    std::int64_t begin = 0;
+    std::int64_t size = 0;
+    std::vector<const Mp4Atom*> around; ///< what grows or shrinks with it
+
+    std::int64_t end() const { return begin + size; }
+};
+
+/// Where the list is, and the free room behind it.
+Splice placeOf(const Mp4Atoms& atoms, const Mp4Atom& list)
+{
+    Splice splice{list.begin, list.size, atoms.around(list)};
+    for (const Mp4Atom* beside : atoms.childrenOf(*splice.around.back()))
+        if (beside->name == "free" && beside->begin == splice.end())
+            splice.size += beside->size;
+    return splice;
+}
+
+/// Behind what is in the atom; a zero that ends it stays behind.
+Splice endOf(const Mp4Atoms& atoms, const Mp4Atom& container)
+{
+    const std::vector<const Mp4Atom*> children = atoms.childrenOf(container);
+    Splice splice{children.empty() ? container.end() : children.back()->end(), 0, atoms.around(container)};
+    splice.around.push_back(&container);
+    return splice;
+}
+
+/// A list and free room that together take the place of what is there now.
+ByteVector padded(ByteVector list, std::int64_t room)
+{
+    const auto roomNow = static_cast<unsigned int>(std::min<std::int64_t>(room, largestList));
+    unsigned int size = audiocore::paddedSize(list.size(), roomNow);
+    if (size > list.size() && size < list.size() + atomHead)
+        size = audiocore::paddedSize(list.size(), 0);
+    if (size > list.size())
+        list.append(atom("free", ByteVector(size - list.size() - atomHead, '\0')));
+    return list;
+}
+
+/// What the list is put in where there is none, from the inside out.
+ByteVector wrapped(const ByteVector& list, const Mp4Atom& container)
+{
+    ByteVector bytes = list;
+    if (container.name == "meta")
+        return bytes;
+    ByteVector handler(8, '\0');
+    handler.append("mdirappl").append(ByteVector(9, '\0'));
+    bytes = atom("meta", ByteVector(4, '\0').append(atom("hdlr", handler)).append(bytes));
+    return container.name == "udta" ? bytes : atom("udta", bytes);
+}
+
+/// The innermost atom of those that the list is to be in.
+const Mp4Atom* containerOf(const Mp4Atoms& atoms)
+{
+    std::vector<std::string> path = audiocore::mp4ListPath();
+    const Mp4Atom* container = nullptr;
+    while (!container && path.size() > 1) {
+        path.pop_back();
+        container = atoms.find(path);
+    }
+    return container;
+}
+
+bool grow(TagLib::File& file, const Mp4Atom& atom, std::int64_t by)
+{
+    if (atom.toTheEnd)
         return true;
-    }
-    return false;
+    const std::int64_t size = atom.size + by;
+    if (atom.headSize == int(atomHead) && size > most32)
+        return false;
+    file.seek(atom.headSize == int(atomHead) ? atom.begin : atom.begin + std::int64_t(atomHead));
+    file.writeBlock(atom.headSize == int(atomHead) ? ByteVector::fromUInt(static_cast<unsigned int>(size))
+                                                   : ByteVector::fromLongLong(size));
+    return true;
 }
 } // namespace
 
-std::string audiocore::mp4Text(TagLib::File& file, int type)
+bool audiocore::writeMp4(Mp4File& file, const TagEdits& edits)
 {
-    constexpr unsigned int dataHead = atomHead + 16;
-    constexpr unsigned char utf16 = 2;
-    TagLib::MP4::Atoms atoms(&file);
-    const Atom* list = findList(atoms);
-    if (!list || type == TAG_TRACK)
-        return std::string();
-    for (const Atom* atom : list->children) {
-        if (atom->name != names[type].front())
-            continue;
-        const ByteVector bytes = bytesOf(file, *atom);
-        if (bytes.size() < dataHead)
-            return std::string();
-        const ByteVector text = bytes.mid(dataHead, std::max(bytes.toUInt(atomHead), 16u) - 16);
-        return bytes.data()[atomHead + 11] == utf16 ? String(text, String::UTF16BE).to8Bit(true)
-                                                    : readableText(text);
-    }
-    return std::string();
-}
+    const Mp4Atoms atoms(file, Mp4Atoms::Fragments::Enter);
+    const Mp4Atom* container = containerOf(atoms);
+    if (!atoms.areSound() || !container)
+        return false;
+    const Mp4Atom* list = atoms.find(mp4ListPath());
+    if (list && list->size > largestList)
+        return false;
+    const Splice splice = list ? placeOf(atoms, *list) : endOf(atoms, *container);
+    const std::vector<const Mp4Atom*> items = list ? atoms.childrenOf(*list) : std::vector<const Mp4Atom*>();
+    ByteVector bytes = padded(newList(file, items, edits), splice.size);
+    if (!list)
+        bytes = wrapped(bytes, *container);
 
-bool audiocore::writeMp4(TagLib::File& file, TagLib::MP4::Tag& tag, const TagEdits& edits)
-{
-    const ByteVector kept = keptAtoms(file, edits);
-    for (int type = 0; type < textTypes; ++type)
-        if (edits.texts[size_t(type)])
-            setText(tag, type, *edits.texts[size_t(type)]);
-    if (edits.picture)
-        setMp4Picture(tag, *edits.picture);
-    TagLib::StringList others;
-    for (const auto& [name, item] : tag.itemMap())
-        if (!isEdited(name, edits))
-            others.append(name);
-    for (const String& name : others)
-        tag.removeItem(name);
-    if (kept.isEmpty())
-        return file.save();
-    TagLib::ByteVectorList filling;
-    filling.append(ByteVector(kept.size() - placeholderHead, '\0'));
-    Item placeholder(filling);
-    placeholder.setAtomDataType(TagLib::MP4::TypeImplicit);
-    tag.setItem(placeholderName, placeholder);
-    return file.save() && replacePlaceholder(file, kept);
+    const std::int64_t by = std::int64_t(bytes.size()) - splice.size;
+    if (by != 0 && !moveMp4Places(file, atoms, splice.end(), by))
+        return false;
+    for (const Mp4Atom* around : splice.around)
+        if (!grow(file, *around, by))
+            return false;
+    file.insert(bytes, static_cast<unsigned long>(splice.begin), static_cast<unsigned long>(splice.size));
+    return true;
 }

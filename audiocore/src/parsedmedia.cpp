@@ -3,6 +3,7 @@
 #include "checkedmath.h"
 #include "checkedstream.h"
 #include "log.h"
+#include "mp4file.h"
 #include "platform.h"
 #include "soundlimits.h"
 #include "tagfields.h"
@@ -49,6 +50,8 @@ MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& str
         return audiocore::measureMp3(stream, media.audioBegin);
     if (media.format == AUDIO_FORMAT_AAC)
         return audiocore::measureAdts(stream, media.audioBegin);
+    if (const auto* mp4 = dynamic_cast<const audiocore::Mp4File*>(media.file.get()))
+        return mp4->sound();
     MpegStream result;
     if (const TagLib::AudioProperties* properties = media.file->audioProperties()) {
         result.milliseconds = properties->lengthInMilliseconds();
@@ -88,10 +91,9 @@ bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
     return true;
 }
 
-std::shared_ptr<const ParsedMedia> parse(const std::string& path)
+std::shared_ptr<const ParsedMedia> parse(audiocore::CheckedStream& stream, const std::string& path)
 {
     auto parsed = std::make_shared<ParsedMedia>();
-    audiocore::CheckedStream stream(path, audiocore::CheckedStream::Mode::Read);
     if (!stream.isOpen()) {
         audiocore::logLine(path, "cannot be read: " + stream.openError());
         return parsed;
@@ -100,9 +102,10 @@ std::shared_ptr<const ParsedMedia> parse(const std::string& path)
         const bool music = readInto(*parsed, stream);
         if (stream.ranDry())
             throw audiocore::EndlessReading();
-        if (music)
+        if (music && !stream.readFailed())
             return parsed;
-        audiocore::logLine(path, "holds no music that can be read");
+        audiocore::logLine(path, stream.readFailed() ? "cannot be read to its end"
+                                                     : "holds no music that can be read");
     } catch (const audiocore::EndlessReading& reason) {
         audiocore::logLine(path, reason.what());
     }
@@ -121,10 +124,17 @@ std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& pat
         if (last.media && last.path == path && last.state == state)
             return last.media;
     }
-    std::shared_ptr<const ParsedMedia> media = parse(path);
+    CheckedStream stream(path, CheckedStream::Mode::Read);
+    std::shared_ptr<const ParsedMedia> media = parse(stream, path);
     const std::lock_guard<std::mutex> lock(last.mutex);
     last.path = path;
     last.state = state;
     last.media = media;
     return media;
+}
+
+std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(std::FILE* file, const std::string& path)
+{
+    CheckedStream stream(file, path, CheckedStream::Mode::Read);
+    return parse(stream, path);
 }

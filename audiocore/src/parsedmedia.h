@@ -6,6 +6,7 @@
 
 #include <taglib/tbytevector.h>
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,4 +32,6 @@ struct ParsedMedia
 /// before the last one are forgotten, so that open objects cost nothing. Never null; a file that cannot be
 /// read has no items and no properties. Any thread.
 std::shared_ptr<const ParsedMedia> parsedMedia(const std::string& path);
+/// Reads an open file; the path is for messages alone.
+std::shared_ptr<const ParsedMedia> parsedMedia(std::FILE* file, const std::string& path);
 } // namespace audiocore

@@ -1,5 +1,7 @@
 #include "pictures.h"
 
+#include "mp4file.h"
+
 #include <taglib/apetag.h>
 #include <taglib/asftag.h>
 #include <taglib/attachedpictureframe.h>
@@ -7,8 +9,6 @@
 #include <taglib/flacpicture.h>
 #include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
-#include <taglib/mp4coverart.h>
-#include <taglib/mp4tag.h>
 #include <taglib/mpegfile.h>
 #include <taglib/oggflacfile.h>
 #include <taglib/wavfile.h>
@@ -36,6 +36,8 @@ public:
             m_chosen = bytes;
         m_front = m_front || front;
     }
+    /// One that is there and is not to be chosen.
+    void passOver() { ++m_count; }
     const ByteVector& bytes() const { return m_chosen; }
     int count() const { return m_count; }
 
@@ -70,11 +72,15 @@ void offerApe(Choice& choice, const TagLib::APE::Tag& tag)
     }
 }
 
-void offerMp4(Choice& choice, const TagLib::MP4::Tag& tag)
+/// The first one; the others are not read.
+void offerMp4(Choice& choice, audiocore::Mp4File& file)
 {
-    if (tag.contains("covr"))
-        for (const TagLib::MP4::CoverArt& cover : tag.item("covr").toCoverArtList())
-            choice.offer(cover.data(), false);
+    for (const audiocore::Mp4Value& picture : file.pictures()) {
+        if (choice.bytes().isEmpty() && picture.size > 0 && picture.size <= largestShown)
+            choice.offer(file.bytesOf(picture), false);
+        else if (picture.size > 0)
+            choice.passOver();
+    }
 }
 
 void offerAsf(Choice& choice, const TagLib::ASF::Tag& tag)
@@ -104,6 +110,8 @@ void audiocore::readPictures(const MediaFile& media, TagContent& content)
     Choice choice;
     if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(media.file.get()))
         offerFlac(choice, flac->pictureList());
+    if (auto* mp4 = dynamic_cast<Mp4File*>(media.file.get()))
+        offerMp4(choice, *mp4);
     for (TagLib::Tag* tag : tagsOf(media)) {
         if (auto* id3v2 = dynamic_cast<TagLib::ID3v2::Tag*>(tag))
             offerId3v2(choice, *id3v2);
@@ -111,8 +119,6 @@ void audiocore::readPictures(const MediaFile& media, TagContent& content)
             offerFlac(choice, xiph->pictureList());
         else if (auto* ape = dynamic_cast<TagLib::APE::Tag*>(tag))
             offerApe(choice, *ape);
-        else if (auto* mp4 = dynamic_cast<TagLib::MP4::Tag*>(tag))
-            offerMp4(choice, *mp4);
         else if (auto* asf = dynamic_cast<TagLib::ASF::Tag*>(tag))
             offerAsf(choice, *asf);
     }
@@ -138,18 +144,6 @@ ByteVector audiocore::flacPicture(const ByteVector& bytes)
     picture.setMimeType(pictureType(bytes));
     picture.setData(bytes);
     return picture.render();
-}
-
-void audiocore::setMp4Picture(TagLib::MP4::Tag& tag, const ByteVector& bytes)
-{
-    tag.removeItem("covr");
-    if (bytes.isEmpty())
-        return;
-    const bool png = pictureType(bytes) == "image/png";
-    TagLib::MP4::CoverArtList covers;
-    covers.append(
-        TagLib::MP4::CoverArt(png ? TagLib::MP4::CoverArt::PNG : TagLib::MP4::CoverArt::JPEG, bytes));
-    tag.setItem("covr", covers);
 }
 
 void audiocore::setAsfPicture(TagLib::ASF::Tag& tag, const ByteVector& bytes)

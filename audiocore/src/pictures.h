@@ -6,9 +6,6 @@ namespace TagLib {
 namespace ASF {
 class Tag;
 }
-namespace MP4 {
-class Tag;
-}
 } // namespace TagLib
 
 namespace audiocore {
@@ -22,7 +19,6 @@ void readPictures(const MediaFile& media, TagContent& content);
 std::string pictureType(const TagLib::ByteVector& bytes);
 /// The front cover as FLAC wraps it.
 TagLib::ByteVector flacPicture(const TagLib::ByteVector& bytes);
-/// These take all pictures out and put the bytes in as the front cover, unless they are empty.
-void setMp4Picture(TagLib::MP4::Tag& tag, const TagLib::ByteVector& bytes);
+/// Takes all pictures out and puts the bytes in as the front cover, unless they are empty.
 void setAsfPicture(TagLib::ASF::Tag& tag, const TagLib::ByteVector& bytes);
 } // namespace audiocore

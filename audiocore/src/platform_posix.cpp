@@ -1,184 +1,25 @@
 #include "platform.h"
 
+#include "descriptor_posix.h"
+
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
-#include <functional>
 #include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
-
-#ifdef __linux__
-#include <linux/fs.h>
-#include <sys/ioctl.h>
-#include <sys/xattr.h>
-#endif
 
 namespace platform = audiocore::platform;
 
 namespace {
-constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
-
-struct Descriptor
-{
-    explicit Descriptor(int number) : fd(number) {}
-    ~Descriptor()
-    {
-        if (fd >= 0)
-            ::close(fd);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    const int fd;
-};
-
-std::string folderOf(const std::string& path)
-{
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
-}
-
-/// What the temporary copies of a file start with. No name of music: a folder walk passes them over.
-std::string temporaryPrefix(const std::string& path)
-{
-    char hash[32];
-    std::snprintf(hash, sizeof hash, ".melodrift-%016zx-",
-                  std::hash<std::string>()(path.substr(folderOf(path).size())));
-    return hash;
-}
-
-bool copyByBlocks(int from, int to)
-{
-    std::vector<char> block(256 * 1024);
-    for (;;) {
-        const ssize_t got = ::read(from, block.data(), block.size());
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return got == 0;
-        for (ssize_t done = 0; done < got;) {
-            const ssize_t put = ::write(to, block.data() + done, size_t(got - done));
-            if (put < 0 && errno != EINTR)
-                return false;
-            done += std::max<ssize_t>(put, 0);
-        }
-    }
-}
-
-bool copyContent(int from, int to, off_t size)
-{
-#ifdef __linux__
-    if (::ioctl(to, FICLONE, from) == 0)
-        return true;
-    off_t left = size;
-    while (left > 0) {
-        const ssize_t copied = ::copy_file_range(from, nullptr, to, nullptr, size_t(left), 0);
-        if (copied <= 0)
-            break; // not supported here, or a full disk: the plain copy goes on and tells
-        left -= copied;
-    }
-    if (left == 0)
-        return true;
-#else
-    (void)size;
-#endif
-    return copyByBlocks(from, to);
-}
-
-void copyAttributes(int from, int to)
-{
-#ifdef __linux__
-    const ssize_t size = ::flistxattr(from, nullptr, 0);
-    if (size <= 0)
-        return;
-    std::vector<char> names(static_cast<size_t>(size));
-    const ssize_t listed = ::flistxattr(from, names.data(), names.size());
-    for (ssize_t at = 0; at < listed; at += ssize_t(std::strlen(&names[size_t(at)])) + 1) {
-        const char* name = &names[size_t(at)];
-        const ssize_t length = ::fgetxattr(from, name, nullptr, 0);
-        if (length < 0)
-            continue;
-        std::vector<char> value(static_cast<size_t>(length) + 1);
-        const ssize_t read = ::fgetxattr(from, name, value.data(), value.size());
-        if (read >= 0)
-            (void)!::fsetxattr(to, name, value.data(), size_t(read), 0);
-    }
-#else
-    (void)from;
-    (void)to;
-#endif
-}
-
-platform::FileState stateFrom(const struct stat& status)
-{
-    platform::FileState state;
-    state.device = status.st_dev;
-    state.inode = status.st_ino;
-    state.size = status.st_size;
-#ifdef __APPLE__
-    const timespec& modified = status.st_mtimespec;
-#else
-    const timespec& modified = status.st_mtim;
-#endif
-    state.modified = std::int64_t(modified.tv_sec) * 1000000000 + modified.tv_nsec;
-    state.links = status.st_nlink;
-    state.regular = S_ISREG(status.st_mode);
-    return state;
-}
-
-std::string reason()
-{
-    return std::strerror(errno);
-}
-
-/// Root may write everywhere; a file or folder that nobody may write stays as it is all the same.
-bool mayReplace(const std::string& path, const std::string& folder, std::string& error)
-{
-    struct stat file = {};
-    struct stat directory = {};
-    if (::stat(path.c_str(), &file) != 0 || ::stat(folder.c_str(), &directory) != 0) {
-        error = reason();
-        return false;
-    }
-    if (!(file.st_mode & anyWrite) || ::access(path.c_str(), W_OK) != 0) {
-        error = "the file is read-only";
-        return false;
-    }
-    if (!(directory.st_mode & anyWrite) || ::access(folder.c_str(), W_OK) != 0) {
-        error = "the folder is read-only";
-        return false;
-    }
-    return true;
-}
-
-/// Owner, mode and attributes of the original. Without the right to give files away the new one stays this
-/// user's.
-bool becomeLike(int original, const struct stat& status, int made)
-{
-    if (::fchmod(made, status.st_mode & 07777) != 0)
-        return false;
-    if (::fchown(made, status.st_uid, status.st_gid) != 0)
-        (void)!::fchown(made, uid_t(-1), status.st_gid);
-    copyAttributes(original, made);
-    return true;
-}
-
-void syncFolderOf(const std::string& path)
-{
-    const Descriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_CLOEXEC));
-    if (folder.fd >= 0)
-        ::fsync(folder.fd);
-}
+constexpr int leaseTries = 50;
+constexpr useconds_t leasePause = 10000;
 
 std::FILE* openWith(const std::string& path, int flags)
 {
-    const int fd = ::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    const int fd = platform::openAt(AT_FDCWD, path, flags);
     if (fd < 0)
         return nullptr;
     std::FILE* file = ::fdopen(fd, (flags & O_ACCMODE) == O_RDWR ? "r+b" : "rb");
@@ -187,41 +28,80 @@ std::FILE* openWith(const std::string& path, int flags)
     return file;
 }
 
-std::string makeBeside(const std::string& path, bool withContent, std::FILE*& lock, std::string& error)
+std::int64_t nanoseconds(const timespec& time)
 {
-    const std::string folder = folderOf(path);
-    if (!mayReplace(path, folder, error))
-        return std::string();
-
-    const Descriptor original(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status = {};
-    if (original.fd < 0 || ::fstat(original.fd, &status) != 0) {
-        error = reason();
-        return std::string();
-    }
-    std::string temporary = folder + temporaryPrefix(path) + "XXXXXX";
-    const int made = ::mkstemp(temporary.data());
-    if (made < 0) {
-        error = "no new file can be made in the folder: " + reason();
-        return std::string();
-    }
-    lock = ::fdopen(made, "r+b");
-    ::flock(made, LOCK_EX | LOCK_NB);
-    const bool whole = !withContent || copyContent(original.fd, made, status.st_size);
-    if (!whole || !becomeLike(original.fd, status, made)) {
-        error = "the new file cannot be written: " + reason();
-        std::fclose(lock);
-        lock = nullptr;
-        ::unlink(temporary.c_str());
-        return std::string();
-    }
-    return temporary;
+    return std::int64_t(time.tv_sec) * 1000000000 + time.tv_nsec;
 }
 } // namespace
 
+platform::Descriptor::~Descriptor()
+{
+    if (fd >= 0)
+        ::close(fd);
+}
+
+int platform::openAt(int folder, const std::string& name, int flags, mode_t mode)
+{
+    for (int i = 1;; ++i) {
+        const int fd = ::openat(folder, name.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, mode);
+        if (fd >= 0 || errno != EWOULDBLOCK || i == leaseTries)
+            return fd;
+        ::usleep(leasePause);
+    }
+}
+
+std::string platform::folderOf(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+}
+
+std::string platform::nameOf(const std::string& path)
+{
+    return path.substr(path.rfind('/') + 1); // npos + 1 is the beginning
+}
+
+platform::Descriptor platform::openFolderOf(const std::string& path)
+{
+    const std::string folder = folderOf(path);
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+#ifdef O_PATH
+    if (fd < 0 && errno == EACCES) // names may be used there, but not listed
+        return Descriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+#endif
+    return Descriptor(fd);
+}
+
+platform::FileState platform::stateFrom(const struct stat& status)
+{
+    FileState state;
+    state.device = status.st_dev;
+    state.inode = status.st_ino;
+    state.size = status.st_size;
+#ifdef __APPLE__
+    state.modified = nanoseconds(status.st_mtimespec);
+    state.changed = nanoseconds(status.st_ctimespec);
+#else
+    state.modified = nanoseconds(status.st_mtim);
+    state.changed = nanoseconds(status.st_ctim);
+#endif
+    state.links = status.st_nlink;
+    state.regular = S_ISREG(status.st_mode);
+    return state;
+}
+
+bool platform::stateAt(int folder, const std::string& name, FileState& state)
+{
+    struct stat status = {};
+    if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return false;
+    state = stateFrom(status);
+    return true;
+}
+
 bool platform::FileState::operator==(const FileState& other) const
 {
-    return device == other.device && inode == other.inode && size == other.size && modified == other.modified;
+    return isOf(other) && size == other.size && modified == other.modified && changed == other.changed;
 }
 
 bool platform::stateOf(const std::string& path, FileState& state)
@@ -282,6 +162,38 @@ std::size_t platform::writeAt(std::FILE* file, std::int64_t offset, const void* 
     return done;
 }
 
+bool platform::isHole(std::FILE* file, std::int64_t offset, std::int64_t count)
+{
+#ifdef SEEK_DATA
+    const off_t data = ::lseek(::fileno(file), off_t(offset), SEEK_DATA);
+    return data < 0 ? errno == ENXIO : data >= off_t(offset + count);
+#else
+    (void)file;
+    (void)offset;
+    (void)count;
+    return false;
+#endif
+}
+
+bool platform::makeHole(std::FILE* file, std::int64_t offset, std::int64_t count)
+{
+#ifdef __linux__
+    const int fd = ::fileno(file);
+    struct stat status = {};
+    if (::fstat(fd, &status) != 0)
+        return false;
+    const off_t end = off_t(offset + count);
+    if (end > status.st_size && ::ftruncate(fd, end) != 0)
+        return false;
+    return ::fallocate(fd, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, off_t(offset), off_t(count)) == 0;
+#else
+    (void)file;
+    (void)offset;
+    (void)count;
+    return false;
+#endif
+}
+
 bool platform::truncateTo(std::FILE* file, std::int64_t size)
 {
     return ::ftruncate(::fileno(file), off_t(size)) == 0;
@@ -310,66 +222,6 @@ std::string platform::realPath(const std::string& path)
 {
     const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
     return real ? std::string(real.get()) : std::string();
-}
-
-void platform::removeLeftovers(const std::string& path)
-{
-    const std::string folder = folderOf(path);
-    const std::string prefix = temporaryPrefix(path);
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
-    if (!entries)
-        return;
-    while (const dirent* entry = ::readdir(entries.get())) {
-        if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) != 0)
-            continue;
-        const std::string copy = folder + entry->d_name;
-        // A living writer holds a lock on its copy.
-        const Descriptor file(::open(copy.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (file.fd >= 0 && ::flock(file.fd, LOCK_EX | LOCK_NB) == 0)
-            ::unlink(copy.c_str());
-    }
-}
-
-std::string platform::copyBeside(const std::string& path, std::FILE*& lock, std::string& error)
-{
-    return makeBeside(path, true, lock, error);
-}
-
-std::string platform::newBeside(const std::string& path, std::FILE*& lock, std::string& error)
-{
-    return makeBeside(path, false, lock, error);
-}
-
-bool platform::createLike(const std::string& model, const std::string& path, std::string& error)
-{
-    if (!mayReplace(model, folderOf(model), error))
-        return false;
-    const Descriptor original(::open(model.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status = {};
-    if (original.fd < 0 || ::fstat(original.fd, &status) != 0) {
-        error = reason();
-        return false;
-    }
-    const Descriptor made(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (made.fd < 0 && errno != EEXIST) {
-        error = "no new file can be made in the folder: " + reason();
-        return false;
-    }
-    if (made.fd >= 0) {
-        becomeLike(original.fd, status, made.fd); // where it cannot, the file is this user's alone
-        syncFolderOf(path);
-    }
-    return true;
-}
-
-bool platform::replaceFile(const std::string& temporary, const std::string& path, std::string& error)
-{
-    if (::rename(temporary.c_str(), path.c_str()) != 0) {
-        error = reason();
-        return false;
-    }
-    syncFolderOf(path);
-    return true;
 }
 
 void platform::removeFile(const std::string& path)

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <functional>
 #include <system_error>
 
 #include <fcntl.h>
@@ -18,11 +17,6 @@ namespace {
 fs::path nativePath(const std::string& utf8)
 {
     return fs::u8path(utf8);
-}
-
-std::string reason(const std::error_code& code = std::error_code(int(GetLastError()), std::system_category()))
-{
-    return code.message();
 }
 
 platform::FileState stateFrom(const BY_HANDLE_FILE_INFORMATION& information)
@@ -60,52 +54,11 @@ OVERLAPPED placeOf(std::int64_t offset)
     place.OffsetHigh = DWORD(std::uint64_t(offset) >> 32);
     return place;
 }
-
-/// What the temporary copies of a file start with. No name of music: a folder walk passes them over.
-std::string temporaryPrefix(const fs::path& path)
-{
-    char hash[40];
-    std::snprintf(hash, sizeof hash, ".melodrift-%016zx-",
-                  std::hash<std::string>()(path.filename().u8string()));
-    return hash;
-}
-
-bool mayReplace(const fs::path& target, std::string& error)
-{
-    const DWORD attributes = GetFileAttributesW(target.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_READONLY))
-        return true;
-    error = attributes == INVALID_FILE_ATTRIBUTES ? reason() : "the file is read-only";
-    return false;
-}
-
-std::string makeBeside(const std::string& path, bool withContent, std::FILE*& lock, std::string& error)
-{
-    const fs::path target = nativePath(path);
-    if (!mayReplace(target, error))
-        return std::string();
-    const fs::path made =
-        target.parent_path() / fs::u8path(temporaryPrefix(target) + std::to_string(GetCurrentProcessId()) +
-                                          "-" + std::to_string(GetTickCount64()));
-    bool done = withContent && CopyFileW(target.c_str(), made.c_str(), TRUE);
-    if (!withContent) {
-        const HANDLE empty =
-            CreateFileW(made.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-        done = empty != INVALID_HANDLE_VALUE && CloseHandle(empty);
-    }
-    if (!done) {
-        error = "no new file can be made in the folder: " + reason();
-        return std::string();
-    }
-    // A file that is open cannot be deleted here, and one that is locked could not take the other's place.
-    lock = nullptr;
-    return made.u8string();
-}
 } // namespace
 
 bool platform::FileState::operator==(const FileState& other) const
 {
-    return device == other.device && inode == other.inode && size == other.size && modified == other.modified;
+    return isOf(other) && size == other.size && modified == other.modified && changed == other.changed;
 }
 
 bool platform::stateOf(const std::string& path, FileState& state)
@@ -155,6 +108,16 @@ std::size_t platform::writeAt(std::FILE* file, std::int64_t offset, const void* 
     return WriteFile(handleOf(file), bytes, DWORD(count), &done, &place) ? done : 0;
 }
 
+bool platform::isHole(std::FILE*, std::int64_t, std::int64_t)
+{
+    return false;
+}
+
+bool platform::makeHole(std::FILE*, std::int64_t, std::int64_t)
+{
+    return false;
+}
+
 bool platform::truncateTo(std::FILE* file, std::int64_t size)
 {
     return _chsize_s(_fileno(file), size) == 0;
@@ -183,54 +146,6 @@ std::string platform::realPath(const std::string& path)
     std::error_code failure;
     const fs::path real = fs::canonical(nativePath(path), failure);
     return failure ? std::string() : real.u8string();
-}
-
-void platform::removeLeftovers(const std::string& path)
-{
-    const fs::path target = nativePath(path);
-    const std::string prefix = temporaryPrefix(target);
-    std::error_code failure;
-    for (const fs::directory_entry& entry : fs::directory_iterator(target.parent_path(), failure))
-        if (entry.path().filename().u8string().compare(0, prefix.size(), prefix) == 0)
-            fs::remove(entry.path(), failure); // fails while its writer has it open
-}
-
-std::string platform::copyBeside(const std::string& path, std::FILE*& lock, std::string& error)
-{
-    return makeBeside(path, true, lock, error);
-}
-
-std::string platform::newBeside(const std::string& path, std::FILE*& lock, std::string& error)
-{
-    return makeBeside(path, false, lock, error);
-}
-
-bool platform::createLike(const std::string& model, const std::string& path, std::string& error)
-{
-    if (!mayReplace(nativePath(model), error))
-        return false;
-    const HANDLE made = CreateFileW(nativePath(path).c_str(), GENERIC_WRITE,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (made != INVALID_HANDLE_VALUE)
-        return CloseHandle(made);
-    if (GetLastError() == ERROR_FILE_EXISTS)
-        return true;
-    error = "no new file can be made in the folder: " + reason();
-    return false;
-}
-
-bool platform::replaceFile(const std::string& temporary, const std::string& path, std::string& error)
-{
-    // Replacing keeps more of the old file than moving does, but needs one.
-    if (GetFileAttributesW(nativePath(path).c_str()) == INVALID_FILE_ATTRIBUTES &&
-        MoveFileExW(nativePath(temporary).c_str(), nativePath(path).c_str(), MOVEFILE_WRITE_THROUGH))
-        return true;
-    if (ReplaceFileW(nativePath(path).c_str(), nativePath(temporary).c_str(), nullptr,
-                     REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr))
-        return true;
-    error = reason();
-    return false;
 }
 
 void platform::removeFile(const std::string& path)

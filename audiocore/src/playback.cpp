@@ -4,6 +4,7 @@
 #include "log.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 using audiocore::Playback;
@@ -21,9 +22,13 @@ constexpr std::int64_t bytesASecondSought = 48000;
 } // namespace
 
 Playback::Playback(std::string path, AudioFormat format, std::int64_t milliseconds, std::int64_t audioBegin)
-    : m_source(std::move(path)), m_format(format), m_audioBegin(audioBegin), m_duration(milliseconds),
-      m_thread([this] { run(); })
+    : m_source(std::move(path)), m_format(format), m_audioBegin(audioBegin), m_duration(milliseconds)
 {
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::exception& fault) {
+        fail(fault.what());
+    }
 }
 
 Playback::~Playback()
@@ -34,7 +39,8 @@ Playback::~Playback()
     }
     m_source.closed = true;
     m_work.notify_one();
-    m_thread.join();
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 Playback::Phase Playback::waitUntilOpen(std::chrono::steady_clock::time_point latest)
@@ -117,7 +123,7 @@ bool Playback::hasEnded() const
     return m_finished && !m_wishedTarget && !m_target;
 }
 
-void Playback::wake(void* playback)
+void Playback::wake(void* playback) noexcept
 {
     auto* self = static_cast<Playback*>(playback);
     {
@@ -127,7 +133,22 @@ void Playback::wake(void* playback)
     self->m_work.notify_one();
 }
 
-void Playback::run()
+void Playback::run() noexcept
+{
+    try {
+        playToTheEnd();
+    } catch (const std::exception& fault) {
+        fail(fault.what());
+    }
+}
+
+void Playback::fail(const char* fault) noexcept
+{
+    audiocore::logFailure(m_source.path, "cannot be played", fault);
+    setPhase(Phase::Failed, 0);
+}
+
+void Playback::playToTheEnd()
 {
     m_source.allowance = checked::sum(bytesToGetOn, m_audioBegin);
     PlaybackEngine engine(m_source, m_format, wake, this);
@@ -165,9 +186,8 @@ void Playback::handleEvents(PlaybackEngine& engine)
             setPhase(Phase::Ready, engine.duration());
             break;
         case PlaybackEngine::Event::Broken:
-            audiocore::logLine(m_source.path, "cannot be played: " + engine.error());
             m_enginePlays = false;
-            setPhase(Phase::Failed, 0);
+            fail(engine.error().c_str());
             break;
         case PlaybackEngine::Event::Arrived: {
             const std::lock_guard<std::mutex> lock(m_mutex);
@@ -180,7 +200,7 @@ void Playback::handleEvents(PlaybackEngine& engine)
     }
 }
 
-void Playback::setPhase(Phase phase, std::int64_t duration)
+void Playback::setPhase(Phase phase, std::int64_t duration) noexcept
 {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);

@@ -16,6 +16,7 @@ class Playback
 public:
     enum class Phase { Opening, Ready, Failed };
 
+    /// Where no thread can be made the playback has failed from the start.
     /// `milliseconds` is the length when it is known, else 0; `audioBegin` is where the tag at the file's
     /// beginning ends.
     Playback(std::string path, AudioFormat format, std::int64_t milliseconds, std::int64_t audioBegin);
@@ -38,13 +39,15 @@ public:
     std::int64_t position() const;
 
 private:
-    static void wake(void* playback);
-    void run();
+    static void wake(void* playback) noexcept;
+    void run() noexcept;
+    void playToTheEnd();
+    void fail(const char* fault) noexcept;
     void waitForWork();
     void handleEvents(PlaybackEngine& engine);
     void carryWishes(PlaybackEngine& engine);
     void look(const PlaybackEngine& engine);
-    void setPhase(Phase phase, std::int64_t duration);
+    void setPhase(Phase phase, std::int64_t duration) noexcept;
     bool hasEnded() const;
 
     SongSource m_source;
@@ -67,6 +70,6 @@ private:
     std::optional<std::int64_t> m_target; ///< of the seek that is under way
 
     bool m_enginePlays = false; ///< of the thread alone
-    std::thread m_thread;       ///< last, so that it finds everything made
+    std::thread m_thread;       ///< started when everything is made
 };
 } // namespace audiocore

@@ -2,6 +2,7 @@
 
 #include "log.h"
 #include "songstream.h"
+#include "threadroom.h"
 
 #include <mpv/client.h>
 
@@ -59,6 +60,9 @@ constexpr Option options[] = {
     {"hr-seek", "yes"},
     {"hr-seek-demuxer-offset", "1"}, // containers may lead to a place behind the target
 };
+
+/// What the engine runs at once for one song, and some more. It waits for ever when it cannot make one.
+constexpr int engineThreads = 8;
 
 /// The container's name in the engine; naming it leaves nothing to guess, and no list of other files a
 /// chance.
@@ -122,8 +126,12 @@ void PlaybackEngine::Destroy::operator()(mpv_handle* engine) const
 }
 
 PlaybackEngine::PlaybackEngine(SongSource& source, AudioFormat format, void (*wake)(void*), void* context)
-    : m_engine(mpv_create())
 {
+    if (!hasRoomForThreads(engineThreads)) {
+        m_error = "too few threads can be made for the playback engine";
+        return;
+    }
+    m_engine.reset(mpv_create());
     const char* container = containerOf(format);
     if (!m_engine || !container || !start(source, container, wake, context)) {
         m_engine.reset();

@@ -29,8 +29,14 @@ public:
         if (!memory)
             return nullptr;
         auto* handle = new (memory) Handle;
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_states[handle] = std::make_shared<State>();
+        try {
+            auto state = std::make_shared<State>();
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_states[handle] = std::move(state);
+        } catch (const std::bad_alloc&) {
+            ::operator delete(memory);
+            return nullptr;
+        }
         return handle;
     }
 

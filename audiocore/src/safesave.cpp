@@ -2,9 +2,10 @@
 
 #include "checkedstream.h"
 #include "log.h"
+#include "newfile.h"
 #include "parsedmedia.h"
 #include "pictures.h"
-#include "platform.h"
+#include "savelock.h"
 #include "tagwriting.h"
 
 #include <cstdint>
@@ -13,12 +14,15 @@
 
 using audiocore::CheckedStream;
 using audiocore::TagEdits;
+namespace platform = audiocore::platform;
+using platform::NewFile;
 
 namespace {
 constexpr std::int64_t longestShift = 100; // milliseconds
+constexpr int attempts = 5;
 const char* const noMusic = "it holds no music that can be read";
 
-using Lock = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+enum class Outcome { Saved, ChangedMeanwhile, Failed };
 
 struct Needed
 {
@@ -36,9 +40,8 @@ bool holdsMusic(const std::string& path, std::string& error)
 }
 
 /// The edits that the file needs and can take; false with a reason when it cannot be read.
-bool neededEdits(const std::string& path, const TagEdits& edits, Needed& needed, std::string& error)
+bool neededEdits(CheckedStream& stream, const TagEdits& edits, Needed& needed, std::string& error)
 {
-    CheckedStream stream(path, CheckedStream::Mode::Read);
     if (!stream.isOpen()) {
         error = stream.openError();
         return false;
@@ -58,7 +61,15 @@ bool neededEdits(const std::string& path, const TagEdits& edits, Needed& needed,
     }
     if (stream.ranDry())
         throw audiocore::EndlessReading();
-    return true;
+    if (stream.readFailed())
+        error = "it cannot be read to its end";
+    return !stream.readFailed();
+}
+
+bool neededEdits(const std::string& path, const TagEdits& edits, Needed& needed, std::string& error)
+{
+    CheckedStream stream(path, CheckedStream::Mode::Read);
+    return neededEdits(stream, edits, needed, error);
 }
 
 /// The tag library leaves the file's length in a WMA header as it was; players guess the duration from it.
@@ -78,9 +89,9 @@ void correctAsfSize(CheckedStream& stream)
 }
 
 /// Edits the copy and hands it to the device.
-bool editCopy(const std::string& copy, const TagEdits& edits, std::string& error)
+bool editCopy(const NewFile& copy, const std::string& target, const TagEdits& edits, std::string& error)
 {
-    CheckedStream stream(copy, CheckedStream::Mode::ReadWrite);
+    CheckedStream stream(copy.file(), target, CheckedStream::Mode::ReadWrite);
     if (!stream.isOpen()) {
         error = stream.openError();
         return false;
@@ -101,10 +112,11 @@ bool editCopy(const std::string& copy, const TagEdits& edits, std::string& error
 }
 
 /// Whether the copy now reads as the edits want it: the old file is not given up for one that does not.
-bool readsAsWanted(const std::string& copy, const TagEdits& edits, std::string& error)
+bool readsAsWanted(const NewFile& copy, const std::string& target, const TagEdits& edits, std::string& error)
 {
+    CheckedStream stream(copy.file(), target, CheckedStream::Mode::Read);
     Needed left;
-    if (!neededEdits(copy, edits, left, error))
+    if (!neededEdits(stream, edits, left, error))
         return false;
     if (left.edits.isEmpty())
         return true;
@@ -113,10 +125,10 @@ bool readsAsWanted(const std::string& copy, const TagEdits& edits, std::string& 
 }
 
 /// Whether the copy plays as the original does: a tag that was written over music would show here.
-bool playsAsBefore(const std::string& original, const std::string& copy, std::string& error)
+bool playsAsBefore(const NewFile& copy, const std::string& target, std::string& error)
 {
-    const auto before = audiocore::parsedMedia(original);
-    const auto after = audiocore::parsedMedia(copy);
+    const auto before = audiocore::parsedMedia(target);
+    const auto after = audiocore::parsedMedia(copy.file(), target);
     const std::int64_t shift = std::abs(after->properties.milliseconds - before->properties.milliseconds);
     if (after->format == before->format && after->properties.sampleRate == before->properties.sampleRate &&
         shift <= longestShift)
@@ -125,22 +137,46 @@ bool playsAsBefore(const std::string& original, const std::string& copy, std::st
     return false;
 }
 
-/// `target` is no link.
-bool saveChanges(const std::string& target, const TagEdits& changes, std::string& error)
+/// Writes the changes of the file in that state. `target` is no link.
+Outcome saveChanges(const std::string& target, const platform::FileState& state, const TagEdits& changes,
+                    std::string& error)
 {
-    std::FILE* lockFile = nullptr;
-    const std::string copy = audiocore::platform::copyBeside(target, lockFile, error);
-    const Lock lock(lockFile, [](std::FILE* file) { return file ? std::fclose(file) : 0; });
-    if (copy.empty())
-        return false;
-    audiocore::platform::FileState state;
-    if (audiocore::platform::stateOf(target, state) && state.links > 1)
+    const auto copy = NewFile::beside(target, NewFile::Content::Copied, error);
+    if (!copy)
+        return Outcome::Failed;
+    if (copy->original() != state)
+        return Outcome::ChangedMeanwhile;
+    if (!editCopy(*copy, target, changes, error) || !readsAsWanted(*copy, target, changes, error) ||
+        !playsAsBefore(*copy, target, error))
+        return Outcome::Failed;
+    const NewFile::Taking taking = copy->replaceOriginal(error);
+    if (taking == NewFile::Taking::Done && state.links > 1)
         audiocore::logLine(target, "has further names (hard links); they keep the tags as they were");
-    if (editCopy(copy, changes, error) && readsAsWanted(copy, changes, error) &&
-        playsAsBefore(target, copy, error) && audiocore::platform::replaceFile(copy, target, error))
-        return true;
-    audiocore::platform::removeFile(copy);
-    return false;
+    return taking == NewFile::Taking::Done               ? Outcome::Saved
+           : taking == NewFile::Taking::ChangedMeanwhile ? Outcome::ChangedMeanwhile
+                                                         : Outcome::Failed;
+}
+
+Outcome tryOnce(const std::string& path, const TagEdits& edits, Needed& needed, std::string& error)
+{
+    const std::string target = platform::realPath(path);
+    if (target.empty()) {
+        error = "there is no such file";
+        return Outcome::Failed;
+    }
+    const audiocore::SaveLock lock(target);
+    platform::removeLeftovers(target);
+    platform::FileState before;
+    platform::stateOf(target, before);
+    Outcome outcome = Outcome::Failed;
+    if (holdsMusic(target, error) && neededEdits(target, edits, needed, error))
+        outcome = needed.edits.isEmpty() ? Outcome::Saved : saveChanges(target, before, needed.edits, error);
+    if (outcome == Outcome::Saved && !needed.edits.isEmpty())
+        return outcome;
+    // What was found, or hindered the save, may have been somebody else's writing.
+    platform::FileState now;
+    const bool same = !platform::stateOf(target, now) || now == before;
+    return same ? outcome : Outcome::ChangedMeanwhile;
 }
 } // namespace
 
@@ -148,20 +184,21 @@ bool audiocore::saveEdits(const std::string& path, const TagEdits& edits)
 {
     std::string error;
     Needed needed;
-    const std::string target = platform::realPath(path);
-    if (!target.empty())
-        platform::removeLeftovers(target);
-    bool saved = false;
+    Outcome outcome = Outcome::ChangedMeanwhile;
     try {
-        saved = holdsMusic(path, error) && neededEdits(path, edits, needed, error) &&
-                (needed.edits.isEmpty() || saveChanges(target, needed.edits, error));
+        for (int i = 0; i < attempts && outcome == Outcome::ChangedMeanwhile; ++i) {
+            needed = Needed();
+            outcome = tryOnce(path, edits, needed, error);
+        }
+        if (outcome == Outcome::ChangedMeanwhile)
+            error = "other programs keep changing the file";
     } catch (const EndlessReading& reason) {
+        outcome = Outcome::Failed;
         error = reason.what();
-        platform::removeLeftovers(target); // the copy's lock is gone, too
     }
-    if (!saved)
+    if (outcome != Outcome::Saved)
         logLine(path, "the tag was not saved: " + error);
     else if (!needed.leftOut.empty())
         logLine(path, needed.leftOut);
-    return saved && needed.leftOut.empty();
+    return outcome == Outcome::Saved && needed.leftOut.empty();
 }

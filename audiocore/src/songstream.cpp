@@ -24,7 +24,7 @@ Song* songOf(void* cookie)
     return static_cast<Song*>(cookie);
 }
 
-std::int64_t read(void* cookie, char* bytes, std::uint64_t count)
+std::int64_t read(void* cookie, char* bytes, std::uint64_t count) noexcept
 {
     Song* song = songOf(cookie);
     if (song->source.closed || song->source.allowance <= 0)
@@ -36,27 +36,27 @@ std::int64_t read(void* cookie, char* bytes, std::uint64_t count)
     return got;
 }
 
-std::int64_t seek(void* cookie, std::int64_t position)
+std::int64_t seek(void* cookie, std::int64_t position) noexcept
 {
     if (position < 0)
         return MPV_ERROR_GENERIC;
     return songOf(cookie)->position = position;
 }
 
-std::int64_t size(void* cookie)
+std::int64_t size(void* cookie) noexcept
 {
     platform::FileState state;
     return platform::stateOf(songOf(cookie)->file, state) ? state.size : std::int64_t(MPV_ERROR_GENERIC);
 }
 
-void close(void* cookie)
+void close(void* cookie) noexcept
 {
     const std::unique_ptr<Song> song(songOf(cookie));
     std::fclose(song->file);
 }
 
 /// Looks at the opened file itself, so that nothing else can take its place in between.
-int open(void* offered, char*, mpv_stream_cb_info* info)
+int open(void* offered, char*, mpv_stream_cb_info* info) noexcept
 {
     SongSource& source = *static_cast<SongSource*>(offered);
     std::FILE* file = platform::openFile(source.path, false);
@@ -67,11 +67,12 @@ int open(void* offered, char*, mpv_stream_cb_info* info)
         std::fclose(file);
         return MPV_ERROR_LOADING_FAILED;
     }
+    // The engine is no C++: nothing is thrown through it.
     std::optional<audiocore::SoundView> view = audiocore::SoundView::of(source.path);
     Song* song = view ? new (std::nothrow) Song{source, file, std::move(*view)} : nullptr;
     if (!song) {
         std::fclose(file);
-        return MPV_ERROR_LOADING_FAILED;
+        return view ? MPV_ERROR_NOMEM : MPV_ERROR_LOADING_FAILED;
     }
     *info = {};
     info->cookie = song;

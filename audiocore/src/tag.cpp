@@ -38,11 +38,11 @@ bool isText(std::int32_t type)
 }
 
 /// Keeps the last item's bytes alive for the caller; one reading per thread, however many objects are open.
-const ParsedMedia& lend(std::shared_ptr<const ParsedMedia> media)
+std::shared_ptr<const ParsedMedia> lend(std::shared_ptr<const ParsedMedia> media)
 {
     thread_local std::shared_ptr<const ParsedMedia> lent;
     lent = std::move(media);
-    return *lent;
+    return lent;
 }
 
 class Tag final : public IAudioTag
@@ -92,10 +92,10 @@ public:
         const TagItem none{-1, -1, 0, 0, nullptr};
         if (own->path.empty() || index < 0)
             return none;
-        const ParsedMedia& media = lend(own->parsed());
-        if (size_t(index) >= media.items.size())
+        const std::shared_ptr<const ParsedMedia> media = lend(own->parsed());
+        if (size_t(index) >= media->items.size())
             return none;
-        const ParsedMedia::Item& item = media.items[size_t(index)];
+        const ParsedMedia::Item& item = media->items[size_t(index)];
         if (item.type == TAG_PICTURE)
             return {index, item.type, 1, std::int32_t(item.picture.size()),
                     const_cast<char*>(item.picture.data())};

@@ -4,7 +4,7 @@
 #include "audiocore/tagitem.h"
 #include "commentbytes.h"
 #include "id3v2bytes.h"
-#include "mp4writing.h"
+#include "mp4file.h"
 #include "pictures.h"
 #include "taglimits.h"
 #include "tagplaces.h"
@@ -12,8 +12,8 @@
 
 #include <taglib/apetag.h>
 #include <taglib/asftag.h>
+#include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
-#include <taglib/mp4tag.h>
 #include <taglib/textidentificationframe.h>
 #include <taglib/tpropertymap.h>
 #include <taglib/xiphcomment.h>
@@ -30,8 +30,6 @@ const char* const propertyNames[audiocore::textTypes] = {"TITLE", "ARTIST", "ALB
 const char* const id3v2Frames[audiocore::textTypes] = {"TIT2", "TPE1", "TALB", "TCON", "TDRC", "TRCK"};
 
 const char* const apeKeys[audiocore::textTypes] = {"TITLE", "ARTIST", "ALBUM", "GENRE", "YEAR", "TRACK"};
-const char* const mp4Names[audiocore::textTypes] = {"\251nam", "\251ART", "\251alb",
-                                                    "\251gen", "\251day", ""};
 
 std::string shownText(int type, const std::string& text)
 {
@@ -71,13 +69,26 @@ TagLib::PropertyMap propertiesOf(const TagLib::Tag& tag)
     }
     if (const auto* xiph = dynamic_cast<const TagLib::Ogg::XiphComment*>(&tag))
         return xiph->properties();
-    if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Tag*>(&tag))
-        return mp4->properties();
     if (const auto* ape = dynamic_cast<const TagLib::APE::Tag*>(&tag))
         return ape->properties();
     if (const auto* asf = dynamic_cast<const TagLib::ASF::Tag*>(&tag))
         return asf->properties();
     return tag.properties();
+}
+
+TagLib::PropertyMap propertiesOf(audiocore::Mp4File& file)
+{
+    TagLib::PropertyMap properties;
+    for (int type = 0; type < audiocore::textTypes; ++type)
+        properties.insert(propertyNames[type], file.texts(type));
+    return properties;
+}
+
+void addValues(TagContent& content, const TagLib::PropertyMap& properties)
+{
+    for (int type = 0; type < audiocore::textTypes; ++type)
+        if (content.texts[size_t(type)].empty())
+            content.texts[size_t(type)] = valueOf(properties, type);
 }
 
 /// Sets what is still empty, by type, from what `textOf` finds.
@@ -131,17 +142,13 @@ void addUnreadTexts(TagContent& content, const audiocore::MediaFile& media, cons
     };
     if (const auto* id3v2 = dynamic_cast<const TagLib::ID3v2::Tag*>(&tag)) {
         const auto contains = [id3v2](const char* id) { return !id3v2->frameList(id).isEmpty(); };
-        if (unread(contains, id3v2Frames))
+        if (unread(contains, id3v2Frames) || id3v2->header()->majorVersion() == 2)
             if (const auto bytes = parsed<audiocore::Id3v2Bytes>(audiocore::id3v2Bytes(file)))
-                addTexts(content, [&bytes](int type) { return bytes->wronglyMarkedText(type); });
+                addTexts(content, [&bytes](int type) { return bytes->unreadText(type); });
     } else if (const auto* ape = dynamic_cast<const TagLib::APE::Tag*>(&tag)) {
         const auto contains = [ape](const char* key) { return ape->itemListMap().contains(key); };
         if (unread(contains, apeKeys))
             addTextsOf(content, parsed<audiocore::ApeBytes>(bytesAt(file, audiocore::findApe(file))));
-    } else if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Tag*>(&tag)) {
-        const auto contains = [mp4](const char* name) { return *name && mp4->contains(name); };
-        if (unread(contains, mp4Names))
-            addTexts(content, [&file](int type) { return audiocore::mp4Text(file, type); });
     } else if (dynamic_cast<const TagLib::Ogg::XiphComment*>(&tag)) {
         // It leaves no trace of them here.
         addTextsOf(content, audiocore::CommentBytes::parse(audiocore::commentBytes(media)));
@@ -158,11 +165,10 @@ bool TagEdits::isEmpty() const
 TagContent audiocore::readTags(const MediaFile& media)
 {
     TagContent content;
+    if (auto* mp4 = dynamic_cast<Mp4File*>(media.file.get()))
+        addValues(content, propertiesOf(*mp4));
     for (TagLib::Tag* tag : tagsOf(media)) {
-        const TagLib::PropertyMap properties = propertiesOf(*tag);
-        for (int type = 0; type < textTypes; ++type)
-            if (content.texts[size_t(type)].empty())
-                content.texts[size_t(type)] = valueOf(properties, type);
+        addValues(content, propertiesOf(*tag));
         addUnreadTexts(content, media, *tag);
     }
     readPictures(media, content);
@@ -173,9 +179,10 @@ TagEdits audiocore::changesOf(const TagEdits& edits, const TagContent& content)
 {
     TagEdits changes;
     for (size_t type = 0; type < size_t(textTypes); ++type) {
-        if (!edits.texts[type])
+        const auto& edit = edits.texts[type];
+        if (!edit)
             continue;
-        const std::string shown = shownText(int(type), *edits.texts[type]);
+        const std::string shown = shownText(int(type), *edit);
         if (shown != content.texts[type])
             changes.texts[type] = shown;
     }

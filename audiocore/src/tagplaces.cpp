@@ -52,19 +52,19 @@ Place audiocore::findId3v2(TagLib::File& file)
     auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file);
     if (size == 0 && mpeg && mpeg->hasID3v2Tag()) {
         // Behind some rubbish.
-        begin = std::max(file.find("ID3"), 0L);
+        begin = std::max(long(file.find("ID3")), 0L);
         size = Id3v2Bytes::sizeByHeader(read(file, begin, headerSize));
     }
-    return size > 0 ? Place{begin, std::min(long(size), file.length() - begin)} : Place();
+    return size > 0 ? Place{begin, std::min(long(size), long(file.length()) - begin)} : Place();
 }
 
 Place audiocore::findId3v1(TagLib::File& file)
 {
-    const long begin = std::max(0L, file.length() - id3v1Size);
+    const long begin = std::max(0L, long(file.length()) - id3v1Size);
     const ByteVector tag = read(file, begin, id3v1Size);
     if (long(tag.size()) == id3v1Size && tag.startsWith("TAG"))
         return {begin, id3v1Size};
-    return {file.length(), 0};
+    return {long(file.length()), 0};
 }
 
 Place audiocore::findApe(TagLib::File& file)
@@ -181,8 +181,8 @@ void FlacBlocks::setPicture(const ByteVector& bytes)
     std::optional<Block> picture;
     if (!bytes.isEmpty())
         picture = Block{pictureBlock, bytes};
-    replaceFields(
-        m_blocks, [](const Block& block) { return block.type == pictureBlock; }, picture);
+    const auto isOld = [](const Block& block) { return block.type == pictureBlock; };
+    replaceFields(m_blocks, isOld, picture);
 }
 
 bool FlacBlocks::write(TagLib::File& file) const

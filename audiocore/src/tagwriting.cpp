@@ -5,6 +5,7 @@
 #include "commentbytes.h"
 #include "id3v2bytes.h"
 #include "infobytes.h"
+#include "mp4file.h"
 #include "mp4writing.h"
 #include "oggpacket.h"
 #include "pictures.h"
@@ -18,7 +19,6 @@
 #include <taglib/asftag.h>
 #include <taglib/flacfile.h>
 #include <taglib/id3v1genres.h>
-#include <taglib/mp4file.h>
 #include <taglib/mpegfile.h>
 #include <taglib/oggfile.h>
 
@@ -171,9 +171,9 @@ std::string writeOgg(TagLib::Ogg::File& file, const audiocore::MediaFile& media,
     if (audiocore::oggComments(*media.stream, media.audioBegin, audiocore::mostTagBytesWritten).empty())
         return cannotBeKept;
     std::optional<audiocore::CommentPacket> packet = audiocore::CommentPacket::find(file);
-    std::optional<audiocore::CommentBytes> comment;
-    if (packet)
-        comment = audiocore::CommentBytes::parse(packet->comment);
+    if (!packet)
+        return cannotBeKept;
+    std::optional<audiocore::CommentBytes> comment = audiocore::CommentBytes::parse(packet->comment);
     if (!comment)
         return cannotBeKept;
     comment->apply(edits.own);
@@ -250,8 +250,8 @@ void setAsfText(TagLib::ASF::Tag& tag, int type, const std::string& value)
 bool writeAsf(TagLib::ASF::File& file, const TagEdits& edits)
 {
     for (int type = 0; type < audiocore::textTypes; ++type)
-        if (edits.texts[size_t(type)])
-            setAsfText(*file.tag(), type, *edits.texts[size_t(type)]);
+        if (const auto& text = edits.texts[size_t(type)])
+            setAsfText(*file.tag(), type, *text);
     if (edits.picture)
         audiocore::setAsfPicture(*file.tag(), *edits.picture);
     return file.save();
@@ -273,8 +273,8 @@ std::string audiocore::writeTags(const MediaFile& media, const TagEdits& edits)
         return writeOgg(*ogg, media, all);
     if (auto* wav = dynamic_cast<WavFile*>(&file))
         return writeWav(*wav, all);
-    if (auto* mp4 = dynamic_cast<TagLib::MP4::File*>(&file))
-        return writeMp4(file, *mp4->tag(), edits) ? std::string() : refused;
+    if (auto* mp4 = dynamic_cast<Mp4File*>(&file))
+        return writeMp4(*mp4, edits) ? std::string() : cannotBeKept;
     auto* asf = dynamic_cast<TagLib::ASF::File*>(&file);
     if (asf && !media.isWhole)
         return cannotBeKept;

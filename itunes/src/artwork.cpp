@@ -1,17 +1,15 @@
 #include "artwork.h"
 
 #include "libraryreading.h"
-#include "platform.h"
+#include "newfile.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string_view>
 
 using itunes::Artwork;
-namespace fs = std::filesystem;
 namespace platform = audiocore::platform;
+using platform::NewFile;
 
 namespace {
 constexpr std::int64_t largestPicture = 64 * 1024 * 1024;
@@ -21,12 +19,25 @@ std::pair<std::size_t, std::size_t> keyOf(const std::vector<char>& picture)
     return {std::hash<std::string_view>()({picture.data(), picture.size()}), picture.size()};
 }
 
-bool writeFile(const std::vector<char>& bytes, const fs::path& path)
+std::unique_ptr<NewFile> writtenFile(const std::vector<char>& bytes, const std::string& path)
 {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file.write(bytes.data(), std::streamsize(bytes.size()));
-    file.close();
-    return !file.fail();
+    std::string error;
+    auto file = NewFile::forName(path, error);
+    return file && platform::writeAt(file->file(), 0, bytes.data(), bytes.size()) == bytes.size()
+               ? std::move(file)
+               : nullptr;
+}
+
+/// The bytes of an open file; nothing when it is too large or cannot be read.
+std::optional<std::vector<char>> contentOf(std::FILE* file)
+{
+    platform::FileState state;
+    if (!platform::stateOf(file, state) || !state.regular || state.size > largestPicture)
+        return std::nullopt;
+    std::vector<char> bytes(std::size_t(state.size));
+    if (platform::readAt(file, 0, bytes.data(), bytes.size()) != bytes.size())
+        return std::nullopt;
+    return bytes;
 }
 } // namespace
 
@@ -50,37 +61,29 @@ std::optional<std::vector<char>> itunes::pictureFile(const std::string& path)
     if (path.empty() || !platform::stateOf(path, state) || !state.regular)
         return std::vector<char>();
     const File file(platform::openFile(path, false));
-    if (!file || state.size > largestPicture)
-        return std::nullopt;
-    std::vector<char> bytes(std::size_t(state.size));
-    if (platform::readAt(file.get(), 0, bytes.data(), bytes.size()) != bytes.size())
-        return std::nullopt;
-    return bytes;
+    return file ? contentOf(file.get()) : std::nullopt;
 }
 
 bool Artwork::write(const std::vector<char>& picture, const std::string& path)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const std::string part = path + ".part" + std::to_string(m_count++);
-    std::error_code failure;
-    bool done = link(picture, part) || writeFile(picture, fs::u8path(part));
-    if (done) {
-        fs::rename(fs::u8path(part), fs::u8path(path), failure);
-        done = !failure;
-    }
-    if (done)
-        m_files[keyOf(picture)] = path;
-    // Also after success: between two names of one file nothing is renamed.
-    fs::remove(fs::u8path(part), failure);
-    return done;
+    std::string error;
+    std::unique_ptr<NewFile> file = linkTo(picture, path);
+    if (!file)
+        file = writtenFile(picture, path);
+    if (!file || file->takeName(path, error) != NewFile::Taking::Done)
+        return false;
+    m_files[keyOf(picture)] = path;
+    return true;
 }
 
-bool Artwork::link(const std::vector<char>& picture, const std::string& path)
+std::unique_ptr<NewFile> Artwork::linkTo(const std::vector<char>& picture, const std::string& path)
 {
     const auto known = m_files.find(keyOf(picture));
-    if (known == m_files.end() || pictureFile(known->second) != picture)
-        return false;
-    std::error_code failure;
-    fs::create_hard_link(fs::u8path(known->second), fs::u8path(path), failure);
-    return !failure;
+    if (known == m_files.end())
+        return nullptr;
+    std::string error;
+    const File file(platform::openFile(known->second, false));
+    return file && contentOf(file.get()) == picture ? NewFile::linkOf(file.get(), known->second, path, error)
+                                                    : nullptr;
 }

@@ -1,11 +1,16 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+namespace audiocore::platform {
+class NewFile;
+}
 
 namespace itunes {
 /// Writes pictures to files that appear whole or not at all; equal ones are further names of one file. Calls
@@ -16,10 +21,10 @@ public:
     bool write(const std::vector<char>& picture, const std::string& path);
 
 private:
-    bool link(const std::vector<char>& picture, const std::string& path);
+    std::unique_ptr<audiocore::platform::NewFile> linkTo(const std::vector<char>& picture,
+                                                         const std::string& path);
 
     std::mutex m_mutex;
-    unsigned m_count = 0;
     /// The last file of each picture, by hash and size.
     std::map<std::pair<std::size_t, std::size_t>, std::string> m_files;
 };

@@ -114,6 +114,9 @@ unsigned characterAt(const std::string& text, std::size_t& at)
 
 ByteSource::ByteSource(std::FILE* file) : m_file(file)
 {
+    audiocore::platform::FileState state;
+    if (audiocore::platform::stateOf(file, state))
+        m_size = state.size;
     char bytes[longestDeclaration];
     const std::string_view head(bytes, audiocore::platform::readAt(file, 0, bytes, sizeof bytes));
     const std::string_view declared = declaredEncoding(head);
@@ -125,7 +128,14 @@ std::size_t ByteSource::read(char* bytes, std::size_t count)
 {
     if (m_encoding != Encoding::Utf8)
         return readUtf16(bytes, count);
-    const std::size_t got = audiocore::platform::readAt(m_file, m_offset, bytes, count);
+    return readBytes(bytes, count);
+}
+
+std::size_t ByteSource::readBytes(void* bytes, std::size_t count)
+{
+    const std::int64_t left = std::max<std::int64_t>(m_size - m_offset, 0);
+    const std::size_t wanted = std::size_t(std::min<std::uint64_t>(count, std::uint64_t(left)));
+    const std::size_t got = audiocore::platform::readAt(m_file, m_offset, bytes, wanted);
     m_offset += std::int64_t(got);
     return got;
 }
@@ -136,9 +146,7 @@ void ByteSource::fill()
     m_at = 0;
     const std::size_t left = m_raw.size();
     m_raw.resize(left + rawBlock);
-    const std::size_t got = audiocore::platform::readAt(m_file, m_offset, m_raw.data() + left, rawBlock);
-    m_raw.resize(left + got);
-    m_offset += std::int64_t(got);
+    m_raw.resize(left + readBytes(m_raw.data() + left, rawBlock));
 }
 
 unsigned ByteSource::unitAt(std::size_t index) const

@@ -21,18 +21,22 @@ public:
     Encoding encoding() const { return m_encoding; }
     /// Whether the file says to be in another encoding: then only ASCII may be put into it.
     bool isDeclaredOther() const { return m_declaredOther; }
-    /// The bytes read; 0 at the end, never for want of room: `count` is at least 8.
+    static constexpr std::size_t leastRoom = 8;
+    /// The bytes read; 0 at the end, never for want of room: `count` is at least leastRoom. The end is where
+    /// it was in the beginning: what another program adds meanwhile is not read.
     std::size_t read(char* bytes, std::size_t count);
 
 private:
     std::size_t readUtf16(char* bytes, std::size_t count);
     unsigned unitAt(std::size_t index) const;
     void fill();
+    std::size_t readBytes(void* bytes, std::size_t count);
 
     std::FILE* m_file;
     Encoding m_encoding = Encoding::Utf8;
     bool m_declaredOther = false;
     std::int64_t m_offset = 0;
+    std::int64_t m_size = 0;
     std::vector<unsigned char> m_raw; ///< UTF-16 that waits
     std::size_t m_at = 0;
 };

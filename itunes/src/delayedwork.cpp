@@ -1,5 +1,10 @@
 #include "delayedwork.h"
 
+#include "log.h"
+
+#include <exception>
+#include <utility>
+
 using itunes::DelayedWork;
 
 DelayedWork::DelayedWork(std::function<void()> work, std::chrono::milliseconds pause)
@@ -27,8 +32,19 @@ void DelayedWork::askAfter(std::chrono::milliseconds pause)
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_due = Clock::now() + pause;
     if (!m_thread.joinable())
-        m_thread = std::thread([this] { run(); });
+        startThread();
     m_changed.notify_one();
+}
+
+void DelayedWork::startThread()
+{
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::exception& fault) {
+        if (!std::exchange(m_toldShortage, true))
+            audiocore::logFailure("the music library", "changes wait, no thread can be made to write them",
+                                  fault.what());
+    }
 }
 
 void DelayedWork::stop()

@@ -8,7 +8,7 @@
 
 namespace itunes {
 /// Does a piece of work in the background once the reasons for it have paused. The thread lives from the
-/// first reason to stop().
+/// first reason to stop(). The work must not throw.
 class DelayedWork
 {
 public:
@@ -17,7 +17,8 @@ public:
     DelayedWork(const DelayedWork&) = delete;
     DelayedWork& operator=(const DelayedWork&) = delete;
 
-    /// There is a reason to work; each call begins the pause anew.
+    /// There is a reason to work; each call begins the pause anew. Where the system makes no thread, that is
+    /// logged, and the work waits for a later call that finds one.
     void ask();
     /// The same without any pause.
     void askAtOnce();
@@ -29,6 +30,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void startThread();
     void run();
 
     const std::function<void()> m_work;
@@ -38,5 +40,6 @@ private:
     std::thread m_thread;
     Clock::time_point m_due = Clock::time_point::max();
     bool m_ending = false;
+    bool m_toldShortage = false; ///< of threads
 };
 } // namespace itunes

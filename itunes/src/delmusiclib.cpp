@@ -3,7 +3,10 @@
 #include "musiclibrary.h"
 
 #ifdef __APPLE__
+#include "log.h"
+
 #include <cerrno>
+#include <exception>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <thread>
@@ -29,10 +32,14 @@ bool startedProgram(const char* bundle)
 /// Older systems have the music program under its former name.
 void startMusicProgram()
 {
-    std::thread([] {
-        if (!startedProgram("com.apple.Music"))
-            startedProgram("com.apple.iTunes");
-    }).detach();
+    try {
+        std::thread([] {
+            if (!startedProgram("com.apple.Music"))
+                startedProgram("com.apple.iTunes");
+        }).detach();
+    } catch (const std::exception& fault) {
+        audiocore::logFailure("the music program", "is not started", fault.what());
+    }
 }
 } // namespace
 #else

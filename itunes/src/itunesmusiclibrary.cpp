@@ -9,6 +9,11 @@ void GetMusicInfo(iTunesTrackRecord** records, int* count)
     MusicLibrary::instance().read(records, count);
 }
 
+const char* iTunesLibraryProblem()
+{
+    return MusicLibrary::instance().problem();
+}
+
 void setITunesLibraryOption(const char* path)
 {
     MusicLibrary::instance().setOption(path ? path : "");

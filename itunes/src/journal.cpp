@@ -1,80 +1,30 @@
 #include "journal.h"
 
-#include "hash.h"
-#include "librarywalk.h"
+#include "keptfile.h"
 #include "log.h"
-#include "platform.h"
+#include "newfile.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cinttypes>
 #include <cstring>
-#include <vector>
 
 using itunes::Journal;
-using itunes::TrackChanges;
+using itunes::JournalRecord;
 namespace platform = audiocore::platform;
+using platform::NewFile;
 
 namespace {
 constexpr std::int64_t roomStep = 64 * 1024;
-constexpr std::int64_t largestJournal = 512 * 1024 * 1024;
-constexpr std::string_view firstLine = "melodrift journal 1\n";
-constexpr char counts = '+';
-constexpr char countsNotYet = '?';
-constexpr std::size_t editFields = 7; // word, identifier, four texts, year
-
-std::string hexadecimal(std::uint64_t number)
-{
-    char digits[17];
-    std::snprintf(digits, sizeof digits, "%016" PRIX64, number);
-    return digits;
-}
-
-/// The text without line feeds and tabs, which part the lines and their fields.
-std::string quoted(const std::string& text)
-{
-    std::string out;
-    for (const char c : text) {
-        if (c == '\\')
-            out += "\\\\";
-        else if (c == '\n')
-            out += "\\n";
-        else if (c == '\t')
-            out += "\\t";
-        else
-            out += c;
-    }
-    return out;
-}
-
-std::string unquoted(std::string_view text)
-{
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\' || i + 1 == text.size()) {
-            out += text[i];
-            continue;
-        }
-        const char next = text[++i];
-        out += next == 'n' ? '\n' : next == 't' ? '\t' : next;
-    }
-    return out;
-}
-
-std::vector<std::string_view> fieldsOf(std::string_view line)
-{
-    std::vector<std::string_view> fields;
-    for (;;) {
-        const std::size_t tab = line.find('\t');
-        fields.push_back(line.substr(0, tab));
-        if (tab == std::string_view::npos)
-            return fields;
-        line.remove_prefix(tab + 1);
-    }
-}
+// A journal within both is read in a moment and in little memory.
+constexpr std::int64_t largestJournal = 16 * 1024 * 1024;
+constexpr std::size_t mostRecords = 100000;
+constexpr std::string_view firstLine = "melodrift journal 2\n";
+constexpr std::string_view formerFirstLine = "melodrift journal 1\n";
 
 bool beginsAJournal(std::string_view content)
 {
-    return content.substr(0, firstLine.size()) == firstLine;
+    const std::string_view begin = content.substr(0, firstLine.size());
+    return begin == firstLine || begin == formerFirstLine;
 }
 
 /// Whether nothing was ever answered in it: a kill or a power cut came before the first line was there.
@@ -82,46 +32,43 @@ bool isBlank(std::string_view content)
 {
     const std::size_t last = content.find_last_not_of(std::string_view("\n\0", 2));
     const std::string_view begun = content.substr(0, last == std::string_view::npos ? 0 : last + 1);
-    return firstLine.substr(0, begun.size()) == begun;
+    return firstLine.substr(0, begun.size()) == begun || formerFirstLine.substr(0, begun.size()) == begun;
 }
 
-/// The record of a line that is whole; empty for another.
-std::string_view recordOf(std::string_view line)
+/// Lines that are not whole. Line feeds take their place, so that they do not look damaged once others
+/// follow.
+class BrokenLines
 {
-    const std::size_t checksum = line.rfind('\t');
-    if (line.empty() || (line[0] != counts && line[0] != countsNotYet) ||
-        checksum == std::string_view::npos || checksum == 0)
-        return {};
-    const std::string_view record = line.substr(1, checksum - 1);
-    return line.substr(checksum + 1) == hexadecimal(itunes::hashOf(record)) ? record : std::string_view();
-}
+public:
+    void add(std::string& lines, std::size_t begin, std::size_t end)
+    {
+        if (m_count++ == 0)
+            m_begin = begin;
+        m_end = end;
+        std::fill(lines.begin() + std::ptrdiff_t(begin), lines.begin() + std::ptrdiff_t(end), '\n');
+    }
+    std::size_t count() const { return m_count; }
+    /// Puts the line feeds into the file at one stroke.
+    bool write(std::FILE* file, const std::string& lines) const
+    {
+        const std::size_t size = m_end - m_begin;
+        return platform::writeAt(file, std::int64_t(m_begin), lines.data() + m_begin, size) == size;
+    }
 
-void mergeRecord(std::string_view record, TrackChanges& changes)
+private:
+    std::size_t m_count = 0;
+    std::size_t m_begin = 0; // of the first one
+    std::size_t m_end = 0;   // of the last one
+};
+
+void merge(const JournalRecord& record, itunes::TrackChanges& changes)
 {
-    const std::vector<std::string_view> fields = fieldsOf(record);
-    const std::uint64_t id = fields.size() > 1 ? itunes::identifierOf(fields[1]) : 0;
-    if (id == 0)
-        return;
-    if (fields[0] == "delete")
-        itunes::mergeDeletion(changes, id);
-    else if (fields[0] == "edit" && fields.size() == editFields)
-        itunes::mergeEdit(changes, id,
-                          {unquoted(fields[2]), unquoted(fields[3]), unquoted(fields[4]), unquoted(fields[5]),
-                           std::int32_t(itunes::numberOf(fields[6]))});
+    if (record.deletes)
+        itunes::mergeDeletion(changes, record.id);
+    else
+        itunes::mergeEdit(changes, record.id, record.edit);
 }
 } // namespace
-
-void itunes::mergeDeletion(TrackChanges& changes, std::uint64_t id)
-{
-    changes[id] = {true, TrackEdit()};
-}
-
-void itunes::mergeEdit(TrackChanges& changes, std::uint64_t id, const TrackEdit& edit)
-{
-    TrackChange& change = changes[id];
-    if (!change.deleted)
-        change.edit = edit;
-}
 
 Journal::Journal(const std::string& libraryPath)
     : m_library(libraryPath), m_path(libraryPath + ".melodrift-journal")
@@ -134,7 +81,12 @@ bool Journal::exists() const
     return isOpen() || platform::stateOf(m_path, state);
 }
 
-bool Journal::open(TrackChanges& changes, std::string& error)
+bool Journal::isFull() const
+{
+    return m_records >= mostRecords || m_end > largestJournal - 2 * roomStep;
+}
+
+bool Journal::open(JournalContent& content, std::string& error)
 {
     constexpr int attempts = 10;
     for (int i = 0; i < attempts && !isOpen(); ++i) {
@@ -142,7 +94,7 @@ bool Journal::open(TrackChanges& changes, std::string& error)
             return false;
         if (!isTheFileAtItsPath()) {
             m_file.reset(); // its former owner has just removed it
-        } else if (!load(changes, error)) {
+        } else if (!load(content, error)) {
             m_file.reset();
             return false;
         }
@@ -154,7 +106,7 @@ bool Journal::open(TrackChanges& changes, std::string& error)
 
 bool Journal::openOnce(std::string& error)
 {
-    if (!exists() && !platform::createLike(m_library, m_path, error))
+    if (!exists() && !createPrivate(m_path, m_library, error))
         return false;
     m_file.reset(platform::openNoLink(m_path));
     if (!m_file) {
@@ -162,12 +114,14 @@ bool Journal::openOnce(std::string& error)
         error = "the journal cannot be opened: " + reason;
         return false;
     }
-    if (!platform::lockFile(m_file.get())) {
+    if (ownerOf(m_file.get(), m_library) == Owner::Other)
+        error = "the file at the journal's name belongs to another user";
+    else if (!platform::lockFile(m_file.get()))
         error = "another program is changing the library";
-        m_file.reset();
-        return false;
-    }
-    return true;
+    else
+        return true;
+    m_file.reset();
+    return false;
 }
 
 bool Journal::isTheFileAtItsPath() const
@@ -178,7 +132,7 @@ bool Journal::isTheFileAtItsPath() const
            own.device == there.device && own.inode == there.inode;
 }
 
-bool Journal::load(TrackChanges& changes, std::string& error)
+bool Journal::load(JournalContent& content, std::string& error)
 {
     platform::FileState state;
     if (!platform::stateOf(m_file.get(), state) || !state.regular || state.links > 1 ||
@@ -188,90 +142,103 @@ bool Journal::load(TrackChanges& changes, std::string& error)
     }
     std::string lines(std::size_t(state.size), '\0');
     lines.resize(platform::readAt(m_file.get(), 0, lines.data(), lines.size()));
-    m_room = std::int64_t(lines.size());
-    m_end = 0;
-    if (beginsAJournal(lines))
-        return readLines(lines, changes, error);
-    if (isBlank(lines) && platform::truncateTo(m_file.get(), 0)) {
-        m_room = 0;
-        return true;
+    const bool blank = isBlank(lines);
+    if (!blank && !beginsAJournal(lines)) {
+        error = "the file at the journal's name is no journal";
+        return false;
     }
-    error = "the file at the journal's name is no journal";
-    return false;
+    // One of the library's owner only he can make so; he could block others in other ways, too.
+    if (!makePrivate(m_file.get()) && isTheUsers()) {
+        error = "the journal cannot be kept from others";
+        return false;
+    }
+    m_room = blank ? 0 : std::int64_t(lines.size());
+    m_end = m_begun = 0;
+    m_records = 0;
+    if (!blank)
+        return readLines(lines, content, error);
+    error = "the journal cannot be written";
+    return platform::truncateTo(m_file.get(), 0);
 }
 
-bool Journal::readLines(const std::string& lines, TrackChanges& changes, std::string& error)
+bool Journal::readLines(std::string& lines, JournalContent& content, std::string& error)
 {
-    std::vector<std::pair<std::size_t, std::size_t>> broken;
-    std::size_t damaged = 0; // those with a whole one behind
+    JournalContent found;
+    BrokenLines broken;
+    bool endsBroken = false;
     m_end = std::int64_t(firstLine.size());
     for (std::size_t at = firstLine.size(), end = 0; at < lines.size(); at = end + 1) {
         end = std::min(lines.find('\n', at), lines.size());
-        const std::string_view record = recordOf(std::string_view(lines).substr(at, end - at));
-        if (!record.empty()) {
-            m_end = std::int64_t(end) + 1;
-            damaged = broken.size();
-            if (lines[at] == counts)
-                mergeRecord(record, changes);
-        } else if (end > at) {
-            broken.emplace_back(at, end);
-        }
-    }
-    if (damaged > 0 && !keepDamaged(damaged, error))
-        return false;
-    if (m_end > m_room) { // the last line lacks its line feed
-        broken.emplace_back(std::size_t(m_room), std::size_t(m_end));
-        m_room = m_end;
-    }
-    // A torn line must not look like a damaged one when others follow.
-    for (const auto& [begin, end] : broken) {
-        if (blank(begin, end))
+        if (end == at)
             continue;
+        const auto record = recordOf(std::string_view(lines).substr(at, end - at));
+        endsBroken = !record;
+        if (!record) {
+            broken.add(lines, at, end);
+            continue;
+        }
+        if (++m_records > mostRecords) {
+            error = "the journal holds more changes than any program leaves";
+            return false;
+        }
+        m_end = std::int64_t(end) + 1;
+        m_begun = std::int64_t(at);
+        // An edit with others behind it was answered, and with a failure.
+        found.begun.reset();
+        if (record->second == RecordState::Counts)
+            merge(record->first, found.changes);
+        else if (record->second == RecordState::Begun)
+            found.begun = record->first;
+    }
+    const std::size_t damaged = broken.count() - (endsBroken ? 1 : 0);
+    if (damaged > 0 &&
+        !keepAside("the journal has damaged lines (" + std::to_string(damaged) + "), their changes are lost",
+                   error))
+        return false;
+    // The last line may lack its line feed, and the first one may be that of an earlier version.
+    lines.resize(std::size_t(std::max(m_room, m_end)), '\n');
+    m_room = std::int64_t(lines.size());
+    if (!platform::writeAt(m_file.get(), m_room - 1, "\n", 1) || !broken.write(m_file.get(), lines) ||
+        platform::writeAt(m_file.get(), 0, firstLine.data(), firstLine.size()) != firstLine.size()) {
         error = "the journal cannot be written";
         return false;
     }
+    for (const auto& [id, change] : found.changes)
+        content.changes[id] = change;
+    content.begun = found.begun;
     return true;
 }
 
-bool Journal::keepDamaged(std::size_t lines, std::string& error) const
+bool Journal::keepAside(const std::string& reason, std::string& error) const
 {
-    const std::string kept = m_path + "-damaged";
-    platform::removeLeftovers(m_path);
-    std::FILE* lockFile = nullptr;
-    const std::string copy = platform::copyBeside(m_path, lockFile, error);
-    const File lock(lockFile);
-    if (copy.empty() || !platform::replaceFile(copy, kept, error)) {
-        error = "the damaged journal cannot be kept: " + error;
-        platform::removeFile(copy);
+    std::string failure;
+    const std::string kept = keepFile(m_path, m_library, "journal-kept", failure);
+    if (kept.empty()) {
+        error = "the journal cannot be kept aside: " + failure;
         return false;
     }
-    audiocore::logLine(m_library, "the journal has damaged lines (" + std::to_string(lines) +
-                                      "), their changes are lost; it is kept as " + kept);
+    audiocore::logLine(m_library, reason + "; the journal is kept as " + kept);
     return true;
-}
-
-bool Journal::blank(std::size_t begin, std::size_t end)
-{
-    const std::string feeds(end - begin, '\n');
-    return platform::writeAt(m_file.get(), std::int64_t(begin), feeds.data(), feeds.size()) == feeds.size();
 }
 
 /// Line feeds lie ready behind the end: a file that does not grow is flushed ten times as fast.
-bool Journal::append(char state, const std::string& record)
+bool Journal::append(const JournalRecord& record, RecordState state)
 {
     const std::string lead(m_end > 0 ? "\n" : firstLine);
-    const std::string line = lead + state + record + '\t' + hexadecimal(hashOf(record)) + '\n';
+    const std::string line = lead + lineOf(record, state);
     const std::int64_t begin = m_end > 0 ? m_end - 1 : 0;
     const std::int64_t end = begin + std::int64_t(line.size());
-    if (!makeRoom(end) || platform::writeAt(m_file.get(), begin, line.data(), line.size()) != line.size() ||
+    if (m_records >= mostRecords || !makeRoom(end) ||
+        platform::writeAt(m_file.get(), begin, line.data(), line.size()) != line.size() ||
         !platform::syncBytesToDevice(m_file.get())) {
         // What was answered with a failure must not count later.
         if (platform::truncateTo(m_file.get(), m_end))
             m_room = m_end;
         return false;
     }
-    m_prepared = begin + std::int64_t(lead.size());
+    m_begun = begin + std::int64_t(lead.size());
     m_end = end;
+    ++m_records;
     return true;
 }
 
@@ -291,20 +258,31 @@ bool Journal::makeRoom(std::int64_t size)
 
 bool Journal::addDeletion(std::uint64_t id)
 {
-    return append(counts, "delete\t" + hexadecimal(id));
+    JournalRecord record;
+    record.id = id;
+    record.deletes = true;
+    return append(record, RecordState::Counts);
 }
 
-bool Journal::prepareEdit(std::uint64_t id, const TrackEdit& edit)
+bool Journal::beginEdit(const JournalRecord& edit)
 {
-    std::string record = "edit\t" + hexadecimal(id);
-    for (const std::string* text : {&edit.name, &edit.artist, &edit.album, &edit.genre})
-        record += '\t' + quoted(*text);
-    return append(countsNotYet, record + '\t' + std::to_string(edit.year));
+    return append(edit, RecordState::Begun);
 }
 
 bool Journal::confirm()
 {
-    return platform::writeAt(m_file.get(), m_prepared, &counts, 1) == 1 &&
+    return mark(RecordState::Counts);
+}
+
+bool Journal::cancel()
+{
+    return mark(RecordState::Failed);
+}
+
+bool Journal::mark(RecordState state)
+{
+    const char byte = char(state);
+    return platform::writeAt(m_file.get(), m_begun, &byte, 1) == 1 &&
            platform::syncBytesToDevice(m_file.get());
 }
 
@@ -317,5 +295,6 @@ void Journal::remove()
     if (isTheFileAtItsPath())
         platform::removeFile(m_path);
     m_file.reset();
-    m_end = m_room = 0;
+    m_end = m_room = m_begun = 0;
+    m_records = 0;
 }

@@ -1,57 +1,152 @@
 #include "librarybackup.h"
 
+#include "keptfile.h"
 #include "libraryreading.h"
 #include "librarywrite.h"
 
-using itunes::LibraryBackup;
-namespace platform = audiocore::platform;
+#include <algorithm>
+#include <filesystem>
+#include <vector>
 
-LibraryBackup::LibraryBackup(const std::string& libraryPath)
-    : m_library(libraryPath), m_path(libraryPath + ".melodrift-backup")
+using itunes::LibraryBackup;
+namespace fs = std::filesystem;
+namespace platform = audiocore::platform;
+using platform::NewFile;
+
+namespace {
+constexpr const char* original = "original";
+constexpr int versions = 3;
+
+bool isFile(const std::string& path)
 {
+    std::error_code failure;
+    return fs::symlink_status(fs::u8path(path), failure).type() == fs::file_type::regular;
+}
+
+bool holdTheSame(std::FILE* a, std::FILE* b)
+{
+    constexpr std::size_t block = 256 * 1024;
+    std::vector<char> left(block);
+    std::vector<char> right(block);
+    for (std::int64_t at = 0;; at += block) {
+        const std::size_t got = platform::readAt(a, at, left.data(), block);
+        if (platform::readAt(b, at, right.data(), block) != got)
+            return false;
+        if (!std::equal(left.begin(), left.begin() + std::ptrdiff_t(got), right.begin()))
+            return false;
+        if (got < block)
+            return true;
+    }
+}
+
+bool isCopyAt(std::FILE* copy, const std::string& path)
+{
+    const itunes::File file(isFile(path) ? platform::openFile(path, false) : nullptr);
+    platform::FileState first;
+    platform::FileState second;
+    return file && platform::stateOf(copy, first) && platform::stateOf(file.get(), second) &&
+           first.size == second.size && holdTheSame(copy, file.get());
+}
+
+bool holdsLibrary(std::FILE* file, std::string& error)
+{
+    itunes::LibraryVisitor nobody;
+    return itunes::walkFile(file, nobody, error);
+}
+
+bool isLibrary(const std::string& path, std::string& error)
+{
+    const itunes::File file = itunes::openLibrary(path, error);
+    return file && holdsLibrary(file.get(), error);
+}
+} // namespace
+
+/// The newest has the number 1.
+std::string LibraryBackup::backup(int number) const
+{
+    const std::string name = m_library + ".melodrift-backup";
+    return number == 1 ? name : name + '-' + std::to_string(number);
 }
 
 LibraryBackup::Result LibraryBackup::keep(std::string& error)
 {
-    if (m_isKept)
+    if (!m_kept.empty())
         return Result::Kept;
     platform::FileState before;
     if (platform::stateOf(m_library, before) && before == m_broken) {
         error = m_brokenReason; // thousands of changes may ask
         return Result::Broken;
     }
-    std::FILE* lockFile = nullptr;
-    const std::string copy = platform::copyBeside(m_library, lockFile, error);
-    const File lock(lockFile);
-    if (copy.empty())
+    const auto copy = NewFile::beside(m_library, NewFile::Content::Copied, error);
+    if (!copy)
         return Result::Failed;
-    if (!isWhole(copy, error)) {
-        platform::removeFile(copy);
+    if (!isWhole(*copy, error)) {
         m_broken = before;
         m_brokenReason = error;
         return Result::Broken;
     }
-    m_isKept = platform::replaceFile(copy, m_path, error);
-    if (!m_isKept)
-        platform::removeFile(copy);
-    return m_isKept ? Result::Kept : Result::Failed;
+    return place(*copy, error) ? Result::Kept : Result::Failed;
 }
 
-bool LibraryBackup::isWhole(const std::string& copy, std::string& error) const
+bool LibraryBackup::isWhole(const NewFile& copy, std::string& error) const
 {
-    platform::FileState now;
-    if (platform::stateOf(m_library, now) && now == m_whole)
+    return copy.original() == m_whole || holdsLibrary(copy.file(), error);
+}
+
+/// The file beside the library that is the same already; empty for none.
+std::string LibraryBackup::keptEqual(const NewFile& copy) const
+{
+    std::vector<std::string> kept = keptFiles(m_library, original);
+    for (int number = 1; number <= versions; ++number)
+        kept.push_back(backup(number));
+    for (const std::string& path : kept)
+        if (isCopyAt(copy.file(), path))
+            return path;
+    return std::string();
+}
+
+/// Makes the first version of a file that is older than the library; true when there is nothing to do.
+bool LibraryBackup::keepOlder(std::string& error) const
+{
+    std::string reason;
+    return !isFile(backup(1)) || !isLibrary(backup(1), reason) ||
+           !keepFile(backup(1), m_library, original, error).empty();
+}
+
+bool LibraryBackup::place(NewFile& copy, std::string& error)
+{
+    if (keptFiles(m_library, original).empty() && !keepOlder(error))
+        return false;
+    if (keptFiles(m_library, original).empty()) {
+        m_kept = keepCopy(copy, m_library, original, error);
+        return !m_kept.empty();
+    }
+    m_kept = keptEqual(copy);
+    if (!m_kept.empty())
         return true;
-    const File file = openLibrary(copy, error);
-    LibraryVisitor nobody;
-    return file && walkFile(file.get(), nobody, error);
+    if (!rotate(error) || copy.takeName(backup(1), error) != NewFile::Taking::Done)
+        return false;
+    m_kept = backup(1);
+    return true;
+}
+
+/// Makes the newest one's name free. A kill in between leaves a gap, which the next run closes first.
+bool LibraryBackup::rotate(std::string& error) const
+{
+    int gap = 1;
+    while (gap < versions && isFile(backup(gap)))
+        ++gap;
+    for (int number = gap - 1; number >= 1; --number)
+        if (!platform::renameFile(backup(number), backup(number + 1), error))
+            return false;
+    return true;
 }
 
 bool LibraryBackup::flush(std::string& error)
 {
     if (!m_isFlushed) {
-        const File backup(platform::openNoLink(m_path));
-        m_isFlushed = !backup || platform::syncToDevice(backup.get()); // the user may have removed it
+        const File kept(platform::openNoLink(m_kept));
+        m_isFlushed = !kept || platform::syncToDevice(kept.get()); // the user may have removed it
     }
     if (!m_isFlushed)
         error = "the backup cannot be written";

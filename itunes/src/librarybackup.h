@@ -1,12 +1,14 @@
 #pragma once
 
-#include "platform.h"
+#include "newfile.h"
 
 #include <string>
 
 namespace itunes {
-/// Keeps a copy of the library file beside it, once: the file as the first change finds it. A broken file is
-/// no backup and takes no better one's place.
+/// Keeps copies of the library file beside it: the very first one for good, and the last three versions that
+/// a run's first change found. What is kept already is not kept once more, so that a run that changes nothing
+/// pushes no version out. A broken file is no backup and takes no better one's place. Only one process at a
+/// time, which holds the journal.
 class LibraryBackup
 {
 public:
@@ -16,7 +18,7 @@ public:
         Failed
     };
 
-    explicit LibraryBackup(const std::string& libraryPath);
+    explicit LibraryBackup(const std::string& libraryPath) : m_library(libraryPath) {}
 
     /// In this state the file was read whole: it need not be looked through again.
     void knowWhole(const audiocore::platform::FileState& state) { m_whole = state; }
@@ -27,11 +29,15 @@ public:
     bool flush(std::string& error);
 
 private:
-    bool isWhole(const std::string& copy, std::string& error) const;
+    std::string backup(int number) const;
+    bool isWhole(const audiocore::platform::NewFile& copy, std::string& error) const;
+    std::string keptEqual(const audiocore::platform::NewFile& copy) const;
+    bool keepOlder(std::string& error) const;
+    bool place(audiocore::platform::NewFile& copy, std::string& error);
+    bool rotate(std::string& error) const;
 
     const std::string m_library;
-    const std::string m_path;
-    bool m_isKept = false;
+    std::string m_kept; ///< the copy of this run; empty before there is one
     bool m_isFlushed = false;
     audiocore::platform::FileState m_whole;
     audiocore::platform::FileState m_broken;

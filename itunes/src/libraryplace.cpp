@@ -25,6 +25,13 @@ std::string variable(const char* name)
     const char* const value = std::getenv(name);
     return value ? value : "";
 }
+
+/// Empty when there is none.
+fs::path homeFolder()
+{
+    const fs::path home = variable("HOME");
+    return home.is_absolute() ? home : fs::path();
+}
 #endif
 
 #if defined(_WIN32)
@@ -40,7 +47,7 @@ fs::path musicFolder()
 #elif defined(__APPLE__)
 fs::path musicFolder()
 {
-    return fs::path(variable("HOME")) / "Music";
+    return homeFolder() / "Music";
 }
 #else
 /// What a line such as XDG_MUSIC_DIR="$HOME/Musik" names; empty for another line.
@@ -60,7 +67,9 @@ std::string userFolder(const std::string& line, const std::string& home)
 
 fs::path musicFolder()
 {
-    const std::string home = variable("HOME");
+    const std::string home = homeFolder().u8string();
+    if (home.empty())
+        return fs::path();
     std::string configuration = variable("XDG_CONFIG_HOME");
     if (configuration.empty())
         configuration = home + "/.config";
@@ -88,6 +97,9 @@ std::string namedByVariable()
 std::vector<std::string> itunes::usualFolders()
 {
     const fs::path music = musicFolder();
+    // Without a home there are none: never what happens to lie where the program was started.
+    if (!music.is_absolute())
+        return {};
     return {fromNative(music / "iTunes"), fromNative(music / "Music"), fromNative(music)};
 }
 

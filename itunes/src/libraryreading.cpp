@@ -11,6 +11,8 @@
 using itunes::File;
 
 namespace {
+constexpr std::int64_t largestLibrary = std::int64_t(2) << 30;
+
 struct Position
 {
     std::uint64_t line = 1;
@@ -49,6 +51,10 @@ File itunes::openLibrary(const std::string& path, std::string& error)
     }
     if (!audiocore::platform::stateOf(file.get(), state) || !state.regular) {
         error = "it is no file";
+        return nullptr;
+    }
+    if (state.size > largestLibrary) {
+        error = "it is larger than 2 gigabytes";
         return nullptr;
     }
     return file;

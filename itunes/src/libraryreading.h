@@ -15,7 +15,7 @@ struct CloseFile
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-/// Opens a regular file for reading; null with the reason otherwise.
+/// Opens a regular file of a bearable size for reading; null with the reason otherwise.
 File openLibrary(const std::string& path, std::string& error);
 /// What the scanner found broken, with the line and the column of the file.
 std::string describeError(std::FILE* file, const XmlScanner& scanner);

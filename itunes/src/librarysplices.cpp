@@ -1,5 +1,7 @@
 #include "librarysplices.h"
 
+#include <algorithm>
+
 using itunes::EntrySplices;
 using itunes::Field;
 using itunes::PlaylistSplices;
@@ -55,8 +57,10 @@ void EntrySplices::trackEnds(const Span& whole)
     const auto found = m_id ? m_changes.find(m_id) : m_changes.end();
     if (found == m_changes.end() || !found->second.deleted) {
         m_staying.push_back(m_trackId);
-        if (found != m_changes.end())
+        if (found != m_changes.end()) {
+            m_edited.insert(m_id);
             changeEntry(found->second.edit);
+        }
         return;
     }
     ++m_gone;
@@ -72,18 +76,31 @@ std::unordered_set<std::uint64_t> EntrySplices::deleted() const
     return numbers;
 }
 
-void EntrySplices::changeEntry(const TrackEdit& edit)
+std::size_t EntrySplices::editsWithoutTrack() const
 {
-    change(Field::Name, "Name", edit.name, "string");
-    change(Field::Artist, "Artist", edit.artist, "string");
-    change(Field::Album, "Album", edit.album, "string");
-    change(Field::Genre, "Genre", edit.genre, "string");
-    const std::string& year = m_entry[placeOf(Field::Year)].text;
-    if (numberOf(year) != std::uint64_t(edit.year))
-        change(Field::Year, "Year", edit.year ? std::to_string(edit.year) : std::string(), "integer");
+    const auto edits = std::count_if(m_changes.begin(), m_changes.end(),
+                                     [](const auto& change) { return !change.second.deleted; });
+    return std::size_t(edits) - m_edited.size();
 }
 
-void EntrySplices::change(Field field, const char* key, const std::string& wanted, const char* element)
+void EntrySplices::changeEntry(const TrackEdit& edit)
+{
+    change(Field::Name, "Name", edit.name);
+    change(Field::Artist, "Artist", edit.artist);
+    change(Field::Album, "Album", edit.album);
+    change(Field::Genre, "Genre", edit.genre);
+    const std::string& year = m_entry[placeOf(Field::Year)].text;
+    if (edit.year && numberOf(year) != std::uint64_t(*edit.year))
+        put(Field::Year, "Year", *edit.year ? std::to_string(*edit.year) : std::string(), "integer");
+}
+
+void EntrySplices::change(Field field, const char* key, const std::optional<std::string>& wanted)
+{
+    if (wanted)
+        put(field, key, *wanted, "string");
+}
+
+void EntrySplices::put(Field field, const char* key, const std::string& wanted, const char* element)
 {
     const Place& place = m_entry[placeOf(field)];
     if (place.text == wanted)

@@ -31,8 +31,9 @@ public:
     /// Numbers of the tracks whose entries go, without those that a track which stays has as well: its places
     /// in the playlists cannot be told from the other's.
     std::unordered_set<std::uint64_t> deleted() const;
-    std::uint64_t tracks() const { return m_tracks; }
     std::uint64_t tracksLeft() const { return m_tracks - m_gone; }
+    /// How many of the edits are of no track that is there.
+    std::size_t editsWithoutTrack() const;
 
 private:
     static constexpr std::size_t places = 10;
@@ -47,11 +48,13 @@ private:
 
     static std::size_t placeOf(Field field);
     void changeEntry(const TrackEdit& edit);
-    void change(Field field, const char* key, const std::string& wanted, const char* element);
+    void change(Field field, const char* key, const std::optional<std::string>& wanted);
+    void put(Field field, const char* key, const std::string& wanted, const char* element);
 
     const TrackChanges& m_changes;
     std::vector<Splice> m_splices;
     std::unordered_set<std::uint64_t> m_deleted;
+    std::unordered_set<std::uint64_t> m_edited; ///< persistent identifiers
     std::vector<std::uint64_t> m_staying;
     std::uint64_t m_tracks = 0;
     std::uint64_t m_gone = 0;

@@ -11,6 +11,12 @@ using itunes::XmlScanner;
 using Event = itunes::XmlScanner::Event;
 
 namespace {
+// A track takes more memory than an empty entry takes in the file. Real ones say where the song is, what it
+// is called and a dozen things more.
+constexpr std::uint64_t mostTracks = 1000000;
+constexpr std::uint64_t fewTracks = 10000; // may be as small as they like
+constexpr std::uint64_t smallestTrack = 128;
+
 enum class Section { Other, Tracks, Playlists };
 
 /// By length: most keys are none of these, and it is asked for all of them.
@@ -173,7 +179,10 @@ private:
             if (!eachPair(fieldOf, [this](Field field, std::uint64_t at) { return trackField(field, at); }))
                 return false;
             m_visitor.trackEnds({begin, m_scanner.tagEnd()});
-            return true;
+            if (++m_tracks <= mostTracks && m_tracks <= fewTracks + m_scanner.tagEnd() / smallestTrack)
+                return true;
+            m_scanner.fail("more tracks than a library of this size can hold");
+            return false;
         });
     }
 
@@ -225,6 +234,7 @@ private:
     XmlScanner& m_scanner;
     LibraryVisitor& m_visitor;
     std::string m_lead; ///< of the last key
+    std::uint64_t m_tracks = 0;
 };
 } // namespace
 

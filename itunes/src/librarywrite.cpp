@@ -2,13 +2,14 @@
 
 #include "libraryreading.h"
 #include "librarysplices.h"
-#include "platform.h"
+#include "newfile.h"
 
 #include <algorithm>
 
 using itunes::ByteSource;
 using itunes::Splice;
 namespace platform = audiocore::platform;
+using platform::NewFile;
 
 namespace {
 constexpr std::size_t blockSize = 1024 * 1024;
@@ -54,14 +55,22 @@ private:
 };
 
 /// What has to change, in the file's order.
-bool findSplices(std::FILE* file, const itunes::TrackChanges& changes, std::vector<Splice>& splices,
-                 std::uint64_t& tracksLeft, std::string& error)
+struct Splices
 {
+    std::vector<Splice> all;
+    std::uint64_t tracksLeft = 0;
+    std::size_t editsWithoutTrack = 0;
+};
+
+bool findSplices(std::FILE* file, const itunes::TrackChanges& changes, Splices& found, std::string& error)
+{
+    std::vector<Splice>& splices = found.all;
     itunes::EntrySplices entries(changes);
     if (!itunes::walkFile(file, entries, error))
         return false;
     splices = entries.splices();
-    tracksLeft = entries.tracksLeft();
+    found.tracksLeft = entries.tracksLeft();
+    found.editsWithoutTrack = entries.editsWithoutTrack();
     const std::unordered_set<std::uint64_t> deleted = entries.deleted();
     if (!deleted.empty()) {
         itunes::PlaylistSplices items(deleted);
@@ -103,60 +112,62 @@ bool copySpliced(std::FILE* from, std::FILE* to, const std::vector<Splice>& spli
 }
 
 /// Whether the new file is a sound library of so many tracks: the old one is not given up for less.
-bool isSound(std::FILE* file, std::uint64_t tracks, std::string& error)
+bool isSound(std::FILE* file, std::uint64_t tracks, itunes::LibraryContents& contents, std::string& error)
 {
-    const itunes::TrackChanges none;
-    itunes::EntrySplices entries(none);
-    if (!itunes::walkFile(file, entries, error))
+    if (!itunes::readContents(file, contents, error))
         return false;
-    if (entries.tracks() == tracks)
+    if (contents.tracks == tracks)
         return true;
     error = "the new file does not hold the tracks that it should";
     return false;
 }
 
-bool writeBeside(std::FILE* library, const std::string& temporary, const std::vector<Splice>& splices,
-                 std::uint64_t tracksLeft, std::string& error)
+bool writeSpliced(std::FILE* library, std::FILE* file, const Splices& splices,
+                  itunes::LibraryContents& contents, std::string& error)
 {
-    const itunes::File file(platform::openFile(temporary, true));
-    if (!file || !copySpliced(library, file.get(), splices)) {
+    if (!copySpliced(library, file, splices.all)) {
         error = "the new file cannot be written, the disk may be full";
         return false;
     }
-    return isSound(file.get(), tracksLeft, error);
+    return isSound(file, splices.tracksLeft, contents, error);
 }
 
-Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, std::string& error)
+Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, itunes::Written& result,
+                std::string& error)
 {
+    result = itunes::Written();
     itunes::File library = itunes::openLibrary(path, error);
     platform::FileState before;
     if (!library || !platform::stateOf(library.get(), before))
         return Outcome::Failed;
-    std::vector<Splice> splices;
-    std::uint64_t tracksLeft = 0;
-    if (!findSplices(library.get(), changes, splices, tracksLeft, error))
+    Splices splices;
+    if (!findSplices(library.get(), changes, splices, error))
         return Outcome::Failed;
-    if (splices.empty())
+    result.editsWithoutTrack = splices.editsWithoutTrack;
+    if (splices.all.empty())
         return Outcome::Done;
 
-    std::FILE* lockFile = nullptr;
-    const std::string temporary = platform::newBeside(path, lockFile, error);
-    const itunes::File lock(lockFile);
-    if (temporary.empty())
+    const auto made = NewFile::beside(path, NewFile::Content::Empty, error);
+    if (!made)
         return Outcome::Failed;
-    Outcome outcome = Outcome::Failed;
-    const bool written = writeBeside(library.get(), temporary, splices, tracksLeft, error);
+    if (made->original() != before)
+        return Outcome::ChangedMeanwhile;
+    if (!writeSpliced(library.get(), made->file(), splices, result.contents, error))
+        return Outcome::Failed;
     library.reset(); // what is open cannot be replaced everywhere
-    if (written) {
-        platform::FileState now;
-        if (!platform::stateOf(path, now) || !(now == before))
-            outcome = Outcome::ChangedMeanwhile;
-        else if (platform::replaceFile(temporary, path, error))
-            outcome = Outcome::Done;
-    }
-    if (outcome != Outcome::Done)
-        platform::removeFile(temporary);
-    return outcome;
+    const NewFile::Taking taking = made->replaceOriginal(error);
+    return taking == NewFile::Taking::Done               ? Outcome::Done
+           : taking == NewFile::Taking::ChangedMeanwhile ? Outcome::ChangedMeanwhile
+                                                         : Outcome::Failed;
+}
+
+/// The state of a new file that has taken the library's name since, which may count as a change.
+void noteNewName(const std::string& path, platform::FileState& state)
+{
+    platform::FileState now;
+    if (platform::stateOf(path, now) && now.device == state.device && now.inode == state.inode &&
+        now.size == state.size && now.modified == state.modified)
+        state = now;
 }
 } // namespace
 
@@ -170,12 +181,15 @@ bool itunes::walkFile(std::FILE* file, LibraryVisitor& visitor, std::string& err
     return false;
 }
 
-bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, std::string& error)
+bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, Written& written,
+                          std::string& error)
 {
     constexpr int attempts = 5;
     platform::removeLeftovers(path);
     for (int i = 0; i < attempts; ++i) {
-        const Outcome outcome = tryOnce(path, changes, error);
+        const Outcome outcome = tryOnce(path, changes, written, error);
+        if (outcome == Outcome::Done)
+            noteNewName(path, written.contents.state);
         if (outcome != Outcome::ChangedMeanwhile)
             return outcome == Outcome::Done;
     }

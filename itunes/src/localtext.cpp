@@ -40,8 +40,13 @@ std::string fromLocal(const std::string& local)
 
 std::string itunes::cleanText(const char* utf8)
 {
+    return cleanText(std::string_view(utf8 ? utf8 : ""));
+}
+
+std::string itunes::cleanText(std::string_view utf8)
+{
     std::string text;
-    appendLiteral(utf8 ? utf8 : "", text);
+    appendLiteral(utf8, text);
     return text;
 }
 

@@ -41,12 +41,19 @@ std::vector<char> pictureOf(IAudioTag& tag)
     return {};
 }
 
-bool putText(IAudioTag& tag, TagItemType type, const std::string& text)
+bool putText(IAudioTag& tag, TagItemType type, const std::optional<std::string>& text)
 {
-    std::u32string characters = audiocore::toUtf32(text);
+    if (!text)
+        return true;
+    std::u32string characters = audiocore::toUtf32(*text);
     const auto size = std::int32_t(characters.size() * sizeof(char32_t));
     return tag.RemoveItem(type) == 0 &&
            (size == 0 || tag.SetItem({-1, type, 0, size, characters.data()}) == 0);
+}
+
+bool putYear(IAudioTag& tag, const std::optional<std::int32_t>& year)
+{
+    return !year || putText(tag, TAG_YEAR, *year ? std::to_string(*year) : std::string());
 }
 
 bool putPicture(IAudioTag& tag, std::vector<char> picture)
@@ -73,6 +80,5 @@ bool itunes::writeTags(const std::string& mediaPath, const TrackEdit& edit, cons
     }
     return putText(*tag, TAG_TITLE, edit.name) && putText(*tag, TAG_ARTIST, edit.artist) &&
            putText(*tag, TAG_ALBUM, edit.album) && putText(*tag, TAG_GENRE, edit.genre) &&
-           putText(*tag, TAG_YEAR, edit.year ? std::to_string(edit.year) : std::string()) &&
-           putPicture(*tag, picture) && tag->Save() == 0;
+           putYear(*tag, edit.year) && putPicture(*tag, picture) && tag->Save() == 0;
 }

@@ -54,16 +54,22 @@ void MusicLibrary::read(iTunesTrackRecord** records, int* count)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_former = std::move(m_store);
+    m_problem.clear();
     std::unique_ptr<TrackStore> store;
     if (const std::shared_ptr<LibraryFile> library = currentFile()) {
-        std::string error;
-        store = library->read(error);
+        store = library->read(m_problem);
         if (!store)
-            audiocore::logLine(library->path(), "the music library cannot be read: " + error);
+            audiocore::logLine(library->path(), "the music library cannot be read: " + m_problem);
     }
     m_store = store ? std::move(store) : std::make_unique<TrackStore>();
     *records = m_store->records();
     *count = m_store->count();
+}
+
+const char* MusicLibrary::problem()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_problem.c_str();
 }
 
 void MusicLibrary::close()
@@ -93,10 +99,11 @@ std::optional<MusicLibrary::Access> MusicLibrary::accessTo(std::uint64_t id)
         audiocore::logLine("the music library", "several tracks have this identifier, none was changed");
         return std::nullopt;
     }
-    return Access{m_file, place->location ? pathOf(place->location) : std::string()};
+    return Access{m_file, m_store, place->location ? pathOf(place->location) : std::string(),
+                  m_store->valuesOf(*place)};
 }
 
-bool MusicLibrary::edit(std::uint64_t id, const TrackEdit& edit, const std::string& coverPath)
+bool MusicLibrary::edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath)
 {
     const std::optional<Access> track = accessTo(id);
     if (!track)
@@ -114,7 +121,12 @@ bool MusicLibrary::edit(std::uint64_t id, const TrackEdit& edit, const std::stri
         audiocore::logLine(coverPath, "is no picture, the track's artwork stays as it is");
         picture->clear();
     }
-    return track->file->edit(id, edit, [&] { return writeTags(track->mediaPath, edit, *picture); });
+    const JournalRecord record{id, false, differenceOf(track->lastSeen, values), markOf(*picture, coverPath)};
+    if (!track->file->edit(record, [&] { return writeTags(track->mediaPath, record.edit, *picture); }))
+        return false;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    track->store->noteEdit(id, values);
+    return true;
 }
 
 bool MusicLibrary::remove(std::uint64_t id)

@@ -21,11 +21,14 @@ public:
     /// Writes what an earlier run left, in the background.
     void prepare();
     void read(iTunesTrackRecord** records, int* count);
+    /// Of the last reading; empty when it went well. Valid until the next one.
+    const char* problem();
     void close();
 
     /// The location of a track with a file; nothing for another.
     std::optional<std::string> locationOf(std::uint64_t id);
-    bool edit(std::uint64_t id, const TrackEdit& edit, const std::string& coverPath);
+    /// What the values say anew against what the caller has last seen is written, and nothing else.
+    bool edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath);
     bool remove(std::uint64_t id);
     bool writeArtwork(std::uint64_t id, const std::string& path);
 
@@ -34,7 +37,9 @@ private:
     struct Access
     {
         std::shared_ptr<LibraryFile> file;
+        std::shared_ptr<TrackStore> store;
         std::string mediaPath; ///< empty for a track without a file
+        TrackValues lastSeen;  ///< by the caller
     };
 
     std::shared_ptr<LibraryFile> currentFile();
@@ -47,6 +52,7 @@ private:
     std::shared_ptr<LibraryFile> m_file;
     std::shared_ptr<TrackStore> m_store;
     std::shared_ptr<TrackStore> m_former; ///< the views may still show it while a new reading begins
+    std::string m_problem;
     Artwork m_artwork;
 };
 } // namespace itunes

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
 namespace itunes {
-/// What an edit puts into a track's entry, UTF-8. Empty texts and a year of 0 take the field out.
-struct TrackEdit
+/// What the fixed calls carry of a track: always all of it, UTF-8. Empty texts and a year of 0 stand for a
+/// field that the entry does not have.
+struct TrackValues
 {
     std::string name;
     std::string artist;
@@ -15,7 +17,23 @@ struct TrackEdit
     std::int32_t year = 0;
 };
 
-/// The change of one track; the last edit counts, and a deletion for good.
+/// What an edit puts into a track's entry and its media file; fields without a value stay as they are,
+/// whoever wrote them. Empty texts and a year of 0 take the field out.
+struct TrackEdit
+{
+    std::optional<std::string> name;
+    std::optional<std::string> artist;
+    std::optional<std::string> album;
+    std::optional<std::string> genre;
+    std::optional<std::int32_t> year;
+
+    bool isEmpty() const { return !name && !artist && !album && !genre && !year; }
+};
+
+/// What the wanted values say anew against those that were read.
+TrackEdit differenceOf(const TrackValues& asRead, const TrackValues& wanted);
+
+/// The change of one track.
 struct TrackChange
 {
     bool deleted = false;
@@ -24,4 +42,8 @@ struct TrackChange
 
 /// By persistent identifier.
 using TrackChanges = std::unordered_map<std::uint64_t, TrackChange>;
+
+/// The last edit of a field counts, and a deletion for good.
+void mergeDeletion(TrackChanges& changes, std::uint64_t id);
+void mergeEdit(TrackChanges& changes, std::uint64_t id, const TrackEdit& edit);
 } // namespace itunes

@@ -151,9 +151,14 @@ void TrackReader::trackEnds(const Span& whole)
 void TrackReader::applyChange(const TrackEdit& edit)
 {
     TextArena& texts = m_store.texts();
-    m_record.name = texts.keep(edit.name);
-    m_record.artist = texts.keep(edit.artist);
-    m_record.album = texts.keep(edit.album);
-    m_record.genre = texts.keep(edit.genre);
-    m_record.year = std::uint64_t(edit.year);
+    if (edit.name)
+        m_record.name = texts.keep(*edit.name);
+    if (edit.artist)
+        m_record.artist = texts.keep(*edit.artist);
+    if (edit.album)
+        m_record.album = texts.keep(*edit.album);
+    if (edit.genre)
+        m_record.genre = texts.keep(*edit.genre);
+    if (edit.year)
+        m_record.year = std::uint64_t(*edit.year);
 }

@@ -1,7 +1,10 @@
 #include "trackstore.h"
 
+#include "localtext.h"
+
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 using itunes::TextArena;
 using itunes::TrackStore;
@@ -38,7 +41,8 @@ void TrackStore::add(const iTunesTrackRecord& record, std::uint64_t id)
 {
     m_records.push_back(record);
     if (id != 0)
-        m_places.push_back({id, record.location, false});
+        m_places.push_back({id, record.location, record.name, record.artist, record.album, record.genre,
+                            record.year, false});
 }
 
 void TrackStore::finish()
@@ -58,6 +62,26 @@ bool TrackStore::isAmbiguous(std::uint64_t id) const
 {
     const auto found = std::lower_bound(m_places.begin(), m_places.end(), id, before);
     return m_places.end() - found > 1 && found[1].id == id;
+}
+
+itunes::TrackValues TrackStore::valuesOf(const Place& place) const
+{
+    const auto edited = m_edited.find(place.id);
+    if (edited != m_edited.end())
+        return edited->second;
+    // In the form that what comes back from the caller has.
+    const bool fits = place.year <= std::uint64_t(std::numeric_limits<std::int32_t>::max());
+    return {cleanText(place.name), cleanText(place.artist), cleanText(place.album), cleanText(place.genre),
+            fits ? std::int32_t(place.year) : 0};
+}
+
+std::vector<std::uint64_t> TrackStore::identifiers() const
+{
+    std::vector<std::uint64_t> ids;
+    ids.reserve(m_places.size());
+    for (const Place& place : m_places)
+        ids.push_back(place.id);
+    return ids;
 }
 
 void TrackStore::forget(std::uint64_t id)

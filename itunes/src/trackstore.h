@@ -1,11 +1,13 @@
 #pragma once
 
 #include "itunes/itunestrackrecord.h"
+#include "trackedit.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace itunes {
@@ -31,6 +33,12 @@ public:
     {
         std::uint64_t id;
         const char* location; ///< null for a track without a file
+        // What the record said when it was delivered.
+        const char* name;
+        const char* artist;
+        const char* album;
+        const char* genre;
+        std::uint64_t year;
         bool gone;
     };
 
@@ -48,9 +56,16 @@ public:
     bool isAmbiguous(std::uint64_t id) const;
     void forget(std::uint64_t id);
 
+    /// What the caller last saw of a track that is there: as it was read, or as he has had it written since.
+    TrackValues valuesOf(const Place& place) const;
+    void noteEdit(std::uint64_t id, const TrackValues& values) { m_edited[id] = values; }
+    /// All identifiers in ascending order.
+    std::vector<std::uint64_t> identifiers() const;
+
 private:
     std::vector<iTunesTrackRecord> m_records;
     std::vector<Place> m_places; ///< by identifier
+    std::unordered_map<std::uint64_t, TrackValues> m_edited;
     TextArena m_texts;
 };
 } // namespace itunes

@@ -36,9 +36,10 @@ int set_trackWithPresistentID(EyeTunes* application, uint64_t persistentId, cons
                               const char* coverPath)
 {
     (void)application;
-    const itunes::TrackEdit edit{itunes::cleanText(name), itunes::cleanText(artist), itunes::cleanText(album),
-                                 itunes::cleanLocalText(genre), std::max<int32_t>(year, 0)};
-    return MusicLibrary::instance().edit(persistentId, edit, itunes::localPath(coverPath)) ? 0 : 1;
+    const itunes::TrackValues values{itunes::cleanText(name), itunes::cleanText(artist),
+                                     itunes::cleanText(album), itunes::cleanLocalText(genre),
+                                     std::max<int32_t>(year, 0)};
+    return MusicLibrary::instance().edit(persistentId, values, itunes::localPath(coverPath)) ? 0 : 1;
 }
 
 int get_trackWithPresistentID(EyeTunes* application, uint64_t persistentId, char* output1, char* output2,

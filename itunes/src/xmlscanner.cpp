@@ -10,9 +10,10 @@ using Event = itunes::XmlScanner::Event;
 
 namespace {
 constexpr std::size_t firstBuffer = 256 * 1024;
-constexpr std::size_t largestBuffer = 16 * 1024 * 1024;
+constexpr std::size_t largestBuffer = 4 * 1024 * 1024;
 constexpr std::size_t largestDocumentType = 1024 * 1024;
 constexpr std::size_t deepest = 1000;
+constexpr std::size_t longestName = 256;
 /// Zeros behind the buffer's end, so that a few bytes ahead may be looked at without counting.
 constexpr std::size_t padding = 16;
 
@@ -64,13 +65,13 @@ bool XmlScanner::more()
     if (m_atEnd)
         return false;
     dropBefore(m_textAt);
-    if (m_end + padding == m_buffer.size() && !grow()) {
-        if (m_at == 0)
-            return false;
+    if (room() < ByteSource::leastRoom && !grow()) {
         m_textLost = true;
         dropBefore(m_at);
+        if (room() < ByteSource::leastRoom)
+            return false;
     }
-    const std::size_t got = m_source.read(m_buffer.data() + m_end, m_buffer.size() - padding - m_end);
+    const std::size_t got = m_source.read(m_buffer.data() + m_end, room());
     m_end += got;
     std::memset(m_buffer.data() + m_end, 0, padding);
     m_atEnd = got == 0;
@@ -95,6 +96,11 @@ bool XmlScanner::grow()
         return false;
     m_buffer.resize((m_buffer.size() - padding) * 2 + padding);
     return true;
+}
+
+std::size_t XmlScanner::room() const
+{
+    return m_buffer.size() - padding - m_end;
 }
 
 /// Whether so many bytes follow at m_at.
@@ -197,7 +203,7 @@ bool XmlScanner::passSection()
             m_at = m_textAt = m_at + end + 3;
             return true;
         }
-        m_at = std::max(m_at, m_end - 2);
+        m_at = std::max(m_at, m_end - std::min<std::size_t>(m_end, 2));
         if (more())
             continue;
         fail("a section that does not end");
@@ -218,7 +224,7 @@ bool XmlScanner::passDocumentType()
     if (size == 0)
         return fail("a document type that does not end") != Event::Broken;
     if (!m_entities.declare(ahead().substr(0, size)))
-        return fail("entities made of entities") != Event::Broken;
+        return fail("entities made of entities, or too long") != Event::Broken;
     m_at = m_textAt = m_at + size;
     return true;
 }
@@ -266,6 +272,8 @@ Event XmlScanner::openTag()
     }
     if (nameEnd == m_at + 1 || !xml::startsName(m_buffer[m_at + 1]))
         return fail("a malformed tag");
+    if (nameEnd - m_at - 1 > longestName)
+        return fail("an element of too long a name");
     if (m_openAt.size() >= deepest)
         return fail("elements nested too deeply");
     m_name = {m_buffer.data() + m_at + 1, nameEnd - m_at - 1};

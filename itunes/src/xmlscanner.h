@@ -28,7 +28,7 @@ public:
 
     /// The element of the last tag. Like all texts valid until the next call of next().
     std::string_view name() const { return m_name; }
-    /// The text between the last tag and the one before it; empty for one of more than 16 megabytes.
+    /// The text between the last tag and the one before it; empty for one of more than 4 megabytes.
     std::string_view text();
     /// Bytes of the source before the last tag, and before what follows it.
     std::uint64_t tagBegin() const { return m_base + m_tagAt; }
@@ -50,6 +50,7 @@ private:
     std::string_view ahead() const { return {m_buffer.data() + m_at, m_end - m_at}; }
     bool available(std::size_t count);
     bool grow();
+    std::size_t room() const;
     bool seekMarkup();
     void keepPiece(bool literal, std::size_t begin, std::size_t end);
     bool blankOutside() const;

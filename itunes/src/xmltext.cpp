@@ -10,6 +10,7 @@
 using itunes::Entities;
 
 namespace {
+constexpr std::size_t longestName = 64;
 constexpr std::size_t longestEntity = 4096;
 constexpr std::size_t largestExpansion = 1024 * 1024;
 constexpr const char* replacement = "\xEF\xBF\xBD";
@@ -99,8 +100,7 @@ std::uint32_t referenceNumber(std::string_view name)
 /// The name between "&" at `at` and ";"; empty when there is none near.
 std::string_view referenceAt(std::string_view raw, std::size_t at)
 {
-    constexpr std::size_t longestName = 64;
-    const std::string_view rest = raw.substr(at + 1, longestName);
+    const std::string_view rest = raw.substr(at + 1, longestName + 1);
     const std::size_t end = rest.find_first_of("; &<\n");
     return end == std::string_view::npos || rest[end] != ';' ? std::string_view() : rest.substr(0, end);
 }
@@ -205,22 +205,26 @@ bool Entities::declare(std::string_view documentType)
 bool Entities::declareOne(std::string_view declaration)
 {
     const std::size_t name = declaration.find_first_not_of(blanks);
-    const std::size_t nameEnd = declaration.find_first_of(" \t\r\n\"'>", name);
-    const std::size_t value = declaration.find_first_not_of(blanks, nameEnd);
-    if (name == std::string_view::npos || value == std::string_view::npos || declaration[name] == '%')
+    if (name == std::string_view::npos || declaration[name] == '%')
+        return true;
+    const std::size_t length = declaration.substr(name, longestName + 1).find_first_of(" \t\r\n\"'>");
+    if (length == std::string_view::npos)
+        return false;
+    const std::size_t value = declaration.find_first_not_of(blanks, name + length);
+    if (value == std::string_view::npos)
         return true;
     std::string text;
     const char quote = declaration[value];
     if (quote == '"' || quote == '\'') {
-        const std::string_view inside = declaration.substr(value + 1);
-        const std::size_t length = inside.find(quote);
-        if (length > longestEntity) // or none
+        const std::string_view inside = declaration.substr(value + 1, longestEntity + 1);
+        const std::size_t size = inside.find(quote);
+        if (size == std::string_view::npos)
             return false;
-        ::append(inside.substr(0, length), Resolved::Numbers, nullptr, text);
+        ::append(inside.substr(0, size), Resolved::Numbers, nullptr, text);
         if (namesEntities(text))
             return false;
     }
-    m_values.emplace(declaration.substr(name, nameEnd - name), text);
+    m_values.emplace(declaration.substr(name, length), text);
     return true;
 }
 

@@ -11,7 +11,8 @@ class Entities
 {
 public:
     /// Takes the declarations out of a document type. False when entities are made of other declared ones, or
-    /// are too long to be mere names for some text: what such a file would grow to has no bound.
+    /// they or their names are too long to be mere names for some text: what such a file would grow to has no
+    /// bound.
     bool declare(std::string_view documentType);
     /// Appends what the name stands for; false when there is no such entity. After the first megabyte
     /// references read as nothing.

@@ -46,8 +46,7 @@ void StripButton::mousePressEvent(QMouseEvent* event)
 
 void StripButton::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    // The second press of a double click is not for a button that came in the place of the first one's.
-    if (lastPressed() == this)
+    if (!m_bChangesFiles || lastPressed() == this)
         QPushButton::mouseDoubleClickEvent(event);
 }
 

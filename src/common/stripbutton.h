@@ -17,6 +17,9 @@ public:
     ~StripButton() override;
 
     int state() const { return m_nState; }
+    /// Says that a click writes or deletes files, which none does by mistake: the second press of a double
+    /// click is not for a button that came in the place of the one that took the first.
+    void setChangesFiles(bool changes) { m_bChangesFiles = changes; }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -40,4 +43,5 @@ protected:
 private:
     std::unique_ptr<SkinPicture> m_pImage;
     int m_nState = StateNormal;
+    bool m_bChangesFiles = false;
 };

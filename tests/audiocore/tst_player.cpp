@@ -22,7 +22,7 @@ QVector<float> samplesOf(const QString& path)
     QProcess ffmpeg;
     ffmpeg.start(QStringLiteral("ffmpeg"), {"-v", "error", "-i", path, "-f", "f32le", "-ac", "1", "-ar",
                                             QString::number(samplesASecond), "-"});
-    if (!ffmpeg.waitForFinished(60000) || ffmpeg.exitCode() != 0)
+    if (!ffmpeg.waitForFinished(patience) || ffmpeg.exitCode() != 0)
         qFatal("ffmpeg cannot read %s: %s", qUtf8Printable(path), ffmpeg.readAllStandardError().constData());
     const QByteArray bytes = ffmpeg.readAllStandardOutput();
     QVector<float> samples(bytes.size() / int(sizeof(float)));
@@ -110,7 +110,7 @@ void TestPlayer::operationsStandAtTheirSlots()
     const std::u32string song = Fixtures::tone(QStringLiteral("wav")).toStdU32String();
     QCOMPARE(reinterpret_cast<int (*)(IAudioPlayer*, const char32_t*)>(table[0])(player, song.c_str()), 0);
     QCOMPARE(call(8), 3000);
-    QCOMPARE(call(7), int(PLAYER_STATE_PAUSED));
+    QTRY_COMPARE(call(7), int(PLAYER_STATE_PAUSED));
     QCOMPARE(reinterpret_cast<int (*)(IAudioPlayer*, std::uint64_t)>(table[10])(player, 2800), 0);
     QCOMPARE(call(9), 2800);
     QCOMPARE(call(4), 0);
@@ -149,12 +149,9 @@ void TestPlayer::theDurationIsKnownWhenOpenReturns()
     QFETCH(QString, kind);
     QFETCH(int, length);
     const QString song = Fixtures::tone(kind, length);
-    Player player;
-    const qint64 opening = shortestOfThree([&player, &song] {
-        player.reset(CreatePlayer());
-        return millisecondsOf([&player, &song] { QCOMPARE(open(*player, song), 0); });
-    });
-    QVERIFY2(opening <= 500, qPrintable(QString::number(opening)));
+    const Player player(CreatePlayer());
+    const qint64 used = processorMillisecondsOf([&player, &song] { QCOMPARE(open(*player, song), 0); });
+    QVERIFY2(used <= 500, qPrintable(QString::number(used)));
     QCOMPARE(player->GetDuration(), AudioFile::properties(song).duration);
     QVERIFY(qAbs(player->GetDuration() - length) <= 50);
 }
@@ -231,27 +228,35 @@ void TestPlayer::aSeekIsExact()
 void TestPlayer::playbackKeepsTime()
 {
     const Player player = opened(Fixtures::tone("wav"));
+    const Run run(0);
     QElapsedTimer clock;
-    clock.start();
     player->Play();
-    for (const int position : {500, 1500, 2500}) {
-        QVERIFY(passes(*player, position));
-        QVERIFY2(qAbs(clock.elapsed() - position) <= 250, qPrintable(QString::number(clock.elapsed())));
+    int inTime = 0;
+    for (int position = 0; position < 2600;) {
+        clock.start();
+        QVERIFY(passes(*player, position + 300));
+        const qint64 moved = player->GetPosition() - position;
+        position += int(moved);
+        QVERIFY(position <= run.latest());
+        inTime += qAbs(moved - clock.elapsed()) <= 100;
     }
+    QVERIFY(inTime > 0); // one of them at least the machine did not hold up
     QVERIFY(reaches(*player, PLAYER_STATE_FINISHED));
-    QVERIFY2(qAbs(clock.elapsed() - 3000) <= 400, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(player->GetPosition() <= run.latest());
 }
 
 void TestPlayer::pausingKeepsThePosition()
 {
-    const Player player = opened(Fixtures::tone("ogg"));
+    const Player player = opened(Fixtures::tone("wav", 60000));
     player->Play();
     QVERIFY(passes(*player, 300));
     player->Pause();
+    QCOMPARE(player->GetState(), int(PLAYER_STATE_PAUSED));
+    QVERIFY(stands(*player));
     const int position = player->GetPosition();
     QTest::qWait(300); // time must pass
-    QVERIFY2(qAbs(player->GetPosition() - position) <= 60,
-             qPrintable(QString::number(player->GetPosition())));
+    QCOMPARE(player->GetPosition(), position);
+    QVERIFY(position < 55000);
     player->Play();
     QVERIFY(passes(*player, position + 200));
     QCOMPARE(player->GetState(), int(PLAYER_STATE_PLAYING));
@@ -263,12 +268,13 @@ void TestPlayer::theTargetShowsAtOnce()
     player->Play();
     QVERIFY(passes(*player, 100));
     for (const int target : {40000, 20000, 59000}) {
+        const Run run(target);
         player->Seek(std::uint64_t(target));
         QElapsedTimer clock;
         clock.start();
         while (clock.elapsed() < 200) {
             const int position = player->GetPosition();
-            QVERIFY2(position >= target && position <= target + 250, qPrintable(QString::number(position)));
+            QVERIFY2(position >= target && position <= run.latest(), qPrintable(QString::number(position)));
         }
     }
 }
@@ -282,16 +288,18 @@ void TestPlayer::aSeekGoesOnAsItWas()
     QCOMPARE(player->GetPosition(), 30000);
     player->Play();
     QVERIFY(passes(*player, 30100));
+    const Run run(10000);
     player->Seek(10000);
     QCOMPARE(player->GetState(), int(PLAYER_STATE_PLAYING));
     QVERIFY(passes(*player, 10100));
-    QVERIFY(player->GetPosition() < 12000);
+    QVERIFY(player->GetPosition() <= run.latest());
 }
 
 void TestPlayer::ofManySeeksTheLastOneCounts()
 {
     const Player player = opened(Fixtures::tone("flac", 60000));
     player->Play();
+    const Run run(50000);
     for (int i = 0; i < 500; ++i) {
         player->Seek(std::uint64_t(i) * 100);
         QCOMPARE(player->GetPosition(), i * 100);
@@ -299,7 +307,7 @@ void TestPlayer::ofManySeeksTheLastOneCounts()
             QTest::qWait(1);
     }
     QVERIFY(passes(*player, 49950));
-    QVERIFY(player->GetPosition() < 51000);
+    QVERIFY(player->GetPosition() <= run.latest());
 }
 
 void TestPlayer::aFinishedSongCanBeSoughtAndPlayedAgain()
@@ -318,10 +326,11 @@ void TestPlayer::aFinishedSongCanBeSoughtAndPlayedAgain()
         while (clock.elapsed() < 100)
             QCOMPARE(player->GetState(), int(PLAYER_STATE_PAUSED));
         QVERIFY(player->GetPosition() <= 100);
+        const Run run(100);
         player->Play();
         QCOMPARE(player->GetState(), int(PLAYER_STATE_PLAYING));
         QVERIFY(passes(*player, 200));
-        QVERIFY(player->GetPosition() < 1500);
+        QVERIFY(player->GetPosition() <= run.latest());
     }
 }
 
@@ -331,11 +340,12 @@ void TestPlayer::aFinishedSongStartsAnew()
     player->Seek(2700);
     player->Play();
     QVERIFY(reaches(*player, PLAYER_STATE_FINISHED));
+    const Run run(0);
     player->Play();
     QCOMPARE(player->GetState(), int(PLAYER_STATE_PLAYING));
-    QCOMPARE(player->GetPosition(), 0);
+    QVERIFY(player->GetPosition() <= run.latest());
     QVERIFY(passes(*player, 200));
-    QVERIFY(player->GetPosition() < 1500);
+    QVERIFY(player->GetPosition() <= run.latest());
 }
 
 void TestPlayer::aSeekBeyondTheEndFinishes()
@@ -356,7 +366,7 @@ void TestPlayer::anotherFileCanBeOpened()
     player->Play();
     QVERIFY(passes(*player, 100));
     QCOMPARE(open(*player, Fixtures::tone("ogg")), 0);
-    QCOMPARE(player->GetState(), int(PLAYER_STATE_PAUSED));
+    QVERIFY(reaches(*player, PLAYER_STATE_PAUSED));
     QCOMPARE(player->GetPosition(), 0);
     QCOMPARE(player->GetDuration(), 3000);
     QVERIFY(open(*player, path("none.ogg")) != 0);
@@ -382,14 +392,14 @@ void TestPlayer::lookingCostsNothing()
 {
     const Player player = opened(Fixtures::tone("wav"));
     player->Play();
-    QElapsedTimer clock;
-    clock.start();
-    for (int i = 0; i < 10000; ++i) {
-        player->GetPosition();
-        player->GetDuration();
-        player->GetState();
-    }
-    QVERIFY2(clock.elapsed() < 500, qPrintable(QString::number(clock.elapsed())));
+    const qint64 looking = processorMillisecondsOf([&player] {
+        for (int i = 0; i < 10000; ++i) {
+            player->GetPosition();
+            player->GetDuration();
+            player->GetState();
+        }
+    });
+    QVERIFY2(looking < 500, qPrintable(QString::number(looking)));
 }
 
 QTEST_GUILESS_MAIN(TestPlayer)

@@ -77,7 +77,7 @@ QByteArray soundOf(const QString& path)
                  {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
                   QStringLiteral("-map"), QStringLiteral("0:a"), QStringLiteral("-f"), QStringLiteral("md5"),
                   QStringLiteral("-")});
-    ffmpeg.waitForFinished();
+    ffmpeg.waitForFinished(patience);
     return ffmpeg.exitCode() == 0 ? ffmpeg.readAllStandardOutput() : QByteArray();
 }
 
@@ -326,7 +326,7 @@ void TestSave::anIndependentReaderAgrees()
                   {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_entries"),
                    QStringLiteral("format_tags:stream_tags:stream=codec_type"), QStringLiteral("-of"),
                    QStringLiteral("flat"), path});
-    QVERIFY(ffprobe.waitForFinished());
+    QVERIFY(ffprobe.waitForFinished(patience));
     const QString answer = QString::fromUtf8(ffprobe.readAllStandardOutput()).toLower();
     for (const char* text : {"nächte", "ida", "tide", "rock", "2012"})
         QVERIFY2(answer.contains(QString::fromUtf8(text)), qPrintable(answer));

@@ -31,7 +31,7 @@ namespace {
 const QHash<int, QString>& sample()
 {
     static const QHash<int, QString> texts = {
-        {TAG_TITLE, QStringLiteral("Añejo ☕ 夜")}, {TAG_ARTIST, QStringLiteral("Jörg")},
+        {TAG_ARTIST, QStringLiteral("Jörg")},      {TAG_TITLE, QStringLiteral("Añejo ☕ 夜")},
         {TAG_ALBUM, QStringLiteral("Blå timmen")}, {TAG_GENRE, QStringLiteral("Rock")},
         {TAG_YEAR, QStringLiteral("2012")},        {TAG_TRACK, QStringLiteral("3")}};
     return texts;

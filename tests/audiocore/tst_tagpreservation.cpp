@@ -45,8 +45,8 @@ QByteArray outputOf(const QString& program, const QStringList& arguments)
 {
     QProcess process;
     process.start(program, arguments);
-    return process.waitForFinished() && process.exitCode() == 0 ? process.readAllStandardOutput()
-                                                                : QByteArray();
+    return process.waitForFinished(patience) && process.exitCode() == 0 ? process.readAllStandardOutput()
+                                                                        : QByteArray();
 }
 
 TagLib::PropertyMap rareFields(const QString& kind)

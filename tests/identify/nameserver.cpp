@@ -43,7 +43,7 @@ void setReleased(bool released)
 bool NameServer::waitForQuestions(int count)
 {
     std::unique_lock<std::mutex> lock(gate().mutex);
-    return gate().changed.wait_for(lock, std::chrono::seconds(10),
+    return gate().changed.wait_for(lock, std::chrono::seconds(120),
                                    [count] { return gate().questions >= count; });
 }
 

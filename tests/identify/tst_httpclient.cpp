@@ -266,7 +266,7 @@ void TestHttpClient::certificatesAreVerified()
                  {"s_server", "-accept", "127.0.0.1:0", "-www", "-key", key, "-cert", certificate});
     QByteArray said;
     while (!said.contains("ACCEPT") || !said.endsWith('\n')) {
-        QVERIFY(server.waitForReadyRead(10000));
+        QVERIFY(server.waitForReadyRead(patience));
         said += server.readAllStandardOutput();
     }
     const QString port = QRegularExpression("ACCEPT 127\\.0\\.0\\.1:(\\d+)").match(said).captured(1);
@@ -275,7 +275,7 @@ void TestHttpClient::certificatesAreVerified()
     QCOMPARE(int(answer.outcome), int(Outcome::Failed));
     QVERIFY2(answer.error.find("certificate") != std::string::npos, answer.error.c_str());
     server.kill();
-    server.waitForFinished();
+    server.waitForFinished(patience);
 }
 
 QTEST_GUILESS_MAIN(TestHttpClient)

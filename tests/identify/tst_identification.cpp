@@ -406,6 +406,7 @@ void TestIdentification::slowDownHoldsForWhoeverAsksNext()
         TestServices services(server);
         QCOMPARE(int(identify(services.all()).status), int(IDENTIFY_REFUSED));
         const int asked = server.requests(IdentifyServer::MusicBrainz).size();
+        const auto refused = Cancellation::Clock::now();
         Cancellation cancellation;
         std::thread impatient([&cancellation] {
             std::this_thread::sleep_for(500ms);
@@ -414,6 +415,8 @@ void TestIdentification::slowDownHoldsForWhoeverAsksNext()
         const Identification next =
             audiocore::identifyFile(song().toStdString(), services.all(), cancellation);
         impatient.join();
+        if (Cancellation::Clock::now() - refused > 900ms && !*time)
+            continue; // on a busy machine the shortest wait is over before it is cancelled
         QCOMPARE(int(next.status), int(IDENTIFY_CANCELLED));
         QCOMPARE(server.requests(IdentifyServer::MusicBrainz).size(), asked);
     }

@@ -1,9 +1,14 @@
 // Changes a library without end, for the test that kills it:
 //     library_changer LIBRARY SEED
-// Says each answered change in a line: "D identifier", or "E identifier name".
+// Says each answered change in a line: "D identifier", or "E identifier name". Two edits of three put a
+// picture into the song as well: cover0.jpg or cover1.jpg beside the library, by the number that ends the
+// name. A change that is refused is left out, for another copy may be at work.
 #include "audiocore/log.h"
 #include "librarycalls.h"
 
+#include <QFileInfo>
+
+#include <chrono>
 #include <cstdio>
 #include <random>
 #include <thread>
@@ -13,7 +18,7 @@ int main(int argc, char* argv[])
 {
     if (argc != 3)
         return 2;
-    SetAudioCoreLogSink([](const char* line) { std::printf("L %s\n", line); });
+    SetAudioCoreLogSink([](const char*) {});
     setvbuf(stdout, nullptr, _IOLBF, 0);
     setITunesLibraryOption(argv[1]);
     const LibraryCalls::Reading reading = LibraryCalls::read();
@@ -29,8 +34,13 @@ int main(int argc, char* argv[])
         const quint64 id = ids[at].toULongLong(nullptr, 16);
         LibraryCalls::Edit edit;
         edit.name = "Edit " + QByteArray(argv[2]) + '-' + QByteArray::number(n);
-        if (edits ? LibraryCalls::edit(id, edit) != 0 : deleteMusic(id) == 0)
-            return 1;
+        if (n % 3 != 0)
+            edit.cover = QFileInfo(argv[1]).absolutePath() + QString("/cover%1.jpg").arg(n % 2);
+        if (edits ? LibraryCalls::edit(id, edit) != 0 : deleteMusic(id) == 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            closeITunesLibrary();
+            continue;
+        }
         if (edits)
             std::printf("E %s %s\n", ids[at].constData(), edit.name.constData());
         else

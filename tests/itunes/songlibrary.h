@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <sys/stat.h>
 
 /// A library of songs in a folder of its own, read by the calls that are tested.
@@ -22,6 +23,9 @@ public:
     QString path() const { return inFolder("Library.xml"); }
     QString journal() const { return path() + ".melodrift-journal"; }
     QString backup() const { return path() + ".melodrift-backup"; }
+    /// The version that was there first, and journals that could not be applied whole.
+    QStringList originals() const { return beside("Library.xml.melodrift-original-*"); }
+    QStringList keptJournals() const { return beside("Library.xml.melodrift-journal-kept-*"); }
     QString media(int number) const { return inFolder(QString("song%1.mp3").arg(number)); }
     QString inFolder(const QString& name) const { return m_folder.filePath(name); }
     static quint64 id(int number) { return Fixtures::itunesTrack(number).persistentId; }
@@ -50,6 +54,26 @@ public:
     /// What the file should hold, from the tracks and playlists as they are now.
     QByteArray document() const { return Fixtures::itunesLibrary(tracks, playlists); }
     QByteArray content() const { return LibraryCalls::contentOf(path()); }
+    /// The journal as a kill after the changes leaves it, without the line feeds that lie ready behind its
+    /// end.
+    QByteArray leftBy(const std::function<void()>& changes)
+    {
+        makeSongs(6, 1);
+        before = content();
+        changes();
+        QByteArray left = LibraryCalls::contentOf(journal());
+        while (left.endsWith("\n\n"))
+            left.chop(1);
+        closeITunesLibrary();
+        return left;
+    }
+    /// How many songs the library has with this journal beside it.
+    int countWith(const QByteArray& left) const
+    {
+        Fixtures::writeLibrary(path(), before);
+        Fixtures::writeLibrary(journal(), left);
+        return LibraryCalls::read(path()).count;
+    }
     QStringList temporaries() const
     {
         return QDir(folder()).entryList({".melodrift*"}, QDir::Files | QDir::Hidden);
@@ -57,8 +81,17 @@ public:
 
     QVector<Fixtures::ITunesTrack> tracks;
     QVector<Fixtures::ITunesPlaylist> playlists;
+    QByteArray before; ///< the library as no change has seen it
 
 private:
+    QStringList beside(const QString& pattern) const
+    {
+        QStringList paths;
+        for (const QString& name : QDir(folder()).entryList({pattern}))
+            paths.append(inFolder(name));
+        return paths;
+    }
+
     QTemporaryDir m_folder;
 };
 

@@ -16,10 +16,6 @@ using LibraryCalls::Edit;
 using Obstacle = std::function<bool(const QString& journal, const QString& precious)>;
 Q_DECLARE_METATYPE(Obstacle)
 
-namespace {
-constexpr int writingPause = 10000; // the longest wait for a writing in the background
-} // namespace
-
 class TestLibraryJournal : public QObject
 {
     Q_OBJECT
@@ -40,11 +36,7 @@ private slots:
     void aJournalThatAnotherTookThePlaceOfStays();
 
 private:
-    QByteArray leftBy(const std::function<void()>& changes);
-    int countWith(const QByteArray& journal);
-
     std::unique_ptr<SongLibrary> m_songs;
-    QByteArray m_before; ///< the library as no change has seen it
 };
 
 void TestLibraryJournal::init()
@@ -57,27 +49,6 @@ void TestLibraryJournal::cleanup()
     closeITunesLibrary();
     QVERIFY2(m_songs->temporaries().isEmpty(), qPrintable(m_songs->temporaries().join(' ')));
     m_songs.reset();
-}
-
-/// The journal as a kill after the changes leaves it, without the line feeds that lie ready behind its end.
-QByteArray TestLibraryJournal::leftBy(const std::function<void()>& changes)
-{
-    m_songs->makeSongs(6, 1);
-    m_before = m_songs->content();
-    changes();
-    QByteArray left = contentOf(m_songs->journal());
-    while (left.endsWith("\n\n"))
-        left.chop(1);
-    closeITunesLibrary();
-    return left;
-}
-
-/// How many songs the library has with this journal beside it.
-int TestLibraryJournal::countWith(const QByteArray& journal)
-{
-    Fixtures::writeLibrary(m_songs->path(), m_before);
-    Fixtures::writeLibrary(m_songs->journal(), journal);
-    return LibraryCalls::read(m_songs->path()).count;
 }
 
 void TestLibraryJournal::aJournalThatIsLeftIsApplied()
@@ -100,7 +71,7 @@ void TestLibraryJournal::aJournalThatIsLeftIsApplied()
             QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
         else
             launchiTunes();
-        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+        QTRY_VERIFY(!QFile::exists(m_songs->journal()));
         QCOMPARE(m_songs->content(), after);
         closeITunesLibrary();
     }
@@ -131,7 +102,7 @@ void TestLibraryJournal::aTornLineIsNoChange()
 
 void TestLibraryJournal::anotherProcessKeepsItsJournal()
 {
-    const QByteArray theirs = leftBy([this] { deleteMusic(m_songs->id(1)); });
+    const QByteArray theirs = m_songs->leftBy([this] { deleteMusic(m_songs->id(1)); });
     m_songs->makeSongs(3);
     Fixtures::writeLibrary(m_songs->journal(), theirs);
     const int lock = ::open(QFile::encodeName(m_songs->journal()).constData(), O_RDWR | O_CLOEXEC);
@@ -148,37 +119,37 @@ void TestLibraryJournal::anotherProcessKeepsItsJournal()
 
 void TestLibraryJournal::aTornLineIsForgottenByTheNextChange()
 {
-    const QByteArray whole = leftBy([this] { deleteMusic(m_songs->id(0)); });
-    QCOMPARE(countWith(whole.chopped(5)), 6);
+    const QByteArray whole = m_songs->leftBy([this] { deleteMusic(m_songs->id(0)); });
+    QCOMPARE(m_songs->countWith(whole.chopped(5)), 6);
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
     const QByteArray next = contentOf(m_songs->journal());
     closeITunesLibrary();
     // As if another kill had left that: nothing in it is damaged.
-    QCOMPARE(countWith(next), 5);
+    QCOMPARE(m_songs->countWith(next), 5);
     closeITunesLibrary();
     QVERIFY(AudioFile::takeLog().isEmpty());
 }
 
 void TestLibraryJournal::aDamagedLineIsToldAndKept()
 {
-    const QByteArray whole = leftBy([this] {
+    const QByteArray whole = m_songs->leftBy([this] {
         for (const int song : {1, 2, 3})
             deleteMusic(m_songs->id(song));
     });
     QByteArray damaged = whole;
     const int at = damaged.indexOf(Fixtures::itunesIdentifier(m_songs->id(2)));
     damaged[at] = damaged.at(at) == '7' ? '8' : '7';
-    QCOMPARE(countWith(damaged), 4);
+    QCOMPARE(m_songs->countWith(damaged), 4);
     const QStringList log = AudioFile::takeLog();
     QCOMPARE(log.size(), 1);
     QVERIFY2(log.first().contains("(1)"), qPrintable(log.first()));
-    const QString kept = m_songs->journal() + "-damaged";
+    const QString kept = m_songs->keptJournals().value(0);
     QCOMPARE(contentOf(kept), damaged);
     // Not told again, nor taken for something else.
     const QByteArray next = contentOf(m_songs->journal());
     closeITunesLibrary();
     QVERIFY(!QFile::exists(m_songs->journal()));
-    QCOMPARE(countWith(next), 4);
+    QCOMPARE(m_songs->countWith(next), 4);
     closeITunesLibrary();
     QVERIFY(AudioFile::takeLog().isEmpty());
     QCOMPARE(contentOf(kept), damaged);
@@ -186,15 +157,15 @@ void TestLibraryJournal::aDamagedLineIsToldAndKept()
 
 void TestLibraryJournal::anEditThatFailedIsNoDamage()
 {
-    const QByteArray whole = leftBy([this] {
+    const QByteArray whole = m_songs->leftBy([this] {
         QVERIFY(LibraryCalls::edit(m_songs->id(5), Edit()) != 0); // there is no such file
         deleteMusic(m_songs->id(1));
     });
     AudioFile::takeLog();
-    QCOMPARE(countWith(whole), 5);
+    QCOMPARE(m_songs->countWith(whole), 5);
     closeITunesLibrary();
     QVERIFY(AudioFile::takeLog().isEmpty());
-    QVERIFY(!QFile::exists(m_songs->journal() + "-damaged"));
+    QVERIFY(m_songs->keptJournals().isEmpty());
 }
 
 void TestLibraryJournal::whatIsNoJournalIsLeftAlone_data()
@@ -266,9 +237,9 @@ void TestLibraryJournal::whatIsEmptyBecomesTheJournal()
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
     const QByteArray left = contentOf(m_songs->journal());
     QVERIFY(!left.contains('\0'));
-    m_before = m_songs->content();
+    m_songs->before = m_songs->content();
     closeITunesLibrary();
-    QCOMPARE(countWith(left), 2);
+    QCOMPARE(m_songs->countWith(left), 2);
     QVERIFY(AudioFile::takeLog().isEmpty());
 }
 

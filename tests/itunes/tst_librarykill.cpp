@@ -22,6 +22,12 @@ using LibraryCalls::Reading;
 namespace {
 constexpr int editedSongs = 3; // those with a media file
 
+/// What the changer puts into songs.
+QByteArray pictureOf(int cover)
+{
+    return Fixtures::jpeg(60 + cover, 60, 3);
+}
+
 /// What an independent parser says.
 bool isWellFormed(const QByteArray& document)
 {
@@ -43,18 +49,17 @@ private slots:
 
 private:
     void makeFresh();
-    QByteArray outputOfKilledChanger(int seed);
-    void noteAnswers(const QByteArray& output);
-    void noteEdit(const QByteArray& id, const QByteArray& name);
-    void everyAnswerHolds();
-    int tagsThatWereNotAnswered();
+    QList<QByteArray> outputsOfKilledChangers(const QStringList& seeds, bool atWork);
+    void noteAnswers(const QList<QByteArray>& outputs);
+    void everyAnswerHolds(int killed);
+    void theSongSays(int song, const QByteArray& name);
     void everythingIsWritten();
     QByteArray expectedDocument() const;
 
     SongLibrary m_songs;
-    QSet<QByteArray> m_left;               ///< identifiers
-    QHash<QByteArray, QByteArray> m_names; ///< by identifier
-    QString m_titles[editedSongs];         ///< in the media files' tags
+    QSet<QByteArray> m_left; ///< identifiers
+    /// By identifier: of those that were answered last by several copies at once one holds.
+    QHash<QByteArray, QSet<QByteArray>> m_names;
     QRandomGenerator m_random{11};
     int m_changes = 0;
 };
@@ -65,69 +70,77 @@ void TestLibraryKill::makeFresh()
     m_songs.makeSongs(songs, editedSongs);
     for (const Fixtures::ITunesTrack& track : qAsConst(m_songs.tracks)) {
         m_left.insert(Fixtures::itunesIdentifier(track.persistentId));
-        m_names.insert(Fixtures::itunesIdentifier(track.persistentId), track.name);
+        m_names.insert(Fixtures::itunesIdentifier(track.persistentId), {track.name});
     }
-    for (int song = 0; song < editedSongs; ++song)
-        m_titles[song] = AudioFile::read(m_songs.media(song)).texts.value(TAG_TITLE);
+    for (int cover = 0; cover < 2; ++cover)
+        Fixtures::writeLibrary(m_songs.inFolder(QString("cover%1.jpg").arg(cover)), pictureOf(cover));
     closeITunesLibrary();
 }
 
-QByteArray TestLibraryKill::outputOfKilledChanger(int seed)
+/// What the programs said that ran at once and were killed: at work, or not long after their start.
+QList<QByteArray> TestLibraryKill::outputsOfKilledChangers(const QStringList& seeds, bool atWork)
 {
-    QProcess changer;
-    changer.start(QCoreApplication::applicationDirPath() + "/library_changer",
-                  {m_songs.path(), QString::number(seed)});
-    if (!changer.waitForReadyRead(30000)) // it is at work
-        return QByteArray();
-    ::usleep(useconds_t(m_random.bounded(40000)));
-    changer.kill();
-    changer.waitForFinished();
-    const QByteArray output = changer.readAllStandardOutput();
-    return output.left(output.lastIndexOf('\n') + 1);
-}
-
-void TestLibraryKill::noteAnswers(const QByteArray& output)
-{
-    for (const QByteArray& line : output.trimmed().split('\n')) {
-        QVERIFY2(line.startsWith("D ") || line.startsWith("E "), line.constData());
-        ++m_changes;
-        const QByteArray id = line.mid(2, 16);
-        if (line.startsWith("D "))
-            m_left.remove(id);
-        else
-            noteEdit(id, line.mid(19));
+    std::vector<std::unique_ptr<QProcess>> changers;
+    for (const QString& seed : seeds) {
+        changers.push_back(std::make_unique<QProcess>());
+        changers.back()->start(QCoreApplication::applicationDirPath() + "/library_changer",
+                               {m_songs.path(), seed});
     }
-}
-
-void TestLibraryKill::noteEdit(const QByteArray& id, const QByteArray& name)
-{
-    m_names.insert(id, name);
-    for (int song = 0; song < editedSongs; ++song)
-        if (id == Fixtures::itunesIdentifier(SongLibrary::id(song)))
-            m_titles[song] = QString::fromUtf8(name);
-}
-
-/// An edit is in the media file before it is in the library: the one that was not answered any more may have
-/// come so far.
-int TestLibraryKill::tagsThatWereNotAnswered()
-{
-    int count = 0;
-    for (int song = 0; song < editedSongs; ++song) {
-        const AudioFile::Content content = AudioFile::read(m_songs.media(song));
-        const QString title = content.texts.value(TAG_TITLE);
-        count += title != m_titles[song];
-        m_titles[song] = title;
-        if (!title.isEmpty() && content.texts.value(TAG_ALBUM) != QString(LibraryCalls::Edit().album))
-            return editedSongs; // torn
+    for (const auto& changer : changers)
+        if (atWork ? !changer->waitForReadyRead(patience) : !changer->waitForStarted(patience))
+            return {};
+    ::usleep(useconds_t(m_random.bounded(atWork ? 40000 : 80000)));
+    QList<QByteArray> outputs;
+    for (const auto& changer : changers)
+        changer->kill();
+    for (const auto& changer : changers) {
+        changer->waitForFinished(patience);
+        const QByteArray output = changer->readAllStandardOutput();
+        outputs.append(output.left(output.lastIndexOf('\n') + 1));
     }
-    return count;
+    return outputs;
 }
 
-/// The one change that was not answered any more may have happened or not.
-void TestLibraryKill::everyAnswerHolds()
+void TestLibraryKill::noteAnswers(const QList<QByteArray>& outputs)
+{
+    QHash<QByteArray, QSet<QByteArray>> names;
+    for (const QByteArray& output : outputs) {
+        QHash<QByteArray, QByteArray> last;
+        for (const QByteArray& line : output.split('\n')) {
+            if (line.isEmpty())
+                continue;
+            QVERIFY2(line.startsWith("D ") || line.startsWith("E "), line.constData());
+            ++m_changes;
+            const QByteArray id = line.mid(2, 16);
+            if (line.startsWith("D "))
+                m_left.remove(id);
+            else
+                last.insert(id, line.mid(19));
+        }
+        for (auto name = last.cbegin(); name != last.cend(); ++name)
+            names[name.key()].insert(name.value());
+    }
+    for (auto name = names.cbegin(); name != names.cend(); ++name)
+        m_names.insert(name.key(), name.value());
+}
+
+/// An edit that was begun is in both or in neither, all of it.
+void TestLibraryKill::theSongSays(int song, const QByteArray& name)
+{
+    const AudioFile::Content content = AudioFile::read(m_songs.media(song));
+    const bool edited = name.startsWith("Edit ");
+    QCOMPARE(content.texts.value(TAG_TITLE), edited ? QString::fromUtf8(name) : QString());
+    QCOMPARE(content.texts.value(TAG_ALBUM), edited ? QString(LibraryCalls::Edit().album) : QString());
+    const int number = name.mid(name.lastIndexOf('-') + 1).toInt();
+    if (edited && number % 3 != 0)
+        QCOMPARE(content.picture, pictureOf(number % 2));
+}
+
+/// The one change of each program that was not answered any more may have happened or not.
+void TestLibraryKill::everyAnswerHolds(int killed)
 {
     QVERIFY(isWellFormed(m_songs.content()));
-    QVERIFY(isWellFormed(contentOf(m_songs.backup())));
+    QVERIFY(isWellFormed(contentOf(m_songs.originals().value(0))));
     const Reading reading = LibraryCalls::read(m_songs.path());
     QSet<QByteArray> there;
     int unanswered = m_left.size() - reading.count;
@@ -137,14 +150,15 @@ void TestLibraryKill::everyAnswerHolds()
         QVERIFY(m_left.contains(id));
         QVERIFY(record.location);
         there.insert(id);
-        if (m_names.value(id) != record.name) {
-            ++unanswered;
-            noteEdit(id, record.name);
-        }
+        unanswered += !m_names.value(id).contains(record.name);
+        m_names.insert(id, {record.name});
+        for (int song = 0; song < editedSongs; ++song)
+            if (id == Fixtures::itunesIdentifier(SongLibrary::id(song)))
+                theSongSays(song, record.name);
     }
     QCOMPARE(there.size(), reading.count);
-    unanswered += tagsThatWereNotAnswered();
-    QVERIFY2(unanswered == 0 || unanswered == 1, qPrintable(QString::number(unanswered)));
+    QVERIFY2(unanswered >= 0 && unanswered <= killed, qPrintable(QString::number(unanswered)));
+    QVERIFY(m_songs.keptJournals().isEmpty());
     m_left = there;
     closeITunesLibrary();
 }
@@ -161,8 +175,9 @@ QByteArray TestLibraryKill::expectedDocument() const
             gone.insert(track.trackId);
             continue;
         }
-        if (m_names.value(id) != track.name) {
-            track.name = m_names.value(id);
+        const QByteArray name = *m_names.value(id).constBegin();
+        if (name != track.name) {
+            track.name = name;
             track.album = edit.album;
             track.artist = edit.artist;
             track.genre = edit.genre;
@@ -188,7 +203,7 @@ void TestLibraryKill::everythingIsWritten()
     const Reading reading = LibraryCalls::read(m_songs.path());
     QCOMPARE(reading.count, m_left.size());
     for (int i = 0; i < reading.count; ++i)
-        QCOMPARE(m_names.value(reading.records[i].persistentId), QByteArray(reading.records[i].name));
+        QVERIFY(m_names.value(reading.records[i].persistentId).contains(reading.records[i].name));
     closeITunesLibrary();
 }
 
@@ -200,11 +215,15 @@ void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
     for (int i = 0; i < kills; ++i) {
         if (m_left.size() < 200)
             makeFresh();
-        const QByteArray output = outputOfKilledChanger(i);
-        noteAnswers(output);
+        // Alone, two at once, and one that is killed when it takes over what the first one left.
+        const QString seed = QString::number(i);
+        noteAnswers(outputsOfKilledChangers(
+            i % 4 == 1 ? QStringList({seed, seed + "000"}) : QStringList(seed), true));
+        if (i % 4 == 3)
+            noteAnswers(outputsOfKilledChangers({seed + "000"}, false));
         journals += QFile::exists(m_songs.journal());
         writings += !m_songs.temporaries().isEmpty();
-        everyAnswerHolds();
+        everyAnswerHolds(i % 2 + 1);
         everythingIsWritten();
         if (QTest::currentTestFailed())
             return;
@@ -244,12 +263,12 @@ void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
                                    {songs.path(), gatePath, Fixtures::itunesIdentifier(SongLibrary::id(i))});
         }
         for (const auto& starter : starters)
-            QVERIFY(starter->waitForReadyRead(30000));
+            QVERIFY(starter->waitForReadyRead(patience));
         ::close(gate);
         QSet<QByteArray> gone;
         for (int i = 0; i < programs; ++i) {
             QByteArray output = starters[i]->readAll();
-            while (output.count('\n') < 2 && starters[i]->waitForReadyRead(30000))
+            while (output.count('\n') < 2 && starters[i]->waitForReadyRead(patience))
                 output += starters[i]->readAll();
             if (output == "ready\n1\n")
                 gone.insert(Fixtures::itunesIdentifier(SongLibrary::id(i)));
@@ -258,7 +277,7 @@ void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
         }
         for (const auto& starter : starters) {
             starter->kill();
-            starter->waitForFinished();
+            starter->waitForFinished(patience);
         }
         answered += gone.size();
         const Reading reading = LibraryCalls::read(songs.path());

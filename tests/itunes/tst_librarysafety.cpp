@@ -13,10 +13,6 @@ using LibraryCalls::contentOf;
 using LibraryCalls::Edit;
 using LibraryCalls::Reading;
 
-namespace {
-constexpr int writingPause = 10000; // the longest wait for a writing in the background
-} // namespace
-
 class TestLibrarySafety : public QObject
 {
     Q_OBJECT
@@ -75,7 +71,7 @@ void TestLibrarySafety::theFileIsWrittenWhenTheChangesPause()
     m_songs->makeSongs(3);
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
     QVERIFY(QFile::exists(m_songs->journal()));
-    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+    QTRY_VERIFY(!QFile::exists(m_songs->journal()));
     m_songs->playlists[0].trackIds.removeAll(m_songs->tracks.at(1).trackId);
     m_songs->playlists[1].trackIds.clear();
     m_songs->tracks.removeAt(1);
@@ -84,20 +80,20 @@ void TestLibrarySafety::theFileIsWrittenWhenTheChangesPause()
     QCOMPARE(LibraryCalls::read().count, 2);
     // And again, with a new journal.
     QCOMPARE(int(deleteMusic(m_songs->id(2))), 1);
-    QTRY_VERIFY_WITH_TIMEOUT(m_songs->content() != written, writingPause);
+    QTRY_VERIFY(m_songs->content() != written);
 }
 
 void TestLibrarySafety::oneBackupHoldsTheFileAsItWas()
 {
     m_songs->makeSongs(4);
     const QByteArray before = m_songs->content();
-    QVERIFY(!QFile::exists(m_songs->backup()));
+    QVERIFY(m_songs->originals().isEmpty());
     QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
-    QCOMPARE(contentOf(m_songs->backup()), before);
-    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+    QCOMPARE(contentOf(m_songs->originals().value(0)), before);
+    QTRY_VERIFY(!QFile::exists(m_songs->journal()));
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
     closeITunesLibrary();
-    QCOMPARE(contentOf(m_songs->backup()), before);
+    QCOMPARE(contentOf(m_songs->originals().value(0)), before);
     QCOMPARE(QDir(m_songs->folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
@@ -105,7 +101,9 @@ void TestLibrarySafety::theBackupTakesThePlaceOfLinksAndPipes()
 {
     const QString precious = Fixtures::writeLibrary(m_songs->inFolder("precious"), "precious");
     for (const bool link : {true, false}) {
-        m_songs->makeSongs(3);
+        m_songs->makeSongs(link ? 4 : 5);
+        QCOMPARE(int(deleteMusic(m_songs->id(3))), 1);
+        closeITunesLibrary(); // it had its first backup
         const QByteArray before = m_songs->content();
         QFile::remove(m_songs->backup());
         if (link)
@@ -118,13 +116,15 @@ void TestLibrarySafety::theBackupTakesThePlaceOfLinksAndPipes()
         QVERIFY(backup.isFile() && !backup.isSymLink());
         QCOMPARE(contentOf(m_songs->backup()), before);
         QCOMPARE(contentOf(precious), QByteArray("precious"));
-        QCOMPARE(LibraryCalls::read(m_songs->path()).count, 2);
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, link ? 2 : 3);
     }
 }
 
 void TestLibrarySafety::aFolderAtTheBackupsNameFailsTheChange()
 {
-    m_songs->makeSongs(3);
+    m_songs->makeSongs(4);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    closeITunesLibrary();
     const QByteArray before = m_songs->content();
     QVERIFY(QDir().mkdir(m_songs->backup()));
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 0);
@@ -194,9 +194,9 @@ void TestLibrarySafety::aBrokenFileIsNoBackup()
     AudioFile::takeLog();
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
     QCOMPARE(int(deleteMusic(m_songs->id(2))), 1);
-    QCOMPARE(contentOf(m_songs->backup()), first);
     closeITunesLibrary();
-    QCOMPARE(contentOf(m_songs->backup()), first);
+    QVERIFY(!QFile::exists(m_songs->backup()));
+    QCOMPARE(contentOf(m_songs->originals().value(0)), first);
     QCOMPARE(m_songs->content(), broken);
     const QStringList log = AudioFile::takeLog();
     QCOMPARE(log.size(), 1);
@@ -217,9 +217,9 @@ void TestLibrarySafety::aFailedWritingIsTriedAgain()
     QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
     Fixtures::writeLibrary(m_songs->path(), before.left(before.size() / 2));
     QStringList log;
-    QTRY_VERIFY_WITH_TIMEOUT(!(log += AudioFile::takeLog()).isEmpty(), writingPause);
+    QTRY_VERIFY(!(log += AudioFile::takeLog()).isEmpty());
     Fixtures::writeLibrary(m_songs->path(), before);
-    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), writingPause);
+    QTRY_VERIFY(!QFile::exists(m_songs->journal()));
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
     log += AudioFile::takeLog();
     QVERIFY2(log.size() == 1, qPrintable(log.join('\n')));

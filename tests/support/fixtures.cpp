@@ -36,13 +36,20 @@ const QHash<QString, Encoding>& encodings()
     return table;
 }
 
+constexpr int longestPart = 60000; // ms
+
 void encode(const QString& kind, int milliseconds, const QString& target)
 {
-    // A tone over noise that comes and goes, so that a variable bit rate varies.
+    // A tone over noise that comes and goes, so that a variable bit rate varies. Computing it takes as long
+    // as encoding it: long ones repeat it.
     const QString source =
         QStringLiteral("aevalsrc=0.2*sin(440*2*PI*t)+0.3*(random(0)-0.5)*gt(mod(t\\,2)\\,1):s=44100:"
-                       "c=stereo:d=%1")
-            .arg(milliseconds / 1000.0, 0, 'f', 3);
+                       "c=stereo:d=%1%2")
+            .arg(qMin(milliseconds, longestPart) / 1000.0, 0, 'f', 3)
+            .arg(milliseconds > longestPart ? QStringLiteral(",aloop=-1:%1,atrim=0:%2")
+                                                  .arg(longestPart / 1000 * 44100)
+                                                  .arg(milliseconds / 1000.0, 0, 'f', 3)
+                                            : QString());
     QStringList arguments{QStringLiteral("-v"),
                           QStringLiteral("error"),
                           QStringLiteral("-y"),
@@ -55,7 +62,7 @@ void encode(const QString& kind, int milliseconds, const QString& target)
               << target;
     QProcess ffmpeg;
     ffmpeg.start(QStringLiteral("ffmpeg"), arguments);
-    if (!ffmpeg.waitForFinished(60000) || ffmpeg.exitCode() != 0)
+    if (!ffmpeg.waitForFinished(600000) || ffmpeg.exitCode() != 0)
         qFatal("ffmpeg cannot make %s: %s", qUtf8Printable(target),
                ffmpeg.readAllStandardError().constData());
 }

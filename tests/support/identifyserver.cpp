@@ -191,7 +191,7 @@ QList<IdentifyServer::Request> IdentifyServer::requests(Service service) const
 bool IdentifyServer::waitForRequests(Service service, int count) const
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    return m_came.wait_for(lock, std::chrono::seconds(10), [this, service, count] {
+    return m_came.wait_for(lock, std::chrono::seconds(120), [this, service, count] {
         return std::count_if(m_requests.begin(), m_requests.end(), [service](const Request& request) {
                    return request.service == service;
                }) >= count;

@@ -81,7 +81,7 @@ public:
 
     QList<Request> requests() const;
     QList<Request> requests(Service service) const;
-    /// Waits until this many requests have come to the service; false after ten seconds.
+    /// Waits until this many requests have come to the service; false after two minutes.
     bool waitForRequests(Service service, int count) const;
 
     static QByteArray picture();

@@ -16,6 +16,10 @@ struct FreeContext
 {
     void operator()(ChromaprintContext* context) const { chromaprint_free(context); }
 };
+struct FreeText
+{
+    void operator()(char* text) const { chromaprint_dealloc(text); }
+};
 using Context = std::unique_ptr<ChromaprintContext, FreeContext>;
 
 std::string textOf(ChromaprintContext* context)
@@ -26,9 +30,8 @@ std::string textOf(ChromaprintContext* context)
     if (!chromaprint_finish(context) || !chromaprint_get_raw_fingerprint_size(context, &items) ||
         items == 0 || !chromaprint_get_fingerprint(context, &text))
         return std::string();
-    std::string result(text);
-    chromaprint_dealloc(text);
-    return result;
+    const std::unique_ptr<char, FreeText> owned(text);
+    return text;
 }
 
 /// The length by the stream's own frames where there is one: a container's is a guess in some formats.

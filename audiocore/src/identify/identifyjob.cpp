@@ -2,7 +2,6 @@
 
 #include "log.h"
 
-#include <cstdio>
 #include <exception>
 #include <new>
 
@@ -10,14 +9,9 @@ using audiocore::Identification;
 using audiocore::IdentifyJob;
 
 namespace {
-/// Nothing that goes wrong here goes further.
-void logFailure(const std::string& path, const char* reason) noexcept
+void tellFailure(const std::string& path, const char* fault) noexcept
 {
-    try {
-        audiocore::logLine(path, std::string("is not identified: ") + reason);
-    } catch (const std::bad_alloc&) {
-        std::fputs("a song is not identified, and memory is too short to tell which\n", stderr);
-    }
+    audiocore::logFailure(path, "is not identified", fault);
 }
 } // namespace
 
@@ -61,10 +55,10 @@ Identification IdentifyJob::workOrFailure() const
         return m_work(m_path, m_cancellation);
     } catch (const std::bad_alloc& shortage) {
         failed.status = IDENTIFY_NO_MEMORY;
-        logFailure(m_path, shortage.what());
+        tellFailure(m_path, shortage.what());
     } catch (const std::exception& fault) {
         failed.status = IDENTIFY_NOT_UNDERSTOOD;
-        logFailure(m_path, fault.what());
+        tellFailure(m_path, fault.what());
     }
     return failed;
 }
@@ -81,7 +75,7 @@ void IdentifyJob::end(Identification&& found)
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_found = std::move(found);
     if (m_cancellation.isCancelled()) {
-        logFailure(m_path, "cancelled");
+        tellFailure(m_path, "cancelled");
         m_found = Identification();
         m_found.status = IDENTIFY_CANCELLED;
     }

@@ -45,7 +45,7 @@ MediaInput::~MediaInput()
 {
     avformat_close_input(&m_demuxer);
     if (m_io)
-        av_freep(&m_io->buffer);
+        av_freep(static_cast<void*>(&m_io->buffer)); // takes any pointer's address
     avio_context_free(&m_io);
     if (m_file)
         std::fclose(m_file);

@@ -2,6 +2,8 @@
 
 #include "identify/address.h"
 
+#include <new>
+
 using audiocore::HttpAnswer;
 using audiocore::Transfer;
 
@@ -59,25 +61,30 @@ void Transfer::setUp(const Times& times)
     curl_easy_setopt(m_easy, CURLOPT_HEADERDATA, this);
 }
 
-std::size_t Transfer::takeBody(char* bytes, std::size_t size, std::size_t count, void* self)
+std::size_t Transfer::takeBody(char* bytes, std::size_t size, std::size_t count, void* self) noexcept
 {
     auto* transfer = static_cast<Transfer*>(self);
     std::string& body = transfer->m_answer.body;
     if (size * count > transfer->m_request.largestAnswer - body.size()) {
-        transfer->m_answer.error = "the answer is too long";
+        transfer->m_refusal = "the answer is too long";
         return 0;
     }
-    body.append(bytes, size * count);
+    try {
+        body.append(bytes, size * count);
+    } catch (const std::bad_alloc&) {
+        transfer->m_fault = std::current_exception();
+        return 0;
+    }
     return size * count;
 }
 
-std::size_t Transfer::takeHeader(char*, std::size_t size, std::size_t count, void* self)
+std::size_t Transfer::takeHeader(char*, std::size_t size, std::size_t count, void* self) noexcept
 {
     auto* transfer = static_cast<Transfer*>(self);
     transfer->m_headerBytes += size * count;
     if (transfer->m_headerBytes <= mostHeaderBytes)
         return size * count;
-    transfer->m_answer.error = "the answer's headers are too long";
+    transfer->m_refusal = "the answer's headers are too long";
     return 0;
 }
 
@@ -94,6 +101,8 @@ HttpAnswer Transfer::run(const Cancellation& cancellation)
             m_answer.error = curl_multi_strerror(result);
             break;
         }
+        if (m_fault)
+            std::rethrow_exception(m_fault);
         if (running > 0)
             curl_multi_poll(m_multi, nullptr, 0, pollMilliseconds, nullptr);
     }
@@ -109,8 +118,7 @@ HttpAnswer Transfer::run(const Cancellation& cancellation)
 void Transfer::finish(CURLcode result)
 {
     if (result != CURLE_OK) {
-        if (m_answer.error.empty())
-            m_answer.error = curl_easy_strerror(result);
+        m_answer.error = m_refusal ? m_refusal : curl_easy_strerror(result);
         return;
     }
     long code = 0;

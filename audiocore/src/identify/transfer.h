@@ -4,6 +4,7 @@
 
 #include <curl/curl.h>
 
+#include <exception>
 #include <memory>
 
 namespace audiocore {
@@ -29,12 +30,14 @@ public:
 private:
     void setUp(const Times& times);
     void finish(CURLcode result);
-    static std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* self);
-    static std::size_t takeHeader(char* bytes, std::size_t size, std::size_t count, void* self);
+    static std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* self) noexcept;
+    static std::size_t takeHeader(char* bytes, std::size_t size, std::size_t count, void* self) noexcept;
 
     const HttpRequest m_request;
     HttpAnswer m_answer;
     std::size_t m_headerBytes = 0;
+    const char* m_refusal = nullptr; ///< why the answer was not taken whole
+    std::exception_ptr m_fault;      ///< thrown while the library called, and due once it has returned
     CURL* m_easy = nullptr;
     CURLM* m_multi = nullptr;
 };

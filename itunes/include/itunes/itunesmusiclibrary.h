@@ -9,6 +9,10 @@
 /// the records. Any thread.
 void GetMusicInfo(iTunesTrackRecord** records, int* count);
 
+/// Why the last reading gave nothing though there is a library file, with line and column where it is broken;
+/// empty otherwise. UTF-8 for people, valid until the next call of GetMusicInfo. Any thread.
+const char* iTunesLibraryProblem();
+
 /// Names the library file to use, UTF-8; null or empty: the one that the environment variable
 /// MELODRIFT_ITUNES_LIBRARY names, else the first of the usual ones. Holds from the next reading on; what is
 /// pending for another file is written first.

@@ -4,7 +4,9 @@
 
 #include <stdint.h>
 
-/// Writes a track's fields into its media file's tags and into its entry in the library file. All texts are
+/// Writes a track's fields into its media file's tags and into its entry in the library file. Fields that are
+/// as the last reading delivered them, or the last such call made them, stay as they are in both, whoever
+/// changed them since; a track that is no longer in the library file is not edited at all. All texts are
 /// zero-terminated; name, album and artist are UTF-8, genre and coverPath in the local 8-bit encoding. Null
 /// texts count as empty; empty texts and a year of 0 or less take the field out. The picture file at
 /// coverPath becomes the artwork, unless there is no such file or the artwork is the same already. 0 on

@@ -1,0 +1,189 @@
+#include "newfile.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+namespace platform = audiocore::platform;
+using platform::NewFile;
+
+class TestNewFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void aFileThatTakesNoPlaceGoes();
+    void aNewFileIsNobodyElses();
+    void theOriginalIsReplacedWhileItIsAsItWas();
+    void anyNameIsTaken_data();
+    void anyNameIsTaken();
+    void aFreeNameIsNoOthers_data();
+    void aFreeNameIsNoOthers();
+    void aFurtherNameIsOneOfTheSameFile();
+    void anotherFileGetsNoFurtherName();
+    void aFileIsRenamedOverAnother();
+
+private:
+    std::string at(const char* name) const { return m_folder->filePath(name).toStdString(); }
+    void write(const char* name, const QByteArray& bytes) const
+    {
+        QFile file(m_folder->filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    QByteArray read(const char* name) const
+    {
+        QFile file(m_folder->filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
+    }
+    QStringList names() const
+    {
+        return QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
+    }
+    std::unique_ptr<NewFile> written(const char* beside, const char* bytes)
+    {
+        auto file = NewFile::beside(at(beside), NewFile::Content::Empty, m_error);
+        if (file)
+            platform::writeAt(file->file(), 0, bytes, qstrlen(bytes));
+        return file;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::string m_error;
+};
+
+void TestNewFile::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_error.clear();
+    write("file", "old");
+}
+
+void TestNewFile::aFileThatTakesNoPlaceGoes()
+{
+    QVERIFY(written("file", "new"));
+    QCOMPARE(names(), QStringList("file"));
+    QCOMPARE(read("file"), QByteArray("old"));
+    QVERIFY(!written("no such file", "new"));
+    QVERIFY(!m_error.empty());
+}
+
+void TestNewFile::aNewFileIsNobodyElses()
+{
+    const auto file = NewFile::forName(at("name"), m_error);
+    QVERIFY(file);
+    QCOMPARE(names().size(), 2);
+    struct stat status = {};
+    QCOMPARE(::stat(at(names().first().toUtf8().constData()).c_str(), &status), 0);
+    QCOMPARE(int(status.st_mode & 07777), 0600);
+}
+
+void TestNewFile::theOriginalIsReplacedWhileItIsAsItWas()
+{
+    auto file = written("file", "new");
+    QCOMPARE(file->replaceOriginal(m_error), NewFile::Taking::Done);
+    file.reset();
+    QCOMPARE(read("file"), QByteArray("new"));
+
+    file = written("file", "newer");
+    write("file", "by another program");
+    QCOMPARE(file->replaceOriginal(m_error), NewFile::Taking::ChangedMeanwhile);
+    QVERIFY(!m_error.empty());
+    file.reset();
+    QCOMPARE(read("file"), QByteArray("by another program"));
+    QCOMPARE(names(), QStringList("file"));
+}
+
+static void addObstacles()
+{
+    QTest::addColumn<QString>("there");
+    QTest::newRow("a file") << "file";
+    QTest::newRow("a link to a file") << "link";
+    QTest::newRow("a link to nowhere") << "broken link";
+}
+
+static bool putInTheWay(const QString& there, const QString& path)
+{
+    QFile file(path);
+    if (there == "file")
+        return file.open(QIODevice::WriteOnly) && file.write("there") == 5;
+    return QFile::link(there == "link" ? "file" : "nowhere", path);
+}
+
+void TestNewFile::anyNameIsTaken_data()
+{
+    addObstacles();
+}
+
+void TestNewFile::anyNameIsTaken()
+{
+    QFETCH(QString, there);
+    QVERIFY(putInTheWay(there, m_folder->filePath("kept")));
+    QCOMPARE(written("file", "new")->takeName(at("kept"), m_error), NewFile::Taking::Done);
+    QVERIFY(!QFileInfo(m_folder->filePath("kept")).isSymLink());
+    QCOMPARE(read("kept"), QByteArray("new"));
+    QCOMPARE(read("file"), QByteArray("old"));
+    QCOMPARE(names(), QStringList({"file", "kept"}));
+}
+
+void TestNewFile::aFreeNameIsNoOthers_data()
+{
+    addObstacles();
+}
+
+void TestNewFile::aFreeNameIsNoOthers()
+{
+    QFETCH(QString, there);
+    QVERIFY(putInTheWay(there, m_folder->filePath("kept")));
+    const QByteArray before = read("kept");
+    {
+        const auto file = written("file", "new");
+        QCOMPARE(file->takeFreeName(at("kept"), m_error), NewFile::Taking::NameTaken);
+        QCOMPARE(file->takeFreeName(at("kept-2"), m_error), NewFile::Taking::Done);
+    }
+    QCOMPARE(read("kept"), before);
+    QCOMPARE(read("kept-2"), QByteArray("new"));
+    QVERIFY(!names().first().startsWith('.'));
+}
+
+void TestNewFile::aFurtherNameIsOneOfTheSameFile()
+{
+    for (int round = 0; round < 2; ++round) { // also over itself
+        std::FILE* open = platform::openFile(at("file"), false);
+        const auto link = NewFile::linkOf(open, at("file"), at("other"), m_error);
+        std::fclose(open);
+        QVERIFY(link);
+        QCOMPARE(link->takeName(at("other"), m_error), NewFile::Taking::Done);
+    }
+    QCOMPARE(names(), QStringList({"file", "other"}));
+    platform::FileState file;
+    platform::FileState other;
+    QVERIFY(platform::stateOf(at("file"), file) && platform::stateOf(at("other"), other));
+    QVERIFY(file.isOf(other));
+}
+
+void TestNewFile::anotherFileGetsNoFurtherName()
+{
+    std::FILE* open = platform::openFile(at("file"), false);
+    QFile::remove(m_folder->filePath("file"));
+    write("file", "another");
+    QVERIFY(!NewFile::linkOf(open, at("file"), at("other"), m_error));
+    std::fclose(open);
+    QVERIFY(!m_error.empty());
+    QCOMPARE(names(), QStringList("file"));
+}
+
+void TestNewFile::aFileIsRenamedOverAnother()
+{
+    write("other", "other");
+    QVERIFY(platform::renameFile(at("file"), at("other"), m_error));
+    QCOMPARE(names(), QStringList("other"));
+    QCOMPARE(read("other"), QByteArray("old"));
+    QVERIFY(!platform::renameFile(at("file"), at("other"), m_error));
+    QVERIFY(!m_error.empty());
+}
+
+QTEST_GUILESS_MAIN(TestNewFile)
+#include "tst_newfile.moc"

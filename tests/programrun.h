@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+/// A run of a program with a temporary folder, a home and a music library of its own, all empty at first.
+class ProgramRun
+{
+public:
+    ProgramRun() : m_environment(QProcessEnvironment::systemEnvironment())
+    {
+        for (const char* folder : {"tmp", "home"})
+            QDir(m_folder.path()).mkdir(folder);
+        set("TMPDIR", temporary());
+        set("HOME", m_folder.filePath("home"));
+        set("XDG_RUNTIME_DIR", m_folder.path());
+        set("MELODRIFT_ITUNES_LIBRARY", m_folder.filePath("Library.xml"));
+        process.setWorkingDirectory(m_folder.path());
+    }
+    ~ProgramRun()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+    Q_DISABLE_COPY(ProgramRun)
+
+    void set(const QString& name, const QString& value) { m_environment.insert(name, value); }
+    void unset(const QString& name) { m_environment.remove(name); }
+
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+    QString temporary() const { return path("tmp"); }
+    /// The names in the temporary folder.
+    QStringList left() const
+    {
+        return QDir(temporary())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+
+    void start(const QString& program, const QStringList& arguments = {})
+    {
+        process.setProcessEnvironment(m_environment);
+        process.start(program, arguments);
+    }
+    /// The built program, which lies beside the tests.
+    void startMelodrift(const QStringList& arguments = {})
+    {
+        start(QStandardPaths::findExecutable("melodrift", {QCoreApplication::applicationDirPath()}),
+              arguments);
+    }
+
+    QProcess process;
+
+private:
+    QTemporaryDir m_folder;
+    QProcessEnvironment m_environment;
+};

@@ -1,0 +1,69 @@
+#include "interposed.h"
+
+#include <cerrno>
+#include <ctime>
+
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace Interposed {
+std::function<void()> beforeSync;
+std::function<void()> beforeLock;
+std::function<bool(int, off_t)> readFails;
+std::function<ssize_t(size_t)> copiesInKernel;
+std::function<void()> pauses;
+
+Guard::~Guard()
+{
+    beforeSync = beforeLock = pauses = nullptr;
+    readFails = nullptr;
+    copiesInKernel = nullptr;
+}
+} // namespace Interposed
+
+extern "C" {
+int fsync(int fd)
+{
+    struct stat status = {};
+    if (Interposed::beforeSync && ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode))
+        Interposed::beforeSync();
+    return int(::syscall(SYS_fsync, fd));
+}
+
+int flock(int fd, int operation) noexcept
+{
+    if (Interposed::beforeLock)
+        Interposed::beforeLock();
+    return int(::syscall(SYS_flock, fd, operation));
+}
+
+int usleep(useconds_t microseconds)
+{
+    if (Interposed::pauses) {
+        Interposed::pauses();
+        return 0;
+    }
+    const timespec pause = {time_t(microseconds / 1000000), long(microseconds % 1000000) * 1000};
+    return ::nanosleep(&pause, nullptr);
+}
+
+ssize_t pread(int fd, void* bytes, size_t count, off_t offset)
+{
+    if (Interposed::readFails && Interposed::readFails(fd, offset)) {
+        errno = EIO;
+        return -1;
+    }
+    return ::syscall(SYS_pread64, fd, bytes, count, offset);
+}
+
+ssize_t copy_file_range(int from, off_t* in, int to, off_t* out, size_t count, unsigned flags)
+{
+    const ssize_t most = Interposed::copiesInKernel ? Interposed::copiesInKernel(count) : ssize_t(count);
+    if (most < 0) {
+        errno = EIO;
+        return -1;
+    }
+    return ::syscall(SYS_copy_file_range, from, in, to, out, size_t(most), flags);
+}
+}

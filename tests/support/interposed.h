@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+
+#include <sys/types.h>
+
+/// Steps in front of calls into the system: what the file layer asks for comes here first. Belongs into the
+/// test program itself (SOURCES), since no library's function would step in front of the system's. What is
+/// unset does nothing.
+namespace Interposed {
+/// Before a file, not a folder, is flushed to the device.
+extern std::function<void()> beforeSync;
+/// Before a lock is asked for.
+extern std::function<void()> beforeLock;
+/// Before bytes are read at an offset; true makes the call fail as a broken disk does.
+extern std::function<bool(int fd, off_t offset)> readFails;
+/// How many bytes copying inside the kernel does; a negative number makes it fail as a broken disk does.
+extern std::function<ssize_t(size_t wanted)> copiesInKernel;
+/// In place of a pause of microseconds.
+extern std::function<void()> pauses;
+
+/// Takes all of them away at the end of a scope.
+struct Guard
+{
+    Guard() = default;
+    ~Guard();
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+};
+} // namespace Interposed
