@@ -150,7 +150,10 @@ void audiocore::screenId3v2(const ByteVector& header, ByteVector& body)
         return ++frames < mostFields;
     });
     const Piece shown = screening.join();
-    body = body.mid(shown.begin, shown.size()); // shares the bytes
+    if (shown.size() < body.size() / 2) // what is left out is not to stay in memory
+        body = ByteVector(bytes + shown.begin, shown.size());
+    else
+        body = body.mid(shown.begin, shown.size()); // shares the bytes
 }
 
 ByteVector audiocore::skimId3v2(const ByteVector& header, unsigned int bodySize, long most,

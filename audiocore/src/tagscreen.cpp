@@ -64,7 +64,7 @@ ByteVector TagScreen::readPiece(CheckedStream& stream, unsigned long length)
     ByteVector block = readPlain(stream, length);
     patch(block, position);
     if (m_format == AUDIO_FORMAT_WAV && begins(block, "INFO"))
-        block = InfoBytes(block).shown();
+        block = InfoBytes::shown(block);
     else
         noteHead(block, position);
     return block;
