@@ -9,8 +9,6 @@
 
 #include <taglib/tstring.h>
 
-namespace id3v2 = audiocore::id3v2;
-
 using audiocore::Id3v2Bytes;
 using TagLib::ByteVector;
 using TagLib::String;
