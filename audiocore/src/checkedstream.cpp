@@ -126,19 +126,32 @@ ByteVector CheckedStream::readUnscreened(StreamSize length)
     if (!mayGoOn(size) || !m_file || size == 0)
         return ByteVector();
     const auto count = static_cast<unsigned int>(size);
-    ByteVector block;
-    if (count < bufferSize) {
-        if (m_position < m_bufferStart ||
-            m_position + StreamOffset(count) > m_bufferStart + StreamOffset(m_buffer.size()))
-            fillBuffer(m_position);
-        block = m_buffer.mid(static_cast<unsigned int>(m_position - m_bufferStart), count);
-    } else {
-        block.resize(count);
-        block.resize(static_cast<unsigned int>(platform::readAt(m_file, m_position, block.data(), count)));
-    }
-    m_readFailed = m_readFailed || block.size() < count;
-    m_position += StreamOffset(block.size());
+    return count < bufferSize ? readBuffered(count) : readThrough(count);
+}
+
+ByteVector CheckedStream::readBuffered(unsigned int count)
+{
+    if (m_position < m_bufferStart ||
+        m_position + StreamOffset(count) > m_bufferStart + StreamOffset(m_buffer.size()))
+        fillBuffer(m_position);
+    ByteVector block = m_buffer.mid(static_cast<unsigned int>(m_position - m_bufferStart), count);
+    noteRead(block.size(), count);
     return block;
+}
+
+ByteVector CheckedStream::readThrough(unsigned int count)
+{
+    ByteVector block(count);
+    const std::size_t got = platform::readAt(m_file, m_position, block.data(), count);
+    block.resize(static_cast<unsigned int>(got));
+    noteRead(block.size(), count);
+    return block;
+}
+
+void CheckedStream::noteRead(unsigned int got, unsigned int count)
+{
+    m_readFailed = m_readFailed || got < count;
+    m_position += StreamOffset(got);
 }
 
 void CheckedStream::fillBuffer(StreamOffset position)

@@ -69,6 +69,9 @@ public:
 private:
     void takeFile();
     bool mayGoOn(StreamSize bytes);
+    TagLib::ByteVector readBuffered(unsigned int count);
+    TagLib::ByteVector readThrough(unsigned int count);
+    void noteRead(unsigned int got, unsigned int count);
     void fillBuffer(StreamOffset position);
     void writeAt(StreamOffset position, const TagLib::ByteVector& data);
     void moveTail(StreamOffset from, StreamOffset to);

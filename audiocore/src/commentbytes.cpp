@@ -6,6 +6,8 @@
 #include "taglimits.h"
 #include "tagtext.h"
 
+#include <cstdint>
+
 using audiocore::CommentBytes;
 using TagLib::ByteVector;
 
@@ -111,6 +113,9 @@ std::optional<CommentBytes::Bound> CommentBytes::boundOf(const ByteVector& comme
     const unsigned int place = position;
     const unsigned int count = comment.toUInt(place, false);
     position += 4;
+    // What is in bounds even if none of it is a picture need not be gone through.
+    if (comment.size() + std::uint64_t(count) * costOfField <= mostTextBytes)
+        return std::nullopt;
     unsigned int left = mostTextBytes;
     for (unsigned int i = 0; i < count; ++i) {
         const unsigned int end = position;

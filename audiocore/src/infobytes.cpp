@@ -3,25 +3,51 @@
 #include "fieldlist.h"
 #include "taglimits.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 using audiocore::InfoBytes;
 using TagLib::ByteVector;
 
 namespace {
+constexpr unsigned int idSize = 4;
 constexpr unsigned int headSize = 8;
-const char* const ids[audiocore::textTypes] = {"INAM", "IART", "IPRD", "IGNR", "ICRD", "IPRT"};
+constexpr std::string_view ids[audiocore::textTypes] = {"INAM", "IART", "IPRD", "IGNR", "ICRD", "IPRT"};
+
+ByteVector idOf(size_t type)
+{
+    return ByteVector(ids[type].data(), idSize);
+}
+
+unsigned int padded(std::size_t size)
+{
+    return static_cast<unsigned int>(size + (size & 1));
+}
+
+/// Tells `take` where each entry lies and the size of its value; where those end that can be made out.
+template <class Take>
+unsigned int eachEntry(const ByteVector& list, Take take)
+{
+    unsigned int position = idSize;
+    for (std::size_t entries = 0; entries < audiocore::mostFields && list.size() - position >= headSize;
+         ++entries) {
+        const unsigned int size = list.toUInt(position + idSize, false);
+        if (size > list.size() - position - headSize)
+            break;
+        take(position, size);
+        position = std::min(position + headSize + padded(size), list.size());
+    }
+    return position;
+}
 } // namespace
 
 InfoBytes::InfoBytes(const ByteVector& list)
 {
-    unsigned int position = 4;
-    while (m_entries.size() < mostFields && list.size() - position >= headSize) {
-        const unsigned int size = list.toUInt(position + 4, false);
-        if (size > list.size() - position - headSize)
-            break;
-        m_entries.push_back({list.mid(position, 4), list.mid(position + headSize, size)});
-        position = std::min(position + headSize + size + (size & 1), list.size());
-    }
-    m_rest = list.mid(position);
+    const auto take = [&](unsigned int position, unsigned int size) {
+        m_entries.push_back({list.mid(position, idSize), list.mid(position + headSize, size)});
+    };
+    m_rest = list.mid(eachEntry(list, take));
 }
 
 void InfoBytes::apply(const TagEdits& edits)
@@ -33,8 +59,8 @@ void InfoBytes::apply(const TagEdits& edits)
         const std::string& text = *edit;
         std::optional<Entry> replacement;
         if (!text.empty())
-            replacement = Entry{ids[type], ByteVector(text.c_str(), unsigned(text.size()) + 1)};
-        const auto isOld = [type](const Entry& entry) { return entry.id == ids[type]; };
+            replacement = Entry{idOf(type), ByteVector(text.c_str(), unsigned(text.size()) + 1)};
+        const auto isOld = [type](const Entry& entry) { return entry.id == idOf(type); };
         replaceFields(m_entries, isOld, replacement);
     }
 }
@@ -47,16 +73,28 @@ ByteVector InfoBytes::render() const
     return list.append(m_rest);
 }
 
-ByteVector InfoBytes::shown() const
+ByteVector InfoBytes::shown(const ByteVector& list)
 {
-    ByteVector list("INFO");
-    for (const char* id : ids) { // of several the library would take the last one
-        const auto last = std::find_if(m_entries.rbegin(), m_entries.rend(),
-                                       [id](const Entry& entry) { return entry.id == id; });
-        if (last != m_entries.rend() && last->value.size() <= longestText)
-            append(list, *last);
+    std::array<std::string_view, textTypes> entries; // of several the library would take the last one
+    unsigned int size = idSize;
+    eachEntry(list, [&](unsigned int position, unsigned int valueSize) {
+        const std::string_view entry(list.data() + position, headSize + valueSize);
+        const auto id = std::find(std::begin(ids), std::end(ids), entry.substr(0, idSize));
+        if (id != std::end(ids))
+            entries[size_t(id - std::begin(ids))] = entry;
+    });
+    for (std::string_view& entry : entries) {
+        if (entry.size() > headSize + longestText)
+            entry = std::string_view();
+        size += padded(entry.size());
     }
-    return list;
+    ByteVector bytes(size, '\0');
+    char* place = std::copy_n(list.data(), idSize, bytes.data());
+    for (const std::string_view entry : entries) {
+        std::copy(entry.begin(), entry.end(), place);
+        place += padded(entry.size());
+    }
+    return bytes;
 }
 
 void InfoBytes::append(ByteVector& list, const Entry& entry)

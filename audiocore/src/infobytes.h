@@ -14,8 +14,8 @@ public:
 
     void apply(const TagEdits& edits);
     TagLib::ByteVector render() const;
-    /// The entries that say our items, in bounds, as another list.
-    TagLib::ByteVector shown() const;
+    /// The entries of a list that say our items, in bounds, as another list.
+    static TagLib::ByteVector shown(const TagLib::ByteVector& list);
 
 private:
     struct Entry

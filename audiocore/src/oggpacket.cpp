@@ -10,6 +10,13 @@ using audiocore::OggComment;
 using TagLib::ByteVector;
 
 namespace {
+/// Where a packet lies.
+struct Packet
+{
+    unsigned int size = 0;
+    std::vector<std::pair<unsigned int, long>> pieces; ///< as those of a comment
+};
+
 /// Goes through a stream packet by packet.
 class PacketReader
 {
@@ -17,22 +24,34 @@ public:
     PacketReader(CheckedStream& stream, long begin) : m_stream(stream), m_nextPage(begin) {}
 
     /// Nothing at the end of the stream, or when the packet is larger.
-    std::optional<OggComment> next(long mostBytes)
+    std::optional<Packet> next(long mostBytes)
     {
-        OggComment packet;
-        unsigned int size = 0;
+        Packet packet;
         for (bool ended = false; !ended;) {
             if (m_segment >= m_sizes.size() && !openPage())
                 return std::nullopt;
-            packet.pieces.emplace_back(size, m_place);
+            packet.pieces.emplace_back(packet.size, m_place);
             const unsigned int piece = takePiece(ended);
-            size += piece;
+            packet.size += piece;
             m_place += long(piece);
-            if (long(size) > mostBytes)
+            if (long(packet.size) > mostBytes)
                 return std::nullopt;
         }
-        gather(packet, size);
         return packet;
+    }
+    /// The packet's bytes from one to before another; zeros for those that are not in the file.
+    ByteVector bytesOf(const Packet& packet, unsigned int from, unsigned int to)
+    {
+        from = std::min(from, packet.size);
+        to = std::min(to, packet.size);
+        const unsigned int size = to - from;
+        ByteVector bytes = packet.pieces.size() > 1 ? ByteVector(size)
+                                                    : readAt(packet.pieces.front().second + long(from), size);
+        if (bytes.size() < size)
+            bytes.resize(size);
+        for (std::size_t i = 0; packet.pieces.size() > 1 && i < packet.pieces.size(); ++i)
+            gather(bytes, packet, i, from);
+        return bytes;
     }
 
 private:
@@ -51,16 +70,23 @@ private:
             m_nextPage += static_cast<unsigned char>(size);
         return true;
     }
-    void gather(OggComment& packet, unsigned int size)
+    /// Copies what the piece has of the bytes that begin at `from`.
+    void gather(ByteVector& bytes, const Packet& packet, std::size_t piece, unsigned int from)
     {
-        packet.bytes.resize(size);
-        for (std::size_t i = 0; i < packet.pieces.size(); ++i) {
-            const auto& [begin, place] = packet.pieces[i];
-            const unsigned int end = i + 1 < packet.pieces.size() ? packet.pieces[i + 1].first : size;
-            m_stream.seek(place);
-            const ByteVector piece = m_stream.readBlock(end - begin);
-            std::copy(piece.begin(), piece.end(), packet.bytes.begin() + begin);
-        }
+        const bool last = piece + 1 == packet.pieces.size();
+        const auto [pieceBegin, place] = packet.pieces[piece];
+        const unsigned int begin = std::max(pieceBegin, from);
+        const unsigned int end =
+            std::min(last ? packet.size : packet.pieces[piece + 1].first, from + bytes.size());
+        if (begin >= end)
+            return;
+        const ByteVector read = readAt(place + long(begin - pieceBegin), end - begin);
+        std::copy(read.begin(), read.end(), bytes.begin() + (begin - from));
+    }
+    ByteVector readAt(long place, unsigned int size)
+    {
+        m_stream.seek(place);
+        return m_stream.readBlock(size);
     }
     /// What the page has of the packet.
     unsigned int takePiece(bool& ended)
@@ -82,11 +108,11 @@ private:
     unsigned int m_segment = 0;
 };
 
-/// Takes what is in front of the comment off a packet.
-OggComment withoutHead(const OggComment& packet, unsigned int head)
+/// What the packet has behind its head.
+OggComment commentOf(PacketReader& reader, const Packet& packet, unsigned int head)
 {
     OggComment comment;
-    comment.bytes = packet.bytes.mid(head);
+    comment.bytes = reader.bytesOf(packet, head, packet.size);
     for (const auto& [number, place] : packet.pieces)
         comment.pieces.emplace_back(number > head ? number - head : 0,
                                     number > head ? place : place + long(head - number));
@@ -104,27 +130,31 @@ long OggComment::placeOf(unsigned int byte) const
 
 std::vector<OggComment> audiocore::oggComments(CheckedStream& stream, long begin, long mostBytes)
 {
+    constexpr unsigned int magic = 8;
     constexpr unsigned int flacHead = 4;
     constexpr int kindOfBlock = 0x7F;
     constexpr int commentBlock = 4;
     std::vector<OggComment> comments;
     PacketReader reader(stream, begin);
-    const std::optional<OggComment> first = reader.next(mostBytes);
-    const bool flac = first && first->bytes.startsWith("\x7F"
-                                                       "FLAC");
-    const bool speex = first && first->bytes.startsWith("Speex   ");
-    while (const std::optional<OggComment> packet = first ? reader.next(mostBytes) : std::nullopt) {
-        const ByteVector& bytes = packet->bytes;
-        mostBytes -= long(bytes.size());
-        if (bytes.startsWith("\x03vorbis"))
-            comments.push_back(withoutHead(*packet, 7));
-        else if (bytes.startsWith("OpusTags"))
-            comments.push_back(withoutHead(*packet, 8));
-        else if (flac && bytes.size() > flacHead && (bytes.data()[0] & kindOfBlock) == commentBlock)
-            comments.push_back(withoutHead(*packet, flacHead));
+    const std::optional<Packet> first = reader.next(mostBytes);
+    if (!first)
+        return comments;
+    const ByteVector kind = reader.bytesOf(*first, 0, magic);
+    const bool flac = kind.startsWith("\x7F"
+                                      "FLAC");
+    const bool speex = kind.startsWith("Speex   ");
+    while (const std::optional<Packet> packet = reader.next(mostBytes)) {
+        const ByteVector head = reader.bytesOf(*packet, 0, magic);
+        mostBytes -= long(packet->size);
+        if (head.startsWith("\x03vorbis"))
+            comments.push_back(commentOf(reader, *packet, 7));
+        else if (head.startsWith("OpusTags"))
+            comments.push_back(commentOf(reader, *packet, magic));
+        else if (flac && packet->size > flacHead && (head.data()[0] & kindOfBlock) == commentBlock)
+            comments.push_back(commentOf(reader, *packet, flacHead));
         else if (speex)
-            comments.push_back(*packet);
-        const bool last = bytes.isEmpty() || (bytes.data()[0] & ~kindOfBlock) != 0;
+            comments.push_back(commentOf(reader, *packet, 0));
+        const bool last = head.isEmpty() || (head.data()[0] & ~kindOfBlock) != 0;
         if (!flac || last)
             break;
     }

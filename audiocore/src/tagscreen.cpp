@@ -4,11 +4,13 @@
 #include "checkedstream.h"
 #include "commentbytes.h"
 #include "id3v2bytes.h"
+#include "id3v2screen.h"
 #include "infobytes.h"
 #include "oggpacket.h"
 #include "taglimits.h"
 
 #include <algorithm>
+#include <string_view>
 
 using audiocore::TagScreen;
 using TagLib::ByteVector;
@@ -23,6 +25,12 @@ constexpr long headersBesideComment = 1024 * 1024;
 
 enum FlacBlock { StreamInfo = 0, Padding = 1, Comment = 4, Picture = 6 };
 constexpr int kindOfBlock = 0x7F;
+
+/// Takes no memory: all that is read is asked.
+bool begins(const ByteVector& block, std::string_view magic)
+{
+    return std::string_view(block.data(), block.size()).substr(0, magic.size()) == magic;
+}
 
 /// Whether the texts that a FLAC picture begins with are as long as texts may be.
 bool isPlainPicture(const ByteVector& bytes)
@@ -45,14 +53,20 @@ TagScreen::TagScreen(AudioFormat format, CheckedStream& stream, long audioBegin,
 
 ByteVector TagScreen::read(CheckedStream& stream, unsigned long length)
 {
-    const long position = stream.tell();
-    if (isExpected(position, length))
+    if (isExpected(stream.tell(), length))
         return readBody(stream);
-    ByteVector block = m_format == AUDIO_FORMAT_WMA ? readAsf(stream, length) : readPlain(stream, length);
+    return m_format == AUDIO_FORMAT_WMA ? readAsf(stream, length) : readPiece(stream, length);
+}
+
+ByteVector TagScreen::readPiece(CheckedStream& stream, unsigned long length)
+{
+    const long position = stream.tell();
+    ByteVector block = readPlain(stream, length);
     patch(block, position);
-    if (m_format == AUDIO_FORMAT_WAV && block.startsWith("INFO"))
-        return InfoBytes(block).shown();
-    noteHead(block, position);
+    if (m_format == AUDIO_FORMAT_WAV && begins(block, "INFO"))
+        block = InfoBytes::shown(block);
+    else
+        noteHead(block, position);
     return block;
 }
 
@@ -65,6 +79,11 @@ ByteVector TagScreen::readPlain(CheckedStream& stream, unsigned long length)
 {
     if (length <= pieceLookedThrough)
         return stream.readUnscreened(length);
+    return readLarge(stream, length);
+}
+
+ByteVector TagScreen::readLarge(CheckedStream& stream, unsigned long length)
+{
     ByteVector block = stream.readUnscreened(std::min(length, static_cast<unsigned long>(m_bytesLeft)));
     m_whole = m_whole && (block.size() == length || stream.tell() == stream.length());
     m_bytesLeft -= long(block.size());
@@ -74,10 +93,8 @@ ByteVector TagScreen::readPlain(CheckedStream& stream, unsigned long length)
 ByteVector TagScreen::readBody(CheckedStream& stream)
 {
     const Expected expected = std::exchange(m_expected, Expected());
-    if (expected.body == Body::FlacBlock) {
-        m_expected = expected;
-        return readFlacBlock(stream);
-    }
+    if (expected.body == Body::FlacBlock)
+        return readFlacBlock(stream, expected);
     if (expected.body == Body::Ape)
         return ApeBytes::shown(readPlain(stream, expected.length));
     return readId3v2(stream, expected);
@@ -85,37 +102,42 @@ ByteVector TagScreen::readBody(CheckedStream& stream)
 
 ByteVector TagScreen::readId3v2(CheckedStream& stream, const Expected& expected)
 {
-    std::optional<Id3v2Bytes> tag;
-    if (long(expected.length) <= m_bytesLeft) {
-        tag = Id3v2Bytes::parse(expected.head, readPlain(stream, expected.length));
-    } else {
-        const long left = std::max(0L, stream.length() - expected.position);
-        const auto size =
-            static_cast<unsigned int>(std::min(expected.length, static_cast<unsigned long>(left)));
-        const auto part = [&](unsigned int position, unsigned int bytes) {
-            stream.seek(expected.position + long(position));
-            return readPlain(stream, bytes);
-        };
-        tag = Id3v2Bytes::skim(expected.head, size, m_bytesLeft, part);
-    }
-    // The library counts on some bytes behind the frames.
-    return (tag ? tag->shown() : ByteVector()).append(ByteVector(2 * id3v2Head, '\0'));
+    constexpr unsigned int behind = 2 * id3v2Head; // bytes that the library counts on behind the frames
+    const long left = std::max(0L, stream.length() - expected.position);
+    const auto size = static_cast<unsigned int>(std::min(expected.length, static_cast<unsigned long>(left)));
+    const auto part = [&](unsigned int position, unsigned int bytes) {
+        stream.seek(expected.position + long(position));
+        return readPlain(stream, bytes);
+    };
+    const bool whole = long(expected.length) + long(behind) <= m_bytesLeft;
+    // Read together with room for what comes behind, which would take a copy else.
+    ByteVector body =
+        whole ? readPlain(stream, size + behind) : skimId3v2(m_id3v2Head, size, m_bytesLeft, part);
+    if (whole && body.size() > size)
+        body.resize(size);
+    if (whole)
+        stream.seek(expected.position + long(body.size()));
+    screenId3v2(m_id3v2Head, body);
+    body.resize(body.size() + behind, '\0');
+    return body;
 }
 
 /// The library takes a block of another size than its head says for the end of the file.
-ByteVector TagScreen::readFlacBlock(CheckedStream& stream)
+ByteVector TagScreen::readFlacBlock(CheckedStream& stream, const Expected& expected)
 {
-    const Expected expected = std::exchange(m_expected, Expected());
-    const int type = expected.head.data()[0] & kindOfBlock;
-    const auto size = static_cast<unsigned int>(expected.length);
-    if (type == Padding && expected.position + long(size) <= stream.length()) {
-        stream.seek(expected.position + long(size));
-        return ByteVector(size, '\0');
-    }
-    ByteVector block = readPlain(stream, size);
-    if (type == Comment)
+    const long end = expected.position + long(expected.length);
+    if (expected.type != Padding || end > stream.length())
+        return readAskedBlock(stream, expected);
+    stream.seek(end);
+    return ByteVector(static_cast<unsigned int>(expected.length), '\0');
+}
+
+ByteVector TagScreen::readAskedBlock(CheckedStream& stream, const Expected& expected)
+{
+    ByteVector block = readPlain(stream, expected.length);
+    if (expected.type == Comment)
         CommentBytes::boundFields(block);
-    if (type == Picture && !isPlainPicture(block))
+    if (expected.type == Picture && !isPlainPicture(block))
         block = ByteVector(block.size(), '\0');
     return block;
 }
@@ -127,38 +149,41 @@ ByteVector TagScreen::readAsf(CheckedStream& stream, unsigned long length)
     constexpr unsigned int ofBytes = 1;
     constexpr unsigned long largestNumber = 16;
     const auto& [kind, size, name] = m_lastReads;
-    const bool value = kind.size() == 2 && size.size() == 4;
-    const bool bytes = value && kind.toUShort(false) == ofBytes;
+    const bool value = kind.size == 2 && size.size == 4;
+    const bool bytes = value && kind.word == ofBytes;
     const bool keptAsItIs =
         m_purpose == Purpose::Writing && !value; // an object that the library does not know
-    ByteVector block;
-    if (length > largestNumber && !bytes && !keptAsItIs) {
-        const long left = std::max(0L, stream.length() - stream.tell());
-        const long end = stream.tell() + long(std::min(length, static_cast<unsigned long>(left)));
-        block = readPlain(stream, std::min({length, static_cast<unsigned long>(longestText), m_asfTextLeft}));
-        m_asfTextLeft -= block.size();
-        m_whole = m_whole && (block.size() == length || stream.tell() == stream.length());
+    const bool text = length > largestNumber && !bytes && !keptAsItIs;
+    ByteVector block = text ? readAsfText(stream, length) : readPlain(stream, length);
+    m_lastReads = {size, name, {block.size(), block.size() == 2 ? block.toUShort(0u, false) : 0u}};
+    return block;
+}
+
+ByteVector TagScreen::readAsfText(CheckedStream& stream, unsigned long length)
+{
+    const long left = std::max(0L, stream.length() - stream.tell());
+    const long end = stream.tell() + long(std::min(length, static_cast<unsigned long>(left)));
+    ByteVector block =
+        readPlain(stream, std::min({length, static_cast<unsigned long>(longestText), m_asfTextLeft}));
+    m_asfTextLeft -= block.size();
+    m_whole = m_whole && (block.size() == length || stream.tell() == stream.length());
+    if (stream.tell() != end)
         stream.seek(end);
-    } else {
-        block = readPlain(stream, length);
-    }
-    m_lastReads = {size, name, block.mid(0, 4)};
-    if (block.size() > 4)
-        m_lastReads.back() = ByteVector();
     return block;
 }
 
 void TagScreen::noteHead(ByteVector& block, long position)
 {
     constexpr char footerFlag = 0x10;
-    if (block.size() == id3v2Head && block.startsWith("ID3")) {
+    if (block.size() == id3v2Head && begins(block, "ID3")) {
         const unsigned int footer = Id3v2Bytes::footerOf(block);
         const unsigned int body = Id3v2Bytes::sizeByHeader(block) - id3v2Head - footer;
-        m_expected = {Body::Id3v2, position + long(id3v2Head), body, block};
+        m_expected = {Body::Id3v2, position + long(id3v2Head), body, 0};
+        m_id3v2Head = block;
         block[5] = char(block[5] & footerFlag); // the body is shown without what the other flags say
-    } else if (block.size() == apeHead && block.startsWith("APETAGEX")) {
+    } else if (block.size() == apeHead && begins(block, "APETAGEX")) {
         const unsigned int size = std::max(block.toUInt(12, false), apeHead);
-        m_expected = {Body::Ape, position + long(apeHead) - long(size), size - apeHead, block};
+        m_expected = {Body::Ape, position + long(apeHead) - long(size), size - apeHead, 0};
     } else if (block.size() == flacHead && m_format == AUDIO_FORMAT_FLAC) {
         noteFlacHead(block, position);
     }
@@ -170,9 +195,10 @@ void TagScreen::noteFlacHead(ByteVector& head, long position)
     const int type = head.data()[0] & kindOfBlock;
     const unsigned int size = head.toUInt(1, 3, true);
     const bool asked = type == StreamInfo || type == Comment || type == Picture;
-    if (!asked || long(size) > m_bytesLeft)
+    const bool shown = asked && long(size) <= m_bytesLeft;
+    if (!shown)
         head[0] = char((head.data()[0] & ~kindOfBlock) | Padding);
-    m_expected = {Body::FlacBlock, position + long(flacHead), size, head};
+    m_expected = {Body::FlacBlock, position + long(flacHead), size, shown ? type : Padding};
 }
 
 /// The library goes by the number of fields that a comment tells.

@@ -37,15 +37,25 @@ private:
         Body body = Body::None;
         long position = 0;
         unsigned long length = 0;
-        TagLib::ByteVector head;
+        int type = 0; ///< of a FLAC block
+    };
+
+    struct LastRead
+    {
+        unsigned int size;
+        unsigned int word; ///< of two bytes
     };
 
     bool isExpected(long position, unsigned long length) const;
     TagLib::ByteVector readPlain(CheckedStream& stream, unsigned long length);
+    TagLib::ByteVector readLarge(CheckedStream& stream, unsigned long length);
+    TagLib::ByteVector readPiece(CheckedStream& stream, unsigned long length);
     TagLib::ByteVector readBody(CheckedStream& stream);
     TagLib::ByteVector readId3v2(CheckedStream& stream, const Expected& expected);
-    TagLib::ByteVector readFlacBlock(CheckedStream& stream);
+    TagLib::ByteVector readFlacBlock(CheckedStream& stream, const Expected& expected);
+    TagLib::ByteVector readAskedBlock(CheckedStream& stream, const Expected& expected);
     TagLib::ByteVector readAsf(CheckedStream& stream, unsigned long length);
+    TagLib::ByteVector readAsfText(CheckedStream& stream, unsigned long length);
     void noteHead(TagLib::ByteVector& block, long position);
     void noteFlacHead(TagLib::ByteVector& head, long position);
     void boundOggComments(CheckedStream& stream, long audioBegin);
@@ -57,7 +67,8 @@ private:
     long m_bytesLeft;
     unsigned long m_asfTextLeft;
     Expected m_expected;
-    std::array<TagLib::ByteVector, 3> m_lastReads; ///< those of four bytes at the most; else empty
-    std::vector<std::pair<long, char>> m_patches;  ///< bytes that are shown otherwise, by their place
+    TagLib::ByteVector m_id3v2Head; ///< of the body that is expected
+    std::array<LastRead, 3> m_lastReads{};
+    std::vector<std::pair<long, char>> m_patches; ///< bytes that are shown otherwise, by their place
 };
 } // namespace audiocore
