@@ -182,6 +182,7 @@ void TestSafeSave::aListOfAccessStays()
 
 void TestSafeSave::aGroupThatCannotBeKeptLosesItsRights()
 {
+    constexpr int outOfReach = 77;
     if (::geteuid() != 0)
         QSKIP("only root can give a file to a group that its owner is not in");
     const QString song = copyTone(QStringLiteral("mp3"));
@@ -191,8 +192,12 @@ void TestSafeSave::aGroupThatCannotBeKeptLosesItsRights()
     const int result = inAnotherProcess([&] {
         if (::setgid(ordinaryUser) != 0 || ::setuid(ordinaryUser) != 0)
             return 2;
+        if (::access(native(song).c_str(), R_OK) != 0)
+            return outOfReach;
         return AudioFile::write(song, {{TAG_TITLE, QStringLiteral("New")}});
     });
+    if (result == outOfReach)
+        QSKIP("an ordinary user cannot come to the temporary folder");
     QCOMPARE(result, 0);
     QCOMPARE(statusOf(song).st_gid, gid_t(ordinaryUser));
     QCOMPARE(int(statusOf(song).st_mode & 07777), 0604);
