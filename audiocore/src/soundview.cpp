@@ -10,7 +10,6 @@
 #include <algorithm>
 
 using audiocore::CheckedStream;
-using audiocore::EndlessReading;
 using audiocore::SoundView;
 using TagLib::ByteVector;
 

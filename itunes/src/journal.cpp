@@ -11,7 +11,6 @@
 using itunes::Journal;
 using itunes::JournalRecord;
 namespace platform = audiocore::platform;
-using platform::NewFile;
 
 namespace {
 constexpr std::int64_t roomStep = 64 * 1024;

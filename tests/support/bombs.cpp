@@ -219,7 +219,7 @@ QByteArray wmaWith(const QByteArray& object, int times = 1)
 
 QByteArray object(const char* guid, const QByteArray& bytes)
 {
-    return QByteArray::fromHex(guid) + little(quint64(bytes.size() + 24)) + bytes;
+    return QByteArray::fromHex(guid) + little(quint64(bytes.size()) + 24) + bytes;
 }
 
 QByteArray manyAttributes()
