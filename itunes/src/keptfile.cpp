@@ -57,7 +57,7 @@ std::string itunes::keepCopy(NewFile& copy, const std::string& path, const std::
     constexpr int mostOfADay = 1000;
     const std::string name = nameOf(path, kind) + today();
     for (int i = 1; i <= mostOfADay; ++i) {
-        const std::string kept = i == 1 ? name : name + '-' + std::to_string(i);
+        std::string kept = i == 1 ? name : name + '-' + std::to_string(i);
         const NewFile::Taking taking = copy.takeFreeName(kept, error);
         if (taking == NewFile::Taking::Done)
             return kept;
