@@ -93,7 +93,8 @@ void OpenFolder::removeContents(dev_t device, int depth) const
         }
         const OpenFolder inner(m_descriptor, entry.name.c_str());
         struct stat state = {};
-        if (depth < deepest && ::fstat(inner.m_descriptor, &state) == 0 && state.st_dev == device)
+        if (depth < deepest && inner.m_descriptor >= 0 && ::fstat(inner.m_descriptor, &state) == 0 &&
+            state.st_dev == device)
             inner.removeContents(device, depth + 1);
         ::unlinkat(m_descriptor, entry.name.c_str(), AT_REMOVEDIR);
     }

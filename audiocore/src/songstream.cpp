@@ -7,16 +7,19 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <utility>
 
 namespace platform = audiocore::platform;
 
 namespace {
 using audiocore::SongSource;
 
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
 struct Song
 {
     SongSource& source;
-    std::FILE* file;
+    File file;
     audiocore::SoundView view;
     std::int64_t position = 0;
 };
@@ -31,7 +34,8 @@ std::int64_t read(void* cookie, char* bytes, std::uint64_t count) noexcept
     Song* song = songOf(cookie);
     if (song->source.closed || song->source.allowance <= 0)
         return 0;
-    const auto got = std::int64_t(platform::readAt(song->file, song->position, bytes, std::size_t(count)));
+    const auto got =
+        std::int64_t(platform::readAt(song->file.get(), song->position, bytes, std::size_t(count)));
     song->view.show(song->position, bytes, std::size_t(got));
     song->position += got;
     song->source.allowance -= got;
@@ -48,42 +52,33 @@ std::int64_t seek(void* cookie, std::int64_t position) noexcept
 std::int64_t size(void* cookie) noexcept
 {
     platform::FileState state;
-    return platform::stateOf(songOf(cookie)->file, state) ? state.size : std::int64_t(MPV_ERROR_GENERIC);
+    return platform::stateOf(songOf(cookie)->file.get(), state) ? state.size
+                                                                : std::int64_t(MPV_ERROR_GENERIC);
 }
 
 void close(void* cookie) noexcept
 {
-    const std::unique_ptr<Song> song(songOf(cookie));
-    std::fclose(song->file);
+    delete songOf(cookie);
 }
 
-/// Null when there is nothing to hear or no memory for it. The file is the song's then, and closed here
-/// otherwise.
-Song* songFrom(SongSource& source, std::FILE* file)
+/// Null when there is nothing to hear; throws when there is no memory for it.
+Song* songFrom(SongSource& source, File file)
 {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> closing(file, std::fclose);
     std::optional<audiocore::SoundView> view = audiocore::SoundView::of(source.path);
-    Song* song = view ? new Song{source, file, std::move(*view)} : nullptr;
-    if (song)
-        static_cast<void>(closing.release());
-    return song;
+    return view ? new Song{source, std::move(file), std::move(*view)} : nullptr;
 }
 
 /// Looks at the opened file itself, so that nothing else can take its place in between.
 int open(void* offered, char*, mpv_stream_cb_info* info) noexcept
 {
     SongSource& source = *static_cast<SongSource*>(offered);
-    std::FILE* file = platform::openFile(source.path, false);
-    if (!file)
-        return MPV_ERROR_LOADING_FAILED;
+    File file(platform::openFile(source.path, false), std::fclose);
     platform::FileState state;
-    if (!platform::stateOf(file, state) || !state.regular) {
-        std::fclose(file);
+    if (!file || !platform::stateOf(file.get(), state) || !state.regular)
         return MPV_ERROR_LOADING_FAILED;
-    }
     Song* song = nullptr;
     try {
-        song = songFrom(source, file);
+        song = songFrom(source, std::move(file));
     } catch (const std::bad_alloc&) {
         return MPV_ERROR_NOMEM; // the engine is no C++: nothing is thrown through it
     }

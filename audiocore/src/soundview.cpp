@@ -34,7 +34,7 @@ std::optional<SoundView> SoundView::of(const std::string& path)
         if (stream.isOpen() && view.hideAll(stream) && !stream.ranDry())
             return view;
     } catch (const EndlessReading&) {
-        // As good as unreadable.
+        return std::nullopt; // as good as unreadable
     }
     return std::nullopt;
 }

@@ -179,7 +179,8 @@ private:
             if (!eachPair(fieldOf, [this](Field field, std::uint64_t at) { return trackField(field, at); }))
                 return false;
             m_visitor.trackEnds({begin, m_scanner.tagEnd()});
-            if (++m_tracks <= mostTracks && m_tracks <= fewTracks + m_scanner.tagEnd() / smallestTrack)
+            ++m_tracks;
+            if (m_tracks <= mostTracks && m_tracks <= fewTracks + m_scanner.tagEnd() / smallestTrack)
                 return true;
             m_scanner.fail("more tracks than a library of this size can hold");
             return false;

@@ -68,7 +68,8 @@ int MediaInput::readPacket(void* self, std::uint8_t* bytes, int size)
     if (input->isInterrupted())
         return AVERROR_EXIT;
     const std::size_t got = platform::readAt(input->m_file, input->m_position, bytes, std::size_t(size));
-    input->m_view->show(input->m_position, bytes, got);
+    if (input->m_view)
+        input->m_view->show(input->m_position, bytes, got);
     input->m_position += std::int64_t(got);
     input->m_withoutProgress += std::int64_t(got);
     return got > 0 ? int(got) : AVERROR_EOF;
