@@ -174,7 +174,7 @@ void TestSafeSave::aListOfAccessStays()
     if (::setxattr(native(song).c_str(), accessList, list.constData(), size_t(list.size()), 0) != 0)
         QSKIP("the file system of the temporary folder knows no access lists");
     QCOMPARE(AudioFile::write(song, {{TAG_TITLE, QStringLiteral("New")}}), 0);
-    QByteArray kept(int(list.size()), 0);
+    QByteArray kept(list.size(), 0);
     QCOMPARE(int(::getxattr(native(song).c_str(), accessList, kept.data(), size_t(kept.size()))),
              list.size());
     QCOMPARE(kept, list);

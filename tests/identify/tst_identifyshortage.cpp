@@ -20,8 +20,7 @@ std::string song()
 
 int openFiles()
 {
-    return int(
-        QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size());
+    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 } // namespace
 

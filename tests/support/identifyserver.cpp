@@ -230,7 +230,10 @@ bool IdentifyServer::receive(int connection, Request& request) const
         if (got <= 0)
             return false;
         bytes.append(block, int(got));
-        if (end >= 0 || (end = bytes.indexOf("\r\n\r\n")) < 0)
+        if (end >= 0)
+            continue;
+        end = bytes.indexOf("\r\n\r\n");
+        if (end < 0)
             continue;
         QList<QByteArray> lines = bytes.left(end).split('\n');
         const QList<QByteArray> first = lines.takeFirst().trimmed().split(' ');
