@@ -35,8 +35,7 @@ std::int64_t read(void* cookie, char* bytes, std::uint64_t count) noexcept
     if (song->source.closed || song->source.allowance <= 0)
         return 0;
     const auto got =
-        std::int64_t(platform::readAt(song->file.get(), song->position, bytes, std::size_t(count)));
-    song->view.show(song->position, bytes, std::size_t(got));
+        std::int64_t(song->view.readAt(song->file.get(), song->position, bytes, std::size_t(count)));
     song->position += got;
     song->source.allowance -= got;
     return got;
@@ -51,9 +50,10 @@ std::int64_t seek(void* cookie, std::int64_t position) noexcept
 
 std::int64_t size(void* cookie) noexcept
 {
+    const Song* song = songOf(cookie);
     platform::FileState state;
-    return platform::stateOf(songOf(cookie)->file.get(), state) ? state.size
-                                                                : std::int64_t(MPV_ERROR_GENERIC);
+    return platform::stateOf(song->file.get(), state) ? song->view.shownOf(state.size)
+                                                      : std::int64_t(MPV_ERROR_GENERIC);
 }
 
 void close(void* cookie) noexcept
@@ -64,7 +64,7 @@ void close(void* cookie) noexcept
 /// Null when there is nothing to hear; throws when there is no memory for it.
 Song* songFrom(SongSource& source, File file)
 {
-    std::optional<audiocore::SoundView> view = audiocore::SoundView::of(source.path);
+    std::optional<audiocore::SoundView> view = audiocore::SoundView::of(file.get(), source.path);
     return view ? new Song{source, std::move(file), std::move(*view)} : nullptr;
 }
 

@@ -5,6 +5,7 @@
 #include "commentbytes.h"
 #include "id3v2bytes.h"
 #include "oggpacket.h"
+#include "platform.h"
 #include "taglimits.h"
 
 #include <algorithm>
@@ -26,10 +27,10 @@ long behind(long position, std::int64_t bytes)
 }
 } // namespace
 
-std::optional<SoundView> SoundView::of(const std::string& path)
+std::optional<SoundView> SoundView::of(std::FILE* file, const std::string& path)
 {
     try {
-        CheckedStream stream(path, CheckedStream::Mode::Read);
+        CheckedStream stream(file, path, CheckedStream::Mode::Read);
         SoundView view;
         if (stream.isOpen() && view.hideAll(stream) && !stream.ranDry())
             return view;
@@ -39,11 +40,16 @@ std::optional<SoundView> SoundView::of(const std::string& path)
     return std::nullopt;
 }
 
-void SoundView::show(std::int64_t position, void* bytes, std::size_t count) const
+std::size_t SoundView::readAt(std::FILE* file, std::int64_t position, void* bytes, std::size_t count) const
 {
-    const std::int64_t end = position + std::int64_t(count);
+    if (position >= m_end)
+        return 0;
+    const auto most = std::size_t(std::min<std::uint64_t>(count, std::uint64_t(m_end - position)));
+    const std::size_t got = platform::readAt(file, position, bytes, most);
+    const std::int64_t end = position + std::int64_t(got);
     for (auto byte = m_bytes.lower_bound(position); byte != m_bytes.end() && byte->first < end; ++byte)
         static_cast<char*>(bytes)[byte->first - position] = byte->second;
+    return got;
 }
 
 void SoundView::set(std::int64_t place, const char* bytes, std::size_t count)
@@ -107,17 +113,25 @@ void SoundView::hideFlacBlocks(CheckedStream& stream, long position)
     }
 }
 
+/// Where the sound is behind and no chunk follows, the file ends. Sound of no size goes on to the end.
 void SoundView::hideChunks(CheckedStream& stream, long position)
 {
+    bool soundIsBehind = false;
     for (;;) {
         const ByteVector head = bytesAt(stream, position, 8);
         const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
-        if (head.size() < 8 || !std::all_of(head.begin(), head.begin() + 4, printable))
+        if (head.size() < 8)
             return;
+        if (!std::all_of(head.begin(), head.begin() + 4, printable)) {
+            if (soundIsBehind)
+                m_end = position;
+            return;
+        }
         const ByteVector name = head.mid(0, 4);
         if (name == "LIST" || name == "ID3 " || name == "id3 ")
             set(position, "JUNK", 4);
         const unsigned int size = head.toUInt(4, false);
+        soundIsBehind |= name == "data" && size > 0;
         position = behind(position, 8 + std::int64_t(size) + (size & 1));
     }
 }

@@ -29,11 +29,11 @@ int openNothingElse(AVFormatContext*, AVIOContext**, const char*, int, AVDiction
 MediaInput::MediaInput(const std::string& path, const Cancellation& cancellation)
     : m_cancellation(cancellation), m_deadline(Cancellation::Clock::now() + longestWork)
 {
-    m_view = SoundView::of(path);
     m_file = platform::openFile(path, false);
     platform::FileState state;
     if (m_file && platform::stateOf(m_file, state) && state.regular) {
-        m_size = state.size;
+        m_view = SoundView::of(m_file, path);
+        m_size = m_view ? m_view->shownOf(state.size) : 0;
         return;
     }
     if (m_file)
@@ -67,9 +67,7 @@ int MediaInput::readPacket(void* self, std::uint8_t* bytes, int size)
     auto* input = static_cast<MediaInput*>(self);
     if (input->isInterrupted())
         return AVERROR_EXIT;
-    const std::size_t got = platform::readAt(input->m_file, input->m_position, bytes, std::size_t(size));
-    if (input->m_view)
-        input->m_view->show(input->m_position, bytes, got);
+    const std::size_t got = input->m_view->readAt(input->m_file, input->m_position, bytes, std::size_t(size));
     input->m_position += std::int64_t(got);
     input->m_withoutProgress += std::int64_t(got);
     return got > 0 ? int(got) : AVERROR_EOF;
@@ -113,7 +111,7 @@ bool MediaInput::prepare()
 
 AVFormatContext* MediaInput::demuxer()
 {
-    if (m_demuxer || !m_file || !m_view || !prepare())
+    if (m_demuxer || !m_view || !prepare())
         return m_demuxer;
     AVDictionary* options = nullptr;
     av_dict_set(&options, "format_whitelist", musicFormats, 0);

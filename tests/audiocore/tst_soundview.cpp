@@ -1,0 +1,121 @@
+// What decoders get to see of a file's places and end.
+#include "fixtures.h"
+#include "soundview.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <QtTest>
+
+#include <memory>
+
+using audiocore::SoundView;
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+class TestSoundView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aWavFileEndsBehindItsLastChunk_data();
+    void aWavFileEndsBehindItsLastChunk();
+    void theOpenFileIsLookedAtAndNoOther();
+    void tagsAreNotShown();
+
+private:
+    QTemporaryDir m_folder;
+};
+
+namespace {
+File opened(const QString& path)
+{
+    return {std::fopen(QFile::encodeName(path).constData(), "rb"), std::fclose};
+}
+
+std::optional<SoundView> viewOf(const File& file)
+{
+    return SoundView::of(file.get(), "view");
+}
+
+QByteArray shown(const SoundView& view, const File& file, std::int64_t position, int count)
+{
+    QByteArray bytes(count, '\0');
+    bytes.truncate(int(view.readAt(file.get(), position, bytes.data(), std::size_t(count))));
+    return bytes;
+}
+
+QByteArray little32(quint32 number)
+{
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(number, bytes.data());
+    return bytes;
+}
+
+QByteArray wavOf(quint32 soundSize, const QByteArray& soundAndMore)
+{
+    const QByteArray format =
+        QByteArray::fromHex("0100010044ac000088580100") + QByteArray::fromHex("02001000");
+    return "RIFF" + little32(100) + "WAVEfmt " + little32(16) + format + "data" + little32(soundSize) +
+           soundAndMore;
+}
+} // namespace
+
+void TestSoundView::aWavFileEndsBehindItsLastChunk_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<qint64>("hidden");
+    const QByteArray sound(50, '\1');
+    QTest::newRow("whole") << wavOf(50, sound) << qint64(0);
+    QTest::newRow("a hole behind") << wavOf(50, sound + QByteArray(1000, '\0')) << qint64(1000);
+    QTest::newRow("a chunk and a hole behind")
+        << wavOf(50, sound + "abcd" + little32(2) + QByteArray(1002, '\0')) << qint64(1000);
+    QTest::newRow("a chunk behind") << wavOf(50, sound + "abcd" + little32(0)) << qint64(0);
+    QTest::newRow("a piece of a chunk behind") << wavOf(50, sound + "abc") << qint64(0);
+    QTest::newRow("streamed, no size") << wavOf(0, sound) << qint64(0);
+    QTest::newRow("streamed, the largest size") << wavOf(0xFFFFFFFF, sound) << qint64(0);
+    QTest::newRow("unknown bytes before the sound")
+        << "RIFF" + little32(100) + "WAVE" + QByteArray(50, '\0') + wavOf(50, sound).mid(12) << qint64(0);
+}
+
+void TestSoundView::aWavFileEndsBehindItsLastChunk()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(qint64, hidden);
+    const QString path = m_folder.filePath("end.wav");
+    QFile written(path);
+    QVERIFY(written.open(QIODevice::WriteOnly) && written.write(file) == file.size());
+    written.close();
+    const File song = opened(path);
+    const std::optional<SoundView> view = viewOf(song);
+    QVERIFY(view);
+    QCOMPARE(qint64(view->shownOf(file.size())), file.size() - hidden);
+    QCOMPARE(shown(*view, song, 0, file.size()), file.left(file.size() - int(hidden)));
+    QCOMPARE(shown(*view, song, file.size(), 10), QByteArray());
+}
+
+void TestSoundView::theOpenFileIsLookedAtAndNoOther()
+{
+    const QString path = Fixtures::copyTone("wav", m_folder.path(), "replaced");
+    const File song = opened(path);
+    QVERIFY(QFile::remove(path));
+    const std::optional<SoundView> view = viewOf(song);
+    QVERIFY(view);
+    QCOMPARE(shown(*view, song, 0, 4), QByteArray("RIFF"));
+}
+
+void TestSoundView::tagsAreNotShown()
+{
+    const QByteArray sound(50, '\1');
+    const QByteArray list = "LIST" + little32(12) + "INFOIART" + little32(0);
+    QFile written(m_folder.filePath("list.wav"));
+    QVERIFY(written.open(QIODevice::WriteOnly) && written.write(wavOf(50, sound + list)) > 0);
+    written.close();
+    const File song = opened(written.fileName());
+    const std::optional<SoundView> view = viewOf(song);
+    QVERIFY(view);
+    QCOMPARE(shown(*view, song, written.size() - list.size(), list.size()),
+             QByteArray(list).replace("LIST", "JUNK"));
+}
+
+QTEST_GUILESS_MAIN(TestSoundView)
+#include "tst_soundview.moc"
