@@ -1,5 +1,5 @@
 // Grouping the duplicates of a collection: one song in five has a twin, durations are in whole seconds.
-#include "classification.h"
+#include "collection/classification.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,14 +1,14 @@
 // The song views over large collections: 600 x 600 JPEG covers, ten songs to an album, drawn offscreen.
-#include "covergriddelegate.h"
-#include "coverloader.h"
-#include "coverstore.h"
+#include "covers/coverloader.h"
+#include "covers/coverstore.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
-#include "paintdupnumberdelegate.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
-#include "songviews.h"
+#include "views/covergriddelegate.h"
+#include "views/paintdupnumberdelegate.h"
+#include "views/viewsetup.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -105,7 +105,7 @@ QList<QMusicInfo*>& hundredThousandSongs()
 std::unique_ptr<QListView> makeGrid(QAbstractItemModel* model, bool uniform)
 {
     auto view = std::make_unique<QListView>();
-    SongViews::initGrid(view.get());
+    ViewSetup::grid(view.get());
     view->setUniformItemSizes(uniform);
     if (uniform)
         view->setItemDelegate(new CoverGridDelegate(view.get()));
@@ -117,7 +117,7 @@ std::unique_ptr<QListView> makeGrid(QAbstractItemModel* model, bool uniform)
 std::unique_ptr<QTableView> makeTable(QAbstractItemModel* model)
 {
     auto view = std::make_unique<QTableView>();
-    SongViews::initTable(view.get());
+    ViewSetup::table(view.get());
     view->resize(900, 600);
     view->setModel(model);
     view->setColumnWidth(0, 500);

@@ -2,8 +2,8 @@
 // files.
 #include "audiofile.h"
 #include "centerwidget.h"
-#include "localintake.h"
 #include "qmusicinfo.h"
+#include "songs/localintake.h"
 #include "startup.h"
 
 #include <benchmark/benchmark.h>

@@ -1,9 +1,9 @@
 // Arbitrary bytes as the answers of the services that identify songs.
 
+#include "base/text.h"
 #include "identify/acoustid.h"
 #include "identify/coverart.h"
 #include "identify/musicbrainz.h"
-#include "text.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -20,7 +20,7 @@ void check(const std::string& text)
 {
     if (text.size() > longestText)
         std::abort();
-    for (const char32_t c : audiocore::toUtf32(text))
+    for (const char32_t c : base::toUtf32(text))
         if (c < 0x20 || c == 0x7F)
             std::abort();
 }

@@ -1,7 +1,7 @@
 // Arbitrary bytes as lines of a library's journal: what is taken for a change says what a call can have said,
 // and is read again as it is written.
-#include "journalrecord.h"
-#include "localtext.h"
+#include "library/journalrecord.h"
+#include "library/localtext.h"
 
 #include <algorithm>
 #include <cstdint>

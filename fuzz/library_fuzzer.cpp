@@ -1,9 +1,9 @@
 // Arbitrary bytes as a music library: read, and if that succeeds changed, written and read again. What was
 // XML for another parser must be so afterwards.
 #include "audiocore/log.h"
-#include "libraryreading.h"
-#include "librarywrite.h"
-#include "localtext.h"
+#include "library/libraryreading.h"
+#include "library/librarywrite.h"
+#include "library/localtext.h"
 
 #include <expat.h>
 

@@ -3,14 +3,14 @@
 #include "audiocore/iaudiotag.h"
 #include "common/messagedialog.h"
 #include "common/screenplace.h"
+#include "common/workers.h"
 #include "deletealldupmusicthread.h"
 #include "deletingmusicwaitingdlg.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
-#include "songcells.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
-#include "workers.h"
+#include "views/songcells.h"
 
 #include <QDragEnterEvent>
 #include <QFileDialog>

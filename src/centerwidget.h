@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/skinpicture.h"
-#include "localintake.h"
-#include "songclassification.h"
-#include "songremoval.h"
+#include "songs/localintake.h"
+#include "songs/songclassification.h"
+#include "songs/songremoval.h"
 
 #include <QList>
 #include <QStringList>

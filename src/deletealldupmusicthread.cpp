@@ -1,6 +1,6 @@
 #include "deletealldupmusicthread.h"
 
-#include "workers.h"
+#include "common/workers.h"
 
 #include <QElapsedTimer>
 #include <QHash>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "songremoval.h"
+#include "songs/songremoval.h"
 
 #include <QThread>
 

@@ -3,7 +3,7 @@
 #include "common/screenplace.h"
 #include "dupmusicbarwidget.h"
 #include "playsongwidget.h"
-#include "songremoval.h"
+#include "songs/songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "collection/keptfiles.h"
 #include "deletedupmusicinfodlg.h"
-#include "keptfiles.h"
 
 #include <QList>
 #include <QWidget>

@@ -1,11 +1,11 @@
 #include "dupmusicbarwidget.h"
 
+#include "collection/timetext.h"
 #include "common/screenplace.h"
 #include "folderopener.h"
 #include "qiorvoutil.h"
 #include "showmusicinfowidget.h"
-#include "songfields.h"
-#include "timetext.h"
+#include "songs/songfields.h"
 #include "ui_dupmusicbarwidget.h"
 
 #include <QCursor>

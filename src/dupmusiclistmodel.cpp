@@ -1,10 +1,10 @@
 #include "dupmusiclistmodel.h"
 
-#include "coverloader.h"
+#include "covers/coverloader.h"
 #include "dupmusicinfo.h"
 #include "qiorvoutil.h"
-#include "songcells.h"
-#include "songfields.h"
+#include "songs/songfields.h"
+#include "views/songcells.h"
 
 DupMusicListModel::DupMusicListModel(QObject* parent) : FlatListModel(parent) {}
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "flatlistmodel.h"
+#include "views/flatlistmodel.h"
 
 struct DupMusicInfo;
 

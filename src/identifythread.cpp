@@ -1,8 +1,8 @@
 #include "identifythread.h"
 
 #include "audiocore/iaudioidentifier.h"
-#include "localsongreader.h"
-#include "workers.h"
+#include "common/workers.h"
+#include "songs/localsongreader.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
 #include "localmusicinfo.h"
 
-#include "coverloader.h"
+#include "covers/coverloader.h"
 
 LocalMusicInfo::LocalMusicInfo() : cover(std::make_unique<QPixmap>(CoverLoader::genericCover())) {}

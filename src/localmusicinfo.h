@@ -1,6 +1,6 @@
 #pragma once
 
-#include "filestate.h"
+#include "collection/filestate.h"
 
 #include <QPixmap>
 #include <QString>

@@ -3,6 +3,7 @@
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
 #include "common/skinpicture.h"
+#include "common/workers.h"
 #include "homepage.h"
 #include "introducethissofedialog.h"
 #include "itunes/delmusiclib.h"
@@ -12,7 +13,6 @@
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "ui_mainwindow.h"
-#include "workers.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>

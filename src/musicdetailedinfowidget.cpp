@@ -3,12 +3,12 @@
 #include "audiocore/tagitem.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
-#include "coverchoice.h"
+#include "common/workers.h"
+#include "covers/coverchoice.h"
 #include "identifythread.h"
-#include "songcover.h"
-#include "songfields.h"
+#include "songs/songcover.h"
+#include "songs/songfields.h"
 #include "ui_musicdetailedinfowidget.h"
-#include "workers.h"
 
 #include <QFileDialog>
 #include <QIntValidator>

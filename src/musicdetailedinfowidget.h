@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/skinpicture.h"
-#include "songediting.h"
+#include "songs/songediting.h"
 
 #include <QPointer>
 #include <QStringList>

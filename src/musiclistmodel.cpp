@@ -1,6 +1,6 @@
 #include "musiclistmodel.h"
 
-#include "songcells.h"
+#include "views/songcells.h"
 
 #include <QBrush>
 

@@ -1,10 +1,10 @@
 #include "paintcoverimagethread.h"
 
+#include "common/workers.h"
 #include "itunes/eyetunes.h"
 #include "itunes/tunesedit.h"
 #include "qmusicinfo.h"
-#include "songfields.h"
-#include "workers.h"
+#include "songs/songfields.h"
 
 #include <QFile>
 

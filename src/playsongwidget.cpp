@@ -1,11 +1,11 @@
 #include "playsongwidget.h"
 
 #include "audiocore/iaudioplayer.h"
+#include "collection/timetext.h"
 #include "common/screenplace.h"
 #include "qiorvoutil.h"
-#include "songcover.h"
-#include "songfields.h"
-#include "timetext.h"
+#include "songs/songcover.h"
+#include "songs/songfields.h"
 #include "ui_playsongwidget.h"
 
 #include <QDebug>

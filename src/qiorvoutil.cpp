@@ -1,6 +1,8 @@
 #include "qiorvoutil.h"
 
-#include "coverloader.h"
+#include "collection/formats.h"
+#include "common/skinplace.h"
+#include "covers/coverloader.h"
 
 #include <QCoreApplication>
 #include <QTranslator>
@@ -31,7 +33,7 @@ QIOrvoUtil* QIOrvoUtil::Instance()
 
 QString QIOrvoUtil::getResourcePath()
 {
-    static const bool filled = (s_resourcePath = QCoreApplication::applicationDirPath(), true);
+    static const bool filled = (s_resourcePath = SkinPlace::folder(), true);
     Q_UNUSED(filled);
     return s_resourcePath;
 }
@@ -52,22 +54,12 @@ void QIOrvoUtil::emitLanguageChange() {}
 
 bool QIOrvoUtil::isMusicFormatorNot(QString lastThree)
 {
-    // WMA is missing on purpose: it comes in through the file dialog, never through a drop.
-    static const char* const known[] = {"wav", "mp3", "aac", "m4a", "ogg", "ape", "lac"};
-    lastThree = lastThree.toLower();
-    for (const char* format : known)
-        if (lastThree == QLatin1String(format))
-            return true;
-    return false;
+    return Formats::isMusicEnding(lastThree);
 }
 
 QString QIOrvoUtil::intToString(int formatCode)
 {
-    // The capitals are part of the table.
-    static const char* const names[] = {"wav", "Wma", "mp3", "AAC", "M4a", "OGG", "APE", "Flac"};
-    if (formatCode < 0 || formatCode >= static_cast<int>(sizeof names / sizeof *names))
-        return QStringLiteral("None");
-    return QLatin1String(names[formatCode]);
+    return Formats::nameOf(formatCode);
 }
 
 QString QIOrvoUtil::size2String(unsigned long long bytes)

@@ -1,5 +1,5 @@
 #include "qmusicinfo.h"
 
-#include "coverloader.h"
+#include "covers/coverloader.h"
 
 QMusicInfo::QMusicInfo() : coverPath(CoverLoader::genericCoverPath()) {}

@@ -1,8 +1,8 @@
 #include "showmusicinfowidget.h"
 
 #include "common/compositing.h"
-#include "songcover.h"
-#include "songfields.h"
+#include "songs/songcover.h"
+#include "songs/songfields.h"
 #include "ui_showmusicinfowidget.h"
 
 #include <QKeyEvent>

@@ -1,58 +1,17 @@
 #include "songviews.h"
 
-#include "covergriddelegate.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
-#include "paintdupnumberdelegate.h"
-#include "songcells.h"
+#include "views/covergriddelegate.h"
+#include "views/paintdupnumberdelegate.h"
+#include "views/songcells.h"
+#include "views/viewsetup.h"
 
-#include <QHeaderView>
 #include <QListView>
 #include <QTableView>
 
 namespace {
 constexpr int titleColumnWidth = 500;
-
-void colourTexts(QWidget* view)
-{
-    QPalette palette = view->palette();
-    palette.setColor(QPalette::Text, QColor(0x28, 0x40, 0x4F));
-    view->setPalette(palette);
-}
-} // namespace
-
-void SongViews::initGrid(QListView* view)
-{
-    view->setViewMode(QListView::IconMode);
-    view->setResizeMode(QListView::Adjust);
-    view->setIconSize(QSize(100, 120));
-    view->setGridSize(QSize(120, 140));
-    view->setMovement(QListView::Snap);
-    view->setDragDropMode(QAbstractItemView::DragDrop);
-    view->setFrameShape(QFrame::NoFrame);
-    view->setUniformItemSizes(true);
-    view->setFocusPolicy(Qt::NoFocus);
-    colourTexts(view);
-}
-
-void SongViews::initTable(QTableView* view)
-{
-    view->setFrameShape(QFrame::NoFrame);
-    view->setShowGrid(false);
-    view->verticalHeader()->hide();
-    view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    view->setSelectionMode(QAbstractItemView::SingleSelection);
-    view->horizontalHeader()->setDefaultSectionSize(130);
-    view->horizontalHeader()->setStretchLastSection(true);
-    view->horizontalHeader()->setHighlightSections(false);
-    view->horizontalHeader()->setStyleSheet(
-        QStringLiteral("QHeaderView{background:#EAF4FB}"
-                       "QHeaderView::section{background:#EAF4FB;color:#28404F;border:0;"
-                       "border-bottom:1px solid #C9DDE9;border-right:1px solid #D9E8F2;padding:5px 6px}"));
-    view->verticalHeader()->setDefaultSectionSize(26);
-    view->setFocusPolicy(Qt::NoFocus);
-    colourTexts(view);
 }
 
 SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<DupMusicInfo*>* groups,
@@ -64,10 +23,10 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
     // Before the views, which measure columns that are there.
     showSongs(songs);
     showGroups(groups, SongCells::columnModeDupTable);
-    initGrid(m_widgets.songGrid);
-    initGrid(m_widgets.groupGrid);
-    initTable(m_widgets.songTable);
-    initTable(m_widgets.groupTable);
+    ViewSetup::grid(m_widgets.songGrid);
+    ViewSetup::grid(m_widgets.groupGrid);
+    ViewSetup::table(m_widgets.songTable);
+    ViewSetup::table(m_widgets.groupTable);
     m_widgets.songGrid->setModel(m_allMusicGridModel);
     m_widgets.songTable->setModel(m_allMusicTableModel);
     m_widgets.groupGrid->setModel(m_dupMusicGridModel);

@@ -35,10 +35,6 @@ public:
     SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<DupMusicInfo*>* groups,
               QObject* parent);
 
-    /// How one grid or one table looks and behaves.
-    static void initGrid(QListView* view);
-    static void initTable(QTableView* view);
-
     /// The lists are read in place: after a change of one its views are refreshed, or shown another list.
     void showSongs(QList<QMusicInfo*>* songs);
     void showGroups(QList<DupMusicInfo*>* groups, int tableColumns);

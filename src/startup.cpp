@@ -1,9 +1,9 @@
 #include "startup.h"
 
 #include "audiocore/log.h"
+#include "common/workers.h"
 #include "ownenvironment.h"
 #include "privatefolder.h"
-#include "workers.h"
 
 #include <QApplication>
 #include <QDir>

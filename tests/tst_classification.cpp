@@ -1,4 +1,4 @@
-#include "classification.h"
+#include "collection/classification.h"
 
 #include <QtTest>
 

@@ -1,9 +1,9 @@
-#include "covergriddelegate.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
-#include "paintdupnumberdelegate.h"
 #include "songfixtures.h"
+#include "views/covergriddelegate.h"
+#include "views/paintdupnumberdelegate.h"
 
 #include <QListView>
 #include <QTemporaryDir>

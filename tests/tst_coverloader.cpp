@@ -1,4 +1,4 @@
-#include "coverloader.h"
+#include "covers/coverloader.h"
 #include "qiorvoutil.h"
 #include "songfixtures.h"
 

@@ -1,4 +1,4 @@
-#include "coverstore.h"
+#include "covers/coverstore.h"
 #include "songfixtures.h"
 
 #include <QBuffer>

@@ -1,4 +1,4 @@
-#include "coverloader.h"
+#include "covers/coverloader.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "songfixtures.h"

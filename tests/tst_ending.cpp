@@ -9,13 +9,13 @@
 #include "identifyserver.h"
 #include "itunes/delmusiclib.h"
 #include "itunesfixture.h"
-#include "localsongreader.h"
 #include "mainwindow.h"
 #include "musicdetailedinfowidget.h"
 #include "program.h"
 #include "programrun.h"
 #include "qmusicinfo.h"
 #include "songfixtures.h"
+#include "songs/localsongreader.h"
 
 #include <QFileDialog>
 #include <QListView>

@@ -1,4 +1,4 @@
-#include "filecollection.h"
+#include "collection/filecollection.h"
 
 #include <QDir>
 #include <QFile>

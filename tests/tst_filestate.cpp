@@ -1,4 +1,4 @@
-#include "filestate.h"
+#include "collection/filestate.h"
 #include "songfixtures.h"
 
 #include <QDateTime>

@@ -2,7 +2,7 @@
 #include "audiofile.h"
 #include "centerwidget.h"
 #include "common/qsliderctrl.h"
-#include "coverloader.h"
+#include "covers/coverloader.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicbarwidget.h"
 #include "fixtures.h"
@@ -15,8 +15,8 @@
 #include "musicdetailedinfowidget.h"
 #include "paintcoverimagethread.h"
 #include "playsongwidget.h"
-#include "songfields.h"
 #include "songfixtures.h"
+#include "songs/songfields.h"
 #include "startup.h"
 
 #include <QClipboard>

@@ -1,9 +1,9 @@
 #include "audiocore/iaudiotag.h"
 #include "audiofile.h"
 #include "fixtures.h"
-#include "localsongreader.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "songs/localsongreader.h"
 #include "startup.h"
 
 #include <QDir>

@@ -1,8 +1,8 @@
 #include "common/skinpicture.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
-#include "paintdupnumberdelegate.h"
 #include "songfixtures.h"
+#include "views/paintdupnumberdelegate.h"
 
 #include <QListView>
 #include <QPainter>

@@ -4,16 +4,16 @@
 #include "common/qimagewidget.h"
 #include "common/skinlabel.h"
 #include "common/skinmovie.h"
-#include "covergriddelegate.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "mainwindow.h"
 #include "musicdetailedinfowidget.h"
 #include "musiclistmodel.h"
-#include "paintdupnumberdelegate.h"
 #include "showmusicinfowidget.h"
 #include "songfixtures.h"
-#include "songviews.h"
+#include "views/covergriddelegate.h"
+#include "views/paintdupnumberdelegate.h"
+#include "views/viewsetup.h"
 
 #include <QListView>
 #include <QPainter>
@@ -343,7 +343,7 @@ void TestPixelRatio::coversUseEveryPixel()
     CoverGridDelegate delegate;
     PaintDupNumberDelegate numbers;
     QListView view;
-    SongViews::initGrid(&view);
+    ViewSetup::grid(&view);
     view.setItemDelegate(groups ? static_cast<QAbstractItemDelegate*>(&numbers) : &delegate);
     view.setModel(groups ? static_cast<QAbstractItemModel*>(&groupModel) : &songModel);
     view.resize(380, 300);
@@ -375,7 +375,7 @@ void TestPixelRatio::theCountsDiscIsAsFineAsTheScreen()
     model.setDupMusicDataSource(&groupList, 1, false);
     PaintDupNumberDelegate delegate;
     QListView view;
-    SongViews::initGrid(&view);
+    ViewSetup::grid(&view);
     view.setItemDelegate(&delegate);
     view.setModel(&model);
     view.resize(380, 300);

@@ -1,5 +1,5 @@
+#include "collection/timetext.h"
 #include "qiorvoutil.h"
-#include "timetext.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,10 +1,10 @@
 #include "common/qimagewidget.h"
 #include "common/retractlabel.h"
 #include "common/screenplace.h"
-#include "coverloader.h"
+#include "covers/coverloader.h"
 #include "showmusicinfowidget.h"
-#include "songcover.h"
 #include "songfixtures.h"
+#include "songs/songcover.h"
 #include "startup.h"
 
 #include <QTemporaryDir>

@@ -105,12 +105,12 @@ struct Caption
 const Caption captions[] = {{"src/navigationbutton.cpp", "0x28, 0x40, 0x4F", "#F4F4F4"},
                             {"src/navigationbutton.cpp", "0x0B, 0x5C, 0x93", "#E0F1FB"}, // the chosen row
                             {"src/mainwindow.cpp", "#2C4B66", "#DCEFFA"},
-                            {"src/songviews.cpp", "#28404F", "#EAF4FB"},          // column titles
-                            {"src/songviews.cpp", "0x28, 0x40, 0x4F", "#F0F6FC"}, // striped rows
+                            {"src/views/viewsetup.cpp", "#28404F", "#EAF4FB"},          // column titles
+                            {"src/views/viewsetup.cpp", "0x28, 0x40, 0x4F", "#F0F6FC"}, // striped rows
                             {"src/deletingmusicwaitingdlg.cpp", "0x28, 0x40, 0x4F", "#FFFFFF"},
                             {"src/introducethissofedialog.cpp", "#0B5C93", "#EEF7FC"},
                             {"src/startup.cpp", "0x28, 0x40, 0x4F", "#EEF6FB"}, // of what the system draws
-                            {"src/paintdupnumberdelegate.cpp", "255, 255, 255", "#CE4237"},
+                            {"src/views/paintdupnumberdelegate.cpp", "255, 255, 255", "#CE4237"},
                             {"forms/musicdetailedinfowidget.ui", "#4F6B7C", "#F5FAFD"},
                             {"forms/showmusicinfowidget.ui", "#4F6B7C", "#F0F8FD"},
                             {"forms/playsongwidget.ui", "#4F6B7C", "#F2F9FD"},

@@ -2,8 +2,8 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "loggedlines.h"
-#include "songediting.h"
 #include "songfixtures.h"
+#include "songs/songediting.h"
 #include "startup.h"
 
 #include <QJsonArray>

@@ -2,7 +2,7 @@
 #include "itunes/itunestrackrecord.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
-#include "songfields.h"
+#include "songs/songfields.h"
 
 #include <QtTest>
 

@@ -1,10 +1,10 @@
 #include "audiocore/iaudiotag.h"
+#include "collection/keptfiles.h"
 #include "dupmusicinfo.h"
-#include "keptfiles.h"
 #include "loggedlines.h"
 #include "qmusicinfo.h"
 #include "songfixtures.h"
-#include "songremoval.h"
+#include "songs/songremoval.h"
 #include "startup.h"
 
 #include <QTemporaryDir>

@@ -1,5 +1,5 @@
 #include "folderopener.h"
-#include "localsongreader.h"
+#include "songs/localsongreader.h"
 #include "startup.h"
 
 #include <QDir>

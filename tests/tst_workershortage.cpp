@@ -1,7 +1,7 @@
 #include "audiofile.h"
 #include "centerwidget.h"
 #include "common/qimagebutton.h"
-#include "decodequeue.h"
+#include "covers/decodequeue.h"
 #include "deletingmusicwaitingdlg.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicinfo.h"

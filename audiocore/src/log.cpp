@@ -1,36 +1,8 @@
-#include "log.h"
-
 #include "audiocore/log.h"
 
-#include <atomic>
-#include <cstdio>
-#include <new>
+#include "base/log.h"
 
-namespace {
-void toStandardError(const char* line)
+void SetAudioCoreLogSink(AudioCoreLogSink sink)
 {
-    std::fprintf(stderr, "%s\n", line);
-}
-
-std::atomic<AudioCoreLogSink> sink{toStandardError};
-} // namespace
-
-void SetAudioCoreLogSink(AudioCoreLogSink newSink)
-{
-    sink = newSink ? newSink : toStandardError;
-}
-
-void audiocore::logLine(const std::string& path, const std::string& reason)
-{
-    sink.load()((path + ": " + reason).c_str());
-}
-
-void audiocore::logFailure(const std::string& path, const char* reason, const char* fault) noexcept
-{
-    try {
-        logLine(path, std::string(reason) + ": " + fault);
-    } catch (const std::bad_alloc&) {
-        // Standard error needs no memory.
-        std::fprintf(stderr, "%s: %s: %s\n", path.c_str(), reason, fault);
-    }
+    base::setLogSink(sink);
 }

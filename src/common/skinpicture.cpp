@@ -1,6 +1,6 @@
 #include "common/skinpicture.h"
 
-#include "qiorvoutil.h"
+#include "common/skinplace.h"
 
 #include <QFileInfo>
 #include <QImageReader>
@@ -14,7 +14,7 @@ constexpr qint64 maxPixels = 64ll * 1024 * 1024;
 QString existingFile(QString path)
 {
     if (path.startsWith(QLatin1Char('\\')) && !path.startsWith(QLatin1String("\\\\")))
-        path.prepend(QIOrvoUtil::getResourcePath());
+        path.prepend(SkinPlace::folder());
     if (QFileInfo::exists(path))
         return path;
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -65,7 +65,7 @@ QImage SkinPicture::read(const QString& path)
 
 QString SkinPicture::path(const char* name)
 {
-    return QIOrvoUtil::getResourcePath() + QLatin1String("/Image/") + QLatin1String(name);
+    return SkinPlace::folder() + QLatin1String("/Image/") + QLatin1String(name);
 }
 
 QString SkinPicture::doubledPath(const QString& path)

@@ -1,9 +1,9 @@
 // Files that say more than they hold: whatever they say, reading takes memory and steps in bounds.
 #include "audiofile.h"
 #include "bombs.h"
-#include "checkedstream.h"
 #include "fixtures.h"
 #include "identify/fingerprint.h"
+#include "media/checkedstream.h"
 
 #include "audiocore/iaudiodecoder.h"
 #include "audiocore/iaudioplayer.h"

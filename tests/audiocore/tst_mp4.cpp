@@ -1,11 +1,11 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
-#include "checkedstream.h"
 #include "fixtures.h"
-#include "mediafile.h"
+#include "media/checkedstream.h"
 #include "mp4fixture.h"
-#include "tagfields.h"
-#include "tagwriting.h"
+#include "tags/mediafile.h"
+#include "tags/tagfields.h"
+#include "tags/tagwriting.h"
 
 #include <QProcess>
 #include <QRandomGenerator>

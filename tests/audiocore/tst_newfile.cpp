@@ -1,4 +1,4 @@
-#include "newfile.h"
+#include "base/newfile.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -6,8 +6,7 @@
 
 #include <sys/stat.h>
 
-namespace platform = audiocore::platform;
-using platform::NewFile;
+using base::NewFile;
 
 class TestNewFile : public QObject
 {
@@ -46,7 +45,7 @@ private:
     {
         auto file = NewFile::beside(at(beside), NewFile::Content::Empty, m_error);
         if (file)
-            platform::writeAt(file->file(), 0, bytes, qstrlen(bytes));
+            base::writeAt(file->file(), 0, bytes, qstrlen(bytes));
         return file;
     }
 
@@ -151,22 +150,22 @@ void TestNewFile::aFreeNameIsNoOthers()
 void TestNewFile::aFurtherNameIsOneOfTheSameFile()
 {
     for (int round = 0; round < 2; ++round) { // also over itself
-        std::FILE* open = platform::openFile(at("file"), false);
+        std::FILE* open = base::openFile(at("file"), false);
         const auto link = NewFile::linkOf(open, at("file"), at("other"), m_error);
         std::fclose(open);
         QVERIFY(link);
         QCOMPARE(link->takeName(at("other"), m_error), NewFile::Taking::Done);
     }
     QCOMPARE(names(), QStringList({"file", "other"}));
-    platform::FileState file;
-    platform::FileState other;
-    QVERIFY(platform::stateOf(at("file"), file) && platform::stateOf(at("other"), other));
+    base::FileState file;
+    base::FileState other;
+    QVERIFY(base::stateOf(at("file"), file) && base::stateOf(at("other"), other));
     QVERIFY(file.isOf(other));
 }
 
 void TestNewFile::anotherFileGetsNoFurtherName()
 {
-    std::FILE* open = platform::openFile(at("file"), false);
+    std::FILE* open = base::openFile(at("file"), false);
     QFile::remove(m_folder->filePath("file"));
     write("file", "another");
     QVERIFY(!NewFile::linkOf(open, at("file"), at("other"), m_error));
@@ -178,10 +177,10 @@ void TestNewFile::anotherFileGetsNoFurtherName()
 void TestNewFile::aFileIsRenamedOverAnother()
 {
     write("other", "other");
-    QVERIFY(platform::renameFile(at("file"), at("other"), m_error));
+    QVERIFY(base::renameFile(at("file"), at("other"), m_error));
     QCOMPARE(names(), QStringList("other"));
     QCOMPARE(read("other"), QByteArray("old"));
-    QVERIFY(!platform::renameFile(at("file"), at("other"), m_error));
+    QVERIFY(!base::renameFile(at("file"), at("other"), m_error));
     QVERIFY(!m_error.empty());
 }
 

@@ -1,6 +1,6 @@
 // Files of kinds that other programs make and we half know: a save of theirs does what it says.
 #include "audiofile.h"
-#include "checkedmath.h"
+#include "base/checkedmath.h"
 #include "fixtures.h"
 
 #include <QProcess>
@@ -10,7 +10,7 @@
 
 #include <functional>
 
-namespace checked = audiocore::checked;
+namespace checked = base::checked;
 
 class TestOddFiles : public QObject
 {

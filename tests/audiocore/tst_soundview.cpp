@@ -1,6 +1,6 @@
 // What decoders get to see of a file's places and end.
 #include "fixtures.h"
-#include "soundview.h"
+#include "tags/soundview.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,8 +1,8 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
-#include "songediting.h"
 #include "songfixtures.h"
+#include "songs/songediting.h"
 #include "startup.h"
 
 #include <taglib/apefile.h>

@@ -1,10 +1,10 @@
 #include "identify/audiodecoding.h"
 
-#include "checkedmath.h"
+#include "base/checkedmath.h"
+#include "base/log.h"
 #include "identify/mediainput.h"
 #include "identify/resampler.h"
-#include "log.h"
-#include "soundlimits.h"
+#include "media/soundlimits.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -144,7 +144,7 @@ DecodedPart audiocore::decodeBeginning(const std::string& path, int seconds, int
     DecodedPart part;
     MediaInput input(path, cancellation);
     if (!input.isOpen()) {
-        logLine(path, "is no file that can be read");
+        base::logLine(path, "is no file that can be read");
         part.result = Decoding::Unreadable;
         return part;
     }
@@ -152,15 +152,15 @@ DecodedPart audiocore::decodeBeginning(const std::string& path, int seconds, int
     if (AVFormatContext* demuxer = input.demuxer()) {
         decodeInto(limited, demuxer, input, sampleRate);
         part.milliseconds = demuxer->duration > 0 ? demuxer->duration / (AV_TIME_BASE / 1000)
-                                                  : checked::scaled(limited.total(), 1000, sampleRate);
+                                                  : base::checked::scaled(limited.total(), 1000, sampleRate);
     }
     if (cancellation.isCancelled()) {
         part.result = Decoding::Cancelled;
     } else if (limited.total() > 0) {
         part.result = Decoding::Done;
     } else {
-        logLine(path, input.isInterrupted() ? "is damaged: decoding it would not end"
-                                            : "holds no audio that can be decoded");
+        base::logLine(path, input.isInterrupted() ? "is damaged: decoding it would not end"
+                                                  : "holds no audio that can be decoded");
         part.result = Decoding::NoAudio;
     }
     return part;

@@ -1,6 +1,6 @@
 #include "identify/fingerprint.h"
 
-#include "parsedmedia.h"
+#include "tags/parsedmedia.h"
 
 #include <chromaprint.h>
 

@@ -1,10 +1,10 @@
 #include "identify/identification.h"
 
+#include "base/log.h"
+#include "base/text.h"
 #include "identify/acoustid.h"
 #include "identify/coverart.h"
 #include "identify/musicbrainz.h"
-#include "log.h"
-#include "text.h"
 
 using audiocore::Cancellation;
 using audiocore::Decoding;
@@ -179,14 +179,14 @@ std::string picture(const Services& services, const std::string& release, const 
 
 void addTexts(Identification& found, const musicbrainz::Recording& recording)
 {
-    found.texts[TAG_TITLE] = audiocore::toUtf32(recording.title);
-    found.texts[TAG_ARTIST] = audiocore::toUtf32(recording.artist);
-    found.texts[TAG_GENRE] = audiocore::toUtf32(recording.genre());
-    found.texts[TAG_YEAR] = audiocore::toUtf32(recording.year());
+    found.texts[TAG_TITLE] = base::toUtf32(recording.title);
+    found.texts[TAG_ARTIST] = base::toUtf32(recording.artist);
+    found.texts[TAG_GENRE] = base::toUtf32(recording.genre());
+    found.texts[TAG_YEAR] = base::toUtf32(recording.year());
     if (!recording.release)
         return;
-    found.texts[TAG_ALBUM] = audiocore::toUtf32(recording.release->title);
-    found.texts[TAG_TRACK] = audiocore::toUtf32(recording.release->track);
+    found.texts[TAG_ALBUM] = base::toUtf32(recording.release->title);
+    found.texts[TAG_TRACK] = base::toUtf32(recording.release->track);
 }
 
 /// Puts the picture in; a failure but a cancellation leaves the texts alone.
@@ -199,7 +199,7 @@ void addPicture(Identification& found, const std::string& path, const Services& 
     } catch (const Failure& failure) {
         if (failure.status == IDENTIFY_CANCELLED)
             throw;
-        audiocore::logLine(path, "is identified without its picture: " + failure.reason);
+        base::logLine(path, "is identified without its picture: " + failure.reason);
         found.status = IDENTIFY_FOUND_NO_PICTURE;
     }
 }
@@ -227,7 +227,7 @@ Identification audiocore::identifyFile(const std::string& path, const Services& 
         return identify(path, services, cancellation);
     } catch (const Failure& failure) {
         if (!failure.reason.empty() && failure.status != IDENTIFY_CANCELLED)
-            logLine(path.empty() ? "a file" : path, "is not identified: " + failure.reason);
+            base::logLine(path.empty() ? "a file" : path, "is not identified: " + failure.reason);
         Identification found;
         found.status = failure.status;
         return found;

@@ -1,8 +1,8 @@
 #include "audiocore/iaudioidentifier.h"
 
+#include "base/registry.h"
+#include "base/text.h"
 #include "identify/identifyjob.h"
-#include "registry.h"
-#include "text.h"
 
 using audiocore::Identification;
 using audiocore::IdentifyJob;
@@ -19,14 +19,14 @@ struct OnlineJob : IdentifyJob
     }
 };
 
-using Jobs = audiocore::Registry<OnlineJob>;
+using Jobs = base::Registry<OnlineJob>;
 
 class Identifier final : public IAudioIdentifier
 {
 public:
     std::int32_t Open(const char32_t* path) override
     {
-        const std::optional<std::string> utf8 = audiocore::toUtf8(path ? path : U"");
+        const std::optional<std::string> utf8 = base::toUtf8(path ? path : U"");
         job()->open(utf8.value_or(std::string()));
         return utf8 && !utf8->empty() ? 0 : 1;
     }

@@ -1,6 +1,6 @@
 #include "identify/identifyjob.h"
 
-#include "log.h"
+#include "base/log.h"
 
 #include <exception>
 #include <new>
@@ -11,7 +11,7 @@ using audiocore::IdentifyJob;
 namespace {
 void tellFailure(const std::string& path, const char* fault) noexcept
 {
-    audiocore::logFailure(path, "is not identified", fault);
+    base::logFailure(path, "is not identified", fault);
 }
 } // namespace
 

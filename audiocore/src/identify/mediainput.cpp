@@ -1,6 +1,6 @@
 #include "identify/mediainput.h"
 
-#include "platform.h"
+#include "base/platform.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -29,9 +29,9 @@ int openNothingElse(AVFormatContext*, AVIOContext**, const char*, int, AVDiction
 MediaInput::MediaInput(const std::string& path, const Cancellation& cancellation)
     : m_cancellation(cancellation), m_deadline(Cancellation::Clock::now() + longestWork)
 {
-    m_file = platform::openFile(path, false);
-    platform::FileState state;
-    if (m_file && platform::stateOf(m_file, state) && state.regular) {
+    m_file = base::openFile(path, false);
+    base::FileState state;
+    if (m_file && base::stateOf(m_file, state) && state.regular) {
         m_view = SoundView::of(m_file, path);
         m_size = m_view ? m_view->shownOf(state.size) : 0;
         return;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "identify/cancellation.h"
-#include "soundview.h"
+#include "tags/soundview.h"
 
 #include <cstdint>
 #include <cstdio>

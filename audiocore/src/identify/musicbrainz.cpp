@@ -1,8 +1,8 @@
 #include "identify/musicbrainz.h"
 
+#include "base/text.h"
 #include "identify/genre.h"
 #include "identify/jsonreading.h"
-#include "text.h"
 
 namespace json = audiocore::json;
 namespace musicbrainz = audiocore::musicbrainz;
@@ -33,7 +33,7 @@ ReleaseKind kindOfGroup(const json::Value& group)
 std::string sortable(const std::string& date)
 {
     std::string unknown = "9999-99-99";
-    if (audiocore::yearOf(date).empty() || date.size() > unknown.size())
+    if (base::yearOf(date).empty() || date.size() > unknown.size())
         return unknown;
     return date + unknown.substr(date.size());
 }
@@ -49,7 +49,7 @@ std::string placeOf(const json::Value& track)
     const double position = json::number(track, "position").value_or(0);
     if (position >= 1 && position < 10000)
         return std::to_string(int(position));
-    return audiocore::trackOf(json::text(track, "number"));
+    return base::trackOf(json::text(track, "number"));
 }
 
 /// The place on its medium of the first track that the predicate takes.
@@ -101,10 +101,9 @@ Release releaseOf(const json::Value& value)
     release.rank = rankOf(value);
     release.id = json::identifier(value, "id");
     release.title = json::text(value, "title");
-    release.year = audiocore::yearOf(json::text(value, "date"));
+    release.year = base::yearOf(json::text(value, "date"));
     if (release.year.empty())
-        release.year =
-            audiocore::yearOf(json::text(json::member(value, "release-group"), "first-release-date"));
+        release.year = base::yearOf(json::text(json::member(value, "release-group"), "first-release-date"));
     // The one track that is named there is the recording's.
     release.track = trackOn(value, [](const json::Value&) { return true; });
     release.genre = genreOf(value);
@@ -162,7 +161,7 @@ musicbrainz::Recording musicbrainz::readRecording(const std::string& answer)
     recording.title = json::text(*root, "title");
     recording.understood = !recording.title.empty();
     recording.artist = artistOf(*root);
-    recording.firstYear = yearOf(json::text(*root, "first-release-date"));
+    recording.firstYear = base::yearOf(json::text(*root, "first-release-date"));
     recording.ownGenre = mostVotedGenre(*root);
     recording.artistGenre = artistGenreOf(*root);
     recording.release = bestOf(releases);

@@ -1,6 +1,6 @@
 #include "identify/resampler.h"
 
-#include "soundlimits.h"
+#include "media/soundlimits.h"
 
 extern "C" {
 #include <libavutil/channel_layout.h>

@@ -1,0 +1,147 @@
+#include "tags/mp4file.h"
+
+#include "audiocore/tagitem.h"
+#include "media/mp4sound.h"
+#include "tags/tagtext.h"
+
+#include <taglib/id3v1genres.h>
+
+#include <algorithm>
+
+using audiocore::Mp4File;
+using audiocore::Mp4Value;
+using TagLib::ByteVector;
+using TagLib::String;
+using TagLib::StringList;
+
+const char* const audiocore::mp4PictureName = "covr";
+
+namespace {
+// Far more than any song has: whatever is longer is no title.
+constexpr std::int64_t longestText = 256 * 1024;
+constexpr size_t mostValues = 1000;
+constexpr std::int64_t valueHead = 16;
+
+enum Marked : unsigned int {
+    AsAnything = 0,
+    AsUtf8 = 1,
+    AsUtf16 = 2,
+    AsGif = 12,
+    AsJpeg = 13,
+    AsPng = 14,
+    AsBmp = 27
+};
+
+std::string text(const ByteVector& bytes, unsigned int type)
+{
+    return type == AsUtf16 ? String(bytes, String::UTF16BE).to8Bit(true) : audiocore::readableText(bytes);
+}
+
+StringList genreOf(const ByteVector& bytes)
+{
+    const int number = bytes.size() < 2 ? 0 : bytes.toUShort(0u);
+    return number > 0 && number < 256 ? StringList(TagLib::ID3v1::genre(number - 1)) : StringList();
+}
+
+StringList trackOf(const ByteVector& bytes)
+{
+    if (bytes.size() < 4)
+        return StringList();
+    const int total = bytes.size() < 6 ? 0 : bytes.toUShort(4u);
+    const String number = String::number(bytes.toUShort(2u));
+    return total > 0 ? number + "/" + String::number(total) : number;
+}
+} // namespace
+
+const std::vector<std::string>& audiocore::mp4Names(int type)
+{
+    static const std::vector<std::string> names[textTypes] = {{"\251nam"},         {"\251ART"}, {"\251alb"},
+                                                              {"\251gen", "gnre"}, {"\251day"}, {"trkn"}};
+    return names[type];
+}
+
+bool audiocore::isMp4Name(const std::string& name, int type)
+{
+    const std::vector<std::string>& names = mp4Names(type);
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+const std::vector<std::string>& audiocore::mp4ListPath()
+{
+    static const std::vector<std::string> path = {"moov", "udta", "meta", "ilst"};
+    return path;
+}
+
+Mp4File::Mp4File(TagLib::IOStream& stream) : TagLib::File(&stream)
+{
+    const Mp4Atoms atoms(*this, Mp4Atoms::Fragments::PassOver);
+    if (atoms.areBounded())
+        m_sound = measureMp4(*this, atoms);
+    if (const Mp4Atom* list = atoms.find(mp4ListPath()))
+        for (const Mp4Atom* item : atoms.childrenOf(*list))
+            m_items.push_back(*item);
+    setValid(m_sound.sampleRate > 0);
+}
+
+std::vector<Mp4Value> Mp4File::valuesOf(const Mp4Atom& item)
+{
+    std::vector<Mp4Value> values;
+    for (std::int64_t position = item.content(); values.size() < mostValues;) {
+        seek(position);
+        const ByteVector head = readBlock(size_t(valueHead));
+        const std::int64_t size = head.size() < unsigned(valueHead) ? 0 : head.toUInt(0u);
+        if (size < valueHead || size > item.end() - position || head.mid(4, 4) != ByteVector("data"))
+            break;
+        values.push_back({head.toUInt(8u), position + valueHead, size - valueHead});
+        position += size;
+    }
+    return values;
+}
+
+ByteVector Mp4File::bytesOf(const Mp4Value& value)
+{
+    seek(value.begin);
+    return readBlock(size_t(value.size));
+}
+
+StringList Mp4File::textsOf(const Mp4Atom& item)
+{
+    StringList texts;
+    std::int64_t bytes = 0;
+    for (const Mp4Value& value : valuesOf(item)) {
+        bytes += value.size;
+        if (bytes > longestText)
+            break;
+        if (item.name == "gnre")
+            return genreOf(bytesOf(value));
+        if (item.name == "trkn")
+            return trackOf(bytesOf(value));
+        if (value.type <= AsUtf16)
+            texts.append(String(text(bytesOf(value), value.type), String::UTF8));
+    }
+    return texts;
+}
+
+StringList Mp4File::texts(int type)
+{
+    for (const Mp4Atom& item : m_items) {
+        if (!isMp4Name(item.name, type))
+            continue;
+        const StringList texts = textsOf(item);
+        if (!texts.isEmpty())
+            return texts;
+    }
+    return StringList();
+}
+
+std::vector<Mp4Value> Mp4File::pictures()
+{
+    std::vector<Mp4Value> pictures;
+    for (const Mp4Atom& item : m_items)
+        if (item.name == mp4PictureName && pictures.size() < mostValues)
+            for (const Mp4Value& value : valuesOf(item))
+                if (value.type == AsAnything || value.type == AsBmp ||
+                    (value.type >= AsGif && value.type <= AsPng))
+                    pictures.push_back(value);
+    return pictures;
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "media/mp4atoms.h"
+#include "media/mpegframes.h"
+#include "tags/tagfields.h"
+
+#include <taglib/tfile.h>
+#include <taglib/tstringlist.h>
+
+#include <vector>
+
+namespace audiocore {
+/// A value of an item, as a place in the file.
+struct Mp4Value
+{
+    unsigned int type = 0; ///< what it is marked as: text, picture, number
+    std::int64_t begin = 0;
+    std::int64_t size = 0;
+};
+
+/// An MP4 file, read by our own bounded walk: the tag library's own reader goes as deep as a file says. Valid
+/// when it holds sound that has a rate. Nothing is kept in memory but where things are.
+class Mp4File : public TagLib::File
+{
+public:
+    /// The stream must outlive the file.
+    explicit Mp4File(TagLib::IOStream& stream);
+
+    TagLib::Tag* tag() const override { return nullptr; }
+    TagLib::AudioProperties* audioProperties() const override { return nullptr; }
+    bool save() override { return false; }
+
+    const MpegStream& sound() const { return m_sound; }
+    /// The values of a text type; a track as "number/total". Too long ones are left out.
+    TagLib::StringList texts(int type);
+    std::vector<Mp4Value> pictures();
+    TagLib::ByteVector bytesOf(const Mp4Value& value);
+    /// The values of an item.
+    std::vector<Mp4Value> valuesOf(const Mp4Atom& item);
+
+private:
+    TagLib::StringList textsOf(const Mp4Atom& item);
+
+    std::vector<Mp4Atom> m_items;
+    MpegStream m_sound;
+};
+
+/// Whether atoms of this name hold what the text type stands for. The name that is written is the first of
+/// `mp4Names`.
+bool isMp4Name(const std::string& name, int type);
+const std::vector<std::string>& mp4Names(int type);
+extern const char* const mp4PictureName;
+/// The way to the list of items.
+const std::vector<std::string>& mp4ListPath();
+} // namespace audiocore

@@ -1,0 +1,140 @@
+#include "tags/parsedmedia.h"
+
+#include "base/checkedmath.h"
+#include "base/log.h"
+#include "base/platform.h"
+#include "base/text.h"
+#include "media/checkedstream.h"
+#include "media/soundlimits.h"
+#include "tags/mp4file.h"
+#include "tags/tagfields.h"
+
+#include <taglib/audioproperties.h>
+#include <taglib/oggfile.h>
+#include <taglib/oggpageheader.h>
+
+#include <algorithm>
+#include <mutex>
+
+using audiocore::MpegStream;
+using audiocore::ParsedMedia;
+
+namespace {
+struct LastReading
+{
+    std::mutex mutex;
+    std::string path;
+    base::FileState state;
+    std::shared_ptr<const ParsedMedia> media;
+};
+
+LastReading& lastReading()
+{
+    static auto* reading = new LastReading; // kept to the end of the process, for calls from exit handlers
+    return *reading;
+}
+
+/// An Ogg stream's length by its last page, for headers that do not know it.
+std::int64_t millisecondsByLastPage(TagLib::File& file, int sampleRate)
+{
+    auto* ogg = dynamic_cast<TagLib::Ogg::File*>(&file);
+    const TagLib::Ogg::PageHeader* page = ogg && sampleRate > 0 ? ogg->lastPageHeader() : nullptr;
+    return page ? base::checked::scaled(std::max<std::int64_t>(page->absoluteGranularPosition(), 0), 1000,
+                                        sampleRate)
+                : 0;
+}
+
+MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& stream)
+{
+    if (media.format == AUDIO_FORMAT_MP3)
+        return audiocore::measureMp3(stream, media.audioBegin);
+    if (media.format == AUDIO_FORMAT_AAC)
+        return audiocore::measureAdts(stream, media.audioBegin);
+    if (const auto* mp4 = dynamic_cast<const audiocore::Mp4File*>(media.file.get()))
+        return mp4->sound();
+    MpegStream result;
+    if (const TagLib::AudioProperties* properties = media.file->audioProperties()) {
+        result.milliseconds = properties->lengthInMilliseconds();
+        result.sampleRate = properties->sampleRate();
+        result.bitsPerSecond = std::int64_t(properties->bitrate()) * 1000;
+    }
+    if (result.milliseconds > 0)
+        return result;
+    result.milliseconds = millisecondsByLastPage(*media.file, result.sampleRate);
+    result.bitsPerSecond = base::checked::scaled(stream.length(), 8000, result.milliseconds);
+    return result;
+}
+
+void addItems(ParsedMedia& parsed, const audiocore::TagContent& content)
+{
+    for (int type = 0; type < audiocore::textTypes; ++type) {
+        const std::string& text = content.texts[size_t(type)];
+        if (!text.empty())
+            parsed.items.push_back({TagItemType(type), base::toUtf32(text), TagLib::ByteVector()});
+    }
+    if (!content.picture.isEmpty())
+        parsed.items.push_back({TAG_PICTURE, std::u32string(), content.picture});
+}
+
+/// Fills in what the file holds; false when it holds no music.
+bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
+{
+    const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
+    const MpegStream properties =
+        media.format == AUDIO_FORMAT_UNKNOWN ? MpegStream() : propertiesOf(media, stream);
+    if (!audiocore::isSampleRate(properties.sampleRate))
+        return false;
+    parsed.format = media.format;
+    parsed.properties = properties;
+    parsed.audioBegin = media.audioBegin;
+    addItems(parsed, audiocore::readTags(media));
+    return true;
+}
+
+std::shared_ptr<const ParsedMedia> parse(audiocore::CheckedStream& stream, const std::string& path)
+{
+    auto parsed = std::make_shared<ParsedMedia>();
+    if (!stream.isOpen()) {
+        base::logLine(path, "cannot be read: " + stream.openError());
+        return parsed;
+    }
+    try {
+        const bool music = readInto(*parsed, stream);
+        if (stream.ranDry())
+            throw audiocore::EndlessReading();
+        if (music && !stream.readFailed())
+            return parsed;
+        base::logLine(path,
+                      stream.readFailed() ? "cannot be read to its end" : "holds no music that can be read");
+    } catch (const audiocore::EndlessReading& reason) {
+        base::logLine(path, reason.what());
+    }
+    return std::make_shared<ParsedMedia>();
+}
+} // namespace
+
+std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& path)
+{
+    base::FileState state;
+    base::stateOf(path, state);
+    LastReading& last = lastReading();
+    {
+        const std::lock_guard<std::mutex> lock(last.mutex);
+        // A file that is still not there has the same empty state as before.
+        if (last.media && last.path == path && last.state == state)
+            return last.media;
+    }
+    CheckedStream stream(path, CheckedStream::Mode::Read);
+    std::shared_ptr<const ParsedMedia> media = parse(stream, path);
+    const std::lock_guard<std::mutex> lock(last.mutex);
+    last.path = path;
+    last.state = state;
+    last.media = media;
+    return media;
+}
+
+std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(std::FILE* file, const std::string& path)
+{
+    CheckedStream stream(file, path, CheckedStream::Mode::Read);
+    return parse(stream, path);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "audiocore/iaudiodecoder.h"
+#include "audiocore/tagitem.h"
+#include "media/mpegframes.h"
+
+#include <taglib/tbytevector.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace audiocore {
+/// What one reading of a file gave, for its tag object and its decoder alike.
+struct ParsedMedia
+{
+    struct Item
+    {
+        TagItemType type;
+        std::u32string text; ///< empty for the picture
+        TagLib::ByteVector picture;
+    };
+
+    AudioFormat format = AUDIO_FORMAT_UNKNOWN;
+    MpegStream properties;
+    std::int64_t audioBegin = 0; ///< behind a tag at the file's beginning
+    std::vector<Item> items;     ///< texts by type, the picture last
+};
+
+/// Reads the file, or hands out the last reading of it when the file did not change since; the readings
+/// before the last one are forgotten, so that open objects cost nothing. Never null; a file that cannot be
+/// read has no items and no properties. Any thread.
+std::shared_ptr<const ParsedMedia> parsedMedia(const std::string& path);
+/// Reads an open file; the path is for messages alone.
+std::shared_ptr<const ParsedMedia> parsedMedia(std::FILE* file, const std::string& path);
+} // namespace audiocore

@@ -1,0 +1,316 @@
+#include "base/newfile.h"
+
+#include "base/descriptor_posix.h"
+#include "base/filecopy_posix.h"
+
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <functional>
+#include <random>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using base::Descriptor;
+using base::NewFile;
+
+namespace {
+constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+constexpr int namesTried = 100;
+
+std::string reason()
+{
+    return std::strerror(errno);
+}
+
+/// What the new files beside a file start with. No name of music: a folder walk passes them over.
+std::string prefixFor(const std::string& name)
+{
+    char hash[32];
+    std::snprintf(hash, sizeof hash, ".melodrift-%016zx-", std::hash<std::string>()(name));
+    return hash;
+}
+
+std::string newNameFor(const std::string& name)
+{
+    std::random_device random;
+    char ending[20];
+    std::snprintf(ending, sizeof ending, "%08x%08x", random(), random());
+    return prefixFor(name) + ending;
+}
+
+/// Root may write everywhere; a file or folder that nobody may write stays as it is all the same.
+bool mayReplace(int folder, const std::string& name, const struct stat& file, std::string& error)
+{
+    struct stat directory = {};
+    if (::fstat(folder, &directory) != 0) {
+        error = reason();
+        return false;
+    }
+    if (!(file.st_mode & anyWrite) || ::faccessat(folder, name.c_str(), W_OK, 0) != 0) {
+        error = "the file is read-only";
+        return false;
+    }
+    if (!(directory.st_mode & anyWrite) || ::faccessat(folder, ".", W_OK, 0) != 0) {
+        error = "the folder is read-only";
+        return false;
+    }
+    return true;
+}
+
+/// Opens what a new file is to be like.
+Descriptor openModel(int folder, const std::string& name, struct stat& status, std::string& error)
+{
+    Descriptor model(base::openAt(folder, name, O_RDONLY | O_NOFOLLOW));
+    if (!model.isOpen() || ::fstat(model.fd, &status) != 0)
+        error = reason();
+    else if (!S_ISREG(status.st_mode))
+        error = "not a regular file";
+    else if (mayReplace(folder, name, status, error))
+        return model;
+    return Descriptor();
+}
+
+/// Makes a file that is nobody else's; -1 with errno set, EEXIST when there is something at the name.
+Descriptor createPrivate(int folder, const std::string& name)
+{
+    Descriptor made(base::openAt(folder, name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+    if (!made.isOpen() || base::makePrivate(made.fd))
+        return made;
+    const int failure = errno;
+    ::unlinkat(folder, name.c_str(), 0);
+    errno = failure;
+    return Descriptor();
+}
+} // namespace
+
+struct NewFile::Place
+{
+    Descriptor folder;
+    Descriptor original;
+    struct stat originalStatus = {};
+    std::string target;
+    std::string name; ///< of the new file; empty when it has none of its own
+};
+
+NewFile::NewFile() : m_place(std::make_unique<Place>()) {}
+
+NewFile::~NewFile()
+{
+    if (!m_place->name.empty() && isAtItsName())
+        ::unlinkat(m_place->folder.fd, m_place->name.c_str(), 0);
+    if (m_file)
+        std::fclose(m_file);
+}
+
+std::unique_ptr<NewFile> NewFile::inFolderOf(const std::string& path, std::string& error)
+{
+    std::unique_ptr<NewFile> file(new NewFile);
+    file->m_place->target = nameOf(path);
+    file->m_place->folder = openFolderOf(path);
+    if (file->m_place->folder.isOpen())
+        return file;
+    error = reason();
+    return nullptr;
+}
+
+std::unique_ptr<NewFile> NewFile::beside(const std::string& path, Content content, std::string& error)
+{
+    std::unique_ptr<NewFile> file = inFolderOf(path, error);
+    if (file && file->openOriginal(error) && file->make(error) && file->becomeOriginal(content, error))
+        return file;
+    return nullptr;
+}
+
+std::unique_ptr<NewFile> NewFile::forName(const std::string& path, std::string& error)
+{
+    std::unique_ptr<NewFile> file = inFolderOf(path, error);
+    return file && file->make(error) ? std::move(file) : nullptr;
+}
+
+std::unique_ptr<NewFile> NewFile::linkOf(std::FILE* open, const std::string& existing,
+                                         const std::string& path, std::string& error)
+{
+    std::unique_ptr<NewFile> file = inFolderOf(path, error);
+    if (!file)
+        return nullptr;
+    const int own = ::fcntl(::fileno(open), F_DUPFD_CLOEXEC, 0);
+    file->m_file = own >= 0 ? ::fdopen(own, "rb") : nullptr;
+    const std::string name = newNameFor(file->m_place->target);
+    if (!file->m_file ||
+        ::linkat(AT_FDCWD, existing.c_str(), file->m_place->folder.fd, name.c_str(), 0) != 0) {
+        error = reason();
+        return nullptr;
+    }
+    file->m_place->name = name;
+    if (file->isAtItsName())
+        return file;
+    ::unlinkat(file->m_place->folder.fd, name.c_str(), 0); // a further name of something else
+    error = "the file was exchanged meanwhile";
+    return nullptr;
+}
+
+bool NewFile::openOriginal(std::string& error)
+{
+    m_place->original = openModel(m_place->folder.fd, m_place->target, m_place->originalStatus, error);
+    m_original = stateFrom(m_place->originalStatus);
+    return m_place->original.isOpen();
+}
+
+bool NewFile::make(std::string& error)
+{
+    for (int i = 0; i < namesTried && !m_file; ++i) {
+        const std::string name = newNameFor(m_place->target);
+        Descriptor made = createPrivate(m_place->folder.fd, name);
+        if (!made.isOpen() && errno == EEXIST)
+            continue;
+        m_file = made.isOpen() ? ::fdopen(made.fd, "r+b") : nullptr;
+        if (!m_file) {
+            error = "no new file can be made in the folder: " + reason();
+            return false;
+        }
+        made.fd = -1; // the stream's now
+        m_place->name = name;
+    }
+    if (m_file)
+        lockFile(m_file);
+    else
+        error = "no new file can be made in the folder: all names are taken";
+    return m_file != nullptr;
+}
+
+bool NewFile::becomeOriginal(Content content, std::string& error)
+{
+    const int from = m_place->original.fd;
+    const int made = ::fileno(m_file);
+    std::string failure;
+    struct stat now = {};
+    if ((content == Content::Empty || copyContent(from, m_place->originalStatus, made, failure)) &&
+        becomeLike(from, m_place->originalStatus, made) && ::fstat(from, &now) == 0) {
+        if (stateFrom(now) == m_original)
+            return true;
+        failure = "another program is writing the file";
+    }
+    error = "the new file cannot be written: " + (failure.empty() ? reason() : failure);
+    return false;
+}
+
+bool NewFile::isAtItsName() const
+{
+    FileState own;
+    FileState there;
+    return m_file && stateOf(m_file, own) && stateAt(m_place->folder.fd, m_place->name, there) &&
+           own.isOf(there);
+}
+
+NewFile::Taking NewFile::replaceOriginal(std::string& error)
+{
+    FileState now;
+    if (stateAt(m_place->folder.fd, m_place->target, now) && now == m_original)
+        return moveTo(m_place->target, error);
+    error = "another program changed the file meanwhile";
+    return Taking::ChangedMeanwhile;
+}
+
+NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
+{
+    return moveTo(nameOf(path), error);
+}
+
+NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
+{
+    error = "another program exchanged the new file meanwhile";
+    if (!isAtItsName())
+        return Taking::ChangedMeanwhile;
+    const int folder = m_place->folder.fd;
+    if (::renameat(folder, m_place->name.c_str(), folder, name.c_str()) != 0) {
+        error = reason();
+        return Taking::Failed;
+    }
+    return settleAt(name);
+}
+
+NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
+{
+    const int folder = m_place->folder.fd;
+    const std::string name = nameOf(path);
+    error = "another program exchanged the new file meanwhile";
+    if (!isAtItsName())
+        return Taking::ChangedMeanwhile;
+    if (::linkat(folder, m_place->name.c_str(), folder, name.c_str(), 0) == 0)
+        return settleAt(name);
+    FileState there;
+    if (errno == EEXIST || stateAt(folder, name, there)) {
+        error = "there is a file of that name";
+        return Taking::NameTaken;
+    }
+    return moveTo(name, error); // not every file system knows further names
+}
+
+/// What follows once the file has that name.
+NewFile::Taking NewFile::settleAt(const std::string& name)
+{
+    const int folder = m_place->folder.fd;
+    if (isAtItsName()) // it has its former name as well: between names of one file nothing is renamed
+        ::unlinkat(folder, m_place->name.c_str(), 0);
+    ::fsync(folder);
+    m_place->name = name;
+    const Taking taking = isAtItsName() ? Taking::Done : Taking::ChangedMeanwhile;
+    m_place->name.clear();
+    return taking;
+}
+
+void base::removeLeftovers(const std::string& path)
+{
+    const Descriptor folder = openFolderOf(path);
+    const std::string prefix = prefixFor(nameOf(path));
+    const int listed = ::dup(folder.fd);
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(listed < 0 ? nullptr : ::fdopendir(listed), ::closedir);
+    if (!entries)
+        return;
+    while (const dirent* entry = ::readdir(entries.get())) {
+        if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) != 0)
+            continue;
+        // A living writer holds a lock on its file.
+        const Descriptor file(openAt(folder.fd, entry->d_name, O_RDWR | O_NOFOLLOW));
+        if (file.isOpen() && ::flock(file.fd, LOCK_EX | LOCK_NB) == 0)
+            ::unlinkat(folder.fd, entry->d_name, 0);
+    }
+}
+
+bool base::renameFile(const std::string& from, const std::string& to, std::string& error)
+{
+    const Descriptor folder = openFolderOf(from);
+    if (folder.isOpen() && ::renameat(folder.fd, nameOf(from).c_str(), folder.fd, nameOf(to).c_str()) == 0) {
+        ::fsync(folder.fd);
+        return true;
+    }
+    error = reason();
+    return false;
+}
+
+bool base::createLike(const std::string& model, const std::string& path, std::string& error)
+{
+    const Descriptor folder = openFolderOf(path);
+    const Descriptor modelFolder = openFolderOf(model);
+    struct stat status = {};
+    if (!folder.isOpen() || !modelFolder.isOpen()) {
+        error = reason();
+        return false;
+    }
+    const Descriptor original = openModel(modelFolder.fd, nameOf(model), status, error);
+    if (!original.isOpen())
+        return false;
+    const Descriptor made = createPrivate(folder.fd, nameOf(path));
+    if (!made.isOpen() && errno != EEXIST) {
+        error = "no new file can be made in the folder: " + reason();
+        return false;
+    }
+    if (made.isOpen()) {
+        becomeLike(original.fd, status, made.fd); // where it cannot, the file is this user's alone
+        ::fsync(folder.fd);
+    }
+    return true;
+}

@@ -1,0 +1,123 @@
+#include "collection/classification.h"
+
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace {
+constexpr int none = -1;
+
+/// Finds the first position that holds the same value as a given one, in a table of open addresses: one
+/// allocation for all positions, which a million songs feel.
+class FirstPositions
+{
+public:
+    explicit FirstPositions(int positions)
+    {
+        size_t slots = 16;
+        while (slots < 2 * size_t(positions))
+            slots *= 2;
+        m_slots.resize(slots);
+    }
+
+    /// The first position with the value of this one; the position itself when it is the first.
+    template <typename Equal>
+    int enter(int position, size_t hash, Equal equal)
+    {
+        // Spread also the hash of a number, which may be the number itself.
+        const quint64 spread = quint64(hash) * 0x9e3779b97f4a7c15u;
+        const auto mark = quint32(spread);
+        const size_t mask = m_slots.size() - 1;
+        for (size_t slot = size_t(spread >> 32) & mask;; slot = (slot + 1) & mask) {
+            Slot& here = m_slots[slot];
+            if (here.position == none) {
+                here = {mark, position};
+                return position;
+            }
+            if (here.mark == mark && equal(here.position))
+                return here.position;
+        }
+    }
+
+private:
+    struct Slot
+    {
+        quint32 mark = 0;
+        int position = none;
+    };
+    std::vector<Slot> m_slots;
+};
+
+size_t hashOf(const QString& text)
+{
+    return std::hash<std::u16string_view>()(
+        {reinterpret_cast<const char16_t*>(text.utf16()), size_t(text.size())});
+}
+
+/// The songs of equal title as chains through the list, and how long each chain is.
+struct TitleChains
+{
+    explicit TitleChains(const QStringList& titles, int songs)
+        : first(songs, none), next(songs, none), last(songs, none), count(songs, 0)
+    {
+        FirstPositions known(songs);
+        for (int i = 0; i < songs; ++i) {
+            const QString& title = titles.at(i);
+            if (title.isEmpty())
+                continue;
+            const int start =
+                known.enter(i, hashOf(title), [&](int other) { return titles.at(other) == title; });
+            first[i] = start;
+            if (last[start] != none)
+                next[last[start]] = i;
+            last[start] = i;
+            ++count[start];
+        }
+    }
+
+    std::vector<int> first; ///< of every song: the start of its chain, none without a title
+    std::vector<int> next;  ///< of every song: the following one of the same title
+    std::vector<int> last;  ///< of a start: the end of the chain
+    std::vector<int> count; ///< of a start: the length of the chain
+};
+
+std::vector<char> findSharedDurations(const QList<quint64>& durations, int songs)
+{
+    std::vector<char> shared(songs, 0);
+    FirstPositions known(songs);
+    for (int i = 0; i < songs; ++i) {
+        const quint64 duration = durations.at(i);
+        if (duration == 0)
+            continue;
+        const int start = known.enter(i, std::hash<quint64>()(duration),
+                                      [&](int other) { return durations.at(other) == duration; });
+        if (start != i)
+            shared[start] = shared[i] = 1;
+    }
+    return shared;
+}
+} // namespace
+
+QVector<QVector<int>> Classification::groupDuplicates(const QStringList& titles,
+                                                      const QList<quint64>& durations)
+{
+    const int songs = qMin(titles.size(), durations.size());
+    TitleChains chains(titles, songs);
+    const std::vector<char> sharedDuration = findSharedDurations(durations, songs);
+
+    QVector<QVector<int>> groups;
+    for (int i = 0; i < songs; ++i) {
+        if (chains.first[i] == none || !sharedDuration[i])
+            continue;
+        int& count = chains.count[chains.first[i]];
+        if (count < 2)
+            continue;
+        count = 0; // every later song of the title joins here, so none of them opens another group
+        // Earlier songs of the title were counted, but only later ones join: an opener can stay alone.
+        QVector<int> group;
+        for (int member = i; member != none; member = chains.next[member])
+            group.append(member);
+        groups.append(group);
+    }
+    return groups;
+}

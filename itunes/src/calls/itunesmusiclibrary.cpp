@@ -1,0 +1,25 @@
+#include "itunes/itunesmusiclibrary.h"
+
+#include "library/musiclibrary.h"
+
+using itunes::MusicLibrary;
+
+void GetMusicInfo(iTunesTrackRecord** records, int* count)
+{
+    MusicLibrary::instance().read(records, count);
+}
+
+const char* iTunesLibraryProblem()
+{
+    return MusicLibrary::instance().problem();
+}
+
+void setITunesLibraryOption(const char* path)
+{
+    MusicLibrary::instance().setOption(path ? path : "");
+}
+
+void closeITunesLibrary()
+{
+    MusicLibrary::instance().close();
+}

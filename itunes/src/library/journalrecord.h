@@ -1,0 +1,44 @@
+#pragma once
+
+#include "library/trackedit.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace itunes {
+/// The picture of an edit: the file that it comes from, and what tells its bytes from others.
+struct CoverMark
+{
+    std::string path; ///< empty for no picture
+    std::uint64_t hash = 0;
+};
+
+CoverMark markOf(const std::vector<char>& picture, const std::string& path);
+
+/// One change as the journal has it.
+struct JournalRecord
+{
+    std::uint64_t id = 0;
+    bool deletes = false;
+    TrackEdit edit;
+    CoverMark cover;
+};
+
+/// How far a change has come.
+enum class RecordState : char {
+    Counts = '+',
+    Begun = '?', ///< an edit whose media file is being written
+    Failed = '-'
+};
+
+/// The first byte of a line is its state and can be changed in place. Ends with a line feed.
+std::string lineOf(const JournalRecord& record, RecordState state);
+/// A line from its state and content, without the line feed.
+std::string withChecksum(const std::string& line);
+/// Nothing for a line that is not whole, or says what no call can have said. Texts are clean. Without the
+/// line feed.
+std::optional<std::pair<JournalRecord, RecordState>> recordOf(std::string_view line);
+} // namespace itunes

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "library/delayedwork.h"
+#include "library/journal.h"
+#include "library/librarybackup.h"
+#include "library/librarywrite.h"
+#include "library/trackedit.h"
+#include "library/trackstore.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace itunes {
+/// Changes one library file without ever losing it: a change is in the journal when it is answered, and the
+/// file is written whole once the changes pause. The journal goes when what it holds stands in the library
+/// and the media files; whatever cannot come there is kept aside with it. The first change keeps a copy of
+/// the file beside it. Calls from any thread.
+class LibraryFile
+{
+public:
+    explicit LibraryFile(const std::string& path);
+    /// Writes what is pending.
+    ~LibraryFile();
+    LibraryFile(const LibraryFile&) = delete;
+    LibraryFile& operator=(const LibraryFile&) = delete;
+
+    const std::string& path() const { return m_path; }
+    /// Reads and writes in the background what an earlier run left.
+    void prepare();
+    /// The library with what its file does not hold yet; null with the reason when it cannot be read whole.
+    std::unique_ptr<TrackStore> read(std::string& error);
+
+    bool remove(std::uint64_t id);
+    /// The edit counts if `writeMedia`, which runs when the journal has it safely, succeeds. An edit of a
+    /// track that is no longer in the file is refused before that.
+    bool edit(const JournalRecord& edit, const std::function<bool()>& writeMedia);
+
+private:
+    /// What is to be written.
+    struct Pending
+    {
+        TrackChanges changes;
+        unsigned revision = 0;
+    };
+
+    TrackChanges pending();
+    bool openJournal(std::string& error);
+    bool finishBegun(std::string& error);
+    bool beginChange();
+    bool holds(std::uint64_t id, std::string& error);
+    void makeRoomInJournal();
+    void changed();
+    void writeInBackground();
+    bool writePending() noexcept;
+    bool tryToWrite();
+    bool takePending(Pending& pending, std::string& error);
+    bool finishWriting(const Pending& pending, const Written& written, std::string& error);
+    void report(const std::string& error) const;
+
+    const std::string m_path;
+    std::mutex m_writeMutex; ///< one writing at a time; taken before the other one
+    std::mutex m_mutex;      ///< for all below
+    LibraryBackup m_backup;
+    Journal m_journal;
+    JournalContent m_content; ///< what the journal holds
+    LibraryContents m_contents;
+    unsigned m_revision = 0;       ///< counts the changes
+    int m_failures = 0;            ///< of writings since the last change
+    std::string m_reportedFailure; ///< of the last writing
+    DelayedWork m_writing;
+};
+} // namespace itunes

@@ -1,0 +1,86 @@
+#include "library/libraryreading.h"
+
+#include "base/platform.h"
+#include "library/trackreader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+using itunes::File;
+
+namespace {
+constexpr std::int64_t largestLibrary = std::int64_t(2) << 30;
+
+struct Position
+{
+    std::uint64_t line = 1;
+    std::uint64_t column = 1;
+};
+
+/// Counts anew from the beginning: only a broken file pays for it.
+Position positionOf(std::FILE* file, std::uint64_t offset)
+{
+    itunes::ByteSource source(file);
+    Position position;
+    std::vector<char> block(64 * 1024);
+    for (std::size_t got = 1; got > 0 && offset > 0; offset -= got) {
+        got = source.read(block.data(), block.size());
+        got = std::size_t(std::min<std::uint64_t>(got, offset));
+        for (std::size_t i = 0; i < got; ++i) {
+            const bool continues = (static_cast<unsigned char>(block[i]) & 0xC0) == 0x80;
+            position.column += continues ? 0 : 1;
+            if (block[i] == '\n') {
+                ++position.line;
+                position.column = 1;
+            }
+        }
+    }
+    return position;
+}
+} // namespace
+
+File itunes::openLibrary(const std::string& path, std::string& error)
+{
+    base::FileState state;
+    File file(base::openFile(path, false));
+    if (!file) {
+        error = std::strerror(errno);
+        return nullptr;
+    }
+    if (!base::stateOf(file.get(), state) || !state.regular) {
+        error = "it is no file";
+        return nullptr;
+    }
+    if (state.size > largestLibrary) {
+        error = "it is larger than 2 gigabytes";
+        return nullptr;
+    }
+    return file;
+}
+
+std::string itunes::describeError(std::FILE* file, const XmlScanner& scanner)
+{
+    const Position position = positionOf(file, scanner.errorOffset());
+    return "line " + std::to_string(position.line) + ", column " + std::to_string(position.column) + ": " +
+           scanner.error();
+}
+
+std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const std::string& path, const TrackChanges& changes,
+                                                        std::string& error)
+{
+    const File file = openLibrary(path, error);
+    if (!file)
+        return nullptr;
+    ByteSource source(file.get());
+    XmlScanner scanner(source);
+    auto store = std::make_unique<TrackStore>();
+    TrackReader reader(*store, changes);
+    if (!walkLibrary(scanner, reader)) {
+        error = describeError(file.get(), scanner);
+        return nullptr;
+    }
+    store->finish();
+    return store;
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "library/trackedit.h"
+
+#include <string>
+#include <vector>
+
+namespace itunes {
+/// The picture in a media file; empty when there is none. Paths are UTF-8.
+std::vector<char> readPicture(const std::string& mediaPath);
+
+/// Puts what an edit changes into the tags of a media file, and the picture, unless it is empty or is in
+/// there already. False when the file is left as it was, which the log tells.
+bool writeTags(const std::string& mediaPath, const TrackEdit& edit, const std::vector<char>& picture);
+} // namespace itunes

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "library/artwork.h"
+#include "library/libraryfile.h"
+#include "library/trackedit.h"
+#include "library/trackstore.h"
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace itunes {
+/// The one library of the process. All calls from any thread.
+class MusicLibrary
+{
+public:
+    static MusicLibrary& instance();
+
+    void setOption(const std::string& path);
+    /// Writes what an earlier run left, in the background.
+    void prepare();
+    void read(iTunesTrackRecord** records, int* count);
+    /// Of the last reading; empty when it went well. Valid until the next one.
+    const char* problem();
+    void close();
+
+    /// The location of a track with a file; nothing for another.
+    std::optional<std::string> locationOf(std::uint64_t id);
+    /// What the values say anew against what the caller has last seen is written, and nothing else.
+    bool edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath);
+    bool remove(std::uint64_t id);
+    bool writeArtwork(std::uint64_t id, const std::string& path);
+
+private:
+    /// What a change of one track needs.
+    struct Access
+    {
+        std::shared_ptr<LibraryFile> file;
+        std::shared_ptr<TrackStore> store;
+        std::string mediaPath; ///< empty for a track without a file
+        TrackValues lastSeen;  ///< by the caller
+    };
+
+    std::shared_ptr<LibraryFile> currentFile();
+    std::shared_ptr<LibraryFile> lastFile();
+    std::optional<Access> accessTo(std::uint64_t id);
+
+    std::mutex m_mutex;
+    std::string m_option;
+    std::string m_path; ///< of the last reading
+    std::shared_ptr<LibraryFile> m_file;
+    std::shared_ptr<TrackStore> m_store;
+    std::shared_ptr<TrackStore> m_former; ///< the views may still show it while a new reading begins
+    std::string m_problem;
+    Artwork m_artwork;
+};
+} // namespace itunes

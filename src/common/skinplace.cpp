@@ -1,0 +1,8 @@
+#include "common/skinplace.h"
+
+#include <QCoreApplication>
+
+QString SkinPlace::folder()
+{
+    return QCoreApplication::applicationDirPath();
+}

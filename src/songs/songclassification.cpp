@@ -1,0 +1,48 @@
+#include "songs/songclassification.h"
+
+#include "collection/classification.h"
+#include "songs/songfields.h"
+
+#include <utility>
+
+void SongClassification::clear()
+{
+    collect({});
+    clearGroups();
+}
+
+void SongClassification::clearGroups()
+{
+    m_dupMusicInfoList.clear();
+    m_formerGroups = std::exchange(m_groups, Groups());
+}
+
+void SongClassification::collect(const QList<QMusicInfo*>& songs)
+{
+    m_undefinedMusicList.clear();
+    m_classifiedList.clear();
+    m_titleList.clear();
+    m_durationList.clear();
+    for (QMusicInfo* song : songs) {
+        if (!SongFields::available(song))
+            continue;
+        const QString title = SongFields::title(song);
+        m_classifiedList.append(song);
+        m_titleList.append(title);
+        m_durationList.append(SongFields::duration(song));
+        if (Classification::isUndefined(title, SongFields::artist(song), SongFields::album(song),
+                                        SongFields::genre(song)))
+            m_undefinedMusicList.append(song);
+    }
+}
+
+void SongClassification::group()
+{
+    clearGroups();
+    for (const QVector<int>& positions : Classification::groupDuplicates(m_titleList, m_durationList)) {
+        m_groups.push_back(std::make_unique<DupMusicInfo>());
+        m_dupMusicInfoList.append(m_groups.back().get());
+        for (const int position : positions)
+            m_groups.back()->musicList.append(m_classifiedList.at(position));
+    }
+}

@@ -1,0 +1,150 @@
+#include "songs/songediting.h"
+
+#include "audiocore/iaudiotag.h"
+#include "covers/coverloader.h"
+#include "itunes/eyetunes.h"
+#include "itunes/itunestrackrecord.h"
+#include "itunes/tunesedit.h"
+#include "qiorvoutil.h"
+#include "qmusicinfo.h"
+#include "songs/songfields.h"
+
+#include <QFile>
+
+#include <array>
+#include <deque>
+#include <memory>
+#include <new>
+
+namespace {
+constexpr qint64 maxPictureBytes = 256ll * 1024 * 1024;
+constexpr int songCoverEdge = 300;
+
+/// A tag object of our own: closed and given back, unlike those that stay with the songs.
+struct ReleaseTag
+{
+    void operator()(IAudioTag* tag) const
+    {
+        tag->Close();
+        ::operator delete(tag);
+    }
+};
+
+void replaceText(IAudioTag& tag, qint32 type, const QString& text)
+{
+    std::u32string wide = text.toStdU32String();
+    tag.RemoveItem(type);
+    tag.SetItem({-1, type, 0, qint32(wide.size() * sizeof(char32_t)), wide.data()});
+}
+
+void replacePicture(IAudioTag& tag, QByteArray picture)
+{
+    tag.RemoveItem(TAG_PICTURE);
+    tag.SetItem({-1, TAG_PICTURE, 1, picture.size(), picture.data()});
+}
+
+/// The whole file; nothing when there is none, or when it is beyond anything that a tag could hold.
+QByteArray pictureBytes(const QString& path)
+{
+    if (path.isEmpty())
+        return QByteArray();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > maxPictureBytes) {
+        qWarning("the picture %s cannot be used: %s", qUtf8Printable(path),
+                 file.isOpen() ? "it is too large" : qUtf8Printable(file.errorString()));
+        return QByteArray();
+    }
+    return file.readAll();
+}
+
+void takeCover(LocalMusicInfo& local, const QString& path)
+{
+    local.coverPath = path;
+    QFile file(path);
+    const QImage picture =
+        file.open(QIODevice::ReadOnly) ? CoverLoader::decode(&file, songCoverEdge) : QImage();
+    *local.cover = picture.isNull() ? CoverLoader::genericCover() : QPixmap::fromImage(picture);
+}
+
+SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
+{
+    local.title = edit.title;
+    local.artist = edit.artist;
+    local.album = edit.album;
+    local.genre = edit.genre;
+    local.year = edit.year;
+    local.trackNumber = edit.trackNumber;
+    // The tag object that stays with the song is left alone: it reads again when it is asked again.
+    if (const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()}) {
+        // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
+        tag->Open(local.filePath.toStdU32String().c_str());
+        if (SongEditing::writeTag(*tag, edit) == 0)
+            local.file = FileState::ofEntry(local.filePath);
+    }
+    if (edit.newCoverPath.isEmpty())
+        return {};
+    takeCover(local, edit.newCoverPath);
+    return {true, true};
+}
+/// A copy of the text that lasts as long as the program: track records point at it from now on.
+char* lastingCopy(const QByteArray& text)
+{
+    static std::deque<QByteArray> texts;
+    texts.push_back(text);
+    return texts.back().data();
+}
+
+/// The location as the library has it after the edit.
+QByteArray currentLocation(quint64 persistentId)
+{
+    using Buffer = std::array<char, 1024>;
+    std::array<Buffer, 6> buffers = {};
+    get_trackWithPresistentID(EyeTunes::sharedInstance(), persistentId, buffers[0].data(), buffers[1].data(),
+                              buffers[2].data(), buffers[3].data(), nullptr, buffers[4].data(),
+                              buffers[5].data());
+    return QByteArray(buffers[5].data());
+}
+
+SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
+{
+    iTunesTrackRecord& track = *song.track;
+    track.name = lastingCopy(edit.title.toUtf8());
+    track.album = lastingCopy(edit.album.toUtf8());
+    track.artist = lastingCopy(edit.artist.toUtf8());
+    track.genre = lastingCopy(edit.genre.toLocal8Bit()); // wanted, unlike the other three
+    track.year = quint64(qint64(edit.year));
+    track.trackNumber = quint64(qint64(edit.trackNumber)); // shown until the next scan, not sent
+    if (!edit.newCoverPath.isEmpty())
+        song.coverPath = edit.newCoverPath;
+    const quint64 id = SongFields::persistentId(&song);
+    const int failed =
+        set_trackWithPresistentID(EyeTunes::sharedInstance(), id, track.name, track.album, track.artist,
+                                  track.genre, edit.year, song.coverPath.toLocal8Bit().constData());
+    // A library that does not know the track has no better location to offer, nor has an answer that ends
+    // where the buffer did.
+    const QByteArray location = currentLocation(id);
+    if (!location.isEmpty() && !QByteArray(track.location).startsWith(location))
+        track.location = lastingCopy(location);
+    return {failed == 0, failed == 0};
+}
+} // namespace
+
+SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
+{
+    if (QIOrvoUtil::m_cleanMode)
+        return song.localInfo ? applyLocal(*song.localInfo, edit) : Outcome();
+    return song.track ? applyToTrack(song, edit) : Outcome();
+}
+
+int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)
+{
+    replaceText(tag, TAG_ARTIST, edit.artist);
+    replaceText(tag, TAG_TITLE, edit.title);
+    replaceText(tag, TAG_ALBUM, edit.album);
+    replaceText(tag, TAG_GENRE, edit.genre);
+    replaceText(tag, TAG_YEAR, QString::number(edit.year));
+    replaceText(tag, TAG_TRACK, QString::number(edit.trackNumber));
+    // Also without a chosen cover: saving then takes the picture out, as it always did.
+    replacePicture(tag, pictureBytes(edit.newCoverPath));
+    return tag.Save();
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "collection/keptfiles.h"
+
+#include <QList>
+#include <QVector>
+
+class IAudioTag;
+struct DupMusicInfo;
+struct QMusicInfo;
+
+/// The lists of songs that a deletion edits. None is owned.
+struct SongLists
+{
+    QList<QMusicInfo*>* all = nullptr;
+    QList<DupMusicInfo*>* groups = nullptr;
+    QList<QMusicInfo*>* undefined = nullptr;
+    QList<IAudioTag*>* tags = nullptr; ///< local mode: one per song of `all`, same index
+};
+
+/// Taking songs out of the collection: off the disk or the iTunes library, and out of the lists. Songs and
+/// groups are never freed here.
+namespace SongRemoval {
+/// Whether songs are files in the mode in force, and not tracks of the iTunes library.
+bool songsAreFiles();
+/// What these songs need on disk; nothing where they are tracks. Any thread.
+KeptFiles filesOf(const QList<QMusicInfo*>& songs);
+/// Lets go of the song's file (`tag` may be null) and removes what its path names, a link itself and never a
+/// folder. A file that a kept song would lose stays, and one that is not as it was when it was listed, or
+/// saved by us. What stays is logged in one line. Any thread.
+void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept);
+/// Deletes the song's track from the iTunes library; the result is logged. Any thread.
+void removeTrack(const QMusicInfo& song);
+
+/// Takes the song out of the lists of songs, and the last entry, whichever song that is, out of the group at
+/// `currentGroup`; a group that falls to one song leaves the list of groups. A song that is a file loses it
+/// first, as removeFile() does it; a song that is not in the list of all songs costs no file. Whether it was
+/// in that list.
+bool removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, const KeptFiles& kept);
+
+/// A song that is to go, and the first song of its group, which stays.
+struct Removal
+{
+    QMusicInfo* song;
+    QMusicInfo* kept;
+};
+/// What reduces every group to its first song, in the order of doing: group by group, from the last song on.
+/// Groups of fewer than two songs ask for nothing.
+QVector<Removal> planOfAll(const QList<DupMusicInfo*>& groups);
+/// Takes the songs of the plan out of the lists and empties the list of groups; groups of two songs and more
+/// keep their first one. Takes as long as the lists are, however many songs go. The songs that were in the
+/// list of all songs.
+QList<QMusicInfo*> removeAll(const SongLists& lists, const QVector<Removal>& plan);
+} // namespace SongRemoval

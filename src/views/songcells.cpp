@@ -1,0 +1,81 @@
+#include "views/songcells.h"
+
+#include "covers/coverloader.h"
+#include "songs/songfields.h"
+
+#include <QBrush>
+#include <QIcon>
+
+namespace {
+/// The column's value as text, empty for an empty value.
+QString value(const QMusicInfo* song, int column)
+{
+    const auto number = [](quint64 n) { return n == 0 ? QString() : QString::number(n); };
+    switch (column) {
+    case SongCells::ColumnTitle:
+        return SongFields::title(song);
+    case SongCells::ColumnArtist:
+        return SongFields::artist(song);
+    case SongCells::ColumnAlbum:
+        return SongFields::album(song);
+    case SongCells::ColumnGenre:
+        return SongFields::genre(song);
+    case SongCells::ColumnYear:
+        return number(SongFields::year(song));
+    case SongCells::ColumnTrack:
+        return number(SongFields::trackNumber(song));
+    default:
+        return QString();
+    }
+}
+} // namespace
+
+bool SongCells::isEmpty(const QMusicInfo* song, int column)
+{
+    return value(song, column).isEmpty();
+}
+
+QVariant SongCells::text(const QMusicInfo* song, int column)
+{
+    if (column < ColumnTitle || column > ColumnTrack)
+        return QVariant();
+    const QString shown = value(song, column);
+    return shown.isEmpty() ? QStringLiteral("unknown") : shown;
+}
+
+QVariant SongCells::coverIcon(const QMusicInfo* song)
+{
+    return CoverLoader::icon(SongFields::coverPath(song));
+}
+
+QVariant SongCells::stripe(int row)
+{
+    return row % 2 == 0 ? QBrush(Qt::white) : QBrush(QColor(240, 246, 252, 255));
+}
+
+QString SongCells::toolTip()
+{
+    return QStringLiteral("Double click to start playing");
+}
+
+QVariant SongCells::plainRole(int role, int row, bool grid)
+{
+    switch (role) {
+    case Qt::ToolTipRole:
+        return toolTip();
+    case Qt::TextAlignmentRole:
+        return int(Qt::AlignCenter);
+    case Qt::BackgroundRole:
+        return grid ? QVariant() : stripe(row);
+    default:
+        return QVariant();
+    }
+}
+
+QVariant SongCells::header(const char* const (&headers)[7], int section, Qt::Orientation orientation,
+                           int role)
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= 7)
+        return QVariant();
+    return QString::fromLatin1(headers[section]);
+}
