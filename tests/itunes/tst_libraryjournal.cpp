@@ -59,7 +59,7 @@ void TestLibraryJournal::aJournalThatIsLeftIsApplied()
     edit.name = "Tab\tand\nline \\n & \xC3\xA9";
     QCOMPARE(LibraryCalls::edit(m_songs->id(0), edit), 0);
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
-    const QByteArray left = contentOf(m_songs->journal());
+    const QByteArray left = m_songs->journalContent();
     closeITunesLibrary();
     const QByteArray after = m_songs->content();
 
@@ -82,7 +82,7 @@ void TestLibraryJournal::aTornLineIsNoChange()
     m_songs->makeSongs(4);
     const QByteArray before = m_songs->content();
     QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
-    const QByteArray whole = contentOf(m_songs->journal()).trimmed();
+    const QByteArray whole = m_songs->journalContent().trimmed();
     closeITunesLibrary();
     for (int size = 0; size <= whole.size(); ++size) {
         Fixtures::writeLibrary(m_songs->path(), before);
@@ -122,7 +122,7 @@ void TestLibraryJournal::aTornLineIsForgottenByTheNextChange()
     const QByteArray whole = m_songs->leftBy([this] { deleteMusic(m_songs->id(0)); });
     QCOMPARE(m_songs->countWith(whole.chopped(5)), 6);
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
-    const QByteArray next = contentOf(m_songs->journal());
+    const QByteArray next = m_songs->journalContent();
     closeITunesLibrary();
     // As if another kill had left that: nothing in it is damaged.
     QCOMPARE(m_songs->countWith(next), 5);
@@ -146,7 +146,7 @@ void TestLibraryJournal::aDamagedLineIsToldAndKept()
     const QString kept = m_songs->keptJournals().value(0);
     QCOMPARE(contentOf(kept), damaged);
     // Not told again, nor taken for something else.
-    const QByteArray next = contentOf(m_songs->journal());
+    const QByteArray next = m_songs->journalContent();
     closeITunesLibrary();
     QVERIFY(!QFile::exists(m_songs->journal()));
     QCOMPARE(m_songs->countWith(next), 4);
@@ -235,7 +235,7 @@ void TestLibraryJournal::whatIsEmptyBecomesTheJournal()
     m_songs->makeSongs(3);
     Fixtures::writeLibrary(m_songs->journal(), bytes);
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
-    const QByteArray left = contentOf(m_songs->journal());
+    const QByteArray left = m_songs->journalContent();
     QVERIFY(!left.contains('\0'));
     m_songs->before = m_songs->content();
     closeITunesLibrary();

@@ -76,7 +76,7 @@ void TestLibraryRecovery::leaveBegun(const Edit& edit)
     const QByteArray song = contentOf(m_songs->media(0));
     QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
     QCOMPARE(LibraryCalls::edit(m_songs->id(0), edit), 0);
-    QByteArray left = contentOf(m_songs->journal());
+    QByteArray left = m_songs->journalContent();
     closeITunesLibrary();
     left[left.lastIndexOf("\n+") + 1] = '?';
     Fixtures::writeLibrary(m_songs->path(), m_songs->before);
@@ -239,7 +239,7 @@ void TestLibraryRecovery::onlyTheUserMayOpenIt()
     QCOMPARE(::chmod(QFile::encodeName(m_songs->path()).constData(), 0666), 0);
     QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
     QCOMPARE(mode() & others, QFile::Permissions());
-    const QByteArray left = contentOf(m_songs->journal());
+    const QByteArray left = m_songs->journalContent();
     closeITunesLibrary();
     // One that an earlier version left.
     Fixtures::writeLibrary(m_songs->journal(), left);
