@@ -11,6 +11,19 @@ if(MELODRIFT_SANITIZE)
   target_link_options(melodrift_flags INTERFACE -fsanitize=${MELODRIFT_SANITIZE})
 endif()
 
+# melodrift_lies_beside_the_program(NAME): a library that is loaded with the programs, or by them at its first use.
+function(melodrift_lies_beside_the_program name)
+  set_target_properties(
+    ${name}
+    PROPERTIES OUTPUT_NAME melodrift-${name}
+               LIBRARY_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+               WINDOWS_EXPORT_ALL_SYMBOLS ON
+  )
+  # Nothing steps in front of our own functions, whose calls need no way round for it.
+  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang>:-fno-semantic-interposition>)
+  set_property(TARGET ${name} PROPERTY BUILD_RPATH_USE_ORIGIN ON)
+endfunction()
+
 # A test's own code need not be fast, but quick to build.
 function(melodrift_build_quickly name)
   target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-O0>)

@@ -9,7 +9,7 @@ DeleteDupMusicInfoDlg::DeleteDupMusicInfoDlg(QWidget* parent)
 {
     ui->setupUi(this);
     setWindowTitle(QStringLiteral("Melodryft")); // spelt so on purpose
-    setWindowIcon(QIcon(SkinPicture::path("logo.png")));
+    setWindowIcon(SkinPicture::icon("logo.png"));
     setAttribute(Qt::WA_TranslucentBackground);
     SetImageBackgroud(SkinPicture::path("bg_message_duplicated.png"));
     ui->m_btnCancel->setBtnImage(SkinPicture::path("button_cancel.png"));

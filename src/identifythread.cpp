@@ -61,11 +61,12 @@ bool IdentifyThread::isCancelled() const
 /// Makes the identifier and opens the file; false when there is nothing to run.
 bool IdentifyThread::prepare()
 {
+    // Before the lock, for which the window may wait: the first one is loaded from the disk.
+    IAudioIdentifier* const identifier = m_pIdentifier ? m_pIdentifier : CreateIdentifier();
+    if (!identifier)
+        qWarning("there is nothing to identify %s with", qUtf8Printable(m_strFilePath));
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_pIdentifier)
-        m_pIdentifier = CreateIdentifier();
-    if (!m_pIdentifier)
-        qWarning("memory is too short to identify %s", qUtf8Printable(m_strFilePath));
+    m_pIdentifier = identifier;
     if (!m_pIdentifier || m_bCancelled)
         return false;
     m_pIdentifier->Open(m_strFilePath.toStdU32String().c_str());

@@ -8,7 +8,7 @@ IntroduceThisSofeDialog::IntroduceThisSofeDialog(QWidget* parent)
 {
     ui->setupUi(this);
     setWindowTitle(QStringLiteral("Melodrift"));
-    setWindowIcon(QIcon(SkinPicture::path("logo.png")));
+    setWindowIcon(SkinPicture::icon("logo.png"));
     setAttribute(Qt::WA_TranslucentBackground);
     SetImageBackgroud(SkinPicture::path("about_this_soft.png"));
     // The picture is named without its extension.

@@ -106,7 +106,7 @@ void MainWindow::InitMainMenu()
         "QMenuBar::item:pressed{background:#BFE2F5}"));
     const auto add = [this, bar](const QString& text, const char* icon, const char* slot) {
         QMenu* menu = bar->addMenu(text);
-        QAction* action = menu->addAction(QIcon(SkinPicture::path(icon)), text);
+        QAction* action = menu->addAction(SkinPicture::icon(icon), text);
         connect(action, SIGNAL(triggered()), this, slot);
         return action;
     };

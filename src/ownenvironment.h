@@ -4,7 +4,7 @@
 
 /// Environment variables that hold for this process alone.
 namespace OwnEnvironment {
-/// Sets the variable that names the folder for temporary files. Programs that this one starts find it as it
-/// was before, or unset. Before there are further threads; not twice.
-void setTemporaryFolder(const QByteArray& path);
+/// Programs that this one starts find the variable as it was before, or unset. Before there are further
+/// threads; not twice for one name.
+void set(const char* name, const QByteArray& value);
 } // namespace OwnEnvironment

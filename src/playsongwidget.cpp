@@ -31,7 +31,7 @@ PlaySongWidget::PlaySongWidget(QWidget* parent)
     : QImageWidget(parent), ui(std::make_unique<Ui::PlaySongWidget>())
 {
     setWindowTitle(QStringLiteral("Melodrift"));
-    setWindowIcon(QIcon(SkinPicture::path("logo.png")));
+    setWindowIcon(SkinPicture::icon("logo.png"));
     setAttribute(Qt::WA_TranslucentBackground);
     // The program ends with its main window, whether or not this one is open.
     setAttribute(Qt::WA_QuitOnClose, false);

@@ -10,7 +10,7 @@
 std::unique_ptr<MainWindow> makeProgramWindow()
 {
     auto window = std::make_unique<MainWindow>();
-    QApplication::setWindowIcon(QIcon(SkinPicture::path("logo.png")));
+    QApplication::setWindowIcon(SkinPicture::icon("logo.png"));
     window->setTopImage(SkinPicture::path("bg_banner.png"));
     window->setFootImage(SkinPicture::path("bg_foot.png"));
     window->setBackgroundImage(SkinPicture::path("bg_right_nofile.png"));

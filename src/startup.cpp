@@ -9,7 +9,7 @@
 #include <QDir>
 #include <QFontDatabase>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
 #include <QTextCodec>
 #include <QToolTip>
 
@@ -33,9 +33,29 @@ void makeTemporaryFilesPrivate()
     privateFolder() = std::make_unique<PrivateFolder>(QDir::tempPath());
     const QString home = privateFolder()->path();
     const QString temporary = home + QLatin1String("/tmp");
-    if (!home.isEmpty() && QDir().mkpath(temporary))
-        OwnEnvironment::setTemporaryFolder(QFile::encodeName(QDir::toNativeSeparators(temporary)));
+    if (home.isEmpty() || !QDir().mkpath(temporary))
+        return;
+    const QByteArray path = QFile::encodeName(QDir::toNativeSeparators(temporary));
+#ifdef Q_OS_WIN
+    OwnEnvironment::set("TMP", path);
+    OwnEnvironment::set("TEMP", path);
+#else
+    OwnEnvironment::set("TMPDIR", path);
+#endif
 }
+
+/// The menu bar asks for the picture of a button that ours is too short to show: reading it would load the
+/// readers of every picture format.
+class Style : public QProxyStyle
+{
+public:
+    Style() : QProxyStyle(QStringLiteral("Fusion")) {}
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const override
+    {
+        return icon == SP_ToolBarHorizontalExtensionButton ? QIcon()
+                                                           : QProxyStyle::standardIcon(icon, option, widget);
+    }
+};
 
 /// The first installed of the families stands in for a missing one.
 void substitute(const QString& family, const QStringList& standIns, const QStringList& installed)
@@ -63,7 +83,7 @@ void chooseFonts()
 
 void chooseColours()
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new Style);
     QPalette palette(QColor(0xEE, 0xF6, 0xFB));
     palette.setColor(QPalette::Base, Qt::white);
     palette.setColor(QPalette::Highlight, QColor(0xCD, 0xE8, 0xF8));
@@ -94,10 +114,13 @@ void Startup::beforeApplication()
     beforeCommandLine();
     makeTemporaryFilesPrivate();
     if (!qEnvironmentVariableIsSet("QT_FONT_DPI")) {
-        qputenv("QT_FONT_DPI", "72");
+        OwnEnvironment::set("QT_FONT_DPI", "72");
         // Else scaled screens would only ever raise the resolution, back to 96.
-        qputenv("QT_DPI_ADJUSTMENT_POLICY", "AdjustDpi");
+        OwnEnvironment::set("QT_DPI_ADJUSTMENT_POLICY", "AdjustDpi");
     }
+    // Nothing is drawn by OpenGL, whose libraries take half of the memory at the start.
+    if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
+        OwnEnvironment::set("QT_XCB_GL_INTEGRATION", "none");
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 }

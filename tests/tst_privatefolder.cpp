@@ -203,7 +203,7 @@ void TestPrivateFolder::programsThatAreStartedFindNoFolderWhereThereWasNone()
     const QString note = m_run->path("note");
     const QString program =
         QStringLiteral("printf %s \"${TMPDIR-none} $HOME\" > '%1.part'; mv '%1.part' '%1'");
-    OwnEnvironment::setTemporaryFolder("/private/tmp");
+    OwnEnvironment::set("TMPDIR", "/private/tmp");
     QCOMPARE(qgetenv("TMPDIR"), QByteArray("/private/tmp"));
     // As the desktop's services start a browser.
     QVERIFY(QProcess::startDetached("sh", {"-c", program.arg(note)}));

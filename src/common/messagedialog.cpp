@@ -7,7 +7,7 @@ MessageDialog::MessageDialog(QWidget* parent)
 {
     ui->setupUi(this);
     setWindowTitle(QStringLiteral("Melodrift"));
-    setWindowIcon(QIcon(SkinPicture::path("logo.png")));
+    setWindowIcon(SkinPicture::icon("logo.png"));
     setAttribute(Qt::WA_TranslucentBackground);
     SetImageBackgroud(SkinPicture::path("bg_message.png"));
     InitButton();

@@ -21,6 +21,12 @@ QString existingFile(QString path)
     const QString png = path + QLatin1String(".png");
     return QFileInfo(path).suffix().isEmpty() && QFileInfo::exists(png) ? png : path;
 }
+
+QImage bounded(QImageReader& reader)
+{
+    const QSize size = reader.size();
+    return qint64(size.width()) * size.height() > maxPixels ? QImage() : reader.read();
+}
 } // namespace
 
 SkinPicture::SkinPicture(const QString& path) : m_path(existingFile(path)), m_plain(read(m_path))
@@ -53,14 +59,25 @@ const QImage& SkinPicture::image(const QPainter& painter) const
 
 QImage SkinPicture::read(const QString& path)
 {
-    if (!QFileInfo(path).isFile())
+    const QFileInfo file(path);
+    if (!file.isFile())
         return QImage();
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
-    const QSize size = reader.size();
-    if (qint64(size.width()) * size.height() > maxPixels)
-        return QImage();
-    return reader.read();
+    // As its name says first: else the readers of all formats would be loaded to ask each of them.
+    QImageReader named(path, file.suffix().toLower().toLatin1());
+    named.setAutoDetectImageFormat(false);
+    if (named.canRead())
+        return bounded(named);
+    QImageReader any(path);
+    any.setDecideFormatFromContent(true);
+    return bounded(any);
+}
+
+QIcon SkinPicture::icon(const char* name)
+{
+    const SkinPicture picture(path(name));
+    QIcon icon(QPixmap::fromImage(picture.image(1)));
+    icon.addPixmap(QPixmap::fromImage(picture.image(2)));
+    return icon;
 }
 
 QString SkinPicture::path(const char* name)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QImage>
 #include <QString>
 
@@ -29,6 +30,8 @@ public:
     static QImage read(const QString& path);
     /// The file of a picture, named with its extension, under the resource path.
     static QString path(const char* name);
+    /// The picture at both scales, by its name as for path().
+    static QIcon icon(const char* name);
     /// "dir/name.png" becomes "dir/name@2x.png".
     static QString doubledPath(const QString& path);
 

@@ -2,6 +2,7 @@
 
 #include "base/registry.h"
 #include "base/text.h"
+#include "enginedoor.h"
 #include "identify/identifyjob.h"
 
 using audiocore::Identification;
@@ -67,15 +68,18 @@ public:
 private:
     std::shared_ptr<IdentifyJob> job() const { return Jobs::instance().of(this); }
 };
-} // namespace
 
-IAudioIdentifier* CreateIdentifier()
+IAudioIdentifier* makeIdentifier()
 {
     return Jobs::instance().make<Identifier>();
 }
 
-void DestroyIdentifier(IAudioIdentifier* identifier)
+void destroyIdentifier(IAudioIdentifier* identifier)
 {
     if (identifier && Jobs::instance().forget(identifier))
         ::operator delete(identifier);
 }
+} // namespace
+
+extern "C" ENGINE_DOOR const audiocore::EngineDoor<IAudioIdentifier> melodriftIdentify;
+const audiocore::EngineDoor<IAudioIdentifier> melodriftIdentify = {makeIdentifier, destroyIdentifier};

@@ -3,6 +3,7 @@
 #include "base/log.h"
 #include "base/registry.h"
 #include "base/text.h"
+#include "enginedoor.h"
 #include "playback/playback.h"
 #include "tags/parsedmedia.h"
 
@@ -98,16 +99,19 @@ public:
 private:
     std::shared_ptr<PlayerContent> content() const { return Players::instance().of(this); }
 };
-} // namespace
 
-IAudioPlayer* CreatePlayer()
+IAudioPlayer* makePlayer()
 {
     audiocore::setEngineLocale();
     return Players::instance().make<Player>();
 }
 
-void DestroyPlayer(IAudioPlayer* player)
+void destroyPlayer(IAudioPlayer* player)
 {
     if (player && Players::instance().forget(player))
         ::operator delete(player);
 }
+} // namespace
+
+extern "C" ENGINE_DOOR const audiocore::EngineDoor<IAudioPlayer> melodriftPlayback;
+const audiocore::EngineDoor<IAudioPlayer> melodriftPlayback = {makePlayer, destroyPlayer};

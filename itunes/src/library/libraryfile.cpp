@@ -192,7 +192,11 @@ void LibraryFile::changed()
 /// What hinders the writing may pass: a file that another program is writing, a full disk.
 void LibraryFile::writeInBackground()
 {
-    pending();
+    try {
+        pending();
+    } catch (const std::exception& fault) { // it is tried again: the journal holds the changes
+        base::logFailure(m_path, "the changes wait in the journal", fault.what());
+    }
     if (writePending())
         return;
     const std::lock_guard<std::mutex> lock(m_mutex);

@@ -1,0 +1,17 @@
+#pragma once
+
+#ifdef _WIN32
+#define ENGINE_DOOR __declspec(dllexport)
+#else
+#define ENGINE_DOOR
+#endif
+
+namespace audiocore {
+/// What an engine's module offers, under the name of its door.
+template <typename Engine>
+struct EngineDoor
+{
+    Engine* (*make)();
+    void (*destroy)(Engine*);
+};
+} // namespace audiocore

@@ -1,0 +1,100 @@
+// The two engines come in at their first use, and are missed without harm.
+#include "audiofile.h"
+#include "programrun.h"
+
+#include <audiocore/iaudioidentifier.h>
+#include <audiocore/iaudioplayer.h>
+
+#include <QtTest>
+
+class TestEngines : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theProgramStartsWithoutThem();
+    void eachComesAtItsFirstUse();
+    void withoutItsModuleAnEngineIsNone();
+};
+
+namespace {
+/// What of these libraries a process has in its memory.
+QStringList loadedBy(const QString& process, const QStringList& libraries)
+{
+    QFile maps("/proc/" + process + "/maps");
+    const QByteArray all = maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
+    QStringList loaded;
+    for (const QString& library : libraries)
+        if (all.contains(library.toUtf8()))
+            loaded.append(library);
+    return loaded;
+}
+
+const QString player = "libmelodrift-playback";
+const QString identification = "libmelodrift-identify";
+const QStringList engines = {player, identification, "libmpv", "libavcodec", "libchromaprint", "libcurl"};
+
+QString libraryName(const char* name)
+{
+    return QString("libmelodrift-%1.so").arg(name);
+}
+} // namespace
+
+void TestEngines::theProgramStartsWithoutThem()
+{
+    ProgramRun run;
+    run.process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    run.startMelodrift({"-platform", "offscreen"});
+    QVERIFY(run.process.waitForStarted(patience));
+    const QString process = QString::number(run.process.processId());
+    // Its own folder comes when all libraries of the start are there, and before the window.
+    QTRY_VERIFY(!loadedBy(process, {"libqoffscreen"}).isEmpty());
+    QTRY_VERIFY(!run.left().isEmpty());
+    QCOMPARE(loadedBy(process, engines), QStringList());
+    QCOMPARE(loadedBy(process, {"libmelodrift-audiocore"}).size(), 1);
+}
+
+void TestEngines::eachComesAtItsFirstUse()
+{
+    QCOMPARE(loadedBy("self", engines), QStringList());
+    IAudioPlayer* const aPlayer = CreatePlayer();
+    QVERIFY(aPlayer);
+    QCOMPARE(loadedBy("self", {player, identification}), QStringList{player});
+    IAudioIdentifier* const identifier = CreateIdentifier();
+    QVERIFY(identifier);
+    QCOMPARE(loadedBy("self", {player, identification}), QStringList({player, identification}));
+    DestroyPlayer(aPlayer);
+    DestroyIdentifier(identifier);
+    QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
+/// This program once more, with libraries that have no modules beside them.
+void TestEngines::withoutItsModuleAnEngineIsNone()
+{
+    ProgramRun run;
+    const QDir here(QCoreApplication::applicationDirPath());
+    for (const char* name : {"base", "audiocore"})
+        QVERIFY(QFile::copy(here.filePath(libraryName(name)), run.path(libraryName(name))));
+    run.set("LD_LIBRARY_PATH", run.path(QString()));
+    run.start(QCoreApplication::applicationFilePath(), {"--without-modules"});
+    QVERIFY(run.process.waitForFinished(patience));
+    const QByteArray log = run.process.readAllStandardError();
+    QCOMPARE(run.process.exitCode(), 0);
+    for (const char* work : {"playing a song", "identifying a song"})
+        QCOMPARE(log.count(work + QByteArray(": is not possible, its module cannot be loaded: ")), 1);
+}
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    if (application.arguments().contains("--without-modules")) {
+        DestroyPlayer(nullptr);
+        DestroyIdentifier(nullptr);
+        const bool none = !CreatePlayer() && !CreateIdentifier();
+        std::fputs(qUtf8Printable(AudioFile::takeLog().join('\n')), stderr);
+        return none ? 0 : 1;
+    }
+    TestEngines test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_engines.moc"
