@@ -113,7 +113,7 @@ QVector<QVector<int>> Classification::groupDuplicates(const QStringList& titles,
         if (count < 2)
             continue;
         count = 0; // every later song of the title joins here, so none of them opens another group
-        // Earlier songs of the title were counted, but only later ones join: an opener can stay alone.
+        // Oddity 24: earlier songs were counted, but only later ones join; an opener can stay alone.
         QVector<int> group;
         for (int member = i; member != none; member = chains.next[member])
             group.append(member);

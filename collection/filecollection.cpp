@@ -9,6 +9,7 @@
 namespace {
 QFileInfoList sortedEntries(const QString& folder)
 {
+    // Oddity 21: what the user cannot write is left out.
     return QDir(folder).entryInfoList(QDir::Dirs | QDir::Files | QDir::Readable | QDir::Writable |
                                           QDir::Hidden | QDir::NoDotAndDotDot,
                                       QDir::Name);

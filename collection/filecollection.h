@@ -6,7 +6,7 @@
 
 /// Finds the music files under what the user dropped.
 namespace FileCollection {
-/// Whether a path counts as music: by its last three characters, so that ".flac" passes as "lac".
+/// Oddity 19: whether a path counts as music, by its last three characters; ".flac" passes as "lac".
 bool isMusicFile(const QString& path);
 
 /// A file's path itself when it counts as music, whether it exists or not; of a folder the music files in it

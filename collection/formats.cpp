@@ -3,8 +3,8 @@
 namespace {
 struct Format
 {
-    const char* name;   ///< the capitals are part of the table
-    const char* ending; ///< null: comes in through the file dialog, never through a drop
+    const char* name;   ///< oddity 8: these capitals
+    const char* ending; ///< oddities 19 and 20: three letters; null comes in by the dialog alone
 };
 
 /// By the audio core's code.

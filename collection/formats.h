@@ -4,8 +4,8 @@
 
 /// The kinds of music files that a collection has: the one table of their names.
 namespace Formats {
-/// Whether a file counts as music, by the last three characters of its name: "lac" stands for FLAC.
+/// Oddity 19: whether a file counts as music, by the last three characters of its name; "lac" is FLAC.
 bool isMusicEnding(const QString& lastThree);
-/// The name of the audio core's format code as the song card shows it; "None" for an unknown one.
+/// Oddity 8: a name for the audio core's format code, which no screen shows; "None" for an unknown one.
 QString nameOf(int formatCode);
 } // namespace Formats

@@ -9,6 +9,6 @@ QString TimeText::convert(qint64 milliseconds)
     if (milliseconds < 0 || minutes >= 60)
         return QString();
     const QTime clock(0, int(minutes), int(seconds % 60), int(milliseconds % 1000));
-    // The doubled colon is wanted.
+    // Oddity 2: the doubled colon.
     return clock.toString(QStringLiteral("mm::ss"));
 }

@@ -154,7 +154,7 @@ void CenterWidget::slotShowUndefineMusicView()
 
 void CenterWidget::slotShowDuplicateMusicView()
 {
-    // The model shows the same seven columns for 6 as for 7; both values are wanted where they stand.
+    // Oddity 27: the model shows the same seven columns for 6 as for 7.
     m_views->showGroups(&m_classification.groups(), SongCells::columnModeTable);
     m_views->refreshGroups();
     m_nViewKind = ViewDuplicates;
@@ -183,7 +183,7 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
 {
-    // Not kept from clicking, unlike the list of songs.
+    // Oddity 33: not kept from clicking, unlike the list of songs.
     m_nCurrentDupRow = index.row();
     m_views->selectGroup(index.row());
     if (DupMusicInfo* group = SongViews::groupOf(index))
@@ -274,6 +274,7 @@ void CenterWidget::setLocalMusicInfo()
     if (m_bFilesAdded)
         m_pAllMusicList = &m_localMusicList;
     if (m_pAllMusicList->isEmpty()) {
+        // Oddity 12: these blanks, here and in other messages.
         MessageDialog::notify(QStringLiteral("Sorry,Please add file from local."), "button_ok.png");
         return;
     }

@@ -42,7 +42,7 @@ public:
     /// Classifies the local songs added so far.
     void setLocalMusicInfo();
     int ReturnUndefinedMusicCount() const;
-    /// The number of groups, not of songs.
+    /// Oddity 11: the number of groups, not of songs.
     int ReturnDuplicateMusicCount() const;
 
     /// From here to the next switch nothing is taken in: what came would go with the mode that is left.
@@ -65,6 +65,7 @@ public:
     void StopIntake() { m_intake.stop(); }
 
 signals:
+    /// Oddity 18: declared, never emitted.
     void emitShowMusicDetailedInfo(QMusicInfo* song);
     void emitUndefinedMusicCount(int count);
     void emitDuplicateMusicCount(int groups);

@@ -8,7 +8,7 @@ DeleteDupMusicInfoDlg::DeleteDupMusicInfoDlg(QWidget* parent)
     : QImageDialog(parent), ui(std::make_unique<Ui::DeleteDupMusicInfoDlg>())
 {
     ui->setupUi(this);
-    setWindowTitle(QStringLiteral("Melodryft")); // spelt so on purpose
+    setWindowTitle(QStringLiteral("Melodryft")); // Oddity 1: spelt so.
     setWindowIcon(SkinPicture::icon("logo.png"));
     setAttribute(Qt::WA_TranslucentBackground);
     SetImageBackgroud(SkinPicture::path("bg_message_duplicated.png"));

@@ -21,7 +21,7 @@ public:
     bool isNotToAskAgain() const;
 
 signals:
-    /// Declared for whoever listens; never emitted.
+    /// Oddity 18: declared, never emitted.
     void emitAgreeToDeleteDupMusic();
 
 public slots:

@@ -93,6 +93,7 @@ void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
     SlotDeleteSongWasSelected();
 }
 
+/// Oddity 26: asks nothing.
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 {
     SlotDeleteSongWasSelected();
@@ -109,8 +110,7 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
     hideRows();
     m_keptFiles = SongRemoval::filesOf(keptSongs());
     for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
-        // The song comes from the group's list, which loses an entry with every deletion, and the mark from
-        // the row at the same position.
+        // Oddity 25: the song comes from the list, which loses an entry each time, the mark from the row.
         QMusicInfo* song = m_pMusicList->value(position);
         if (!song)
             break;

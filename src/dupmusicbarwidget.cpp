@@ -73,7 +73,7 @@ void DupMusicbarWidget::SetDupMusicInfo(QMusicInfo* song)
     ui->m_labelMusicKbps->setText(
         QStringLiteral("%1%2").arg(SongFields::bitRateKbps(m_pMusicInfo)).arg(QLatin1String("kbps")));
     ui->m_labelTotalTime->setText(ConvertTime(qint64(SongFields::duration(m_pMusicInfo))));
-    // In the iTunes mode the label keeps the form's text, whatever the file is.
+    // Oddity 10: in the iTunes mode the label keeps the form's text, whatever the file is.
     if (QIOrvoUtil::m_cleanMode && SongFields::available(m_pMusicInfo))
         ui->m_labelMusicFormat->setText(SongFields::kind(m_pMusicInfo));
 }

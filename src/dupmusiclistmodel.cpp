@@ -16,7 +16,7 @@ void DupMusicListModel::setDupMusicDataSource(QList<DupMusicInfo*>* list, int co
 
 QVariant DupMusicListModel::displayed(const DupMusicInfo& group, int column) const
 {
-    // A grid caption is the title as it is, an empty one stays empty.
+    // Oddity 29: an empty title stays empty here.
     if (isGrid())
         return SongFields::title(group.musicList.first());
     if (column == SongCells::ColumnDuplicates)
@@ -26,7 +26,7 @@ QVariant DupMusicListModel::displayed(const DupMusicInfo& group, int column) con
 
 QVariant DupMusicListModel::cover(const DupMusicInfo& group) const
 {
-    // A picture too small to be one shows the generic cover here; the song grid stretches it.
+    // Oddity 30: a picture too narrow shows the generic cover; the song grid stretches it.
     const QString path = SongFields::coverPath(group.musicList.first());
     return CoverLoader::icon(QIOrvoUtil::isImage(path) ? path : CoverLoader::genericCoverPath());
 }
@@ -50,7 +50,7 @@ QVariant DupMusicListModel::data(const QModelIndex& index, int role) const
 
 QVariant DupMusicListModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    // "Lyrics" stands over the track number on purpose.
+    // Oddity 3: "Lyrics" stands over the track number.
     static const char* const headers[] = {"Title", "Artist", "Album",     "Genre",
                                           "Year",  "Lyrics", "Duplicates"};
     return isGrid() ? QVariant() : SongCells::header(headers, section, orientation, role);

@@ -13,8 +13,8 @@ class DupMusicListModel : public FlatListModel<DupMusicInfo>
 public:
     explicit DupMusicListModel(QObject* parent = nullptr);
 
-    /// Column mode 1: a grid; everything else: a table of seven columns. The flag is stored and without
-    /// meaning.
+    /// Column mode 1: a grid; everything else: a table of seven columns (oddity 27). The flag is stored and
+    /// without meaning.
     void setDupMusicDataSource(QList<DupMusicInfo*>* list, int columnMode, bool flag);
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;

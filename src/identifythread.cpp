@@ -12,7 +12,7 @@
 namespace {
 constexpr int itemCount = 10;
 
-/// Number of the next cover file; never used twice in a run.
+/// Oddity 23: number of the next cover file; never used twice in a run.
 std::atomic<quint64> coverNumber{10000};
 
 bool isFound(int status)

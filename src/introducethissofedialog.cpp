@@ -11,7 +11,7 @@ IntroduceThisSofeDialog::IntroduceThisSofeDialog(QWidget* parent)
     setWindowIcon(SkinPicture::icon("logo.png"));
     setAttribute(Qt::WA_TranslucentBackground);
     SetImageBackgroud(SkinPicture::path("about_this_soft.png"));
-    // The picture is named without its extension.
+    // Oddity 14: the picture is named without its extension.
     ui->m_btnOk->setBtnImage(SkinPicture::path("button_ok"));
     InitText();
     connect(ui->m_btnOk, SIGNAL(clicked()), this, SLOT(SlotOnBtnOk()));

@@ -32,6 +32,7 @@ constexpr int tipsIndent = 6; // off the status disc
 constexpr int tipsGap = 6;    // to the start button
 constexpr qreal closestLetters = 92;
 
+/// Oddity 12: these blanks, here and below.
 QString iTunesTips()
 {
     return QStringLiteral("Quickly Clean iTunes Music Library,No Unknown and Duplicate Music Anymore!\n"
@@ -213,7 +214,7 @@ void MainWindow::scanITunesLibrary()
 void MainWindow::takeTracks(int count)
 {
     qDeleteAll(std::exchange(m_musicList, {}));
-    // No separator in between: the name is glued to the temporary path.
+    // Oddity 23: no separator in between, the name is glued to the temporary path.
     const QString folder = QDir::tempPath() + QLatin1String("imagefile");
     QDir().mkpath(folder);
     for (int i = 0; i < count; ++i) {
@@ -266,7 +267,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
 
 void MainWindow::SlotOnBtnLocalClean()
 {
-    // Unlike the other direction, a running scan does not stand in the way.
+    // Oddity 35: unlike in the other direction, a running scan does not stand in the way.
     ui->m_middleMusicWidget->PrepareModeSwitch();
     ui->m_btnLocalClean->hide();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
@@ -416,6 +417,7 @@ void MainWindow::SlotAboutMenu()
 
 void MainWindow::SlotHelpMenu()
 {
+    // Oddity 13: this name, on every system.
     const QString page = QStringLiteral("%1").arg(QIOrvoUtil::getResourcePath() +
                                                   QLatin1String("/Melodrift for Mac-Orvo/index.html"));
     QDesktopServices::openUrl(QUrl::fromLocalFile(page));

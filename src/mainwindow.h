@@ -46,7 +46,7 @@ public slots:
     void SlotAboutMenu();
     void SlotHelpMenu();
     void SlotExitMenu();
-    /// Declared for the switch button's designer; does nothing.
+    /// Oddity 18: declared, does nothing.
     void OnBtniTunesClean() {}
 
 private slots:

@@ -24,7 +24,7 @@ QString numberText(quint64 number)
     return QStringLiteral("%1").arg(number);
 }
 
-/// The texts of the combo, in its order; the odd spelling is part of the list.
+/// Oddity 7: the texts of the combo, in its order and spelling.
 QStringList genres()
 {
     return {QString(),
@@ -197,7 +197,7 @@ void MusicDetailedInfoWidget::SlotOnBtnEdit()
     ui->m_lineAlbum->setText(SongFields::album(m_pMusicInfo));
     ui->m_lineYear->setText(numberText(SongFields::year(m_pMusicInfo)));
     ui->m_lineTrackNo->setText(numberText(SongFields::trackNumber(m_pMusicInfo)));
-    // A genre that is not in the list leaves the selection as it was before, and an apply writes that one.
+    // Oddity 36: a genre out of the list leaves the selection as it was; an apply writes that one.
     const int genre = m_genreList.indexOf(SongFields::genre(m_pMusicInfo));
     if (genre >= 0)
         ui->m_comboGenre->setCurrentIndex(genre);
@@ -224,7 +224,7 @@ void MusicDetailedInfoWidget::SlotOnBtnCancel()
     if (m_pIdentifyThread)
         m_pIdentifyThread->CloseTheIdentifier();
     endIdentification();
-    // A cover that was chosen stays chosen: the next apply uses it.
+    // Oddity 38: a cover that was chosen stays chosen; the next apply uses it.
 }
 
 void MusicDetailedInfoWidget::SlotOnBtnIdentify()
@@ -289,6 +289,7 @@ void MusicDetailedInfoWidget::SlotReceiveIdentifyInfo(const QStringList& info)
 {
     if (isStale(sender()))
         return;
+    // Oddity 40: also after Cancel, into the hidden editors.
     for (const QString& element : info)
         if (!element.isEmpty())
             fillEditor(element.at(0), element.mid(1));

@@ -53,7 +53,7 @@ public slots:
     void SlotReceiveIdentifyInfo(const QStringList& info);
     void SlotReceiveIdentifyCover(const QString& path);
     void SlotOnFailIdentifyTips();
-    /// Declared for whoever connects to it; does nothing.
+    /// Oddity 18: declared, does nothing.
     void SlotOnRecriveInfo() {}
 
 protected:
@@ -87,7 +87,7 @@ private:
     bool m_bCoverIdentified = false; ///< the new cover was not chosen by the user
     bool m_bIdentifying = false;     ///< from the start until the results are here, or nobody waits for them
     QStringList m_genreList;
-    QString m_strShownTitle; ///< what the labels show after an apply: exactly what was typed
+    QString m_strShownTitle; ///< oddity 39: the labels show what was typed after an apply
     QString m_strShownArtist;
     QString m_strShownAlbum;
     QString m_strShownGenre;

@@ -14,7 +14,7 @@ void MusicListModel::setDataSourceList(QList<QMusicInfo*>* list, int columnMode,
 
 QVariant MusicListModel::foreground(const QMusicInfo& song, int column) const
 {
-    // Column 6 is red in every row, for it never has a value.
+    // Oddity 28: column 6 is red in every row, for it never has a value.
     const bool red = column <= SongCells::ColumnDuplicates && SongCells::isEmpty(&song, column);
     return red ? QBrush(QColor(255, 0, 0)) : QVariant();
 }
@@ -38,6 +38,7 @@ QVariant MusicListModel::data(const QModelIndex& index, int role) const
 
 QVariant MusicListModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    // Oddity 4: "Track ID" stands over the track number.
     static const char* const headers[] = {"Title", "Artist",   "Album",     "Genre",
                                           "Year",  "Track ID", "Duplicates"};
     return isGrid() ? QVariant() : SongCells::header(headers, section, orientation, role);

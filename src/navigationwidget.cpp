@@ -75,7 +75,7 @@ void NavigationWidget::OnLeftWidgetBtnState()
 
 void NavigationWidget::SlotForbidClickingBtn(bool forbid)
 {
-    // Lifting the ban enables all three, the chosen one, too, which goes on looking chosen.
+    // Oddity 34: lifting the ban enables the chosen one, too, which goes on looking chosen.
     for (QWidget* button : {ui->m_btnMusicAll, ui->m_btnMusicUndefined, ui->m_btnMusicDuplicate})
         button->setEnabled(!forbid);
 }

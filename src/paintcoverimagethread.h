@@ -25,7 +25,7 @@ public:
 signals:
     /// When all songs were handled, or the others cannot be; not when the run was interrupted.
     void emitPaintCoverhadfinished();
-    /// Declared for views that show covers as they come; never emitted.
+    /// Oddity 18: declared, never emitted.
     void emitRefreshImage(int row);
 
 protected:

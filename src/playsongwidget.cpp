@@ -80,6 +80,7 @@ void PlaySongWidget::showSong(const QMusicInfo* song)
     ui->m_labelTitle->setText(SongFields::title(song));
     ui->m_labelKind->setText(SongFields::kind(song));
     ui->m_labelSize->setText(QIOrvoUtil::size2String(SongFields::fileSize(song)));
+    // Oddity 6: these letters; a row of a group has others.
     ui->m_labelBitrate->setText(
         QStringLiteral("%1%2").arg(SongFields::bitRateKbps(song)).arg(QLatin1String("Kbps")));
     ui->m_labelSmaple->setText(QStringLiteral("%1KHZ").arg(SongFields::sampleRate(song) / 1000));
@@ -100,7 +101,7 @@ void PlaySongWidget::load(const QString& path)
 
 void PlaySongWidget::startTimer()
 {
-    // One more with every song, and the former ones run on: what a tick does is cheap.
+    // Oddity 44: one more with every song, and the former ones run on; a tick is cheap.
     auto* timer = new QTimer(this);
     connect(timer, SIGNAL(timeout()), this, SLOT(UpdatePlayTime()));
     timer->start(updateMilliseconds);

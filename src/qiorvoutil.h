@@ -15,16 +15,16 @@ public:
     /// The directory that holds "/Image", "/pic" and the help pages, without a separator at its end. Fixed by
     /// the first call, which needs an application object.
     static QString getResourcePath();
-    /// No configuration is read or written; the backslash is part of the name.
+    /// Oddity 16: the backslash is part of the name; no configuration is read or written.
     static QString getConfigureFile();
     static QString getQMFile();
     static void setLocaleLanguage(QLocale::Language language);
     static void emitLanguageChange();
 
-    /// Takes the last three characters of a file name, not its extension: "lac" stands for FLAC.
+    /// Oddity 19: takes the last three characters of a file name; "lac" stands for FLAC.
     static bool isMusicFormatorNot(QString lastThree);
     static QString intToString(int formatCode);
-    /// A byte count as text, two decimals; the boundaries belong to the smaller unit.
+    /// Oddity 17: a byte count as text, two decimals; the boundaries belong to the smaller unit.
     static QString size2String(unsigned long long bytes);
     /// Whether the file loads as a picture of at least 2 x 2 pixels.
     static bool isImage(const QString& path);

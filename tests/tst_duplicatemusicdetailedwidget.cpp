@@ -198,7 +198,7 @@ void TestDuplicateMusicDetailedWidget::aRowShowsATrackAndKeepsTheFormat()
     row.SetDupMusicInfo(&song->info);
     QCOMPARE(child<RetractLabel>(&row, "m_labelMusicKbps")->getName(), QStringLiteral("320kbps"));
     QCOMPARE(child<RetractLabel>(&row, "m_labelTotalTime")->getName(), QStringLiteral("01::01"));
-    QCOMPARE(child<RetractLabel>(&row, "m_labelMusicFormat")->getName(), QStringLiteral("mp3")); // wanted
+    QCOMPARE(child<RetractLabel>(&row, "m_labelMusicFormat")->getName(), QStringLiteral("mp3")); // oddity 10
 }
 
 void TestDuplicateMusicDetailedWidget::timesAreDoubledColons_data()

@@ -341,7 +341,7 @@ void TestPlaySongWidget::everySongBringsATimerOfItsOwn()
     for (int loaded = 1; loaded <= 3; ++loaded) {
         m_window->SetMusicPlayInfo(&song->info, true);
         const auto timers = m_window->findChildren<QTimer*>();
-        QCOMPARE(timers.size(), loaded); // wanted
+        QCOMPARE(timers.size(), loaded); // oddity 44
         for (const QTimer* timer : timers)
             QVERIFY(timer->isActive() && timer->interval() == 20);
     }

@@ -220,7 +220,7 @@ void TestRetractLabel::theTextWidthIsNotMeasured()
 {
     RetractLabel label;
     label.setText(QStringLiteral("Harbour"));
-    QCOMPARE(label.getTextWidth(), -1); // wanted
+    QCOMPARE(label.getTextWidth(), -1); // oddity 43
 }
 
 void TestRetractLabel::renamingKeepsTheExtension_data()
@@ -380,7 +380,7 @@ void TestRetractLabel::anEmptiedNameIsItsExtension()
     open(label);
     QTest::keyClick(editorOf(label), Qt::Key_Delete);
     QTest::keyClick(editorOf(label), Qt::Key_Return);
-    QCOMPARE(label.getName(), QStringLiteral(".mp3")); // wanted: who renames the file judges the name
+    QCOMPARE(label.getName(), QStringLiteral(".mp3")); // oddity 43: who renames the file judges the name
 }
 
 void TestRetractLabel::withoutAnEditorNothingIsRenamed()

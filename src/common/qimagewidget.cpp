@@ -44,6 +44,7 @@ void QImageWidget::mousePressEvent(QMouseEvent* event)
 
 void QImageWidget::mouseMoveEvent(QMouseEvent* event)
 {
+    // Oddity 48: the corner goes to the pointer.
     if (m_bGrabEnable && m_bPressed)
         move(int(std::lround(event->screenPos().x())), int(std::lround(event->screenPos().y())));
     QWidget::mouseMoveEvent(event);

@@ -27,6 +27,7 @@ constexpr int longestMessage = 32 * 1024; ///< characters; more would take secon
 const QColor ink(0x17, 0x32, 0x4D);
 const QColor paper(0xFD, 0xFE, 0xFF);
 
+/// Oddity 15: paths with backslashes, behind an empty application path.
 std::unique_ptr<SkinPicture> picture(const char* path)
 {
     return std::make_unique<SkinPicture>(
@@ -44,7 +45,7 @@ bool loadOrName(QImageButton* button, const char* path)
     return false;
 }
 
-/// The line with the most characters, which is not always the widest one.
+/// Oddity 49: the line with the most characters, which is not always the widest one.
 QString longestLine(const QString& text)
 {
     QString longest;
@@ -66,7 +67,7 @@ QMessageDlg::QMessageDlg(QWidget* parent)
     InitMessage();
     InitButton();
     InitConnects();
-    SetTitle(QStringLiteral("Zarnovik Fetcher"));
+    SetTitle(QStringLiteral("Zarnovik Fetcher")); // Oddity 15: until it gets another.
 }
 
 QMessageDlg::~QMessageDlg() = default;

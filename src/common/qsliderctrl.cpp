@@ -125,7 +125,7 @@ void qSliderCtrl::setValue(int value)
 {
     m_fPos = 0;
     double position = 0;
-    // Too large a value stands at the left end, not at the right one.
+    // Oddity 45: too large a value stands at the left end, not at the right one.
     if (value >= m_nMin && value <= m_nMax && m_nMin < m_nMax) {
         position = width() * (double(value) - double(m_nMin)) / (double(m_nMax) - double(m_nMin));
         m_fPos = float(position);
@@ -234,7 +234,7 @@ void qSliderCtrl::btnMouseMove(QMouseEvent* event, int offset)
         return;
     const int x = globalX(event) - offset - globalLeft();
     const int half = m_nBtnWidth / 2;
-    // Dragged, the handle snaps to the left end from half its width on.
+    // Oddity 46: dragged, the handle snaps to the left end from half its width on.
     if (x >= half && x <= width() - m_nBtnWidth)
         takePosition(x);
     else if (x <= half)

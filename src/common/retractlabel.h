@@ -18,6 +18,7 @@ public:
     void setText(const QString& text);
     /// The full text last set, or the new name after a rename.
     QString getName() const { return m_strName; }
+    /// Oddity 43: always -1.
     int getTextWidth() const { return m_nTextWidth; }
     /// Opens the editor over the label, or closes it unheard.
     void setCanEditText(bool edit);

@@ -56,7 +56,7 @@ void StripButton::mouseReleaseEvent(QMouseEvent* event)
         if (!isEnabled())
             m_nState = StateDisabled;
         else if (m_nState == StatePressed)
-            changeState(StateNormal); // not hover, although the pointer may still be over the button
+            changeState(StateNormal); // Oddity 47: not hover, wherever the pointer is.
     }
     QPushButton::mouseReleaseEvent(event);
 }

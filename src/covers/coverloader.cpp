@@ -150,6 +150,7 @@ QPixmap squareFrom(const QString& path, const FileState& state, const QSize& siz
                    : picture.scaled(edge, edge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
     const QPixmap picture = source(path, state, CoverLoader::longestEdge);
+    // Oddity 31: stretched without smoothing.
     const QPixmap square = picture.scaled(iconEdge, iconEdge, Qt::IgnoreAspectRatio, Qt::FastTransformation);
     return edge == iconEdge ? square
                             : square.scaled(edge, edge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);

@@ -13,13 +13,13 @@ QString LocalSongReader::formatName(int formatCode)
 {
     static const char* const names[] = {"WAV", "WMA", "MP3", "AAC", "M4A", "OGG", "APE", "FLAC"};
     if (formatCode < 0 || formatCode >= int(sizeof names / sizeof *names))
-        return QStringLiteral("MP3"); // wanted, also for negative codes
+        return QStringLiteral("MP3"); // Oddity 9: also for negative codes.
     return QLatin1String(names[formatCode]);
 }
 
 QString LocalSongReader::coverFolder()
 {
-    // No separator in between: the name is glued to the temporary path.
+    // Oddity 23: no separator in between, the name is glued to the temporary path.
     return QDir::tempPath() + QLatin1String("localImage");
 }
 

@@ -13,7 +13,7 @@ class IAudioTag;
 struct QMusicInfo;
 struct TagItem;
 
-/// Number of the next temporary cover file; never used twice in a run.
+/// Oddity 23: number of the next temporary cover file, from 50 on; never used twice in a run.
 extern quint64 musicNum;
 
 /// Turns music files into songs: tag items, cover and stream properties through the audio core. Serves one
@@ -41,7 +41,7 @@ public:
     /// Forgets the covers that songs share or still wait for; before the songs go away.
     void forgetCovers() { m_covers.clear(); }
 
-    /// Every path of this intake, the first text met of each tag type, and every cover file written.
+    /// Oddity 22: every path of this intake, the first text met of each tag type, every cover file written.
     const QStringList& addedPaths() const { return m_addedPathList; }
 
     /// "WAV", "MP3" …; every code without a name of its own is "MP3".

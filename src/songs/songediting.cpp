@@ -111,9 +111,9 @@ SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
     track.name = lastingCopy(edit.title.toUtf8());
     track.album = lastingCopy(edit.album.toUtf8());
     track.artist = lastingCopy(edit.artist.toUtf8());
-    track.genre = lastingCopy(edit.genre.toLocal8Bit()); // wanted, unlike the other three
+    track.genre = lastingCopy(edit.genre.toLocal8Bit()); // Oddity 42: unlike the others.
     track.year = quint64(qint64(edit.year));
-    track.trackNumber = quint64(qint64(edit.trackNumber)); // shown until the next scan, not sent
+    track.trackNumber = quint64(qint64(edit.trackNumber)); // Oddity 41: never sent.
     if (!edit.newCoverPath.isEmpty())
         song.coverPath = edit.newCoverPath;
     const quint64 id = SongFields::persistentId(&song);
@@ -144,7 +144,7 @@ int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)
     replaceText(tag, TAG_GENRE, edit.genre);
     replaceText(tag, TAG_YEAR, QString::number(edit.year));
     replaceText(tag, TAG_TRACK, QString::number(edit.trackNumber));
-    // Also without a chosen cover: saving then takes the picture out, as it always did.
+    // Oddity 37: also without a chosen cover; saving then takes the picture out.
     replacePicture(tag, pictureBytes(edit.newCoverPath));
     return tag.Save();
 }

@@ -60,7 +60,7 @@ bool SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song, qint64 cur
     lists.all->removeOne(song);
     lists.undefined->removeOne(song);
     if (currentGroup >= 0 && currentGroup < lists.groups->size()) {
-        // Wanted: the last entry goes, whichever song was deleted.
+        // Oddity 25: the last entry goes, whichever song was deleted.
         QList<QMusicInfo*>& group = lists.groups->at(int(currentGroup))->musicList;
         if (!group.isEmpty())
             group.removeLast();

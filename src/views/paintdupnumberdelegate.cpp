@@ -25,7 +25,7 @@ void PaintDupNumberDelegate::paint(QPainter* painter, const QStyleOptionViewItem
                        m_badge.image(painter->device()->devicePixelRatioF()));
     painter->setFont(QFont(QStringLiteral("Tahoma"), 9, QFont::Normal));
     painter->setPen(QColor(255, 255, 255));
-    // Not centred: a count of two digits runs past the badge's middle.
+    // Oddity 32: not centred; a count of two digits runs past the badge's middle.
     painter->drawText(right - 15, top + 13, QString::number(group->musicList.size()));
     painter->restore();
 }

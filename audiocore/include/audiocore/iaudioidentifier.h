@@ -54,8 +54,8 @@ protected:
     ~IAudioIdentifier() = default;
 };
 
-/// A new identifier, or null when memory is short or the engine's module is missing, which is in the log then. The
-/// first call loads the module.
+/// A new identifier, or null when memory is short or the engine's module is missing, which is in the log
+/// then. The first call loads the module.
 IAudioIdentifier* CreateIdentifier();
 /// Frees an identifier and its items; null is allowed. No call on it may be under way or follow, Cancel
 /// included.

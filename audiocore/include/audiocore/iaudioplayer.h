@@ -51,10 +51,9 @@ protected:
     ~IAudioPlayer() = default;
 };
 
-/// A new player, or null when memory is short or the engine's module is missing, which is in the log then. The
-/// first call loads the module. The playback engine needs the process's LC_NUMERIC to be "C"
-/// and the first player sets it so where it is not: a program with threads does that itself before it starts
-/// them.
+/// A new player, or null when memory is short or the engine's module is missing, which is in the log then.
+/// The first call loads the module. The playback engine needs the process's LC_NUMERIC to be "C" and the
+/// first player sets it so where it is not: a program with threads does that itself before it starts them.
 IAudioPlayer* CreatePlayer();
 /// Ends the playback and frees the player, also while it plays; null is allowed.
 void DestroyPlayer(IAudioPlayer* player);
