@@ -11,6 +11,18 @@ if(MELODRIFT_SANITIZE)
   target_link_options(melodrift_flags INTERFACE -fsanitize=${MELODRIFT_SANITIZE})
 endif()
 
+# The programs of some ninety tests are linked twice over.
+if(UNIX AND NOT APPLE)
+  include(CheckLinkerFlag)
+  foreach(linker mold lld gold)
+    check_linker_flag(CXX -fuse-ld=${linker} MELODRIFT_LINKS_WITH_${linker})
+    if(MELODRIFT_LINKS_WITH_${linker})
+      target_link_options(melodrift_flags INTERFACE -fuse-ld=${linker})
+      break()
+    endif()
+  endforeach()
+endif()
+
 # melodrift_lies_beside_the_program(NAME): a library that is loaded with the programs, or by them at its first use.
 function(melodrift_lies_beside_the_program name)
   set_target_properties(
@@ -38,9 +50,21 @@ function(melodrift_test_headers name libs)
   target_precompile_headers(${name} PRIVATE ${ARGN})
 endfunction()
 
-# melodrift_add_test(NAME [SOURCES ...] [LIBS ...]): one Qt Test program tests/NAME.cpp, run offscreen.
+# The test runs the program; cmake/once leaves out what did not change, where that is asked for.
+macro(melodrift_run_as_test test program)
+  get_target_property(reads_sources ${program} MELODRIFT_READS_SOURCES)
+  set(launcher)
+  if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT reads_sources)
+    set(launcher ${CMAKE_SOURCE_DIR}/cmake/once ${CMAKE_BINARY_DIR}/passed/${test})
+  endif()
+  add_test(NAME ${test} COMMAND ${launcher} $<TARGET_FILE:${program}> ${ARGN})
+endmacro()
+
+# melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [PROGRAMS ...] [READS_SOURCES] [SECONDS N]): one Qt Test program
+# NAME.cpp, run offscreen. It starts the programs of those targets, or looks at sources. The longest begin first, so that
+# none is waited for alone.
 function(melodrift_add_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "READS_SOURCES" "SECONDS" "SOURCES;LIBS;PROGRAMS" ${ARGN})
   add_executable(${name} ${name}.cpp ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${ARG_LIBS})
   # Each test's source holds its one class: a moc of its own takes a twentieth of what automoc takes to look for it.
@@ -48,6 +72,7 @@ function(melodrift_add_test name)
   set_property(SOURCE ${name}.cpp APPEND PROPERTY OBJECT_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/moc)
   melodrift_build_quickly(${name})
+  set_target_properties(${name} PROPERTIES MELODRIFT_READS_SOURCES "${ARG_READS_SOURCES}")
   if("melodrift_app" IN_LIST ARG_LIBS)
     target_precompile_headers(${name} REUSE_FROM widget_test_headers)
   elseif("Qt5::Network" IN_LIST ARG_LIBS)
@@ -57,14 +82,15 @@ function(melodrift_add_test name)
   else()
     target_precompile_headers(${name} REUSE_FROM plain_test_headers)
   endif()
-  add_test(NAME ${name} COMMAND ${name})
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 1800)
+  melodrift_run_as_test(${name} ${name})
+  if(ARG_PROGRAMS)
+    add_dependencies(${name} ${ARG_PROGRAMS})
   endif()
   set_tests_properties(
     ${name}
     PROPERTIES
-      TIMEOUT ${ARG_TIMEOUT}
+      COST "0${ARG_SECONDS}"
+      TIMEOUT 1800
       ENVIRONMENT
       "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;QTEST_FUNCTION_TIMEOUT=1700000;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
   )
@@ -73,7 +99,7 @@ endfunction()
 # melodrift_test_on_dense_screen(NAME [FUNCTION ...]): the same program, or these of its tests, once more, on a screen of
 # two pixels to the point.
 function(melodrift_test_on_dense_screen name)
-  add_test(NAME ${name}_2x COMMAND ${name} ${ARGN})
+  melodrift_run_as_test(${name}_2x ${name} ${ARGN})
   foreach(property ENVIRONMENT TIMEOUT)
     get_test_property(${name} ${property} value)
     set_tests_properties(${name}_2x PROPERTIES ${property} "${value}")
