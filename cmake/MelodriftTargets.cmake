@@ -70,7 +70,7 @@ function(melodrift_add_test name)
   # Each test's source holds its one class: a moc of its own takes a twentieth of what automoc takes to look for it.
   qt5_generate_moc(${name}.cpp ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
   set_property(SOURCE ${name}.cpp APPEND PROPERTY OBJECT_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
-  target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/moc)
+  target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/moc ${CMAKE_SOURCE_DIR}/tests)
   melodrift_build_quickly(${name})
   set_target_properties(${name} PROPERTIES MELODRIFT_READS_SOURCES "${ARG_READS_SOURCES}")
   if("melodrift_app" IN_LIST ARG_LIBS)

@@ -52,7 +52,7 @@ void QIOrvoUtil::setLocaleLanguage(QLocale::Language) {}
 
 void QIOrvoUtil::emitLanguageChange() {}
 
-bool QIOrvoUtil::isMusicFormatorNot(QString lastThree)
+bool QIOrvoUtil::isMusicFormatorNot(const QString& lastThree)
 {
     return Formats::isMusicEnding(lastThree);
 }

@@ -22,7 +22,7 @@ public:
     static void emitLanguageChange();
 
     /// Oddity 19: takes the last three characters of a file name; "lac" stands for FLAC.
-    static bool isMusicFormatorNot(QString lastThree);
+    static bool isMusicFormatorNot(const QString& lastThree);
     static QString intToString(int formatCode);
     /// Oddity 17: a byte count as text, two decimals; the boundaries belong to the smaller unit.
     static QString size2String(unsigned long long bytes);

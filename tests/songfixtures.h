@@ -1,5 +1,6 @@
 #pragma once
 
+#include "filebytes.h"
 #include "itunes/itunestrackrecord.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
@@ -97,20 +98,6 @@ inline QString savePicture(const QImage& image, const QString& path, const char*
     if (!image.save(path, format))
         qFatal("cannot save %s", qUtf8Printable(path));
     return path;
-}
-
-inline QString saveBytes(const QByteArray& bytes, const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qUtf8Printable(path));
-    return path;
-}
-
-inline QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 /// A picture of the skin; one is made where the build has laid none beside the test program.

@@ -11,6 +11,7 @@ class TestArchitecture : public QObject
 private slots:
     void everyRoomIncludesWhatItMay_data();
     void everyRoomIncludesWhatItMay();
+    void testsLookAtTheirRoomAndBelow();
     void everyFileLiesInARoom();
     void formsShowTheKitAndWindowsOnly();
     void theModeIsReadInFewPlaces();
@@ -72,8 +73,36 @@ const QVector<Room>& rooms()
     return all;
 }
 
-/// Their code may look at everything that it tests, and at what the libraries say to the same.
+/// They look at everything: what the windows' tests, the benchmarks and the fuzz targets include is not told.
 const QStringList onlookers = {"tests", "bench", "fuzz"};
+
+/// Whose code the tests of a folder look at, beside what that may include, and nothing from above.
+const QMap<QString, QStringList>& testedRooms()
+{
+    static const QMap<QString, QStringList> all = {
+        {"tests/base", {"base"}},
+        {"tests/audiocore", {"audiocore/src/tags", "audiocore/src/playback", "audiocore/src/identify"}},
+        {"tests/identify", {"audiocore/src/identify"}},
+        {"tests/itunes", {"itunes/src/calls"}},
+        {"tests/collection", {"collection"}},
+        {"tests/common", {"src/common", "records"}}, // by the fixtures that all these share
+        {"tests/covers", {"src/covers", "records"}},
+        {"tests/songs", {"src/songs"}},
+        {"tests/views", {"src/views"}},
+    };
+    return all;
+}
+
+QStringList withAllBelow(QStringList folders)
+{
+    for (int i = 0; i < folders.size(); ++i)
+        for (const Room& room : rooms())
+            if (room.folder == folders[i])
+                for (const QString& below : room.rooms)
+                    if (!folders.contains(below))
+                        folders.append(below);
+    return folders;
+}
 
 QString rootPath(const QString& path)
 {
@@ -164,6 +193,28 @@ void TestArchitecture::everyRoomIncludesWhatItMay()
                 wrong.append(path + " includes " + header);
         }
     QVERIFY(files > 0);
+    QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join('\n')));
+}
+
+void TestArchitecture::testsLookAtTheirRoomAndBelow()
+{
+    QStringList wrong;
+    const QStringList folders = QDir(rootPath("tests")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& name : folders) {
+        if (name == "support")
+            continue;
+        const QString folder = "tests/" + name;
+        if (!testedRooms().contains(folder))
+            wrong.append(folder + " is the folder of no room");
+        const QStringList allowed = withAllBelow(testedRooms().value(folder));
+        for (const QString& path : filesIn(folder, {"*.h", "*.cpp"}))
+            for (const QString& header : includesOf(path, "[\"<](.+)[\">]")) {
+                const QString room = roomOf(placeOf(header, folder));
+                // The fonts and folders that the application sets up are wanted by many.
+                if (header != "startup.h" && !room.isEmpty() && !allowed.contains(room))
+                    wrong.append(path + " includes " + header);
+            }
+    }
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join('\n')));
 }
 

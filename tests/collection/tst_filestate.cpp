@@ -1,5 +1,5 @@
 #include "collection/filestate.h"
-#include "songfixtures.h"
+#include "filebytes.h"
 
 #include <QDateTime>
 #include <QTemporaryDir>
