@@ -15,7 +15,7 @@ int main(int argc, char* argv[])
     server.putIntoEnvironment();
     for (const char* name : {"MELODRIFT_ACOUSTID_URL", "MELODRIFT_MUSICBRAINZ_URL", "MELODRIFT_COVERART_URL",
                              "MELODRIFT_ACOUSTID_KEY"})
-        std::cout << name << '=' << qgetenv(name).constData() << std::endl;
+        std::cout << name << '=' << qgetenv(name).constData() << '\n' << std::flush;
     for (std::string word; std::getline(std::cin, word);)
         server.setManner(IdentifyServer::AcoustId, word == "silent"    ? IdentifyServer::Manner::Silent
                                                    : word == "failing" ? IdentifyServer::Manner::ServerError
