@@ -3,6 +3,7 @@
 #include "media/checkedstream.h"
 #include "media/mpegframes.h"
 #include "media/wavfile.h"
+#include "tags/id3v2frames.h"
 #include "tags/mp4file.h"
 #include "tags/tagscreen.h"
 #include "tags/tagtext.h"
@@ -24,6 +25,8 @@
 
 #include <algorithm>
 
+namespace id3v2 = audiocore::id3v2;
+
 using audiocore::MediaFile;
 using TagLib::ByteVector;
 using TagLib::IOStream;
@@ -41,15 +44,15 @@ ByteVector headAt(IOStream& stream, long position)
 /// Where the file goes on behind the ID3v2 tags at its beginning.
 long behindId3v2(IOStream& stream)
 {
+    constexpr int mostTags = 8;
     long position = 0;
-    for (int tags = 0; tags < 8; ++tags) {
+    for (int tags = 0; tags < mostTags; ++tags) {
         stream.seek(position);
-        const ByteVector header = stream.readBlock(10);
-        if (header.size() < 10 || !header.startsWith("ID3"))
+        const ByteVector header = stream.readBlock(id3v2::headerSize);
+        const std::optional<id3v2::TagSize> size = id3v2::sizeOfTag(id3v2::viewOf(header));
+        if (!size)
             break;
-        const long size = long(header[6] & 0x7F) << 21 | long(header[7] & 0x7F) << 14 |
-                          long(header[8] & 0x7F) << 7 | long(header[9] & 0x7F);
-        position += size + 10 + (header[5] & 0x10 ? 10 : 0);
+        position += long(size->whole());
     }
     return position;
 }

@@ -5,10 +5,12 @@
 #include "media/checkedstream.h"
 #include "media/oggpacket.h"
 #include "tags/commentbytes.h"
-#include "tags/id3v2bytes.h"
+#include "tags/id3v2frames.h"
 #include "tags/taglimits.h"
 
 #include <algorithm>
+
+namespace id3v2 = audiocore::id3v2;
 
 using audiocore::CheckedStream;
 using audiocore::SoundView;
@@ -76,15 +78,17 @@ bool SoundView::hideAll(CheckedStream& stream)
 /// A tag of a version that nobody knows is passed over. Where the music begins.
 long SoundView::hideId3v2(CheckedStream& stream)
 {
-    constexpr unsigned long headSize = 10;
     constexpr int version = 3;
     const char unknown = 9;
     long position = 0;
-    while (const unsigned int size = Id3v2Bytes::sizeByHeader(bytesAt(stream, position, headSize))) {
+    for (;;) {
+        const ByteVector header = bytesAt(stream, position, id3v2::headerSize);
+        const std::optional<id3v2::TagSize> size = id3v2::sizeOfTag(id3v2::viewOf(header));
+        if (!size)
+            return position;
         set(position + version, &unknown, 1);
-        position += long(size);
+        position += long(size->whole());
     }
-    return position;
 }
 
 void SoundView::hideApe(CheckedStream& stream)
