@@ -1,6 +1,7 @@
 #include "tags/mediafile.h"
 
 #include "media/checkedstream.h"
+#include "media/formats.h"
 #include "media/mpegframes.h"
 #include "media/wavfile.h"
 #include "tags/id3v2frames.h"
@@ -55,24 +56,6 @@ long behindId3v2(IOStream& stream)
         position += long(size->whole());
     }
     return position;
-}
-
-AudioFormat formatByMagic(const ByteVector& head)
-{
-    static const ByteVector asf("\x30\x26\xB2\x75\x8E\x66\xCF\x11", 8);
-    if (head.startsWith("fLaC"))
-        return AUDIO_FORMAT_FLAC;
-    if (head.startsWith("OggS"))
-        return AUDIO_FORMAT_OGG;
-    if (head.startsWith("MAC "))
-        return AUDIO_FORMAT_APE;
-    if (head.startsWith(asf))
-        return AUDIO_FORMAT_WMA;
-    if (head.startsWith("RIFF") && head.mid(8, 4) == ByteVector("WAVE"))
-        return AUDIO_FORMAT_WAV;
-    if (head.mid(4, 4) == ByteVector("ftyp"))
-        return AUDIO_FORMAT_M4A;
-    return AUDIO_FORMAT_UNKNOWN;
 }
 
 /// MPEG audio has no magic number: two frames in a row tell, first right here, then behind some rubbish.
@@ -184,7 +167,7 @@ MediaFile audiocore::openMedia(CheckedStream& stream, Purpose purpose)
     media.stream = &stream;
     media.audioBegin = behindId3v2(stream);
     const ByteVector head = headAt(stream, media.audioBegin);
-    media.format = formatByMagic(head);
+    media.format = formatByMagic(id3v2::viewOf(head));
     const bool mpeg = media.format == AUDIO_FORMAT_UNKNOWN;
     if (mpeg)
         media.format = formatByFrames(stream, media.audioBegin);
