@@ -103,6 +103,7 @@ base::FileState base::stateFrom(const struct stat& status)
 #endif
     state.links = status.st_nlink;
     state.regular = S_ISREG(status.st_mode);
+    state.link = S_ISLNK(status.st_mode);
     return state;
 }
 
