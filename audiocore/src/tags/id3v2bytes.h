@@ -7,6 +7,7 @@
 
 namespace audiocore {
 /// An ID3v2 tag of any version, frame by frame. Frames that are not edited keep their bytes.
+/// TagLib's writer would not keep them: see tagwriting.h.
 class Id3v2Bytes
 {
 public:
