@@ -11,8 +11,6 @@
 
 #include <algorithm>
 
-namespace id3v2 = audiocore::id3v2;
-
 using audiocore::CheckedStream;
 using audiocore::SoundView;
 using TagLib::ByteVector;

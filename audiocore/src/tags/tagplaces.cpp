@@ -14,8 +14,6 @@
 #include <taglib/oggflacfile.h>
 #include <taglib/opusfile.h>
 
-namespace id3v2 = audiocore::id3v2;
-
 using audiocore::CommentPacket;
 using audiocore::FlacBlocks;
 using audiocore::Place;

@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <string_view>
 
-namespace id3v2 = audiocore::id3v2;
-
 using audiocore::TagScreen;
 using TagLib::ByteVector;
 
