@@ -1,9 +1,9 @@
 #include "base/fileowner.h"
 
 #ifdef _WIN32
-#include "base/platform.h"
+#include "base/newfile.h"
 #else
-#include "base/filecopy_posix.h"
+#include "base/descriptor_posix.h"
 
 #include <cerrno>
 #include <cstring>
@@ -33,19 +33,6 @@ bool base::makePrivate(std::FILE* file)
     return true;
 }
 #else
-namespace {
-/// A power cut must not take the new name away again.
-void syncFolderOf(const std::string& path)
-{
-    const std::string folder = path.substr(0, path.rfind('/') + 1);
-    const int opened = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (opened < 0)
-        return;
-    (void)::fsync(opened);
-    ::close(opened);
-}
-} // namespace
-
 Owner base::ownerOf(std::FILE* file, const std::string& libraryPath)
 {
     struct stat status = {};
@@ -60,22 +47,18 @@ Owner base::ownerOf(std::FILE* file, const std::string& libraryPath)
 
 bool base::createPrivate(const std::string& path, const std::string& libraryPath, std::string& error)
 {
-    constexpr mode_t ownersAlone = S_IRUSR | S_IWUSR;
-    const int made = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownersAlone);
-    if (made < 0 && errno != EEXIST) {
+    const Descriptor made = createPrivateAt(AT_FDCWD, path, Inherited::Borne);
+    if (!made.isOpen() && errno != EEXIST) {
         error = std::string("no new file can be made in the folder: ") + std::strerror(errno);
         return false;
     }
-    if (made < 0)
+    if (!made.isOpen())
         return true;
-    // Where the rights that the folder hands on cannot be taken away, the mode alone keeps others out.
-    (void)base::makePrivate(made);
     struct stat library = {};
     // What root leaves behind belongs to whose library it is.
     if (::geteuid() == 0 && ::stat(libraryPath.c_str(), &library) == 0)
-        (void)!::fchown(made, library.st_uid, gid_t(-1));
-    ::close(made);
-    syncFolderOf(path);
+        (void)!::fchown(made.fd, library.st_uid, gid_t(-1));
+    syncFolder(openFolderOf(path).fd);
     return true;
 }
 

@@ -72,18 +72,6 @@ Descriptor openModel(int folder, const std::string& name, struct stat& status, s
         return model;
     return Descriptor();
 }
-
-/// Makes a file that is nobody else's; -1 with errno set, EEXIST when there is something at the name.
-Descriptor createPrivate(int folder, const std::string& name)
-{
-    Descriptor made(base::openAt(folder, name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, S_IRUSR | S_IWUSR));
-    if (!made.isOpen() || base::makePrivate(made.fd))
-        return made;
-    const int failure = errno;
-    ::unlinkat(folder, name.c_str(), 0);
-    errno = failure;
-    return Descriptor();
-}
 } // namespace
 
 struct NewFile::Place
@@ -163,7 +151,7 @@ bool NewFile::make(std::string& error)
 {
     for (int i = 0; i < namesTried && !m_file; ++i) {
         const std::string name = newNameFor(m_place->target);
-        Descriptor made = createPrivate(m_place->folder.fd, name);
+        Descriptor made = createPrivateAt(m_place->folder.fd, name, Inherited::Refused);
         if (!made.isOpen() && errno == EEXIST)
             continue;
         m_file = made.isOpen() ? ::fdopen(made.fd, "r+b") : nullptr;
@@ -255,7 +243,7 @@ NewFile::Taking NewFile::settleAt(const std::string& name)
     const int folder = m_place->folder.fd;
     if (isAtItsName()) // it has its former name as well: between names of one file nothing is renamed
         ::unlinkat(folder, m_place->name.c_str(), 0);
-    ::fsync(folder);
+    syncFolder(folder);
     m_place->name = name;
     const Taking taking = isAtItsName() ? Taking::Done : Taking::ChangedMeanwhile;
     m_place->name.clear();
@@ -284,7 +272,7 @@ bool base::renameFile(const std::string& from, const std::string& to, std::strin
 {
     const Descriptor folder = openFolderOf(from);
     if (folder.isOpen() && ::renameat(folder.fd, nameOf(from).c_str(), folder.fd, nameOf(to).c_str()) == 0) {
-        ::fsync(folder.fd);
+        syncFolder(folder.fd);
         return true;
     }
     error = reason();
@@ -303,14 +291,14 @@ bool base::createLike(const std::string& model, const std::string& path, std::st
     const Descriptor original = openModel(modelFolder.fd, nameOf(model), status, error);
     if (!original.isOpen())
         return false;
-    const Descriptor made = createPrivate(folder.fd, nameOf(path));
+    const Descriptor made = createPrivateAt(folder.fd, nameOf(path), Inherited::Refused);
     if (!made.isOpen() && errno != EEXIST) {
         error = "no new file can be made in the folder: " + reason();
         return false;
     }
     if (made.isOpen()) {
         becomeLike(original.fd, status, made.fd); // where it cannot, the file is this user's alone
-        ::fsync(folder.fd);
+        syncFolder(folder.fd);
     }
     return true;
 }

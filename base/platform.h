@@ -17,6 +17,7 @@ struct FileState
     std::int64_t changed = 0;  ///< no program can set it back; 0 where the system does not tell
     std::uint64_t links = 1;
     bool regular = false;
+    bool link = false; ///< only ever of what lies at a name itself
 
     bool operator==(const FileState& other) const;
     bool operator!=(const FileState& other) const { return !(*this == other); }

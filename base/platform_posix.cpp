@@ -1,6 +1,7 @@
 #include "base/platform.h"
 
 #include "base/descriptor_posix.h"
+#include "base/filecopy_posix.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -48,6 +49,23 @@ int base::openAt(int folder, const std::string& name, int flags, mode_t mode)
     }
 }
 
+base::Descriptor base::createPrivateAt(int folder, const std::string& name, Inherited rights)
+{
+    Descriptor made(openAt(folder, name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+    if (!made.isOpen() || makePrivate(made.fd) || rights == Inherited::Borne)
+        return made;
+    const int failure = errno;
+    ::unlinkat(folder, name.c_str(), 0);
+    errno = failure;
+    return Descriptor();
+}
+
+void base::syncFolder(int folder)
+{
+    if (folder >= 0)
+        (void)::fsync(folder);
+}
+
 std::string base::folderOf(const std::string& path)
 {
     const std::size_t slash = path.rfind('/');
@@ -85,6 +103,7 @@ base::FileState base::stateFrom(const struct stat& status)
 #endif
     state.links = status.st_nlink;
     state.regular = S_ISREG(status.st_mode);
+    state.link = S_ISLNK(status.st_mode);
     return state;
 }
 

@@ -3,20 +3,6 @@
 #include <algorithm>
 
 namespace {
-constexpr char32_t replacement = 0xFFFD;
-
-/// The number of bytes that a character starting with this byte takes; 0 when none starts so.
-int sequenceLength(unsigned char first)
-{
-    if (first < 0x80)
-        return 1;
-    if (first >= 0xC2 && first < 0xE0)
-        return 2;
-    if (first >= 0xE0 && first < 0xF0)
-        return 3;
-    return first >= 0xF0 && first < 0xF5 ? 4 : 0;
-}
-
 bool isDigit(char c)
 {
     return c >= '0' && c <= '9';
@@ -34,28 +20,45 @@ std::string withoutZeros(const std::string& digits)
 }
 } // namespace
 
-void base::appendUtf8(std::string& out, char32_t c)
+std::size_t base::putUtf8(char* out, char32_t c)
 {
     if (c < 0x80) {
-        out += char(c);
-    } else if (c < 0x800) {
-        out += char(0xC0 | (c >> 6));
-        out += char(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += char(0xE0 | (c >> 12));
-        out += char(0x80 | ((c >> 6) & 0x3F));
-        out += char(0x80 | (c & 0x3F));
-    } else {
-        out += char(0xF0 | (c >> 18));
-        out += char(0x80 | ((c >> 12) & 0x3F));
-        out += char(0x80 | ((c >> 6) & 0x3F));
-        out += char(0x80 | (c & 0x3F));
+        out[0] = char(c);
+        return 1;
     }
+    if (c < 0x800) {
+        out[0] = char(0xC0 | (c >> 6));
+        out[1] = char(0x80 | (c & 0x3F));
+        return 2;
+    }
+    if (c < 0x10000) {
+        out[0] = char(0xE0 | (c >> 12));
+        out[1] = char(0x80 | ((c >> 6) & 0x3F));
+        out[2] = char(0x80 | (c & 0x3F));
+        return 3;
+    }
+    out[0] = char(0xF0 | (c >> 18));
+    out[1] = char(0x80 | ((c >> 12) & 0x3F));
+    out[2] = char(0x80 | ((c >> 6) & 0x3F));
+    out[3] = char(0x80 | (c & 0x3F));
+    return 4;
 }
 
-bool base::isCharacter(char32_t c)
+void base::appendUtf8(std::string& out, char32_t c)
 {
-    return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF);
+    char bytes[longestUtf8];
+    out.append(bytes, putUtf8(bytes, c));
+}
+
+bool base::isUtf8(std::string_view text)
+{
+    for (std::size_t at = 0; at < text.size();) {
+        const Utf8Number read = utf8At(text, at);
+        if (!read.isCharacter())
+            return false;
+        at += read.size;
+    }
+    return true;
 }
 
 std::optional<std::string> base::toUtf8(const std::u32string& text)
@@ -72,23 +75,12 @@ std::optional<std::string> base::toUtf8(const std::u32string& text)
 
 std::u32string base::toUtf32(const std::string& text)
 {
-    static const char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    static const unsigned char leadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
     std::u32string out;
     out.reserve(text.size());
-    for (size_t at = 0; at < text.size();) {
-        const auto first = static_cast<unsigned char>(text[at]);
-        const int length = sequenceLength(first);
-        char32_t c = first & leadBits[length];
-        bool whole = length > 0 && at + size_t(length) <= text.size();
-        for (int i = 1; whole && i < length; ++i) {
-            const auto next = static_cast<unsigned char>(text[at + size_t(i)]);
-            whole = (next & 0xC0) == 0x80;
-            c = (c << 6) | (next & 0x3F);
-        }
-        const bool valid = whole && c >= smallest[length] && isCharacter(c);
-        out += valid ? c : replacement;
-        at += valid ? size_t(length) : 1;
+    for (std::size_t at = 0; at < text.size();) {
+        const Utf8Number read = utf8At(text, at);
+        out += read.isCharacter() ? read.number : replacementCharacter;
+        at += read.isCharacter() ? read.size : 1;
     }
     return out;
 }

@@ -3,9 +3,10 @@
 #include <QFile>
 
 #ifdef Q_OS_UNIX
+#include "base/descriptor_posix.h"
+
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #else
 #include <QDateTime>
@@ -21,71 +22,45 @@ QString whenChanged()
 
 #ifdef Q_OS_UNIX
 namespace {
-FileState stateFrom(const struct stat& found)
+FileState stateFrom(const base::FileState& file, bool there)
 {
-    FileState state;
-#ifdef Q_OS_DARWIN
-    const timespec modified = found.st_mtimespec;
-#else
-    const timespec modified = found.st_mtim;
-#endif
-    state.device = quint64(found.st_dev);
-    state.number = quint64(found.st_ino);
-    state.modified = qint64(modified.tv_sec) * 1000000000 + modified.tv_nsec;
-    state.size = qint64(found.st_size);
-    return state;
+    return there ? FileState{QString(), file, true} : FileState();
 }
 
-FileState entryState(int folder, const QByteArray& name)
+FileState entryState(const base::FileState& entry)
 {
-    struct stat found = {};
-    const bool exists = ::fstatat(folder, name.constData(), &found, AT_SYMLINK_NOFOLLOW) == 0 &&
-                        (S_ISREG(found.st_mode) || S_ISLNK(found.st_mode));
-    return exists ? stateFrom(found) : FileState();
-}
-
-/// For finding names in the folder; -1 with errno set.
-int openFolder(const QByteArray& path)
-{
-#ifdef O_PATH
-    return ::open(path.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-#else
-    return ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-#endif
+    return stateFrom(entry, entry.regular || entry.link);
 }
 } // namespace
 
 FileState FileState::of(const QString& path)
 {
-    struct stat found = {};
-    const bool exists =
-        !path.isEmpty() && ::stat(QFile::encodeName(path).constData(), &found) == 0 && S_ISREG(found.st_mode);
-    return exists ? stateFrom(found) : FileState();
+    base::FileState found;
+    const bool exists = !path.isEmpty() && base::stateOf(QFile::encodeName(path).toStdString(), found);
+    return stateFrom(found, exists && found.regular);
 }
 
 FileState FileState::ofEntry(const QString& path)
 {
-    return path.isEmpty() ? FileState() : entryState(AT_FDCWD, QFile::encodeName(path));
+    base::FileState found;
+    const bool exists =
+        !path.isEmpty() && base::stateAt(AT_FDCWD, QFile::encodeName(path).toStdString(), found);
+    return exists ? entryState(found) : FileState();
 }
 
 QString removeIfUnchanged(const QString& path, const FileState& state)
 {
-    const QByteArray whole = QFile::encodeName(path);
-    const int nameBegin = whole.lastIndexOf('/') + 1;
-    const QByteArray name = whole.mid(nameBegin);
-    const int folder = openFolder(nameBegin > 0 ? whole.left(nameBegin) : QByteArray("."));
-    if (folder < 0)
+    const std::string whole = QFile::encodeName(path).toStdString();
+    const std::string name = base::nameOf(whole);
+    const base::Descriptor folder = base::openFolderOf(whole);
+    if (!folder.isOpen())
         return qt_error_string(errno);
-    struct stat there = {};
-    const bool gone = ::fstatat(folder, name.constData(), &there, AT_SYMLINK_NOFOLLOW) != 0;
-    const bool unchanged = !gone && state.exists() && entryState(folder, name) == state;
-    QString reason;
-    if (gone || (unchanged && ::unlinkat(folder, name.constData(), 0) != 0))
-        reason = qt_error_string(errno);
-    else if (!unchanged)
-        reason = whenChanged();
-    ::close(folder);
-    return reason;
+    base::FileState there;
+    const bool gone = !base::stateAt(folder.fd, name, there);
+    const bool unchanged = !gone && state.exists() && entryState(there) == state;
+    if (gone || (unchanged && ::unlinkat(folder.fd, name.c_str(), 0) != 0))
+        return qt_error_string(errno);
+    return unchanged ? QString() : whenChanged();
 }
 #else
 FileState FileState::of(const QString& path)
@@ -95,8 +70,9 @@ FileState FileState::of(const QString& path)
     if (path.isEmpty() || !found.isFile())
         return state;
     state.path = path;
-    state.modified = found.lastModified().toMSecsSinceEpoch();
-    state.size = found.size();
+    state.file.modified = found.lastModified().toMSecsSinceEpoch();
+    state.file.size = found.size();
+    state.there = true;
     return state;
 }
 

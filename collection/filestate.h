@@ -1,22 +1,23 @@
 #pragma once
 
+#include "base/platform.h"
+
 #include <QHash>
 #include <QString>
 #include <QtGlobal>
 
 /// A regular file as it is at one moment, without its content: while the state stays equal, so does what was
-/// read from the file. Where the system has file numbers, all hard links to one file have one state;
-/// elsewhere every path has its own. Any thread.
+/// read from the file. Where the system has file numbers, all hard links to one file have one state, and a
+/// further one changes nothing about it, unlike about the state that base compares; elsewhere every path has
+/// its own. Any thread.
 struct FileState
 {
-    QString path;       ///< empty where files have numbers
-    quint64 device = 0; ///< 0 where files have none
-    quint64 number = 0;
-    qint64 modified = 0; ///< as fine as the system has it; only good for comparing
-    qint64 size = -1;    ///< bytes
+    QString path;         ///< empty where files have numbers
+    base::FileState file; ///< without device and inode where files have no numbers
+    bool there = false;
 
     /// False for a path without a regular file behind it: nothing there, a directory, a pipe.
-    bool exists() const { return size >= 0; }
+    bool exists() const { return there; }
 
     static FileState of(const QString& path);
     /// Of what lies at the path itself, a link included.
@@ -25,8 +26,8 @@ struct FileState
 
 inline bool operator==(const FileState& a, const FileState& b)
 {
-    return a.number == b.number && a.modified == b.modified && a.size == b.size && a.device == b.device &&
-           a.path == b.path;
+    return a.there == b.there && a.file.isOf(b.file) && a.file.modified == b.file.modified &&
+           a.file.size == b.file.size && a.path == b.path;
 }
 
 inline bool operator!=(const FileState& a, const FileState& b)
@@ -40,6 +41,6 @@ QString removeIfUnchanged(const QString& path, const FileState& state);
 
 inline uint qHash(const FileState& state, uint seed = 0)
 {
-    const uint number = ::qHash(state.number, seed);
-    return number ^ ::qHash(state.modified, number) ^ ::qHash(state.path, seed);
+    const uint number = ::qHash(quint64(state.file.inode), seed);
+    return number ^ ::qHash(qint64(state.file.modified), number) ^ ::qHash(state.path, seed);
 }

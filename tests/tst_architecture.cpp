@@ -57,7 +57,7 @@ const QVector<Room>& rooms()
          {"base", "itunes/include", "audiocore/include", "itunes/src/xml"},
          qt + '|' + engines},
         {"itunes/src/calls", {"base", "itunes/include", "itunes/src/library"}, qt + '|' + engines},
-        {"collection", {}, widgets + '|' + engines},
+        {"collection", {"base"}, widgets + '|' + engines},
         {"src/common", {"forms"}, engines},
         {"src/covers", {"collection", "src/common"}, engines},
         {"records", {"collection", "src/common", "src/covers"}, engines},

@@ -114,6 +114,9 @@ void TestHttpClient::redirectsLeadToHttpsOrStayHere()
 void TestHttpClient::textsArePercentEncoded()
 {
     QCOMPARE(audiocore::percentEncoded("Az09-._~"), std::string("Az09-._~"));
+    QCOMPARE(audiocore::percentEncoded(""), std::string());
+    QCOMPARE(audiocore::percentEncoded(std::string("a\0b", 3)), std::string("a%00b"));
+    QCOMPARE(audiocore::percentEncoded(std::string(1000000, '/')).size(), size_t(3000000));
     QCOMPARE(audiocore::percentEncoded("a b&c=d+\xC3\xA9%"), std::string("a%20b%26c%3Dd%2B%C3%A9%25"));
 }
 

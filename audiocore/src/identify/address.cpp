@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <sstream>
 
 using audiocore::AddressKind;
@@ -14,14 +15,18 @@ struct FreeUrl
     void operator()(CURLU* url) const { curl_url_cleanup(url); }
 };
 
+struct FreeText
+{
+    void operator()(char* text) const { curl_free(text); }
+};
+
 std::string partOf(CURLU* url, CURLUPart which)
 {
     char* part = nullptr;
     if (curl_url_get(url, which, &part, 0) != CURLUE_OK)
         return std::string();
-    std::string result(part);
-    curl_free(part);
-    return result;
+    const std::unique_ptr<char, FreeText> owned(part);
+    return part;
 }
 
 bool isByte(const std::string& text)
@@ -68,16 +73,8 @@ bool audiocore::mayRedirect(AddressKind from, AddressKind to)
 
 std::string audiocore::percentEncoded(const std::string& text)
 {
-    static const char digits[] = "0123456789ABCDEF";
-    static const std::string plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
-    std::string out;
-    for (const char c : text) {
-        if (plain.find(c) != std::string::npos) {
-            out += c;
-            continue;
-        }
-        const auto byte = static_cast<unsigned char>(c);
-        out += {'%', digits[byte >> 4], digits[byte & 15]};
-    }
-    return out;
+    const std::unique_ptr<char, FreeText> encoded(curl_easy_escape(nullptr, text.c_str(), int(text.size())));
+    if (!encoded)
+        throw std::bad_alloc();
+    return encoded.get();
 }

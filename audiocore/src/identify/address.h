@@ -14,6 +14,6 @@ AddressKind kindOf(const std::string& address);
 /// Whether an address of the one kind may send on to one of the other: to HTTPS, or from this machine to this
 /// machine.
 bool mayRedirect(AddressKind from, AddressKind to);
-/// The text as a part of an address or a form.
+/// The text as a part of an address or a form; it is shorter than 2 MB, as keys and fingerprints are.
 std::string percentEncoded(const std::string& text);
 } // namespace audiocore

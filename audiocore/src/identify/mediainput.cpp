@@ -1,6 +1,7 @@
 #include "identify/mediainput.h"
 
 #include "base/platform.h"
+#include "media/formats.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -17,8 +18,6 @@ constexpr std::chrono::seconds longestWork{60};
 constexpr int ioBufferSize = 16 * 1024;
 /// The largest pictures and other data before and between the sounds take less.
 constexpr std::int64_t mostWithoutProgress = 64 * 1024 * 1024;
-/// The demuxers of the eight formats; none of them is a list of other files.
-const char* const musicFormats = "mp3,mov,mp4,m4a,ape,aac,flac,asf,wav,ogg";
 
 int openNothingElse(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**)
 {
@@ -114,7 +113,7 @@ AVFormatContext* MediaInput::demuxer()
     if (m_demuxer || !m_view || !prepare())
         return m_demuxer;
     AVDictionary* options = nullptr;
-    av_dict_set(&options, "format_whitelist", musicFormats, 0);
+    av_dict_set(&options, "format_whitelist", allDemuxers().c_str(), 0);
     av_dict_set(&options, "protocol_whitelist", "none", 0);
     // Frees the context itself when it fails.
     const int opened = avformat_open_input(&m_demuxer, nullptr, nullptr, &options);

@@ -6,6 +6,9 @@ namespace TagLib {
 class IOStream;
 }
 
+/// A walk of our own over the frames. TagLib was tried: it tells nothing of raw AAC, where looking for it
+/// takes 4 ms a file, and takes any bytes for MPEG audio. FFmpeg was tried: of raw AAC it guesses the length,
+/// which this walk tells exactly in less than 1 ms for 5 MB.
 namespace audiocore {
 /// What the frames of a raw MPEG audio stream tell.
 struct MpegStream

@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 #include "base/threadroom.h"
+#include "media/formats.h"
 #include "playback/songstream.h"
 
 #include <mpv/client.h>
@@ -64,33 +65,6 @@ constexpr Option options[] = {
 /// What the engine runs at once for one song, and some more. It waits for ever when it cannot make one.
 constexpr int engineThreads = 8;
 
-/// The container's name in the engine; naming it leaves nothing to guess, and no list of other files a
-/// chance.
-const char* containerOf(AudioFormat format)
-{
-    switch (format) {
-    case AUDIO_FORMAT_WAV:
-        return "wav";
-    case AUDIO_FORMAT_WMA:
-        return "asf";
-    case AUDIO_FORMAT_MP3:
-        return "mp3";
-    case AUDIO_FORMAT_AAC:
-        return "aac";
-    case AUDIO_FORMAT_M4A:
-        return "mov";
-    case AUDIO_FORMAT_OGG:
-        return "ogg";
-    case AUDIO_FORMAT_APE:
-        return "ape";
-    case AUDIO_FORMAT_FLAC:
-        return "flac";
-    case AUDIO_FORMAT_UNKNOWN:
-        break;
-    }
-    return nullptr;
-}
-
 void chooseOutput(mpv_handle* engine)
 {
     const char* output = std::getenv("MELODRIFT_AUDIO_OUTPUT");
@@ -132,8 +106,9 @@ PlaybackEngine::PlaybackEngine(SongSource& source, AudioFormat format, void (*wa
         return;
     }
     m_engine.reset(mpv_create());
-    const char* container = containerOf(format);
-    if (!m_engine || !container || !start(source, container, wake, context)) {
+    // Naming the container leaves nothing to guess, and no list of other files a chance.
+    const FormatRow* row = rowOf(format);
+    if (!m_engine || !row || !start(source, row->demuxer, wake, context)) {
         m_engine.reset();
         m_error = "the playback engine does not start";
     }

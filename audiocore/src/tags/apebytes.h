@@ -7,6 +7,7 @@
 
 namespace audiocore {
 /// An APE tag, item by item. Items that are not edited keep their bytes.
+/// TagLib's writer would not keep them: see tagwriting.h.
 class ApeBytes
 {
 public:

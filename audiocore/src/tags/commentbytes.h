@@ -7,6 +7,7 @@
 
 namespace audiocore {
 /// The comment of a FLAC or Ogg file, "NAME=value" by "NAME=value". What is not edited keeps its bytes.
+/// TagLib's writer would not keep them: see tagwriting.h.
 class CommentBytes
 {
 public:

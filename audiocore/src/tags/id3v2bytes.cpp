@@ -14,8 +14,6 @@ using TagLib::ByteVector;
 using TagLib::String;
 
 namespace {
-constexpr unsigned int footerSize = 10;
-constexpr char withFooter = 0x10;
 constexpr char utf16 = 1;
 constexpr char utf8 = 3;
 
@@ -32,26 +30,14 @@ ByteVector toSevenBits(unsigned int number)
 }
 } // namespace
 
-unsigned int Id3v2Bytes::sizeByHeader(const ByteVector& header)
-{
-    if (header.size() < id3v2::headerSize || !header.startsWith("ID3"))
-        return 0;
-    return id3v2::headerSize + id3v2::fromSevenBits(header.data() + 6) + footerOf(header);
-}
-
-unsigned int Id3v2Bytes::footerOf(const ByteVector& header)
-{
-    return header.data()[5] & withFooter ? footerSize : 0;
-}
-
 std::optional<Id3v2Bytes> Id3v2Bytes::parse(const ByteVector& tag)
 {
     if (tag.isEmpty())
         return Id3v2Bytes();
-    if (tag.size() < id3v2::headerSize || !tag.startsWith("ID3"))
+    const std::optional<id3v2::TagSize> size = id3v2::sizeOfTag(id3v2::viewOf(tag));
+    if (!size)
         return std::nullopt;
-    return parse(tag.mid(0, id3v2::headerSize),
-                 tag.mid(id3v2::headerSize, id3v2::fromSevenBits(tag.data() + 6)));
+    return parse(tag.mid(0, id3v2::headerSize), tag.mid(id3v2::headerSize, size->body));
 }
 
 std::optional<Id3v2Bytes> Id3v2Bytes::parse(const ByteVector& header, const ByteVector& rawBody)

@@ -7,6 +7,7 @@
 
 namespace audiocore {
 /// An ID3v2 tag of any version, frame by frame. Frames that are not edited keep their bytes.
+/// TagLib's writer would not keep them: see tagwriting.h.
 class Id3v2Bytes
 {
 public:
@@ -14,11 +15,6 @@ public:
     static std::optional<Id3v2Bytes> parse(const TagLib::ByteVector& tag);
     /// The same from a tag's header and what of its body is there.
     static std::optional<Id3v2Bytes> parse(const TagLib::ByteVector& header, const TagLib::ByteVector& body);
-    /// The size of the tag that starts with this header, footer included; 0 when it is none.
-    static unsigned int sizeByHeader(const TagLib::ByteVector& header);
-
-    /// The size of the footer that the header tells of.
-    static unsigned int footerOf(const TagLib::ByteVector& header);
 
     bool isEmpty() const { return m_frames.empty(); }
     void apply(const TagEdits& edits);

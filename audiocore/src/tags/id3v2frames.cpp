@@ -35,6 +35,14 @@ unsigned int extendedHeaderSize(int version, const ByteVector& body)
 }
 } // namespace
 
+std::optional<id3v2::TagSize> id3v2::sizeOfTag(std::string_view bytes)
+{
+    constexpr unsigned int footerSize = 10;
+    if (bytes.size() < headerSize || bytes.substr(0, 3) != "ID3")
+        return std::nullopt;
+    return TagSize{fromSevenBits(bytes.data() + 6), bytes[5] & withFooter ? footerSize : 0};
+}
+
 bool id3v2::says(std::string_view id, int type)
 {
     const auto& ids = knownIds[type];

@@ -8,12 +8,13 @@
 #include <optional>
 #include <string_view>
 
-/// How the frames of an ID3v2 tag lie in its body, for whoever reads them.
+/// How an ID3v2 tag lies in a file and the frames in its body, for whoever reads them.
 namespace audiocore::id3v2 {
 constexpr unsigned int headerSize = 10;
 constexpr unsigned int largestBody = (1u << 28) - 1;
 constexpr char unsynchronised = char(0x80);
 constexpr char extended = 0x40; ///< in version 2: compressed
+constexpr char withFooter = 0x10;
 constexpr char frameUnsynchronised = 0x02;
 
 constexpr unsigned int idSize(int version)
@@ -29,6 +30,17 @@ inline std::string_view viewOf(const TagLib::ByteVector& bytes)
 {
     return {bytes.data(), bytes.size()};
 }
+
+/// What a tag's header tells of its size.
+struct TagSize
+{
+    unsigned int body = 0;
+    unsigned int footer = 0;
+
+    unsigned int whole() const { return headerSize + body + footer; }
+};
+/// Of the tag that starts with these bytes; nothing where none does.
+std::optional<TagSize> sizeOfTag(std::string_view bytes);
 
 /// Whether some version says the item under this id.
 bool says(std::string_view id, int type);

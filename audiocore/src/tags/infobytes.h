@@ -6,6 +6,7 @@
 
 namespace audiocore {
 /// The INFO list of a WAV file. What is not edited keeps its bytes.
+/// TagLib's writer would not keep them: see tagwriting.h.
 class InfoBytes
 {
 public:

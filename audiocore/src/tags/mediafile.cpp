@@ -1,8 +1,10 @@
 #include "tags/mediafile.h"
 
 #include "media/checkedstream.h"
+#include "media/formats.h"
 #include "media/mpegframes.h"
 #include "media/wavfile.h"
+#include "tags/id3v2frames.h"
 #include "tags/mp4file.h"
 #include "tags/tagscreen.h"
 #include "tags/tagtext.h"
@@ -24,6 +26,8 @@
 
 #include <algorithm>
 
+namespace id3v2 = audiocore::id3v2;
+
 using audiocore::MediaFile;
 using TagLib::ByteVector;
 using TagLib::IOStream;
@@ -41,35 +45,17 @@ ByteVector headAt(IOStream& stream, long position)
 /// Where the file goes on behind the ID3v2 tags at its beginning.
 long behindId3v2(IOStream& stream)
 {
+    constexpr int mostTags = 8;
     long position = 0;
-    for (int tags = 0; tags < 8; ++tags) {
+    for (int tags = 0; tags < mostTags; ++tags) {
         stream.seek(position);
-        const ByteVector header = stream.readBlock(10);
-        if (header.size() < 10 || !header.startsWith("ID3"))
+        const ByteVector header = stream.readBlock(id3v2::headerSize);
+        const std::optional<id3v2::TagSize> size = id3v2::sizeOfTag(id3v2::viewOf(header));
+        if (!size)
             break;
-        const long size = long(header[6] & 0x7F) << 21 | long(header[7] & 0x7F) << 14 |
-                          long(header[8] & 0x7F) << 7 | long(header[9] & 0x7F);
-        position += size + 10 + (header[5] & 0x10 ? 10 : 0);
+        position += long(size->whole());
     }
     return position;
-}
-
-AudioFormat formatByMagic(const ByteVector& head)
-{
-    static const ByteVector asf("\x30\x26\xB2\x75\x8E\x66\xCF\x11", 8);
-    if (head.startsWith("fLaC"))
-        return AUDIO_FORMAT_FLAC;
-    if (head.startsWith("OggS"))
-        return AUDIO_FORMAT_OGG;
-    if (head.startsWith("MAC "))
-        return AUDIO_FORMAT_APE;
-    if (head.startsWith(asf))
-        return AUDIO_FORMAT_WMA;
-    if (head.startsWith("RIFF") && head.mid(8, 4) == ByteVector("WAVE"))
-        return AUDIO_FORMAT_WAV;
-    if (head.mid(4, 4) == ByteVector("ftyp"))
-        return AUDIO_FORMAT_M4A;
-    return AUDIO_FORMAT_UNKNOWN;
 }
 
 /// MPEG audio has no magic number: two frames in a row tell, first right here, then behind some rubbish.
@@ -181,7 +167,7 @@ MediaFile audiocore::openMedia(CheckedStream& stream, Purpose purpose)
     media.stream = &stream;
     media.audioBegin = behindId3v2(stream);
     const ByteVector head = headAt(stream, media.audioBegin);
-    media.format = formatByMagic(head);
+    media.format = formatByMagic(id3v2::viewOf(head));
     const bool mpeg = media.format == AUDIO_FORMAT_UNKNOWN;
     if (mpeg)
         media.format = formatByFrames(stream, media.audioBegin);

@@ -5,6 +5,7 @@
 #include "base/platform.h"
 #include "base/text.h"
 #include "media/checkedstream.h"
+#include "media/formats.h"
 #include "media/soundlimits.h"
 #include "tags/mp4file.h"
 #include "tags/tagfields.h"
@@ -46,10 +47,9 @@ std::int64_t millisecondsByLastPage(TagLib::File& file, int sampleRate)
 
 MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& stream)
 {
-    if (media.format == AUDIO_FORMAT_MP3)
-        return audiocore::measureMp3(stream, media.audioBegin);
-    if (media.format == AUDIO_FORMAT_AAC)
-        return audiocore::measureAdts(stream, media.audioBegin);
+    const audiocore::FormatRow* row = audiocore::rowOf(media.format);
+    if (row && row->measure)
+        return row->measure(stream, media.audioBegin);
     if (const auto* mp4 = dynamic_cast<const audiocore::Mp4File*>(media.file.get()))
         return mp4->sound();
     MpegStream result;

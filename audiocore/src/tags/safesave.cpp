@@ -71,22 +71,6 @@ bool neededEdits(const std::string& path, const TagEdits& edits, Needed& needed,
     return neededEdits(stream, edits, needed, error);
 }
 
-/// The tag library leaves the file's length in a WMA header as it was; players guess the duration from it.
-void correctAsfSize(CheckedStream& stream)
-{
-    static const TagLib::ByteVector fileProperties(
-        "\xA1\xDC\xAB\x8C\x47\xA9\xCF\x11\x8E\xE4\x00\xC0\x0C\x20\x53\x65", 16);
-    constexpr unsigned long headerSearch = 1024 * 1024;
-    constexpr long sizeOffset = 40;
-    stream.seek(0);
-    const TagLib::ByteVector header = stream.readBlock(headerSearch);
-    const int object = header.find(fileProperties);
-    if (object < 0)
-        return;
-    stream.seek(object + sizeOffset);
-    stream.writeBlock(TagLib::ByteVector::fromLongLong(stream.length(), false));
-}
-
 /// Edits the copy and hands it to the device.
 bool editCopy(const NewFile& copy, const std::string& target, const TagEdits& edits, std::string& error)
 {
@@ -100,8 +84,6 @@ bool editCopy(const NewFile& copy, const std::string& target, const TagEdits& ed
         error = media.file ? audiocore::writeTags(media, edits) : "the tag cannot be written";
         if (!error.empty())
             return false;
-        if (media.format == AUDIO_FORMAT_WMA)
-            correctAsfSize(stream);
     }
     if (!stream.flushToDevice()) {
         error = "the new file cannot be written, the disk may be full";

@@ -3,9 +3,10 @@
 #include "base/checkedmath.h"
 #include "base/platform.h"
 #include "media/checkedstream.h"
+#include "media/formats.h"
 #include "media/oggpacket.h"
 #include "tags/commentbytes.h"
-#include "tags/id3v2bytes.h"
+#include "tags/id3v2frames.h"
 #include "tags/taglimits.h"
 
 #include <algorithm>
@@ -60,31 +61,35 @@ void SoundView::set(std::int64_t place, const char* bytes, std::size_t count)
 
 bool SoundView::hideAll(CheckedStream& stream)
 {
-    static const ByteVector asf("\x30\x26\xB2\x75\x8E\x66\xCF\x11", 8);
     const long begin = hideId3v2(stream);
     hideApe(stream);
-    const ByteVector magic = bytesAt(stream, begin, asf.size());
-    if (magic.startsWith("fLaC"))
-        hideFlacBlocks(stream, begin + 4);
-    else if (magic.startsWith("RIFF"))
+    const ByteVector head = bytesAt(stream, begin, longestMagic);
+    if (head.startsWith("RIFF")) { // whatever its chunks are said to be
         hideChunks(stream, begin + 12);
-    else if (magic == asf)
+        return true;
+    }
+    const AudioFormat format = formatByMagic(id3v2::viewOf(head));
+    if (format == AUDIO_FORMAT_FLAC)
+        hideFlacBlocks(stream, begin + 4);
+    else if (format == AUDIO_FORMAT_WMA)
         hideAsfObjects(stream, begin + 30);
-    return !magic.startsWith("OggS") || isOggInBounds(stream, begin);
+    return format != AUDIO_FORMAT_OGG || isOggInBounds(stream, begin);
 }
 
 /// A tag of a version that nobody knows is passed over. Where the music begins.
 long SoundView::hideId3v2(CheckedStream& stream)
 {
-    constexpr unsigned long headSize = 10;
     constexpr int version = 3;
     const char unknown = 9;
     long position = 0;
-    while (const unsigned int size = Id3v2Bytes::sizeByHeader(bytesAt(stream, position, headSize))) {
+    for (;;) {
+        const ByteVector header = bytesAt(stream, position, id3v2::headerSize);
+        const std::optional<id3v2::TagSize> size = id3v2::sizeOfTag(id3v2::viewOf(header));
+        if (!size)
+            return position;
         set(position + version, &unknown, 1);
-        position += long(size);
+        position += long(size->whole());
     }
-    return position;
 }
 
 void SoundView::hideApe(CheckedStream& stream)

@@ -5,7 +5,7 @@
 #include "tags/apebytes.h"
 #include "tags/commentbytes.h"
 #include "tags/fieldlist.h"
-#include "tags/id3v2bytes.h"
+#include "tags/id3v2frames.h"
 #include "tags/mediafile.h"
 #include "tags/taglimits.h"
 
@@ -46,14 +46,18 @@ ByteVector headOfBlock(int type, unsigned int size)
 
 Place audiocore::findId3v2(TagLib::File& file)
 {
-    constexpr unsigned long headerSize = 10;
+    const auto sizeAt = [&file](long position) {
+        const ByteVector header = read(file, position, id3v2::headerSize);
+        const std::optional<id3v2::TagSize> size = id3v2::sizeOfTag(id3v2::viewOf(header));
+        return size ? size->whole() : 0;
+    };
     long begin = 0;
-    unsigned int size = Id3v2Bytes::sizeByHeader(read(file, begin, headerSize));
+    unsigned int size = sizeAt(begin);
     auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(&file);
     if (size == 0 && mpeg && mpeg->hasID3v2Tag()) {
         // Behind some rubbish.
         begin = std::max(long(file.find("ID3")), 0L);
-        size = Id3v2Bytes::sizeByHeader(read(file, begin, headerSize));
+        size = sizeAt(begin);
     }
     return size > 0 ? Place{begin, std::min(long(size), long(file.length()) - begin)} : Place();
 }

@@ -4,7 +4,7 @@
 #include "media/oggpacket.h"
 #include "tags/apebytes.h"
 #include "tags/commentbytes.h"
-#include "tags/id3v2bytes.h"
+#include "tags/id3v2frames.h"
 #include "tags/id3v2screen.h"
 #include "tags/infobytes.h"
 #include "tags/taglimits.h"
@@ -18,7 +18,6 @@ using TagLib::ByteVector;
 namespace {
 /// What the library reads in pieces up to this size it looks through and does not keep.
 constexpr unsigned long pieceLookedThrough = 1024;
-constexpr unsigned int id3v2Head = 10;
 constexpr unsigned int apeHead = audiocore::ApeBytes::footerSize;
 constexpr unsigned int flacHead = 4;
 constexpr long headersBesideComment = 1024 * 1024;
@@ -102,7 +101,8 @@ ByteVector TagScreen::readBody(CheckedStream& stream)
 
 ByteVector TagScreen::readId3v2(CheckedStream& stream, const Expected& expected)
 {
-    constexpr unsigned int behind = 2 * id3v2Head; // bytes that the library counts on behind the frames
+    constexpr unsigned int behind =
+        2 * id3v2::headerSize; // bytes that the library counts on behind the frames
     const long left = std::max(0L, stream.length() - expected.position);
     const auto size = static_cast<unsigned int>(std::min(expected.length, static_cast<unsigned long>(left)));
     const auto part = [&](unsigned int position, unsigned int bytes) {
@@ -174,13 +174,12 @@ ByteVector TagScreen::readAsfText(CheckedStream& stream, unsigned long length)
 
 void TagScreen::noteHead(ByteVector& block, long position)
 {
-    constexpr char footerFlag = 0x10;
-    if (block.size() == id3v2Head && begins(block, "ID3")) {
-        const unsigned int footer = Id3v2Bytes::footerOf(block);
-        const unsigned int body = Id3v2Bytes::sizeByHeader(block) - id3v2Head - footer;
-        m_expected = {Body::Id3v2, position + long(id3v2Head), body, 0};
+    const auto id3v2Tag = block.size() == id3v2::headerSize ? id3v2::sizeOfTag(id3v2::viewOf(block))
+                                                            : std::optional<id3v2::TagSize>();
+    if (id3v2Tag) {
+        m_expected = {Body::Id3v2, position + long(id3v2::headerSize), id3v2Tag->body, 0};
         m_id3v2Head = block;
-        block[5] = char(block[5] & footerFlag); // the body is shown without what the other flags say
+        block[5] = char(block[5] & id3v2::withFooter); // the body is shown without what the other flags say
     } else if (block.size() == apeHead && begins(block, "APETAGEX")) {
         const unsigned int size = std::max(block.toUInt(12, false), apeHead);
         m_expected = {Body::Ape, position + long(apeHead) - long(size), size - apeHead, 0};

@@ -17,15 +17,10 @@ char upper(char c)
 }
 } // namespace
 
-bool audiocore::isUtf8(const std::string& text)
-{
-    return base::toUtf8(base::toUtf32(text)) == text;
-}
-
 std::string audiocore::readableText(const TagLib::ByteVector& bytes)
 {
     std::string text(bytes.data(), bytes.size());
-    if (isUtf8(text))
+    if (base::isUtf8(text))
         return text;
     std::string readable;
     for (const char c : text) {

@@ -5,7 +5,6 @@
 #include <string>
 
 namespace audiocore {
-bool isUtf8(const std::string& text);
 /// Bytes that should be UTF-8, as UTF-8: what older programs left is taken as Windows-1252.
 std::string readableText(const TagLib::ByteVector& bytes);
 /// "/12" of "3/12", empty without a total.

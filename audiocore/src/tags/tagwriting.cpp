@@ -4,6 +4,7 @@
 #include "media/oggpacket.h"
 #include "media/wavfile.h"
 #include "tags/apebytes.h"
+#include "tags/asfwriting.h"
 #include "tags/commentbytes.h"
 #include "tags/id3v2bytes.h"
 #include "tags/infobytes.h"
@@ -16,7 +17,6 @@
 
 #include <taglib/apefile.h>
 #include <taglib/asffile.h>
-#include <taglib/asftag.h>
 #include <taglib/flacfile.h>
 #include <taglib/id3v1genres.h>
 #include <taglib/mpegfile.h>
@@ -209,53 +209,6 @@ std::string writeWav(audiocore::WavFile& file, const Edits& edits)
         file.setChunkData("ID3 ", *bytes);
     return std::string();
 }
-
-void setAsfTrack(TagLib::ASF::Tag& tag, const std::string& value)
-{
-    const TagLib::ASF::AttributeList old = tag.attribute("WM/TrackNumber");
-    const std::string total =
-        old.isEmpty() ? std::string() : audiocore::totalOf(old.front().toString().to8Bit(true));
-    tag.removeItem("WM/TrackNumber");
-    if (!value.empty())
-        tag.setAttribute("WM/TrackNumber", TagLib::ASF::Attribute(String(value + total, String::UTF8)));
-}
-
-void setAsfText(TagLib::ASF::Tag& tag, int type, const std::string& value)
-{
-    const String text(value, String::UTF8);
-    switch (type) {
-    case TAG_TITLE:
-        tag.setTitle(text);
-        break;
-    case TAG_ARTIST:
-        tag.setArtist(text);
-        break;
-    case TAG_ALBUM:
-        tag.setAlbum(text);
-        break;
-    case TAG_GENRE:
-        tag.setGenre(text);
-        break;
-    case TAG_YEAR:
-        tag.setYear(value.empty() ? 0 : unsigned(std::stoul(value.substr(0, 4))));
-        break;
-    case TAG_TRACK:
-        setAsfTrack(tag, value);
-        break;
-    default:
-        break;
-    }
-}
-
-bool writeAsf(TagLib::ASF::File& file, const TagEdits& edits)
-{
-    for (int type = 0; type < audiocore::textTypes; ++type)
-        if (const auto& text = edits.texts[size_t(type)])
-            setAsfText(*file.tag(), type, *text);
-    if (edits.picture)
-        audiocore::setAsfPicture(*file.tag(), *edits.picture);
-    return file.save();
-}
 } // namespace
 
 std::string audiocore::writeTags(const MediaFile& media, const TagEdits& edits)
@@ -279,6 +232,6 @@ std::string audiocore::writeTags(const MediaFile& media, const TagEdits& edits)
     if (asf && !media.isWhole)
         return cannotBeKept;
     if (asf)
-        return writeAsf(*asf, edits) ? std::string() : refused;
+        return writeAsf(*asf, *media.stream, edits) ? std::string() : refused;
     return refused;
 }

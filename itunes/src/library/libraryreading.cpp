@@ -1,6 +1,7 @@
 #include "library/libraryreading.h"
 
 #include "base/platform.h"
+#include "base/text.h"
 #include "library/trackreader.h"
 
 #include <algorithm>
@@ -29,8 +30,7 @@ Position positionOf(std::FILE* file, std::uint64_t offset)
         got = source.read(block.data(), block.size());
         got = std::size_t(std::min<std::uint64_t>(got, offset));
         for (std::size_t i = 0; i < got; ++i) {
-            const bool continues = (static_cast<unsigned char>(block[i]) & 0xC0) == 0x80;
-            position.column += continues ? 0 : 1;
+            position.column += base::continuesUtf8(block[i]) ? 0 : 1;
             if (block[i] == '\n') {
                 ++position.line;
                 position.column = 1;

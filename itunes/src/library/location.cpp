@@ -1,5 +1,7 @@
 #include "library/location.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 
 namespace {
@@ -48,11 +50,6 @@ std::string escapedPath(std::string_view path)
     }
     return out;
 }
-
-bool isContinuation(int byte)
-{
-    return byte >= 0x80 && byte < 0xC0;
-}
 } // namespace
 
 std::string itunes::normalisedLocation(std::string_view url)
@@ -100,7 +97,7 @@ std::string_view itunes::cutLocation(std::string_view location, std::size_t byte
     std::size_t cut = 0;
     for (std::size_t at = 0; at <= bytes;) {
         const int escape = escapeAt(location, at);
-        if (!isContinuation(escape < 0 ? static_cast<unsigned char>(location[at]) : escape))
+        if (!base::continuesUtf8(escape < 0 ? location[at] : char(escape)))
             cut = at;
         at += escape < 0 ? 1 : 3;
     }

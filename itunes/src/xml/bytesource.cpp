@@ -1,6 +1,7 @@
 #include "xml/bytesource.h"
 
 #include "base/platform.h"
+#include "base/text.h"
 
 #include <algorithm>
 #include <string_view>
@@ -10,7 +11,6 @@ using itunes::Encoding;
 
 namespace {
 constexpr std::size_t rawBlock = 128 * 1024;
-constexpr unsigned replacement = 0xFFFD;
 
 constexpr std::size_t longestDeclaration = 256;
 
@@ -45,7 +45,8 @@ std::string_view declaredEncoding(std::string_view head)
     return head.substr(0, head.find_first_of("\"'"));
 }
 
-bool isUtf8(std::string_view name)
+/// Whether the name of an encoding is that of UTF-8.
+bool namesUtf8(std::string_view name)
 {
     constexpr std::string_view utf8 = "utf-8";
     return std::equal(name.begin(), name.end(), utf8.begin(), utf8.end(),
@@ -62,30 +63,6 @@ bool isLow(unsigned unit)
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
-std::size_t put(char* out, unsigned c)
-{
-    if (c < 0x80) {
-        out[0] = char(c);
-        return 1;
-    }
-    if (c < 0x800) {
-        out[0] = char(0xC0 | (c >> 6));
-        out[1] = char(0x80 | (c & 0x3F));
-        return 2;
-    }
-    if (c < 0x10000) {
-        out[0] = char(0xE0 | (c >> 12));
-        out[1] = char(0x80 | ((c >> 6) & 0x3F));
-        out[2] = char(0x80 | (c & 0x3F));
-        return 3;
-    }
-    out[0] = char(0xF0 | (c >> 18));
-    out[1] = char(0x80 | ((c >> 12) & 0x3F));
-    out[2] = char(0x80 | ((c >> 6) & 0x3F));
-    out[3] = char(0x80 | (c & 0x3F));
-    return 4;
-}
-
 void putUnit(std::string& out, unsigned unit, Encoding encoding)
 {
     const char low = char(unit & 0xFF);
@@ -97,18 +74,9 @@ void putUnit(std::string& out, unsigned unit, Encoding encoding)
 /// The character at `at`, surrogate halves included, and moves on.
 unsigned characterAt(const std::string& text, std::size_t& at)
 {
-    const auto byte = [&text](std::size_t i) { return unsigned(static_cast<unsigned char>(text[i])); };
-    const unsigned first = byte(at);
-    const std::size_t length = first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    if (at + length > text.size() || (length == 1 && first >= 0x80)) {
-        ++at;
-        return replacement;
-    }
-    unsigned c = length == 1 ? first : first & (0x7Fu >> length);
-    for (std::size_t i = 1; i < length; ++i)
-        c = (c << 6) | (byte(at + i) & 0x3F);
-    at += length;
-    return c;
+    const base::Utf8Number read = base::utf8At(text, at);
+    at += read.size > 0 ? read.size : 1;
+    return read.size > 0 ? read.number : base::replacementCharacter;
 }
 } // namespace
 
@@ -121,7 +89,7 @@ ByteSource::ByteSource(std::FILE* file) : m_file(file)
     const std::string_view head(bytes, base::readAt(file, 0, bytes, sizeof bytes));
     const std::string_view declared = declaredEncoding(head);
     m_encoding = encodingOf(head);
-    m_declaredOther = m_encoding == Encoding::Utf8 && !declared.empty() && !isUtf8(declared);
+    m_declaredOther = m_encoding == Encoding::Utf8 && !declared.empty() && !namesUtf8(declared);
 }
 
 std::size_t ByteSource::read(char* bytes, std::size_t count)
@@ -159,14 +127,14 @@ unsigned ByteSource::unitAt(std::size_t index) const
 std::size_t ByteSource::readUtf16(char* bytes, std::size_t count)
 {
     std::size_t done = 0;
-    while (done + 4 <= count) {
+    while (done + base::longestUtf8 <= count) {
         if (m_raw.size() - m_at < 4)
             fill();
         if (m_raw.size() - m_at < 2) {
             // Half a unit at the end is no text: what reads it sees that the file is damaged.
             if (m_raw.size() - m_at == 1) {
                 m_at = m_raw.size();
-                done += put(bytes + done, '<');
+                done += base::putUtf8(bytes + done, '<');
             }
             break;
         }
@@ -176,7 +144,7 @@ std::size_t ByteSource::readUtf16(char* bytes, std::size_t count)
             c = 0x10000 + ((c - 0xD800) << 10) + (unitAt(m_at) - 0xDC00);
             m_at += 2;
         }
-        done += put(bytes + done, c);
+        done += base::putUtf8(bytes + done, c);
     }
     return done;
 }

@@ -12,6 +12,10 @@ namespace itunes {
 /// Goes through an XML document tag by tag, in one pass over a small buffer. The structure is checked whole:
 /// one root, tags that match, attributes, comments and sections that end. What stands between the tags may be
 /// anything. External entities are never looked at.
+///
+/// Expat was tried and is the judge and the measure of this one. It gives up at broken characters, which real
+/// libraries have. Going once through a library of 100,000 songs it takes 1.8 seconds for tags and texts that
+/// nobody uses, where reading all songs takes 0.6 with this (itunes_bench).
 class XmlScanner
 {
 public:

@@ -13,7 +13,6 @@ namespace {
 constexpr std::size_t longestName = 64;
 constexpr std::size_t longestEntity = 4096;
 constexpr std::size_t largestExpansion = 1024 * 1024;
-constexpr const char* replacement = "\xEF\xBF\xBD";
 constexpr std::uint32_t noReference = 0xFFFFFFFF;
 constexpr const char* blanks = " \t\r\n";
 
@@ -41,7 +40,7 @@ bool isXmlCharacter(std::uint32_t c)
 void appendCharacter(std::uint32_t c, std::string& out)
 {
     if (!isXmlCharacter(c))
-        out += replacement;
+        base::appendUtf8(out, base::replacementCharacter);
     else if (!isControl(c))
         base::appendUtf8(out, c);
 }
@@ -49,29 +48,12 @@ void appendCharacter(std::uint32_t c, std::string& out)
 /// Copies the bytes of one character at `at`, or a replacement for what is none; where it goes on.
 std::size_t appendBytes(std::string_view raw, std::size_t at, std::string& out)
 {
-    const auto byte = [raw](std::size_t i) {
-        return i < raw.size() ? unsigned(static_cast<unsigned char>(raw[i])) : 0u;
-    };
-    const auto follows = [&byte](std::size_t i) { return (byte(i) & 0xC0) == 0x80; };
-    const unsigned first = byte(at);
-    const unsigned second = byte(at + 1);
-    std::size_t length = 0;
-    if (first >= 0xC2 && first < 0xE0)
-        length = follows(at + 1) ? 2 : 0;
-    else if (first >= 0xE0 && first < 0xF0)
-        length = follows(at + 1) && follows(at + 2) && (first != 0xE0 || second >= 0xA0) ? 3 : 0;
-    else if (first >= 0xF0 && first < 0xF5)
-        length = follows(at + 1) && follows(at + 2) && follows(at + 3) && (first != 0xF0 || second >= 0x90) &&
-                         (first != 0xF4 || second < 0x90)
-                     ? 4
-                     : 0;
-    const bool half = first == 0xED && second >= 0xA0 && length == 3;
-    const bool none = first == 0xEF && second == 0xBF && length == 3 && byte(at + 2) >= 0xBE;
-    if (length == 0 || half || none)
-        out += replacement;
+    const base::Utf8Number read = base::utf8At(raw, at);
+    if (read.size > 0 && isXmlCharacter(read.number))
+        out.append(raw.substr(at, read.size));
     else
-        out.append(raw.substr(at, length));
-    return at + (length == 0 ? 1 : length);
+        base::appendUtf8(out, base::replacementCharacter);
+    return at + (read.size > 0 ? read.size : 1);
 }
 
 /// The number of a reference such as "#65" or "#x41".
