@@ -3,6 +3,7 @@
 #include "audiocore/iaudiotag.h"
 #include "common/messagedialog.h"
 #include "common/screenplace.h"
+#include "common/style.h"
 #include "common/workers.h"
 #include "deletealldupmusicthread.h"
 #include "deletingmusicwaitingdlg.h"
@@ -539,11 +540,11 @@ void CenterWidget::addFiles(const QStringList& files)
 void CenterWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), QColor(255, 255, 255, 255));
+    painter.fillRect(rect(), Qt::white);
     // The face of the right column goes on where its pictures end.
     const QRect column = ui->verticalLayoutWidget->geometry();
-    painter.fillRect(column, QColor(0xF5, 0xFA, 0xFD));
-    painter.fillRect(column.left(), column.top(), 1, column.height(), QColor(0xC9, 0xDD, 0xE9));
+    painter.fillRect(column, Style::panel);
+    painter.fillRect(column.left(), column.top(), 1, column.height(), Style::line);
     if (ui->m_btnOpen->isHidden())
         return;
     placeOpenButton(); // where it stands already
