@@ -18,7 +18,6 @@
 
 namespace {
 constexpr qint64 maxPictureBytes = 256ll * 1024 * 1024;
-constexpr int songCoverEdge = 300;
 
 /// A tag object of our own: closed and given back, unlike those that stay with the songs.
 struct ReleaseTag
@@ -62,7 +61,7 @@ void takeCover(LocalMusicInfo& local, const QString& path)
     local.coverPath = path;
     QFile file(path);
     const QImage picture =
-        file.open(QIODevice::ReadOnly) ? CoverLoader::decode(&file, songCoverEdge) : QImage();
+        file.open(QIODevice::ReadOnly) ? CoverLoader::decode(&file, CoverLoader::songEdge) : QImage();
     *local.cover = picture.isNull() ? CoverLoader::genericCover() : QPixmap::fromImage(picture);
 }
 
