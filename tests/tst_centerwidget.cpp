@@ -1,6 +1,7 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "centerwidget.h"
+#include "common/style.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicinfo.h"
 #include "fixtures.h"
@@ -331,7 +332,7 @@ void TestCenterWidget::viewsLookAsTheyShould()
         QCOMPARE(table->horizontalHeader()->defaultSectionSize(), 130);
         QVERIFY(table->horizontalHeader()->stretchLastSection());
         QVERIFY(!table->horizontalHeader()->highlightSections());
-        QVERIFY(table->horizontalHeader()->styleSheet().contains("background:#EAF4FB"));
+        QVERIFY(table->horizontalHeader()->styleSheet().contains("background:" + Style::header.name()));
         QCOMPARE(table->selectionMode(), QAbstractItemView::SingleSelection);
         QCOMPARE(table->palette().color(QPalette::Text), QColor(0x28, 0x40, 0x4F));
         QCOMPARE(table->palette().color(QPalette::Disabled, QPalette::Text), QColor(0x28, 0x40, 0x4F));
