@@ -91,8 +91,7 @@ void CenterWidget::InitConnect()
 
 void CenterWidget::switchView()
 {
-    if (m_pCurrentView)
-        m_pCurrentView->hide();
+    m_pCurrentView->hide();
     m_pCurrentView = m_views->view(m_nViewKind == ViewDuplicates, m_bGridMode);
     showCurrentView();
 }
@@ -175,8 +174,7 @@ void CenterWidget::SlotHiddenMusicDetailedWidget()
 
 void CenterWidget::enterMode(bool local)
 {
-    if (m_pCurrentView)
-        m_pCurrentView->setVisible(!local);
+    m_pCurrentView->setVisible(!local);
     ui->m_btnOpen->setVisible(local);
     ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
     SlotHiddenMusicDetailedWidget();
