@@ -1,11 +1,8 @@
 #include "centerwidget.h"
 
 #include "audiocore/iaudiotag.h"
-#include "common/messagedialog.h"
-#include "common/screenplace.h"
-#include "common/workers.h"
-#include "deletealldupmusicthread.h"
-#include "deletingmusicwaitingdlg.h"
+#include "common/style.h"
+#include "intakedialogs.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "songviews.h"
@@ -13,7 +10,6 @@
 #include "views/songcells.h"
 
 #include <QDragEnterEvent>
-#include <QFileDialog>
 #include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
@@ -23,15 +19,9 @@
 
 int m_local_add_or_ScanAgain = 0;
 
-namespace {
-constexpr int rightColumnWidth = 330;
-constexpr int dropPictureGap = 24;
-constexpr unsigned long interruptionMilliseconds = 5;
-} // namespace
-
 CenterWidget::CenterWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
-      m_dropPicture(SkinPicture::path("bg_openfile.png"))
+      m_deletion(this, SLOT(SlotAllMusicInfoAfterDeleting()))
 {
     ui->setupUi(this);
     setLayout(ui->m_layout);
@@ -43,7 +33,8 @@ CenterWidget::CenterWidget(QWidget* parent)
 
 CenterWidget::~CenterWidget()
 {
-    endDeletion();
+    blockSignals(true);
+    m_deletion.stop();
     m_views->showSongs(nullptr);
     m_views->showGroups(nullptr, SongCells::columnModeDupTable);
     m_intake.reader().forgetCovers();
@@ -80,16 +71,10 @@ void CenterWidget::InitConnect()
     connect(ui->m_btnGridDisplay, SIGNAL(clicked()), this, SLOT(OnBtnGridView()));
     connect(ui->m_btnTableDisplay, SIGNAL(clicked()), this, SLOT(OnBtnTableView()));
     connect(ui->m_btnOpen, SIGNAL(clicked()), this, SLOT(OnBtnOpenFile()));
-    const char* const clicked = SIGNAL(clicked(QModelIndex));
-    const char* const doubleClicked = SIGNAL(doubleClicked(QModelIndex));
-    connect(ui->m_allMusicListView, clicked, this, SLOT(SlotClickAllMusicIndex(QModelIndex)));
-    connect(ui->m_allMusicTableView, clicked, this, SLOT(SlotClickAllMusicIndex(QModelIndex)));
-    connect(ui->m_dupMusicListView, clicked, this, SLOT(SlotClickDupMusicIndex(QModelIndex)));
-    connect(ui->m_dupMusicTableView, clicked, this, SLOT(SlotClickDupMusicIndex(QModelIndex)));
-    connect(ui->m_allMusicListView, doubleClicked, this, SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
-    connect(ui->m_allMusicTableView, doubleClicked, this, SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
-    connect(ui->m_dupMusicListView, doubleClicked, this, SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
-    connect(ui->m_dupMusicTableView, doubleClicked, this, SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
+    m_views->connectSongs(this, SLOT(SlotClickAllMusicIndex(QModelIndex)),
+                          SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
+    m_views->connectGroups(this, SLOT(SlotClickDupMusicIndex(QModelIndex)),
+                           SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
     QWidget* const details = ui->m_musicDetailedWidget;
     QWidget* const groups = ui->m_dupMusicDetailedWidget;
     connect(details, SIGNAL(emitMusicInfoHasChanged()), this, SLOT(SlotMusicInfoHaveBeEdited()));
@@ -101,14 +86,12 @@ void CenterWidget::InitConnect()
     connect(this, SIGNAL(emitDuplicateMusicCount(int)), groups, SLOT(SlotSetDeleteBtn(int)));
     connect(this, SIGNAL(emitStartToPlayMusic(QMusicInfo*)), groups,
             SLOT(SlotBeginToPlayTableViewMusic(QMusicInfo*)));
-
     connect(&m_intake, SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
 }
 
 void CenterWidget::switchView()
 {
-    if (m_pCurrentView)
-        m_pCurrentView->hide();
+    m_pCurrentView->hide();
     m_pCurrentView = m_views->view(m_nViewKind == ViewDuplicates, m_bGridMode);
     showCurrentView();
 }
@@ -122,26 +105,11 @@ void CenterWidget::showCurrentView()
     ui->m_btnOpen->setFocusPolicy(dropZone ? Qt::StrongFocus : Qt::NoFocus);
 }
 
-void CenterWidget::OnBtnGridView()
+void CenterWidget::display(bool grid)
 {
-    m_bGridMode = true;
-    ui->m_btnGridDisplay->setEnabled(false);
-    ui->m_btnTableDisplay->setEnabled(true);
-    switchView();
-}
-
-void CenterWidget::OnBtnTableView()
-{
-    m_bGridMode = false;
-    ui->m_btnTableDisplay->setEnabled(false);
-    ui->m_btnGridDisplay->setEnabled(true);
-    switchView();
-}
-
-void CenterWidget::slotShowAllmusicView()
-{
-    m_views->showSongs(m_pAllMusicList);
-    m_nViewKind = ViewAll;
+    m_bGridMode = grid;
+    ui->m_btnGridDisplay->setEnabled(!grid);
+    ui->m_btnTableDisplay->setEnabled(grid);
     switchView();
 }
 
@@ -158,11 +126,6 @@ void CenterWidget::slotShowDuplicateMusicView()
     m_views->showGroups(&m_classification.groups(), SongCells::columnModeTable);
     m_views->refreshGroups();
     m_nViewKind = ViewDuplicates;
-    switchView();
-}
-
-void CenterWidget::ShowWidget()
-{
     switchView();
 }
 
@@ -203,32 +166,15 @@ void CenterWidget::SlotDoubleClickDupMusicIndex(const QModelIndex& index)
         emit emitStartToPlayMusic(group->musicList.first());
 }
 
-void CenterWidget::SlotForbidToClickView(bool forbid)
-{
-    m_bForbidClick = forbid;
-    emit emitForbidClickNavigBtn(forbid);
-}
-
 void CenterWidget::SlotHiddenMusicDetailedWidget()
 {
     ui->m_musicDetailedWidget->hide();
     ui->m_dupMusicDetailedWidget->hide();
 }
 
-void CenterWidget::SwitchToLocalCleanModel()
-{
-    enterMode(true);
-}
-
-void CenterWidget::SwitchToiTunesCleanModel()
-{
-    enterMode(false);
-}
-
 void CenterWidget::enterMode(bool local)
 {
-    if (m_pCurrentView)
-        m_pCurrentView->setVisible(!local);
+    m_pCurrentView->setVisible(!local);
     ui->m_btnOpen->setVisible(local);
     ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
     SlotHiddenMusicDetailedWidget();
@@ -254,16 +200,23 @@ void CenterWidget::ClearSelectedWidget()
             tag->Close();
     m_intake.reader().forgetCovers();
     qDeleteAll(songs);
-    forgetRemovedSongs();
+    // No panel shows one any more.
+    qDeleteAll(std::exchange(m_removedSongs, {}));
 }
 
 void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
 {
     clearClassification();
     m_pAllMusicList = list;
-    showAllSongs();
+    slotShowAllmusicView();
+    classify();
+}
+
+void CenterWidget::classify()
+{
     m_classification.collect(*m_pAllMusicList);
     emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
+    forgetShownGroup();
     m_classification.group();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
@@ -274,11 +227,10 @@ void CenterWidget::setLocalMusicInfo()
     if (m_bFilesAdded)
         m_pAllMusicList = &m_localMusicList;
     if (m_pAllMusicList->isEmpty()) {
-        // Oddity 12: these blanks, here and in other messages.
-        MessageDialog::notify(QStringLiteral("Sorry,Please add file from local."), "button_ok.png");
+        IntakeDialogs::askForFiles();
         return;
     }
-    showAllSongs();
+    slotShowAllmusicView();
     m_classification.collect(*m_pAllMusicList);
     m_classification.group();
     m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
@@ -292,11 +244,7 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
 {
     const int scrolled = m_pCurrentView->verticalScrollBar()->value();
     m_views->refreshSongs();
-    m_classification.collect(*m_pAllMusicList);
-    emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
-    forgetShownGroup();
-    m_classification.group();
-    emit emitDuplicateMusicCount(m_classification.groups().size());
+    classify();
     if (m_nViewKind == ViewUndefined)
         m_views->showSongs(&m_classification.undefinedSongs());
     selectShownSong();
@@ -334,8 +282,8 @@ SongLists CenterWidget::songLists()
 
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    const DuplicateMusicDetailedWidget& panel = *ui->m_dupMusicDetailedWidget;
-    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, panel.keptFiles()))
+    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow,
+                               ui->m_dupMusicDetailedWidget->keptFiles()))
         m_removedSongs.append(song);
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
@@ -347,45 +295,14 @@ void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 void CenterWidget::SlotDeleteAllDupMusic()
 {
     m_views->setGroupsEnabled(false);
-    if (!m_pDeleteThread) {
-        m_pDeleteThread = std::make_unique<DeleteAllDupMusicThread>();
-        connect(m_pDeleteThread.get(), SIGNAL(emitAllMusicInfo()), this,
-                SLOT(SlotAllMusicInfoAfterDeleting()), Qt::BlockingQueuedConnection);
-    }
-    m_pDeleteThread->wait(); // the run before may still be returning
-    m_pWaitingDlg = std::make_unique<DeletingMusicWaitingDlg>();
-    connect(m_pDeleteThread.get(), SIGNAL(emitProgress(int, int)), m_pWaitingDlg.get(),
-            SLOT(showProgress(int, int)));
-    const SongLists lists = songLists();
-    m_pDeleteThread->GetDupMusicBeDelete(lists.all, lists.groups, lists.undefined, lists.tags);
-    m_bDeleting = true;
-    if (!Workers::start(*m_pDeleteThread)) {
+    if (!m_deletion.run(songLists(), *window()))
         SlotAllMusicInfoAfterDeleting();
-        return;
-    }
-    ScreenPlace::putOver(*m_pWaitingDlg, m_pWaitingDlg->card(), *window());
-    m_pWaitingDlg->exec();
-}
-
-/// The thread ends after the file at hand, and by way of this thread, which it blocks on.
-void CenterWidget::endDeletion()
-{
-    if (!m_pDeleteThread)
-        return;
-    blockSignals(true);
-    m_pDeleteThread->requestInterruption();
-    while (!m_pDeleteThread->wait(interruptionMilliseconds)) {
-        QCoreApplication::sendPostedEvents(m_pDeleteThread.get(), QEvent::MetaCall);
-        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
-    }
 }
 
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
-    m_bDeleting = false;
-    m_pWaitingDlg->finish();
+    m_removedSongs += m_deletion.finish();
     m_views->setGroupsEnabled(true);
-    m_removedSongs += m_pDeleteThread->takeRemovedSongs();
     forgetShownGroup();
     m_views->refreshGroups();
     m_views->refreshSongs();
@@ -396,22 +313,6 @@ void CenterWidget::emitCounts()
 {
     emit emitMusicCount(m_pAllMusicList->size(), m_classification.undefinedSongs().size(),
                         m_classification.groups().size());
-}
-
-/// No panel shows one any more.
-void CenterWidget::forgetRemovedSongs()
-{
-    qDeleteAll(std::exchange(m_removedSongs, {}));
-}
-
-int CenterWidget::ReturnUndefinedMusicCount() const
-{
-    return m_classification.undefinedSongs().size();
-}
-
-int CenterWidget::ReturnDuplicateMusicCount() const
-{
-    return m_classification.groups().size();
 }
 
 void CenterWidget::clearClassification()
@@ -427,7 +328,7 @@ void CenterWidget::forgetShownGroup()
     ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(nullptr);
 }
 
-void CenterWidget::showAllSongs()
+void CenterWidget::slotShowAllmusicView()
 {
     m_views->showSongs(m_pAllMusicList);
     m_nViewKind = ViewAll;
@@ -472,11 +373,6 @@ void CenterWidget::TakeDroppedPaths(const QStringList& paths)
     emit emitSetNavigViewBtn();
 }
 
-void CenterWidget::DragMusicIntoLocalToAddFile(const QString& path)
-{
-    m_dropFileList += m_intake.collect(path, m_dropFileList.size());
-}
-
 void CenterWidget::OnBtnOpenFile()
 {
     const bool fromDrop = std::exchange(m_bFromDrop, false);
@@ -500,9 +396,7 @@ bool CenterWidget::takesFiles() const
 /// What the user chooses; nothing where the mode went meanwhile.
 QStringList CenterWidget::chosenFiles()
 {
-    QStringList files = QFileDialog::getOpenFileNames(
-        this, QStringLiteral("open"), QString(),
-        QStringLiteral("music files(*.mp3 *.m4a *.ape *.aac *.flac *.wma *.wav *.ogg)"));
+    QStringList files = IntakeDialogs::chooseFiles(this);
     if (files.isEmpty() || takesFiles())
         return files;
     qWarning("%d chosen files are not added: the local mode is left", files.size());
@@ -511,10 +405,7 @@ QStringList CenterWidget::chosenFiles()
 
 void CenterWidget::offerFileDialog()
 {
-    if (m_intake.isStopped())
-        return;
-    if (MessageDialog::notify(QStringLiteral("Add file(s) failed! Please add music files again."),
-                              "button_addmusic.png", false))
+    if (!m_intake.isStopped() && IntakeDialogs::offerChoice())
         OnBtnOpenFile();
 }
 
@@ -526,10 +417,7 @@ void CenterWidget::addFiles(const QStringList& files)
     emit emitIntakeFinished();
     if (m_intake.isStopped())
         return;
-    const bool confirmed = MessageDialog::notify(
-        QStringLiteral("Add file(s) successfully! \nClick Start Scan to clean up right away!"),
-        "btn_msg_startscan.png");
-    if (!confirmed || !takesFiles())
+    if (!IntakeDialogs::offerScan() || !takesFiles())
         return;
     showCurrentView();
     ui->m_btnOpen->show();
@@ -539,19 +427,15 @@ void CenterWidget::addFiles(const QStringList& files)
 void CenterWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), QColor(255, 255, 255, 255));
+    painter.fillRect(rect(), Qt::white);
     // The face of the right column goes on where its pictures end.
     const QRect column = ui->verticalLayoutWidget->geometry();
-    painter.fillRect(column, QColor(0xF5, 0xFA, 0xFD));
-    painter.fillRect(column.left(), column.top(), 1, column.height(), QColor(0xC9, 0xDD, 0xE9));
+    painter.fillRect(column, Style::panel);
+    painter.fillRect(column.left(), column.top(), 1, column.height(), Style::line);
     if (ui->m_btnOpen->isHidden())
         return;
     placeOpenButton(); // where it stands already
-    const QSize picture = m_dropPicture.size();
-    const QPoint corner((width() - rightColumnWidth - picture.width()) / 2,
-                        ui->m_btnOpen->y() - picture.height() - dropPictureGap);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(corner, m_dropPicture.image(painter));
+    m_dropZone.paint(painter, size(), ui->m_btnOpen->size());
 }
 
 void CenterWidget::resizeEvent(QResizeEvent* event)
@@ -562,5 +446,5 @@ void CenterWidget::resizeEvent(QResizeEvent* event)
 
 void CenterWidget::placeOpenButton()
 {
-    ui->m_btnOpen->move((width() - ui->m_btnOpen->width() - rightColumnWidth) / 2, height() - 250);
+    ui->m_btnOpen->move(m_dropZone.buttonPlace(size(), ui->m_btnOpen->size()));
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "common/skinpicture.h"
+#include "dropzone.h"
+#include "groupdeletion.h"
 #include "songs/localintake.h"
 #include "songs/songclassification.h"
-#include "songs/songremoval.h"
 
 #include <QList>
 #include <QStringList>
@@ -11,8 +11,6 @@
 
 #include <memory>
 
-class DeleteAllDupMusicThread;
-class DeletingMusicWaitingDlg;
 class IAudioTag;
 class QAbstractItemView;
 class QModelIndex;
@@ -41,16 +39,16 @@ public:
     void setMusicInfoList(QList<QMusicInfo*>* list);
     /// Classifies the local songs added so far.
     void setLocalMusicInfo();
-    int ReturnUndefinedMusicCount() const;
+    int ReturnUndefinedMusicCount() const { return m_classification.undefinedSongs().size(); }
     /// Oddity 11: the number of groups, not of songs.
-    int ReturnDuplicateMusicCount() const;
+    int ReturnDuplicateMusicCount() const { return m_classification.groups().size(); }
 
     /// From here to the next switch nothing is taken in: what came would go with the mode that is left.
     void PrepareModeSwitch() { m_bLeavingMode = true; }
-    void SwitchToLocalCleanModel();
-    void SwitchToiTunesCleanModel();
+    void SwitchToLocalCleanModel() { enterMode(true); }
+    void SwitchToiTunesCleanModel() { enterMode(false); }
     void ClearSelectedWidget();
-    void ShowWidget();
+    void ShowWidget() { switchView(); }
     /// After cover files were written.
     void showCoversAnew();
 
@@ -60,7 +58,7 @@ public:
     /// Whether an intake fills the lists of songs or a thread deletes what they hold: neither may see them
     /// emptied or filled by others, so switching modes waits for its end. The thread has ended its use once
     /// the waiting dialog closes, whenever it returns itself.
-    bool ListsAreInUse() const { return m_intake.isRunning() || m_bDeleting; }
+    bool ListsAreInUse() const { return m_intake.isRunning() || m_deletion.isRunning(); }
     /// Ends a running intake for good, without its message; for when the window closes.
     void StopIntake() { m_intake.stop(); }
 
@@ -80,10 +78,13 @@ signals:
     void emitIntakeFinished();
 
 public slots:
-    void OnBtnGridView();
-    void OnBtnTableView();
+    void OnBtnGridView() { display(true); }
+    void OnBtnTableView() { display(false); }
     void OnBtnOpenFile();
-    void DragMusicIntoLocalToAddFile(const QString& path);
+    void DragMusicIntoLocalToAddFile(const QString& path)
+    {
+        m_dropFileList += m_intake.collect(path, m_dropFileList.size());
+    }
     void DragMusicIntoiTunes() {}
     void slotShowAllmusicView();
     void slotShowUndefineMusicView();
@@ -92,7 +93,11 @@ public slots:
     void SlotClickDupMusicIndex(const QModelIndex& index);
     void SlotDoubleClickAllMusicIndex(const QModelIndex& index);
     void SlotDoubleClickDupMusicIndex(const QModelIndex& index);
-    void SlotForbidToClickView(bool forbid);
+    void SlotForbidToClickView(bool forbid)
+    {
+        m_bForbidClick = forbid;
+        emit emitForbidClickNavigBtn(forbid);
+    }
     void SlotHiddenMusicDetailedWidget();
     void SlotMusicInfoHaveBeEdited();
     /// Deletes one song of the current group: off the disk in the local mode, and out of the lists.
@@ -119,6 +124,7 @@ private:
     void offerFileDialog();
     void addFiles(const QStringList& files);
 
+    void display(bool grid);
     void switchView();
     void showCurrentView();
     void enterMode(bool local);
@@ -126,17 +132,15 @@ private:
 
     SongLists songLists();
     void emitCounts();
-    void forgetRemovedSongs();
+    void classify();
     void clearClassification();
     void forgetShownGroup();
-    void showAllSongs();
     void selectSong(int row);
     void selectShownSong();
     void selectShownGroup();
-    void endDeletion();
 
     std::unique_ptr<Ui::CenterWidget> ui;
-    SkinPicture m_dropPicture;
+    DropZone m_dropZone;
 
     int m_nViewKind = ViewAll;
     int m_nCurrentRow = 0;
@@ -152,9 +156,7 @@ private:
     QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
     SongClassification m_classification;
     QList<QMusicInfo*> m_removedSongs; ///< owned; out of every list, but panels may still show one
-    std::unique_ptr<DeleteAllDupMusicThread> m_pDeleteThread;
-    std::unique_ptr<DeletingMusicWaitingDlg> m_pWaitingDlg; ///< of the last deletion of all duplicates
-    bool m_bDeleting = false;                               ///< until the thread has edited the lists
+    GroupDeletion m_deletion;
 
     LocalIntake m_intake;
     QStringList m_dropFileList;

@@ -2,6 +2,7 @@
 
 #include "common/compositing.h"
 #include "common/skinmovie.h"
+#include "common/style.h"
 #include "ui_deletingmusicwaitingdlg.h"
 
 #include <QPainter>
@@ -10,7 +11,6 @@ namespace {
 constexpr int cardMargin = 48;
 constexpr int captionHeight = 44;
 constexpr int cornerRadius = 10;
-const QColor outline(0x9C, 0xCB, 0xE6);
 } // namespace
 
 DeletingMusicWaitingDlg::DeletingMusicWaitingDlg(QWidget* parent)
@@ -60,13 +60,13 @@ void DeletingMusicWaitingDlg::paintEvent(QPaintEvent*)
     QPainter painter(this);
     // A cut window shows pixels whole that the smooth outline covers in part.
     if (!mask().isEmpty())
-        painter.fillRect(card(), outline);
-    painter.setPen(outline);
+        painter.fillRect(card(), Style::outline);
+    painter.setPen(Style::outline);
     painter.setBrush(Qt::white);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawRoundedRect(QRectF(card()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
-    painter.setPen(QColor(0x28, 0x40, 0x4F));
-    painter.setFont(QFont(QStringLiteral("Tahoma"), 12));
+    painter.setPen(Style::text);
+    painter.setFont(Style::font(12));
     painter.drawText(card().adjusted(4, card().height() - captionHeight, -4, 0), Qt::AlignCenter,
                      m_strProgress);
 }

@@ -1,6 +1,7 @@
 #include "duplicatemusicdetailedwidget.h"
 
 #include "common/screenplace.h"
+#include "common/style.h"
 #include "dupmusicbarwidget.h"
 #include "playsongwidget.h"
 #include "songs/songremoval.h"
@@ -216,5 +217,5 @@ void DuplicateMusicDetailedWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::white);
-    painter.fillRect(0, 0, 1, height(), QColor(192, 192, 192));
+    painter.fillRect(0, 0, 1, height(), Style::groupLine);
 }

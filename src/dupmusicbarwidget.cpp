@@ -2,6 +2,7 @@
 
 #include "collection/timetext.h"
 #include "common/screenplace.h"
+#include "common/style.h"
 #include "folderopener.h"
 #include "qiorvoutil.h"
 #include "showmusicinfowidget.h"
@@ -13,10 +14,6 @@
 
 namespace {
 constexpr int cardLeftOfPointer = 300;
-
-const QColor ink(0x17, 0x32, 0x4D);
-const QColor text(0x28, 0x40, 0x4F);
-const QColor muted(0x4F, 0x6B, 0x7C);
 
 /// Not by style sheets, which cost a group of thousands of rows seconds.
 void showLabel(RetractLabel* label, const QColor& colour, const QPoint& place)
@@ -39,11 +36,11 @@ DupMusicbarWidget::DupMusicbarWidget(QWidget* parent)
 {
     ui->setupUi(this);
     InitButtons();
-    showLabel(ui->m_labelMusicName, ink, QPoint(38, 7));
-    showLabel(ui->m_labelMusicArtist, text, QPoint(38, 37));
-    showLabel(ui->m_labelMusicKbps, muted, QPoint(38, 62));
-    showLabel(ui->m_labelMusicFormat, muted, QPoint(130, 62));
-    showLabel(ui->m_labelTotalTime, muted, QPoint(265, 8));
+    showLabel(ui->m_labelMusicName, Style::ink, QPoint(38, 7));
+    showLabel(ui->m_labelMusicArtist, Style::text, QPoint(38, 37));
+    showLabel(ui->m_labelMusicKbps, Style::muted, QPoint(38, 62));
+    showLabel(ui->m_labelMusicFormat, Style::muted, QPoint(130, 62));
+    showLabel(ui->m_labelTotalTime, Style::muted, QPoint(265, 8));
     connect(ui->m_btnIsDeleta, SIGNAL(clicked()), this, SLOT(SlotOnBtnCheckBox()));
     connect(ui->m_btnPlayMusic, SIGNAL(clicked()), this, SLOT(SlotOnBtnPlay()));
     connect(ui->m_btnStopMusic, SIGNAL(clicked()), this, SLOT(SlotOnBtnPause()));
@@ -136,6 +133,6 @@ void DupMusicbarWidget::SlotOnBtnShowInfo()
 void DupMusicbarWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), QColor(231, 247, 255));
-    painter.fillRect(0, height() - 1, width(), 1, QColor(170, 170, 170));
+    painter.fillRect(rect(), Style::groupRow);
+    painter.fillRect(0, height() - 1, width(), 1, Style::divider);
 }

@@ -2,7 +2,7 @@
 
 #include "covers/coverloader.h"
 #include "dupmusicinfo.h"
-#include "qiorvoutil.h"
+#include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "views/songcells.h"
 
@@ -27,8 +27,7 @@ QVariant DupMusicListModel::displayed(const DupMusicInfo& group, int column) con
 QVariant DupMusicListModel::cover(const DupMusicInfo& group) const
 {
     // Oddity 30: a picture too narrow shows the generic cover; the song grid stretches it.
-    const QString path = SongFields::coverPath(group.musicList.first());
-    return CoverLoader::icon(QIOrvoUtil::isImage(path) ? path : CoverLoader::genericCoverPath());
+    return CoverLoader::icon(SongCover::shownPath(group.musicList.first()));
 }
 
 QVariant DupMusicListModel::data(const QModelIndex& index, int role) const

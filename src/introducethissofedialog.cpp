@@ -1,5 +1,6 @@
 #include "introducethissofedialog.h"
 
+#include "common/style.h"
 #include "homepage.h"
 #include "ui_introducethissofedialog.h"
 
@@ -23,9 +24,9 @@ void IntroduceThisSofeDialog::InitText()
 {
     auto* link = new QLabel(this);
     link->setObjectName(QStringLiteral("m_labLink"));
-    link->setFont(QFont(QStringLiteral("Tahoma"), 13));
-    link->setText(
-        QStringLiteral("<a href=\"%1\" style=\"color:#0B5C93\">%1</a>").arg(homePage().toHtmlEscaped()));
+    link->setFont(Style::font(13));
+    link->setText(QStringLiteral("<a href=\"%1\" style=\"color:%2\">%1</a>")
+                      .arg(homePage().toHtmlEscaped(), Style::chosen.name()));
     link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     link->setOpenExternalLinks(true);
     link->setGeometry(ui->m_labhttp->geometry());

@@ -3,6 +3,7 @@
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
 #include "common/skinpicture.h"
+#include "common/style.h"
 #include "common/workers.h"
 #include "homepage.h"
 #include "introducethissofedialog.h"
@@ -100,11 +101,13 @@ void MainWindow::InitMainMenu()
     // system's menu bar.
     auto* bar = new QMenuBar(this);
     bar->setObjectName(QStringLiteral("m_menuBar"));
-    bar->setStyleSheet(QStringLiteral(
-        "QMenuBar{background:transparent;border:0}"
-        "QMenuBar::item{background:transparent;padding:1px 8px;margin:0;color:#2C4B66;border-radius:4px}"
-        "QMenuBar::item:selected{background:#D5EAF7}"
-        "QMenuBar::item:pressed{background:#BFE2F5}"));
+    bar->setStyleSheet(
+        QStringLiteral(
+            "QMenuBar{background:transparent;border:0}"
+            "QMenuBar::item{background:transparent;padding:1px 8px;margin:0;color:%1;border-radius:4px}"
+            "QMenuBar::item:selected{background:%2}"
+            "QMenuBar::item:pressed{background:%3}")
+            .arg(Style::menuText.name(), Style::menuHovered.name(), Style::menuPressed.name()));
     const auto add = [this, bar](const QString& text, const char* icon, const char* slot) {
         QMenu* menu = bar->addMenu(text);
         QAction* action = menu->addAction(SkinPicture::icon(icon), text);
@@ -378,7 +381,7 @@ void MainWindow::showTips(const QString& text)
 /// In a small window the letters stand closer, so that the tips end before the start button.
 QFont MainWindow::tipsFont() const
 {
-    QFont font(QStringLiteral("Tahoma"), 12);
+    QFont font = Style::font(12);
     const QFontMetricsF metrics(font);
     qreal widest = 0;
     for (const QString& line : ui->m_tipsLabel->text().split(QLatin1Char('\n')))

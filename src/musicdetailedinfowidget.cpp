@@ -3,6 +3,7 @@
 #include "audiocore/tagitem.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
+#include "common/style.h"
 #include "common/workers.h"
 #include "covers/coverchoice.h"
 #include "identifythread.h"
@@ -75,13 +76,15 @@ void MusicDetailedInfoWidget::InitBtn()
 
 void MusicDetailedInfoWidget::InitEditors()
 {
-    const QFont font(QStringLiteral("Tahoma"), 10);
+    const QFont font = Style::font(10);
+    // As tall as the label below it, looking less so.
+    const QString look = QStringLiteral("QLineEdit{margin:4px 0;padding:0 5px;border:1px solid %1;"
+                                        "border-radius:4px;background:white;color:%2}"
+                                        "QLineEdit:focus{border-color:%3}")
+                             .arg(Style::editorLine.name(), Style::ink.name(), Style::editorFocus.name());
     for (QLineEdit* editor : findChildren<QLineEdit*>()) {
         editor->setFont(font);
-        // As tall as the label below it, looking less so.
-        editor->setStyleSheet(QStringLiteral("QLineEdit{margin:4px 0;padding:0 5px;border:1px solid #8CC4E4;"
-                                             "border-radius:4px;background:white;color:#17324D}"
-                                             "QLineEdit:focus{border-color:#127DBB}"));
+        editor->setStyleSheet(look);
     }
     ui->m_comboGenre->setFont(font);
     ui->gridLayoutWidget->setStyleSheet(QStringLiteral("QComboBox{padding-left:5px}"));
@@ -407,13 +410,13 @@ void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     // Where the face ends its flat colour goes on.
-    painter.fillRect(rect(), QColor(0xF5, 0xFA, 0xFD));
-    painter.fillRect(0, 0, 1, height(), QColor(0xC9, 0xDD, 0xE9));
+    painter.fillRect(rect(), Style::panel);
+    painter.fillRect(0, 0, 1, height(), Style::line);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(QPointF(0, 0), m_face.image(painter));
     const QRect fields = ui->gridLayoutWidget->geometry();
     const int rows = ui->m_gridLayout->rowCount();
     for (int row = 1; row <= rows; ++row)
         painter.fillRect(fields.x() + 8, fields.y() + fields.height() * row / rows - 1, fields.width() - 16,
-                         1, QColor(0xDD, 0xEB, 0xF4));
+                         1, Style::fieldLine);
 }

@@ -1,5 +1,6 @@
 #include "musiclistmodel.h"
 
+#include "common/style.h"
 #include "views/songcells.h"
 
 #include <QBrush>
@@ -16,7 +17,7 @@ QVariant MusicListModel::foreground(const QMusicInfo& song, int column) const
 {
     // Oddity 28: column 6 is red in every row, for it never has a value.
     const bool red = column <= SongCells::ColumnDuplicates && SongCells::isEmpty(&song, column);
-    return red ? QBrush(QColor(255, 0, 0)) : QVariant();
+    return red ? QBrush(Style::undefinedText) : QVariant();
 }
 
 QVariant MusicListModel::data(const QModelIndex& index, int role) const

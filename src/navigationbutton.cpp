@@ -1,19 +1,11 @@
 #include "navigationbutton.h"
 
+#include "common/style.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
 namespace {
-const QColor ink(0x28, 0x40, 0x4F);
-const QColor inkChosen(0x0B, 0x5C, 0x93);
-const QColor inkLocked(0x5E, 0x74, 0x82);
-const QColor slate(0x56, 0x72, 0x84);
-const QColor accent(0x0F, 0x79, 0xB8);
-const QColor accentSoft(0x8C, 0xC4, 0xE4);
-const QColor amber(0xE8, 0xA3, 0x3A);
-const QColor amberEdge(0xB9, 0x77, 0x1B);
-const QColor amberInk(0x4A, 0x2C, 0x05);
-
 // Every mark is drawn around the origin and fills about sixteen points.
 
 QPainterPath noteHead(qreal x, qreal y)
@@ -23,7 +15,7 @@ QPainterPath noteHead(qreal x, qreal y)
     return QTransform().translate(x, y).rotate(-18).map(head);
 }
 
-void paintNote(QPainter& painter, const QColor& ink)
+void paintNote(QPainter& painter, const QColor& colour)
 {
     QPainterPath note;
     note.setFillRule(Qt::WindingFill);
@@ -40,21 +32,21 @@ void paintNote(QPainter& painter, const QColor& ink)
     note.closeSubpath();
     note.addPath(noteHead(-4.8, 5));
     note.addPath(noteHead(4.2, 3));
-    painter.fillPath(note, ink);
+    painter.fillPath(note, colour);
 }
 
 void paintQuestion(QPainter& painter)
 {
-    painter.setPen(QPen(amberEdge, 1));
-    painter.setBrush(amber);
+    painter.setPen(QPen(Style::amberEdge, 1));
+    painter.setBrush(Style::amber);
     painter.drawEllipse(QPointF(), 7.5, 7.5);
     QPainterPath hook;
     hook.moveTo(-2.4, -1.9);
     hook.cubicTo(-2.4, -5.3, 2.6, -5.3, 2.6, -2);
     hook.cubicTo(2.6, 0.1, 0, 0, 0, 2);
-    painter.strokePath(hook, QPen(amberInk, 1.7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.strokePath(hook, QPen(Style::amberInk, 1.7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setPen(Qt::NoPen);
-    painter.setBrush(amberInk);
+    painter.setBrush(Style::amberInk);
     painter.drawEllipse(QPointF(0, 4.7), 1.1, 1.1);
 }
 
@@ -65,10 +57,10 @@ void paintCopies(QPainter& painter)
     // A gap of one point parts the two.
     QPainterPath gap;
     gap.addRoundedRect(QRectF(-4, -4, 13, 13), 3.5, 3.5);
-    painter.fillPath(back.subtracted(gap), accentSoft);
+    painter.fillPath(back.subtracted(gap), Style::markSoft);
     QPainterPath front;
     front.addRoundedRect(QRectF(-3, -3, 11, 11), 2.5, 2.5);
-    painter.fillPath(front, accent);
+    painter.fillPath(front, Style::markChosen);
 }
 } // namespace
 
@@ -81,8 +73,8 @@ void NavigationButton::setChosen(bool chosen)
 {
     m_chosen = chosen;
     QPalette captions = palette();
-    captions.setColor(QPalette::ButtonText, chosen ? inkChosen : ink);
-    captions.setColor(QPalette::Disabled, QPalette::ButtonText, chosen ? inkChosen : inkLocked);
+    captions.setColor(QPalette::ButtonText, chosen ? Style::chosen : Style::text);
+    captions.setColor(QPalette::Disabled, QPalette::ButtonText, chosen ? Style::chosen : Style::locked);
     setPalette(captions);
     update();
 }
@@ -107,7 +99,7 @@ void NavigationButton::paintEvent(QPaintEvent* event)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(18, 22); // on the caption's line
     if (m_mark == MarkNote)
-        paintNote(painter, m_chosen ? accent : slate);
+        paintNote(painter, m_chosen ? Style::markChosen : Style::mark);
     else if (m_mark == MarkQuestion)
         paintQuestion(painter);
     else if (m_mark == MarkCopies)

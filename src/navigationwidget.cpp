@@ -1,5 +1,6 @@
 #include "navigationwidget.h"
 
+#include "common/style.h"
 #include "ui_navigationwidget.h"
 
 #include <QPainter>
@@ -122,6 +123,6 @@ void NavigationWidget::paintEvent(QPaintEvent*)
 {
     stackButtons();
     QPainter painter(this);
-    painter.fillRect(rect(), QColor(244, 244, 244));
-    painter.fillRect(width() - 1, 0, 1, height(), QColor(170, 170, 170));
+    painter.fillRect(rect(), Style::pane);
+    painter.fillRect(width() - 1, 0, 1, height(), Style::divider);
 }

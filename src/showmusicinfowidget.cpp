@@ -1,16 +1,13 @@
 #include "showmusicinfowidget.h"
 
 #include "common/compositing.h"
+#include "common/style.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "ui_showmusicinfowidget.h"
 
 #include <QKeyEvent>
 #include <QPainter>
-
-namespace {
-const QColor outline(0x9C, 0xCB, 0xE6);
-} // namespace
 
 ShowMusicInfoWidget::ShowMusicInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::ShowMusicInfoWidget>())
@@ -50,7 +47,7 @@ void ShowMusicInfoWidget::paintEvent(QPaintEvent*)
     QPainter painter(this);
     // A cut window shows pixels whole that the smooth outline covers in part.
     if (!mask().isEmpty())
-        painter.fillRect(rect(), outline);
+        painter.fillRect(rect(), Style::outline);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(QPointF(0, 0), m_face->image(painter));
 }

@@ -12,7 +12,14 @@
 
 namespace {
 constexpr int titleColumnWidth = 500;
+
+void connectView(const QAbstractItemView* view, const QObject* receiver, const char* clicked,
+                 const char* doubleClicked)
+{
+    QObject::connect(view, SIGNAL(clicked(QModelIndex)), receiver, clicked);
+    QObject::connect(view, SIGNAL(doubleClicked(QModelIndex)), receiver, doubleClicked);
 }
+} // namespace
 
 SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<DupMusicInfo*>* groups,
                      QObject* parent)
@@ -63,6 +70,18 @@ void SongViews::refreshGroups()
 {
     m_dupMusicGridModel->refresh();
     m_dupMusicTableModel->refresh();
+}
+
+void SongViews::connectSongs(const QObject* receiver, const char* clicked, const char* doubleClicked) const
+{
+    connectView(m_widgets.songGrid, receiver, clicked, doubleClicked);
+    connectView(m_widgets.songTable, receiver, clicked, doubleClicked);
+}
+
+void SongViews::connectGroups(const QObject* receiver, const char* clicked, const char* doubleClicked) const
+{
+    connectView(m_widgets.groupGrid, receiver, clicked, doubleClicked);
+    connectView(m_widgets.groupTable, receiver, clicked, doubleClicked);
 }
 
 void SongViews::selectSong(int row)

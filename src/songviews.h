@@ -41,6 +41,10 @@ public:
     void refreshSongs();
     void refreshGroups();
 
+    /// Both views of a kind tell the receiver's slots which index was clicked.
+    void connectSongs(const QObject* receiver, const char* clicked, const char* doubleClicked) const;
+    void connectGroups(const QObject* receiver, const char* clicked, const char* doubleClicked) const;
+
     void selectSong(int row);
     void selectGroup(int row);
     /// Null for an index without one.

@@ -1,6 +1,7 @@
 #include "startup.h"
 
 #include "audiocore/log.h"
+#include "common/style.h"
 #include "common/workers.h"
 #include "ownenvironment.h"
 #include "privatefolder.h"
@@ -46,10 +47,10 @@ void makeTemporaryFilesPrivate()
 
 /// The menu bar asks for the picture of a button that ours is too short to show: reading it would load the
 /// readers of every picture format.
-class Style : public QProxyStyle
+class SkinStyle : public QProxyStyle
 {
 public:
-    Style() : QProxyStyle(QStringLiteral("Fusion")) {}
+    SkinStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
     QIcon standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const override
     {
         return icon == SP_ToolBarHorizontalExtensionButton ? QIcon()
@@ -75,25 +76,25 @@ void chooseFonts()
     const QStringList installed = QFontDatabase().families();
     const QStringList standIns = {QStringLiteral("Open Sans"), QStringLiteral("Verdana"),
                                   QStringLiteral("DejaVu Sans Condensed"), QStringLiteral("DejaVu Sans")};
-    substitute(QStringLiteral("Tahoma"), standIns, installed);
-    substitute(QStringLiteral("Arial"), QStringList{QStringLiteral("Helvetica")} + standIns, installed);
-    QApplication::setFont(QFont(QStringLiteral("Tahoma"), 12));
-    QToolTip::setFont(QFont(QStringLiteral("Tahoma"), 12));
+    substitute(Style::family(), standIns, installed);
+    substitute(Style::buttonFamily(), QStringList{QStringLiteral("Helvetica")} + standIns, installed);
+    QApplication::setFont(Style::font(12));
+    QToolTip::setFont(Style::font(12));
 }
 
 void chooseColours()
 {
-    QApplication::setStyle(new Style);
-    QPalette palette(QColor(0xEE, 0xF6, 0xFB));
+    QApplication::setStyle(new SkinStyle);
+    QPalette palette(Style::window);
     palette.setColor(QPalette::Base, Qt::white);
-    palette.setColor(QPalette::Highlight, QColor(0xCD, 0xE8, 0xF8));
-    palette.setColor(QPalette::HighlightedText, QColor(0x17, 0x32, 0x4D));
+    palette.setColor(QPalette::Highlight, Style::selection);
+    palette.setColor(QPalette::HighlightedText, Style::ink);
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Active, role, QColor(0x28, 0x40, 0x4F));
+        palette.setColor(QPalette::Active, role, Style::text);
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Inactive, role, QColor(0x28, 0x40, 0x4F));
+        palette.setColor(QPalette::Inactive, role, Style::text);
     palette.setColor(QPalette::ToolTipBase, Qt::white);
-    palette.setColor(QPalette::ToolTipText, QColor(0x17, 0x32, 0x4D));
+    palette.setColor(QPalette::ToolTipText, Style::ink);
     QApplication::setPalette(palette);
     QToolTip::setPalette(palette);
 }

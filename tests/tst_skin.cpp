@@ -1,5 +1,6 @@
 #include "common/skinpicture.h"
 #include "common/skinwords.h"
+#include "common/style.h"
 #include "qiorvoutil.h"
 
 #include <QDirIterator>
@@ -93,30 +94,32 @@ const Size strips[] = {{"Image/btn_startscan.png", 136, 44},
                        {"pic/button_ok.png", 90, 28},
                        {"pic/button_cancel.png", 90, 28}};
 
-/// Words that no button picture carries: the file that gives them their colour, the colour as it is written
-/// there, and the darkest part of the ground that they lie on.
+/// Words that no button picture carries: the file that gives them their colour, how that is named there, the
+/// colour itself, and the darkest part of the ground that they lie on.
 struct Caption
 {
     const char* source;
-    const char* ink;
-    const char* ground;
+    const char* name;
+    QColor ink;
+    QColor ground;
 };
 
-const Caption captions[] = {{"src/navigationbutton.cpp", "0x28, 0x40, 0x4F", "#F4F4F4"},
-                            {"src/navigationbutton.cpp", "0x0B, 0x5C, 0x93", "#E0F1FB"}, // the chosen row
-                            {"src/mainwindow.cpp", "#2C4B66", "#DCEFFA"},
-                            {"src/views/viewsetup.cpp", "#28404F", "#EAF4FB"},          // column titles
-                            {"src/views/viewsetup.cpp", "0x28, 0x40, 0x4F", "#F0F6FC"}, // striped rows
-                            {"src/deletingmusicwaitingdlg.cpp", "0x28, 0x40, 0x4F", "#FFFFFF"},
-                            {"src/introducethissofedialog.cpp", "#0B5C93", "#EEF7FC"},
-                            {"src/startup.cpp", "0x28, 0x40, 0x4F", "#EEF6FB"}, // of what the system draws
-                            {"src/views/paintdupnumberdelegate.cpp", "255, 255, 255", "#CE4237"},
-                            {"forms/musicdetailedinfowidget.ui", "#4F6B7C", "#F5FAFD"},
-                            {"forms/showmusicinfowidget.ui", "#4F6B7C", "#F0F8FD"},
-                            {"forms/playsongwidget.ui", "#4F6B7C", "#F2F9FD"},
-                            {"src/dupmusicbarwidget.cpp", "0x4F, 0x6B, 0x7C", "#E7F7FF"},
-                            {"art/palette.toml", "#567284", "#F5FAFD"},  // hints in pictures
-                            {"art/palette.toml", "#3F6179", "#E6F1F8"}}; // the side of the switch that is off
+const Caption captions[] = {
+    {"src/navigationbutton.cpp", "Style::text", Style::text, Style::pane},
+    {"src/navigationbutton.cpp", "Style::chosen", Style::chosen, "#E0F1FB"},
+    {"src/mainwindow.cpp", "Style::menuText", Style::menuText, "#DCEFFA"},
+    {"src/views/viewsetup.cpp", "Style::text.name()", Style::text, Style::header}, // column titles
+    {"src/views/viewsetup.cpp", "QPalette::Text, Style::text", Style::text, Style::stripe},
+    {"src/deletingmusicwaitingdlg.cpp", "Style::text", Style::text, "#FFFFFF"},
+    {"src/introducethissofedialog.cpp", "Style::chosen", Style::chosen, "#EEF7FC"},
+    {"src/startup.cpp", "Style::text", Style::text, Style::window}, // of what the system draws
+    {"src/views/paintdupnumberdelegate.cpp", "Style::textOnColour", Style::textOnColour, "#CE4237"},
+    {"forms/musicdetailedinfowidget.ui", "#4F6B7C", Style::muted, Style::panel},
+    {"forms/showmusicinfowidget.ui", "#4F6B7C", Style::muted, "#F0F8FD"},
+    {"forms/playsongwidget.ui", "#4F6B7C", Style::muted, "#F2F9FD"},
+    {"src/dupmusicbarwidget.cpp", "Style::muted", Style::muted, Style::groupRow},
+    {"art/palette.toml", "#567284", "#567284", Style::panel}, // hints in pictures
+    {"art/palette.toml", "#3F6179", "#3F6179", "#E6F1F8"}};   // the side of the switch that is off
 
 /// What buttons lie on: white, the navigation pane, the rows of a duplicate group.
 const char* const grounds[] = {"#FFFFFF", "#F4F4F4", "#E7F7FF"};
@@ -187,16 +190,6 @@ QStringList picturesNamedIn(const QString& source)
     return names;
 }
 
-/// Of "#RRGGBB" or "red, green, blue".
-QColor colourOf(const QString& written)
-{
-    if (written.startsWith('#'))
-        return QColor(written);
-    const QStringList parts = written.split(", ");
-    return QColor(parts.at(0).toInt(nullptr, 0), parts.at(1).toInt(nullptr, 0),
-                  parts.at(2).toInt(nullptr, 0));
-}
-
 double luminance(const QColor& colour)
 {
     const auto linear = [](double part) {
@@ -254,6 +247,8 @@ private slots:
     void wordsOfEveryButtonAreKnown();
     void captionsCanBeRead_data();
     void captionsCanBeRead();
+    void formsAndCodeHaveOnePalette();
+    void onlyTheStyleWritesColoursDown();
 
 private:
     static void compareCells(const QImage& strip);
@@ -420,24 +415,60 @@ void TestSkin::wordsOfEveryButtonAreKnown()
 
 void TestSkin::captionsCanBeRead_data()
 {
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QString>("ink");
-    QTest::addColumn<QString>("ground");
+    QTest::addColumn<int>("number");
+    int number = 0;
     for (const Caption& caption : captions)
-        QTest::addRow("%s: %s", caption.source, caption.ink)
-            << QString(caption.source) << QString(caption.ink) << QString(caption.ground);
+        QTest::addRow("%s: %s", caption.source, caption.name) << number++;
 }
 
 void TestSkin::captionsCanBeRead()
 {
-    QFETCH(QString, source);
-    QFETCH(QString, ink);
-    QFETCH(QString, ground);
-    QFile file(QString(MELODRIFT_SOURCES "/../") + source);
+    QFETCH(int, number);
+    const Caption& caption = captions[number];
+    QFile file(QString(MELODRIFT_SOURCES "/../") + caption.source);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY2(file.readAll().contains(ink.toUtf8()), "the colour is another one now");
-    const double measured = contrast(colourOf(ink), QColor(ground));
+    QVERIFY2(file.readAll().contains(caption.name), "the colour is another one now");
+    if (*caption.name == '#')
+        QCOMPARE(QColor(caption.name), caption.ink);
+    const double measured = contrast(caption.ink, caption.ground);
     QVERIFY2(measured >= 4.5, qPrintable(QString::number(measured)));
+}
+
+/// A form cannot name the colours of the code: what it writes is one of them.
+void TestSkin::formsAndCodeHaveOnePalette()
+{
+    const QStringList palette = {Style::ink.name(), Style::text.name(), Style::muted.name()};
+    static const QRegularExpression literal("#[0-9A-Fa-f]{6}");
+    QDirIterator forms(QString(MELODRIFT_SOURCES "/../forms"), {"*.ui"}, QDir::Files);
+    int found = 0;
+    while (forms.hasNext()) {
+        QFile form(forms.next());
+        QVERIFY(form.open(QIODevice::ReadOnly));
+        auto matches = literal.globalMatch(QString::fromUtf8(form.readAll()));
+        for (; matches.hasNext(); ++found) {
+            const QString colour = matches.next().captured().toLower();
+            QVERIFY2(palette.contains(colour), qPrintable(form.fileName() + " has " + colour));
+        }
+    }
+    QVERIFY(found > 20);
+}
+
+/// Code takes its colours and families from one place.
+void TestSkin::onlyTheStyleWritesColoursDown()
+{
+    static const QRegularExpression literal(
+        R"x(#[0-9A-Fa-f]{6}\b|QColor\((0x)?[0-9A-Fa-f]+,|"(Tahoma|Arial)")x");
+    QStringList others;
+    QDirIterator sources(QString(MELODRIFT_SOURCES), {"*.cpp", "*.h"}, QDir::Files,
+                         QDirIterator::Subdirectories);
+    while (sources.hasNext()) {
+        QFile source(sources.next());
+        QVERIFY(source.open(QIODevice::ReadOnly));
+        const bool isStyle = source.fileName().endsWith("/common/style.h");
+        if (isStyle != literal.match(QString::fromUtf8(source.readAll())).hasMatch())
+            others.append(source.fileName());
+    }
+    QVERIFY2(others.isEmpty(), qPrintable(others.join('\n')));
 }
 
 QTEST_MAIN(TestSkin)

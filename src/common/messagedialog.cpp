@@ -1,5 +1,6 @@
 #include "common/messagedialog.h"
 
+#include "common/style.h"
 #include "ui_messagedialog.h"
 
 MessageDialog::MessageDialog(QWidget* parent)
@@ -19,7 +20,7 @@ MessageDialog::~MessageDialog() = default;
 void MessageDialog::InitButton()
 {
     ui->m_btnCancel->setBtnImage(SkinPicture::path("button_continue.png"));
-    ui->m_labContent->setFont(QFont(QStringLiteral("Tahoma"), 13));
+    ui->m_labContent->setFont(Style::font(13));
     QPalette palette = ui->m_labContent->palette();
     palette.setColor(QPalette::WindowText, Qt::black);
     ui->m_labContent->setPalette(palette);

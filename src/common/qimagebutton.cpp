@@ -1,6 +1,7 @@
 #include "common/qimagebutton.h"
 
 #include "common/skinwords.h"
+#include "common/style.h"
 
 #include <QPainter>
 
@@ -8,9 +9,9 @@ QImageButton::QImageButton(QWidget* parent) : StripButton(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     QPalette captions = palette();
-    captions.setColor(QPalette::ButtonText, QColor(0x28, 0x40, 0x4F));
+    captions.setColor(QPalette::ButtonText, Style::text);
     // A caption stays readable on the fourth cell, which navigation uses for the chosen row.
-    captions.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x0B, 0x5C, 0x93));
+    captions.setColor(QPalette::Disabled, QPalette::ButtonText, Style::chosen);
     setPalette(captions);
 }
 
@@ -48,7 +49,7 @@ void QImageButton::paintEvent(QPaintEvent* event)
     if (!hasStrip())
         return;
     QPainter painter(this);
-    painter.setFont(QFont(QStringLiteral("Arial"), 12, QFont::Normal));
+    painter.setFont(Style::buttonFont());
     painter.drawText(32, 27, m_strText);
     paintFocus(painter);
 }
@@ -58,6 +59,6 @@ void QImageButton::paintFocus(QPainter& painter) const
     if (!hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange))
         return;
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(QColor(23, 50, 77, 190), 1, Qt::DotLine));
+    painter.setPen(QPen(Style::focus, 1, Qt::DotLine));
     painter.drawRoundedRect(QRectF(rect()).adjusted(2.5, 2.5, -2.5, -2.5), 6, 6);
 }

@@ -1,6 +1,7 @@
 #include "common/qmessagedlg.h"
 
 #include "common/qimagebutton.h"
+#include "common/style.h"
 
 #include <QGuiApplication>
 #include <QMessageBox>
@@ -23,9 +24,6 @@ constexpr int leastWidth = 320;
 constexpr int greatestTextWidth = 600;
 constexpr int spaceAround = 80;           ///< that the largest box leaves of the screen
 constexpr int longestMessage = 32 * 1024; ///< characters; more would take seconds to lay out
-
-const QColor ink(0x17, 0x32, 0x4D);
-const QColor paper(0xFD, 0xFE, 0xFF);
 
 /// Oddity 15: paths with backslashes, behind an empty application path.
 std::unique_ptr<SkinPicture> picture(const char* path)
@@ -61,7 +59,7 @@ QMessageDlg::QMessageDlg(QWidget* parent)
       m_btnCancel(new QImageButton(this)), m_btnClose(new QImageButton(this)),
       m_textMessage(new QTextEdit(this))
 {
-    setFont(QFont(QStringLiteral("Tahoma"), 12));
+    setFont(Style::font(12));
     LoadBorderImg();
     m_pTitleIcon = picture("\\pic\\msg_title_icon.png");
     InitMessage();
@@ -94,7 +92,7 @@ void QMessageDlg::InitMessage()
     m_textMessage->viewport()->setAutoFillBackground(false);
     m_textMessage->document()->setDocumentMargin(0);
     QPalette colours = m_textMessage->palette();
-    colours.setColor(QPalette::Text, ink);
+    colours.setColor(QPalette::Text, Style::ink);
     m_textMessage->setPalette(colours);
 }
 
@@ -216,7 +214,7 @@ void QMessageDlg::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.fillRect(rect(), paper);
+    painter.fillRect(rect(), Style::paper);
     const auto draw = [&painter](const SkinPicture& part, const QRect& place) {
         if (!part.size().isEmpty())
             painter.drawImage(place, part.image(painter));
@@ -234,7 +232,7 @@ void QMessageDlg::paintEvent(QPaintEvent*)
 void QMessageDlg::paintTitle(QPainter& painter) const
 {
     const QRect place = titleRect();
-    painter.setPen(ink);
+    painter.setPen(Style::ink);
     painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                      fontMetrics().elidedText(m_strTitle, Qt::ElideRight, place.width()));
 }

@@ -1,5 +1,7 @@
 #include "common/qsliderctrl.h"
 
+#include "common/style.h"
+
 #include <QDebug>
 #include <QMouseEvent>
 #include <QPainter>
@@ -304,8 +306,8 @@ void qSliderCtrl::paintPiece(QPainter& painter, const SkinPicture* picture, cons
 
 void qSliderCtrl::paintValue(QPainter& painter) const
 {
-    painter.setFont(QFont(QStringLiteral("Tahoma"), 8, QFont::DemiBold));
-    painter.setPen(QColor(255, 255, 255));
+    painter.setFont(Style::font(8, QFont::DemiBold));
+    painter.setPen(Style::textOnColour);
     const QRect room(0, 3, width(), height() - 2);
     painter.drawText(room, Qt::AlignCenter, QStringLiteral("%1%").arg(qint64(getValue())));
 }

@@ -1,5 +1,6 @@
 #include "common/skinpicture.h"
 
+#include "common/picturelimits.h"
 #include "common/skinplace.h"
 
 #include <QFileInfo>
@@ -7,8 +8,6 @@
 #include <QPainter>
 
 namespace {
-constexpr qint64 maxPixels = 64ll * 1024 * 1024;
-
 /// Either separator is understood on every system, a path that begins with one backslash lies in the skin,
 /// and a name without an extension stands for a PNG.
 QString existingFile(QString path)
@@ -24,8 +23,7 @@ QString existingFile(QString path)
 
 QImage bounded(QImageReader& reader)
 {
-    const QSize size = reader.size();
-    return qint64(size.width()) * size.height() > maxPixels ? QImage() : reader.read();
+    return PictureLimits::hasTooMany(reader.size()) ? QImage() : reader.read();
 }
 } // namespace
 

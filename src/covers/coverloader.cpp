@@ -1,6 +1,7 @@
 #include "covers/coverloader.h"
 
 #include "collection/filestate.h"
+#include "common/picturelimits.h"
 #include "common/skinpicture.h"
 #include "covers/covericonengine.h"
 
@@ -12,7 +13,6 @@
 #include <memory>
 
 namespace {
-constexpr int iconEdge = 300;
 constexpr int remembered = 20000; // files whose picture size is known
 
 /// A picture of a file, made for one edge in pixels.
@@ -77,7 +77,7 @@ QSize readableSize(QImageReader& reader)
 {
     reader.setDecideFormatFromContent(true);
     const QSize size = reader.size();
-    if (size.isEmpty() || qint64(size.width()) * size.height() > CoverLoader::maxPixels)
+    if (size.isEmpty() || PictureLimits::hasTooMany(size))
         return {};
     return size;
 }
@@ -109,7 +109,7 @@ QPixmap decodeFile(const QString& path, const FileState& state, int edge)
 /// A picture that is small anyway is kept once, whatever it was read for.
 PictureKey sourceKey(const FileState& state, const QSize& size, int edge)
 {
-    return {state, qMax(size.width(), size.height()) <= iconEdge ? iconEdge : edge};
+    return {state, qMax(size.width(), size.height()) <= CoverLoader::songEdge ? CoverLoader::songEdge : edge};
 }
 
 /// The file's picture with its longer edge no longer than the given one.
@@ -135,7 +135,7 @@ QSize sizeOf(const QString& path, const FileState& state)
         return {};
     if (const QSize* size = memory().sizes.object(state))
         return *size;
-    source(path, state, iconEdge);
+    source(path, state, CoverLoader::songEdge);
     const QSize* size = memory().sizes.object(state);
     return size ? *size : QSize();
 }
@@ -144,16 +144,19 @@ QSize sizeOf(const QString& path, const FileState& state)
 QPixmap squareFrom(const QString& path, const FileState& state, const QSize& size, int edge)
 {
     if (isSquare(size)) {
-        const QPixmap picture = source(path, state, edge <= iconEdge ? iconEdge : CoverLoader::longestEdge);
+        const QPixmap picture = source(
+            path, state, edge <= CoverLoader::songEdge ? CoverLoader::songEdge : CoverLoader::longestEdge);
         return picture.width() == edge
                    ? picture
                    : picture.scaled(edge, edge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
     const QPixmap picture = source(path, state, CoverLoader::longestEdge);
     // Oddity 31: stretched without smoothing.
-    const QPixmap square = picture.scaled(iconEdge, iconEdge, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-    return edge == iconEdge ? square
-                            : square.scaled(edge, edge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QPixmap square = picture.scaled(CoverLoader::songEdge, CoverLoader::songEdge, Qt::IgnoreAspectRatio,
+                                          Qt::FastTransformation);
+    return edge == CoverLoader::songEdge
+               ? square
+               : square.scaled(edge, edge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 QPixmap drawnCover(const QString& path, const FileState& state, int edge)
@@ -180,7 +183,7 @@ QIcon iconOf(const QString& path)
     const QSize size = sizeOf(path, state);
     if (size.isEmpty())
         return {};
-    const int edge = isSquare(size) ? qMin(size.width(), CoverLoader::longestEdge) : iconEdge;
+    const int edge = isSquare(size) ? qMin(size.width(), CoverLoader::longestEdge) : CoverLoader::songEdge;
     return QIcon(
         new CoverIconEngine(edge, [path, state](int wanted) { return drawnCover(path, state, wanted); }));
 }

@@ -10,10 +10,11 @@ class QIODevice;
 /// Cover pictures by path, from a bounded memory of those last used. A file that changed or vanished since
 /// shows as it is now. GUI thread only, with an application object; decode() runs in any thread.
 ///
-/// Pictures are told by their content, never by the file's name. Anything that is no picture, or has more
-/// than maxPixels, counts as none.
+/// Pictures are told by their content, never by the file's name. Anything that is no picture, or has too
+/// many pixels, counts as none.
 namespace CoverLoader {
-constexpr qint64 maxPixels = 64 * 1024 * 1024;
+/// The edge, in pixels, that the small picture of a song has at most.
+constexpr int songEdge = 300;
 /// Pictures with a longer edge, in pixels, are shown scaled down to it.
 constexpr int longestEdge = 2048;
 

@@ -12,7 +12,7 @@
 #include <string_view>
 
 namespace {
-constexpr int fullEdge = 300;
+constexpr int fullEdge = CoverLoader::songEdge;
 constexpr int smallEdge = 96;
 constexpr int sample = 4096;
 constexpr int maxRecentBytes = 4 * 1024 * 1024;

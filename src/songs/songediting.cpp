@@ -14,21 +14,9 @@
 #include <array>
 #include <deque>
 #include <memory>
-#include <new>
 
 namespace {
 constexpr qint64 maxPictureBytes = 256ll * 1024 * 1024;
-constexpr int songCoverEdge = 300;
-
-/// A tag object of our own: closed and given back, unlike those that stay with the songs.
-struct ReleaseTag
-{
-    void operator()(IAudioTag* tag) const
-    {
-        tag->Close();
-        ::operator delete(tag);
-    }
-};
 
 void replaceText(IAudioTag& tag, qint32 type, const QString& text)
 {
@@ -62,7 +50,7 @@ void takeCover(LocalMusicInfo& local, const QString& path)
     local.coverPath = path;
     QFile file(path);
     const QImage picture =
-        file.open(QIODevice::ReadOnly) ? CoverLoader::decode(&file, songCoverEdge) : QImage();
+        file.open(QIODevice::ReadOnly) ? CoverLoader::decode(&file, CoverLoader::songEdge) : QImage();
     *local.cover = picture.isNull() ? CoverLoader::genericCover() : QPixmap::fromImage(picture);
 }
 
@@ -74,7 +62,8 @@ SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
     local.genre = edit.genre;
     local.year = edit.year;
     local.trackNumber = edit.trackNumber;
-    // The tag object that stays with the song is left alone: it reads again when it is asked again.
+    // By one of our own. The tag object that stays with the song is left alone: it reads again when it is
+    // asked again.
     if (const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()}) {
         // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
         tag->Open(local.filePath.toStdU32String().c_str());
@@ -86,6 +75,7 @@ SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
     takeCover(local, edit.newCoverPath);
     return {true, true};
 }
+
 /// A copy of the text that lasts as long as the program: track records point at it from now on.
 char* lastingCopy(const QByteArray& text)
 {

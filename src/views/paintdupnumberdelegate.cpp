@@ -1,5 +1,6 @@
 #include "views/paintdupnumberdelegate.h"
 
+#include "common/style.h"
 #include "dupmusicinfo.h"
 #include "views/covergriddelegate.h"
 
@@ -23,8 +24,8 @@ void PaintDupNumberDelegate::paint(QPainter* painter, const QStyleOptionViewItem
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
     painter->drawImage(QRect(right - 21, top + 2, 17, 17),
                        m_badge.image(painter->device()->devicePixelRatioF()));
-    painter->setFont(QFont(QStringLiteral("Tahoma"), 9, QFont::Normal));
-    painter->setPen(QColor(255, 255, 255));
+    painter->setFont(Style::font(9, QFont::Normal));
+    painter->setPen(Style::textOnColour);
     // Oddity 32: not centred; a count of two digits runs past the badge's middle.
     painter->drawText(right - 15, top + 13, QString::number(group->musicList.size()));
     painter->restore();

@@ -1,5 +1,6 @@
 #include "views/songcells.h"
 
+#include "common/style.h"
 #include "covers/coverloader.h"
 #include "songs/songfields.h"
 
@@ -50,7 +51,7 @@ QVariant SongCells::coverIcon(const QMusicInfo* song)
 
 QVariant SongCells::stripe(int row)
 {
-    return row % 2 == 0 ? QBrush(Qt::white) : QBrush(QColor(240, 246, 252, 255));
+    return row % 2 == 0 ? QBrush(Qt::white) : QBrush(Style::stripe);
 }
 
 QString SongCells::toolTip()

@@ -1,5 +1,7 @@
 #include "views/viewsetup.h"
 
+#include "common/style.h"
+
 #include <QHeaderView>
 #include <QListView>
 #include <QTableView>
@@ -8,7 +10,7 @@ namespace {
 void colourTexts(QWidget* view)
 {
     QPalette palette = view->palette();
-    palette.setColor(QPalette::Text, QColor(0x28, 0x40, 0x4F));
+    palette.setColor(QPalette::Text, Style::text);
     view->setPalette(palette);
 }
 } // namespace
@@ -39,9 +41,10 @@ void ViewSetup::table(QTableView* view)
     view->horizontalHeader()->setStretchLastSection(true);
     view->horizontalHeader()->setHighlightSections(false);
     view->horizontalHeader()->setStyleSheet(
-        QStringLiteral("QHeaderView{background:#EAF4FB}"
-                       "QHeaderView::section{background:#EAF4FB;color:#28404F;border:0;"
-                       "border-bottom:1px solid #C9DDE9;border-right:1px solid #D9E8F2;padding:5px 6px}"));
+        QStringLiteral("QHeaderView{background:%1}"
+                       "QHeaderView::section{background:%1;color:%2;border:0;"
+                       "border-bottom:1px solid %3;border-right:1px solid %4;padding:5px 6px}")
+            .arg(Style::header.name(), Style::text.name(), Style::line.name(), Style::headerLine.name()));
     view->verticalHeader()->setDefaultSectionSize(26);
     view->setFocusPolicy(Qt::NoFocus);
     colourTexts(view);

@@ -2,6 +2,8 @@
 
 #include "audiocore/tagitem.h"
 
+#include <new>
+
 /// Reads and writes the tag of one music file.
 ///
 /// The order of the virtual operations is a binary contract: callers may go through the slot number, so no
@@ -46,3 +48,13 @@ protected:
 
 /// A new tag object, or null when memory is short.
 IAudioTag* CreateTag();
+
+/// Closes a tag object and gives its handle back; for owners that let one go before the run ends.
+struct ReleaseTag
+{
+    void operator()(IAudioTag* tag) const
+    {
+        tag->Close();
+        ::operator delete(tag);
+    }
+};

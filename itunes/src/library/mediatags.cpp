@@ -6,17 +6,8 @@
 #include "base/text.h"
 
 #include <memory>
-#include <new>
 
 namespace {
-struct ReleaseTag
-{
-    void operator()(IAudioTag* tag) const
-    {
-        tag->Close();
-        ::operator delete(tag);
-    }
-};
 using Tag = std::unique_ptr<IAudioTag, ReleaseTag>;
 
 /// Null when the file cannot be read.

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "common/skinpicture.h"
+
+#include <QPoint>
+
+/// Where files are dropped in the local mode: a picture over the button that opens them, both in the middle
+/// of what the right column leaves of an area.
+class DropZone
+{
+public:
+    DropZone();
+
+    QPoint buttonPlace(const QSize& area, const QSize& button) const;
+    /// The picture, over a button of this size that stands in its place.
+    void paint(QPainter& painter, const QSize& area, const QSize& button) const;
+
+private:
+    SkinPicture m_picture;
+};
