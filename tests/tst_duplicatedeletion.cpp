@@ -1,71 +1,31 @@
-#include "audiocore/tagitem.h"
-#include "audiofile.h"
 #include "centerwidget.h"
-#include "common/screenplace.h"
-#include "deletealldupmusicthread.h"
-#include "deletingmusicwaitingdlg.h"
-#include "duplicatemusicdetailedwidget.h"
+#include "deletionfixture.h"
 #include "dupmusicbarwidget.h"
 #include "dupmusicinfo.h"
 #include "fixtures.h"
 #include "guidriver.h"
-#include "mainwindow.h"
 #include "qmusicinfo.h"
 #include "songfixtures.h"
 #include "startup.h"
 
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QHash>
-#include <QLabel>
 #include <QListView>
-#include <QMovie>
 #include <QProcess>
 #include <QSignalSpy>
-#include <QTableView>
 #include <QTemporaryDir>
 #include <QtTest>
-#include <QWindow>
 
-#include <functional>
 #include <random>
 
-namespace {
-/// Groups of real files: every name "T-n.mp3" has the title "T".
-void makeGroups(const QString& folder, const QList<int>& sizes)
-{
-    for (int group = 0; group < sizes.size(); ++group) {
-        const QString title = QStringLiteral("T%1").arg(group, 3, 10, QLatin1Char('0'));
-        const QString first = Fixtures::copyTone("mp3", folder, title + QLatin1String("-00"));
-        AudioFile::write(first,
-                         {{TAG_TITLE, title}, {TAG_ARTIST, "A"}, {TAG_ALBUM, "B"}, {TAG_GENRE, "Pop"}});
-        for (int song = 1; song < sizes.at(group); ++song)
-            QFile::copy(first,
-                        QStringLiteral("%1/%2-%3.mp3").arg(folder, title).arg(song, 2, 10, QLatin1Char('0')));
-    }
-}
-
-QStringList filesIn(const QString& folder)
-{
-    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-}
-} // namespace
-
-class TestDuplicateDeletion : public QObject
+class TestDuplicateDeletion : public DeletionFixture
 {
     Q_OBJECT
 
-public:
-    static void initMain()
-    {
-        Startup::beforeApplication();
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    }
-
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() { start(); }
+    void init() { prepare(); }
+    void cleanup() { clear(); }
 
     void clearingOneGroupDeletesItsUncheckedSongs();
     void aKeptSongAfterADeletedOneLeavesTheGroup();
@@ -76,91 +36,8 @@ private slots:
     void theGroupShownStaysSelected();
     void theSameFileTwiceStays();
     void aFileThatTookAnothersPlaceStays();
-    void clearingAllKeepsTheFirstOfEveryGroup();
-    void clearingAllCanBeRepeated();
-    void whatFollowsTheWaitingDialogIsNotLost();
-    void theWaitingDialogStaysUntilTheEnd();
-    void theWaitingDialogLiesOverTheWindow();
-    void theAnimationMoves();
-    void theWindowAnswersMeanwhile();
-    void noModeSwitchMeanwhile();
-    void theEndOfTheProgramEndsADeletion();
-    void theThreadWithoutGroupsEndsAtOnce();
     void aKillLeavesEveryFileWholeOrGone();
-
-private:
-    void add(const QString& folder);
-    void addAGreatGroup(int count);
-    void openGroup(int row);
-    QList<QMusicInfo*> allSongs() const;
-    QList<DupMusicInfo*> groups() const;
-    DuplicateMusicDetailedWidget* panel() const
-    {
-        return m_center->findChild<DuplicateMusicDetailedWidget*>();
-    }
-    QList<DupMusicbarWidget*> rows() const { return panel()->findChildren<DupMusicbarWidget*>(); }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<CenterWidget> m_center;
-    std::unique_ptr<DialogDriver> m_dialogs;
 };
-
-void TestDuplicateDeletion::initTestCase()
-{
-    Startup::afterApplication();
-}
-
-void TestDuplicateDeletion::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_center = std::make_unique<CenterWidget>();
-    m_dialogs = std::make_unique<DialogDriver>();
-    m_center->resize(920, 585);
-    m_center->show();
-    m_center->SwitchToLocalCleanModel();
-}
-
-void TestDuplicateDeletion::cleanup()
-{
-    m_center.reset();
-    m_dialogs.reset();
-    QIOrvoUtil::m_cleanMode = false;
-    m_local_add_or_ScanAgain = 0;
-}
-
-void TestDuplicateDeletion::add(const QString& folder)
-{
-    m_dialogs->expectButton("m_btnType");
-    m_center->TakeDroppedPaths({folder});
-    m_center->slotShowDuplicateMusicView();
-}
-
-QList<QMusicInfo*> TestDuplicateDeletion::allSongs() const
-{
-    m_center->slotShowAllmusicView();
-    const auto* model = m_center->findChild<QListView*>("m_allMusicListView")->model();
-    QList<QMusicInfo*> songs;
-    for (int row = 0; row < model->rowCount(); ++row)
-        songs.append(static_cast<QMusicInfo*>(model->index(row, 0).internalPointer()));
-    m_center->slotShowDuplicateMusicView();
-    return songs;
-}
-
-QList<DupMusicInfo*> TestDuplicateDeletion::groups() const
-{
-    const auto* model = m_center->findChild<QListView*>("m_dupMusicListView")->model();
-    QList<DupMusicInfo*> found;
-    for (int row = 0; row < model->rowCount(); ++row)
-        found.append(static_cast<DupMusicInfo*>(model->index(row, 0).internalPointer()));
-    return found;
-}
-
-void TestDuplicateDeletion::openGroup(int row)
-{
-    auto* view = m_center->findChild<QListView*>("m_dupMusicListView");
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
-                      view->visualRect(view->model()->index(row, 0)).center());
-}
 
 void TestDuplicateDeletion::clearingOneGroupDeletesItsUncheckedSongs()
 {
@@ -348,224 +225,6 @@ void TestDuplicateDeletion::aFileThatTookAnothersPlaceStays()
              QStringList({"T000-00.mp3", "T000-02.mp3", "T001-00.mp3", "T001-01.mp3"}));
     QCOMPARE(allSongs().size(), 2); // the lists do not tell of it
     QVERIFY(groups().isEmpty());
-}
-
-void TestDuplicateDeletion::clearingAllKeepsTheFirstOfEveryGroup()
-{
-    makeGroups(m_folder->path(), {2, 3, 4, 5, 1});
-    add(m_folder->path());
-    QSignalSpy counts(m_center.get(), SIGNAL(emitMusicCount(int, int, int)));
-    QSignalSpy groupCounts(m_center.get(), SIGNAL(emitDuplicateMusicCount(int)));
-    QList<QMusicInfo*> firsts;
-    for (const DupMusicInfo* group : groups())
-        firsts.append(group->musicList.first());
-    openGroup(2);
-    groupCounts.clear();
-    m_dialogs->expect([](QWidget*) {}); // the waiting dialog closes itself
-    QTest::mouseClick(panel()->findChild<QImageButton*>("m_btnClearAll"), Qt::LeftButton);
-    QCOMPARE(filesIn(m_folder->path()),
-             QStringList({"T000-00.mp3", "T001-00.mp3", "T002-00.mp3", "T003-00.mp3", "T004-00.mp3"}));
-    QVERIFY(groups().isEmpty());
-    for (QMusicInfo* first : firsts)
-        QVERIFY(allSongs().contains(first));
-    QCOMPARE(counts.last(), QVariantList({5, 0, 0}));
-    QCOMPARE(groupCounts.size(), 3); // of the group shown, song by song; none for the others
-    QVERIFY(panel()->isHidden());
-    QVERIFY(rows().isEmpty());
-    QVERIFY(m_center->findChild<QListView*>("m_dupMusicListView")->isEnabled());
-    QVERIFY(m_center->findChild<QTableView*>("m_dupMusicTableView")->isEnabled());
-}
-
-void TestDuplicateDeletion::clearingAllCanBeRepeated()
-{
-    for (int round = 0; round < 3; ++round) {
-        makeGroups(m_folder->path(), {2, 2});
-        add(m_folder->path());
-        QVERIFY(!groups().isEmpty());
-        m_dialogs->expect([](QWidget*) {});
-        m_center->SlotDeleteAllDupMusic();
-        QVERIFY(groups().isEmpty());
-        QCOMPARE(filesIn(m_folder->path()), QStringList({"T000-00.mp3", "T001-00.mp3"}));
-    }
-}
-
-/// Does something as soon as the waiting dialog has closed. The thread is still returning then: it waits for
-/// the event in hand to go.
-class NextAfterDeleting : public QObject
-{
-public:
-    NextAfterDeleting(CenterWidget& center, std::function<void()> next)
-        : m_center(center), m_next(std::move(next))
-    {
-        m_center.installEventFilter(this);
-    }
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        if (event->type() != QEvent::MetaCall)
-            return false;
-        m_center.removeEventFilter(this);
-        static_cast<QObject&>(m_center).event(event);
-        m_next();
-        return true;
-    }
-
-private:
-    CenterWidget& m_center;
-    const std::function<void()> m_next;
-};
-
-void TestDuplicateDeletion::whatFollowsTheWaitingDialogIsNotLost()
-{
-    makeGroups(m_folder->path(), {2, 2});
-    add(m_folder->path());
-    const QTemporaryDir further;
-    makeGroups(further.path(), {3});
-    bool inUse = true;
-    const NextAfterDeleting user(*m_center, [&] {
-        inUse = m_center->ListsAreInUse();
-        add(further.path());
-    });
-    m_center->SlotDeleteAllDupMusic();
-    QVERIFY(!inUse);
-    QCOMPARE(allSongs().size(), 2 + 3);
-    QCOMPARE(m_center->ReturnDuplicateMusicCount(), 1);
-}
-
-void TestDuplicateDeletion::theWaitingDialogStaysUntilTheEnd()
-{
-    DeletingMusicWaitingDlg dialog;
-    QVERIFY(dialog.windowFlags().testFlag(Qt::FramelessWindowHint));
-    QVERIFY(dialog.testAttribute(Qt::WA_TranslucentBackground));
-    const auto* movie = dialog.findChild<QLabel*>("m_labMovie");
-    QCOMPARE(movie->pos(), QPoint(dialog.width() / 2, dialog.height() / 2));
-    QVERIFY(dialog.rect().contains(dialog.card()));
-    QVERIFY(dialog.card().contains(movie->geometry()));
-    QTimer::singleShot(0, &dialog, [&] {
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-        QVERIFY(dialog.isVisible());
-        dialog.close();
-        QVERIFY(dialog.isVisible());
-        dialog.finish();
-    });
-    dialog.exec();
-    QVERIFY(!dialog.isVisible());
-}
-
-void TestDuplicateDeletion::theWaitingDialogLiesOverTheWindow()
-{
-    DeletingMusicWaitingDlg dialog;
-    const auto card = [&] { return dialog.card().translated(dialog.pos()); };
-    m_center->resize(700, 500);
-    m_center->move(20, 30);
-    ScreenPlace::putOver(dialog, dialog.card(), *m_center);
-    QVERIFY((card().center() - m_center->frameGeometry().center()).manhattanLength() <= 2);
-    QCOMPARE(dialog.windowHandle()->transientParent(), m_center->windowHandle());
-    // Over a window that hangs over the screen's edge it stays on the screen.
-    const QRect screen = ScreenPlace::availableAt(QPoint(0, 0));
-    m_center->move(screen.right() - 360, screen.bottom() - 260);
-    ScreenPlace::putOver(dialog, dialog.card(), *m_center);
-    QVERIFY(screen.contains(card()));
-}
-
-void TestDuplicateDeletion::theAnimationMoves()
-{
-    DeletingMusicWaitingDlg dialog;
-    int frames = 0;
-    connect(dialog.findChild<QLabel*>("m_labMovie")->movie(), &QMovie::frameChanged, this, [&] {
-        if (++frames == 10)
-            dialog.finish();
-    });
-    QTimer::singleShot(10000, &dialog, &DeletingMusicWaitingDlg::finish);
-    dialog.exec();
-    QCOMPARE(frames, 10);
-    QCOMPARE(dialog.findChild<QLabel*>("m_labMovie")->movie()->state(), QMovie::NotRunning);
-    const QImage before = dialog.grab().toImage();
-    dialog.showProgress(3, 10);
-    QVERIFY(dialog.grab().toImage() != before);
-}
-
-/// One group of a file and so many links to it.
-void TestDuplicateDeletion::addAGreatGroup(int count)
-{
-    makeGroups(m_folder->path(), {1});
-    const QString first = m_folder->filePath("T000-00.mp3");
-    for (int i = 0; i < count; ++i)
-        QFile::link(first, m_folder->filePath(QString("link%1.mp3").arg(i, 4, 10, QLatin1Char('0'))));
-    add(m_folder->path());
-}
-
-/// While thousands of files go, the window's thread answers.
-void TestDuplicateDeletion::theWindowAnswersMeanwhile()
-{
-    addAGreatGroup(4000);
-    QElapsedTimer sinceLast;
-    qint64 longest = 0;
-    int answers = 0;
-    QTimer heart;
-    connect(&heart, &QTimer::timeout, this, [&] {
-        longest = qMax(longest, sinceLast.restart());
-        ++answers;
-    });
-    heart.start(1);
-    sinceLast.start();
-    QElapsedTimer clock;
-    clock.start();
-    m_center->SlotDeleteAllDupMusic();
-    qInfo("4000 links deleted in %lld ms; %d answers, the longest wait %lld ms", clock.elapsed(), answers,
-          longest);
-    QCOMPARE(filesIn(m_folder->path()).size(), 1);
-    QVERIFY(answers > 3);
-}
-
-void TestDuplicateDeletion::noModeSwitchMeanwhile()
-{
-    addAGreatGroup(1000);
-    MainWindow window;
-    auto* center = window.findChild<CenterWidget*>();
-    center->SwitchToLocalCleanModel();
-    m_dialogs->expectButton("m_btnType");
-    center->TakeDroppedPaths({m_folder->path()});
-    bool switched = false;
-    QTimer::singleShot(0, &window, [&] { // a switch that was begun just before
-        QVERIFY(center->ListsAreInUse());
-        QMetaObject::invokeMethod(&window, "SlotLocalBtnMovieStop");
-        switched = !QIOrvoUtil::m_cleanMode;
-        center->TakeDroppedPaths({m_folder->path()});
-    });
-    m_dialogs->expect([](QWidget*) {});
-    center->SlotDeleteAllDupMusic();
-    QVERIFY(!switched);
-    QCOMPARE(filesIn(m_folder->path()).size(), 1);
-    QCOMPARE(center->ReturnDuplicateMusicCount(), 0);
-    QTRY_VERIFY(!QIOrvoUtil::m_cleanMode); // it is made up for
-}
-
-void TestDuplicateDeletion::theEndOfTheProgramEndsADeletion()
-{
-    addAGreatGroup(1000);
-    QTimer::singleShot(0, this, [] { // as when the desktop ends its session
-        static_cast<DeletingMusicWaitingDlg*>(QApplication::activeModalWidget())->finish();
-    });
-    m_center->SlotDeleteAllDupMusic();
-    QVERIFY(m_center->ListsAreInUse());
-    m_center.reset();
-    QVERIFY(QFile::exists(m_folder->filePath("T000-00.mp3")));
-    QVERIFY(filesIn(m_folder->path()).size() > 1);
-}
-
-void TestDuplicateDeletion::theThreadWithoutGroupsEndsAtOnce()
-{
-    QList<QMusicInfo*> songs;
-    QList<DupMusicInfo*> groups;
-    QList<IAudioTag*> tags;
-    DeleteAllDupMusicThread thread;
-    QSignalSpy done(&thread, SIGNAL(emitAllMusicInfo()));
-    thread.GetDupMusicBeDelete(&songs, &groups, &songs, &tags);
-    thread.start();
-    QVERIFY(thread.wait(20000));
-    QCOMPARE(done.size(), 1);
 }
 
 /// Another process clears all groups and is killed at some moment.

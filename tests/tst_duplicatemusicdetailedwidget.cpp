@@ -1,20 +1,14 @@
-#include "common/qimagebutton.h"
 #include "common/retractlabel.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicbarwidget.h"
 #include "fixtures.h"
 #include "folderopener.h"
+#include "grouppanelfixture.h"
 #include "guidriver.h"
 #include "loggedlines.h"
-#include "playsongwidget.h"
 #include "showmusicinfowidget.h"
 #include "songfixtures.h"
-#include "startup.h"
 
-#include <QCheckBox>
-#include <QScrollArea>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -45,21 +39,14 @@ private:
 };
 } // namespace
 
-class TestDuplicateMusicDetailedWidget : public QObject
+class TestDuplicateMusicDetailedWidget : public GroupPanelFixture
 {
     Q_OBJECT
 
-public:
-    static void initMain()
-    {
-        qputenv("MELODRIFT_AUDIO_OUTPUT", "null");
-        Startup::beforeApplication();
-    }
-
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() { start(); }
+    void init() { prepare(); }
+    void cleanup() { clear(); }
 
     void aRowShowsALocalSong();
     void aRowShowsATrackAndKeepsTheFormat();
@@ -84,89 +71,8 @@ private slots:
     void whatIsNoFolderIsNotOpened();
     void aMissingFileBrowserIsLogged();
     void aSongInNoFolderOpensNone();
-    void buttonsGoWithTheLastGroup();
-    void clearingAsksOnceAndForAll();
-    void whoCancelsIsAskedAgain();
-    void cancellingDeletesNothing();
-    void noStrayDoubleClickDeletes();
-    void clearingWalksFromTheLastRow();
-    void theLastRowGoes();
-    void rowsThatLostTheirSongsAreShownAnew();
-    void clearAllTakesThisGroupFirst();
     void thePanelIsDrawn();
-
-private:
-    QList<QMusicInfo*> group(int songs);
-    QList<DupMusicbarWidget*> rows() const { return m_panel->findChildren<DupMusicbarWidget*>(); }
-    template <typename T>
-    static T* child(const QWidget* parent, const char* name)
-    {
-        return parent->findChild<T*>(name);
-    }
-    static void click(const QWidget* parent, const char* button)
-    {
-        QTest::mouseClick(child<QImageButton>(parent, button), Qt::LeftButton);
-    }
-    static bool stops(const DupMusicbarWidget* row)
-    {
-        const bool stop = !child<QImageButton>(row, "m_btnStopMusic")->isHidden();
-        if (child<QImageButton>(row, "m_btnPlayMusic")->isHidden() != stop)
-            qFatal("both buttons at once");
-        return stop;
-    }
-    PlaySongWidget* player() const;
-
-    QTemporaryDir m_folder;
-    std::vector<std::unique_ptr<Fixtures::Song>> m_songs;
-    std::unique_ptr<Fixtures::ModeGuard> m_mode;
-    std::unique_ptr<DuplicateMusicDetailedWidget> m_panel;
-    std::unique_ptr<DialogDriver> m_dialogs;
 };
-
-void TestDuplicateMusicDetailedWidget::initTestCase()
-{
-    Startup::afterApplication();
-    Fixtures::genericCover();
-}
-
-void TestDuplicateMusicDetailedWidget::init()
-{
-    m_mode = std::make_unique<Fixtures::ModeGuard>(true);
-    m_panel = std::make_unique<DuplicateMusicDetailedWidget>();
-    m_panel->resize(330, 572);
-    m_dialogs = std::make_unique<DialogDriver>();
-}
-
-void TestDuplicateMusicDetailedWidget::cleanup()
-{
-    m_panel.reset();
-    m_dialogs.reset();
-    m_mode.reset();
-    m_songs.clear();
-}
-
-QList<QMusicInfo*> TestDuplicateMusicDetailedWidget::group(int songs)
-{
-    QList<QMusicInfo*> list;
-    for (int i = 0; i < songs; ++i) {
-        m_songs.push_back(Fixtures::makeSong(true));
-        LocalMusicInfo& local = *m_songs.back()->info.localInfo;
-        local.title = QStringLiteral("Song %1").arg(i);
-        local.filePath = Fixtures::tone("wav", 2000);
-        local.duration = 2000;
-        local.format = QStringLiteral("WAV");
-        list.append(&m_songs.back()->info);
-    }
-    return list;
-}
-
-PlaySongWidget* TestDuplicateMusicDetailedWidget::player() const
-{
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (auto* found = qobject_cast<PlaySongWidget*>(window))
-            return found;
-    return nullptr;
-}
 
 void TestDuplicateMusicDetailedWidget::aRowShowsALocalSong()
 {
@@ -474,171 +380,6 @@ void TestDuplicateMusicDetailedWidget::aSongInNoFolderOpensNone()
     QCOMPARE(FolderOpener::folderOf(QString()), QString());
     FolderOpener::open(QString());
     QCOMPARE(LoggedLines::take().size(), 1);
-}
-
-void TestDuplicateMusicDetailedWidget::buttonsGoWithTheLastGroup()
-{
-    QList<QMusicInfo*> songs = group(2);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    const auto visible = [&] {
-        return child<QWidget>(m_panel.get(), "m_btnClearOne")->isVisible() &&
-               child<QWidget>(m_panel.get(), "m_btnClearAll")->isVisible();
-    };
-    QVERIFY(visible());
-    m_panel->SlotSetDeleteBtn(3);
-    QVERIFY(visible());
-    m_panel->SlotSetDeleteBtn(0);
-    QVERIFY(!visible());
-    m_panel->SlotSetDeleteBtn(2);
-    QVERIFY(!visible()); // only the next group brings them back
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    QVERIFY(visible());
-}
-
-void TestDuplicateMusicDetailedWidget::clearingAsksOnceAndForAll()
-{
-    QList<QMusicInfo*> songs = group(4);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    QSignalSpy deleted(m_panel.get(), SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)));
-    int asked = 0;
-    m_dialogs->expect([&](QWidget* dialog) {
-        ++asked;
-        QCOMPARE(dialog->windowTitle(), QStringLiteral("Melodryft"));
-        QCOMPARE(dialog->size(), QSize(441, 145));
-        QCOMPARE(child<QWidget>(dialog, "m_checkBox")->pos(), QPoint(94, 60));
-        QTest::mouseClick(child<QCheckBox>(dialog, "m_checkBox"), Qt::LeftButton, Qt::NoModifier, {8, 9});
-        click(dialog, "m_btnOK");
-    });
-    click(m_panel.get(), "m_btnClearOne");
-    QCOMPARE(asked, 1);
-    QCOMPARE(deleted.size(), 3);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    click(m_panel.get(), "m_btnClearOne"); // a dialog would be closed, and nothing deleted
-    QCOMPARE(deleted.size(), 6);
-}
-
-void TestDuplicateMusicDetailedWidget::whoCancelsIsAskedAgain()
-{
-    QList<QMusicInfo*> songs = group(4);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    QSignalSpy deleted(m_panel.get(), SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)));
-    int asked = 0;
-    for (const char* end : {"m_btnCancel", "escape", "m_btnOK"}) {
-        m_dialogs->expect([&](QWidget* dialog) {
-            ++asked;
-            QVERIFY(!child<QCheckBox>(dialog, "m_checkBox")->isChecked());
-            if (QByteArray(end) != "m_btnOK")
-                QTest::mouseClick(child<QCheckBox>(dialog, "m_checkBox"), Qt::LeftButton, Qt::NoModifier,
-                                  {8, 9});
-            if (QByteArray(end) == "escape")
-                QTest::keyClick(dialog, Qt::Key_Escape);
-            else
-                click(dialog, end);
-        });
-        QVERIFY(deleted.isEmpty());
-        click(m_panel.get(), "m_btnClearOne");
-    }
-    QCOMPARE(asked, 3);
-    QCOMPARE(deleted.size(), 3);
-}
-
-void TestDuplicateMusicDetailedWidget::cancellingDeletesNothing()
-{
-    QList<QMusicInfo*> songs = group(3);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    QSignalSpy deleted(m_panel.get(), SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)));
-    m_dialogs->expectButton("m_btnCancel");
-    click(m_panel.get(), "m_btnClearOne");
-    m_dialogs->expect([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
-    click(m_panel.get(), "m_btnClearOne");
-    QCOMPARE(deleted.size(), 0);
-    QCOMPARE(rows().size(), 3);
-}
-
-/// A double click begun elsewhere, whose second press falls on a button that deletes.
-void TestDuplicateMusicDetailedWidget::noStrayDoubleClickDeletes()
-{
-    QList<QMusicInfo*> songs = group(3);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    QSignalSpy deleted(m_panel.get(), SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)));
-    for (const char* button : {"m_btnClearOne", "m_btnClearAll"}) {
-        click(rows().first(), "m_btnPlayMusic");
-        pressAsSecond(child<QWidget>(m_panel.get(), button));
-        QVERIFY(m_dialogs->texts.isEmpty());
-        QCOMPARE(deleted.size(), 0);
-    }
-    bool asked = false;
-    m_dialogs->expect([&](QWidget* dialog) { // the first press opened it under the pointer
-        asked = true;
-        pressAsSecond(child<QWidget>(dialog, "m_btnOK"));
-        QVERIFY(dialog->isVisible());
-        click(dialog, "m_btnCancel");
-    });
-    click(m_panel.get(), "m_btnClearOne");
-    QVERIFY(asked);
-    QCOMPARE(deleted.size(), 0);
-}
-
-void TestDuplicateMusicDetailedWidget::clearingWalksFromTheLastRow()
-{
-    QList<QMusicInfo*> songs = group(4);
-    const QList<QMusicInfo*> all = songs;
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    rows().at(2)->SlotOnBtnCheckBox(); // kept
-    QList<QMusicInfo*> deleted;
-    connect(m_panel.get(), &DuplicateMusicDetailedWidget::emitDeleteDupMusicWasSelected, this,
-            [&](QMusicInfo* song) { deleted.append(song); });
-    m_panel->SlotDeleteSongWasSelected();
-    QCOMPARE(deleted, QList<QMusicInfo*>({all.at(3), all.at(1)}));
-}
-
-void TestDuplicateMusicDetailedWidget::theLastRowGoes()
-{
-    QList<QMusicInfo*> songs = group(3);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    click(rows().first(), "m_btnPlayMusic");
-    connect(m_panel.get(), &DuplicateMusicDetailedWidget::emitDeleteDupMusicWasSelected, this,
-            [&] { songs.removeLast(); });
-    m_panel->SlotDeleteSongWasSelected();
-    QVERIFY(rows().isEmpty());
-    QVERIFY(m_panel->keptSongs().isEmpty());
-    m_panel->SlotDeleteSongWasSelected(); // its place is skipped
-    QCOMPARE(songs.size(), 1);
-    click(player(), "m_btnPause"); // the row that it would tell is gone
-}
-
-/// The pairing by position leaves rows whose songs are not those of the list any more.
-void TestDuplicateMusicDetailedWidget::rowsThatLostTheirSongsAreShownAnew()
-{
-    QList<QMusicInfo*> songs = group(4);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    rows().at(0)->SlotOnBtnCheckBox(); // to be deleted
-    rows().at(1)->SlotOnBtnCheckBox(); // kept
-    rows().at(2)->SlotOnBtnCheckBox(); // kept
-    connect(m_panel.get(), &DuplicateMusicDetailedWidget::emitDeleteDupMusicWasSelected, this,
-            [&] { songs.removeLast(); });
-    m_panel->SlotDeleteSongWasSelected();
-    QCOMPARE(songs.size(), 2);
-    QCOMPARE(rows().size(), 2);
-    for (int i = 0; i < 2; ++i)
-        QCOMPARE(rows().at(i)->song(), songs.at(i));
-}
-
-void TestDuplicateMusicDetailedWidget::clearAllTakesThisGroupFirst()
-{
-    QList<QMusicInfo*> songs = group(3);
-    m_panel->SetDuplicateMusicDetailedInfo(&songs);
-    QStringList order;
-    connect(m_panel.get(), &DuplicateMusicDetailedWidget::emitDeleteDupMusicWasSelected, this, [&] {
-        songs.removeLast();
-        order.append("one");
-    });
-    connect(m_panel.get(), &DuplicateMusicDetailedWidget::emitDeleteAllDupMusic, this,
-            [&] { order.append("all"); });
-    click(m_panel.get(), "m_btnClearAll"); // does not ask
-    QCOMPARE(order, QStringList({"one", "one", "all"}));
-    QVERIFY(child<QWidget>(m_panel.get(), "m_btnClearAll")->isHidden());
-    QVERIFY(child<QWidget>(m_panel.get(), "m_btnClearOne")->isHidden());
 }
 
 void TestDuplicateMusicDetailedWidget::thePanelIsDrawn()

@@ -8,30 +8,21 @@
 #include "loggedlines.h"
 #include "musicdetailedinfowidget.h"
 #include "songfixtures.h"
-#include "startup.h"
+#include "songpanelfixture.h"
 
 #include <QComboBox>
-#include <QFileDialog>
 #include <QLineEdit>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 
-class TestMusicDetailedInfoWidget : public QObject
+class TestMusicDetailedInfoWidget : public SongPanelFixture
 {
     Q_OBJECT
 
-public:
-    static void initMain()
-    {
-        Startup::beforeApplication();
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    }
-
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() { start(); }
+    void init() { prepare(); }
+    void cleanup() { clear(); }
 
     void startsInReadMode();
     void showsTheSongOfEitherMode_data();
@@ -46,138 +37,15 @@ private slots:
     void labelsShowWhatWasTyped();
     void anEmptyYearIsZero();
     void textsOfAnyLengthAreHandedBackWhole();
-    void applyWithoutACoverTakesThePictureOut();
-    void aChosenCoverIsShownAtOnceAndWrittenByApply();
-    void aCoverOutlivesCancelAndSong();
     void aDoubleClickOnEditAppliesNothing();
-    void whatIsNeitherJpegNorPngIsEmbeddedAsPng_data();
-    void whatIsNeitherJpegNorPngIsEmbeddedAsPng();
-    void jpegAndPngAreEmbeddedAsTheyAre();
-    void whatIsNoPictureIsNotTaken_data();
-    void whatIsNoPictureIsNotTaken();
-    void aChooserThatOutlivesItsSongChangesNothing();
     void theFocusStaysInThePanel();
-    void theCoverIsClickableInEditModeOnly();
-    void aCancelledChooserChangesNothing();
     void aFailedSaveKeepsTheEditAndLogs();
     void enterAppliesAndEscapeCancels();
     void enterOnTheCancelButtonCancels();
     void anotherSongEndsTheEdit();
     void noSongHidesThePanel();
     void nothingIsCutOff();
-
-private:
-    template <typename T>
-    T* child(const char* name) const
-    {
-        return m_panel->findChild<T*>(name);
-    }
-    QString shown(const char* label) const { return child<RetractLabel>(label)->getName(); }
-    QString typed(const char* editor) const { return child<QLineEdit>(editor)->text(); }
-    void type(const char* editor, const QString& text) const;
-    void click(const char* button) const { QTest::mouseClick(child<QImageButton>(button), Qt::LeftButton); }
-    bool editing() const;
-    QString picture(const QString& name, const QColor& colour) const;
-    void choose(const QString& picture);
-
-    QTemporaryDir m_folder;
-    std::unique_ptr<Fixtures::ModeGuard> m_mode;
-    std::unique_ptr<QMusicInfo> m_song;
-    std::unique_ptr<MusicDetailedInfoWidget> m_panel;
-    std::unique_ptr<DialogDriver> m_dialogs;
 };
-
-void TestMusicDetailedInfoWidget::initTestCase()
-{
-    Startup::afterApplication();
-    Fixtures::genericCover();
-}
-
-/// A local song on a real file, shown by the panel.
-void TestMusicDetailedInfoWidget::init()
-{
-    m_mode = std::make_unique<Fixtures::ModeGuard>(true);
-    m_dialogs = std::make_unique<DialogDriver>();
-    const QString path = Fixtures::copyTone("mp3", m_folder.path());
-    const QByteArray cover = Fixtures::jpeg(40, 40, 3);
-    AudioFile::write(path,
-                     {{TAG_TITLE, "Harbour"},
-                      {TAG_ARTIST, "Ida"},
-                      {TAG_ALBUM, "Lanterns"},
-                      {TAG_GENRE, "Pop"},
-                      {TAG_YEAR, "2012"},
-                      {TAG_TRACK, "4"}},
-                     &cover);
-    m_song = std::make_unique<QMusicInfo>();
-    m_song->localInfo = std::make_unique<LocalMusicInfo>();
-    LocalMusicInfo& local = *m_song->localInfo;
-    local.filePath = path;
-    local.title = QStringLiteral("Harbour");
-    local.artist = QStringLiteral("Ida");
-    local.album = QStringLiteral("Lanterns");
-    local.genre = QStringLiteral("Pop");
-    local.year = 2012;
-    local.trackNumber = 4;
-    local.coverPath = Fixtures::saveBytes(cover, m_folder.filePath("cover"));
-    m_panel = std::make_unique<MusicDetailedInfoWidget>();
-    m_panel->resize(330, 572);
-    m_panel->SetMusicDetailedInfo(m_song.get());
-    m_panel->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_panel.get(), patience));
-}
-
-void TestMusicDetailedInfoWidget::cleanup()
-{
-    m_panel.reset();
-    m_song.reset();
-    m_dialogs.reset();
-    m_mode.reset();
-}
-
-bool TestMusicDetailedInfoWidget::editing() const
-{
-    const bool apply = child<QImageButton>("m_btnApply")->isVisible();
-    for (const char* button : {"m_btnEdit", "m_btnIdentify"})
-        if (child<QImageButton>(button)->isVisible() == apply)
-            qFatal("both modes at once: %s", button);
-    if (child<QImageButton>("m_btnCancel")->isVisible() != apply)
-        qFatal("both modes at once");
-    for (const RetractLabel* label : m_panel->findChildren<RetractLabel*>())
-        if (label->isVisible() == apply)
-            qFatal("%s is wrong", qPrintable(label->objectName()));
-    for (const QLineEdit* editor : m_panel->findChildren<QLineEdit*>())
-        if (editor->isVisible() != apply)
-            qFatal("%s is wrong", qPrintable(editor->objectName()));
-    if (child<QComboBox>("m_comboGenre")->isVisible() != apply)
-        qFatal("the combo is wrong");
-    return apply;
-}
-
-void TestMusicDetailedInfoWidget::type(const char* editor, const QString& text) const
-{
-    auto* line = child<QLineEdit>(editor);
-    line->setFocus();
-    line->selectAll();
-    QTest::keyClick(line, Qt::Key_Delete);
-    QTest::keyClicks(line, text);
-}
-
-QString TestMusicDetailedInfoWidget::picture(const QString& name, const QColor& colour) const
-{
-    return Fixtures::savePicture(Fixtures::plain(30, 30, colour), m_folder.filePath(name));
-}
-
-void TestMusicDetailedInfoWidget::choose(const QString& picture)
-{
-    m_dialogs->expect([picture](QWidget* dialog) {
-        auto* chooser = qobject_cast<QFileDialog*>(dialog);
-        QCOMPARE(chooser->windowTitle(), QStringLiteral("Open File"));
-        QCOMPARE(chooser->nameFilters(), QStringList("Images(*.png *.xpm *.jpg)"));
-        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(picture);
-        QMetaObject::invokeMethod(dialog, "accept");
-    });
-    QTest::mouseClick(child<QImageWidget>("currentImgWidget"), Qt::LeftButton);
-}
 
 void TestMusicDetailedInfoWidget::startsInReadMode()
 {
@@ -371,56 +239,6 @@ void TestMusicDetailedInfoWidget::textsOfAnyLengthAreHandedBackWhole()
     QVERIFY(local.artist == vast);
 }
 
-void TestMusicDetailedInfoWidget::applyWithoutACoverTakesThePictureOut()
-{
-    const QString cover = m_song->localInfo->coverPath;
-    QVERIFY(!AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
-    click("m_btnEdit");
-    click("m_btnApply");
-    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
-    QCOMPARE(m_song->localInfo->coverPath, cover); // the song keeps it until files are read again
-}
-
-void TestMusicDetailedInfoWidget::aChosenCoverIsShownAtOnceAndWrittenByApply()
-{
-    QSignalSpy covered(m_panel.get(), SIGNAL(emitMusicCoverHasChanged()));
-    const QString red = picture(QStringLiteral("red.png"), QColor(220, 20, 30));
-    click("m_btnEdit");
-    choose(red);
-    const QPoint middle = child<QImageWidget>("currentImgWidget")->geometry().center();
-    QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30));
-    QVERIFY(m_song->localInfo->coverPath != red);
-    click("m_btnApply");
-    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, Fixtures::readBytes(red));
-    QCOMPARE(m_song->localInfo->coverPath, red);
-    QCOMPARE(m_song->localInfo->cover->toImage().pixelColor(5, 5), QColor(220, 20, 30));
-    QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30));
-    QCOMPARE(covered.size(), 1);
-    click("m_btnEdit");
-    click("m_btnApply");
-    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty()); // used once
-    QCOMPARE(covered.size(), 1);
-}
-
-/// What was chosen waits for the next apply, whichever song that is for.
-void TestMusicDetailedInfoWidget::aCoverOutlivesCancelAndSong()
-{
-    const QString red = picture(QStringLiteral("red2.png"), QColor(220, 20, 30));
-    click("m_btnEdit");
-    choose(red);
-    click("m_btnCancel");
-    QMusicInfo other;
-    other.localInfo = std::make_unique<LocalMusicInfo>();
-    other.localInfo->filePath = Fixtures::copyTone("flac", m_folder.path());
-    m_panel->SetMusicDetailedInfo(&other);
-    click("m_btnEdit");
-    const QPoint middle = child<QImageWidget>("currentImgWidget")->geometry().center();
-    QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30)); // nothing is written unseen
-    click("m_btnApply");
-    QCOMPARE(AudioFile::read(other.localInfo->filePath).picture, Fixtures::readBytes(red));
-    m_panel->SetMusicDetailedInfo(nullptr);
-}
-
 /// Apply lies in the place of Edit, and would take the cover out.
 void TestMusicDetailedInfoWidget::aDoubleClickOnEditAppliesNothing()
 {
@@ -433,85 +251,6 @@ void TestMusicDetailedInfoWidget::aDoubleClickOnEditAppliesNothing()
     QCOMPARE(Fixtures::readBytes(m_song->localInfo->filePath), before);
 }
 
-void TestMusicDetailedInfoWidget::whatIsNeitherJpegNorPngIsEmbeddedAsPng_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("format");
-    QTest::newRow("xpm") << "cover.xpm" << QByteArray("XPM");
-    QTest::newRow("a bitmap under another name") << "cover.jpg" << QByteArray("BMP");
-}
-
-void TestMusicDetailedInfoWidget::whatIsNeitherJpegNorPngIsEmbeddedAsPng()
-{
-    QFETCH(QString, name);
-    QFETCH(QByteArray, format);
-    QImage drawn = Fixtures::plain(40, 30, QColor(220, 20, 30));
-    drawn.setPixelColor(3, 7, QColor(10, 200, 90));
-    const QString path = Fixtures::savePicture(drawn, m_folder.filePath(name), format.constData());
-    click("m_btnEdit");
-    choose(path);
-    click("m_btnApply");
-    const QByteArray embedded = AudioFile::read(m_song->localInfo->filePath).picture;
-    QVERIFY(embedded.startsWith("\x89PNG\r\n\x1A\n"));
-    QCOMPARE(Fixtures::pixels(QImage::fromData(embedded)), Fixtures::pixels(drawn));
-    QCOMPARE(Fixtures::readBytes(m_song->localInfo->coverPath), embedded);
-    QCOMPARE(Fixtures::pixels(*m_song->localInfo->cover), Fixtures::pixels(drawn));
-    QVERIFY(QFile::exists(path));
-}
-
-void TestMusicDetailedInfoWidget::jpegAndPngAreEmbeddedAsTheyAre()
-{
-    const QByteArray bytes = Fixtures::jpeg(30, 20, 6);
-    const QString jpeg = Fixtures::saveBytes(bytes, m_folder.filePath("named.png"));
-    click("m_btnEdit");
-    choose(jpeg);
-    click("m_btnApply");
-    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, bytes);
-    QCOMPARE(m_song->localInfo->coverPath, jpeg);
-}
-
-void TestMusicDetailedInfoWidget::whatIsNoPictureIsNotTaken_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("text") << QByteArray("No picture at all");
-    QTest::newRow("nothing") << QByteArray();
-    QTest::newRow("the start of a PNG") << QByteArray("\x89PNG\r\n\x1A\n");
-    QTest::newRow("the start of an XPM") << QByteArray("/* XPM */\nstatic char* x[] = {\n\"40 30 2 1\",");
-}
-
-void TestMusicDetailedInfoWidget::whatIsNoPictureIsNotTaken()
-{
-    QFETCH(QByteArray, bytes);
-    const QString red = picture(QStringLiteral("before.png"), QColor(220, 20, 30));
-    click("m_btnEdit");
-    choose(red);
-    const LoggedLines lines;
-    choose(Fixtures::saveBytes(bytes, m_folder.filePath("broken.png")));
-    QCOMPARE(LoggedLines::take().filter("broken.png").size(), 1);
-    const QPoint middle = child<QImageWidget>("currentImgWidget")->geometry().center();
-    QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30));
-    click("m_btnApply");
-    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, Fixtures::readBytes(red));
-}
-
-/// As when a mode switch that was begun before empties the lists meanwhile.
-void TestMusicDetailedInfoWidget::aChooserThatOutlivesItsSongChangesNothing()
-{
-    const QString red = picture(QStringLiteral("late.png"), QColor(220, 20, 30));
-    click("m_btnEdit");
-    m_dialogs->expect([&](QWidget* dialog) {
-        m_panel->SetMusicDetailedInfo(nullptr);
-        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(red);
-        QMetaObject::invokeMethod(dialog, "accept");
-    });
-    QTest::mouseClick(child<QImageWidget>("currentImgWidget"), Qt::LeftButton);
-    m_panel->SetMusicDetailedInfo(m_song.get());
-    click("m_btnEdit");
-    click("m_btnApply");
-    QVERIFY(m_song->localInfo->coverPath != red);
-    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
-}
-
 /// Space would press whatever button got it.
 void TestMusicDetailedInfoWidget::theFocusStaysInThePanel()
 {
@@ -521,33 +260,6 @@ void TestMusicDetailedInfoWidget::theFocusStaysInThePanel()
         click(end);
         QCOMPARE(m_panel->window()->focusWidget(), child<QWidget>("m_btnEdit"));
     }
-}
-
-void TestMusicDetailedInfoWidget::theCoverIsClickableInEditModeOnly()
-{
-    auto* cover = child<QImageWidget>("currentImgWidget");
-    QVERIFY(!cover->isEnabled());
-    click("m_btnEdit");
-    QVERIFY(cover->isEnabled());
-    click("m_btnCancel");
-    QVERIFY(!cover->isEnabled());
-    click("m_btnEdit");
-    click("m_btnApply");
-    QVERIFY(!cover->isEnabled());
-    QTest::mouseClick(cover, Qt::LeftButton);
-    QVERIFY(!QApplication::activeModalWidget());
-}
-
-void TestMusicDetailedInfoWidget::aCancelledChooserChangesNothing()
-{
-    click("m_btnEdit");
-    auto* cover = child<QImageWidget>("currentImgWidget");
-    const QImage before = cover->grab().toImage();
-    m_dialogs->expect([](QWidget* dialog) { dialog->close(); });
-    QTest::mouseClick(cover, Qt::LeftButton);
-    QCOMPARE(cover->grab().toImage(), before);
-    click("m_btnApply");
-    QVERIFY(AudioFile::read(m_song->localInfo->filePath).picture.isEmpty());
 }
 
 void TestMusicDetailedInfoWidget::aFailedSaveKeepsTheEditAndLogs()

@@ -1,18 +1,15 @@
-#include "audiocore/iaudiotag.h"
 #include "collection/keptfiles.h"
-#include "dupmusicinfo.h"
 #include "loggedlines.h"
 #include "qmusicinfo.h"
+#include "removalfixture.h"
 #include "songfixtures.h"
 #include "songs/songremoval.h"
-#include "startup.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <filesystem>
 #include <functional>
-#include <random>
 
 #ifdef Q_OS_LINUX
 #include <sched.h>
@@ -21,16 +18,14 @@
 #include <unistd.h>
 #endif
 
-class TestSongRemoval : public QObject
+/// Which files may go, and which stay.
+class TestSongRemoval : public RemovalFixture
 {
     Q_OBJECT
 
-public:
-    static void initMain() { Startup::beforeApplication(); }
-
 private slots:
-    void initTestCase();
-    void init();
+    void initTestCase() { start(); }
+    void init() { prepare(); }
 
     void aKeptFileIsKnownByEveryPath_data();
     void aKeptFileIsKnownByEveryPath();
@@ -49,70 +44,7 @@ private slots:
     void aHardLinkOrAnotherModeChangesNothing();
     void aFolderIsNeverRemoved();
     void aSharedFileStays();
-    void theLastEntryOfTheGroupGoes();
-    void aGroupOfOneLeavesTheList();
-    void aSongOutOfTheListCostsNoFile();
-    void aGroupOutOfRangeIsLeftAlone();
-    void theTagListStaysParallel();
-    void everyGroupKeepsItsFirstSong();
-    void smallGroupsAreTakenOutUntouched();
-    void allAtOnceIsTheSameAsOneAfterTheOther();
-
-private:
-    QMusicInfo* song(const QString& name);
-    /// As an intake finds the song's file.
-    static void list(QMusicInfo* song) { song->localInfo->file = FileState::ofEntry(fileOf(song)); }
-    static QString fileOf(const QMusicInfo* song) { return song->localInfo->filePath; }
-    DupMusicInfo* group(const QList<QMusicInfo*>& songs);
-    SongLists lists() { return {&m_all, &m_groups, &m_undefined, &m_tags}; }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    Fixtures::ModeGuard m_mode{true};
-    std::vector<std::unique_ptr<QMusicInfo>> m_songs;
-    std::vector<std::unique_ptr<DupMusicInfo>> m_ownGroups;
-    QList<QMusicInfo*> m_all;
-    QList<QMusicInfo*> m_undefined;
-    QList<DupMusicInfo*> m_groups;
-    QList<IAudioTag*> m_tags;
 };
-
-void TestSongRemoval::initTestCase()
-{
-    Startup::afterApplication();
-    Fixtures::genericCover();
-}
-
-void TestSongRemoval::init()
-{
-    m_all.clear();
-    m_undefined.clear();
-    m_groups.clear();
-    m_tags.clear();
-    m_ownGroups.clear();
-    m_songs.clear();
-    m_folder = std::make_unique<QTemporaryDir>();
-}
-
-/// A song on a small file, in the list of all songs.
-QMusicInfo* TestSongRemoval::song(const QString& name)
-{
-    m_songs.push_back(std::make_unique<QMusicInfo>());
-    m_songs.back()->localInfo = std::make_unique<LocalMusicInfo>();
-    m_songs.back()->localInfo->filePath =
-        Fixtures::saveBytes(name.toUtf8(), m_folder->filePath(name + QLatin1String(".mp3")));
-    list(m_songs.back().get());
-    m_all.append(m_songs.back().get());
-    m_tags.append(nullptr);
-    return m_songs.back().get();
-}
-
-DupMusicInfo* TestSongRemoval::group(const QList<QMusicInfo*>& songs)
-{
-    m_ownGroups.push_back(std::make_unique<DupMusicInfo>());
-    m_ownGroups.back()->musicList = songs;
-    m_groups.append(m_ownGroups.back().get());
-    return m_groups.last();
-}
 
 void TestSongRemoval::aKeptFileIsKnownByEveryPath_data()
 {
@@ -389,156 +321,6 @@ void TestSongRemoval::aSharedFileStays()
     QCOMPARE(log.size(), 1);
     QCOMPARE(m_all, QList<QMusicInfo*>({a}));
     QVERIFY(m_groups.isEmpty());
-}
-
-void TestSongRemoval::theLastEntryOfTheGroupGoes()
-{
-    QMusicInfo* a = song("a");
-    QMusicInfo* b = song("b");
-    QMusicInfo* c = song("c");
-    const DupMusicInfo* three = group({a, b, c});
-    SongRemoval::removeOne(lists(), a, 0, KeptFiles());
-    QCOMPARE(three->musicList, QList<QMusicInfo*>({a, b})); // oddity 25: not the deleted one
-    QCOMPARE(m_all, QList<QMusicInfo*>({b, c}));
-    QVERIFY(!QFile::exists(fileOf(a)));
-    QVERIFY(QFile::exists(fileOf(b)) && QFile::exists(fileOf(c)));
-}
-
-void TestSongRemoval::aGroupOfOneLeavesTheList()
-{
-    QMusicInfo* a = song("a");
-    QMusicInfo* b = song("b");
-    const DupMusicInfo* two = group({a, b});
-    const DupMusicInfo* other = group({song("c"), song("d"), song("e")});
-    m_undefined = {b, a};
-    SongRemoval::removeOne(lists(), b, 0, KeptFiles());
-    QCOMPARE(two->musicList, QList<QMusicInfo*>({a}));
-    QCOMPARE(m_groups.size(), 1);
-    QCOMPARE(m_groups.first(), other);
-    QCOMPARE(other->musicList.size(), 3);
-    QCOMPARE(m_undefined, QList<QMusicInfo*>({a}));
-}
-
-void TestSongRemoval::aSongOutOfTheListCostsNoFile()
-{
-    QMusicInfo* a = song("a");
-    QMusicInfo* b = song("b");
-    group({a, b});
-    m_all.removeOne(b);
-    m_tags.removeLast();
-    QVERIFY(!SongRemoval::removeOne(lists(), b, 0, KeptFiles()));
-    QVERIFY(QFile::exists(fileOf(b)));
-    QVERIFY(m_groups.isEmpty());
-}
-
-void TestSongRemoval::aGroupOutOfRangeIsLeftAlone()
-{
-    QMusicInfo* a = song("a");
-    const DupMusicInfo* two = group({song("b"), song("c")});
-    for (const qint64 current : {qint64(1), qint64(-1), qint64(1) << 40}) {
-        SongRemoval::removeOne(lists(), a, current, KeptFiles());
-        QCOMPARE(two->musicList.size(), 2);
-    }
-    group({});
-    SongRemoval::removeOne(lists(), a, 1, KeptFiles()); // an empty group has no last entry
-    QCOMPARE(m_groups.size(), 2);
-}
-
-void TestSongRemoval::theTagListStaysParallel()
-{
-    QMusicInfo* a = song("a");
-    QMusicInfo* b = song("b");
-    song("c");
-    for (IAudioTag*& tag : m_tags)
-        tag = CreateTag();
-    const QList<IAudioTag*> tags = m_tags;
-    tags.at(1)->Open(fileOf(b).toStdU32String().c_str());
-    SongRemoval::removeOne(lists(), b, 0, KeptFiles());
-    QCOMPARE(m_tags, QList<IAudioTag*>({tags.at(0), tags.at(2)}));
-    group({m_all.at(1), a});
-    SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));
-    QCOMPARE(m_tags, QList<IAudioTag*>({tags.at(2)}));
-    for (IAudioTag* tag : tags)
-        ::operator delete(tag);
-}
-
-void TestSongRemoval::everyGroupKeepsItsFirstSong()
-{
-    QList<QMusicInfo*> firsts;
-    QList<DupMusicInfo*> groups;
-    for (int size = 2; size <= 5; ++size) {
-        QList<QMusicInfo*> songs;
-        for (int i = 0; i < size; ++i)
-            songs.append(song(QString("%1-%2").arg(size).arg(i)));
-        firsts.append(songs.first());
-        groups.append(group(songs));
-    }
-    m_undefined = m_all;
-    const QVector<SongRemoval::Removal> plan = SongRemoval::planOfAll(m_groups);
-    QCOMPARE(plan.size(), 1 + 2 + 3 + 4);
-    QCOMPARE(plan.at(1).song, groups.at(1)->musicList.at(2)); // from the last one on
-    QCOMPARE(plan.at(2).song, groups.at(1)->musicList.at(1));
-    QCOMPARE(plan.at(1).kept, firsts.at(1));
-    const QList<QMusicInfo*> removed = SongRemoval::removeAll(lists(), plan);
-    QCOMPARE(removed.size(), plan.size());
-    QVERIFY(m_groups.isEmpty());
-    QCOMPARE(m_all, firsts);
-    QCOMPARE(m_undefined, firsts);
-    for (const DupMusicInfo* one : groups)
-        QCOMPARE(one->musicList.size(), 1);
-}
-
-void TestSongRemoval::smallGroupsAreTakenOutUntouched()
-{
-    QMusicInfo* a = song("a");
-    const DupMusicInfo* one = group({a});
-    const DupMusicInfo* none = group({});
-    const QVector<SongRemoval::Removal> plan = SongRemoval::planOfAll(m_groups);
-    QVERIFY(plan.isEmpty());
-    QVERIFY(SongRemoval::removeAll(lists(), plan).isEmpty());
-    QVERIFY(m_groups.isEmpty());
-    QCOMPARE(one->musicList, QList<QMusicInfo*>({a}));
-    QVERIFY(none->musicList.isEmpty());
-    QCOMPARE(m_all, QList<QMusicInfo*>({a}));
-}
-
-/// The slow way, song by song, ends in the same lists.
-void TestSongRemoval::allAtOnceIsTheSameAsOneAfterTheOther()
-{
-    std::mt19937 random(5);
-    for (int round = 0; round < 50; ++round) {
-        init();
-        for (int i = 0; i < 40; ++i)
-            song(QString::number(i));
-        QList<QMusicInfo*> free = m_all;
-        while (free.size() > 4) {
-            QList<QMusicInfo*> members;
-            for (unsigned size = 2 + random() % 4; size > 0 && !free.isEmpty(); --size)
-                members.append(free.takeAt(int(random() % unsigned(free.size()))));
-            if (members.size() > 1)
-                group(members);
-        }
-        for (QMusicInfo* some : qAsConst(m_all))
-            if (random() % 3 == 0)
-                m_undefined.append(some);
-
-        QList<QMusicInfo*> all = m_all;
-        QList<QMusicInfo*> undefined = m_undefined;
-        QList<QList<QMusicInfo*>> groups;
-        for (const DupMusicInfo* one : qAsConst(m_groups))
-            groups.append(one->musicList);
-        while (!groups.isEmpty()) {
-            QMusicInfo* last = groups.first().takeLast();
-            all.removeOne(last);
-            undefined.removeOne(last);
-            if (groups.first().size() == 1)
-                groups.removeFirst();
-        }
-        SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));
-        QCOMPARE(m_all, all);
-        QCOMPARE(m_undefined, undefined);
-        QVERIFY(m_groups.isEmpty());
-    }
 }
 
 QTEST_MAIN(TestSongRemoval)
