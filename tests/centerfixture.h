@@ -5,8 +5,8 @@
 #include "centerwidget.h"
 #include "fixtures.h"
 #include "guidriver.h"
-#include "qiorvoutil.h"
 #include "startup.h"
+#include "windowfixture.h"
 
 #include <QDragEnterEvent>
 #include <QMimeData>
@@ -14,16 +14,8 @@
 #include <QtTest>
 
 /// A content area in the local mode, and files for it.
-class CenterFixture : public QObject
+class CenterFixture : public ScreenFixture
 {
-public:
-    static void initMain()
-    {
-        qputenv("MELODRIFT_AUDIO_OUTPUT", "null");
-        Startup::beforeApplication();
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    }
-
 protected:
     void start();
     void prepare();
@@ -39,7 +31,6 @@ protected:
     QString tone(const QString& name, const QString& title, const char* kind = "mp3") const;
     void drop(const QStringList& paths, QWidget* target = nullptr);
     void add(const QStringList& paths);
-    static void clickItem(QAbstractItemView* view, int row, bool twice = false);
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<CenterWidget> m_center;
@@ -65,8 +56,7 @@ inline void CenterFixture::clear()
 {
     m_center.reset();
     m_dialogs.reset();
-    QIOrvoUtil::m_cleanMode = false;
-    m_local_add_or_ScanAgain = 0;
+    forgetModes();
 }
 
 /// Rows for tests of what grid and table have in common.
@@ -113,12 +103,4 @@ inline void CenterFixture::add(const QStringList& paths)
 {
     m_dialogs->expectButton("m_btnType");
     drop(paths);
-}
-
-inline void CenterFixture::clickItem(QAbstractItemView* view, int row, bool twice)
-{
-    const QPoint place = view->visualRect(view->model()->index(row, 0)).center();
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, place);
-    if (twice)
-        QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, place);
 }

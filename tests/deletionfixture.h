@@ -76,9 +76,7 @@ inline QList<DupMusicInfo*> DeletionFixture::groups() const
 
 inline void DeletionFixture::openGroup(int row)
 {
-    auto* view = m_center->findChild<QListView*>("m_dupMusicListView");
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
-                      view->visualRect(view->model()->index(row, 0)).center());
+    clickRow(m_center->findChild<QListView*>("m_dupMusicListView"), row);
 }
 
 /// One group of a file and so many links to it.

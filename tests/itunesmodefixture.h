@@ -10,6 +10,7 @@
 #include "mainwindow.h"
 #include "songfixtures.h"
 #include "startup.h"
+#include "windowfixture.h"
 
 #include <QLineEdit>
 #include <QListView>
@@ -17,32 +18,17 @@
 #include <QtTest>
 
 /// The window in the iTunes mode, over a generated library and real media files.
-class ITunesFixture : public QObject
+class ITunesFixture : public WindowFixture
 {
-public:
-    static void initMain()
-    {
-        qputenv("MELODRIFT_AUDIO_OUTPUT", "null");
-        Startup::beforeApplication();
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    }
-
 protected:
     void start();
     void prepare();
     void clear();
 
-    template <typename T>
-    T* part(const char* name) const
-    {
-        return m_window->findChild<T*>(name);
-    }
-    void click(const char* button) const { QTest::mouseClick(part<QImageButton>(button), Qt::LeftButton); }
     /// What the user does with a panel's button, a view's row and an editor's text.
     static void clickIn(const QWidget* panel, const char* button);
     void clickRow(const char* view, int row, bool twice = false) const;
     static void type(const QWidget* panel, const char* editor, const QString& text);
-    bool scan() const;
     QList<QMusicInfo*> songs() const;
     /// Identifiers, which tell songs of one group apart as their titles do not: of the songs shown, of the
     /// tracks with these numbers, and of those entries that the library still has.
@@ -58,7 +44,6 @@ protected:
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_library;
     QVector<Fixtures::ITunesTrack> m_tracks;
-    std::unique_ptr<MainWindow> m_window;
     std::unique_ptr<DialogDriver> m_dialogs;
 };
 
@@ -82,11 +67,8 @@ inline void ITunesFixture::prepare()
 
 inline void ITunesFixture::clear()
 {
-    m_window.reset();
+    closeWindow();
     m_dialogs.reset();
-    closeITunesLibrary();
-    QIOrvoUtil::m_cleanMode = false;
-    m_local_add_or_ScanAgain = 0;
 }
 
 inline void ITunesFixture::clickIn(const QWidget* panel, const char* button)
@@ -99,12 +81,8 @@ inline void ITunesFixture::clickIn(const QWidget* panel, const char* button)
 inline void ITunesFixture::clickRow(const char* view, int row, bool twice) const
 {
     auto* list = part<QListView>(view);
-    const QModelIndex index = list->model()->index(row, 0);
-    list->scrollTo(index);
-    const QPoint place = list->visualRect(index).center();
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, place);
-    if (twice)
-        QTest::mouseDClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, place);
+    list->scrollTo(list->model()->index(row, 0));
+    WindowFixture::clickRow(list, row, twice);
 }
 
 inline void ITunesFixture::type(const QWidget* panel, const char* editor, const QString& text)
@@ -114,13 +92,6 @@ inline void ITunesFixture::type(const QWidget* panel, const char* editor, const 
     QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
     QApplication::clipboard()->setText(text); // simulated keys are ASCII only
     QTest::keyClick(line, Qt::Key_V, Qt::ControlModifier);
-}
-
-/// Clicks Start Scan and waits for the end of the scan.
-inline bool ITunesFixture::scan() const
-{
-    click("m_btnStarScan");
-    return QTest::qWaitFor([&] { return part<QImageButton>("m_btnStarScan")->isEnabled(); }, patience);
 }
 
 inline QList<QMusicInfo*> ITunesFixture::songs() const

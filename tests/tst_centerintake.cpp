@@ -132,7 +132,7 @@ void TestCenterIntake::scanningWithoutFilesSaysSo()
 void TestCenterIntake::switchingModesEmptiesAndRefusesDrops()
 {
     add({tone("a", "Same"), tone("b", "Same")});
-    clickItem(view<QListView>("m_allMusicListView"), 0);
+    clickRow(view<QListView>("m_allMusicListView"), 0);
     m_center->SwitchToiTunesCleanModel();
     QVERIFY(!QIOrvoUtil::m_cleanMode);
     QVERIFY(!m_center->acceptDrops());

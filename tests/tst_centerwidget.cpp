@@ -129,7 +129,7 @@ void TestCenterWidget::aClickSelectsInBothViewsAndShowsTheSong()
     add({tone("a", "One"), tone("b", "Two")});
     display(table);
     auto* panel = m_center->findChild<MusicDetailedInfoWidget*>();
-    clickItem(view<QAbstractItemView>(table ? "m_allMusicTableView" : "m_allMusicListView"), 1);
+    clickRow(view<QAbstractItemView>(table ? "m_allMusicTableView" : "m_allMusicListView"), 1);
     QVERIFY(panel->isVisible());
     QCOMPARE(panel->findChild<QLabel*>("m_titleName")->text(), QString("Two"));
     QCOMPARE(view<QListView>("m_allMusicListView")->currentIndex().row(), 1);
@@ -145,7 +145,7 @@ void TestCenterWidget::aClickOnAGroupShowsItsSongs()
     m_center->slotShowDuplicateMusicView();
     display(table);
     auto* panel = m_center->findChild<DuplicateMusicDetailedWidget*>();
-    clickItem(view<QAbstractItemView>(table ? "m_dupMusicTableView" : "m_dupMusicListView"), 1);
+    clickRow(view<QAbstractItemView>(table ? "m_dupMusicTableView" : "m_dupMusicListView"), 1);
     QVERIFY(panel->isVisible());
     QCOMPARE(panel->keptSongs().size(), 1);
     QCOMPARE(panel->keptSongs().first()->localInfo->title, QString("Two"));
@@ -161,19 +161,19 @@ void TestCenterWidget::aBanKeepsClicksFromSongsButNotFromGroups()
     add({tone("a", "Same"), tone("b", "Same")});
     m_center->SlotForbidToClickView(true);
     QCOMPARE(bans.last(), QVariantList({true}));
-    clickItem(view<QListView>("m_allMusicListView"), 1);
+    clickRow(view<QListView>("m_allMusicListView"), 1);
     QVERIFY(m_center->findChild<QWidget*>("m_musicDetailedWidget")->isHidden());
     QCOMPARE(view<QTableView>("m_allMusicTableView")->currentIndex().row(), -1);
     m_center->slotShowDuplicateMusicView();
-    clickItem(view<QListView>("m_dupMusicListView"), 0);
+    clickRow(view<QListView>("m_dupMusicListView"), 0);
     QVERIFY(m_center->findChild<QWidget*>("m_dupMusicDetailedWidget")->isVisible());
     QCOMPARE(view<QTableView>("m_dupMusicTableView")->currentIndex().row(), 0);
     m_center->SlotForbidToClickView(false);
     m_center->slotShowAllmusicView();
-    clickItem(view<QListView>("m_allMusicListView"), 1);
+    clickRow(view<QListView>("m_allMusicListView"), 1);
     QVERIFY(m_center->findChild<QWidget*>("m_musicDetailedWidget")->isVisible());
     m_center->SlotForbidToClickView(true);
-    clickItem(view<QListView>("m_allMusicListView"), 0); // the mark stays where the song is that shows
+    clickRow(view<QListView>("m_allMusicListView"), 0); // the mark stays where the song is that shows
     for (const QAbstractItemView* list :
          m_center->findChildren<QAbstractItemView*>(QRegularExpression(QStringLiteral("^m_allMusic"))))
         QCOMPARE(list->currentIndex().row(), 1);
@@ -188,11 +188,11 @@ void TestCenterWidget::aDoubleClickPlays()
             [&played](QMusicInfo* song) { played.append(song); });
     add({tone("a", "Same"), tone("b", "Same"), tone("c", "Other")});
     display(table);
-    clickItem(view<QAbstractItemView>(table ? "m_allMusicTableView" : "m_allMusicListView"), 2, true);
+    clickRow(view<QAbstractItemView>(table ? "m_allMusicTableView" : "m_allMusicListView"), 2, true);
     QCOMPARE(played.size(), 1);
     QCOMPARE(played.last()->localInfo->title, QString("Other"));
     m_center->slotShowDuplicateMusicView();
-    clickItem(view<QAbstractItemView>(table ? "m_dupMusicTableView" : "m_dupMusicListView"), 0, true);
+    clickRow(view<QAbstractItemView>(table ? "m_dupMusicTableView" : "m_dupMusicListView"), 0, true);
     QCOMPARE(played.size(), 2);
     QVERIFY(played.last()->localInfo->filePath.endsWith("a.mp3"));
     m_center->SlotDoubleClickDupMusicIndex(QModelIndex());
@@ -233,7 +233,7 @@ void TestCenterWidget::panelsHear()
 {
     add({tone("a", "Same"), tone("b", "Same")});
     m_center->slotShowDuplicateMusicView();
-    clickItem(view<QListView>("m_dupMusicListView"), 0);
+    clickRow(view<QListView>("m_dupMusicListView"), 0);
     auto* group = m_center->findChild<DuplicateMusicDetailedWidget*>();
     const auto* clearAll = group->findChild<QWidget*>("m_btnClearAll");
     QVERIFY(clearAll->isVisible());
@@ -246,7 +246,7 @@ void TestCenterWidget::panelsHear()
         return visible;
     };
     QCOMPARE(players(), 0);
-    clickItem(view<QListView>("m_dupMusicListView"), 0, true);
+    clickRow(view<QListView>("m_dupMusicListView"), 0, true);
     QCOMPARE(players(), 1);
 }
 
@@ -303,7 +303,7 @@ void TestCenterWidget::anEditKeepsThePlaceInTheList()
     add(paths);
     auto* list = view<QListView>("m_allMusicListView");
     list->verticalScrollBar()->setValue(600);
-    clickItem(list, 25);
+    clickRow(list, 25);
     auto* panel = m_center->findChild<MusicDetailedInfoWidget*>();
     panel->SlotOnBtnEdit();
     panel->findChild<QLineEdit*>("m_lineTitle")->setText("Edited");

@@ -5,14 +5,13 @@
 #include "dupmusicbarwidget.h"
 #include "fixtures.h"
 #include "guidriver.h"
-#include "itunes/itunesmusiclibrary.h"
 #include "itunesfixture.h"
 #include "mainwindow.h"
 #include "playsongwidget.h"
 #include "programwindow.h"
-#include "qiorvoutil.h"
 #include "restwatch.h"
 #include "startup.h"
+#include "windowfixture.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -23,17 +22,9 @@
 #include <QTemporaryDir>
 
 /// Once the last event is over nothing runs in the program, whatever it shows.
-class TestRest : public QObject
+class TestRest : public WindowFixture
 {
     Q_OBJECT
-
-public:
-    static void initMain()
-    {
-        qputenv("MELODRIFT_AUDIO_OUTPUT", "null");
-        Startup::beforeApplication();
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    }
 
 private slots:
     void initTestCase();
@@ -63,13 +54,6 @@ private slots:
     void onePaintingBringsNoOther();
 
 private:
-    template <typename T>
-    T* part(const char* name) const
-    {
-        return m_window->findChild<T*>(name);
-    }
-    void click(const char* button) const { QTest::mouseClick(part<QImageButton>(button), Qt::LeftButton); }
-    void clickRow(QAbstractItemView* view, int row = 0) const;
     void switchToLocal() const;
     void showSongs() const;
     void showSong() const;
@@ -82,7 +66,6 @@ private:
     bool restsInDialog(const char* className, const std::function<void()>& open);
 
     QTemporaryDir m_music;
-    std::unique_ptr<MainWindow> m_window;
     std::unique_ptr<RestWatch> m_watch;
 };
 
@@ -112,16 +95,7 @@ void TestRest::init()
 void TestRest::cleanup()
 {
     m_watch.reset();
-    m_window.reset();
-    closeITunesLibrary();
-    QIOrvoUtil::m_cleanMode = false;
-    m_local_add_or_ScanAgain = 0;
-}
-
-void TestRest::clickRow(QAbstractItemView* view, int row) const
-{
-    const QRect place = view->visualRect(view->model()->index(row, 0));
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, place.center());
+    closeWindow();
 }
 
 void TestRest::switchToLocal() const
@@ -331,8 +305,7 @@ void TestRest::aScannedLibrary()
             Fixtures::itunesTrack(track, m_music.filePath(QStringLiteral("%1.mp3").arg(track + 10))));
     Fixtures::writeLibrary(library, Fixtures::itunesLibrary(tracks));
     qputenv("MELODRIFT_ITUNES_LIBRARY", library.toUtf8());
-    click("m_btnStarScan");
-    QTRY_VERIFY_WITH_TIMEOUT(part<QWidget>("m_btnStarScan")->isEnabled(), 60000);
+    QVERIFY(scan());
     QCOMPARE(part<QImageButton>("m_btnMusicAll")->btnText(), QString("All songs(20)"));
     VERIFY_REST();
 }
