@@ -12,6 +12,8 @@
 #include "startup.h"
 #include "windowfixture.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QLineEdit>
 #include <QListView>
 #include <QTemporaryDir>

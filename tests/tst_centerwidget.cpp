@@ -7,8 +7,10 @@
 #include "musicdetailedinfowidget.h"
 #include "qmusicinfo.h"
 
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QtTest>
