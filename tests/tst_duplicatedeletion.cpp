@@ -4,11 +4,11 @@
 #include "dupmusicinfo.h"
 #include "fixtures.h"
 #include "guidriver.h"
+#include "interposed.h"
 #include "qmusicinfo.h"
 #include "songfixtures.h"
 #include "startup.h"
 
-#include <QElapsedTimer>
 #include <QHash>
 #include <QListView>
 #include <QProcess>
@@ -16,6 +16,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
 #include <random>
 
 class TestDuplicateDeletion : public DeletionFixture
@@ -230,7 +231,6 @@ void TestDuplicateDeletion::aFileThatTookAnothersPlaceStays()
 /// Another process clears all groups and is killed at some moment.
 void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
 {
-    int killedInTheMiddle = 0;
     for (int round = 0; round < 12; ++round) {
         const QTemporaryDir folder;
         makeGroups(folder.path(), QList<int>({20, 30, 40, 2, 3, 5}));
@@ -238,23 +238,18 @@ void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
         QHash<QString, QByteArray> contents;
         for (const QString& file : before)
             contents.insert(file, Fixtures::readBytes(folder.filePath(file)));
+        const int gone = 3 + 7 * round;
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("MELODRIFT_CLEARS_ALL_OF", folder.path());
+        environment.insert("MELODRIFT_DIES_AFTER", QString::number(gone));
         process.setProcessEnvironment(environment);
         process.start(QCoreApplication::applicationFilePath(), QStringList());
-        // Kills it when so many files are gone.
-        const int enough = before.size() - 3 - 7 * round;
-        QElapsedTimer clock;
-        clock.start();
-        while (filesIn(folder.path()).size() > enough && clock.elapsed() < 30000 &&
-               process.state() != QProcess::NotRunning)
-            process.waitForFinished(1);
-        process.kill();
-        process.waitForFinished();
+        QVERIFY(process.waitForFinished(patience));
+        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
 
         const QStringList after = filesIn(folder.path());
-        killedInTheMiddle += after.size() > 6 && after.size() < before.size() ? 1 : 0;
+        QCOMPARE(after.size(), before.size() - gone);
         for (const QString& file : after)
             QCOMPARE(Fixtures::readBytes(folder.filePath(file)), contents.value(file));
         for (int group = 0; group < 6; ++group)
@@ -263,13 +258,17 @@ void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
         add(folder.path());
         QCOMPARE(allSongs().size(), after.size());
     }
-    qInfo("%d of 12 kills in the middle of a deletion", killedInTheMiddle);
-    QVERIFY(killedInTheMiddle > 0);
 }
 
-/// What the killed process does: takes the folder in and clears all groups.
+/// What the killed process does: takes the folder in, clears all groups, and is killed when so many files are
+/// gone.
 static int clearAllOf(const QString& folder)
 {
+    static int left = qEnvironmentVariableIntValue("MELODRIFT_DIES_AFTER");
+    Interposed::beforeRemoval = [](const char* name) {
+        if (QByteArray(name).endsWith(".mp3") && left-- == 0)
+            std::raise(SIGKILL);
+    };
     Startup::afterApplication();
     CenterWidget center;
     DialogDriver dialogs;

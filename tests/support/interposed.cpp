@@ -12,11 +12,13 @@ std::function<void()> beforeSync;
 std::function<void()> beforeLock;
 std::function<bool(int, off_t)> readFails;
 std::function<ssize_t(size_t)> copiesInKernel;
+std::function<void(const char*)> beforeRemoval;
 std::function<void()> pauses;
 
 Guard::~Guard()
 {
     beforeSync = beforeLock = pauses = nullptr;
+    beforeRemoval = nullptr;
     readFails = nullptr;
     copiesInKernel = nullptr;
 }
@@ -36,6 +38,13 @@ int flock(int fd, int operation) noexcept
     if (Interposed::beforeLock)
         Interposed::beforeLock();
     return int(::syscall(SYS_flock, fd, operation));
+}
+
+int unlinkat(int folder, const char* name, int flags) noexcept
+{
+    if (Interposed::beforeRemoval)
+        Interposed::beforeRemoval(name);
+    return int(::syscall(SYS_unlinkat, folder, name, flags));
 }
 
 int usleep(useconds_t microseconds)

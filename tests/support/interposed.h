@@ -16,6 +16,8 @@ extern std::function<void()> beforeLock;
 extern std::function<bool(int fd, off_t offset)> readFails;
 /// How many bytes copying inside the kernel does; a negative number makes it fail as a broken disk does.
 extern std::function<ssize_t(size_t wanted)> copiesInKernel;
+/// Before a name is removed from an open folder.
+extern std::function<void(const char* name)> beforeRemoval;
 /// In place of a pause of microseconds.
 extern std::function<void()> pauses;
 
