@@ -192,12 +192,7 @@ void LibraryFile::changed()
 /// What hinders the writing may pass: a file that another program is writing, a full disk.
 void LibraryFile::writeInBackground()
 {
-    try {
-        pending();
-    } catch (const std::exception& fault) { // it is tried again: the journal holds the changes
-        base::logFailure(m_path, "the changes wait in the journal", fault.what());
-    }
-    if (writePending())
+    if (attempt([this] { return pending(), tryToWrite(); }))
         return;
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_failures < mostRetries)
@@ -205,11 +200,16 @@ void LibraryFile::writeInBackground()
     ++m_failures;
 }
 
-/// False when changes still wait that could not be written.
 bool LibraryFile::writePending() noexcept
 {
+    return attempt([this] { return tryToWrite(); });
+}
+
+/// False when changes still wait that could not be written.
+bool LibraryFile::attempt(const std::function<bool()>& writing) noexcept
+{
     try {
-        return tryToWrite();
+        return writing();
     } catch (const std::exception& fault) {
         base::logFailure(m_path, "the changes wait in the journal", fault.what());
         return false;

@@ -54,6 +54,7 @@ private:
     void changed();
     void writeInBackground();
     bool writePending() noexcept;
+    bool attempt(const std::function<bool()>& writing) noexcept;
     bool tryToWrite();
     bool takePending(Pending& pending, std::string& error);
     bool finishWriting(const Pending& pending, const Written& written, std::string& error);
