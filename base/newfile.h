@@ -69,7 +69,9 @@ private:
 void removeLeftovers(const std::string& path);
 /// Gives what lies at `from` the name of `to`, in the same folder, instead of whatever is there.
 bool renameFile(const std::string& from, const std::string& to, std::string& error);
+#ifdef _WIN32
 /// Makes an empty file with owner and mode of `model` unless there is something at the path, a link included;
 /// that stays as it is. False with the reason in `error` when there is nothing afterwards.
 bool createLike(const std::string& model, const std::string& path, std::string& error);
+#endif
 } // namespace base

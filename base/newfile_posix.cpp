@@ -278,27 +278,3 @@ bool base::renameFile(const std::string& from, const std::string& to, std::strin
     error = reason();
     return false;
 }
-
-bool base::createLike(const std::string& model, const std::string& path, std::string& error)
-{
-    const Descriptor folder = openFolderOf(path);
-    const Descriptor modelFolder = openFolderOf(model);
-    struct stat status = {};
-    if (!folder.isOpen() || !modelFolder.isOpen()) {
-        error = reason();
-        return false;
-    }
-    const Descriptor original = openModel(modelFolder.fd, nameOf(model), status, error);
-    if (!original.isOpen())
-        return false;
-    const Descriptor made = createPrivateAt(folder.fd, nameOf(path), Inherited::Refused);
-    if (!made.isOpen() && errno != EEXIST) {
-        error = "no new file can be made in the folder: " + reason();
-        return false;
-    }
-    if (made.isOpen()) {
-        becomeLike(original.fd, status, made.fd); // where it cannot, the file is this user's alone
-        syncFolder(folder.fd);
-    }
-    return true;
-}
