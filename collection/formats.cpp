@@ -4,12 +4,21 @@ namespace {
 struct Format
 {
     const char* name;   ///< oddity 8: these capitals
+    const char* listed; ///< as lists and panels show it
     const char* ending; ///< oddities 19 and 20: three letters; null comes in by the dialog alone
 };
 
 /// By the audio core's code.
-constexpr Format formats[] = {{"wav", "wav"}, {"Wma", nullptr}, {"mp3", "mp3"}, {"AAC", "aac"},
-                              {"M4a", "m4a"}, {"OGG", "ogg"},   {"APE", "ape"}, {"Flac", "lac"}};
+constexpr Format formats[] = {{"wav", "WAV", "wav"}, {"Wma", "WMA", nullptr}, {"mp3", "MP3", "mp3"},
+                              {"AAC", "AAC", "aac"}, {"M4a", "M4A", "m4a"},   {"OGG", "OGG", "ogg"},
+                              {"APE", "APE", "ape"}, {"Flac", "FLAC", "lac"}};
+
+/// Null for a code without a row.
+const Format* rowOf(int formatCode)
+{
+    const bool known = formatCode >= 0 && formatCode < int(sizeof formats / sizeof *formats);
+    return known ? &formats[formatCode] : nullptr;
+}
 } // namespace
 
 bool Formats::isMusicEnding(const QString& lastThree)
@@ -22,7 +31,12 @@ bool Formats::isMusicEnding(const QString& lastThree)
 
 QString Formats::nameOf(int formatCode)
 {
-    if (formatCode < 0 || formatCode >= int(sizeof formats / sizeof *formats))
-        return QStringLiteral("None");
-    return QLatin1String(formats[formatCode].name);
+    const Format* const row = rowOf(formatCode);
+    return QLatin1String(row ? row->name : "None");
+}
+
+QString Formats::listedName(int formatCode)
+{
+    const Format* const row = rowOf(formatCode);
+    return QLatin1String(row ? row->listed : "MP3"); // Oddity 9: also for negative codes.
 }

@@ -8,4 +8,6 @@ namespace Formats {
 bool isMusicEnding(const QString& lastThree);
 /// Oddity 8: a name for the audio core's format code, which no screen shows; "None" for an unknown one.
 QString nameOf(int formatCode);
+/// Oddity 9: "WAV", "MP3" and so on; every code without a name of its own is "MP3".
+QString listedName(int formatCode);
 } // namespace Formats

@@ -2,6 +2,7 @@
 
 #include "audiocore/iaudiodecoder.h"
 #include "audiocore/iaudiotag.h"
+#include "collection/formats.h"
 #include "qmusicinfo.h"
 
 #include <QDir>
@@ -11,10 +12,7 @@ quint64 musicNum = 50;
 
 QString LocalSongReader::formatName(int formatCode)
 {
-    static const char* const names[] = {"WAV", "WMA", "MP3", "AAC", "M4A", "OGG", "APE", "FLAC"};
-    if (formatCode < 0 || formatCode >= int(sizeof names / sizeof *names))
-        return QStringLiteral("MP3"); // Oddity 9: also for negative codes.
-    return QLatin1String(names[formatCode]);
+    return Formats::listedName(formatCode);
 }
 
 QString LocalSongReader::coverFolder()
