@@ -59,7 +59,7 @@ const QVector<Room>& rooms()
          qt + '|' + engines},
         {"itunes/src/calls", {"base", "itunes/include", "itunes/src/library"}, qt + '|' + engines},
         {"collection", {"base"}, widgets + '|' + engines},
-        {"src/common", {"forms"}, engines},
+        {"src/common", {"base", "forms"}, engines},
         {"src/covers", {"collection", "src/common"}, engines},
         {"records", {"collection", "src/common", "src/covers"}, engines},
         {"src/songs",
