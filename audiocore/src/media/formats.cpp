@@ -3,6 +3,7 @@
 #include "media/mpegframes.h"
 
 #include <algorithm>
+#include <iterator>
 
 using audiocore::FormatRow;
 

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 using audiocore::CheckedStream;
 using audiocore::FileEdits;

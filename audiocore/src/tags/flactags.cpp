@@ -16,6 +16,8 @@
 #include <taglib/id3v2tag.h>
 #include <taglib/xiphcomment.h>
 
+#include <optional>
+
 namespace flac = audiocore::flac;
 
 using audiocore::CheckedStream;

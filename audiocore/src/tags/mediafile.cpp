@@ -4,12 +4,12 @@
 #include "media/formats.h"
 #include "tags/id3v2frames.h"
 
-#include <taglib/audioproperties.h>
+#include <optional>
+#include <utility>
 
 namespace id3v2 = audiocore::id3v2;
 
 using audiocore::MediaFile;
-using audiocore::MpegStream;
 using TagLib::ByteVector;
 
 namespace {
@@ -28,19 +28,6 @@ long behindId3v2(audiocore::CheckedStream& stream)
     return position;
 }
 } // namespace
-
-MpegStream audiocore::soundTold(const TagLib::AudioProperties* properties)
-{
-    MpegStream sound;
-    if (!properties)
-        return sound;
-    sound.sampleRate = properties->sampleRate();
-    if (properties->lengthInMilliseconds() <= 0)
-        return sound;
-    sound.milliseconds = properties->lengthInMilliseconds();
-    sound.bitsPerSecond = std::int64_t(properties->bitrate()) * 1000;
-    return sound;
-}
 
 MediaFile audiocore::openMedia(CheckedStream& stream, Purpose purpose)
 {

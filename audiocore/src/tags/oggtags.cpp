@@ -19,7 +19,10 @@
 #include <taglib/vorbisfile.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace flac = audiocore::flac;
 

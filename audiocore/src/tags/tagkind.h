@@ -17,7 +17,7 @@ struct FileEdits;
 
 enum class Purpose {
     Reading,
-    Writing ///< the tag library is shown all that it will write anew
+    Writing ///< also of a file without any tag; the tag library is shown all that it will write anew
 };
 
 /// A music file that lies open in a stream, together with what its format makes of its tags. The stream must

@@ -6,6 +6,7 @@
 #include "tags/taglimits.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 using audiocore::TagScreen;

@@ -7,6 +7,9 @@
 #include <taglib/id3v1genres.h>
 #include <taglib/tfile.h>
 
+#include <algorithm>
+#include <optional>
+
 using audiocore::FileEdits;
 using audiocore::TagContent;
 using audiocore::TagEdits;

@@ -17,6 +17,8 @@
 #include <taglib/infotag.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 
 using audiocore::CheckedStream;
 using audiocore::FileEdits;
