@@ -8,18 +8,18 @@
 namespace {
 struct Format
 {
-    int code;           ///< the audio core's
+    const char* ending;
     const char* name;   ///< oddity 8: these capitals
     const char* listed; ///< as lists and panels show it
-    const char* ending;
+    int code;           ///< the audio core's
     bool byDialogAlone; ///< oddity 20
 };
 
 /// In the order in which the dialog names them.
-constexpr Format formats[] = {{2, "mp3", "MP3", "mp3", false},    {4, "M4a", "M4A", "m4a", false},
-                              {6, "APE", "APE", "ape", false},    {3, "AAC", "AAC", "aac", false},
-                              {7, "Flac", "FLAC", "flac", false}, {1, "Wma", "WMA", "wma", true},
-                              {0, "wav", "WAV", "wav", false},    {5, "OGG", "OGG", "ogg", false}};
+constexpr Format formats[] = {{"mp3", "mp3", "MP3", 2, false},    {"m4a", "M4a", "M4A", 4, false},
+                              {"ape", "APE", "APE", 6, false},    {"aac", "AAC", "AAC", 3, false},
+                              {"flac", "Flac", "FLAC", 7, false}, {"wma", "Wma", "WMA", 1, true},
+                              {"wav", "wav", "WAV", 0, false},    {"ogg", "OGG", "OGG", 5, false}};
 
 /// Null for a code without a row.
 const Format* rowOf(int formatCode)

@@ -8,8 +8,6 @@
 
 #include <cstddef>
 
-namespace flac = audiocore::flac;
-
 using audiocore::FlacBlocks;
 using TagLib::ByteVector;
 
