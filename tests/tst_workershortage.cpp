@@ -1,3 +1,4 @@
+#include "audiocore/iaudioplayer.h"
 #include "audiofile.h"
 #include "centerwidget.h"
 #include "common/qimagebutton.h"
@@ -65,6 +66,7 @@ void TestWorkerShortage::initTestCase()
 {
     Startup::afterApplication();
     Fixtures::genericCover();
+    PreparePlayer(); // not on the thread of its own: memory that is refused while libraries load ends badly
 }
 
 void TestWorkerShortage::init()
