@@ -1,4 +1,3 @@
-#include "audiocore/iaudioplayer.h"
 #include "audiofile.h"
 #include "centerwidget.h"
 #include "common/qimagebutton.h"
@@ -12,6 +11,7 @@
 #include "itunes/itunesmusiclibrary.h"
 #include "itunes/itunestrackrecord.h"
 #include "itunesfixture.h"
+#include "loadplayerthread.h"
 #include "loggedlines.h"
 #include "mainwindow.h"
 #include "musicdetailedinfowidget.h"
@@ -66,7 +66,11 @@ void TestWorkerShortage::initTestCase()
 {
     Startup::afterApplication();
     Fixtures::genericCover();
-    PreparePlayer(); // not on the thread of its own: memory that is refused while libraries load ends badly
+    // The player is loaded once, at a song's first sight: threads are counted without that one, and memory
+    // that is refused while libraries load ends badly.
+    LoadPlayerThread::startSoon();
+    auto* const loading = qApp->findChild<LoadPlayerThread*>();
+    QTRY_VERIFY(loading && loading->isFinished());
 }
 
 void TestWorkerShortage::init()
@@ -120,7 +124,6 @@ void TestWorkerShortage::identifyingWithoutAThreadFails()
     MusicDetailedInfoWidget panel;
     panel.resize(330, 572);
     panel.SetMusicDetailedInfo(&song);
-    QCoreApplication::processEvents(); // what loads the player has its thread before there is none
     QSignalSpy forbidden(&panel, SIGNAL(emitForbidToClickView(bool)));
     const LoggedLines log;
     {
