@@ -8,6 +8,7 @@ namespace audiocore {
 class CheckedStream;
 struct TagEdits;
 
-/// Has the tag library write the edits into the file that lies in the stream. False when it refuses.
+/// Applies the edits to the header of the file that lies in the stream. False, and nothing is written, where
+/// its tags could not be kept.
 bool writeAsf(TagLib::ASF::File& file, CheckedStream& stream, const TagEdits& edits);
 } // namespace audiocore
