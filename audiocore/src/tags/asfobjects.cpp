@@ -35,31 +35,26 @@ const ByteVector newExtension("\x11\xD2\xD3\xAB\xBA\xA9\xCF\x11\x8E\xE6\x00\xC0\
 struct Known
 {
     Kind kind;
-    bool inExtension;
     ByteVector id;
 };
 const Known knownObjects[] = {
-    {Kind::FileProperties,
-     false,
-     {"\xA1\xDC\xAB\x8C\x47\xA9\xCF\x11\x8E\xE4\x00\xC0\x0C\x20\x53\x65", idSize}},
-    {Kind::Description, false, {"\x33\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", idSize}},
-    {Kind::Extended, false, {"\x40\xA4\xD0\xD2\x07\xE3\xD2\x11\x97\xF0\x00\xA0\xC9\x5E\xA8\x50", idSize}},
-    {Kind::Extension, false, {"\xB5\x03\xBF\x5F\x2E\xA9\xCF\x11\x8E\xE3\x00\xC0\x0C\x20\x53\x65", idSize}},
-    {Kind::Metadata, true, {"\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA", idSize}},
-    {Kind::Library, true, {"\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54", idSize}}};
+    {Kind::FileProperties, {"\xA1\xDC\xAB\x8C\x47\xA9\xCF\x11\x8E\xE4\x00\xC0\x0C\x20\x53\x65", idSize}},
+    {Kind::Description, {"\x33\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", idSize}},
+    {Kind::Extended, {"\x40\xA4\xD0\xD2\x07\xE3\xD2\x11\x97\xF0\x00\xA0\xC9\x5E\xA8\x50", idSize}},
+    {Kind::Extension, {"\xB5\x03\xBF\x5F\x2E\xA9\xCF\x11\x8E\xE3\x00\xC0\x0C\x20\x53\x65", idSize}},
+    {Kind::Metadata, {"\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA", idSize}},
+    {Kind::Library, {"\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54", idSize}}};
 
 /// Where title and author stand in a description, too: by TagItemType.
 constexpr const char* names[audiocore::textTypes] = {"Title",    "Author",  "WM/AlbumTitle",
                                                      "WM/Genre", "WM/Year", "WM/TrackNumber"};
 constexpr const char* pictureName = "WM/Picture";
 
-Kind kindOf(const ByteVector& id, bool inExtension)
+/// What stands at another place than its own nobody knows.
+Kind kindAt(const ByteVector& id, bool inExtension)
 {
-    const auto known =
-        std::find_if(std::begin(knownObjects), std::end(knownObjects), [&](const Known& object) {
-            return object.inExtension == inExtension && object.id == id;
-        });
-    return known == std::end(knownObjects) ? Kind::Other : known->kind;
+    const Kind kind = audiocore::asf::kindOf(id);
+    return (kind == Kind::Metadata || kind == Kind::Library) == inExtension ? kind : Kind::Other;
 }
 
 ByteVector wordOf(std::size_t number)
@@ -150,7 +145,7 @@ public:
         if (size < objectHead || ++m_parts > audiocore::mostFields)
             return false;
         Cursor body(cursor.take(size - objectHead));
-        object.kind = kindOf(object.id, inExtension);
+        object.kind = kindAt(object.id, inExtension);
         if (cursor.failed() || !takeBody(body, object) || body.failed())
             return false;
         object.rest = body.rest();
@@ -270,6 +265,13 @@ std::string audiocore::asf::textOf(const ByteVector& wide)
     std::string text = String(wide, String::UTF16LE).to8Bit(true);
     text.resize(text.find_last_not_of('\0') + 1);
     return text;
+}
+
+Kind audiocore::asf::kindOf(const ByteVector& id)
+{
+    const auto* known = std::find_if(std::begin(knownObjects), std::end(knownObjects),
+                                     [&id](const Known& object) { return object.id == id; });
+    return known == std::end(knownObjects) ? Kind::Other : known->kind;
 }
 
 bool audiocore::asf::isOfFields(Kind kind)

@@ -53,6 +53,8 @@ std::optional<Header> parse(const TagLib::ByteVector& bytes);
 /// format can say, or the whole larger than we write.
 std::optional<TagLib::ByteVector> render(const Header& header, std::int64_t behind);
 
+/// By the 16 bytes that an object begins with.
+Kind kindOf(const TagLib::ByteVector& id);
 bool isOfFields(Kind kind);
 /// An empty one.
 Object newObject(Kind kind);

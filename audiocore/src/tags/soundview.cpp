@@ -5,11 +5,14 @@
 #include "media/checkedstream.h"
 #include "media/formats.h"
 #include "media/oggpacket.h"
+#include "tags/asfobjects.h"
 #include "tags/commentbytes.h"
 #include "tags/id3v2frames.h"
 #include "tags/taglimits.h"
 
 #include <algorithm>
+
+namespace asf = audiocore::asf;
 
 using audiocore::CheckedStream;
 using audiocore::SoundView;
@@ -144,23 +147,19 @@ void SoundView::hideChunks(CheckedStream& stream, long position)
 /// The objects of fields become unknown ones; those inside the header's extension are looked at, too.
 void SoundView::hideAsfObjects(CheckedStream& stream, long position)
 {
-    static const ByteVector fields[] = {
-        {"\x40\xA4\xD0\xD2\x07\xE3\xD2\x11\x97\xF0\x00\xA0\xC9\x5E\xA8\x50", 16},
-        {"\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA", 16},
-        {"\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54", 16}};
-    static const ByteVector extension("\xB5\x03\xBF\x5F\x2E\xA9\xCF\x11\x8E\xE3\x00\xC0\x0C\x20\x53\x65", 16);
     static const ByteVector data("\x36\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", 16);
     constexpr long headSize = 24;
     constexpr long extensionHead = headSize + 22;
     for (;;) {
         const ByteVector head = bytesAt(stream, position, headSize);
-        const ByteVector kind = head.mid(0, 16);
+        const ByteVector id = head.mid(0, 16);
+        const asf::Kind kind = asf::kindOf(id);
         const std::int64_t size = long(head.size()) < headSize ? 0 : head.toLongLong(16, false);
-        if (kind == data || size < headSize)
+        if (id == data || size < headSize)
             return;
-        if (std::find(std::begin(fields), std::end(fields), kind) != std::end(fields))
+        if (asf::isOfFields(kind))
             set(position, "----", 4);
-        position = kind == extension ? position + extensionHead : behind(position, size);
+        position = kind == asf::Kind::Extension ? position + extensionHead : behind(position, size);
     }
 }
 
