@@ -12,8 +12,6 @@
 
 #include <algorithm>
 
-namespace asf = audiocore::asf;
-
 using audiocore::CheckedStream;
 using audiocore::SoundView;
 using TagLib::ByteVector;
