@@ -65,6 +65,7 @@ QList<Song> songs()
     return all;
 }
 
+/// Small: ffmpeg passes over values of WMA that are larger than 64 kB, where others read them.
 QByteArray newPicture()
 {
     return Fixtures::jpeg(24, 24, 3);
@@ -261,7 +262,10 @@ void TestJudges::editSongs()
 void TestJudges::initTestCase()
 {
     makeSongs();
-    editSongs();
+    if (!QTest::currentTestFailed())
+        editSongs();
+    if (QTest::currentTestFailed())
+        return;
     QStringList paths;
     for (const Song& song : songs()) {
         paths.append(pathOf(song, "before"));
