@@ -283,6 +283,10 @@ void TestAsf::aPictureGoesWhereItFits_data()
     QTest::newRow("small for an old one") << List{extended(others)} << small << List{inExtended(small)};
     QTest::newRow("large for an old one") << List{extended(others), extension({library({})})} << vast
                                           << List{extended(left), extension({inLibrary(vast)})};
+    const QByteArray behind = longField("WM/Lyrics", wide("La la la"));
+    QTest::newRow("large, others behind the old one")
+        << List{extension({library({longField("WM/Picture", picture("\xFF\xD8 old"), Bytes), behind})})}
+        << vast << List{extension({library({behind, longField("WM/Picture", picture(vast), Bytes)})})};
     QTest::newRow("small for two") << List{extension({inLibrary(vast)}), extended(others)} << small
                                    << List{extension({inLibrary(small)}), extended(left)};
     QTest::newRow("none for two") << List{extension({inLibrary(vast)}), extended(others)} << QByteArray("")

@@ -65,7 +65,7 @@ QList<Song> songs()
     return all;
 }
 
-/// Small: ffmpeg passes over values of WMA that are larger than 64 kB, where others read them.
+/// Small: ffmpeg gives up at values of WMA that are larger than 64 kB, which others read.
 QByteArray newPicture()
 {
     return Fixtures::jpeg(24, 24, 3);

@@ -77,17 +77,15 @@ std::vector<Object*> AsfBytes::objectsOfFields()
 }
 
 /// Where a new value of the field goes: to an old one where that object can hold it.
-Object& AsfBytes::homeOf(int type, unsigned int valueSize)
+Object& AsfBytes::homeOf(int type, bool large)
 {
-    const bool large = valueSize > asf::largestShortValue;
+    if (large)
+        return firstOf(Kind::Library, firstOf(Kind::Extension, m_header.objects).objects);
     const auto isOld = [type](const Field& field) { return field.says == type && field.common; };
     for (Object* object : objectsOfFields())
-        if ((!large || object->kind == Kind::Library) &&
-            std::any_of(object->fields.begin(), object->fields.end(), isOld))
+        if (std::any_of(object->fields.begin(), object->fields.end(), isOld))
             return *object;
-    if (!large)
-        return firstOf(Kind::Extended, m_header.objects);
-    return firstOf(Kind::Library, firstOf(Kind::Extension, m_header.objects).objects);
+    return firstOf(Kind::Extended, m_header.objects);
 }
 
 /// Of several descriptions the last one is shown.
@@ -101,18 +99,22 @@ void AsfBytes::setDescription(int type, const ByteVector& text)
             object->texts[size_t(type)] = std::exchange(left, ByteVector());
 }
 
+/// A large value comes last: some readers give up there, and lose what is behind it.
 void AsfBytes::setField(int type, const std::optional<Value>& value)
 {
-    const Object* home = value ? &homeOf(type, value->bytes.size()) : nullptr;
+    const bool large = value && value->bytes.size() > asf::largestShortValue;
+    Object* const home = value ? &homeOf(type, large) : nullptr;
     const auto isOld = [type](const Field& field) {
         return field.says == type && (field.common || !isDescribed(type));
     };
     for (Object* object : objectsOfFields()) {
         std::optional<Field> replacement;
-        if (value && object == home)
+        if (value && object == home && !large)
             replacement = asf::newField(object->kind, type, *value);
         replaceFields(object->fields, isOld, replacement);
     }
+    if (value && large)
+        home->fields.push_back(asf::newField(home->kind, type, *value));
 }
 
 /// The first one, where it is a text.

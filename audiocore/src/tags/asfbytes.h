@@ -24,7 +24,7 @@ public:
 
 private:
     std::vector<asf::Object*> objectsOfFields();
-    asf::Object& homeOf(int type, unsigned int valueSize);
+    asf::Object& homeOf(int type, bool large);
     void setDescription(int type, const TagLib::ByteVector& text);
     void setField(int type, const std::optional<asf::Value>& value);
     std::string trackNow();
