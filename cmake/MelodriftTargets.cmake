@@ -60,11 +60,11 @@ macro(melodrift_run_as_test test program)
   add_test(NAME ${test} COMMAND ${launcher} $<TARGET_FILE:${program}> ${ARGN})
 endmacro()
 
-# melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [PROGRAMS ...] [READS_SOURCES] [SECONDS N]): one Qt Test program
-# NAME.cpp, run offscreen. It starts the programs of those targets, or looks at sources. The longest begin first, so that
-# none is waited for alone.
+# melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [PROGRAMS ...] [READS_SOURCES] [SECONDS N] [PARTS N]): one Qt Test
+# program NAME.cpp, run offscreen. It starts the programs of those targets, or looks at sources. The longest begin first,
+# so that none is waited for alone; one that runs in parts takes "--part K N" (tests/parts.h).
 function(melodrift_add_test name)
-  cmake_parse_arguments(ARG "READS_SOURCES" "SECONDS" "SOURCES;LIBS;PROGRAMS" ${ARGN})
+  cmake_parse_arguments(ARG "READS_SOURCES" "SECONDS;PARTS" "SOURCES;LIBS;PROGRAMS" ${ARGN})
   add_executable(${name} ${name}.cpp ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${ARG_LIBS})
   # Each test's source holds its one class: a moc of its own takes a twentieth of what automoc takes to look for it.
@@ -76,18 +76,27 @@ function(melodrift_add_test name)
   if("melodrift_app" IN_LIST ARG_LIBS)
     target_precompile_headers(${name} REUSE_FROM widget_test_headers)
   elseif("Qt5::Network" IN_LIST ARG_LIBS)
-    target_precompile_headers(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/patience.h)
+    # The one of its kind: precompiling takes longer than reading. It includes patience.h itself.
   elseif("test_support" IN_LIST ARG_LIBS)
     target_precompile_headers(${name} REUSE_FROM core_test_headers)
   else()
     target_precompile_headers(${name} REUSE_FROM plain_test_headers)
   endif()
-  melodrift_run_as_test(${name} ${name})
+  set(tests)
+  if(ARG_PARTS)
+    foreach(part RANGE 1 ${ARG_PARTS})
+      melodrift_run_as_test(${name}_${part} ${name} --part ${part} ${ARG_PARTS})
+      list(APPEND tests ${name}_${part})
+    endforeach()
+  else()
+    melodrift_run_as_test(${name} ${name})
+    set(tests ${name})
+  endif()
   if(ARG_PROGRAMS)
     add_dependencies(${name} ${ARG_PROGRAMS})
   endif()
   set_tests_properties(
-    ${name}
+    ${tests}
     PROPERTIES
       COST "0${ARG_SECONDS}"
       TIMEOUT 1800

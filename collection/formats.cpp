@@ -1,32 +1,49 @@
 #include "collection/formats.h"
 
+#include <QStringList>
+
+#include <algorithm>
+#include <iterator>
+
 namespace {
 struct Format
 {
+    const char* ending;
     const char* name;   ///< oddity 8: these capitals
     const char* listed; ///< as lists and panels show it
-    const char* ending; ///< oddities 19 and 20: three letters; null comes in by the dialog alone
+    int code;           ///< the audio core's
+    bool byDialogAlone; ///< oddity 20
 };
 
-/// By the audio core's code.
-constexpr Format formats[] = {{"wav", "WAV", "wav"}, {"Wma", "WMA", nullptr}, {"mp3", "MP3", "mp3"},
-                              {"AAC", "AAC", "aac"}, {"M4a", "M4A", "m4a"},   {"OGG", "OGG", "ogg"},
-                              {"APE", "APE", "ape"}, {"Flac", "FLAC", "lac"}};
+/// In the order in which the dialog names them.
+constexpr Format formats[] = {{"mp3", "mp3", "MP3", 2, false},    {"m4a", "M4a", "M4A", 4, false},
+                              {"ape", "APE", "APE", 6, false},    {"aac", "AAC", "AAC", 3, false},
+                              {"flac", "Flac", "FLAC", 7, false}, {"wma", "Wma", "WMA", 1, true},
+                              {"wav", "wav", "WAV", 0, false},    {"ogg", "OGG", "OGG", 5, false}};
 
 /// Null for a code without a row.
 const Format* rowOf(int formatCode)
 {
-    const bool known = formatCode >= 0 && formatCode < int(sizeof formats / sizeof *formats);
-    return known ? &formats[formatCode] : nullptr;
+    const auto* const row = std::find_if(std::begin(formats), std::end(formats),
+                                         [formatCode](const Format& one) { return one.code == formatCode; });
+    return row == std::end(formats) ? nullptr : row;
 }
 } // namespace
 
 bool Formats::isMusicEnding(const QString& lastThree)
 {
+    return std::any_of(std::begin(formats), std::end(formats), [&lastThree](const Format& format) {
+        return !format.byDialogAlone &&
+               lastThree.compare(QLatin1String(format.ending).right(3), Qt::CaseInsensitive) == 0;
+    });
+}
+
+QString Formats::namePatterns()
+{
+    QStringList patterns;
     for (const Format& format : formats)
-        if (format.ending && lastThree.compare(QLatin1String(format.ending), Qt::CaseInsensitive) == 0)
-            return true;
-    return false;
+        patterns.append(QLatin1String("*.") + QLatin1String(format.ending));
+    return patterns.join(' ');
 }
 
 QString Formats::nameOf(int formatCode)

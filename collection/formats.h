@@ -6,6 +6,8 @@
 namespace Formats {
 /// Oddity 19: whether a file counts as music, by the last three characters of its name; "lac" is FLAC.
 bool isMusicEnding(const QString& lastThree);
+/// "*.mp3 *.m4a" and so on, for a dialog that lets the user choose any of them.
+QString namePatterns();
 /// Oddity 8: a name for the audio core's format code, which no screen shows; "None" for an unknown one.
 QString nameOf(int formatCode);
 /// Oddity 9: "WAV", "MP3" and so on; every code without a name of its own is "MP3".

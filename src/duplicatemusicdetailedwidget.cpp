@@ -3,6 +3,7 @@
 #include "common/screenplace.h"
 #include "common/style.h"
 #include "dupmusicbarwidget.h"
+#include "loadplayerthread.h"
 #include "playsongwidget.h"
 #include "songs/songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
@@ -48,6 +49,7 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
     ui->m_btnClearAll->show();
     ui->m_btnClearOne->show();
     show();
+    LoadPlayerThread::startSoon();
 }
 
 /// While rows come or go: each that does so before the user's eyes looks at all the others.

@@ -1,14 +1,14 @@
 #include "intakedialogs.h"
 
+#include "collection/formats.h"
 #include "common/messagedialog.h"
 
 #include <QFileDialog>
 
 QStringList IntakeDialogs::chooseFiles(QWidget* parent)
 {
-    return QFileDialog::getOpenFileNames(
-        parent, QStringLiteral("open"), QString(),
-        QStringLiteral("music files(*.mp3 *.m4a *.ape *.aac *.flac *.wma *.wav *.ogg)"));
+    return QFileDialog::getOpenFileNames(parent, QStringLiteral("open"), QString(),
+                                         QStringLiteral("music files(%1)").arg(Formats::namePatterns()));
 }
 
 bool IntakeDialogs::offerChoice()

@@ -7,6 +7,7 @@
 #include "common/workers.h"
 #include "covers/coverchoice.h"
 #include "identifythread.h"
+#include "loadplayerthread.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "ui_musicdetailedinfowidget.h"
@@ -123,6 +124,7 @@ void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
     }
     m_bNewSong = true;
     ShowMusicInfo();
+    LoadPlayerThread::startSoon();
 }
 
 /// What was identified is not about the song that comes.

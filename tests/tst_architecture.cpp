@@ -15,6 +15,7 @@ private slots:
     void everyFileLiesInARoom();
     void formsShowTheKitAndWindowsOnly();
     void theModeIsReadInFewPlaces();
+    void formatsAreToldApartInTheirTableAlone();
 };
 
 namespace {
@@ -58,7 +59,7 @@ const QVector<Room>& rooms()
          qt + '|' + engines},
         {"itunes/src/calls", {"base", "itunes/include", "itunes/src/library"}, qt + '|' + engines},
         {"collection", {"base"}, widgets + '|' + engines},
-        {"src/common", {"forms"}, engines},
+        {"src/common", {"base", "forms"}, engines},
         {"src/covers", {"collection", "src/common"}, engines},
         {"records", {"collection", "src/common", "src/covers"}, engines},
         {"src/songs",
@@ -255,6 +256,21 @@ void TestArchitecture::theModeIsReadInFewPlaces()
     // Fields come from songfields alone; the others ask what the mode lets the user do.
     QCOMPARE(readers, QStringList({"centerwidget", "dupmusicbarwidget", "mainwindow", "qiorvoutil",
                                    "songediting", "songfields", "songremoval"}));
+}
+
+void TestArchitecture::formatsAreToldApartInTheirTableAlone()
+{
+    // A format is a row of the table and a file of its own, which knows its types: nobody asks for either.
+    static const QRegularExpression format("AUDIO_FORMAT_(?!UNKNOWN)");
+    static const QRegularExpression kindOfFile("dynamic_cast<[^>]*File\\b");
+    QStringList tables;
+    for (const QString& path : filesIn("audiocore/src", {"*.h", "*.cpp"})) {
+        const QString content = contentOf(path);
+        if (content.contains(format))
+            tables.append(path);
+        QVERIFY2(!content.contains(kindOfFile), qPrintable(path));
+    }
+    QCOMPARE(tables, QStringList("audiocore/src/media/formats.cpp"));
 }
 
 QTEST_GUILESS_MAIN(TestArchitecture)

@@ -7,6 +7,7 @@
 #include "guidriver.h"
 #include "itunesfixture.h"
 #include "mainwindow.h"
+#include "parts.h"
 #include "playsongwidget.h"
 #include "programwindow.h"
 #include "restwatch.h"
@@ -342,5 +343,11 @@ void TestRest::onePaintingBringsNoOther()
     QVERIFY2(!m_watch->happened().contains("LayoutRequest"), qPrintable(m_watch->happened()));
 }
 
-QTEST_MAIN(TestRest)
+int main(int argc, char* argv[])
+{
+    TestRest::initMain();
+    const QApplication application(argc, argv);
+    TestRest test;
+    return runPart(test, QApplication::arguments());
+}
 #include "tst_rest.moc"

@@ -118,6 +118,7 @@ void TestWorkerShortage::identifyingWithoutAThreadFails()
     MusicDetailedInfoWidget panel;
     panel.resize(330, 572);
     panel.SetMusicDetailedInfo(&song);
+    QCoreApplication::processEvents(); // what loads the player has its thread before there is none
     QSignalSpy forbidden(&panel, SIGNAL(emitForbidToClickView(bool)));
     const LoggedLines log;
     {

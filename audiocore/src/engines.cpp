@@ -12,17 +12,24 @@ namespace {
 template <typename Engine>
 class Module
 {
+    using Door = audiocore::EngineDoor<Engine>;
+
 public:
     constexpr Module(const char* file, const char* doorName, const char* purpose)
         : m_file(file), m_doorName(doorName), m_purpose(purpose)
     {
     }
 
-    Engine* make()
+    /// Two threads may load at once: the system does it for one, and has the other wait.
+    const Door* opened()
     {
         if (!m_door)
             m_door = load();
-        const Door* const door = m_door;
+        return m_door;
+    }
+    Engine* make()
+    {
+        const Door* const door = opened();
         return door ? door->make() : nullptr;
     }
     /// Whoever has an engine came through the door.
@@ -33,8 +40,6 @@ public:
     }
 
 private:
-    using Door = audiocore::EngineDoor<Engine>;
-
     const Door* load() const
     {
         std::string error;
@@ -57,6 +62,11 @@ Module<IAudioIdentifier> identify("melodrift-identify", "melodriftIdentify", "id
 IAudioPlayer* CreatePlayer()
 {
     return playback.make();
+}
+
+void PreparePlayer()
+{
+    playback.opened();
 }
 
 void DestroyPlayer(IAudioPlayer* player)

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "base/picturelimits.h"
+
 #include <QSize>
 
-/// What a picture may be at most, whether of the skin or a cover.
 namespace PictureLimits {
-constexpr qint64 mostPixels = 64ll * 1024 * 1024;
-
-/// A picture of more pixels counts as none; told before it is read.
+/// Whether the picture counts as none.
 inline bool hasTooMany(const QSize& pixels)
 {
-    return qint64(pixels.width()) * pixels.height() > mostPixels;
+    return qint64(pixels.width()) * pixels.height() > base::mostPixels;
 }
 } // namespace PictureLimits

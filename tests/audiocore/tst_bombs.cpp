@@ -4,6 +4,7 @@
 #include "fixtures.h"
 #include "identify/fingerprint.h"
 #include "media/checkedstream.h"
+#include "sanitized.h"
 
 #include "audiocore/iaudiodecoder.h"
 #include "audiocore/iaudioplayer.h"
@@ -17,12 +18,6 @@
 #include <cstdio>
 #include <fstream>
 #include <sys/resource.h>
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool sanitized = true;
-#else
-constexpr bool sanitized = false;
-#endif
 
 namespace {
 constexpr qint64 megabyte = 1 << 20;

@@ -1,5 +1,6 @@
 // The two engines come in at their first use, and are missed without harm.
 #include "audiofile.h"
+#include "loadedlibraries.h"
 #include "programrun.h"
 
 #include <audiocore/iaudioidentifier.h>
@@ -18,18 +19,6 @@ private slots:
 };
 
 namespace {
-/// What of these libraries a process has in its memory.
-QStringList loadedBy(const QString& process, const QStringList& libraries)
-{
-    QFile maps("/proc/" + process + "/maps");
-    const QByteArray all = maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
-    QStringList loaded;
-    for (const QString& library : libraries)
-        if (all.contains(library.toUtf8()))
-            loaded.append(library);
-    return loaded;
-}
-
 const QString player = "libmelodrift-playback";
 const QString identification = "libmelodrift-identify";
 const QStringList engines = {player, identification, "libmpv", "libavcodec", "libchromaprint", "libcurl"};

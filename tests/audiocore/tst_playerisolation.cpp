@@ -1,4 +1,5 @@
 #include "fixtures.h"
+#include "patience.h"
 #include "playing.h"
 
 #include <QDir>

@@ -21,6 +21,7 @@ private slots:
     void aWavFileEndsBehindItsLastChunk();
     void theOpenFileIsLookedAtAndNoOther();
     void tagsAreNotShown();
+    void theBlockThatDescribesTheStreamIsShown();
 
 private:
     QTemporaryDir m_folder;
@@ -115,6 +116,19 @@ void TestSoundView::tagsAreNotShown()
     QVERIFY(view);
     QCOMPARE(shown(*view, song, written.size() - list.size(), list.size()),
              QByteArray(list).replace("LIST", "JUNK"));
+}
+
+void TestSoundView::theBlockThatDescribesTheStreamIsShown()
+{
+    // Also where it is the only one, and so the last one.
+    const QByteArray only = "fLaC\x80" + QByteArray("\0\0\x22", 3) + QByteArray(34, '\1');
+    QFile written(m_folder.filePath("only.flac"));
+    QVERIFY(written.open(QIODevice::WriteOnly) && written.write(only) == only.size());
+    written.close();
+    const File song = opened(written.fileName());
+    const std::optional<SoundView> view = viewOf(song);
+    QVERIFY(view);
+    QCOMPARE(shown(*view, song, 0, only.size()), only);
 }
 
 QTEST_GUILESS_MAIN(TestSoundView)

@@ -414,6 +414,8 @@ void TestTagBytes::textsInNoKnownEncodingAreShownAndStay_data()
     QTest::newRow("ape") << "ape" << tone("ape") + apeTag(items) << items;
     const QByteArrayList fields = {field("ARTIST=Caf\xE9"), field("COMPOSER=B\xE9la")};
     QTest::newRow("flac") << "flac" << flacWith(comment(fields)) << fields;
+    const QByteArray front = id3v2(4, {frame(4, "TALB", text("Front"))});
+    QTest::newRow("flac behind two tags") << "flac" << front + front + flacWith(comment(fields)) << fields;
 
     QTemporaryDir folder;
     const QString ogg = Fixtures::copyTone(QStringLiteral("ogg"), folder.path());

@@ -1,4 +1,5 @@
 #include "audiocore/tagitem.h"
+#include "sanitized.h"
 #include "songlibrary.h"
 
 #include <expat.h>
@@ -209,7 +210,7 @@ void TestLibraryKill::everythingIsWritten()
 
 void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
 {
-    constexpr int kills = 200;
+    constexpr int kills = sanitized ? 60 : 200;
     int journals = 0;
     int writings = 0;
     for (int i = 0; i < kills; ++i) {
@@ -246,7 +247,7 @@ void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
 /// Several programs delete one track each, at one moment and as their first change, and are killed.
 void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
 {
-    constexpr int rounds = 30;
+    constexpr int rounds = sanitized ? 8 : 30;
     constexpr int programs = 6;
     SongLibrary songs;
     const QString gatePath = Fixtures::writeLibrary(songs.inFolder("gate"), "");

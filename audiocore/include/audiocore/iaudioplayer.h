@@ -55,5 +55,8 @@ protected:
 /// The first call loads the module. The playback engine needs the process's LC_NUMERIC to be "C" and the
 /// first player sets it so where it is not: a program with threads does that itself before it starts them.
 IAudioPlayer* CreatePlayer();
+/// Loads the module ahead, which takes longer than a user should wait for a song's first sound. Any thread,
+/// also while another creates a player. Of a missing module CreatePlayer tells again.
+void PreparePlayer();
 /// Ends the playback and frees the player, also while it plays; null is allowed.
 void DestroyPlayer(IAudioPlayer* player);

@@ -1,12 +1,13 @@
 #include "identify/coverart.h"
 
+#include "base/picturelimits.h"
+
 #include <cstdint>
 
 namespace coverart = audiocore::coverart;
 
 namespace {
 constexpr std::size_t largestPicture = 20 * 1024 * 1024;
-constexpr std::uint64_t mostPixels = 64 * 1024 * 1024;
 
 bool startsWith(const std::string& bytes, const std::string& magic)
 {
@@ -26,7 +27,7 @@ std::uint32_t numberAt(const std::string& bytes, std::size_t at, std::size_t len
 
 bool canBeShown(std::uint64_t width, std::uint64_t height)
 {
-    return width > 0 && height > 0 && width * height <= mostPixels;
+    return width > 0 && height > 0 && width * height <= std::uint64_t(base::mostPixels);
 }
 
 namespace jpeg {

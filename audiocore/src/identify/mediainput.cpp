@@ -64,7 +64,7 @@ void MediaInput::noteProgress()
 int MediaInput::readPacket(void* self, std::uint8_t* bytes, int size)
 {
     auto* input = static_cast<MediaInput*>(self);
-    if (input->isInterrupted())
+    if (!input->m_view || input->isInterrupted())
         return AVERROR_EXIT;
     const std::size_t got = input->m_view->readAt(input->m_file, input->m_position, bytes, std::size_t(size));
     input->m_position += std::int64_t(got);

@@ -60,6 +60,11 @@ public:
     /// What readBlock hands out goes through the screen, until null is set; the screen must live as long.
     void setScreen(StreamScreen* screen) { m_screen = screen; }
     TagLib::ByteVector readUnscreened(StreamSize length);
+    TagLib::ByteVector readAt(StreamOffset position, StreamSize length)
+    {
+        seek(position);
+        return readBlock(length);
+    }
     /// How often this thread has read or sought in any such stream.
     static std::int64_t stepsOfThread();
 

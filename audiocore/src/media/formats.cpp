@@ -1,20 +1,28 @@
 #include "media/formats.h"
 
+#include "media/mpegframes.h"
+
 #include <algorithm>
+#include <iterator>
 
 using audiocore::FormatRow;
+
+namespace audiocore {
+// Each in a file of its name: flactags.cpp and so on, with both of raw MPEG audio in mpegtags.cpp.
+extern const TagKind flacTags, oggTags, apeTags, asfTags, wavTags, mp4Tags, mp3Tags, adtsTags;
+} // namespace audiocore
 
 namespace {
 /// Where two would fit, the first counts.
 constexpr FormatRow rows[] = {
-    {AUDIO_FORMAT_FLAC, {{{0, "fLaC"}}}, "flac", nullptr},
-    {AUDIO_FORMAT_OGG, {{{0, "OggS"}}}, "ogg", nullptr},
-    {AUDIO_FORMAT_APE, {{{0, "MAC "}}}, "ape", nullptr},
-    {AUDIO_FORMAT_WMA, {{{0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11"}}}, "asf", nullptr},
-    {AUDIO_FORMAT_WAV, {{{0, "RIFF"}, {8, "WAVE"}}}, "wav", nullptr},
-    {AUDIO_FORMAT_M4A, {{{4, "ftyp"}}}, "mov", nullptr},
-    {AUDIO_FORMAT_MP3, {}, "mp3", audiocore::measureMp3},
-    {AUDIO_FORMAT_AAC, {}, "aac", audiocore::measureAdts},
+    {AUDIO_FORMAT_FLAC, {{{0, "fLaC"}}}, nullptr, "flac", &audiocore::flacTags},
+    {AUDIO_FORMAT_OGG, {{{0, "OggS"}}}, nullptr, "ogg", &audiocore::oggTags},
+    {AUDIO_FORMAT_APE, {{{0, "MAC "}}}, nullptr, "ape", &audiocore::apeTags},
+    {AUDIO_FORMAT_WMA, {{{0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11"}}}, nullptr, "asf", &audiocore::asfTags},
+    {AUDIO_FORMAT_WAV, {{{0, "RIFF"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
+    {AUDIO_FORMAT_M4A, {{{4, "ftyp"}}}, nullptr, "mov", &audiocore::mp4Tags},
+    {AUDIO_FORMAT_MP3, {}, audiocore::findsMp3, "mp3", &audiocore::mp3Tags},
+    {AUDIO_FORMAT_AAC, {}, audiocore::findsAdts, "aac", &audiocore::adtsTags},
 };
 
 constexpr bool fitInMagic()
@@ -26,6 +34,13 @@ constexpr bool fitInMagic()
     return true;
 }
 static_assert(fitInMagic());
+
+template <class Says>
+const FormatRow* firstRow(Says says)
+{
+    const auto* const row = std::find_if(std::begin(rows), std::end(rows), says);
+    return row == std::end(rows) ? nullptr : row;
+}
 
 bool begins(std::string_view head, const FormatRow& row)
 {
@@ -39,16 +54,25 @@ bool begins(std::string_view head, const FormatRow& row)
 
 const FormatRow* audiocore::rowOf(AudioFormat format)
 {
-    const auto* const row = std::find_if(std::begin(rows), std::end(rows),
-                                         [format](const FormatRow& one) { return one.format == format; });
-    return row == std::end(rows) ? nullptr : row;
+    return firstRow([format](const FormatRow& row) { return row.format == format; });
 }
 
-AudioFormat audiocore::formatByMagic(std::string_view head)
+const FormatRow* audiocore::rowByMagic(std::string_view head)
 {
-    const auto* const row = std::find_if(std::begin(rows), std::end(rows),
-                                         [head](const FormatRow& one) { return begins(head, one); });
-    return row == std::end(rows) ? AUDIO_FORMAT_UNKNOWN : row->format;
+    return firstRow([head](const FormatRow& row) { return begins(head, row); });
+}
+
+const FormatRow* audiocore::rowByFrames(TagLib::IOStream& stream, long begin)
+{
+    constexpr long rightHere = 1;
+    constexpr long behindRubbish = 64 * 1024;
+    const FormatRow* found = nullptr;
+    for (const long searchLength : {rightHere, behindRubbish})
+        if (!found)
+            found = firstRow([&stream, begin, searchLength](const FormatRow& row) {
+                return row.findsFrames && row.findsFrames(stream, begin, searchLength);
+            });
+    return found;
 }
 
 std::string audiocore::allDemuxers()

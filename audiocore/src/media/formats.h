@@ -1,16 +1,21 @@
 #pragma once
 
 #include "audiocore/iaudiodecoder.h"
-#include "media/mpegframes.h"
 
 #include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
+namespace TagLib {
+class IOStream;
+}
+
 namespace audiocore {
-/// What there is to say about a format without doing anything with its tags. Each has one row; what is done
-/// with a file goes by its format or by the kind of its tag library's object.
+struct TagKind;
+
+/// All that tells one format from another. Each has one row, and what is done with its tags stands in one
+/// file of `tags/`, which the row names.
 struct FormatRow
 {
     struct Magic
@@ -23,10 +28,11 @@ struct FormatRow
     /// Bytes that a file of it has behind the tags at its beginning. All of them; none where only frames
     /// tell.
     std::array<Magic, 2> magic;
+    /// Whether its frames begin within `searchLength` bytes from `begin` on; null where the magic bytes tell.
+    bool (*findsFrames)(TagLib::IOStream& stream, long begin, long searchLength);
     /// FFmpeg's name of the one demuxer, for playing and for fingerprints. It opens no other file.
     const char* demuxer;
-    /// Tells length and rates by the frames; null where the container tells.
-    MpegStream (*measure)(TagLib::IOStream& stream, long begin);
+    const TagKind* tags;
 };
 
 /// Null for AUDIO_FORMAT_UNKNOWN.
@@ -34,8 +40,10 @@ const FormatRow* rowOf(AudioFormat format);
 
 /// So many bytes tell the format, where it has any that do.
 constexpr std::size_t longestMagic = 12;
-/// AUDIO_FORMAT_UNKNOWN for what has no magic bytes.
-AudioFormat formatByMagic(std::string_view head);
+/// Null for what has no magic bytes.
+const FormatRow* rowByMagic(std::string_view head);
+/// Null for what has no frames from `begin` on.
+const FormatRow* rowByFrames(TagLib::IOStream& stream, long begin);
 
 /// The demuxers of all formats, with commas.
 std::string allDemuxers();

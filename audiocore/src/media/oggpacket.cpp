@@ -1,6 +1,7 @@
 #include "media/oggpacket.h"
 
 #include "media/checkedstream.h"
+#include "media/flacblock.h"
 
 #include <algorithm>
 #include <optional>
@@ -131,17 +132,14 @@ long OggComment::placeOf(unsigned int byte) const
 std::vector<OggComment> audiocore::oggComments(CheckedStream& stream, long begin, long mostBytes)
 {
     constexpr unsigned int magic = 8;
-    constexpr unsigned int flacHead = 4;
-    constexpr int kindOfBlock = 0x7F;
-    constexpr int commentBlock = 4;
     std::vector<OggComment> comments;
     PacketReader reader(stream, begin);
     const std::optional<Packet> first = reader.next(mostBytes);
     if (!first)
         return comments;
     const ByteVector kind = reader.bytesOf(*first, 0, magic);
-    const bool flac = kind.startsWith("\x7F"
-                                      "FLAC");
+    const bool inFlac = kind.startsWith("\x7F"
+                                        "FLAC");
     const bool speex = kind.startsWith("Speex   ");
     while (const std::optional<Packet> packet = reader.next(mostBytes)) {
         const ByteVector head = reader.bytesOf(*packet, 0, magic);
@@ -150,12 +148,11 @@ std::vector<OggComment> audiocore::oggComments(CheckedStream& stream, long begin
             comments.push_back(commentOf(reader, *packet, 7));
         else if (head.startsWith("OpusTags"))
             comments.push_back(commentOf(reader, *packet, magic));
-        else if (flac && packet->size > flacHead && (head.data()[0] & kindOfBlock) == commentBlock)
-            comments.push_back(commentOf(reader, *packet, flacHead));
+        else if (inFlac && packet->size > flac::headSize && flac::kindOf(head) == flac::Comment)
+            comments.push_back(commentOf(reader, *packet, flac::headSize));
         else if (speex)
             comments.push_back(commentOf(reader, *packet, 0));
-        const bool last = head.isEmpty() || (head.data()[0] & ~kindOfBlock) != 0;
-        if (!flac || last)
+        if (!inFlac || head.isEmpty() || flac::isLast(head))
             break;
     }
     return comments;

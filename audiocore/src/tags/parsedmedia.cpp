@@ -1,20 +1,12 @@
 #include "tags/parsedmedia.h"
 
-#include "base/checkedmath.h"
 #include "base/log.h"
 #include "base/platform.h"
 #include "base/text.h"
 #include "media/checkedstream.h"
-#include "media/formats.h"
 #include "media/soundlimits.h"
-#include "tags/mp4file.h"
 #include "tags/tagfields.h"
 
-#include <taglib/audioproperties.h>
-#include <taglib/oggfile.h>
-#include <taglib/oggpageheader.h>
-
-#include <algorithm>
 #include <mutex>
 
 using audiocore::MpegStream;
@@ -35,36 +27,6 @@ LastReading& lastReading()
     return *reading;
 }
 
-/// An Ogg stream's length by its last page, for headers that do not know it.
-std::int64_t millisecondsByLastPage(TagLib::File& file, int sampleRate)
-{
-    auto* ogg = dynamic_cast<TagLib::Ogg::File*>(&file);
-    const TagLib::Ogg::PageHeader* page = ogg && sampleRate > 0 ? ogg->lastPageHeader() : nullptr;
-    return page ? base::checked::scaled(std::max<std::int64_t>(page->absoluteGranularPosition(), 0), 1000,
-                                        sampleRate)
-                : 0;
-}
-
-MpegStream propertiesOf(const audiocore::MediaFile& media, TagLib::IOStream& stream)
-{
-    const audiocore::FormatRow* row = audiocore::rowOf(media.format);
-    if (row && row->measure)
-        return row->measure(stream, media.audioBegin);
-    if (const auto* mp4 = dynamic_cast<const audiocore::Mp4File*>(media.file.get()))
-        return mp4->sound();
-    MpegStream result;
-    if (const TagLib::AudioProperties* properties = media.file->audioProperties()) {
-        result.milliseconds = properties->lengthInMilliseconds();
-        result.sampleRate = properties->sampleRate();
-        result.bitsPerSecond = std::int64_t(properties->bitrate()) * 1000;
-    }
-    if (result.milliseconds > 0)
-        return result;
-    result.milliseconds = millisecondsByLastPage(*media.file, result.sampleRate);
-    result.bitsPerSecond = base::checked::scaled(stream.length(), 8000, result.milliseconds);
-    return result;
-}
-
 void addItems(ParsedMedia& parsed, const audiocore::TagContent& content)
 {
     for (int type = 0; type < audiocore::textTypes; ++type) {
@@ -80,8 +42,7 @@ void addItems(ParsedMedia& parsed, const audiocore::TagContent& content)
 bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
 {
     const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
-    const MpegStream properties =
-        media.format == AUDIO_FORMAT_UNKNOWN ? MpegStream() : propertiesOf(media, stream);
+    const MpegStream properties = media.file ? media.file->sound() : MpegStream();
     if (!audiocore::isSampleRate(properties.sampleRate))
         return false;
     parsed.format = media.format;

@@ -1,19 +1,43 @@
 #pragma once
 
-#include "tags/tagfields.h"
+#include <taglib/tbytevector.h>
+
+#include <string>
 
 namespace TagLib {
 namespace ASF {
 class Tag;
 }
+namespace ID3v2 {
+class Tag;
+}
 } // namespace TagLib
 
 namespace audiocore {
-/// The most bytes that a picture may have to be written into this file: its tag can hold it, and our own
-/// player still plays the file.
-unsigned int largestPicture(const MediaFile& media);
-/// Fills in the front cover, else the first picture, and how many there are.
-void readPictures(const MediaFile& media, TagContent& content);
+/// Bytes: what our own player gets past, whatever the format wraps it in.
+constexpr unsigned int largestPicture = 32u * 1024 * 1024;
+/// Of what holds less than 16 MB.
+constexpr unsigned int largestPictureInBlock = (16u * 1024 - 64) * 1024;
+/// What goes into the tag, or into a new one.
+unsigned int largestPictureIn(const TagLib::ID3v2::Tag* tag);
+
+/// Picks the front cover from a file's pictures, else the first one.
+class PictureChoice
+{
+public:
+    void offer(const TagLib::ByteVector& bytes, bool front);
+    /// One that is there and is not to be chosen.
+    void passOver() { ++m_count; }
+    /// None where none was chosen.
+    const TagLib::ByteVector& bytes() const { return m_chosen; }
+    /// Of whatever kind and size.
+    int count() const { return m_count; }
+
+private:
+    int m_count = 0;
+    TagLib::ByteVector m_chosen;
+    bool m_front = false;
+};
 
 /// "image/png" and the like, by the first bytes.
 std::string pictureType(const TagLib::ByteVector& bytes);

@@ -5,7 +5,7 @@
 #include "base/savelock.h"
 #include "media/checkedstream.h"
 #include "tags/parsedmedia.h"
-#include "tags/pictures.h"
+#include "tags/tagfields.h"
 #include "tags/tagwriting.h"
 
 #include <cstdint>
@@ -51,7 +51,7 @@ bool neededEdits(CheckedStream& stream, const TagEdits& edits, Needed& needed, s
         return false;
     }
     needed.edits = audiocore::changesOf(edits, audiocore::readTags(media));
-    const unsigned int most = audiocore::largestPicture(media);
+    const unsigned int most = media.file->largestPicture();
     if (needed.edits.picture && needed.edits.picture->size() > most) {
         needed.leftOut = "the picture was not saved, the old one stays: it has " +
                          std::to_string(needed.edits.picture->size()) + " bytes, the file takes " +
@@ -81,7 +81,7 @@ bool editCopy(const NewFile& copy, const std::string& target, const TagEdits& ed
     }
     {
         const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Writing);
-        error = media.file ? audiocore::writeTags(media, edits) : "the tag cannot be written";
+        error = media.file ? audiocore::writeTags(media, edits) : audiocore::cannotBeWritten;
         if (!error.empty())
             return false;
     }

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace audiocore {
 class CheckedStream;
@@ -27,15 +28,16 @@ public:
     /// How many bytes are shown of a file that has `size`.
     std::int64_t shownOf(std::int64_t size) const { return size < m_end ? size : m_end; }
 
+    // For the formats, to hide their own tags.
+
+    /// Has these bytes shown there instead of the file's.
+    void show(std::int64_t place, std::string_view bytes);
+    void endAt(std::int64_t place) { m_end = place; }
+
 private:
     bool hideAll(CheckedStream& stream);
     long hideId3v2(CheckedStream& stream);
     void hideApe(CheckedStream& stream);
-    void hideFlacBlocks(CheckedStream& stream, long begin);
-    void hideChunks(CheckedStream& stream, long begin);
-    void hideAsfObjects(CheckedStream& stream, long begin);
-    static bool isOggInBounds(CheckedStream& stream, long begin);
-    void set(std::int64_t place, const char* bytes, std::size_t count);
 
     std::map<std::int64_t, char> m_bytes; ///< those that are shown otherwise, by their place
     std::int64_t m_end = std::numeric_limits<std::int64_t>::max(); ///< nothing is shown from here on

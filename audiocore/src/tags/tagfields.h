@@ -28,7 +28,10 @@ struct TagEdits
     bool isEmpty() const;
 };
 
+/// Of a file that holds music.
 TagContent readTags(const MediaFile& media);
+/// A year of four digits, a track without its total, any other text as it is.
+std::string shownText(int type, const std::string& text);
 /// Keeps only those edits that change what the content shows. A picture is to be the only one.
 TagEdits changesOf(const TagEdits& edits, const TagContent& content);
 } // namespace audiocore

@@ -1,13 +1,10 @@
 #pragma once
 
 #include "media/checkedstream.h"
-#include "tags/mediafile.h"
 
 #include <taglib/tbytevector.h>
 
-#include <array>
-#include <utility>
-#include <vector>
+#include <functional>
 
 namespace audiocore {
 /// Stands between a file and the tag library while the library opens it, and shows it of each tag only what
@@ -16,57 +13,65 @@ namespace audiocore {
 /// offsets are the file's own.
 ///
 /// The library reads a tag by its head and then its body in one piece; that is how bodies are known wherever
-/// they lie.
+/// they lie. ID3v2 and APE tags are known here, since files of most formats have them; a format whose own
+/// tags lie otherwise adds what it takes to show them.
 class TagScreen : public StreamScreen
 {
 public:
-    /// The music starts at `audioBegin`. What the library itself will write anew is shown as it is, unless
-    /// that is too much.
-    TagScreen(AudioFormat format, CheckedStream& stream, long audioBegin, Purpose purpose);
+    TagScreen();
 
     /// Whether nothing was kept back for want of room.
     bool isWhole() const { return m_whole; }
     TagLib::ByteVector read(CheckedStream& stream, unsigned long length) override;
 
-private:
-    enum class Body { None, Id3v2, Ape, FlacBlock };
-    struct Expected
+protected:
+    struct Piece
     {
-        Body body = Body::None;
         long position = 0;
         unsigned long length = 0;
-        int type = 0; ///< of a FLAC block
     };
+    using BodyReader = std::function<TagLib::ByteVector(CheckedStream&, const Piece&)>;
 
-    struct LastRead
-    {
-        unsigned int size;
-        unsigned int word; ///< of two bytes
-    };
+    /// Makes of a piece that no head told of what the library gets to see, and notes what it tells of the
+    /// next one.
+    virtual void show(TagLib::ByteVector& block, long position);
+    /// The next piece, if it is this one, is the body of something whose head was read.
+    void expect(const Piece& body, BodyReader reader);
 
-    bool isExpected(long position, unsigned long length) const;
     TagLib::ByteVector readPlain(CheckedStream& stream, unsigned long length);
-    TagLib::ByteVector readLarge(CheckedStream& stream, unsigned long length);
-    TagLib::ByteVector readPiece(CheckedStream& stream, unsigned long length);
-    TagLib::ByteVector readBody(CheckedStream& stream);
-    TagLib::ByteVector readId3v2(CheckedStream& stream, const Expected& expected);
-    TagLib::ByteVector readFlacBlock(CheckedStream& stream, const Expected& expected);
-    TagLib::ByteVector readAskedBlock(CheckedStream& stream, const Expected& expected);
-    TagLib::ByteVector readAsf(CheckedStream& stream, unsigned long length);
-    TagLib::ByteVector readAsfText(CheckedStream& stream, unsigned long length);
-    void noteHead(TagLib::ByteVector& block, long position);
-    void noteFlacHead(TagLib::ByteVector& head, long position);
-    void boundOggComments(CheckedStream& stream, long audioBegin);
-    void patch(TagLib::ByteVector& block, long position) const;
+    /// Bytes that may still be kept.
+    long room() const { return m_bytesLeft; }
+    void limitRoom(long bytes);
+    /// Notes that of a piece of that length no more than the block is shown.
+    void noteWhole(CheckedStream& stream, const TagLib::ByteVector& block, unsigned long length);
 
-    const AudioFormat m_format;
-    const Purpose m_purpose;
+private:
+    TagLib::ByteVector readLarge(CheckedStream& stream, unsigned long length);
+    TagLib::ByteVector readApe(CheckedStream& stream, const Piece& body);
+    TagLib::ByteVector readId3v2(CheckedStream& stream, const Piece& body);
+
     bool m_whole = true;
     long m_bytesLeft;
-    unsigned long m_asfTextLeft;
-    Expected m_expected;
+    Piece m_expected;
+    BodyReader m_body;              ///< of the piece that is expected; none when none is
     TagLib::ByteVector m_id3v2Head; ///< of the body that is expected
-    std::array<LastRead, 3> m_lastReads{};
-    std::vector<std::pair<long, char>> m_patches; ///< bytes that are shown otherwise, by their place
+};
+
+/// The tag library reads all tags at once, when its file is made, and it is for this reading only that it
+/// gets them screened.
+class ScreenedReading
+{
+public:
+    ScreenedReading(CheckedStream& stream, StreamScreen& screen) : m_stream(stream)
+    {
+        m_stream.setScreen(&screen);
+        m_stream.seek(0);
+    }
+    ~ScreenedReading() { m_stream.setScreen(nullptr); }
+    ScreenedReading(const ScreenedReading&) = delete;
+    ScreenedReading& operator=(const ScreenedReading&) = delete;
+
+private:
+    CheckedStream& m_stream;
 };
 } // namespace audiocore

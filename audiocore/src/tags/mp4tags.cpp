@@ -1,0 +1,56 @@
+// Tags of MP4: the list of items.
+#include "media/checkedstream.h"
+#include "tags/mp4file.h"
+#include "tags/mp4writing.h"
+#include "tags/tagkind.h"
+#include "tags/tagreading.h"
+#include "tags/tagwriting.h"
+
+using audiocore::CheckedStream;
+using audiocore::FileEdits;
+using audiocore::MpegStream;
+using audiocore::TaggedFile;
+using audiocore::TagKind;
+using audiocore::TagReading;
+
+namespace {
+class Mp4Tags final : public TaggedFile
+{
+public:
+    explicit Mp4Tags(CheckedStream& stream) : m_file(stream) {}
+
+    bool isMusic() override { return m_file.isValid(); }
+    MpegStream sound() override { return m_file.sound(); }
+    void read(TagReading& reading) override
+    {
+        reading.addTexts([this](int type) { return m_file.texts(type); });
+        // The first picture; the others are not read.
+        audiocore::PictureChoice& choice = reading.pictures();
+        for (const audiocore::Mp4Value& picture : m_file.pictures()) {
+            if (choice.bytes().isEmpty() && picture.size > 0 && picture.size <= audiocore::largestPicture)
+                choice.offer(m_file.bytesOf(picture), false);
+            else if (picture.size > 0)
+                choice.passOver();
+        }
+    }
+    unsigned int largestPicture() override { return audiocore::largestPicture; }
+    std::string write(const FileEdits& edits) override
+    {
+        return writeMp4(m_file, edits.own) ? std::string() : audiocore::cannotBeKept;
+    }
+
+private:
+    audiocore::Mp4File m_file;
+};
+
+/// Our own walk has bounds of its own: it needs no screen.
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose)
+{
+    stream.seek(0);
+    return std::make_unique<Mp4Tags>(stream);
+}
+} // namespace
+
+namespace audiocore {
+extern const TagKind mp4Tags{open, nullptr};
+} // namespace audiocore

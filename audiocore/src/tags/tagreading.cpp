@@ -1,0 +1,215 @@
+#include "tags/tagreading.h"
+
+#include "audiocore/tagitem.h"
+#include "tags/apebytes.h"
+#include "tags/commentbytes.h"
+#include "tags/id3v2bytes.h"
+#include "tags/taglimits.h"
+
+#include <taglib/apetag.h>
+#include <taglib/asftag.h>
+#include <taglib/attachedpictureframe.h>
+#include <taglib/flacpicture.h>
+#include <taglib/id3v2header.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/textidentificationframe.h>
+#include <taglib/tpropertymap.h>
+#include <taglib/xiphcomment.h>
+
+#include <algorithm>
+#include <utility>
+
+using audiocore::PictureChoice;
+using audiocore::TagContent;
+using audiocore::TagReading;
+using TagLib::ByteVector;
+using TagLib::PropertyMap;
+using TagLib::String;
+using TagLib::StringList;
+
+namespace {
+const char* const propertyNames[audiocore::textTypes] = {"TITLE", "ARTIST", "ALBUM",
+                                                         "GENRE", "DATE",   "TRACKNUMBER"};
+const char* const id3v2Frames[audiocore::textTypes] = {"TIT2", "TPE1", "TALB", "TCON", "TDRC", "TRCK"};
+const char* const apeKeys[audiocore::textTypes] = {"TITLE", "ARTIST", "ALBUM", "GENRE", "YEAR", "TRACK"};
+const char* const apeFront = "COVER ART (FRONT)";
+
+/// Several values joined; but of titles the first one, since it is by titles that duplicates are told.
+std::string joined(const StringList& values, int type)
+{
+    std::string text;
+    for (const String& value : values) {
+        if (value.isEmpty() || (type == TAG_TITLE && !text.empty()))
+            continue;
+        text += (text.empty() ? "" : "; ") + value.to8Bit(true);
+    }
+    return text;
+}
+
+/// A zero inside would end the text for whoever reads it as zero-terminated.
+std::string withoutZeros(std::string text)
+{
+    text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
+    return text;
+}
+
+StringList valuesIn(const PropertyMap& properties, int type)
+{
+    const StringList& values = properties[propertyNames[type]];
+    return values.isEmpty() && type == TAG_YEAR ? properties["YEAR"] : values;
+}
+
+/// Only the frames in question: the others cost more than all the rest of reading.
+PropertyMap propertiesOf(const TagLib::ID3v2::Tag& tag)
+{
+    PropertyMap properties;
+    for (const char* id : id3v2Frames)
+        for (const TagLib::ID3v2::Frame* frame : tag.frameListMap()[id])
+            if (const auto* text = dynamic_cast<const TagLib::ID3v2::TextIdentificationFrame*>(frame))
+                properties.merge(text->asProperties());
+    return properties;
+}
+
+void offer(PictureChoice& choice, const TagLib::ID3v2::Tag& tag)
+{
+    for (const TagLib::ID3v2::Frame* frame : tag.frameListMap()["APIC"])
+        if (const auto* picture = dynamic_cast<const TagLib::ID3v2::AttachedPictureFrame*>(frame))
+            choice.offer(picture->picture(),
+                         picture->type() == TagLib::ID3v2::AttachedPictureFrame::FrontCover);
+}
+
+void offer(PictureChoice& choice, const TagLib::APE::Tag& tag)
+{
+    for (const auto& [key, item] : tag.itemListMap()) {
+        if (!key.startsWith("COVER ART") || item.type() != TagLib::APE::Item::Binary)
+            continue;
+        const ByteVector data = item.binaryData();
+        const int nameEnd = data.find('\0');
+        choice.offer(nameEnd < 0 ? data : data.mid(unsigned(nameEnd) + 1), key == apeFront);
+    }
+}
+
+void offer(PictureChoice& choice, const TagLib::ASF::Tag& tag)
+{
+    for (const TagLib::ASF::Attribute& attribute : tag.attribute("WM/Picture")) {
+        const TagLib::ASF::Picture picture = attribute.toPicture();
+        choice.offer(picture.picture(), picture.type() == TagLib::ASF::Picture::FrontCover);
+    }
+}
+
+/// A tag that is taken apart a second time, unless that takes too much.
+template <class Tag>
+std::optional<Tag> parsed(const std::optional<ByteVector>& bytes)
+{
+    return bytes && long(bytes->size()) <= audiocore::mostTagBytes ? Tag::parse(*bytes) : std::nullopt;
+}
+} // namespace
+
+void TagReading::add(const TagLib::ID3v2::Tag* tag, const Bytes& bytes)
+{
+    if (!tag)
+        return;
+    addProperties(propertiesOf(*tag));
+    offer(m_pictures, *tag);
+    const auto contains = [tag](const char* id) { return !tag->frameList(id).isEmpty(); };
+    if (isComplete() || (!hasUnread(contains, id3v2Frames) && tag->header()->majorVersion() != 2))
+        return;
+    if (const auto again = parsed<Id3v2Bytes>(bytes()))
+        addUnread([&again](int type) { return again->unreadText(type); });
+}
+
+void TagReading::add(const TagLib::APE::Tag* tag, const Bytes& bytes)
+{
+    if (!tag)
+        return;
+    addProperties(tag->properties());
+    offer(m_pictures, *tag);
+    const auto contains = [tag](const char* key) { return tag->itemListMap().contains(key); };
+    if (!hasUnread(contains, apeKeys))
+        return;
+    if (const auto again = parsed<ApeBytes>(bytes()))
+        addUnread([&again](int type) { return again->text(type); });
+}
+
+void TagReading::add(TagLib::Ogg::XiphComment* tag, const Bytes& bytes)
+{
+    if (!tag)
+        return;
+    addProperties(tag->properties());
+    addPictures(tag->pictureList());
+    // The library leaves no trace of what it made nothing of.
+    if (isComplete())
+        return;
+    std::optional<ByteVector> comment = bytes();
+    if (comment)
+        CommentBytes::boundFields(*comment);
+    if (const auto again = parsed<CommentBytes>(comment))
+        addUnread([&again](int type) { return again->text(type); });
+}
+
+void TagReading::add(const TagLib::ASF::Tag* tag)
+{
+    if (!tag)
+        return;
+    addProperties(tag->properties());
+    offer(m_pictures, *tag);
+}
+
+void TagReading::addTexts(const TagLib::Tag* tag)
+{
+    if (tag)
+        addProperties(tag->properties());
+}
+
+void TagReading::addProperties(const PropertyMap& properties)
+{
+    addTexts([&properties](int type) { return valuesIn(properties, type); });
+}
+
+void TagReading::addTexts(const std::function<StringList(int)>& valuesOf)
+{
+    for (int type = 0; type < textTypes; ++type)
+        if (std::string& text = m_content.texts[size_t(type)]; text.empty())
+            text = shownText(type, withoutZeros(joined(valuesOf(type), type)));
+}
+
+void TagReading::addPictures(const TagLib::List<TagLib::FLAC::Picture*>& pictures)
+{
+    for (const TagLib::FLAC::Picture* picture : pictures)
+        m_pictures.offer(picture->data(), picture->type() == TagLib::FLAC::Picture::FrontCover);
+}
+
+TagContent TagReading::takeContent()
+{
+    m_content.picture = m_pictures.bytes();
+    m_content.pictures = m_pictures.count();
+    return std::exchange(m_content, TagContent());
+}
+
+void TagReading::addUnread(const std::function<std::string(int)>& textOf)
+{
+    for (int type = 0; type < textTypes; ++type) {
+        if (!m_content.texts[size_t(type)].empty())
+            continue;
+        std::string text = textOf(type);
+        if (type == TAG_TITLE) // the first value alone
+            text.resize(std::min(text.find('\0', text.find_first_not_of('\0')), text.size()));
+        m_content.texts[size_t(type)] = shownText(type, withoutZeros(text));
+    }
+}
+
+/// Whether the tag has a field, by its name, of a type that still has no text.
+template <class Contains>
+bool TagReading::hasUnread(const Contains& contains, const char* const* names) const
+{
+    for (size_t type = 0; type < size_t(textTypes); ++type)
+        if (m_content.texts[type].empty() && contains(names[type]))
+            return true;
+    return false;
+}
+
+bool TagReading::isComplete() const
+{
+    return std::none_of(m_content.texts.begin(), m_content.texts.end(),
+                        [](const std::string& text) { return text.empty(); });
+}
