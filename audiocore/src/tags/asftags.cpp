@@ -1,11 +1,12 @@
 // Tags of ASF, which is WMA: objects of its header.
 #include "base/checkedmath.h"
 #include "media/checkedstream.h"
+#include "tags/asfbytes.h"
 #include "tags/asfobjects.h"
-#include "tags/asfwriting.h"
 #include "tags/soundview.h"
 #include "tags/tagkind.h"
 #include "tags/taglimits.h"
+#include "tags/tagplaces.h"
 #include "tags/tagreading.h"
 #include "tags/tagscreen.h"
 #include "tags/tagwriting.h"
@@ -18,9 +19,9 @@
 
 namespace asf = audiocore::asf;
 
+using audiocore::AsfBytes;
 using audiocore::CheckedStream;
 using audiocore::FileEdits;
-using audiocore::Purpose;
 using audiocore::SoundView;
 using audiocore::TaggedFile;
 using audiocore::TagKind;
@@ -28,34 +29,46 @@ using audiocore::TagReading;
 using TagLib::ByteVector;
 
 namespace {
+/// The header, which says its own size.
+audiocore::Place headerOf(CheckedStream& stream)
+{
+    constexpr long sizePlace = 16;
+    return {0, long(stream.readAt(sizePlace, 8).toLongLong(false))};
+}
+
 class AsfTags final : public audiocore::LibraryRead<TagLib::ASF::File>
 {
 public:
     explicit AsfTags(CheckedStream& stream) : LibraryRead(&stream, true), m_stream(stream) {}
 
-    /// Whether the library was shown all that it would write anew.
-    void setWhole(bool whole) { m_isWhole = whole; }
     void read(TagReading& reading) override { reading.add(m_file.tag()); }
     unsigned int largestPicture() override { return audiocore::largestPicture; }
     std::string write(const FileEdits& edits) override
     {
-        if (!m_isWhole)
+        const audiocore::Place place = headerOf(m_stream);
+        const std::optional<ByteVector> old = bytesAt(m_file, place);
+        if (!old)
+            return audiocore::tooLarge;
+        std::optional<AsfBytes> header = AsfBytes::parse(*old);
+        if (!header)
             return audiocore::cannotBeKept;
-        return writeAsf(m_file, m_stream, edits.own) ? std::string() : audiocore::cannotBeWritten;
+        header->apply(edits.own);
+        const std::optional<ByteVector> bytes = header->render(m_stream.length() - place.size);
+        if (!bytes)
+            return audiocore::tooLarge;
+        putAt(m_file, place, *bytes);
+        return std::string();
     }
 
 private:
     CheckedStream& m_stream;
-    bool m_isWhole = true;
 };
 
 /// The library reads an attribute's kind, its size, its name and then its value. Only values that are bytes
-/// may be large, as pictures are. Nor is what it will write anew shown otherwise, unless it is too much.
+/// may be large, as pictures are.
 class AsfScreen final : public audiocore::TagScreen
 {
 public:
-    explicit AsfScreen(Purpose purpose) : m_purpose(purpose) {}
-
     ByteVector read(CheckedStream& stream, unsigned long length) override
     {
         constexpr unsigned int ofBytes = 1;
@@ -63,9 +76,7 @@ public:
         const auto& [kind, size, name] = m_lastReads;
         const bool value = kind.size == 2 && size.size == 4;
         const bool bytes = value && kind.word == ofBytes;
-        const bool keptAsItIs =
-            m_purpose == Purpose::Writing && !value; // an object that the library does not know
-        const bool text = length > largestNumber && !bytes && !keptAsItIs;
+        const bool text = length > largestNumber && !bytes;
         ByteVector block = text ? readText(stream, length) : readPlain(stream, length);
         m_lastReads = {size, name, {block.size(), block.size() == 2 ? block.toUShort(0u, false) : 0u}};
         return block;
@@ -85,24 +96,20 @@ private:
         ByteVector block = readPlain(
             stream, std::min({length, static_cast<unsigned long>(audiocore::longestText), m_textLeft}));
         m_textLeft -= block.size();
-        noteWhole(stream, block, length);
         if (stream.tell() != end)
             stream.seek(end);
         return block;
     }
 
-    const Purpose m_purpose;
     unsigned long m_textLeft = 4ul * audiocore::mostTextBytes;
     std::array<LastRead, 3> m_lastReads{};
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, Purpose purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose)
 {
-    AsfScreen screen(purpose);
+    AsfScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);
-    auto file = std::make_unique<AsfTags>(stream);
-    file->setWhole(screen.isWhole());
-    return file;
+    return std::make_unique<AsfTags>(stream);
 }
 
 /// The objects of fields become unknown ones; those inside the header's extension are looked at, too.
