@@ -168,6 +168,7 @@ private slots:
     void sizesOfTheOlderVersionAreUnderstood();
     void whatIsNoFrameStays();
     void theDateGoesWithItsYear();
+    void aShortIdIsNotTheBeginningOfALongOne();
     void anApeTagOfAacStays();
     void theFirstVersionOfApeBecomesTheSecond();
     void aFullCommentOfId3v1Stays();
@@ -305,6 +306,20 @@ void TestTagBytes::theDateGoesWithItsYear()
     const QByteArray after = contentOf(path);
     QVERIFY(after.contains(frame(3, "TYER", text("1987")) + frames.last()));
     QVERIFY(!after.contains("TDAT"));
+}
+
+void TestTagBytes::aShortIdIsNotTheBeginningOfALongOne()
+{
+    // "TCO" is the genre of the oldest version; composer and copyright begin with it in the others.
+    const QByteArrayList rest = {frame(3, "TCOM", text("Composer")), frame(3, "TCOP", text("2012 Someone"))};
+    const QByteArray filledUp = frame(3, "TCO", text("Rock")).insert(3, '\0');
+    const QString path = file(QStringLiteral("mp3"), id3v2(3, QByteArrayList{filledUp} + rest) +
+                                                         contentOf(Fixtures::tone(QStringLiteral("mp3"))));
+    QCOMPARE(AudioFile::write(path, {{TAG_GENRE, QStringLiteral("Jazz")}}), 0);
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_GENRE), QStringLiteral("Jazz"));
+    const QByteArray after = contentOf(path);
+    QVERIFY(after.contains(frame(3, "TCON", text("Jazz")) + rest.join()));
+    QVERIFY(!after.contains("Rock"));
 }
 
 void TestTagBytes::anApeTagOfAacStays()

@@ -1,10 +1,12 @@
 // Tags of ASF, which is WMA: objects of its header.
 #include "base/checkedmath.h"
 #include "media/checkedstream.h"
-#include "tags/asfwriting.h"
+#include "tags/asfbytes.h"
+#include "tags/asfobjects.h"
 #include "tags/soundview.h"
 #include "tags/tagkind.h"
 #include "tags/taglimits.h"
+#include "tags/tagplaces.h"
 #include "tags/tagreading.h"
 #include "tags/tagscreen.h"
 #include "tags/tagwriting.h"
@@ -15,9 +17,11 @@
 #include <array>
 #include <cstdint>
 
+namespace asf = audiocore::asf;
+
+using audiocore::AsfBytes;
 using audiocore::CheckedStream;
 using audiocore::FileEdits;
-using audiocore::Purpose;
 using audiocore::SoundView;
 using audiocore::TaggedFile;
 using audiocore::TagKind;
@@ -25,34 +29,46 @@ using audiocore::TagReading;
 using TagLib::ByteVector;
 
 namespace {
+/// The header, which says its own size.
+audiocore::Place headerOf(CheckedStream& stream)
+{
+    constexpr long sizePlace = 16;
+    return {0, long(stream.readAt(sizePlace, 8).toLongLong(false))};
+}
+
 class AsfTags final : public audiocore::LibraryRead<TagLib::ASF::File>
 {
 public:
     explicit AsfTags(CheckedStream& stream) : LibraryRead(&stream, true), m_stream(stream) {}
 
-    /// Whether the library was shown all that it would write anew.
-    void setWhole(bool whole) { m_isWhole = whole; }
     void read(TagReading& reading) override { reading.add(m_file.tag()); }
     unsigned int largestPicture() override { return audiocore::largestPicture; }
     std::string write(const FileEdits& edits) override
     {
-        if (!m_isWhole)
+        const audiocore::Place place = headerOf(m_stream);
+        const std::optional<ByteVector> old = bytesAt(m_file, place);
+        if (!old)
+            return audiocore::tooLarge;
+        std::optional<AsfBytes> header = AsfBytes::parse(*old);
+        if (!header)
             return audiocore::cannotBeKept;
-        return writeAsf(m_file, m_stream, edits.own) ? std::string() : audiocore::cannotBeWritten;
+        header->apply(edits.own);
+        const std::optional<ByteVector> bytes = header->render(m_stream.length() - place.size);
+        if (!bytes)
+            return audiocore::tooLarge;
+        putAt(m_file, place, *bytes);
+        return std::string();
     }
 
 private:
     CheckedStream& m_stream;
-    bool m_isWhole = true;
 };
 
 /// The library reads an attribute's kind, its size, its name and then its value. Only values that are bytes
-/// may be large, as pictures are. Nor is what it will write anew shown otherwise, unless it is too much.
+/// may be large, as pictures are.
 class AsfScreen final : public audiocore::TagScreen
 {
 public:
-    explicit AsfScreen(Purpose purpose) : m_purpose(purpose) {}
-
     ByteVector read(CheckedStream& stream, unsigned long length) override
     {
         constexpr unsigned int ofBytes = 1;
@@ -60,9 +76,7 @@ public:
         const auto& [kind, size, name] = m_lastReads;
         const bool value = kind.size == 2 && size.size == 4;
         const bool bytes = value && kind.word == ofBytes;
-        const bool keptAsItIs =
-            m_purpose == Purpose::Writing && !value; // an object that the library does not know
-        const bool text = length > largestNumber && !bytes && !keptAsItIs;
+        const bool text = length > largestNumber && !bytes;
         ByteVector block = text ? readText(stream, length) : readPlain(stream, length);
         m_lastReads = {size, name, {block.size(), block.size() == 2 ? block.toUShort(0u, false) : 0u}};
         return block;
@@ -82,47 +96,40 @@ private:
         ByteVector block = readPlain(
             stream, std::min({length, static_cast<unsigned long>(audiocore::longestText), m_textLeft}));
         m_textLeft -= block.size();
-        noteWhole(stream, block, length);
         if (stream.tell() != end)
             stream.seek(end);
         return block;
     }
 
-    const Purpose m_purpose;
     unsigned long m_textLeft = 4ul * audiocore::mostTextBytes;
     std::array<LastRead, 3> m_lastReads{};
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, Purpose purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose)
 {
-    AsfScreen screen(purpose);
+    AsfScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);
-    auto file = std::make_unique<AsfTags>(stream);
-    file->setWhole(screen.isWhole());
-    return file;
+    return std::make_unique<AsfTags>(stream);
 }
 
 /// The objects of fields become unknown ones; those inside the header's extension are looked at, too.
 bool hide(CheckedStream& stream, long audioBegin, SoundView& view)
 {
-    static const ByteVector fields[] = {
-        {"\x40\xA4\xD0\xD2\x07\xE3\xD2\x11\x97\xF0\x00\xA0\xC9\x5E\xA8\x50", 16},
-        {"\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA", 16},
-        {"\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54", 16}};
-    static const ByteVector extension("\xB5\x03\xBF\x5F\x2E\xA9\xCF\x11\x8E\xE3\x00\xC0\x0C\x20\x53\x65", 16);
     static const ByteVector data("\x36\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", 16);
     constexpr long headSize = 24;
     constexpr long headerHead = headSize + 6;
     constexpr long extensionHead = headSize + 22;
     for (long position = audioBegin + headerHead;;) {
         const ByteVector head = stream.readAt(position, headSize);
-        const ByteVector kind = head.mid(0, 16);
+        const ByteVector id = head.mid(0, 16);
+        const asf::Kind kind = asf::kindOf(id);
         const std::int64_t size = long(head.size()) < headSize ? 0 : head.toLongLong(16, false);
-        if (kind == data || size < headSize)
+        if (id == data || size < headSize)
             return true;
-        if (std::find(std::begin(fields), std::end(fields), kind) != std::end(fields))
+        if (asf::isOfFields(kind))
             view.show(position, "----");
-        position = kind == extension ? position + extensionHead : long(base::checked::sum(position, size));
+        position = kind == asf::Kind::Extension ? position + extensionHead
+                                                : long(base::checked::sum(position, size));
     }
 }
 } // namespace

@@ -23,7 +23,8 @@ const std::vector<std::string_view> knownIds[audiocore::textTypes] = {
 /// Some programs write the short ids into newer tags, filled up with a zero.
 bool isId(std::string_view id, std::string_view name)
 {
-    return id.substr(0, name.size()) == name;
+    return id.substr(0, name.size()) == name &&
+           id.find_first_not_of('\0', name.size()) == std::string_view::npos;
 }
 
 unsigned int extendedHeaderSize(int version, const ByteVector& body)

@@ -1,6 +1,5 @@
 #include "tags/pictures.h"
 
-#include <taglib/asftag.h>
 #include <taglib/flacpicture.h>
 #include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
@@ -43,16 +42,4 @@ ByteVector audiocore::flacPicture(const ByteVector& bytes)
     picture.setMimeType(pictureType(bytes));
     picture.setData(bytes);
     return picture.render();
-}
-
-void audiocore::setAsfPicture(TagLib::ASF::Tag& tag, const ByteVector& bytes)
-{
-    tag.removeItem("WM/Picture");
-    if (bytes.isEmpty())
-        return;
-    TagLib::ASF::Picture picture;
-    picture.setType(TagLib::ASF::Picture::FrontCover);
-    picture.setMimeType(pictureType(bytes));
-    picture.setPicture(bytes);
-    tag.setAttribute("WM/Picture", picture);
 }

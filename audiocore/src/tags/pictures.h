@@ -4,14 +4,9 @@
 
 #include <string>
 
-namespace TagLib {
-namespace ASF {
+namespace TagLib::ID3v2 {
 class Tag;
 }
-namespace ID3v2 {
-class Tag;
-}
-} // namespace TagLib
 
 namespace audiocore {
 /// Bytes: what our own player gets past, whatever the format wraps it in.
@@ -43,6 +38,4 @@ private:
 std::string pictureType(const TagLib::ByteVector& bytes);
 /// The front cover as FLAC wraps it.
 TagLib::ByteVector flacPicture(const TagLib::ByteVector& bytes);
-/// Takes all pictures out and puts the bytes in as the front cover, unless they are empty.
-void setAsfPicture(TagLib::ASF::Tag& tag, const TagLib::ByteVector& bytes);
 } // namespace audiocore

@@ -62,7 +62,6 @@ ByteVector TagScreen::readPlain(CheckedStream& stream, unsigned long length)
 ByteVector TagScreen::readLarge(CheckedStream& stream, unsigned long length)
 {
     ByteVector block = stream.readUnscreened(std::min(length, static_cast<unsigned long>(m_bytesLeft)));
-    noteWhole(stream, block, length);
     m_bytesLeft -= long(block.size());
     return block;
 }
@@ -70,11 +69,6 @@ ByteVector TagScreen::readLarge(CheckedStream& stream, unsigned long length)
 void TagScreen::limitRoom(long bytes)
 {
     m_bytesLeft = std::min(m_bytesLeft, bytes);
-}
-
-void TagScreen::noteWhole(CheckedStream& stream, const ByteVector& block, unsigned long length)
-{
-    m_whole = m_whole && (block.size() == length || stream.tell() == stream.length());
 }
 
 ByteVector TagScreen::readApe(CheckedStream& stream, const Piece& body)

@@ -20,8 +20,6 @@ class TagScreen : public StreamScreen
 public:
     TagScreen();
 
-    /// Whether nothing was kept back for want of room.
-    bool isWhole() const { return m_whole; }
     TagLib::ByteVector read(CheckedStream& stream, unsigned long length) override;
 
 protected:
@@ -42,15 +40,12 @@ protected:
     /// Bytes that may still be kept.
     long room() const { return m_bytesLeft; }
     void limitRoom(long bytes);
-    /// Notes that of a piece of that length no more than the block is shown.
-    void noteWhole(CheckedStream& stream, const TagLib::ByteVector& block, unsigned long length);
 
 private:
     TagLib::ByteVector readLarge(CheckedStream& stream, unsigned long length);
     TagLib::ByteVector readApe(CheckedStream& stream, const Piece& body);
     TagLib::ByteVector readId3v2(CheckedStream& stream, const Piece& body);
 
-    bool m_whole = true;
     long m_bytesLeft;
     Piece m_expected;
     BodyReader m_body;              ///< of the piece that is expected; none when none is
