@@ -133,7 +133,7 @@ std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& pat
     return media;
 }
 
-std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(std::FILE* file, const std::string& path)
+std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(base::FileBytes& file, const std::string& path)
 {
     CheckedStream stream(file, path, CheckedStream::Mode::Read);
     return parse(stream, path);

@@ -1,6 +1,7 @@
 #include "tags/soundview.h"
 
 #include "base/checkedmath.h"
+#include "base/filebytes.h"
 #include "base/platform.h"
 #include "media/checkedstream.h"
 #include "media/formats.h"
@@ -31,7 +32,8 @@ long behind(long position, std::int64_t bytes)
 std::optional<SoundView> SoundView::of(std::FILE* file, const std::string& path)
 {
     try {
-        CheckedStream stream(file, path, CheckedStream::Mode::Read);
+        base::SystemFile bytes(file);
+        CheckedStream stream(bytes, path, CheckedStream::Mode::Read);
         SoundView view;
         if (stream.isOpen() && view.hideAll(stream) && !stream.ranDry())
             return view;
