@@ -2,13 +2,12 @@
 
 #include "base/descriptor_posix.h"
 #include "base/filecopy_posix.h"
+#include "base/newfilename.h"
 
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <functional>
-#include <random>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,22 +22,6 @@ constexpr int namesTried = 100;
 std::string reason()
 {
     return std::strerror(errno);
-}
-
-/// What the new files beside a file start with. No name of music: a folder walk passes them over.
-std::string prefixFor(const std::string& name)
-{
-    char hash[32];
-    std::snprintf(hash, sizeof hash, ".melodrift-%016zx-", std::hash<std::string>()(name));
-    return hash;
-}
-
-std::string newNameFor(const std::string& name)
-{
-    std::random_device random;
-    char ending[20];
-    std::snprintf(ending, sizeof ending, "%08x%08x", random(), random());
-    return prefixFor(name) + ending;
 }
 
 /// Root may write everywhere; a file or folder that nobody may write stays as it is all the same.
@@ -126,7 +109,7 @@ std::unique_ptr<NewFile> NewFile::linkOf(std::FILE* open, const std::string& exi
         return nullptr;
     const int own = ::fcntl(::fileno(open), F_DUPFD_CLOEXEC, 0);
     file->m_file = own >= 0 ? ::fdopen(own, "rb") : nullptr;
-    const std::string name = newNameFor(file->m_place->target);
+    const std::string name = base::newFileNameFor(file->m_place->target);
     if (!file->m_file ||
         ::linkat(AT_FDCWD, existing.c_str(), file->m_place->folder.fd, name.c_str(), 0) != 0) {
         error = reason();
@@ -150,7 +133,7 @@ bool NewFile::openOriginal(std::string& error)
 bool NewFile::make(std::string& error)
 {
     for (int i = 0; i < namesTried && !m_file; ++i) {
-        const std::string name = newNameFor(m_place->target);
+        const std::string name = base::newFileNameFor(m_place->target);
         Descriptor made = createPrivateAt(m_place->folder.fd, name, Inherited::Refused);
         if (!made.isOpen() && errno == EEXIST)
             continue;
@@ -253,13 +236,13 @@ NewFile::Taking NewFile::settleAt(const std::string& name)
 void base::removeLeftovers(const std::string& path)
 {
     const Descriptor folder = openFolderOf(path);
-    const std::string prefix = prefixFor(nameOf(path));
+    const std::string name = nameOf(path);
     const int listed = ::dup(folder.fd);
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(listed < 0 ? nullptr : ::fdopendir(listed), ::closedir);
     if (!entries)
         return;
     while (const dirent* entry = ::readdir(entries.get())) {
-        if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) != 0)
+        if (!isNewFileNameFor(entry->d_name, name))
             continue;
         // A living writer holds a lock on its file.
         const Descriptor file(openAt(folder.fd, entry->d_name, O_RDWR | O_NOFOLLOW));

@@ -1,7 +1,8 @@
 #include "base/newfile.h"
 
+#include "base/newfilename.h"
+
 #include <filesystem>
-#include <functional>
 #include <system_error>
 
 #include <io.h>
@@ -17,19 +18,9 @@ std::string reason(const std::error_code& code = std::error_code(int(GetLastErro
     return code.message();
 }
 
-/// What the new files beside a file start with. No name of music: a folder walk passes them over.
-std::string prefixFor(const fs::path& path)
-{
-    char hash[40];
-    std::snprintf(hash, sizeof hash, ".melodrift-%016zx-",
-                  std::hash<std::string>()(path.filename().u8string()));
-    return hash;
-}
-
 fs::path newNameFor(const fs::path& target)
 {
-    return target.parent_path() / fs::u8path(prefixFor(target) + std::to_string(GetCurrentProcessId()) + "-" +
-                                             std::to_string(GetTickCount64()));
+    return target.parent_path() / fs::u8path(base::newFileNameFor(target.filename().u8string()));
 }
 
 bool mayReplace(const fs::path& target, std::string& error)
@@ -193,10 +184,10 @@ NewFile::Taking NewFile::settleAt(const std::string&)
 void base::removeLeftovers(const std::string& path)
 {
     const fs::path target = fs::u8path(path);
-    const std::string prefix = prefixFor(target);
+    const std::string name = target.filename().u8string();
     std::error_code failure;
     for (const fs::directory_entry& entry : fs::directory_iterator(target.parent_path(), failure))
-        if (entry.path().filename().u8string().compare(0, prefix.size(), prefix) == 0)
+        if (isNewFileNameFor(entry.path().filename().u8string(), name))
             fs::remove(entry.path(), failure); // fails while its writer has it open
 }
 

@@ -60,6 +60,17 @@ macro(melodrift_run_as_test test program)
   add_test(NAME ${test} COMMAND ${launcher} $<TARGET_FILE:${program}> ${ARGN})
 endmacro()
 
+# What every test runs in.
+function(melodrift_set_test_environment)
+  set_tests_properties(
+    ${ARGN}
+    PROPERTIES
+      TIMEOUT 1800
+      ENVIRONMENT
+      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;QTEST_FUNCTION_TIMEOUT=1700000;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
+  )
+endfunction()
+
 # melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [PROGRAMS ...] [READS_SOURCES] [SECONDS N] [PARTS N]): one Qt Test
 # program NAME.cpp, run offscreen. It starts the programs of those targets, or looks at sources. The longest begin first,
 # so that none is waited for alone; one that runs in parts takes "--part K N" (tests/parts.h).
@@ -95,14 +106,8 @@ function(melodrift_add_test name)
   if(ARG_PROGRAMS)
     add_dependencies(${name} ${ARG_PROGRAMS})
   endif()
-  set_tests_properties(
-    ${tests}
-    PROPERTIES
-      COST "0${ARG_SECONDS}"
-      TIMEOUT 1800
-      ENVIRONMENT
-      "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;QTEST_FUNCTION_TIMEOUT=1700000;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
-  )
+  melodrift_set_test_environment(${tests})
+  set_tests_properties(${tests} PROPERTIES COST "0${ARG_SECONDS}")
 endfunction()
 
 # melodrift_test_on_dense_screen(NAME [FUNCTION ...]): the same program, or these of its tests, once more, on a screen of

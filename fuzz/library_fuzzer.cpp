@@ -1,45 +1,30 @@
 // Arbitrary bytes as a music library: read, and if that succeeds changed, written and read again. What was
 // XML for another parser must be so afterwards.
-#include "audiocore/log.h"
+#include "base/filebytes.h"
+#include "library/libraryediting.h"
 #include "library/libraryreading.h"
-#include "library/librarywrite.h"
 #include "library/localtext.h"
+#include "promise.h"
 
 #include <expat.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <memory>
 #include <string>
-#include <unistd.h>
+
+using base::MemoryFile;
 
 namespace {
-/// One file in a folder of this process. Writing a library flushes to the disk: a TMPDIR in memory makes the
-/// fuzzer many times faster.
-std::string inputPath()
-{
-    std::string folder = (std::filesystem::temp_directory_path() / "melodrift-fuzz-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr)
-        std::abort();
-    return folder + "/input";
-}
-
-void write(const std::string& path, const std::uint8_t* data, std::size_t size)
-{
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    if (file == nullptr || std::fwrite(data, 1, size, file) != size || std::fclose(file) != 0)
-        std::abort();
-}
-
-std::unique_ptr<itunes::TrackStore> read(const std::string& path, const itunes::TrackChanges& changes)
+std::unique_ptr<itunes::TrackStore> read(const MemoryFile& library, const itunes::TrackChanges& changes)
 {
     std::string error;
-    return itunes::readLibrary(path, changes, error);
+    auto store = itunes::readLibrary(library, changes, error);
+    promise(!store == !error.empty(), "what cannot be read has a reason");
+    return store;
 }
 
 bool same(const char* a, const char* b)
@@ -56,12 +41,6 @@ bool isXml(const std::string& document)
     return sound && document.find("<!DOCTYPE") == std::string::npos;
 }
 
-std::string contentOf(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 /// An edit as the calls take it: the name always holds what XML forbids, and then bytes of the input.
 itunes::TrackEdit editOf(const std::uint8_t* data, std::size_t size)
 {
@@ -74,44 +53,57 @@ itunes::TrackEdit editOf(const std::uint8_t* data, std::size_t size)
 /// What is written must read as it was promised.
 void expectEqual(itunes::TrackStore& promised, itunes::TrackStore& written)
 {
-    if (promised.count() != written.count())
-        std::abort();
+    promise(promised.count() == written.count(), "as many tracks are written as were promised");
     for (int i = 0; i < promised.count(); ++i) {
         const iTunesTrackRecord& a = promised.records()[i];
         const iTunesTrackRecord& b = written.records()[i];
-        if (!same(a.name, b.name) || !same(a.artist, b.artist) || !same(a.album, b.album) ||
-            !same(a.genre, b.genre) || !same(a.location, b.location) || a.year != b.year)
-            std::abort();
+        promise(same(a.name, b.name) && same(a.artist, b.artist) && same(a.album, b.album) &&
+                    same(a.genre, b.genre) && same(a.location, b.location) && a.year == b.year,
+                "tracks are written as they were promised");
     }
+}
+
+/// Every other track is edited, the rest deleted.
+itunes::TrackChanges changesOf(itunes::TrackStore& store, const itunes::TrackEdit& edit)
+{
+    itunes::TrackChanges changes;
+    for (int i = 0; i < store.count(); ++i)
+        if (const char* id = store.records()[i].persistentId)
+            changes[std::strtoull(id, nullptr, 16)] = {i % 2 == 1, edit};
+    return changes;
+}
+
+/// The library with the changes as it is written; as it is where there is nothing to write.
+MemoryFile changed(const MemoryFile& library, const itunes::TrackChanges& changes)
+{
+    std::string error;
+    itunes::LibrarySplices splices;
+    promise(itunes::findSplices(library, changes, splices, error), "what was read can be changed");
+    if (splices.all.empty())
+        return library;
+    MemoryFile copy{std::string()};
+    itunes::LibraryContents contents;
+    promise(itunes::writeSpliced(library, copy, splices, error) &&
+                itunes::readContents(copy, contents, error) && itunes::isComplete(contents, splices, error),
+            "what was changed is a sound library");
+    return copy;
 }
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const std::string path = inputPath();
-    static const bool quiet = (SetAudioCoreLogSink([](const char*) {}), true);
-    static_cast<void>(quiet);
-    write(path, data, size);
-
-    const std::unique_ptr<itunes::TrackStore> store = read(path, {});
+    const MemoryFile library(std::string(reinterpret_cast<const char*>(data), size));
+    const std::unique_ptr<itunes::TrackStore> store = read(library, {});
     if (!store)
         return 0;
-    // Every other track is edited, the rest deleted.
-    const itunes::TrackEdit edit = editOf(data, size);
-    itunes::TrackChanges changes;
-    for (int i = 0; i < store->count(); ++i)
-        if (const char* id = store->records()[i].persistentId)
-            changes[std::strtoull(id, nullptr, 16)] = {i % 2 == 1, edit};
-    const std::unique_ptr<itunes::TrackStore> promised = read(path, changes);
-    std::string error;
-    itunes::Written result;
-    if (!promised || !itunes::writeChanges(path, changes, result, error))
-        std::abort();
-    const std::unique_ptr<itunes::TrackStore> written = read(path, {});
-    if (!written)
-        std::abort();
+    const itunes::TrackChanges changes = changesOf(*store, editOf(data, size));
+    const std::unique_ptr<itunes::TrackStore> promised = read(library, changes);
+    promise(promised != nullptr, "what was read is read again");
+    const MemoryFile copy = changed(library, changes);
+    const std::unique_ptr<itunes::TrackStore> written = read(copy, {});
+    promise(written != nullptr, "what was written can be read");
     expectEqual(*promised, *written);
-    if (isXml({data, data + size}) && !isXml(contentOf(path)))
-        std::abort();
+    promise(changed(copy, changes).bytes() == copy.bytes(), "the same changes change nothing more");
+    promise(!isXml(library.bytes()) || isXml(copy.bytes()), "what was XML is XML");
     return 0;
 }

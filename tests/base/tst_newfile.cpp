@@ -1,4 +1,5 @@
 #include "base/newfile.h"
+#include "base/newfilename.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -24,6 +25,7 @@ private slots:
     void aFurtherNameIsOneOfTheSameFile();
     void anotherFileGetsNoFurtherName();
     void aFileIsRenamedOverAnother();
+    void onlyWhatASaveMadeIsALeftover();
 
 private:
     std::string at(const char* name) const { return m_folder->filePath(name).toStdString(); }
@@ -182,6 +184,23 @@ void TestNewFile::aFileIsRenamedOverAnother()
     QCOMPARE(read("other"), QByteArray("old"));
     QVERIFY(!base::renameFile(at("file"), at("other"), m_error));
     QVERIFY(!m_error.empty());
+}
+
+void TestNewFile::onlyWhatASaveMadeIsALeftover()
+{
+    const std::string made = base::newFileNameFor("file");
+    QVERIFY(made != base::newFileNameFor("file"));
+    const QString leftover = QString::fromStdString(made);
+    QStringList others = {leftover + "-notes", leftover.chopped(1), leftover.chopped(1) + 'G',
+                          QString::fromStdString(base::newFileNameFor("other.mp3"))};
+    for (const QString& name : others + QStringList{leftover, "file"})
+        write(qPrintable(name), "bytes");
+    base::removeLeftovers(at("file"));
+    others.append("file");
+    others.sort();
+    QStringList left = names();
+    left.sort();
+    QCOMPARE(left, others);
 }
 
 QTEST_GUILESS_MAIN(TestNewFile)

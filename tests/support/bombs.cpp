@@ -1,9 +1,11 @@
 #include "bombs.h"
 
 #include "fixtures.h"
+#include "mediabytes.h"
 
 #include <QFile>
-#include <QtEndian>
+
+using namespace MediaBytes;
 
 namespace {
 constexpr int megabyte = 1 << 20;
@@ -16,27 +18,29 @@ QByteArray tone(const char* kind)
     return file.readAll();
 }
 
-QByteArray big32(quint32 number)
+QByteArray wavWith(const QByteArray& chunks)
 {
-    QByteArray bytes(4, '\0');
-    qToBigEndian(number, bytes.data());
-    return bytes;
+    return withChunks(tone("wav"), chunks);
 }
 
-template <typename Number>
-QByteArray little(Number number)
+QByteArray flacWith(const QByteArray& blocks)
 {
-    QByteArray bytes(int(sizeof number), '\0');
-    qToLittleEndian(number, bytes.data());
-    return bytes;
+    return withBlocks(tone("flac"), blocks);
 }
 
-QByteArray sevenBits(quint32 number)
+QByteArray oggWith(const QByteArray& commentPacket)
 {
-    QByteArray bytes;
-    for (const int shift : {21, 14, 7, 0})
-        bytes.append(char(number >> shift & 0x7F));
-    return bytes;
+    return withSecondPacket(tone("ogg"), commentPacket);
+}
+
+QByteArray apeWith(const QByteArray& items, int count)
+{
+    return tone("mp3") + apeTag(items, count);
+}
+
+QByteArray wmaWith(const QByteArray& object, int times = 1)
+{
+    return withObject(tone("wma"), object, times);
 }
 
 QByteArray repeated(const QByteArray& bytes, int times)
@@ -45,17 +49,6 @@ QByteArray repeated(const QByteArray& bytes, int times)
 }
 
 // ID3v2
-
-QByteArray id3v2(const QByteArray& frames, char version = 4)
-{
-    return QByteArray("ID3") + version + QByteArray(2, '\0') + sevenBits(quint32(frames.size())) + frames;
-}
-
-QByteArray frame(const char* id, const QByteArray& body, char flags = 0, char version = 4)
-{
-    const auto size = quint32(body.size());
-    return QByteArray(id) + (version == 4 ? sevenBits(size) : big32(size)) + '\0' + flags + body;
-}
 
 /// A text that inflates to a thousand times its size.
 QByteArray inflating(const char* id, const QByteArray& text, char version = 4)
@@ -99,18 +92,6 @@ QByteArray pictureWithEndlessDescription()
 
 // Chunks
 
-QByteArray chunk(const char* name, const QByteArray& bytes)
-{
-    return QByteArray(name) + little(quint32(bytes.size())) + bytes + QByteArray(bytes.size() & 1, '\0');
-}
-
-QByteArray wavWith(const QByteArray& chunks)
-{
-    QByteArray wav = tone("wav") + chunks;
-    wav.replace(4, 4, little(quint32(wav.size() - 8)));
-    return wav;
-}
-
 QByteArray infoEntries()
 {
     QByteArray list("INFO");
@@ -139,62 +120,12 @@ QByteArray wavOfRate(quint32 rate)
 
 // Comments
 
-QByteArray comment(const QByteArray& fields, quint32 count)
-{
-    return little(quint32(0)) + little(count) + fields;
-}
-
 QByteArray manyFields(int count)
 {
     return repeated(little(quint32(3)) + "A=B", count);
 }
 
-QByteArray field(const QByteArray& text)
-{
-    return little(quint32(text.size())) + text;
-}
-
-QByteArray flacBlock(int type, const QByteArray& bytes)
-{
-    return char(type) + big32(quint32(bytes.size())).mid(1) + bytes;
-}
-
-QByteArray flacWith(const QByteArray& blocks)
-{
-    return tone("flac").insert(4 + 4 + 34, blocks);
-}
-
-/// The second packet of the stream replaced, over as many pages as it takes.
-QByteArray oggWith(const QByteArray& commentPacket)
-{
-    const QByteArray ogg = tone("ogg");
-    const int second = ogg.indexOf("OggS", 4);
-    const int third = ogg.indexOf("OggS", second + 4);
-    const QByteArray head = ogg.mid(second, 26);
-    const int mostOfPage = 255 * 255;
-    QByteArray pages;
-    for (int begin = 0; begin < commentPacket.size(); begin += mostOfPage) {
-        const QByteArray part = commentPacket.mid(begin, mostOfPage);
-        QByteArray sizes(part.size() / 255, char(255));
-        if (part.size() < mostOfPage)
-            sizes.append(char(part.size() % 255));
-        pages += head + char(sizes.size()) + sizes + part;
-    }
-    return ogg.left(second) + pages + ogg.mid(third);
-}
-
-QByteArray vorbisPacket(const QByteArray& content)
-{
-    return "\x03vorbis" + content + '\1';
-}
-
 // APE items
-
-QByteArray apeWith(const QByteArray& items, int count)
-{
-    return tone("mp3") + items + "APETAGEX" + little(quint32(2000)) + little(quint32(items.size() + 32)) +
-           little(quint32(count)) + QByteArray(12, '\0');
-}
 
 QByteArray manyItems(int count)
 {
@@ -207,26 +138,11 @@ QByteArray manyItems(int count)
 
 // Header objects
 
-/// The object put into the header of a WMA file.
-QByteArray wmaWith(const QByteArray& object, int times = 1)
-{
-    QByteArray wma = tone("wma");
-    const quint64 size = qFromLittleEndian<quint64>(wma.constData() + 16) + quint64(object.size()) * times;
-    const quint32 count = qFromLittleEndian<quint32>(wma.constData() + 24) + quint32(times);
-    wma.replace(16, 8, little(size)).replace(24, 4, little(count));
-    return wma.insert(30, repeated(object, times));
-}
-
-QByteArray object(const char* guid, const QByteArray& bytes)
-{
-    return QByteArray::fromHex(guid) + little(quint64(bytes.size()) + 24) + bytes;
-}
-
 QByteArray manyAttributes()
 {
     const QByteArray one = little(quint16(4)) + QByteArray("A\0\0\0", 4) + little(quint16(0)) +
                            little(quint16(2)) + QByteArray(2, '\0');
-    return object("40A4D0D207E3D21197F000A0C95EA850", little(quint16(65535)) + repeated(one, 65535));
+    return asfObject("40A4D0D207E3D21197F000A0C95EA850", little(quint16(65535)) + repeated(one, 65535));
 }
 
 QByteArray vastAttribute()
@@ -235,9 +151,9 @@ QByteArray vastAttribute()
     const QByteArray name = QByteArray("T\0i\0t\0l\0e\0\0\0", 12);
     const QByteArray record = little(quint16(0)) + little(quint16(0)) + little(quint16(name.size())) +
                               little(quint16(0)) + little(quint32(text.size())) + name + text;
-    const QByteArray library = object("941C23449894D149A1411D134E457054", little(quint16(1)) + record);
-    return object("B503BF5F2EA9CF118EE300C00C205365",
-                  QByteArray(18, '\0') + little(quint32(library.size())) + library);
+    const QByteArray library = asfObject("941C23449894D149A1411D134E457054", little(quint16(1)) + record);
+    return asfObject("B503BF5F2EA9CF118EE300C00C205365",
+                     QByteArray(18, '\0') + little(quint32(library.size())) + library);
 }
 
 void addId3v2(QList<Bombs::Bomb>& bombs)
@@ -297,7 +213,7 @@ void addOthers(QList<Bombs::Bomb>& bombs)
     bombs << Bombs::Bomb{"an attribute of 30 MB", "wma", [] { return wmaWith(vastAttribute()); }};
     bombs << Bombs::Bomb{
         "unknown objects of 20 MB", "wma", [] {
-            return wmaWith(object("00112233445566778899AABBCCDDEEFF", QByteArray(20 * megabyte, 'u')), 10);
+            return wmaWith(asfObject("00112233445566778899AABBCCDDEEFF", QByteArray(20 * megabyte, 'u')), 10);
         }};
 }
 } // namespace

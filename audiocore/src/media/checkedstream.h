@@ -1,11 +1,12 @@
 #pragma once
 
+#include "base/filebytes.h"
 #include "media/taglibtypes.h"
 
 #include <taglib/tiostream.h>
 
 #include <cstdint>
-#include <cstdio>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -41,9 +42,8 @@ public:
 
     /// Opens a regular file, following links; anything else is not opened and never blocks.
     CheckedStream(const std::string& utf8Path, Mode mode);
-    /// Works on an open file, which stays the caller's; the path is for messages alone.
-    CheckedStream(std::FILE* file, const std::string& utf8Path, Mode mode);
-    ~CheckedStream() override;
+    /// Works on the bytes of a file that stays the caller's; the path is for messages alone.
+    CheckedStream(base::FileBytes& file, const std::string& utf8Path, Mode mode);
 
     /// Why the file is not open; empty when it is.
     const std::string& openError() const { return m_openError; }
@@ -92,8 +92,8 @@ private:
     void moveBlock(StreamOffset from, StreamOffset to, StreamOffset size);
 
     StreamScreen* m_screen = nullptr;
-    std::FILE* m_file = nullptr;
-    bool m_owned = true;
+    std::unique_ptr<base::FileBytes> m_opened;
+    base::FileBytes* m_file; ///< null when it is not open
     Mode m_mode;
     StreamOffset m_length = 0;
     StreamOffset m_position = 0;

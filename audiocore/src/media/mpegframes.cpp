@@ -5,6 +5,7 @@
 #include <taglib/tiostream.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 using audiocore::MpegStream;
@@ -44,6 +45,17 @@ public:
         }
         return reinterpret_cast<const unsigned char*>(const_cast<const ByteVector&>(m_block).data()) +
                (position - m_start);
+    }
+    /// Where the byte is next from `position` on; `last` where that is not in front of it.
+    long find(unsigned char byte, long position, long last)
+    {
+        while (const unsigned char* bytes = position < last ? at(position, 1) : nullptr) {
+            const long read = std::min(last, m_start + long(m_block.size())) - position;
+            if (const void* found = std::memchr(bytes, byte, std::size_t(read)))
+                return position + (static_cast<const unsigned char*>(found) - bytes);
+            position += read;
+        }
+        return last;
     }
     long end() const { return m_end; }
 
@@ -124,11 +136,11 @@ Frame frameAt(Window& window, const Kind& kind, long position)
 long firstFrame(Window& window, const Kind& kind, long begin, long searchLength)
 {
     const long last = std::min(window.end(), begin + searchLength);
-    for (long position = begin; position < last; ++position) {
+    for (long position = begin; (position = window.find(0xFF, position, last)) < last; ++position) {
         const unsigned char* sync = window.at(position, 2);
         if (!sync)
             return -1;
-        if (sync[0] != 0xFF || (sync[1] & 0xE0) != 0xE0)
+        if ((sync[1] & 0xE0) != 0xE0)
             continue;
         const Frame frame = frameAt(window, kind, position);
         if (frame.size == 0)

@@ -38,6 +38,14 @@ void addItems(ParsedMedia& parsed, const audiocore::TagContent& content)
         parsed.items.push_back({TAG_PICTURE, std::u32string(), content.picture});
 }
 
+/// The tag library counts in numbers that a file can make overflow.
+MpegStream atLeastZero(MpegStream properties)
+{
+    properties.milliseconds = std::max<std::int64_t>(properties.milliseconds, 0);
+    properties.bitsPerSecond = std::max<std::int64_t>(properties.bitsPerSecond, 0);
+    return properties;
+}
+
 /// Fills in what the file holds; false when it holds no music.
 bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
 {
@@ -46,7 +54,7 @@ bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
     if (!audiocore::isSampleRate(properties.sampleRate))
         return false;
     parsed.format = media.format;
-    parsed.properties = properties;
+    parsed.properties = atLeastZero(properties);
     parsed.audioBegin = media.audioBegin;
     addItems(parsed, audiocore::readTags(media));
     return true;
@@ -94,7 +102,7 @@ std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& pat
     return media;
 }
 
-std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(std::FILE* file, const std::string& path)
+std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(base::FileBytes& file, const std::string& path)
 {
     CheckedStream stream(file, path, CheckedStream::Mode::Read);
     return parse(stream, path);

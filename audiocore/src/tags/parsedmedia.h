@@ -6,10 +6,14 @@
 
 #include <taglib/tbytevector.h>
 
-#include <cstdio>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace base {
+class FileBytes;
+}
 
 namespace audiocore {
 /// What one reading of a file gave, for its tag object and its decoder alike.
@@ -32,6 +36,6 @@ struct ParsedMedia
 /// before the last one are forgotten, so that open objects cost nothing. Never null; a file that cannot be
 /// read has no items and no properties. Any thread.
 std::shared_ptr<const ParsedMedia> parsedMedia(const std::string& path);
-/// Reads an open file; the path is for messages alone.
-std::shared_ptr<const ParsedMedia> parsedMedia(std::FILE* file, const std::string& path);
+/// Reads the bytes of a file, anew with every call; the path is for messages alone.
+std::shared_ptr<const ParsedMedia> parsedMedia(base::FileBytes& file, const std::string& path);
 } // namespace audiocore

@@ -1,5 +1,6 @@
 #include "tags/soundview.h"
 
+#include "base/filebytes.h"
 #include "base/platform.h"
 #include "media/checkedstream.h"
 #include "media/formats.h"
@@ -15,7 +16,8 @@ using TagLib::ByteVector;
 std::optional<SoundView> SoundView::of(std::FILE* file, const std::string& path)
 {
     try {
-        CheckedStream stream(file, path, CheckedStream::Mode::Read);
+        base::SystemFile bytes(file);
+        CheckedStream stream(bytes, path, CheckedStream::Mode::Read);
         SoundView view;
         if (stream.isOpen() && view.hideAll(stream) && !stream.ranDry())
             return view;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/fileowner.h"
+#include "library/journallines.h"
 #include "library/journalrecord.h"
 #include "library/libraryreading.h"
 #include "library/trackedit.h"
@@ -10,14 +11,6 @@
 #include <string>
 
 namespace itunes {
-/// What a journal holds that is not in the library file yet.
-struct JournalContent
-{
-    TrackChanges changes;
-    /// The edit that its process was at when it was killed: nobody knows whether it is in the media file.
-    std::optional<JournalRecord> begun;
-};
-
 /// Keeps the changes that were answered but are not in the library file yet in a small file beside it, one
 /// line each, behind a line that tells a journal from any other file. Only its owner may open it, and while
 /// it is open no other process can take it; one that belongs to neither the user nor the library's owner is
@@ -55,7 +48,7 @@ public:
 private:
     bool openOnce(std::string& error);
     bool load(JournalContent& content, std::string& error);
-    bool readLines(std::string& lines, JournalContent& content, std::string& error);
+    bool take(const JournalLines& lines, JournalContent& content, std::string& error);
     bool isTheFileAtItsPath() const;
     bool append(const JournalRecord& record, RecordState state);
     bool mark(RecordState state);

@@ -1,5 +1,6 @@
 #include "library/librarybackup.h"
 
+#include "base/filebytes.h"
 #include "base/keptfile.h"
 #include "library/libraryreading.h"
 #include "library/librarywrite.h"
@@ -50,7 +51,7 @@ bool isCopyAt(std::FILE* copy, const std::string& path)
 bool holdsLibrary(std::FILE* file, std::string& error)
 {
     itunes::LibraryVisitor nobody;
-    return itunes::walkFile(file, nobody, error);
+    return itunes::walkFile(base::SystemFile(file), nobody, error);
 }
 
 bool isLibrary(const std::string& path, std::string& error)

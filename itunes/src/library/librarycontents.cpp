@@ -1,5 +1,6 @@
 #include "library/librarycontents.h"
 
+#include "base/filebytes.h"
 #include "library/libraryreading.h"
 #include "library/librarywalk.h"
 #include "library/librarywrite.h"
@@ -80,15 +81,24 @@ std::size_t LibraryContents::count(std::uint64_t id) const
     return std::size_t(last - first);
 }
 
-bool itunes::readContents(std::FILE* library, LibraryContents& contents, std::string& error)
+bool itunes::readContents(const base::FileBytes& library, LibraryContents& contents, std::string& error)
 {
     contents = LibraryContents();
     Identifiers identifiers(contents);
-    if (!base::stateOf(library, contents.state) || !walkFile(library, identifiers, error)) {
+    if (!walkFile(library, identifiers, error)) {
         contents = LibraryContents();
         return false;
     }
     std::sort(contents.ids.begin(), contents.ids.end());
+    return true;
+}
+
+bool itunes::readContents(std::FILE* library, LibraryContents& contents, std::string& error)
+{
+    base::FileState state;
+    if (!base::stateOf(library, state) || !readContents(base::SystemFile(library), contents, error))
+        return false;
+    contents.state = state;
     return true;
 }
 
@@ -97,7 +107,7 @@ bool itunes::readLocation(const std::string& path, std::uint64_t id, std::string
 {
     const File library = openLibrary(path, error);
     LocationFinder finder(id);
-    if (!library || !walkFile(library.get(), finder, error))
+    if (!library || !walkFile(base::SystemFile(library.get()), finder, error))
         return false;
     location = finder.found();
     return true;

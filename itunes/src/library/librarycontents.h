@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+namespace base {
+class FileBytes;
+}
+
 namespace itunes {
 /// Which tracks the library file holds in one of its states.
 struct LibraryContents
@@ -19,7 +23,9 @@ struct LibraryContents
     std::size_t count(std::uint64_t id) const;
 };
 
-/// False when the library is broken, with what and where.
+/// False when the library is broken, with what and where. The state stays the caller's to fill in.
+bool readContents(const base::FileBytes& library, LibraryContents& contents, std::string& error);
+/// The same, and the state.
 bool readContents(std::FILE* library, LibraryContents& contents, std::string& error);
 
 /// Where the library says that a track's file is, as it stands there; empty when there is no such track or

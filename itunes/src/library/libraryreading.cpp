@@ -1,5 +1,6 @@
 #include "library/libraryreading.h"
 
+#include "base/filebytes.h"
 #include "base/platform.h"
 #include "base/text.h"
 #include "library/trackreader.h"
@@ -21,7 +22,7 @@ struct Position
 };
 
 /// Counts anew from the beginning: only a broken file pays for it.
-Position positionOf(std::FILE* file, std::uint64_t offset)
+Position positionOf(const base::FileBytes& file, std::uint64_t offset)
 {
     itunes::ByteSource source(file);
     Position position;
@@ -60,7 +61,7 @@ File itunes::openLibrary(const std::string& path, std::string& error)
     return file;
 }
 
-std::string itunes::describeError(std::FILE* file, const XmlScanner& scanner)
+std::string itunes::describeError(const base::FileBytes& file, const XmlScanner& scanner)
 {
     const Position position = positionOf(file, scanner.errorOffset());
     return "line " + std::to_string(position.line) + ", column " + std::to_string(position.column) + ": " +
@@ -71,14 +72,18 @@ std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const std::string& path,
                                                         std::string& error)
 {
     const File file = openLibrary(path, error);
-    if (!file)
-        return nullptr;
-    ByteSource source(file.get());
+    return file ? readLibrary(base::SystemFile(file.get()), changes, error) : nullptr;
+}
+
+std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const base::FileBytes& file,
+                                                        const TrackChanges& changes, std::string& error)
+{
+    ByteSource source(file);
     XmlScanner scanner(source);
     auto store = std::make_unique<TrackStore>();
     TrackReader reader(*store, changes);
     if (!walkLibrary(scanner, reader)) {
-        error = describeError(file.get(), scanner);
+        error = describeError(file, scanner);
         return nullptr;
     }
     store->finish();

@@ -1,6 +1,6 @@
 #include "xml/bytesource.h"
 
-#include "base/platform.h"
+#include "base/filebytes.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -80,13 +80,10 @@ unsigned characterAt(const std::string& text, std::size_t& at)
 }
 } // namespace
 
-ByteSource::ByteSource(std::FILE* file) : m_file(file)
+ByteSource::ByteSource(const base::FileBytes& file) : m_file(file), m_size(file.size().value_or(0))
 {
-    base::FileState state;
-    if (base::stateOf(file, state))
-        m_size = state.size;
     char bytes[longestDeclaration];
-    const std::string_view head(bytes, base::readAt(file, 0, bytes, sizeof bytes));
+    const std::string_view head(bytes, file.readAt(0, bytes, sizeof bytes));
     const std::string_view declared = declaredEncoding(head);
     m_encoding = encodingOf(head);
     m_declaredOther = m_encoding == Encoding::Utf8 && !declared.empty() && !namesUtf8(declared);
@@ -103,7 +100,7 @@ std::size_t ByteSource::readBytes(void* bytes, std::size_t count)
 {
     const std::int64_t left = std::max<std::int64_t>(m_size - m_offset, 0);
     const std::size_t wanted = std::size_t(std::min<std::uint64_t>(count, std::uint64_t(left)));
-    const std::size_t got = base::readAt(m_file, m_offset, bytes, wanted);
+    const std::size_t got = m_file.readAt(m_offset, bytes, wanted);
     m_offset += std::int64_t(got);
     return got;
 }

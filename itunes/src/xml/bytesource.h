@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <vector>
+
+namespace base {
+class FileBytes;
+}
 
 namespace itunes {
 enum class Encoding { Utf8, Utf16Little, Utf16Big };
@@ -15,8 +18,8 @@ enum class Encoding { Utf8, Utf16Little, Utf16Big };
 class ByteSource
 {
 public:
-    /// The file stays the caller's and is read by position only.
-    explicit ByteSource(std::FILE* file);
+    /// The file stays the caller's, and must live as long.
+    explicit ByteSource(const base::FileBytes& file);
 
     Encoding encoding() const { return m_encoding; }
     /// Whether the file says to be in another encoding: then only ASCII may be put into it.
@@ -32,7 +35,7 @@ private:
     void fill();
     std::size_t readBytes(void* bytes, std::size_t count);
 
-    std::FILE* m_file;
+    const base::FileBytes& m_file;
     Encoding m_encoding = Encoding::Utf8;
     bool m_declaredOther = false;
     std::int64_t m_offset = 0;

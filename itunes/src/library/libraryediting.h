@@ -1,0 +1,36 @@
+#pragma once
+
+#include "library/librarycontents.h"
+#include "library/librarysplices.h"
+#include "library/trackedit.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace base {
+class FileBytes;
+}
+
+/// Changing a library, wherever its bytes lie. Which file is changed and whose place the new one takes is the
+/// matter of `writeChanges` alone.
+namespace itunes {
+/// What has to change in a library, in its order.
+struct LibrarySplices
+{
+    std::vector<Splice> all;
+    std::uint64_t tracksLeft = 0;
+    std::size_t editsWithoutTrack = 0; ///< those that cannot be made
+};
+
+/// False when the library is broken, with what and where.
+bool findSplices(const base::FileBytes& library, const TrackChanges& changes, LibrarySplices& found,
+                 std::string& error);
+/// Writes the library with what has to change into the empty copy and hands that to its device; false with
+/// the reason.
+bool writeSpliced(const base::FileBytes& library, base::FileBytes& copy, const LibrarySplices& splices,
+                  std::string& error);
+/// Whether the copy, by what was read of it, holds the tracks that are left: the library is not given up for
+/// less. False with the reason.
+bool isComplete(const LibraryContents& copy, const LibrarySplices& splices, std::string& error);
+} // namespace itunes

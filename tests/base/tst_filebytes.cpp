@@ -1,0 +1,102 @@
+#include "base/filebytes.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+using base::FileBytes;
+using base::MemoryFile;
+using base::SystemFile;
+
+/// A file in memory is like one of the system.
+class TestFileBytes : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void bytesAreReadAndWrittenByPlace_data() { addKinds(); }
+    void bytesAreReadAndWrittenByPlace();
+    void writingBehindTheEndLeavesZeros_data() { addKinds(); }
+    void writingBehindTheEndLeavesZeros();
+    void aFileIsMadeShorterAndLonger_data() { addKinds(); }
+    void aFileIsMadeShorterAndLonger();
+    void whatIsNoFileHasNoSize();
+    void aFullMemoryIsLikeAFullDisk();
+
+private:
+    static void addKinds()
+    {
+        QTest::addColumn<bool>("inMemory");
+        QTest::newRow("of the system") << false;
+        QTest::newRow("in memory") << true;
+    }
+    std::unique_ptr<FileBytes> fileWith(const QByteArray& bytes) const
+    {
+        QFETCH(bool, inMemory);
+        if (inMemory)
+            return std::make_unique<MemoryFile>(bytes.toStdString());
+        QFile file(m_folder.filePath("file"));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("cannot write a file");
+        file.close();
+        return SystemFile::open(file.fileName().toStdString(), true);
+    }
+
+    QTemporaryDir m_folder;
+};
+
+static QByteArray readAt(const FileBytes& file, qint64 place, int count)
+{
+    QByteArray bytes(count, '?');
+    bytes.truncate(int(file.readAt(place, bytes.data(), size_t(count))));
+    return bytes;
+}
+
+void TestFileBytes::bytesAreReadAndWrittenByPlace()
+{
+    const auto file = fileWith("harbour");
+    QCOMPARE(qint64(file->size().value_or(-1)), qint64(7));
+    QCOMPARE(readAt(*file, 0, 7), QByteArray("harbour"));
+    QCOMPARE(readAt(*file, 4, 100), QByteArray("our"));
+    QCOMPARE(readAt(*file, 7, 1), QByteArray());
+    QCOMPARE(readAt(*file, 1000, 1), QByteArray());
+    QCOMPARE(file->writeAt(5, "---", 3), size_t(3));
+    QCOMPARE(readAt(*file, 0, 100), QByteArray("harbo---"));
+    QCOMPARE(qint64(file->size().value_or(-1)), qint64(8));
+    QVERIFY(file->sync());
+}
+
+void TestFileBytes::writingBehindTheEndLeavesZeros()
+{
+    const auto file = fileWith("ab");
+    QCOMPARE(file->writeAt(4, "ef", 2), size_t(2));
+    QCOMPARE(readAt(*file, 0, 100), QByteArray("ab\0\0ef", 6));
+}
+
+void TestFileBytes::aFileIsMadeShorterAndLonger()
+{
+    const auto file = fileWith("harbour");
+    QVERIFY(file->truncateTo(3));
+    QCOMPARE(readAt(*file, 0, 100), QByteArray("har"));
+    QVERIFY(file->truncateTo(5));
+    QCOMPARE(readAt(*file, 0, 100), QByteArray("har\0\0", 5));
+    QCOMPARE(qint64(file->size().value_or(-1)), qint64(5));
+}
+
+void TestFileBytes::whatIsNoFileHasNoSize()
+{
+    QVERIFY(!SystemFile::open(m_folder.filePath("nowhere").toStdString(), false));
+    const auto folder = SystemFile::open(m_folder.path().toStdString(), false);
+    QVERIFY(!folder || !folder->size());
+}
+
+void TestFileBytes::aFullMemoryIsLikeAFullDisk()
+{
+    MemoryFile file("abcd", 6);
+    QCOMPARE(file.writeAt(4, "efgh", 4), size_t(2));
+    QCOMPARE(file.writeAt(6, "g", 1), size_t(0));
+    QVERIFY(!file.truncateTo(7));
+    QCOMPARE(file.bytes(), std::string("abcdef"));
+}
+
+QTEST_GUILESS_MAIN(TestFileBytes)
+#include "tst_filebytes.moc"
