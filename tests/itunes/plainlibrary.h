@@ -1,27 +1,14 @@
 #pragma once
 
 #include "audiofile.h"
-#include "itunes/itunesmusiclibrary.h"
 #include "itunesfixture.h"
+#include "librarycalls.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 
 /// Libraries made of bytes, read by the calls.
 namespace PlainLibrary {
-/// A reading as it would look in the application.
-struct Reading
-{
-    iTunesTrackRecord* records = nullptr;
-    int count = 0;
-};
-
-inline Reading readAgain()
-{
-    Reading reading;
-    GetMusicInfo(&reading.records, &reading.count);
-    return reading;
-}
+using LibraryCalls::Reading;
 
 inline QString text(const char* utf8)
 {
@@ -47,11 +34,10 @@ inline QByteArray named(const QByteArray& raw)
 {
     return libraryAround(entryWith("<key>Name</key><string>" + raw + "</string>"));
 }
+
 /// Reads a library of these bytes.
 inline Reading read(const QTemporaryDir& folder, const QByteArray& bytes)
 {
-    const QString path = Fixtures::writeLibrary(folder.filePath("Library.xml"), bytes);
-    setITunesLibraryOption(QFile::encodeName(path).constData());
-    return readAgain();
+    return LibraryCalls::read(Fixtures::writeLibrary(folder.filePath("Library.xml"), bytes));
 }
 } // namespace PlainLibrary

@@ -341,7 +341,7 @@ void TestLibraryReading::theArrayBeforeLivesUntilTheNextReadingBegins()
     // The application sets fields of its records.
     second.records[0].name = "its own";
     second.records[0].location = nullptr;
-    const Reading third = readAgain();
+    const Reading third = LibraryCalls::read();
     QCOMPARE(text(second.records[0].name), QStringLiteral("its own"));
     QCOMPARE(text(third.records[0].name), QStringLiteral("second"));
 }
@@ -375,7 +375,7 @@ void TestLibraryReading::noLibraryIsAnEmptyOne()
 {
     for (const QString& path : {m_folder.filePath("nowhere.xml"), m_folder.path(), QString("/dev/zero")}) {
         setITunesLibraryOption(QFile::encodeName(path).constData());
-        const Reading reading = readAgain();
+        const Reading reading = LibraryCalls::read();
         QCOMPARE(reading.count, 0);
         QCOMPARE(reading.records, nullptr);
         QCOMPARE(AudioFile::takeLog().size(), 1);
