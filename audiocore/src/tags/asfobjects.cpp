@@ -140,7 +140,8 @@ class Parser
 public:
     bool takeObject(Cursor& cursor, std::vector<Object>& objects, bool inExtension)
     {
-        Object object{cursor.take(idSize)};
+        Object object;
+        object.id = cursor.take(idSize);
         const std::uint64_t size = cursor.quadWord();
         if (size < objectHead || ++m_parts > audiocore::mostFields)
             return false;

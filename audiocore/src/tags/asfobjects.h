@@ -33,11 +33,11 @@ struct Object
 {
     TagLib::ByteVector id;
     Kind kind = Kind::Other;
-    std::vector<TagLib::ByteVector> texts{}; ///< of Description; by TagItemType those of ours
-    std::vector<Field> fields{};
-    TagLib::ByteVector reserved{}; ///< what an Extension begins with
-    std::vector<Object> objects{}; ///< of an Extension
-    TagLib::ByteVector rest{};     ///< behind all that; the whole of what we do not know
+    std::vector<TagLib::ByteVector> texts; ///< of Description; by TagItemType those of ours
+    std::vector<Field> fields;
+    TagLib::ByteVector reserved; ///< what an Extension begins with
+    std::vector<Object> objects; ///< of an Extension
+    TagLib::ByteVector rest;     ///< behind all that; the whole of what we do not know
 };
 
 struct Header
