@@ -5,6 +5,7 @@
 #include "dupmusicbarwidget.h"
 #include "loadplayerthread.h"
 #include "playsongwidget.h"
+#include "songs/bestsong.h"
 #include "songs/songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
 
@@ -44,6 +45,7 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
         if (m_listBarWidget.size() == 1)
             row->SlotOnBtnCheckBox(); // the first song is kept unless the user wants otherwise
     }
+    markBestRow();
     ui->m_scrollAreaWidget->show();
     ui->scrollArea->verticalScrollBar()->setValue(0);
     ui->m_btnClearAll->show();
@@ -75,6 +77,14 @@ DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)
     ui->m_ListverticalLayout->addWidget(row);
     row->show();
     return row;
+}
+
+/// Of rows that match their songs. A hint alone: nothing is kept or deleted by it.
+void DuplicateMusicDetailedWidget::markBestRow()
+{
+    const int best = BestSong::positionIn(*m_pMusicList);
+    for (int position = 0; position < m_listBarWidget.size(); ++position)
+        m_listBarWidget.at(position)->setBest(position == best);
 }
 
 QList<QMusicInfo*> DuplicateMusicDetailedWidget::keptSongs() const
@@ -131,6 +141,8 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         removeLastRow();
     else if (!rowsMatchSongs())
         showRowsAnew(); // or the next deletion would take another row's song
+    else
+        markBestRow();
     ui->m_scrollAreaWidget->show();
     QApplication::restoreOverrideCursor();
 }

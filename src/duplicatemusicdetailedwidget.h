@@ -58,6 +58,7 @@ private:
     void hideRows();
     void clearRows();
     DupMusicbarWidget* addRow(QMusicInfo* song);
+    void markBestRow();
     void deleteRow(int position);
     void removeLastRow();
     bool rowsMatchSongs() const;

@@ -2,6 +2,7 @@
 
 #include "collection/timetext.h"
 #include "common/screenplace.h"
+#include "common/skinlabel.h"
 #include "common/style.h"
 #include "folderopener.h"
 #include "qiorvoutil.h"
@@ -12,8 +13,12 @@
 #include <QCursor>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace {
 constexpr int cardLeftOfPointer = 300;
+constexpr int bestMarkSide = 14;
+constexpr int bestMarkGap = 5;
 
 /// Not by style sheets, which cost a group of thousands of rows seconds.
 void showLabel(RetractLabel* label, const QColor& colour, const QPoint& place)
@@ -90,6 +95,29 @@ void DupMusicbarWidget::SetBtnPlayHidden()
 {
     ui->m_btnStopMusic->show();
     ui->m_btnPlayMusic->hide();
+}
+
+void DupMusicbarWidget::setBest(bool best)
+{
+    if (best && !m_pBestMark)
+        makeBestMark();
+    if (m_pBestMark)
+        m_pBestMark->setVisible(best);
+}
+
+void DupMusicbarWidget::makeBestMark()
+{
+    m_pBestMark = new SkinLabel(this);
+    m_pBestMark->setObjectName(QStringLiteral("m_labelBest"));
+    m_pBestMark->showPicture(SkinPicture::path("pic_best.png"));
+    m_pBestMark->setToolTip(QStringLiteral("Best sound of this group"));
+    m_pBestMark->setAccessibleName(m_pBestMark->toolTip());
+    m_pBestMark->resize(bestMarkSide, bestMarkSide);
+    const RetractLabel* const bitRate = ui->m_labelMusicKbps;
+    const QRect place = bitRate->geometry();
+    const int behind = place.left() + bitRate->fontMetrics().horizontalAdvance(bitRate->text()) + bestMarkGap;
+    m_pBestMark->move(std::min(behind, place.right() - bestMarkSide),
+                      place.top() + (place.height() - bestMarkSide) / 2);
 }
 
 void DupMusicbarWidget::SlotOnBtnCheckBox()

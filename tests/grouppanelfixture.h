@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/qimagebutton.h"
+#include "common/skinlabel.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicbarwidget.h"
 #include "fixtures.h"
@@ -45,6 +46,10 @@ protected:
             qFatal("both buttons at once");
         return stop;
     }
+    /// Null where the row has none.
+    static SkinLabel* bestMark(const DupMusicbarWidget* row) { return child<SkinLabel>(row, "m_labelBest"); }
+    /// The positions of the rows that show the mark of the best copy.
+    QList<int> markedRows() const;
     PlaySongWidget* player() const;
 
     QTemporaryDir m_folder;
@@ -89,6 +94,17 @@ inline QList<QMusicInfo*> GroupPanelFixture::group(int songs)
         list.append(&m_songs.back()->info);
     }
     return list;
+}
+
+inline QList<int> GroupPanelFixture::markedRows() const
+{
+    QList<int> marked;
+    for (int position = 0; position < rows().size(); ++position) {
+        const SkinLabel* mark = bestMark(rows().at(position));
+        if (mark && mark->isVisible())
+            marked.append(position);
+    }
+    return marked;
 }
 
 inline PlaySongWidget* GroupPanelFixture::player() const

@@ -24,6 +24,7 @@ private slots:
     void clearingWalksFromTheLastRow();
     void theLastRowGoes();
     void rowsThatLostTheirSongsAreShownAnew();
+    void theBestOfWhatIsLeftIsMarked();
     void clearAllTakesThisGroupFirst();
 };
 
@@ -173,6 +174,23 @@ void TestGroupClearing::rowsThatLostTheirSongsAreShownAnew()
     QCOMPARE(rows().size(), 2);
     for (int i = 0; i < 2; ++i)
         QCOMPARE(rows().at(i)->song(), songs.at(i));
+}
+
+void TestGroupClearing::theBestOfWhatIsLeftIsMarked()
+{
+    QList<QMusicInfo*> songs = group(4);
+    for (int i = 0; i < 4; ++i) {
+        songs.at(i)->localInfo->format = QStringLiteral("MP3");
+        songs.at(i)->localInfo->bitrate = 100000 * (i + 1);
+    }
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QCOMPARE(markedRows(), QList<int>({3}));
+    rows().at(1)->SlotOnBtnCheckBox(); // kept
+    connect(m_panel.get(), &DuplicateMusicDetailedWidget::emitDeleteDupMusicWasSelected, this,
+            [&] { songs.removeLast(); });
+    m_panel->SlotDeleteSongWasSelected();
+    QCOMPARE(rows().size(), 2);
+    QCOMPARE(markedRows(), QList<int>({1}));
 }
 
 void TestGroupClearing::clearAllTakesThisGroupFirst()
