@@ -4,14 +4,18 @@
 #include "common/screenplace.h"
 #include "common/skinlabel.h"
 #include "common/style.h"
+#include "common/textfit.h"
 #include "folderopener.h"
 #include "qiorvoutil.h"
 #include "showmusicinfowidget.h"
 #include "songs/songfields.h"
+#include "songs/songtip.h"
 #include "ui_dupmusicbarwidget.h"
 
 #include <QCursor>
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -156,6 +160,16 @@ void DupMusicbarWidget::SlotOnBtnShowInfo()
         ScreenPlace::inside(QRect(corner, m_pShowInfoWidget->size()), ScreenPlace::availableAt(pointer)));
     m_pShowInfoWidget->activateWindow();
     m_pShowInfoWidget->show();
+}
+
+/// The tip is made when it is asked for.
+bool DupMusicbarWidget::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip || !SongFields::available(m_pMusicInfo))
+        return QWidget::event(event);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), TextFit::tip(SongTip::of(m_pMusicInfo)),
+                       this);
+    return true;
 }
 
 void DupMusicbarWidget::paintEvent(QPaintEvent*)

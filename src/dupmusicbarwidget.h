@@ -49,6 +49,7 @@ signals:
     void emitStopSong();
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -10,7 +10,11 @@
 #include "songfixtures.h"
 #include "startup.h"
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QTemporaryDir>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 #include <QtTest>
 
 /// The panel of one duplicate group, and songs for it.
@@ -46,6 +50,8 @@ protected:
             qFatal("both buttons at once");
         return stop;
     }
+    /// What a tip says when the pointer rests on the widget.
+    static QString tipOf(const QWidget* widget);
     /// Null where the row has none.
     static SkinLabel* bestMark(const DupMusicbarWidget* row) { return child<SkinLabel>(row, "m_labelBest"); }
     /// The positions of the rows that show the mark of the best copy.
@@ -105,6 +111,15 @@ inline QList<int> GroupPanelFixture::markedRows() const
             marked.append(position);
     }
     return marked;
+}
+
+inline QString GroupPanelFixture::tipOf(const QWidget* widget)
+{
+    QToolTip::hideText();
+    const QPoint middle = widget->rect().center();
+    QHelpEvent asked(QEvent::ToolTip, middle, widget->mapToGlobal(middle));
+    QApplication::sendEvent(const_cast<QWidget*>(widget), &asked);
+    return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
 }
 
 inline PlaySongWidget* GroupPanelFixture::player() const

@@ -58,6 +58,7 @@ private slots:
     void copiesThatAreAlikeHaveNoMark();
     void theMarkStandsBehindTheBitRate_data();
     void theMarkStandsBehindTheBitRate();
+    void theTipTellsCopiesApart();
     void theCheckBoxTurns();
     void theFirstRowIsKept();
     void anotherGroupReplacesTheRows();
@@ -213,6 +214,25 @@ void TestDuplicateMusicDetailedWidget::theMarkStandsBehindTheBitRate()
     row.resize(row.minimumSizeHint());
     const QColor middle = row.grab().toImage().pixelColor(mark.left() + 2, mark.center().y());
     QVERIFY2(middle.green() > middle.red() && middle.green() > middle.blue(), qPrintable(middle.name()));
+}
+
+void TestDuplicateMusicDetailedWidget::theTipTellsCopiesApart()
+{
+    QList<QMusicInfo*> songs = group(2);
+    const QString path = m_folder.filePath("a <b>copy.mp3");
+    songs.last()->localInfo->filePath = Fixtures::saveBytes("12345", path);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    const QString last = tipOf(rows().last());
+    QVERIFY2(last.startsWith(path), qPrintable(last));
+    QVERIFY(last.contains("5.00B"));
+    QVERIFY(last.contains("Title: Song 1"));
+    QVERIFY(tipOf(rows().first()).contains("Title: Song 0"));
+    // The same over its texts; its buttons and its mark have tips of their own.
+    QCOMPARE(tipOf(child<QWidget>(rows().last(), "m_labelMusicArtist")), last);
+    QCOMPARE(tipOf(child<QWidget>(rows().last(), "m_btnPlayMusic")), QString("Play"));
+    rows().last()->setBest(true);
+    QCOMPARE(tipOf(bestMark(rows().last())), QString("Best sound of this group"));
+    QVERIFY(rows().last()->toolTip().isEmpty()); // made when it is asked for
 }
 
 void TestDuplicateMusicDetailedWidget::theCheckBoxTurns()
