@@ -87,23 +87,26 @@ void DuplicateMusicDetailedWidget::markBestRow()
         m_listBarWidget.at(position)->setBest(position == best);
 }
 
-QList<QMusicInfo*> DuplicateMusicDetailedWidget::keptSongs() const
+QList<QMusicInfo*> DuplicateMusicDetailedWidget::songsOfRows(bool kept) const
 {
     QList<QMusicInfo*> songs;
     for (const DupMusicbarWidget* row : m_listBarWidget)
-        if (row && row->isKept() && row->song())
+        if (row && row->isKept() == kept && row->song())
             songs.append(row->song());
     return songs;
 }
 
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
 {
-    if (!m_deleteDlg.isNotToAskAgain()) {
-        ScreenPlace::putOver(m_deleteDlg, m_deleteDlg.rect(), *window());
-        if (m_deleteDlg.exec() != QDialog::Accepted)
-            return;
-    }
-    SlotDeleteSongWasSelected();
+    if (m_deleteDlg.isNotToAskAgain() || userAgrees())
+        SlotDeleteSongWasSelected();
+}
+
+bool DuplicateMusicDetailedWidget::userAgrees()
+{
+    m_deleteDlg.setSongs(songsOfRows(false), keptSongs());
+    ScreenPlace::putOver(m_deleteDlg, m_deleteDlg.rect(), *window());
+    return m_deleteDlg.exec() == QDialog::Accepted;
 }
 
 /// Oddity 26: asks nothing.

@@ -32,7 +32,7 @@ public:
     /// Whether the rows shown are those of this list.
     bool shows(const QList<QMusicInfo*>& list) const { return m_pMusicList == &list; }
     /// The songs of the rows marked to be kept.
-    QList<QMusicInfo*> keptSongs() const;
+    QList<QMusicInfo*> keptSongs() const { return songsOfRows(true); }
     /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
     const KeptFiles& keptFiles() const { return m_keptFiles; }
 
@@ -59,6 +59,8 @@ private:
     void clearRows();
     DupMusicbarWidget* addRow(QMusicInfo* song);
     void markBestRow();
+    QList<QMusicInfo*> songsOfRows(bool kept) const;
+    bool userAgrees();
     void deleteRow(int position);
     void removeLastRow();
     bool rowsMatchSongs() const;

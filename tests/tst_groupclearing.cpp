@@ -1,3 +1,5 @@
+#include "common/retractlabel.h"
+#include "common/style.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "grouppanelfixture.h"
 #include "guidriver.h"
@@ -18,6 +20,9 @@ private slots:
 
     void buttonsGoWithTheLastGroup();
     void clearingAsksOnceAndForAll();
+    void theQuestionSaysWhatGoesAndWhatStays();
+    void theQuestionWarnsWhenNothingStays();
+    void theQuestionShortensALongTitle();
     void whoCancelsIsAskedAgain();
     void cancellingDeletesNothing();
     void noStrayDoubleClickDeletes();
@@ -67,6 +72,67 @@ void TestGroupClearing::clearingAsksOnceAndForAll()
     m_panel->SetDuplicateMusicDetailedInfo(&songs);
     click(m_panel.get(), "m_btnClearOne"); // a dialog would be closed, and nothing deleted
     QCOMPARE(deleted.size(), 6);
+}
+
+void TestGroupClearing::theQuestionSaysWhatGoesAndWhatStays()
+{
+    QList<QMusicInfo*> songs = group(4);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    rows().at(2)->SlotOnBtnCheckBox(); // kept
+    bool asked = false;
+    m_dialogs->expect([&](QWidget* dialog) {
+        asked = true;
+        const auto* question = child<RetractLabel>(dialog, "m_labQuestion");
+        QCOMPARE(question->getName(), QString(R"(Delete 2 songs, keep "Song 0" (WAV) and 1 more?)"));
+        QCOMPARE(question->text(), question->getName());
+        QCOMPARE(question->palette().color(QPalette::WindowText), Style::ink);
+        QVERIFY(child<RetractLabel>(dialog, "m_labFiles")->getName().contains("file"));
+        QVERIFY(dialog->accessibleDescription().startsWith(question->getName()));
+        for (const char* line : {"m_labQuestion", "m_labFiles"})
+            for (const char* other : {"m_checkBox", "m_btnOK", "m_btnCancel"})
+                QVERIFY(child<QWidget>(dialog, line)->geometry().bottom() <=
+                        child<QWidget>(dialog, other)->geometry().top());
+        click(dialog, "m_btnCancel");
+    });
+    click(m_panel.get(), "m_btnClearOne");
+    QVERIFY(asked);
+}
+
+void TestGroupClearing::theQuestionWarnsWhenNothingStays()
+{
+    QList<QMusicInfo*> songs = group(2);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    for (const bool nothingStays : {true, false}) { // the dialog is the same one
+        rows().first()->SlotOnBtnCheckBox();
+        bool asked = false;
+        m_dialogs->expect([&](QWidget* dialog) {
+            asked = true;
+            const auto* question = child<RetractLabel>(dialog, "m_labQuestion");
+            QCOMPARE(question->getName().endsWith("keep none of this group?"), nothingStays);
+            QCOMPARE(question->palette().color(QPalette::WindowText),
+                     nothingStays ? Style::dangerText : Style::ink);
+            click(dialog, "m_btnCancel");
+        });
+        click(m_panel.get(), "m_btnClearOne");
+        QVERIFY(asked);
+    }
+}
+
+void TestGroupClearing::theQuestionShortensALongTitle()
+{
+    QList<QMusicInfo*> songs = group(2);
+    songs.first()->localInfo->title = QStringLiteral("Midnight Ferry, ").repeated(300);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    bool asked = false;
+    m_dialogs->expect([&](QWidget* dialog) {
+        asked = true;
+        const auto* question = child<RetractLabel>(dialog, "m_labQuestion");
+        QVERIFY2(question->text().endsWith(R"(..." (WAV)?)"), qPrintable(question->text()));
+        QVERIFY(question->text().size() > 50);
+        click(dialog, "m_btnCancel");
+    });
+    click(m_panel.get(), "m_btnClearOne");
+    QVERIFY(asked);
 }
 
 void TestGroupClearing::whoCancelsIsAskedAgain()

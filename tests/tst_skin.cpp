@@ -112,6 +112,8 @@ const Caption captions[] = {
     {"src/views/viewsetup.cpp", "Style::text.name()", Style::text, Style::header}, // column titles
     {"src/views/viewsetup.cpp", "QPalette::Text, Style::text", Style::text, Style::stripe},
     {"src/deletingmusicwaitingdlg.cpp", "Style::text", Style::text, "#FFFFFF"},
+    {"src/deletedupmusicinfodlg.cpp", "Style::dangerText", Style::dangerText, "#FDFEFF"},
+    {"src/deletedupmusicinfodlg.cpp", "Style::muted", Style::muted, "#FDFEFF"},
     {"src/introducethissofedialog.cpp", "Style::chosen", Style::chosen, "#EEF7FC"},
     {"src/startup.cpp", "Style::text", Style::text, Style::window}, // of what the system draws
     {"src/views/paintdupnumberdelegate.cpp", "Style::textOnColour", Style::textOnColour, "#CE4237"},
