@@ -48,8 +48,7 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
     markBestRow();
     ui->m_scrollAreaWidget->show();
     ui->scrollArea->verticalScrollBar()->setValue(0);
-    ui->m_btnClearAll->show();
-    ui->m_btnClearOne->show();
+    showButtons(true);
     show();
     LoadPlayerThread::startSoon();
 }
@@ -114,8 +113,7 @@ void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 {
     SlotDeleteSongWasSelected();
     emit emitDeleteAllDupMusic();
-    ui->m_btnClearAll->hide();
-    ui->m_btnClearOne->hide();
+    showButtons(false);
 }
 
 void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
@@ -224,10 +222,16 @@ void DuplicateMusicDetailedWidget::SlotSongPlayBtnHidden()
 
 void DuplicateMusicDetailedWidget::SlotSetDeleteBtn(int count)
 {
-    if (count != 0)
-        return;
-    ui->m_btnClearAll->hide();
-    ui->m_btnClearOne->hide();
+    if (count == 0)
+        showButtons(false);
+}
+
+/// With what they mean.
+void DuplicateMusicDetailedWidget::showButtons(bool visible)
+{
+    ui->m_btnClearAll->setVisible(visible);
+    ui->m_btnClearOne->setVisible(visible);
+    ui->m_labCaption->setVisible(visible);
 }
 
 void DuplicateMusicDetailedWidget::paintEvent(QPaintEvent*)

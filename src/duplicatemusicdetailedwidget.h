@@ -65,6 +65,7 @@ private:
     void removeLastRow();
     bool rowsMatchSongs() const;
     void showRowsAnew();
+    void showButtons(bool visible);
     void play(QMusicInfo* song, bool fromDupBar);
 
     std::unique_ptr<Ui::DuplicateMusicDetailedWidget> ui;

@@ -38,7 +38,8 @@ void TestGroupClearing::buttonsGoWithTheLastGroup()
     QList<QMusicInfo*> songs = group(2);
     m_panel->SetDuplicateMusicDetailedInfo(&songs);
     const auto visible = [&] {
-        return child<QWidget>(m_panel.get(), "m_btnClearOne")->isVisible() &&
+        return child<QWidget>(m_panel.get(), "m_labCaption")->isVisible() &&
+               child<QWidget>(m_panel.get(), "m_btnClearOne")->isVisible() &&
                child<QWidget>(m_panel.get(), "m_btnClearAll")->isVisible();
     };
     QVERIFY(visible());
@@ -46,6 +47,7 @@ void TestGroupClearing::buttonsGoWithTheLastGroup()
     QVERIFY(visible());
     m_panel->SlotSetDeleteBtn(0);
     QVERIFY(!visible());
+    QVERIFY(!child<QWidget>(m_panel.get(), "m_labCaption")->isVisible());
     m_panel->SlotSetDeleteBtn(2);
     QVERIFY(!visible()); // only the next group brings them back
     m_panel->SetDuplicateMusicDetailedInfo(&songs);

@@ -117,6 +117,7 @@ const Caption captions[] = {
     {"src/introducethissofedialog.cpp", "Style::chosen", Style::chosen, "#EEF7FC"},
     {"src/startup.cpp", "Style::text", Style::text, Style::window}, // of what the system draws
     {"src/views/paintdupnumberdelegate.cpp", "Style::textOnColour", Style::textOnColour, "#CE4237"},
+    {"forms/duplicatemusicdetailedwidget.ui", "#4F6B7C", Style::muted, "#FFFFFF"},
     {"forms/musicdetailedinfowidget.ui", "#4F6B7C", Style::muted, Style::panel},
     {"forms/showmusicinfowidget.ui", "#4F6B7C", Style::muted, "#F0F8FD"},
     {"forms/playsongwidget.ui", "#4F6B7C", Style::muted, "#F2F9FD"},
