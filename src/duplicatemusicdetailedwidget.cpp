@@ -2,17 +2,21 @@
 
 #include "common/screenplace.h"
 #include "common/style.h"
+#include "common/textfit.h"
 #include "dupmusicbarwidget.h"
 #include "loadplayerthread.h"
 #include "playsongwidget.h"
 #include "songs/bestsong.h"
+#include "songs/clearingwords.h"
 #include "songs/songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QSet>
+#include <QToolTip>
 
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
@@ -25,6 +29,7 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     ui->m_btnClearAll->setBtnImage(SkinPicture::path("btn_ClearAll.png"));
     ui->m_btnClearOne->setChangesFiles(true);
     ui->m_btnClearAll->setChangesFiles(true);
+    ui->m_btnClearAll->installEventFilter(this);
     connect(ui->m_btnClearOne, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteSongWasSelected()));
     connect(ui->m_btnClearAll, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteAllSong()));
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongStopBtnHidden()), this, SLOT(SlotSongStopBtnHidden()));
@@ -232,6 +237,16 @@ void DuplicateMusicDetailedWidget::showButtons(bool visible)
     ui->m_btnClearAll->setVisible(visible);
     ui->m_btnClearOne->setVisible(visible);
     ui->m_labCaption->setVisible(visible);
+}
+
+/// What clearing all groups would do is counted when it is asked for.
+bool DuplicateMusicDetailedWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != ui->m_btnClearAll || event->type() != QEvent::ToolTip || !m_groups)
+        return QWidget::eventFilter(watched, event);
+    const QString words = ClearingWords::beforeAll(*m_groups, m_pMusicList, keptSongs());
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), TextFit::tip(words), ui->m_btnClearAll);
+    return true;
 }
 
 void DuplicateMusicDetailedWidget::paintEvent(QPaintEvent*)

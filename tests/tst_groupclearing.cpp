@@ -1,6 +1,7 @@
 #include "common/retractlabel.h"
 #include "common/style.h"
 #include "duplicatemusicdetailedwidget.h"
+#include "dupmusicinfo.h"
 #include "grouppanelfixture.h"
 #include "guidriver.h"
 
@@ -30,6 +31,7 @@ private slots:
     void theLastRowGoes();
     void rowsThatLostTheirSongsAreShownAnew();
     void theBestOfWhatIsLeftIsMarked();
+    void clearAllTellsItsNumbersBefore();
     void clearAllTakesThisGroupFirst();
 };
 
@@ -259,6 +261,23 @@ void TestGroupClearing::theBestOfWhatIsLeftIsMarked()
     m_panel->SlotDeleteSongWasSelected();
     QCOMPARE(rows().size(), 2);
     QCOMPARE(markedRows(), QList<int>({1}));
+}
+
+/// Counted anew each time.
+void TestGroupClearing::clearAllTellsItsNumbersBefore()
+{
+    DupMusicInfo shown{group(3)};
+    DupMusicInfo other{group(4)};
+    const QList<DupMusicInfo*> groups = {&shown, &other};
+    m_panel->setGroups(&groups);
+    m_panel->SetDuplicateMusicDetailedInfo(&shown.musicList);
+    const auto* button = child<QWidget>(m_panel.get(), "m_btnClearAll");
+    QVERIFY(tipOf(button).startsWith("Of 2 groups, 5 songs go with their files; 2 stay."));
+    rows().at(0)->SlotOnBtnCheckBox();
+    rows().at(2)->SlotOnBtnCheckBox();
+    QVERIFY(tipOf(button).startsWith("Of 2 groups, 5 songs go"));
+    other.musicList.removeLast();
+    QVERIFY(tipOf(button).startsWith("Of 2 groups, 4 songs go"));
 }
 
 void TestGroupClearing::clearAllTakesThisGroupFirst()
