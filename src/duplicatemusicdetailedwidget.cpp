@@ -108,7 +108,9 @@ void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
 
 bool DuplicateMusicDetailedWidget::userAgrees()
 {
+    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files are looked for
     m_deleteDlg.setSongs(songsOfRows(false), keptSongs());
+    QApplication::restoreOverrideCursor();
     ScreenPlace::putOver(m_deleteDlg, m_deleteDlg.rect(), *window());
     return m_deleteDlg.exec() == QDialog::Accepted;
 }
