@@ -51,6 +51,7 @@ void CenterWidget::Init()
     ui->m_btnOpen->hide();
     ui->m_backgroundImageWidget->SetImageBackgroud(SkinPicture::path("bg_right_nofile.png"), true);
     ui->m_musicDetailedWidget->hide();
+    ui->m_dupMusicDetailedWidget->setGroups(&m_classification.groups());
     ui->m_dupMusicDetailedWidget->hide();
     m_openShortcut =
         new QShortcut(QKeySequence::Open, this, SLOT(OnBtnOpenFile()), nullptr, Qt::WindowShortcut);

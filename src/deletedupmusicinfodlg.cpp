@@ -1,8 +1,20 @@
 #include "deletedupmusicinfodlg.h"
 
+#include "common/style.h"
+#include "songs/clearingwords.h"
 #include "ui_deletedupmusicinfodlg.h"
 
 #include <QIcon>
+
+namespace {
+void write(RetractLabel* label, const QString& text, const QColor& colour)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
+    label->setText(text);
+}
+} // namespace
 
 DeleteDupMusicInfoDlg::DeleteDupMusicInfoDlg(QWidget* parent)
     : QImageDialog(parent), ui(std::make_unique<Ui::DeleteDupMusicInfoDlg>())
@@ -23,6 +35,18 @@ DeleteDupMusicInfoDlg::DeleteDupMusicInfoDlg(QWidget* parent)
 }
 
 DeleteDupMusicInfoDlg::~DeleteDupMusicInfoDlg() = default;
+
+void DeleteDupMusicInfoDlg::setSongs(const QList<QMusicInfo*>& going, const QList<QMusicInfo*>& kept)
+{
+    const RetractLabel* const line = ui->m_labQuestion;
+    const auto fits = [line](const QString& text) {
+        return line->fontMetrics().horizontalAdvance(text) <= line->width();
+    };
+    const ClearingWords::Question question = ClearingWords::beforeGroup(going, kept, fits);
+    write(ui->m_labQuestion, question.text, question.nothingStays ? Style::dangerText : Style::ink);
+    write(ui->m_labFiles, question.files, Style::muted);
+    setAccessibleDescription(question.text + QLatin1Char(' ') + question.files);
+}
 
 bool DeleteDupMusicInfoDlg::isNotToAskAgain() const
 {

@@ -2,7 +2,11 @@
 
 #include "common/qimagedialog.h"
 
+#include <QList>
+
 #include <memory>
+
+struct QMusicInfo;
 
 namespace Ui {
 class DeleteDupMusicInfoDlg;
@@ -17,6 +21,8 @@ public:
     explicit DeleteDupMusicInfoDlg(QWidget* parent = nullptr);
     ~DeleteDupMusicInfoDlg() override;
 
+    /// Says which songs of the group go, and which stay.
+    void setSongs(const QList<QMusicInfo*>& going, const QList<QMusicInfo*>& kept);
     /// Whether the user accepted and wishes not to be asked again.
     bool isNotToAskAgain() const;
 

@@ -2,16 +2,21 @@
 
 #include "common/screenplace.h"
 #include "common/style.h"
+#include "common/textfit.h"
 #include "dupmusicbarwidget.h"
 #include "loadplayerthread.h"
 #include "playsongwidget.h"
+#include "songs/bestsong.h"
+#include "songs/clearingwords.h"
 #include "songs/songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QSet>
+#include <QToolTip>
 
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
@@ -24,6 +29,7 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     ui->m_btnClearAll->setBtnImage(SkinPicture::path("btn_ClearAll.png"));
     ui->m_btnClearOne->setChangesFiles(true);
     ui->m_btnClearAll->setChangesFiles(true);
+    ui->m_btnClearAll->installEventFilter(this);
     connect(ui->m_btnClearOne, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteSongWasSelected()));
     connect(ui->m_btnClearAll, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteAllSong()));
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongStopBtnHidden()), this, SLOT(SlotSongStopBtnHidden()));
@@ -44,10 +50,10 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
         if (m_listBarWidget.size() == 1)
             row->SlotOnBtnCheckBox(); // the first song is kept unless the user wants otherwise
     }
+    markBestRow();
     ui->m_scrollAreaWidget->show();
     ui->scrollArea->verticalScrollBar()->setValue(0);
-    ui->m_btnClearAll->show();
-    ui->m_btnClearOne->show();
+    showButtons(true);
     show();
     LoadPlayerThread::startSoon();
 }
@@ -77,23 +83,36 @@ DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)
     return row;
 }
 
-QList<QMusicInfo*> DuplicateMusicDetailedWidget::keptSongs() const
+/// Of rows that match their songs. A hint alone: nothing is kept or deleted by it.
+void DuplicateMusicDetailedWidget::markBestRow()
+{
+    const int best = BestSong::positionIn(*m_pMusicList);
+    for (int position = 0; position < m_listBarWidget.size(); ++position)
+        m_listBarWidget.at(position)->setBest(position == best);
+}
+
+QList<QMusicInfo*> DuplicateMusicDetailedWidget::songsOfRows(bool kept) const
 {
     QList<QMusicInfo*> songs;
     for (const DupMusicbarWidget* row : m_listBarWidget)
-        if (row && row->isKept() && row->song())
+        if (row && row->isKept() == kept && row->song())
             songs.append(row->song());
     return songs;
 }
 
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
 {
-    if (!m_deleteDlg.isNotToAskAgain()) {
-        ScreenPlace::putOver(m_deleteDlg, m_deleteDlg.rect(), *window());
-        if (m_deleteDlg.exec() != QDialog::Accepted)
-            return;
-    }
-    SlotDeleteSongWasSelected();
+    if (m_deleteDlg.isNotToAskAgain() || userAgrees())
+        SlotDeleteSongWasSelected();
+}
+
+bool DuplicateMusicDetailedWidget::userAgrees()
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files are looked for
+    m_deleteDlg.setSongs(songsOfRows(false), keptSongs());
+    QApplication::restoreOverrideCursor();
+    ScreenPlace::putOver(m_deleteDlg, m_deleteDlg.rect(), *window());
+    return m_deleteDlg.exec() == QDialog::Accepted;
 }
 
 /// Oddity 26: asks nothing.
@@ -101,8 +120,7 @@ void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 {
     SlotDeleteSongWasSelected();
     emit emitDeleteAllDupMusic();
-    ui->m_btnClearAll->hide();
-    ui->m_btnClearOne->hide();
+    showButtons(false);
 }
 
 void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
@@ -131,6 +149,8 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         removeLastRow();
     else if (!rowsMatchSongs())
         showRowsAnew(); // or the next deletion would take another row's song
+    else
+        markBestRow();
     ui->m_scrollAreaWidget->show();
     QApplication::restoreOverrideCursor();
 }
@@ -209,10 +229,26 @@ void DuplicateMusicDetailedWidget::SlotSongPlayBtnHidden()
 
 void DuplicateMusicDetailedWidget::SlotSetDeleteBtn(int count)
 {
-    if (count != 0)
-        return;
-    ui->m_btnClearAll->hide();
-    ui->m_btnClearOne->hide();
+    if (count == 0)
+        showButtons(false);
+}
+
+/// With what they mean.
+void DuplicateMusicDetailedWidget::showButtons(bool visible)
+{
+    ui->m_btnClearAll->setVisible(visible);
+    ui->m_btnClearOne->setVisible(visible);
+    ui->m_labCaption->setVisible(visible);
+}
+
+/// What clearing all groups would do is counted when it is asked for.
+bool DuplicateMusicDetailedWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != ui->m_btnClearAll || event->type() != QEvent::ToolTip || !m_groups)
+        return QWidget::eventFilter(watched, event);
+    const QString words = ClearingWords::beforeAll(*m_groups, m_pMusicList, keptSongs());
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), TextFit::tip(words), ui->m_btnClearAll);
+    return true;
 }
 
 void DuplicateMusicDetailedWidget::paintEvent(QPaintEvent*)

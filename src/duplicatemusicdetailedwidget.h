@@ -10,6 +10,7 @@
 
 class DupMusicbarWidget;
 class PlaySongWidget;
+struct DupMusicInfo;
 struct QMusicInfo;
 
 namespace Ui {
@@ -29,10 +30,12 @@ public:
     /// Shows a row for each song, the first one marked to be kept, and the panel; no list: forgets the group
     /// shown. The list and its songs must outlive their being shown.
     void SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list);
+    /// All groups, for what clearing them would do; they must outlive the panel, or be taken back (null).
+    void setGroups(const QList<DupMusicInfo*>* groups) { m_groups = groups; }
     /// Whether the rows shown are those of this list.
     bool shows(const QList<QMusicInfo*>& list) const { return m_pMusicList == &list; }
     /// The songs of the rows marked to be kept.
-    QList<QMusicInfo*> keptSongs() const;
+    QList<QMusicInfo*> keptSongs() const { return songsOfRows(true); }
     /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
     const KeptFiles& keptFiles() const { return m_keptFiles; }
 
@@ -52,21 +55,27 @@ signals:
     void emitDeleteAllDupMusic();
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void hideRows();
     void clearRows();
     DupMusicbarWidget* addRow(QMusicInfo* song);
+    void markBestRow();
+    QList<QMusicInfo*> songsOfRows(bool kept) const;
+    bool userAgrees();
     void deleteRow(int position);
     void removeLastRow();
     bool rowsMatchSongs() const;
     void showRowsAnew();
+    void showButtons(bool visible);
     void play(QMusicInfo* song, bool fromDupBar);
 
     std::unique_ptr<Ui::DuplicateMusicDetailedWidget> ui;
     QList<QMusicInfo*>* m_pMusicList = nullptr;
-    QList<DupMusicbarWidget*> m_listBarWidget; ///< one row per song, same index; null for one that went
+    const QList<DupMusicInfo*>* m_groups = nullptr; ///< not owned
+    QList<DupMusicbarWidget*> m_listBarWidget;      ///< one row per song, same index; null for one that went
     std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
     DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
     KeptFiles m_keptFiles;                      ///< empty but for a deletion

@@ -2,18 +2,27 @@
 
 #include "collection/timetext.h"
 #include "common/screenplace.h"
+#include "common/skinlabel.h"
 #include "common/style.h"
+#include "common/textfit.h"
 #include "folderopener.h"
 #include "qiorvoutil.h"
 #include "showmusicinfowidget.h"
 #include "songs/songfields.h"
+#include "songs/songtip.h"
 #include "ui_dupmusicbarwidget.h"
 
 #include <QCursor>
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
+
+#include <algorithm>
 
 namespace {
 constexpr int cardLeftOfPointer = 300;
+constexpr int bestMarkSide = 14;
+constexpr int bestMarkGap = 5;
 
 /// Not by style sheets, which cost a group of thousands of rows seconds.
 void showLabel(RetractLabel* label, const QColor& colour, const QPoint& place)
@@ -92,6 +101,29 @@ void DupMusicbarWidget::SetBtnPlayHidden()
     ui->m_btnPlayMusic->hide();
 }
 
+void DupMusicbarWidget::setBest(bool best)
+{
+    if (best && !m_pBestMark)
+        makeBestMark();
+    if (m_pBestMark)
+        m_pBestMark->setVisible(best);
+}
+
+void DupMusicbarWidget::makeBestMark()
+{
+    m_pBestMark = new SkinLabel(this);
+    m_pBestMark->setObjectName(QStringLiteral("m_labelBest"));
+    m_pBestMark->showPicture(SkinPicture::path("pic_best.png"));
+    m_pBestMark->setToolTip(QStringLiteral("Best sound of this group"));
+    m_pBestMark->setAccessibleName(m_pBestMark->toolTip());
+    m_pBestMark->resize(bestMarkSide, bestMarkSide);
+    const RetractLabel* const bitRate = ui->m_labelMusicKbps;
+    const QRect place = bitRate->geometry();
+    const int behind = place.left() + bitRate->fontMetrics().horizontalAdvance(bitRate->text()) + bestMarkGap;
+    m_pBestMark->move(std::min(behind, place.right() - bestMarkSide),
+                      place.top() + (place.height() - bestMarkSide) / 2);
+}
+
 void DupMusicbarWidget::SlotOnBtnCheckBox()
 {
     ui->m_btnIsDeleta->setBtnImage(
@@ -128,6 +160,16 @@ void DupMusicbarWidget::SlotOnBtnShowInfo()
         ScreenPlace::inside(QRect(corner, m_pShowInfoWidget->size()), ScreenPlace::availableAt(pointer)));
     m_pShowInfoWidget->activateWindow();
     m_pShowInfoWidget->show();
+}
+
+/// The tip is made when it is asked for.
+bool DupMusicbarWidget::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip || !SongFields::available(m_pMusicInfo))
+        return QWidget::event(event);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), TextFit::tip(SongTip::of(m_pMusicInfo)),
+                       this);
+    return true;
 }
 
 void DupMusicbarWidget::paintEvent(QPaintEvent*)

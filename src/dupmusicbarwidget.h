@@ -5,6 +5,7 @@
 #include <memory>
 
 class ShowMusicInfoWidget;
+class SkinLabel;
 struct QMusicInfo;
 
 namespace Ui {
@@ -28,6 +29,8 @@ public:
     QString ConvertTime(long long milliseconds) const;
     /// Whether deletions leave this song alone.
     bool isKept() const { return m_bChecked; }
+    /// Whether the mark of the copy that sounds best stands behind the bit rate.
+    void setBest(bool best);
 
     /// Shows the play button in place of the stop button.
     void SetBtnPauseHidden();
@@ -46,6 +49,7 @@ signals:
     void emitStopSong();
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -56,10 +60,12 @@ private:
     };
 
     void InitButtons();
+    void makeBestMark();
 
     std::unique_ptr<Ui::DupMusicbarWidget> ui;
     bool m_bChecked = false;
     QMusicInfo* m_pMusicInfo = nullptr;
+    SkinLabel* m_pBestMark = nullptr;                       ///< made where it is needed first
     std::unique_ptr<ShowMusicInfoWidget> m_pShowInfoWidget; ///< the card last opened from here
     Position m_ptCursor;                                    ///< where the pointer was then
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/qimagebutton.h"
+#include "common/skinlabel.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicbarwidget.h"
 #include "fixtures.h"
@@ -9,7 +10,11 @@
 #include "songfixtures.h"
 #include "startup.h"
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QTemporaryDir>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 #include <QtTest>
 
 /// The panel of one duplicate group, and songs for it.
@@ -45,6 +50,12 @@ protected:
             qFatal("both buttons at once");
         return stop;
     }
+    /// What a tip says when the pointer rests on the widget.
+    static QString tipOf(const QWidget* widget);
+    /// Null where the row has none.
+    static SkinLabel* bestMark(const DupMusicbarWidget* row) { return child<SkinLabel>(row, "m_labelBest"); }
+    /// The positions of the rows that show the mark of the best copy.
+    QList<int> markedRows() const;
     PlaySongWidget* player() const;
 
     QTemporaryDir m_folder;
@@ -89,6 +100,26 @@ inline QList<QMusicInfo*> GroupPanelFixture::group(int songs)
         list.append(&m_songs.back()->info);
     }
     return list;
+}
+
+inline QList<int> GroupPanelFixture::markedRows() const
+{
+    QList<int> marked;
+    for (int position = 0; position < rows().size(); ++position) {
+        const SkinLabel* mark = bestMark(rows().at(position));
+        if (mark && mark->isVisible())
+            marked.append(position);
+    }
+    return marked;
+}
+
+inline QString GroupPanelFixture::tipOf(const QWidget* widget)
+{
+    QToolTip::hideText();
+    const QPoint middle = widget->rect().center();
+    QHelpEvent asked(QEvent::ToolTip, middle, widget->mapToGlobal(middle));
+    QApplication::sendEvent(const_cast<QWidget*>(widget), &asked);
+    return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
 }
 
 inline PlaySongWidget* GroupPanelFixture::player() const

@@ -95,6 +95,15 @@ picture() {
     import -window root -crop "$(frame)" +repage "$pictures/$1.png"
 }
 
+# What shows where the pointer rests.
+tip() {
+    xdotool mousemove --window "$window" $(($2 * scale)) $(($3 * scale))
+    sleep 1.2
+    picture "$1" stay
+    xdotool mousemove --window "$window" $((700 * scale)) $((5 * scale))
+    sleep 0.5
+}
+
 # Clock ticks of processor time that the program has taken.
 ticks() {
     sed 's/.*) //' "/proc/$program/stat" | awk '{ print $12 + $13 }'
@@ -234,9 +243,11 @@ walk_details() {
     click $((left + 234)) 608
 }
 
-# The group whose rows show: playing, the card, the deletion.
+# The group whose rows show: tips, playing, the card, the deletion.
 walk_group() {
     local width=$1 name=$2 left=$(($1 - 330)) player
+    tip "$name-group-1-row" $((left + 100)) 247
+    tip "$name-group-1-clear-all" $((left + 245)) $(($3 - 57))
     click $((left + 243)) 281 1.5
     wide_picture "$name-group-2-playing"
     player=$(window_of_size 560 350)

@@ -53,6 +53,12 @@ private slots:
     void timesAreDoubledColons_data();
     void timesAreDoubledColons();
     void rowsAreLaidOutAsTheyShould();
+    void theBestCopyIsMarked();
+    void theBestTrackIsMarked();
+    void copiesThatAreAlikeHaveNoMark();
+    void theMarkStandsBehindTheBitRate_data();
+    void theMarkStandsBehindTheBitRate();
+    void theTipTellsCopiesApart();
     void theCheckBoxTurns();
     void theFirstRowIsKept();
     void anotherGroupReplacesTheRows();
@@ -138,6 +144,95 @@ void TestDuplicateMusicDetailedWidget::rowsAreLaidOutAsTheyShould()
     const QImage render = row.grab().toImage();
     QCOMPARE(render.pixelColor(3, 50), QColor(231, 247, 255));
     QCOMPARE(render.pixelColor(3, render.height() - 1), QColor(170, 170, 170));
+}
+
+void TestDuplicateMusicDetailedWidget::theBestCopyIsMarked()
+{
+    QList<QMusicInfo*> songs = group(3);
+    songs.at(0)->localInfo->format = QStringLiteral("MP3");
+    songs.at(0)->localInfo->bitrate = 320000;
+    songs.at(1)->localInfo->format = QStringLiteral("FLAC");
+    songs.at(1)->localInfo->bitrate = 911000;
+    songs.at(2)->localInfo->format = QStringLiteral("M4A");
+    songs.at(2)->localInfo->bitrate = 256000;
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QCOMPARE(markedRows(), QList<int>({1}));
+    QCOMPARE(bestMark(rows().at(1))->toolTip(), QStringLiteral("Best sound of this group"));
+    QCOMPARE(bestMark(rows().at(1))->accessibleName(), QStringLiteral("Best sound of this group"));
+    QCOMPARE(m_panel->keptSongs(), QList<QMusicInfo*>({songs.first()})); // a hint alone
+    songs = {songs.at(2), songs.at(0)};
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QCOMPARE(markedRows(), QList<int>({0}));
+}
+
+void TestDuplicateMusicDetailedWidget::theBestTrackIsMarked()
+{
+    const Fixtures::ModeGuard mode(false);
+    QList<QMusicInfo*> songs;
+    for (const char* kind : {"MPEG audio file", "Apple Lossless audio file"}) {
+        m_songs.push_back(Fixtures::makeSong(false));
+        m_songs.back()->record.kind = kind;
+        m_songs.back()->record.bitRate = 320;
+        m_songs.back()->record.sampleRate = 44100;
+        songs.append(&m_songs.back()->info);
+    }
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QCOMPARE(markedRows(), QList<int>({1}));
+}
+
+void TestDuplicateMusicDetailedWidget::copiesThatAreAlikeHaveNoMark()
+{
+    QList<QMusicInfo*> songs = group(3);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QCOMPARE(markedRows(), QList<int>());
+}
+
+void TestDuplicateMusicDetailedWidget::theMarkStandsBehindTheBitRate_data()
+{
+    QTest::addColumn<qint64>("bitRate");
+    QTest::newRow("one digit") << qint64(8000);
+    QTest::newRow("usual") << qint64(320000);
+    QTest::newRow("lossless") << qint64(4608000);
+    QTest::newRow("nonsense") << qint64(123456789012000);
+}
+
+void TestDuplicateMusicDetailedWidget::theMarkStandsBehindTheBitRate()
+{
+    QFETCH(qint64, bitRate);
+    const auto song = Fixtures::makeSong(true);
+    song->info.localInfo->bitrate = bitRate;
+    DupMusicbarWidget row;
+    row.SetDupMusicInfo(&song->info);
+    row.setBest(true);
+    const auto* rate = child<RetractLabel>(&row, "m_labelMusicKbps");
+    const QRect mark = bestMark(&row)->geometry();
+    const int textEnd = rate->x() + rate->fontMetrics().horizontalAdvance(rate->text());
+    QCOMPARE(mark.size(), QSize(14, 14));
+    QCOMPARE(mark.center().y(), rate->geometry().center().y());
+    QVERIFY(mark.left() > textEnd || bitRate > 100000000);
+    QVERIFY(mark.right() < child<QWidget>(&row, "m_labelMusicFormat")->x());
+    row.resize(row.minimumSizeHint());
+    const QColor middle = row.grab().toImage().pixelColor(mark.left() + 2, mark.center().y());
+    QVERIFY2(middle.green() > middle.red() && middle.green() > middle.blue(), qPrintable(middle.name()));
+}
+
+void TestDuplicateMusicDetailedWidget::theTipTellsCopiesApart()
+{
+    QList<QMusicInfo*> songs = group(2);
+    const QString path = m_folder.filePath("a <b>copy.mp3");
+    songs.last()->localInfo->filePath = Fixtures::saveBytes("12345", path);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    const QString last = tipOf(rows().last());
+    QVERIFY2(last.startsWith(path), qPrintable(last));
+    QVERIFY(last.contains("5.00B"));
+    QVERIFY(last.contains("Title: Song 1"));
+    QVERIFY(tipOf(rows().first()).contains("Title: Song 0"));
+    // The same over its texts; its buttons and its mark have tips of their own.
+    QCOMPARE(tipOf(child<QWidget>(rows().last(), "m_labelMusicArtist")), last);
+    QCOMPARE(tipOf(child<QWidget>(rows().last(), "m_btnPlayMusic")), QString("Play"));
+    rows().last()->setBest(true);
+    QCOMPARE(tipOf(bestMark(rows().last())), QString("Best sound of this group"));
+    QVERIFY(rows().last()->toolTip().isEmpty()); // made when it is asked for
 }
 
 void TestDuplicateMusicDetailedWidget::theCheckBoxTurns()

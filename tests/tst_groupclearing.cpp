@@ -1,4 +1,7 @@
+#include "common/retractlabel.h"
+#include "common/style.h"
 #include "duplicatemusicdetailedwidget.h"
+#include "dupmusicinfo.h"
 #include "grouppanelfixture.h"
 #include "guidriver.h"
 
@@ -18,12 +21,17 @@ private slots:
 
     void buttonsGoWithTheLastGroup();
     void clearingAsksOnceAndForAll();
+    void theQuestionSaysWhatGoesAndWhatStays();
+    void theQuestionWarnsWhenNothingStays();
+    void theQuestionShortensALongTitle();
     void whoCancelsIsAskedAgain();
     void cancellingDeletesNothing();
     void noStrayDoubleClickDeletes();
     void clearingWalksFromTheLastRow();
     void theLastRowGoes();
     void rowsThatLostTheirSongsAreShownAnew();
+    void theBestOfWhatIsLeftIsMarked();
+    void clearAllTellsItsNumbersBefore();
     void clearAllTakesThisGroupFirst();
 };
 
@@ -32,7 +40,8 @@ void TestGroupClearing::buttonsGoWithTheLastGroup()
     QList<QMusicInfo*> songs = group(2);
     m_panel->SetDuplicateMusicDetailedInfo(&songs);
     const auto visible = [&] {
-        return child<QWidget>(m_panel.get(), "m_btnClearOne")->isVisible() &&
+        return child<QWidget>(m_panel.get(), "m_labCaption")->isVisible() &&
+               child<QWidget>(m_panel.get(), "m_btnClearOne")->isVisible() &&
                child<QWidget>(m_panel.get(), "m_btnClearAll")->isVisible();
     };
     QVERIFY(visible());
@@ -40,6 +49,7 @@ void TestGroupClearing::buttonsGoWithTheLastGroup()
     QVERIFY(visible());
     m_panel->SlotSetDeleteBtn(0);
     QVERIFY(!visible());
+    QVERIFY(!child<QWidget>(m_panel.get(), "m_labCaption")->isVisible());
     m_panel->SlotSetDeleteBtn(2);
     QVERIFY(!visible()); // only the next group brings them back
     m_panel->SetDuplicateMusicDetailedInfo(&songs);
@@ -66,6 +76,67 @@ void TestGroupClearing::clearingAsksOnceAndForAll()
     m_panel->SetDuplicateMusicDetailedInfo(&songs);
     click(m_panel.get(), "m_btnClearOne"); // a dialog would be closed, and nothing deleted
     QCOMPARE(deleted.size(), 6);
+}
+
+void TestGroupClearing::theQuestionSaysWhatGoesAndWhatStays()
+{
+    QList<QMusicInfo*> songs = group(4);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    rows().at(2)->SlotOnBtnCheckBox(); // kept
+    bool asked = false;
+    m_dialogs->expect([&](QWidget* dialog) {
+        asked = true;
+        const auto* question = child<RetractLabel>(dialog, "m_labQuestion");
+        QCOMPARE(question->getName(), QString(R"(Delete 2 songs, keep "Song 0" (WAV) and 1 more?)"));
+        QCOMPARE(question->text(), question->getName());
+        QCOMPARE(question->palette().color(QPalette::WindowText), Style::ink);
+        QVERIFY(child<RetractLabel>(dialog, "m_labFiles")->getName().contains("file"));
+        QVERIFY(dialog->accessibleDescription().startsWith(question->getName()));
+        for (const char* line : {"m_labQuestion", "m_labFiles"})
+            for (const char* other : {"m_checkBox", "m_btnOK", "m_btnCancel"})
+                QVERIFY(child<QWidget>(dialog, line)->geometry().bottom() <=
+                        child<QWidget>(dialog, other)->geometry().top());
+        click(dialog, "m_btnCancel");
+    });
+    click(m_panel.get(), "m_btnClearOne");
+    QVERIFY(asked);
+}
+
+void TestGroupClearing::theQuestionWarnsWhenNothingStays()
+{
+    QList<QMusicInfo*> songs = group(2);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    for (const bool nothingStays : {true, false}) { // the dialog is the same one
+        rows().first()->SlotOnBtnCheckBox();
+        bool asked = false;
+        m_dialogs->expect([&](QWidget* dialog) {
+            asked = true;
+            const auto* question = child<RetractLabel>(dialog, "m_labQuestion");
+            QCOMPARE(question->getName().endsWith("keep none of this group?"), nothingStays);
+            QCOMPARE(question->palette().color(QPalette::WindowText),
+                     nothingStays ? Style::dangerText : Style::ink);
+            click(dialog, "m_btnCancel");
+        });
+        click(m_panel.get(), "m_btnClearOne");
+        QVERIFY(asked);
+    }
+}
+
+void TestGroupClearing::theQuestionShortensALongTitle()
+{
+    QList<QMusicInfo*> songs = group(2);
+    songs.first()->localInfo->title = QStringLiteral("Midnight Ferry, ").repeated(300);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    bool asked = false;
+    m_dialogs->expect([&](QWidget* dialog) {
+        asked = true;
+        const auto* question = child<RetractLabel>(dialog, "m_labQuestion");
+        QVERIFY2(question->text().endsWith(R"(..." (WAV)?)"), qPrintable(question->text()));
+        QVERIFY(question->text().size() > 50);
+        click(dialog, "m_btnCancel");
+    });
+    click(m_panel.get(), "m_btnClearOne");
+    QVERIFY(asked);
 }
 
 void TestGroupClearing::whoCancelsIsAskedAgain()
@@ -173,6 +244,40 @@ void TestGroupClearing::rowsThatLostTheirSongsAreShownAnew()
     QCOMPARE(rows().size(), 2);
     for (int i = 0; i < 2; ++i)
         QCOMPARE(rows().at(i)->song(), songs.at(i));
+}
+
+void TestGroupClearing::theBestOfWhatIsLeftIsMarked()
+{
+    QList<QMusicInfo*> songs = group(4);
+    for (int i = 0; i < 4; ++i) {
+        songs.at(i)->localInfo->format = QStringLiteral("MP3");
+        songs.at(i)->localInfo->bitrate = 100000 * (i + 1);
+    }
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QCOMPARE(markedRows(), QList<int>({3}));
+    rows().at(1)->SlotOnBtnCheckBox(); // kept
+    connect(m_panel.get(), &DuplicateMusicDetailedWidget::emitDeleteDupMusicWasSelected, this,
+            [&] { songs.removeLast(); });
+    m_panel->SlotDeleteSongWasSelected();
+    QCOMPARE(rows().size(), 2);
+    QCOMPARE(markedRows(), QList<int>({1}));
+}
+
+/// Counted anew each time.
+void TestGroupClearing::clearAllTellsItsNumbersBefore()
+{
+    DupMusicInfo shown{group(3)};
+    DupMusicInfo other{group(4)};
+    const QList<DupMusicInfo*> groups = {&shown, &other};
+    m_panel->setGroups(&groups);
+    m_panel->SetDuplicateMusicDetailedInfo(&shown.musicList);
+    const auto* button = child<QWidget>(m_panel.get(), "m_btnClearAll");
+    QVERIFY(tipOf(button).startsWith("Of 2 groups, 5 songs go with their files; 2 stay."));
+    rows().at(0)->SlotOnBtnCheckBox();
+    rows().at(2)->SlotOnBtnCheckBox();
+    QVERIFY(tipOf(button).startsWith("Of 2 groups, 5 songs go"));
+    other.musicList.removeLast();
+    QVERIFY(tipOf(button).startsWith("Of 2 groups, 4 songs go"));
 }
 
 void TestGroupClearing::clearAllTakesThisGroupFirst()

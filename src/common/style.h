@@ -15,6 +15,7 @@ inline constexpr QColor locked(0x5E, 0x74, 0x82); ///< rows of navigation that c
 inline constexpr QColor menuText(0x2C, 0x4B, 0x66);
 inline constexpr QColor textOnColour(0xFF, 0xFF, 0xFF); ///< on badges and bars
 inline constexpr QColor undefinedText(0xFF, 0x00, 0x00);
+inline constexpr QColor dangerText(0xBE, 0x34, 0x2A); ///< before something goes for good
 
 // Faces.
 inline constexpr QColor window(0xEE, 0xF6, 0xFB);
