@@ -23,7 +23,7 @@ bool contains(std::initializer_list<const char*> names, const std::string& name)
 
 bool isContainer(const std::string& name, Mp4Atoms::Fragments fragments)
 {
-    return contains({"moov", "trak", "mdia", "minf", "stbl", "udta", "meta", "ilst"}, name) ||
+    return contains({"moov", "trak", "mdia", "minf", "stbl", "mvex", "udta", "meta", "ilst"}, name) ||
            (fragments == Mp4Atoms::Fragments::Enter && contains({"moof", "traf", "mfra"}, name));
 }
 
@@ -80,13 +80,18 @@ std::int64_t firstInside(TagLib::File& file, const Mp4Atom& atom)
 
 Mp4Atoms::Mp4Atoms(TagLib::File& file, Fragments fragments)
 {
-    walk(file, fragments);
+    walk(file, 0, file.length(), fragments);
 }
 
-void Mp4Atoms::walk(TagLib::File& file, Fragments fragments)
+Mp4Atoms::Mp4Atoms(TagLib::File& file, const Mp4Atom& around)
 {
-    std::vector<Room> rooms{{std::int64_t(file.length()), 0}};
-    for (std::int64_t position = 0; !rooms.empty();) {
+    walk(file, around.content(), around.end(), Fragments::Enter);
+}
+
+void Mp4Atoms::walk(TagLib::File& file, std::int64_t begin, std::int64_t end, Fragments fragments)
+{
+    std::vector<Room> rooms{{end, 0}};
+    for (std::int64_t position = begin; !rooms.empty();) {
         // What follows the last whole atom outside is taken for rubbish.
         bool sound = true;
         const std::optional<Mp4Atom> atom = atomAt(file, position, rooms.back(), sound);
@@ -143,6 +148,20 @@ std::vector<const Mp4Atom*> Mp4Atoms::childrenOf(const Mp4Atom& atom) const
         if (inside->depth == atom.depth + 1)
             children.push_back(inside);
     return children;
+}
+
+const Mp4Atom* Mp4Atoms::findIn(const Mp4Atom& atom, const std::vector<std::string>& path) const
+{
+    const Mp4Atom* found = &atom;
+    for (const std::string& name : path) {
+        const std::vector<const Mp4Atom*> children = childrenOf(*found);
+        const auto child = std::find_if(children.begin(), children.end(),
+                                        [&name](const Mp4Atom* one) { return one->name == name; });
+        if (child == children.end())
+            return nullptr;
+        found = *child;
+    }
+    return found;
 }
 
 std::vector<const Mp4Atom*> Mp4Atoms::around(const Mp4Atom& atom) const
