@@ -62,6 +62,8 @@ QList<Song> songs()
         else
             all << Song{kind, WithoutId3};
     }
+    for (const QString& kind : Fixtures::mp4Kinds())
+        all << Song{kind, WithoutId3};
     return all;
 }
 
@@ -232,7 +234,7 @@ void TestJudges::makeSongs()
         QVERIFY(QFile::copy(Fixtures::tone(song.kind, milliseconds), path));
         if (song.version == Untagged)
             continue;
-        if (QStringList{"m4a", "alac", "wma", "wav"}.contains(song.kind))
+        if ((QStringList{"m4a", "alac", "wma", "wav"} + Fixtures::mp4Kinds()).contains(song.kind))
             addChapters(path, m_folder.path());
         jobs.append(QJsonArray{path, song.version});
     }

@@ -29,6 +29,8 @@ const QHash<QString, Encoding>& encodings()
         {QStringLiteral("mp4opus"), {"m4a", "-c:a libopus -b:a 64k -f mp4"}},
         {QStringLiteral("mp4ac3"), {"m4a", "-c:a ac3 -b:a 192k -f mp4"}},
         {QStringLiteral("mp4eac3"), {"m4a", "-c:a eac3 -b:a 192k -f mp4"}},
+        {QStringLiteral("mp4fragments"),
+         {"m4a", "-c:a aac -b:a 96k -movflags +empty_moov -frag_duration 50000 -f mp4"}},
         {QStringLiteral("mp4half"), {"m4a", "-ar 22050 -c:a aac -b:a 64k -f mp4"}},
         {QStringLiteral("aac"), {"aac", "-c:a aac -b:a 96k -f adts"}},
         {QStringLiteral("flac"), {"flac", "-c:a flac"}},

@@ -65,15 +65,17 @@ std::optional<Mp4Atom> atomAt(TagLib::File& file, std::int64_t begin, const Room
     return atom;
 }
 
-/// Where the atoms inside begin: some writers leave out what a "meta" should have in front of them.
+/// Where the atoms inside begin: some writers leave out the version that a "meta" should have in front of
+/// them, which is zero.
 std::int64_t firstInside(TagLib::File& file, const Mp4Atom& atom)
 {
     if (atom.name != "meta")
         return atom.content();
-    file.seek(atom.content() + 4);
-    const ByteVector name = file.readBlock(4);
-    const bool bare =
-        contains({"hdlr", "ilst", "mhdr", "ctry", "lang"}, std::string(name.data(), name.size()));
+    file.seek(atom.content());
+    const ByteVector first = file.readBlock(4);
+    const std::int64_t size = first.size() < unsigned(versionAndFlags) ? 0 : first.toUInt(0u);
+    const bool bare = atom.end() - atom.content() < versionAndFlags ||
+                      (size >= shortHead && size <= atom.end() - atom.content());
     return atom.content() + (bare ? 0 : versionAndFlags);
 }
 } // namespace
@@ -107,6 +109,7 @@ void Mp4Atoms::walk(TagLib::File& file, std::int64_t begin, std::int64_t end, Fr
             return;
         }
         m_atoms.push_back(*atom);
+        m_atoms.back().inside = atom->content();
         if (!isContainer(atom->name, fragments)) {
             position = atom->end();
             continue;
@@ -116,7 +119,7 @@ void Mp4Atoms::walk(TagLib::File& file, std::int64_t begin, std::int64_t end, Fr
             return;
         }
         rooms.push_back({atom->end(), atom->depth + 1});
-        position = firstInside(file, *atom);
+        position = m_atoms.back().inside = firstInside(file, *atom);
     }
 }
 
@@ -138,6 +141,14 @@ const Mp4Atom* Mp4Atoms::find(const std::vector<std::string>& path) const
 {
     const std::vector<const Mp4Atom*> found = findAll(path);
     return found.empty() ? nullptr : found.front();
+}
+
+const Mp4Atom* Mp4Atoms::at(std::int64_t begin) const
+{
+    const auto atom =
+        std::lower_bound(m_atoms.begin(), m_atoms.end(), begin,
+                         [](const Mp4Atom& one, std::int64_t place) { return one.begin < place; });
+    return atom == m_atoms.end() || atom->begin != begin ? nullptr : &*atom;
 }
 
 std::vector<const Mp4Atom*> Mp4Atoms::childrenOf(const Mp4Atom& atom) const
