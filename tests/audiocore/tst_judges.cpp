@@ -62,6 +62,8 @@ QList<Song> songs()
         else
             all << Song{kind, WithoutId3};
     }
+    for (const QString& kind : Fixtures::mp4Kinds())
+        all << Song{kind, WithoutId3};
     return all;
 }
 
@@ -103,8 +105,14 @@ void ffmpeg(const QStringList& arguments)
              QStringList{QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y")} + arguments);
 }
 
+/// What ffmpeg takes for the name's ending holds AAC and ALAC alone.
+QStringList muxerOf(const QString& kind)
+{
+    return Fixtures::mp4Kinds().contains(kind) ? QStringList{"-f", "mp4", "-strict", "-2"} : QStringList();
+}
+
 /// Chapters where the container has them, and the fields that ffmpeg writes.
-void addChapters(const QString& path, const QString& folder)
+void addChapters(const QString& path, const QString& folder, const QStringList& muxer)
 {
     const QString fields = folder + QLatin1String("/chapters.txt");
     QFile file(fields);
@@ -117,8 +125,8 @@ void addChapters(const QString& path, const QString& folder)
     file.close();
     const QString tone = path + QLatin1String(".tone");
     QFile::rename(path, tone);
-    ffmpeg(QStringList{"-i", tone, "-i", fields, "-map_metadata", "1", "-map_chapters", "1", "-c", "copy",
-                       path});
+    ffmpeg(QStringList{"-i", tone, "-i", fields, "-map_metadata", "1", "-map_chapters", "1", "-c", "copy"} +
+           muxer + QStringList{path});
 }
 
 /// What ffmpeg makes of a file.
@@ -232,8 +240,8 @@ void TestJudges::makeSongs()
         QVERIFY(QFile::copy(Fixtures::tone(song.kind, milliseconds), path));
         if (song.version == Untagged)
             continue;
-        if (QStringList{"m4a", "alac", "wma", "wav"}.contains(song.kind))
-            addChapters(path, m_folder.path());
+        if ((QStringList{"m4a", "alac", "wma", "wav"} + Fixtures::mp4Kinds()).contains(song.kind))
+            addChapters(path, m_folder.path(), muxerOf(song.kind));
         jobs.append(QJsonArray{path, song.version});
     }
     const auto text = [](const QByteArray& bytes) { return QString::fromLatin1(bytes.toBase64()); };

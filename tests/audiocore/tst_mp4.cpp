@@ -408,7 +408,7 @@ void TestMp4::hugeItemsAreNotRead()
 void TestMp4::musicTakesASmallPartOfWhatItMay_data()
 {
     QTest::addColumn<QString>("kind");
-    for (const QString& kind : Fixtures::formats() + Fixtures::furtherKinds())
+    for (const QString& kind : Fixtures::formats() + Fixtures::furtherKinds() + Fixtures::mp4Kinds())
         QTest::newRow(qPrintable(kind)) << kind;
 }
 

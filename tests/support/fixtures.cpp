@@ -25,6 +25,13 @@ const QHash<QString, Encoding>& encodings()
         {QStringLiteral("mp3novbr"), {"mp3", "-c:a libmp3lame -q:a 4 -write_xing 0"}},
         {QStringLiteral("m4a"), {"m4a", "-c:a aac -b:a 96k"}},
         {QStringLiteral("alac"), {"m4a", "-c:a alac"}},
+        {QStringLiteral("mp4flac"), {"m4a", "-c:a flac -strict -2 -f mp4"}},
+        {QStringLiteral("mp4opus"), {"m4a", "-c:a libopus -b:a 64k -f mp4"}},
+        {QStringLiteral("mp4ac3"), {"m4a", "-c:a ac3 -b:a 192k -f mp4"}},
+        {QStringLiteral("mp4eac3"), {"m4a", "-c:a eac3 -b:a 192k -f mp4"}},
+        {QStringLiteral("mp4fragments"),
+         {"m4a", "-c:a aac -b:a 96k -movflags +empty_moov -frag_duration 50000 -f mp4"}},
+        {QStringLiteral("mp4half"), {"m4a", "-ar 22050 -c:a aac -b:a 64k -f mp4"}},
         {QStringLiteral("aac"), {"aac", "-c:a aac -b:a 96k -f adts"}},
         {QStringLiteral("flac"), {"flac", "-c:a flac"}},
         {QStringLiteral("wma"), {"wma", "-c:a wmav2 -b:a 128k"}},
@@ -96,6 +103,12 @@ QStringList Fixtures::furtherKinds()
 {
     return {QStringLiteral("mp3novbr"), QStringLiteral("alac"), QStringLiteral("opus"),
             QStringLiteral("oggflac")};
+}
+
+QStringList Fixtures::mp4Kinds()
+{
+    return {QStringLiteral("mp4flac"), QStringLiteral("mp4opus"), QStringLiteral("mp4ac3"),
+            QStringLiteral("mp4eac3")};
 }
 
 QString Fixtures::suffixOf(const QString& kind)

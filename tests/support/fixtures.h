@@ -12,6 +12,9 @@ QStringList formats();
 /// The kinds beyond these eight: "mp3novbr" (variable bit rate without any header that says so), "alac",
 /// "opus", "oggflac". There is also "mp3vbr", variable bit rate with such a header.
 QStringList furtherKinds();
+/// What else MP4 files hold, beside AAC and ALAC: "mp4flac", "mp4opus", "mp4ac3", "mp4eac3". There is also
+/// "mp4half", AAC of half the usual rate, and "mp4fragments".
+QStringList mp4Kinds();
 /// The ending that files of the kind carry.
 QString suffixOf(const QString& kind);
 

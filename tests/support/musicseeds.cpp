@@ -3,6 +3,7 @@
 #include "fixtures.h"
 #include "mediabytes.h"
 #include "mp4fixture.h"
+#include "mp4kinds.h"
 #include "seeds.h"
 
 #include <QFile>
@@ -182,6 +183,15 @@ void addForeign(QList<Seed>& seeds)
     seeds << Seed{"m4a", foreign, atoms()};
     seeds << Seed{"m4a", "odd", atoms(Mp4::longAtom("free", QByteArray(40, '\0')) + Mp4::atom("moof", ""))};
 }
+/// MP4 of every kind of sound, and with tags in every place.
+void addMp4(QList<Seed>& seeds)
+{
+    const QString group = QStringLiteral("m4a");
+    for (const QString& kind : Fixtures::mp4Kinds() + QStringList{"mp4half", "mp4fragments"})
+        seeds << Seed{group, kind, tone(kind)};
+    for (const Mp4Kinds::Kind& kind : Mp4Kinds::oddTags(Mp4Kinds::untagged(tone(group))))
+        seeds << Seed{group, kind.name, kind.bytes};
+}
 } // namespace
 
 QList<Seed> Seeds::music()
@@ -192,6 +202,7 @@ QList<Seed> Seeds::music()
         seeds << Seed{kind, "tagged", taggedTone(kind)};
     }
     addForeign(seeds);
+    addMp4(seeds);
     return seeds;
 }
 

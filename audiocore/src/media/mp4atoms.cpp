@@ -23,7 +23,7 @@ bool contains(std::initializer_list<const char*> names, const std::string& name)
 
 bool isContainer(const std::string& name, Mp4Atoms::Fragments fragments)
 {
-    return contains({"moov", "trak", "mdia", "minf", "stbl", "udta", "meta", "ilst"}, name) ||
+    return contains({"moov", "trak", "mdia", "minf", "stbl", "mvex", "udta", "meta", "ilst"}, name) ||
            (fragments == Mp4Atoms::Fragments::Enter && contains({"moof", "traf", "mfra"}, name));
 }
 
@@ -65,28 +65,35 @@ std::optional<Mp4Atom> atomAt(TagLib::File& file, std::int64_t begin, const Room
     return atom;
 }
 
-/// Where the atoms inside begin: some writers leave out what a "meta" should have in front of them.
+/// Where the atoms inside begin: some writers leave out the version that a "meta" should have in front of
+/// them, which is zero.
 std::int64_t firstInside(TagLib::File& file, const Mp4Atom& atom)
 {
     if (atom.name != "meta")
         return atom.content();
-    file.seek(atom.content() + 4);
-    const ByteVector name = file.readBlock(4);
-    const bool bare =
-        contains({"hdlr", "ilst", "mhdr", "ctry", "lang"}, std::string(name.data(), name.size()));
+    file.seek(atom.content());
+    const ByteVector first = file.readBlock(4);
+    const std::int64_t size = first.size() < unsigned(versionAndFlags) ? 0 : first.toUInt(0u);
+    const bool bare = atom.end() - atom.content() < versionAndFlags ||
+                      (size >= shortHead && size <= atom.end() - atom.content());
     return atom.content() + (bare ? 0 : versionAndFlags);
 }
 } // namespace
 
 Mp4Atoms::Mp4Atoms(TagLib::File& file, Fragments fragments)
 {
-    walk(file, fragments);
+    walk(file, 0, file.length(), fragments);
 }
 
-void Mp4Atoms::walk(TagLib::File& file, Fragments fragments)
+Mp4Atoms::Mp4Atoms(TagLib::File& file, const Mp4Atom& around)
 {
-    std::vector<Room> rooms{{std::int64_t(file.length()), 0}};
-    for (std::int64_t position = 0; !rooms.empty();) {
+    walk(file, around.content(), around.end(), Fragments::Enter);
+}
+
+void Mp4Atoms::walk(TagLib::File& file, std::int64_t begin, std::int64_t end, Fragments fragments)
+{
+    std::vector<Room> rooms{{end, 0}};
+    for (std::int64_t position = begin; !rooms.empty();) {
         // What follows the last whole atom outside is taken for rubbish.
         bool sound = true;
         const std::optional<Mp4Atom> atom = atomAt(file, position, rooms.back(), sound);
@@ -102,6 +109,7 @@ void Mp4Atoms::walk(TagLib::File& file, Fragments fragments)
             return;
         }
         m_atoms.push_back(*atom);
+        m_atoms.back().inside = atom->content();
         if (!isContainer(atom->name, fragments)) {
             position = atom->end();
             continue;
@@ -111,7 +119,7 @@ void Mp4Atoms::walk(TagLib::File& file, Fragments fragments)
             return;
         }
         rooms.push_back({atom->end(), atom->depth + 1});
-        position = firstInside(file, *atom);
+        position = m_atoms.back().inside = firstInside(file, *atom);
     }
 }
 
@@ -135,6 +143,14 @@ const Mp4Atom* Mp4Atoms::find(const std::vector<std::string>& path) const
     return found.empty() ? nullptr : found.front();
 }
 
+const Mp4Atom* Mp4Atoms::at(std::int64_t begin) const
+{
+    const auto atom =
+        std::lower_bound(m_atoms.begin(), m_atoms.end(), begin,
+                         [](const Mp4Atom& one, std::int64_t place) { return one.begin < place; });
+    return atom == m_atoms.end() || atom->begin != begin ? nullptr : &*atom;
+}
+
 std::vector<const Mp4Atom*> Mp4Atoms::childrenOf(const Mp4Atom& atom) const
 {
     std::vector<const Mp4Atom*> children;
@@ -143,6 +159,20 @@ std::vector<const Mp4Atom*> Mp4Atoms::childrenOf(const Mp4Atom& atom) const
         if (inside->depth == atom.depth + 1)
             children.push_back(inside);
     return children;
+}
+
+const Mp4Atom* Mp4Atoms::findIn(const Mp4Atom& atom, const std::vector<std::string>& path) const
+{
+    const Mp4Atom* found = &atom;
+    for (const std::string& name : path) {
+        const std::vector<const Mp4Atom*> children = childrenOf(*found);
+        const auto child = std::find_if(children.begin(), children.end(),
+                                        [&name](const Mp4Atom* one) { return one->name == name; });
+        if (child == children.end())
+            return nullptr;
+        found = *child;
+    }
+    return found;
 }
 
 std::vector<const Mp4Atom*> Mp4Atoms::around(const Mp4Atom& atom) const

@@ -18,6 +18,7 @@ struct Mp4Atom
     std::int64_t begin = 0;
     std::int64_t size = 0; ///< its head included; ends where the atom around it ends at the latest
     int headSize = 8;
+    std::int64_t inside = 0; ///< where the atoms in it begin, if it has any
     int depth = 0;
     bool toTheEnd = false; ///< its size is written as zero: all the rest of the file
 
@@ -36,6 +37,8 @@ public:
     };
 
     Mp4Atoms(TagLib::File& file, Fragments fragments);
+    /// Those inside of one atom, as if that were the file.
+    Mp4Atoms(TagLib::File& file, const Mp4Atom& around);
 
     /// Whether the walk came to its end: there are not too many atoms, nor too deep ones.
     bool areBounded() const { return m_bounded; }
@@ -48,12 +51,16 @@ public:
     const Mp4Atom* find(const std::vector<std::string>& path) const;
     /// All of them.
     std::vector<const Mp4Atom*> findAll(const std::vector<std::string>& path) const;
+    /// The one that begins there; null without one.
+    const Mp4Atom* at(std::int64_t begin) const;
     std::vector<const Mp4Atom*> childrenOf(const Mp4Atom& atom) const;
+    /// The first atom that is reached by these names from this one on; null without one.
+    const Mp4Atom* findIn(const Mp4Atom& atom, const std::vector<std::string>& path) const;
     /// The atoms around this one, the outermost first.
     std::vector<const Mp4Atom*> around(const Mp4Atom& atom) const;
 
 private:
-    void walk(TagLib::File& file, Fragments fragments);
+    void walk(TagLib::File& file, std::int64_t begin, std::int64_t end, Fragments fragments);
 
     std::vector<Mp4Atom> m_atoms;
     bool m_bounded = true;

@@ -2,6 +2,7 @@
 
 #include "audiocore/tagitem.h"
 #include "media/mp4sound.h"
+#include "tags/mp4text.h"
 #include "tags/tagtext.h"
 
 #include <taglib/id3v1genres.h>
@@ -14,12 +15,11 @@ using TagLib::ByteVector;
 using TagLib::String;
 using TagLib::StringList;
 
-const char* const audiocore::mp4PictureName = "covr";
-
 namespace {
 // Far more than any song has: whatever is longer is no title.
 constexpr std::int64_t longestText = 256 * 1024;
 constexpr size_t mostValues = 1000;
+constexpr std::int64_t atomHead = 8;
 constexpr std::int64_t valueHead = 16;
 
 enum Marked : unsigned int {
@@ -53,46 +53,27 @@ StringList trackOf(const ByteVector& bytes)
 }
 } // namespace
 
-const std::vector<std::string>& audiocore::mp4Names(int type)
-{
-    static const std::vector<std::string> names[textTypes] = {{"\251nam"},         {"\251ART"}, {"\251alb"},
-                                                              {"\251gen", "gnre"}, {"\251day"}, {"trkn"}};
-    return names[type];
-}
-
-bool audiocore::isMp4Name(const std::string& name, int type)
-{
-    const std::vector<std::string>& names = mp4Names(type);
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-const std::vector<std::string>& audiocore::mp4ListPath()
-{
-    static const std::vector<std::string> path = {"moov", "udta", "meta", "ilst"};
-    return path;
-}
-
 Mp4File::Mp4File(TagLib::IOStream& stream) : TagLib::File(&stream)
 {
     const Mp4Atoms atoms(*this, Mp4Atoms::Fragments::PassOver);
     if (atoms.areBounded())
         m_sound = measureMp4(*this, atoms);
-    if (const Mp4Atom* list = atoms.find(mp4ListPath()))
-        for (const Mp4Atom* item : atoms.childrenOf(*list))
-            m_items.push_back(*item);
+    m_lists = mp4Lists(*this, atoms);
     setValid(m_sound.sampleRate > 0);
 }
 
 std::vector<Mp4Value> Mp4File::valuesOf(const Mp4Atom& item)
 {
     std::vector<Mp4Value> values;
-    for (std::int64_t position = item.content(); values.size() < mostValues;) {
+    std::int64_t position = item.content();
+    for (size_t atoms = 0; atoms < mostValues; ++atoms) {
         seek(position);
         const ByteVector head = readBlock(size_t(valueHead));
-        const std::int64_t size = head.size() < unsigned(valueHead) ? 0 : head.toUInt(0u);
-        if (size < valueHead || size > item.end() - position || head.mid(4, 4) != ByteVector("data"))
+        const std::int64_t size = head.size() < unsigned(atomHead) ? 0 : head.toUInt(0u);
+        if (size < atomHead || size > item.end() - position)
             break;
-        values.push_back({head.toUInt(8u), position + valueHead, size - valueHead});
+        if (size >= valueHead && head.containsAt("data", 4))
+            values.push_back({head.toUInt(8u), position + valueHead, size - valueHead});
         position += size;
     }
     return values;
@@ -104,17 +85,17 @@ ByteVector Mp4File::bytesOf(const Mp4Value& value)
     return readBlock(size_t(value.size));
 }
 
-StringList Mp4File::textsOf(const Mp4Atom& item)
+StringList Mp4File::textsOf(const Mp4Item& item, bool named)
 {
     StringList texts;
     std::int64_t bytes = 0;
-    for (const Mp4Value& value : valuesOf(item)) {
+    for (const Mp4Value& value : valuesOf(item.atom)) {
         bytes += value.size;
         if (bytes > longestText)
             break;
-        if (item.name == "gnre")
+        if (named && item.atom.name == "gnre")
             return genreOf(bytesOf(value));
-        if (item.name == "trkn")
+        if (named && item.atom.name == "trkn")
             return trackOf(bytesOf(value));
         if (value.type <= AsUtf16)
             texts.append(String(text(bytesOf(value), value.type), String::UTF8));
@@ -122,26 +103,43 @@ StringList Mp4File::textsOf(const Mp4Atom& item)
     return texts;
 }
 
+StringList Mp4File::plainTextOf(const Mp4Atom& atom)
+{
+    if (atom.end() - atom.content() > longestText)
+        return StringList();
+    seek(atom.content());
+    const std::string text = mp4PlainText(readBlock(size_t(atom.end() - atom.content())));
+    return StringList(String(text, String::UTF8));
+}
+
+StringList Mp4File::textsOf(const Mp4Item& item, Mp4List::Kind kind)
+{
+    return kind == Mp4List::Kind::Texts ? plainTextOf(item.atom)
+                                        : textsOf(item, kind == Mp4List::Kind::Named);
+}
+
 StringList Mp4File::texts(int type)
 {
-    for (const Mp4Atom& item : m_items) {
-        if (!isMp4Name(item.name, type))
-            continue;
-        const StringList texts = textsOf(item);
-        if (!texts.isEmpty())
-            return texts;
-    }
+    for (const Mp4List& list : m_lists)
+        for (const Mp4Item& item : list.items) {
+            if (item.type != type)
+                continue;
+            const StringList texts = textsOf(item, list.kind);
+            if (!texts.toString("").isEmpty())
+                return texts;
+        }
     return StringList();
 }
 
 std::vector<Mp4Value> Mp4File::pictures()
 {
     std::vector<Mp4Value> pictures;
-    for (const Mp4Atom& item : m_items)
-        if (item.name == mp4PictureName && pictures.size() < mostValues)
-            for (const Mp4Value& value : valuesOf(item))
-                if (value.type == AsAnything || value.type == AsBmp ||
-                    (value.type >= AsGif && value.type <= AsPng))
-                    pictures.push_back(value);
+    for (const Mp4List& list : m_lists)
+        for (const Mp4Item& item : list.items)
+            if (item.type == TAG_PICTURE && pictures.size() < mostValues)
+                for (const Mp4Value& value : valuesOf(item.atom))
+                    if (value.type == AsAnything || value.type == AsBmp ||
+                        (value.type >= AsGif && value.type <= AsPng))
+                        pictures.push_back(value);
     return pictures;
 }

@@ -2,7 +2,7 @@
 
 #include "media/mp4atoms.h"
 #include "media/mpegframes.h"
-#include "tags/tagfields.h"
+#include "tags/mp4lists.h"
 
 #include <taglib/tfile.h>
 #include <taglib/tstringlist.h>
@@ -31,25 +31,20 @@ public:
     bool save() override { return false; }
 
     const MpegStream& sound() const { return m_sound; }
-    /// The values of a text type; a track as "number/total". Too long ones are left out.
+    /// The values of a text type in the first list that has it; a track as "number/total". Too long ones are
+    /// left out.
     TagLib::StringList texts(int type);
     std::vector<Mp4Value> pictures();
     TagLib::ByteVector bytesOf(const Mp4Value& value);
-    /// The values of an item.
+    /// The values of an item; what else is in it is passed over.
     std::vector<Mp4Value> valuesOf(const Mp4Atom& item);
 
 private:
-    TagLib::StringList textsOf(const Mp4Atom& item);
+    TagLib::StringList textsOf(const Mp4Item& item, Mp4List::Kind kind);
+    TagLib::StringList textsOf(const Mp4Item& item, bool named);
+    TagLib::StringList plainTextOf(const Mp4Atom& atom);
 
-    std::vector<Mp4Atom> m_items;
+    std::vector<Mp4List> m_lists;
     MpegStream m_sound;
 };
-
-/// Whether atoms of this name hold what the text type stands for. The name that is written is the first of
-/// `mp4Names`.
-bool isMp4Name(const std::string& name, int type);
-const std::vector<std::string>& mp4Names(int type);
-extern const char* const mp4PictureName;
-/// The way to the list of items.
-const std::vector<std::string>& mp4ListPath();
 } // namespace audiocore

@@ -117,11 +117,17 @@ bool shiftIndex(TagLib::File& file, const Mp4Atoms& atoms, const Shift& shift)
     }
     return true;
 }
+/// Places that are of no use to music, and that nobody here moves.
+bool hasOtherPlaces(const Mp4Atoms& atoms)
+{
+    return std::any_of(atoms.all().begin(), atoms.all().end(),
+                       [](const Mp4Atom& atom) { return atom.name == "saio" || atom.name == "iloc"; });
+}
 } // namespace
 
 bool audiocore::moveMp4Places(TagLib::File& file, const Mp4Atoms& atoms, std::int64_t from, std::int64_t by)
 {
     const Shift shift{from, by};
-    return shiftChunks(file, atoms, shift) && shiftFragments(file, atoms, shift) &&
+    return !hasOtherPlaces(atoms) && shiftChunks(file, atoms, shift) && shiftFragments(file, atoms, shift) &&
            shiftIndex(file, atoms, shift);
 }

@@ -1,4 +1,4 @@
-// Tags of MP4: the list of items.
+// Tags of MP4: lists of items, and plain texts.
 #include "media/checkedstream.h"
 #include "tags/mp4file.h"
 #include "tags/mp4writing.h"
@@ -34,10 +34,7 @@ public:
         }
     }
     unsigned int largestPicture() override { return audiocore::largestPicture; }
-    std::string write(const FileEdits& edits) override
-    {
-        return writeMp4(m_file, edits.own) ? std::string() : audiocore::cannotBeKept;
-    }
+    std::string write(const FileEdits& edits) override { return writeMp4(m_file, edits); }
 
 private:
     audiocore::Mp4File m_file;
