@@ -12,6 +12,9 @@ QStringList formats();
 /// The kinds beyond these eight: "mp3novbr" (variable bit rate without any header that says so), "alac",
 /// "opus", "oggflac". There is also "mp3vbr", variable bit rate with such a header.
 QStringList furtherKinds();
+/// Sound in WAV files that is compressed, or in more than 16 bits: "adpcm", "ima", "gsm" (8000 Hz, one
+/// channel), "mulaw", "alaw", "float", "surround". There is also "rf64", which may be larger than 4 GB.
+QStringList wavKinds();
 /// The ending that files of the kind carry.
 QString suffixOf(const QString& kind);
 

@@ -20,6 +20,8 @@ constexpr FormatRow rows[] = {
     {AUDIO_FORMAT_APE, {{{0, "MAC "}}}, nullptr, "ape", &audiocore::apeTags},
     {AUDIO_FORMAT_WMA, {{{0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11"}}}, nullptr, "asf", &audiocore::asfTags},
     {AUDIO_FORMAT_WAV, {{{0, "RIFF"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
+    {AUDIO_FORMAT_WAV, {{{0, "RF64"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
+    {AUDIO_FORMAT_WAV, {{{0, "BW64"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
     {AUDIO_FORMAT_M4A, {{{4, "ftyp"}}}, nullptr, "mov", &audiocore::mp4Tags},
     {AUDIO_FORMAT_MP3, {}, audiocore::findsMp3, "mp3", &audiocore::mp3Tags},
     {AUDIO_FORMAT_AAC, {}, audiocore::findsAdts, "aac", &audiocore::adtsTags},
@@ -79,6 +81,7 @@ std::string audiocore::allDemuxers()
 {
     std::string all;
     for (const FormatRow& row : rows)
-        all += (all.empty() ? "" : ",") + std::string(row.demuxer);
+        if (&row == rowOf(row.format))
+            all += (all.empty() ? "" : ",") + std::string(row.demuxer);
     return all;
 }
