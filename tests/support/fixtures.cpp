@@ -26,6 +26,7 @@ const QHash<QString, Encoding>& encodings()
         {QStringLiteral("m4a"), {"m4a", "-c:a aac -b:a 96k"}},
         {QStringLiteral("alac"), {"m4a", "-c:a alac"}},
         {QStringLiteral("aac"), {"aac", "-c:a aac -b:a 96k -f adts"}},
+        {QStringLiteral("aacquad"), {"aac", "-af aformat=channel_layouts=quad -c:a aac -f adts"}},
         {QStringLiteral("flac"), {"flac", "-c:a flac"}},
         {QStringLiteral("wma"), {"wma", "-c:a wmav2 -b:a 128k"}},
         {QStringLiteral("wav"), {"wav", "-c:a pcm_s16le"}},

@@ -10,7 +10,8 @@ namespace Fixtures {
 /// The formats by the name of their fixture: "mp3", "m4a", "ape", "aac", "flac", "wma", "wav", "ogg".
 QStringList formats();
 /// The kinds beyond these eight: "mp3novbr" (variable bit rate without any header that says so), "alac",
-/// "opus", "oggflac". There is also "mp3vbr", variable bit rate with such a header.
+/// "opus", "oggflac". There are also "mp3vbr", variable bit rate with such a header, and "aacquad", AAC that
+/// says in its first frame which channels it has.
 QStringList furtherKinds();
 /// Sound in WAV files that is compressed, or in more than 16 bits: "adpcm", "ima", "gsm" (8000 Hz, one
 /// channel), "mulaw", "alaw", "float", "surround". There is also "rf64", which may be larger than 4 GB.

@@ -67,7 +67,7 @@ const FormatRow* audiocore::rowByMagic(std::string_view head)
 const FormatRow* audiocore::rowByFrames(TagLib::IOStream& stream, long begin)
 {
     constexpr long rightHere = 1;
-    constexpr long behindRubbish = 64 * 1024;
+    constexpr long behindRubbish = 1024 * 1024;
     const FormatRow* found = nullptr;
     for (const long searchLength : {rightHere, behindRubbish})
         if (!found)
