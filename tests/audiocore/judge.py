@@ -5,10 +5,10 @@ judge.py fill    tags files with whatever of the rare things their format can ho
                  several values, pictures, fields that nobody knows, chapters, further tags
 judge.py read    tells what is in files
 
-Both take an object as JSON from standard input, whose "songs" to fill are [path, version of ID3], and paths to read;
-"back" and "front" are the pictures to fill them with, in base 64. Reading answers an object with the path as key: a
-list of [tag, field, key, value]. The field is one of ours, or empty. Values tell everything that mutagen knows, their
-type and encoding, too; large ones by their checksum.
+Both take an object as JSON from standard input, whose "songs" to fill are [path, version of ID3], 5 being a broken
+tag of the newest one, and paths to read; "back" and "front" are the pictures to fill them with, in base 64. Reading
+answers an object with the path as key: a list of [tag, field, key, value]. The field is one of ours, or empty. Values
+tell everything that mutagen knows, their type and encoding, too; large ones by their checksum.
 
 ADTS is where mutagen has a limit of its own: it does not look for tags there, nor for the music behind an ID3 tag.
 Tags of MPEG audio are therefore read as what they are, whatever they are of. Of WAV it reads the ID3 tag alone.
@@ -89,6 +89,21 @@ def save_oldest_id3(path):
         music = file.read()
     with open(path, "wb") as file:
         file.write(b"ID3\2\0\0\0\0" + bytes([len(frames) >> 7, len(frames) & 127]) + frames + music)
+
+
+def break_id3(path):
+    """Between the frames of the newest version an empty one, and others with ids that none can have."""
+    def number(begin):
+        return sum(byte << 7 * place for place, byte in enumerate(reversed(content[begin:begin + 4])))
+
+    with open(path, "rb") as file:
+        content = file.read()
+    odd = b"TENC" + bytes(6) + b"T\xe9XX\0\0\0\3\0\0\3\xc3\xa9" + b"t xx\0\0\0\2\0\0\3x"
+    behind_first = 20 + number(14)
+    size = number(6) + len(odd)
+    head = content[:6] + bytes(size >> shift & 127 for shift in (21, 14, 7, 0))
+    with open(path, "wb") as file:
+        file.write(head + content[10:behind_first] + odd + content[behind_first:])
 
 
 def save_id3(path, version, v1):
@@ -206,6 +221,9 @@ def fill(path, version):
     end = path.rsplit(".", 1)[1]
     if end in ("mp3", "aac") and version == 2:
         save_oldest_id3(path)
+    elif version == 5:
+        save_id3(path, 4, v1=False)
+        break_id3(path)
     elif end in ("mp3", "aac"):
         save_id3(path, version, v1=False)
         # ffmpeg takes a long tag at the end of MP3 for sound.

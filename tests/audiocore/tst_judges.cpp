@@ -34,7 +34,7 @@ const QList<Edit>& edits()
     return all;
 }
 
-enum Version { Untagged = 0, WithoutId3 = 1, Oldest = 2, Middle = 3, Newest = 4 };
+enum Version { Untagged = 0, WithoutId3 = 1, Oldest = 2, Middle = 3, Newest = 4, Broken = 5 };
 
 /// A song before any edit.
 struct Song
@@ -46,6 +46,7 @@ struct Song
     {
         return kind + (version == Untagged     ? QStringLiteral(" untagged")
                        : version == WithoutId3 ? QString()
+                       : version == Broken     ? QStringLiteral(" broken")
                                                : QStringLiteral(" 2.%1").arg(version));
     }
 };
@@ -56,7 +57,7 @@ QList<Song> songs()
     for (const QString& kind : Fixtures::formats() + Fixtures::furtherKinds()) {
         all << Song{kind, Untagged};
         if (kind == QLatin1String("mp3") || kind == QLatin1String("aac"))
-            all << Song{kind, Oldest} << Song{kind, Middle} << Song{kind, Newest};
+            all << Song{kind, Oldest} << Song{kind, Middle} << Song{kind, Newest} << Song{kind, Broken};
         else if (kind == QLatin1String("wav") || kind == QLatin1String("mp3novbr"))
             all << Song{kind, Middle} << Song{kind, Newest};
         else

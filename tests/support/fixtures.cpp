@@ -33,9 +33,18 @@ const QHash<QString, Encoding>& encodings()
          {"m4a", "-c:a aac -b:a 96k -movflags +empty_moov -frag_duration 50000 -f mp4"}},
         {QStringLiteral("mp4half"), {"m4a", "-ar 22050 -c:a aac -b:a 64k -f mp4"}},
         {QStringLiteral("aac"), {"aac", "-c:a aac -b:a 96k -f adts"}},
+        {QStringLiteral("aacquad"), {"aac", "-af aformat=channel_layouts=quad -c:a aac -f adts"}},
         {QStringLiteral("flac"), {"flac", "-c:a flac"}},
         {QStringLiteral("wma"), {"wma", "-c:a wmav2 -b:a 128k"}},
         {QStringLiteral("wav"), {"wav", "-c:a pcm_s16le"}},
+        {QStringLiteral("adpcm"), {"wav", "-c:a adpcm_ms"}},
+        {QStringLiteral("ima"), {"wav", "-c:a adpcm_ima_wav"}},
+        {QStringLiteral("gsm"), {"wav", "-c:a libgsm_ms -ar 8000 -ac 1"}},
+        {QStringLiteral("mulaw"), {"wav", "-c:a pcm_mulaw"}},
+        {QStringLiteral("alaw"), {"wav", "-c:a pcm_alaw"}},
+        {QStringLiteral("float"), {"wav", "-c:a pcm_f32le"}},
+        {QStringLiteral("surround"), {"wav", "-c:a pcm_s24le -ac 6"}},
+        {QStringLiteral("rf64"), {"wav", "-c:a pcm_s16le -rf64 always"}},
         {QStringLiteral("ogg"), {"ogg", "-c:a libvorbis -q:a 3"}},
         {QStringLiteral("opus"), {"ogg", "-c:a libopus -b:a 64k"}},
         {QStringLiteral("oggflac"), {"ogg", "-c:a flac -f ogg"}},
@@ -109,6 +118,13 @@ QStringList Fixtures::mp4Kinds()
 {
     return {QStringLiteral("mp4flac"), QStringLiteral("mp4opus"), QStringLiteral("mp4ac3"),
             QStringLiteral("mp4eac3")};
+}
+
+QStringList Fixtures::wavKinds()
+{
+    return {QStringLiteral("adpcm"),   QStringLiteral("ima"),  QStringLiteral("gsm"),
+            QStringLiteral("mulaw"),   QStringLiteral("alaw"), QStringLiteral("float"),
+            QStringLiteral("surround")};
 }
 
 QString Fixtures::suffixOf(const QString& kind)

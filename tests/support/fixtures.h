@@ -10,11 +10,15 @@ namespace Fixtures {
 /// The formats by the name of their fixture: "mp3", "m4a", "ape", "aac", "flac", "wma", "wav", "ogg".
 QStringList formats();
 /// The kinds beyond these eight: "mp3novbr" (variable bit rate without any header that says so), "alac",
-/// "opus", "oggflac". There is also "mp3vbr", variable bit rate with such a header.
+/// "opus", "oggflac". There are also "mp3vbr", variable bit rate with such a header, and "aacquad", AAC that
+/// says in its first frame which channels it has.
 QStringList furtherKinds();
 /// What else MP4 files hold, beside AAC and ALAC: "mp4flac", "mp4opus", "mp4ac3", "mp4eac3". There is also
 /// "mp4half", AAC of half the usual rate, and "mp4fragments".
 QStringList mp4Kinds();
+/// Sound in WAV files that is compressed, or in more than 16 bits: "adpcm", "ima", "gsm" (8000 Hz, one
+/// channel), "mulaw", "alaw", "float", "surround". There is also "rf64", which may be larger than 4 GB.
+QStringList wavKinds();
 /// The ending that files of the kind carry.
 QString suffixOf(const QString& kind);
 

@@ -97,6 +97,19 @@ QByteArray MediaBytes::vorbisPacket(const QByteArray& content)
     return "\x03vorbis" + content + '\1';
 }
 
+QByteArrayList MediaBytes::adtsFrames(const QByteArray& aac)
+{
+    QByteArrayList frames;
+    for (int begin = 0; begin + 7 <= aac.size(); begin += frames.last().size()) {
+        const auto byte = [&aac, begin](int place) { return int(quint8(aac.at(begin + place))); };
+        const int size = (byte(3) & 3) << 11 | byte(4) << 3 | byte(5) >> 5;
+        if (size < 7)
+            qFatal("this is no raw AAC");
+        frames.append(aac.mid(begin, size));
+    }
+    return frames;
+}
+
 QByteArray MediaBytes::asfObject(const char* guid, const QByteArray& bytes)
 {
     return QByteArray::fromHex(guid) + little(quint64(bytes.size()) + 24) + bytes;

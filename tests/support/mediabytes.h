@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QtEndian>
 
 /// The parts that tags are put together from, by hand: as no writer would in good faith.
@@ -36,6 +37,9 @@ QByteArray withBlocks(const QByteArray& flac, const QByteArray& blocks);
 /// The second packet of the Ogg stream replaced, over as many pages as it takes, without checksums.
 QByteArray withSecondPacket(const QByteArray& ogg, const QByteArray& packet);
 QByteArray vorbisPacket(const QByteArray& content);
+
+/// The frames of raw AAC, each with its header of seven bytes.
+QByteArrayList adtsFrames(const QByteArray& aac);
 
 QByteArray asfObject(const char* guid, const QByteArray& bytes);
 /// The object put into the header of a WMA file.

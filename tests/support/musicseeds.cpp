@@ -5,6 +5,7 @@
 #include "mp4fixture.h"
 #include "mp4kinds.h"
 #include "seeds.h"
+#include "wavfixture.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -192,6 +193,26 @@ void addMp4(QList<Seed>& seeds)
     for (const Mp4Kinds::Kind& kind : Mp4Kinds::oddTags(Mp4Kinds::untagged(tone(group))))
         seeds << Seed{group, kind.name, kind.bytes};
 }
+
+/// As programs leave it that stream, cut, or count as few others do.
+void addOdd(QList<Seed>& seeds)
+{
+    for (const WavFixture::Wav& wav : WavFixture::odd(tone("wav")) + WavFixture::ofLongSizes(tone("rf64")))
+        seeds << Seed{"wav", wav.name, wav.bytes};
+    for (const QString& kind : Fixtures::wavKinds())
+        seeds << Seed{"wav", kind, tone(kind)};
+    for (const char* kind : {"mp3", "aac"}) {
+        seeds << Seed{kind, "late", QByteArray(1000, '\0') + tone(kind)};
+        const QByteArray broken = frame("TCOM", QByteArray()) + frame("T\xE9XX", "\3odd") + frames(4) +
+                                  frame("TPE2", QByteArray("\0cut", 4)).replace(7, 1, "\x7F");
+        seeds << Seed{kind, "broken frames", id3v2(broken) + tone(kind)};
+    }
+    seeds << Seed{"aac", "channels in a frame", tone("aacquad")};
+    QByteArrayList layered = adtsFrames(tone("aac"));
+    for (QByteArray& frame : layered)
+        frame[1] = char(frame.at(1) | 2);
+    seeds << Seed{"aac", "layered", layered.join()};
+}
 } // namespace
 
 QList<Seed> Seeds::music()
@@ -203,6 +224,7 @@ QList<Seed> Seeds::music()
     }
     addForeign(seeds);
     addMp4(seeds);
+    addOdd(seeds);
     return seeds;
 }
 

@@ -20,6 +20,8 @@ constexpr FormatRow rows[] = {
     {AUDIO_FORMAT_APE, {{{0, "MAC "}}}, nullptr, "ape", &audiocore::apeTags},
     {AUDIO_FORMAT_WMA, {{{0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11"}}}, nullptr, "asf", &audiocore::asfTags},
     {AUDIO_FORMAT_WAV, {{{0, "RIFF"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
+    {AUDIO_FORMAT_WAV, {{{0, "RF64"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
+    {AUDIO_FORMAT_WAV, {{{0, "BW64"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
     {AUDIO_FORMAT_M4A, {{{4, "ftyp"}}}, nullptr, "mov", &audiocore::mp4Tags},
     {AUDIO_FORMAT_MP3, {}, audiocore::findsMp3, "mp3", &audiocore::mp3Tags},
     {AUDIO_FORMAT_AAC, {}, audiocore::findsAdts, "aac", &audiocore::adtsTags},
@@ -65,7 +67,7 @@ const FormatRow* audiocore::rowByMagic(std::string_view head)
 const FormatRow* audiocore::rowByFrames(TagLib::IOStream& stream, long begin)
 {
     constexpr long rightHere = 1;
-    constexpr long behindRubbish = 64 * 1024;
+    constexpr long behindRubbish = 1024 * 1024;
     const FormatRow* found = nullptr;
     for (const long searchLength : {rightHere, behindRubbish})
         if (!found)
@@ -79,6 +81,7 @@ std::string audiocore::allDemuxers()
 {
     std::string all;
     for (const FormatRow& row : rows)
-        all += (all.empty() ? "" : ",") + std::string(row.demuxer);
+        if (&row == rowOf(row.format))
+            all += (all.empty() ? "" : ",") + std::string(row.demuxer);
     return all;
 }

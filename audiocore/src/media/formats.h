@@ -14,8 +14,8 @@ class IOStream;
 namespace audiocore {
 struct TagKind;
 
-/// All that tells one format from another. Each has one row, and what is done with its tags stands in one
-/// file of `tags/`, which the row names.
+/// All that tells one format from another. Each has a row for each way to begin, and what is done with its
+/// tags stands in one file of `tags/`, which the rows name.
 struct FormatRow
 {
     struct Magic

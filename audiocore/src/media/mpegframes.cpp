@@ -13,6 +13,10 @@ using TagLib::ByteVector;
 
 namespace {
 constexpr long searchLimit = 1024 * 1024;
+// The longer the search, the more of what looks like frames is none.
+constexpr long nearby = 64 * 1024;
+constexpr int framesNearby = 2;
+constexpr int framesFarOff = 4;
 constexpr long walkLimit = 128 * 1024 * 1024;
 
 struct Frame
@@ -104,7 +108,8 @@ Frame adtsFrame(const unsigned char* h)
     static const int rates[16] = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050,
                                   16000, 12000, 11025, 8000,  7350,  0,     0,     0};
     Frame frame;
-    if (h[0] != 0xFF || (h[1] & 0xF6) != 0xF0 || rates[(h[2] >> 2) & 15] == 0)
+    // Other readers take the two bits of the layer, which is none, and the version as they come.
+    if (h[0] != 0xFF || (h[1] & 0xF0) != 0xF0 || rates[(h[2] >> 2) & 15] == 0)
         return frame;
     const int size = (h[3] & 3) << 11 | h[4] << 3 | h[5] >> 5;
     if (size < 7)
@@ -112,7 +117,7 @@ Frame adtsFrame(const unsigned char* h)
     frame.size = size;
     frame.sampleRate = rates[(h[2] >> 2) & 15];
     frame.samples = 1024 * ((h[6] & 3) + 1);
-    frame.identity = unsigned(h[1] & 0xFE) << 8 | unsigned(h[2] & 0xFC);
+    frame.identity = unsigned(h[1] & 0x06) << 8 | unsigned(h[2] & 0x3C);
     return frame;
 }
 
@@ -131,8 +136,25 @@ Frame frameAt(Window& window, const Kind& kind, long position)
     return header ? kind.parse(header) : Frame();
 }
 
-/// Where the first frame starts that another one of the same stream, or the stream's end, follows; -1 when
-/// there is none.
+/// Whether so many frames of one stream follow one another from there on; of two the second one may be
+/// missing where the stream ends.
+bool startsStream(Window& window, const Kind& kind, long position, int frames)
+{
+    const Frame first = frameAt(window, kind, position);
+    Frame frame = first;
+    for (int found = 1; found < frames; ++found) {
+        if (frame.size == 0 || frame.identity != first.identity)
+            return false;
+        position += frame.size;
+        if (position == window.end() && frames == framesNearby)
+            return true;
+        frame = frameAt(window, kind, position);
+    }
+    return frame.size > 0 && frame.identity == first.identity;
+}
+
+/// Where the first frame starts that others of the same stream, or the stream's end, follow; -1 when there is
+/// none.
 long firstFrame(Window& window, const Kind& kind, long begin, long searchLength)
 {
     const long last = std::min(window.end(), begin + searchLength);
@@ -140,14 +162,9 @@ long firstFrame(Window& window, const Kind& kind, long begin, long searchLength)
         const unsigned char* sync = window.at(position, 2);
         if (!sync)
             return -1;
-        if ((sync[1] & 0xE0) != 0xE0)
-            continue;
-        const Frame frame = frameAt(window, kind, position);
-        if (frame.size == 0)
-            continue;
-        const long next = position + frame.size;
-        if (next == window.end() ||
-            (frameAt(window, kind, next).size > 0 && frameAt(window, kind, next).identity == frame.identity))
+        const bool mayBe = (sync[1] & 0xE0) == 0xE0;
+        if (mayBe &&
+            startsStream(window, kind, position, position - begin < nearby ? framesNearby : framesFarOff))
             return position;
     }
     return -1;

@@ -24,7 +24,8 @@ MpegStream measureMp3(TagLib::IOStream& stream, long begin);
 /// Raw ADTS AAC from `begin` on, by walking all frame headers. All zeros when there is no stream.
 MpegStream measureAdts(TagLib::IOStream& stream, long begin);
 
-/// Whether two frames of the kind follow one another within `searchLength` bytes from `begin` on.
+/// Whether frames of the kind follow one another within `searchLength` bytes from `begin` on: two, or four
+/// where they begin more than 64 kB behind.
 bool findsMp3(TagLib::IOStream& stream, long begin, long searchLength);
 bool findsAdts(TagLib::IOStream& stream, long begin, long searchLength);
 } // namespace audiocore

@@ -65,8 +65,11 @@ void Id3v2Bytes::readFrames(const ByteVector& body)
     const unsigned int ids = id3v2::idSize(m_version);
     const auto take = [&](std::string_view head, unsigned int position, unsigned int size) {
         const auto header = static_cast<unsigned int>(head.size());
-        m_frames.push_back({body.mid(position, ids), body.mid(position + 2 * ids, header - 2 * ids),
-                            body.mid(position + header, size)});
+        Frame frame{body.mid(position, ids), body.mid(position + ids, ids),
+                    body.mid(position + 2 * ids, header - 2 * ids), body.mid(position + header, size)};
+        if (m_version == 4 && id3v2::fromSevenBits(frame.size.data()) != size)
+            frame.size = sizeOf(frame.body);
+        m_frames.push_back(frame);
         return m_frames.size() < mostFields;
     };
     const unsigned int end = id3v2::eachFrame(m_version, body.size(), part, take);
@@ -109,15 +112,22 @@ std::string Id3v2Bytes::textOf(const Frame& frame) const
 std::string Id3v2Bytes::unreadText(int type) const
 {
     for (const Frame& frame : m_frames)
-        if (id3v2::says(id3v2::viewOf(frame.id), type) && (frame.body.data()[0] == utf8 || m_version == 2) &&
-            frame.body.size() <= longestText)
+        if (id3v2::says(id3v2::viewOf(frame.id), type) && !frame.body.isEmpty() &&
+            (frame.body.data()[0] == utf8 || m_version == 2) && frame.body.size() <= longestText)
             return textOf(frame);
     return std::string();
 }
 
+ByteVector Id3v2Bytes::sizeOf(const ByteVector& body) const
+{
+    ByteVector size(id3v2::idSize(m_version));
+    id3v2::putFrameSize(m_version, size.data(), body.size());
+    return size;
+}
+
 Id3v2Bytes::Frame Id3v2Bytes::frame(const char* id, const ByteVector& body) const
 {
-    return {id, m_version == 2 ? ByteVector() : ByteVector(2, '\0'), body};
+    return {id, sizeOf(body), m_version == 2 ? ByteVector() : ByteVector(2, '\0'), body};
 }
 
 std::optional<Id3v2Bytes::Frame> Id3v2Bytes::textFrame(int type, const std::string& text) const
@@ -170,16 +180,6 @@ void Id3v2Bytes::apply(const TagEdits& edits)
             pictureFrame(*edits.picture));
 }
 
-void Id3v2Bytes::append(ByteVector& tag, const Frame& frame) const
-{
-    ByteVector size(frame.id.size());
-    id3v2::putFrameSize(m_version, size.data(), frame.body.size());
-    tag.append(frame.id);
-    tag.append(size);
-    tag.append(frame.flags);
-    tag.append(frame.body);
-}
-
 std::optional<ByteVector> Id3v2Bytes::render(unsigned int room) const
 {
     constexpr unsigned int largestShortFrame = (1u << 24) - 1;
@@ -199,7 +199,8 @@ std::optional<ByteVector> Id3v2Bytes::render(unsigned int room) const
     tag.append(ByteVector(2, '\0'));
     tag.append(toSevenBits(whole - id3v2::headerSize));
     for (const Frame& frame : m_frames)
-        append(tag, frame);
+        for (const ByteVector& part : {frame.id, frame.size, frame.flags, frame.body})
+            tag.append(part);
     tag.append(m_rest);
     tag.resize(whole, '\0');
     return tag;

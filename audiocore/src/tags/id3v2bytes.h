@@ -28,12 +28,14 @@ private:
     struct Frame
     {
         TagLib::ByteVector id;
+        TagLib::ByteVector size; ///< as it is written
         TagLib::ByteVector flags;
         TagLib::ByteVector body;
     };
 
     std::optional<TagLib::ByteVector> plainBody(const Frame& frame) const;
-    void append(TagLib::ByteVector& tag, const Frame& frame) const;
+    /// As a frame's head has it.
+    TagLib::ByteVector sizeOf(const TagLib::ByteVector& body) const;
     void readFrames(const TagLib::ByteVector& body);
     std::string textOf(const Frame& frame) const;
     Frame frame(const char* id, const TagLib::ByteVector& body) const;

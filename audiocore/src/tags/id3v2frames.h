@@ -93,7 +93,8 @@ unsigned int newestFrameSize(const char* head, unsigned int next, unsigned int b
 
 /// Goes from frame to frame: `body` gives bytes by position and size, as far as there are any; `take` gets
 /// each head, where it lies and the frame's size without it, and tells whether to go on. Where the frames
-/// end.
+/// end: at zeros, or where one says to be longer than what is left. Frames of no bytes and those with ids
+/// that nobody has heard of, letters or not, are frames: other readers pass over them, too.
 template <class Body, class Take>
 unsigned int eachFrame(int version, unsigned int bodySize, const Body& body, Take take)
 {
@@ -102,16 +103,14 @@ unsigned int eachFrame(int version, unsigned int bodySize, const Body& body, Tak
     for (bool goOn = true; goOn && bodySize - position >= header;) {
         const auto read = body(position, header);
         const std::string_view head(read.data(), read.size());
-        if (head.size() < header || !looksLikeId(head.substr(0, idSize(version))))
+        if (head.size() < header || head.front() == '\0')
             break;
         const unsigned int next = position + header;
         const unsigned int size = version == 4 ? newestFrameSize(head.data(), next, bodySize, body)
                                                : numberAt(head.data() + idSize(version), idSize(version));
         if (size > bodySize - next)
             break;
-        // A frame of no bytes says nothing and keeps other readers from those behind it.
-        if (size > 0)
-            goOn = take(head, position, size);
+        goOn = take(head, position, size);
         position = next + size;
     }
     return position;

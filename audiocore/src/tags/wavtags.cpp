@@ -1,10 +1,11 @@
 // Tags of WAV: chunks with ID3v2 and with an INFO list.
-#include "base/checkedmath.h"
 #include "media/checkedstream.h"
-#include "media/wavfile.h"
+#include "media/wavchunks.h"
+#include "media/wavsound.h"
 #include "tags/id3v2bytes.h"
 #include "tags/id3v2frames.h"
 #include "tags/infobytes.h"
+#include "tags/pictures.h"
 #include "tags/soundview.h"
 #include "tags/tagkind.h"
 #include "tags/taglimits.h"
@@ -15,81 +16,203 @@
 
 #include <taglib/id3v2tag.h>
 #include <taglib/infotag.h>
+#include <taglib/tfile.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 using audiocore::CheckedStream;
 using audiocore::FileEdits;
+using audiocore::Id3v2Bytes;
+using audiocore::InfoBytes;
+using audiocore::MpegStream;
 using audiocore::SoundView;
+using audiocore::StreamOffset;
+using audiocore::StreamSize;
+using audiocore::StreamStart;
 using audiocore::TaggedFile;
 using audiocore::TagKind;
 using audiocore::TagReading;
+using audiocore::WavChunk;
+using audiocore::WavChunks;
 using TagLib::ByteVector;
 
 namespace {
-class WavTags final : public audiocore::LibraryRead<audiocore::WavFile>
+/// What the tag library's reader of ID3v2 asks for; all else is our own.
+class TagSource final : public TagLib::File
 {
 public:
-    explicit WavTags(CheckedStream& stream) : LibraryRead(&stream, true) {}
+    explicit TagSource(CheckedStream& stream) : File(&stream) {}
 
-    void read(TagReading& reading) override
-    {
-        reading.add(m_file.hasID3v2Tag() ? m_file.ID3v2Tag() : nullptr, [this] { return id3v2Bytes(); });
-        reading.addTexts(m_file.hasInfoTag() ? m_file.InfoTag() : nullptr);
-    }
-    unsigned int largestPicture() override { return audiocore::largestPictureIn(m_file.ID3v2Tag()); }
+    TagLib::Tag* tag() const override { return nullptr; }
+    TagLib::AudioProperties* audioProperties() const override { return nullptr; }
+    bool save() override { return false; }
+};
+
+/// Bytes that take the place of others.
+struct Splice
+{
+    std::int64_t begin;
+    std::int64_t size;
+    ByteVector bytes;
+};
+
+class WavTags final : public TaggedFile
+{
+public:
+    WavTags(CheckedStream& stream, std::int64_t begin);
+
+    bool isMusic() override { return m_sound.sampleRate > 0; }
+    MpegStream sound() override { return m_sound; }
+    void read(TagReading& reading) override;
+    unsigned int largestPicture() override { return audiocore::largestPictureIn(m_id3v2.get()); }
     std::string write(const FileEdits& edits) override;
 
 private:
-    /// None without one, and nothing when that is more than we write of one tag.
-    std::optional<ByteVector> id3v2Bytes()
-    {
-        const int chunk = m_file.id3v2Chunk();
-        if (chunk < 0)
-            return ByteVector();
-        if (long(m_file.chunkDataSize(unsigned(chunk))) > audiocore::mostTagBytesWritten)
-            return std::nullopt;
-        return m_file.chunkData(unsigned(chunk));
-    }
-    void writeInfo(const FileEdits& edits)
-    {
-        const int chunk = m_file.infoChunk();
-        if (chunk < 0)
-            return;
-        audiocore::InfoBytes info(m_file.chunkData(unsigned(chunk)));
-        info.apply(edits.further);
-        m_file.setChunkData(unsigned(chunk), info.render());
-    }
-    void writeId3v2(const ByteVector& bytes)
-    {
-        const int chunk = m_file.id3v2Chunk();
-        if (chunk >= 0 && bytes.isEmpty())
-            m_file.removeChunk(unsigned(chunk));
-        else if (chunk >= 0)
-            m_file.setChunkData(unsigned(chunk), bytes);
-        else if (!bytes.isEmpty())
-            m_file.setChunkData("ID3 ", bytes);
-    }
+    const WavChunk* id3v2Chunk() const { return m_chunks.find({"ID3 ", "id3 "}); }
+    const WavChunk* infoChunk() const;
+    std::unique_ptr<TagLib::ID3v2::Tag> id3v2At(std::int64_t begin);
+    std::optional<ByteVector> bytesOf(const WavChunk* chunk) const;
+    const char* whyItStays() const;
+    Splice replaced(const WavChunk* old, const char* name, const ByteVector& bytes) const;
+    std::string apply(std::vector<Splice> splices);
+
+    CheckedStream& m_stream;
+    const std::int64_t m_begin;
+    const WavChunks m_chunks;
+    const MpegStream m_sound;
+    TagSource m_source;
+    std::unique_ptr<TagLib::ID3v2::Tag> m_id3v2;
+    std::unique_ptr<TagLib::ID3v2::Tag> m_front; ///< before the file proper, where none is to be
 };
+
+WavTags::WavTags(CheckedStream& stream, std::int64_t begin)
+    : m_stream(stream), m_begin(begin), m_chunks(stream, begin), m_sound(measureWav(stream, m_chunks)),
+      m_source(stream)
+{
+    audiocore::TagScreen screen;
+    const audiocore::ScreenedReading screened(stream, screen);
+    if (const WavChunk* const chunk = id3v2Chunk())
+        m_id3v2 = id3v2At(chunk->begin);
+    if (begin > 0)
+        m_front = id3v2At(0);
+}
+
+std::unique_ptr<TagLib::ID3v2::Tag> WavTags::id3v2At(std::int64_t begin)
+{
+    if (m_stream.readAt(StreamOffset(begin), 3) != "ID3")
+        return nullptr;
+    return std::make_unique<TagLib::ID3v2::Tag>(&m_source, StreamOffset(begin));
+}
+
+/// The first list of this kind.
+const WavChunk* WavTags::infoChunk() const
+{
+    const auto& all = m_chunks.all();
+    const auto chunk = std::find_if(all.begin(), all.end(), [this](const WavChunk& one) {
+        return one.name == "LIST" && one.isWhole && one.size >= 4 &&
+               m_stream.readAt(StreamOffset(one.begin), 4) == "INFO";
+    });
+    return chunk == all.end() ? nullptr : &*chunk;
+}
+
+/// None without a chunk, and nothing when that is more than we write of one tag.
+std::optional<ByteVector> WavTags::bytesOf(const WavChunk* chunk) const
+{
+    if (!chunk)
+        return ByteVector();
+    if (chunk->size > audiocore::mostTagBytesWritten)
+        return std::nullopt;
+    return m_stream.readAt(StreamOffset(chunk->begin), StreamSize(chunk->size));
+}
+
+void WavTags::read(TagReading& reading)
+{
+    reading.add(m_id3v2.get(), [this] { return bytesOf(id3v2Chunk()); });
+    const WavChunk* const list = infoChunk();
+    if (list && list->size <= audiocore::mostTagBytes) {
+        const TagLib::RIFF::Info::Tag info(InfoBytes::shown(bytesOf(list).value_or(ByteVector())));
+        reading.addTexts(&info);
+    }
+    reading.add(m_front.get(), [] { return std::nullopt; });
+}
+
+/// Why nothing is written into the file; null where something may be.
+const char* WavTags::whyItStays() const
+{
+    if (m_begin > 0)
+        return "a tag stands before its beginning";
+    if (m_chunks.isLong())
+        return "it is of the kind for more than 4 GB, which is only read";
+    if (!m_chunks.soundHasSize())
+        return "it does not tell how much sound it has";
+    if (m_stream.length() > m_chunks.end())
+        return "it goes on behind its last chunk, perhaps with sound";
+    return nullptr;
+}
 
 std::string WavTags::write(const FileEdits& edits)
 {
-    if (m_file.length() > m_file.end())
-        return "it goes on behind its last chunk, perhaps with sound";
-    const std::optional<ByteVector> old = id3v2Bytes();
-    if (!old)
+    if (const char* const reason = whyItStays())
+        return reason;
+    const std::optional<ByteVector> oldTag = bytesOf(id3v2Chunk());
+    const std::optional<ByteVector> oldList = bytesOf(infoChunk());
+    if (!oldTag || !oldList)
         return audiocore::tooLarge;
-    std::optional<audiocore::Id3v2Bytes> tag = audiocore::Id3v2Bytes::parse(*old);
+    std::optional<Id3v2Bytes> tag = Id3v2Bytes::parse(*oldTag);
     if (!tag)
         return audiocore::cannotBeKept;
     applyTo(*tag, edits, audiocore::TagRank::Own);
-    const std::optional<ByteVector> bytes = tag->render(0);
-    if (!bytes)
+    const std::optional<ByteVector> newTag = tag->render(0);
+    if (!newTag)
         return audiocore::tooLarge;
-    writeInfo(edits);
-    writeId3v2(*bytes);
+    std::vector<Splice> splices{replaced(id3v2Chunk(), "ID3 ", *newTag)};
+    if (const WavChunk* const chunk = infoChunk()) {
+        InfoBytes list(*oldList);
+        list.apply(edits.further);
+        splices.push_back(replaced(chunk, "LIST", list.render()));
+    }
+    return apply(std::move(splices));
+}
+
+/// The chunk with other bytes: none where there are none, and at the end where there was none.
+Splice WavTags::replaced(const WavChunk* old, const char* name, const ByteVector& bytes) const
+{
+    Splice splice{m_chunks.end(), 0, ByteVector()};
+    if (old)
+        splice = {old->headBegin(), old->end - old->headBegin(), ByteVector()};
+    if (bytes.isEmpty())
+        return splice;
+    const WavChunk& last = m_chunks.all().back();
+    if (!old && last.size % 2 != 0 && last.end == last.begin + last.size)
+        splice.bytes.append('\0'); // nobody filled the last one up
+    splice.bytes.append(old ? old->name : ByteVector(name));
+    splice.bytes.append(ByteVector::fromUInt(bytes.size(), false));
+    splice.bytes.append(bytes);
+    if (bytes.size() % 2 != 0)
+        splice.bytes.append('\0');
+    return splice;
+}
+
+std::string WavTags::apply(std::vector<Splice> splices)
+{
+    constexpr std::int64_t headSize = 8;
+    constexpr std::int64_t sizePlace = 4;
+    constexpr std::int64_t most = 0xFFFFFFFF;
+    // From the end on, so that places stay what they are.
+    std::sort(splices.begin(), splices.end(),
+              [](const Splice& a, const Splice& b) { return a.begin > b.begin; });
+    for (const Splice& splice : splices)
+        m_stream.insert(splice.bytes, StreamStart(splice.begin), StreamSize(splice.size));
+    const std::int64_t size = m_stream.length() - headSize;
+    if (size > most)
+        return audiocore::tooLarge;
+    m_stream.seek(StreamOffset(sizePlace));
+    m_stream.writeBlock(ByteVector::fromUInt(static_cast<unsigned int>(size), false));
     return std::string();
 }
 
@@ -103,51 +226,26 @@ public:
     }
 };
 
-class WavScreen final : public audiocore::TagScreen
-{
-    void show(ByteVector& block, long position) override
-    {
-        if (audiocore::id3v2::viewOf(block).substr(0, 4) == "INFO")
-            block = audiocore::InfoBytes::shown(block);
-        else
-            TagScreen::show(block, position);
-    }
-};
-
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin, audiocore::Purpose)
 {
     static const InfoText handler;
     static const bool installed = (TagLib::RIFF::Info::Tag::setStringHandler(&handler), true);
     static_cast<void>(installed);
-    WavScreen screen;
-    const audiocore::ScreenedReading screened(stream, screen);
-    return std::make_unique<WavTags>(stream);
+    return std::make_unique<WavTags>(stream, audioBegin);
 }
 
-/// Where the sound is behind and no chunk follows, the file ends. Sound of no size goes on to the end.
+/// Where the sound is behind and no chunk follows, the file ends.
 bool hide(CheckedStream& stream, long audioBegin, SoundView& view)
 {
-    constexpr long riffHead = 12;
-    constexpr long chunkHead = 8;
-    long position = audioBegin + riffHead;
-    bool soundIsBehind = false;
-    for (;;) {
-        const ByteVector head = stream.readAt(position, chunkHead);
-        const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
-        if (long(head.size()) < chunkHead)
-            return true;
-        if (!std::all_of(head.begin(), head.begin() + 4, printable)) {
-            if (soundIsBehind)
-                view.endAt(position);
-            return true;
-        }
-        const ByteVector name = head.mid(0, 4);
-        if (name == "LIST" || name == "ID3 " || name == "id3 ")
-            view.show(position, "JUNK");
-        const unsigned int size = head.toUInt(4, false);
-        soundIsBehind |= name == "data" && size > 0;
-        position = long(base::checked::sum(position, chunkHead + std::int64_t(size) + (size & 1)));
-    }
+    const WavChunks chunks(stream, audioBegin);
+    for (const WavChunk& chunk : chunks.all())
+        if (chunk.name == "LIST" || chunk.name == "ID3 " || chunk.name == "id3 ")
+            view.show(chunk.headBegin(), "JUNK");
+    const bool isCut = !chunks.all().empty() && !chunks.all().back().isWhole;
+    const WavChunk* const sound = chunks.sound();
+    if (sound && sound->size > 0 && !isCut && stream.length() - chunks.end() >= WavChunk::headSize)
+        view.endAt(chunks.end());
+    return chunks.all().size() < WavChunks::most;
 }
 } // namespace
 
