@@ -10,7 +10,8 @@ namespace Fixtures {
 /// The formats by the name of their fixture: "mp3", "m4a", "ape", "aac", "flac", "wma", "wav", "ogg".
 QStringList formats();
 /// The kinds beyond these eight: "mp3novbr" (variable bit rate without any header that says so), "alac",
-/// "opus", "oggflac". There is also "mp3vbr", variable bit rate with such a header.
+/// "opus", "oggflac". There is also "mp3vbr", variable bit rate with such a header, and
+/// "w64" and "loas", which are read and not written.
 QStringList furtherKinds();
 /// The ending that files of the kind carry.
 QString suffixOf(const QString& kind);
