@@ -1,5 +1,7 @@
-// The two engines come in at their first use, and are missed without harm.
+// The engines and the last way of reading come in at their first use, and are missed without harm.
 #include "audiofile.h"
+#include "fixtures.h"
+#include "foreignfixture.h"
 #include "loadedlibraries.h"
 #include "programrun.h"
 
@@ -14,6 +16,7 @@ class TestEngines : public QObject
 
 private slots:
     void theProgramStartsWithoutThem();
+    void theLastWayComesForWhatNobodyElseReads();
     void eachComesAtItsFirstUse();
     void withoutItsModuleAnEngineIsNone();
 };
@@ -21,7 +24,9 @@ private slots:
 namespace {
 const QString player = "libmelodrift-playback";
 const QString identification = "libmelodrift-identify";
-const QStringList engines = {player, identification, "libmpv", "libavcodec", "libchromaprint", "libcurl"};
+const QString lastWay = "libmelodrift-demux";
+const QStringList engines = {player,       identification,   lastWay,  "libmpv",
+                             "libavcodec", "libchromaprint", "libcurl"};
 
 QString libraryName(const char* name)
 {
@@ -45,7 +50,7 @@ void TestEngines::theProgramStartsWithoutThem()
 
 void TestEngines::eachComesAtItsFirstUse()
 {
-    QCOMPARE(loadedBy("self", engines), QStringList());
+    QCOMPARE(loadedBy("self", {player, identification}), QStringList());
     IAudioPlayer* const aPlayer = CreatePlayer();
     QVERIFY(aPlayer);
     QCOMPARE(loadedBy("self", {player, identification}), QStringList{player});
@@ -57,6 +62,27 @@ void TestEngines::eachComesAtItsFirstUse()
     QVERIFY(AudioFile::takeLog().isEmpty());
 }
 
+void TestEngines::theLastWayComesForWhatNobodyElseReads()
+{
+    // Before the others, which bring it with them.
+    const QTemporaryDir folder;
+    const auto made = [&folder](const char* name, const QByteArray& bytes) {
+        QFile file(folder.filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("cannot write %s", name);
+        return file.fileName();
+    };
+    for (const QString& kind : Fixtures::formats() + Fixtures::furtherKinds())
+        QVERIFY(AudioFile::properties(Fixtures::tone(kind)).duration > 0);
+    AudioFile::properties(made("rubbish.mp3", QByteArray(100000, 'r')));
+    AudioFile::properties(made("rubbish.ogg", "OggS" + QByteArray(100000, 'r')));
+    QCOMPARE(loadedBy("self", engines), QStringList());
+    AudioFile::takeLog();
+    QCOMPARE(AudioFile::properties(made("turned.wav", Foreign::rifx(500))).duration, 500);
+    QCOMPARE(loadedBy("self", {player, identification, lastWay}), QStringList{lastWay});
+    QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
 /// This program once more, with libraries that have no modules beside them.
 void TestEngines::withoutItsModuleAnEngineIsNone()
 {
@@ -65,11 +91,14 @@ void TestEngines::withoutItsModuleAnEngineIsNone()
     for (const char* name : {"base", "audiocore"})
         QVERIFY(QFile::copy(here.filePath(libraryName(name)), run.path(libraryName(name))));
     run.set("LD_LIBRARY_PATH", run.path(QString()));
-    run.start(QCoreApplication::applicationFilePath(), {"--without-modules"});
+    QFile foreign(run.path("turned.wav"));
+    QVERIFY(foreign.open(QIODevice::WriteOnly) && foreign.write(Foreign::rifx(500)) > 0);
+    foreign.close();
+    run.start(QCoreApplication::applicationFilePath(), {"--without-modules", foreign.fileName()});
     QVERIFY(run.process.waitForFinished(patience));
     const QByteArray log = run.process.readAllStandardError();
     QCOMPARE(run.process.exitCode(), 0);
-    for (const char* work : {"playing a song", "identifying a song"})
+    for (const char* work : {"playing a song", "identifying a song", "reading files of unusual kinds"})
         QCOMPARE(log.count(work + QByteArray(": is not possible, its module cannot be loaded: ")), 1);
 }
 
@@ -79,7 +108,8 @@ int main(int argc, char* argv[])
     if (application.arguments().contains("--without-modules")) {
         DestroyPlayer(nullptr);
         DestroyIdentifier(nullptr);
-        const bool none = !CreatePlayer() && !CreateIdentifier();
+        const bool none = !CreatePlayer() && !CreateIdentifier() &&
+                          AudioFile::properties(application.arguments().last()).format == -1;
         std::fputs(qUtf8Printable(AudioFile::takeLog().join('\n')), stderr);
         return none ? 0 : 1;
     }

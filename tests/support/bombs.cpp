@@ -1,7 +1,10 @@
 #include "bombs.h"
 
 #include "fixtures.h"
+#include "foreignfixture.h"
 #include "mediabytes.h"
+#include "mp4fixture.h"
+#include "oggfixture.h"
 
 #include <QFile>
 
@@ -216,6 +219,72 @@ void addOthers(QList<Bombs::Bomb>& bombs)
             return wmaWith(asfObject("00112233445566778899AABBCCDDEEFF", QByteArray(20 * megabyte, 'u')), 10);
         }};
 }
+
+/// A movie without a first atom that says to have so many pieces of music in a few bytes.
+QByteArray manyPieces(quint32 count)
+{
+    using Mp4::number;
+    const QByteArray pieces = Mp4::table("stco", 1, number(8)) +
+                              Mp4::table("stts", 1, number(count) + number(1024)) +
+                              Mp4::table("stsc", 1, number(1) + number(count) + number(1)) +
+                              Mp4::atom("stsz", number(0) + number(2) + number(count));
+    return Mp4::atom("wide", QByteArray()) + Mp4::atom("moov", Mp4::track(pieces).repeated(20));
+}
+
+/// Streams that begin and never go on.
+QByteArray manyStreams(int count)
+{
+    QByteArray streams;
+    for (int i = 0; i < count; ++i)
+        streams += Ogg::bytesOf(Ogg::page(quint32(i), 0, Ogg::First, "\x01vorbis" + QByteArray(23, '\1')));
+    return streams;
+}
+
+QByteArray manyLinks(int count)
+{
+    QByteArray links;
+    for (int i = 0; i < count; ++i)
+        links += Ogg::bytesOf(Ogg::page(quint32(i), 0, Ogg::First, "OpusHead" + QByteArray(11, '\1'))) +
+                 Ogg::bytesOf(Ogg::page(quint32(i), 1, 0, "OpusTags" + QByteArray(8, '\0')));
+    return links;
+}
+
+/// Music beside a stream of pictures with that comment.
+QByteArray besideComment(const QByteArray& fields)
+{
+    constexpr quint32 serial = 4711;
+    constexpr int mostOfPage = 255 * 255;
+    const QByteArray packet =
+        "\x81theora" + fields + QByteArray(mostOfPage - (fields.size() + 7) % mostOfPage, '\0');
+    QList<Ogg::Page> pages = Ogg::pagesOf(tone("ogg"));
+    QList<Ogg::Page> others;
+    for (int begin = 0; begin < packet.size(); begin += mostOfPage)
+        others << Ogg::Page{0,
+                            -1,
+                            serial,
+                            quint32(others.size() + 1),
+                            QByteArray(255, char(255)),
+                            packet.mid(begin, mostOfPage)};
+    others << Ogg::page(serial, quint32(others.size() + 1), Ogg::Last, QByteArray());
+    const QByteArray first =
+        Ogg::bytesOf(Ogg::page(serial, 0, Ogg::First, "\x80theora" + QByteArray(35, '\0')));
+    return first + Ogg::bytesOf(pages.takeFirst()) + Ogg::bytesOf(others) + Ogg::bytesOf(pages);
+}
+
+/// What libavformat reads, since nobody else does.
+void addForeign(QList<Bombs::Bomb>& bombs)
+{
+    bombs << Bombs::Bomb{"a text that inflates beside turned numbers", "wav", [] {
+                             const QByteArray text = inflating("TIT2", QByteArray(200 * megabyte, 'A'));
+                             return Foreign::rifx(100, id3v2(text));
+                         }};
+    bombs << Bombs::Bomb{"two thousand million pieces", "m4a", [] { return manyPieces(0x7FFFFFFF); }};
+    bombs << Bombs::Bomb{"three hundred thousand pieces", "m4a", [] { return manyPieces(300000); }};
+    bombs << Bombs::Bomb{"a hundred thousand streams", "ogg", [] { return manyStreams(100000); }};
+    bombs << Bombs::Bomb{"music behind music", "ogg", [] { return manyLinks(50000); }};
+    bombs << Bombs::Bomb{"two million fields of another stream", "ogg",
+                         [] { return besideComment(comment(manyFields(2000000), 2000000)); }};
+}
 } // namespace
 
 QList<Bombs::Bomb> Bombs::all()
@@ -223,5 +292,6 @@ QList<Bombs::Bomb> Bombs::all()
     QList<Bomb> bombs;
     addId3v2(bombs);
     addOthers(bombs);
+    addForeign(bombs);
     return bombs;
 }

@@ -48,6 +48,8 @@ const QHash<QString, Encoding>& encodings()
         {QStringLiteral("ogg"), {"ogg", "-c:a libvorbis -q:a 3"}},
         {QStringLiteral("opus"), {"ogg", "-c:a libopus -b:a 64k"}},
         {QStringLiteral("oggflac"), {"ogg", "-c:a flac -f ogg"}},
+        {QStringLiteral("w64"), {"wav", "-c:a pcm_s16le -f w64"}},
+        {QStringLiteral("loas"), {"aac", "-c:a aac -b:a 96k -f latm"}},
     };
     return table;
 }

@@ -1,9 +1,11 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
+#include "foreignfixture.h"
 #include "mediabytes.h"
 #include "mp4fixture.h"
 #include "mp4kinds.h"
+#include "oggfixture.h"
 #include "seeds.h"
 #include "wavfixture.h"
 
@@ -213,6 +215,36 @@ void addOdd(QList<Seed>& seeds)
         frame[1] = char(frame.at(1) | 2);
     seeds << Seed{"aac", "layered", layered.join()};
 }
+
+/// Ogg with more in it than one song from its beginning.
+void addOgg(QList<Seed>& seeds)
+{
+    for (const char* kind : {"ogg", "opus", "oggflac"}) {
+        const QByteArray music = tone(kind);
+        seeds << Seed{kind, "late", Ogg::late(music, 6615)};
+        seeds << Seed{kind, "beside", Ogg::withSkeleton(music)};
+        seeds << Seed{kind, "behind", music + Ogg::renumbered(music, 77)};
+    }
+    const QByteArray head = "Speex   " + QByteArray("1.2").leftJustified(20, '\0') + little(quint32(1)) +
+                            little(quint32(80)) + little(quint32(16000)) + little(quint32(1)) +
+                            little(quint32(4)) + little(quint32(1)) + little(quint32(-1)) +
+                            little(quint32(320)) + little(quint32(0)) + little(quint32(1)) +
+                            little(quint32(0)) + QByteArray(8, '\0');
+    QList<Ogg::Page> speex = {Ogg::page(1, 0, Ogg::First, head), Ogg::page(1, 1, 0, fields()),
+                              Ogg::page(1, 2, Ogg::Last, QByteArray(42, 's'))};
+    speex.last().position = 320;
+    seeds << Seed{"ogg", "speex", Ogg::bytesOf(speex)};
+}
+
+/// What libavformat alone reads.
+void addLastWay(QList<Seed>& seeds)
+{
+    seeds << Seed{"wav", "rifx", Foreign::rifx(20, id3v2(frames(3), 3))};
+    seeds << Seed{"wav", "w64", tone("w64")};
+    seeds << Seed{"aac", "loas", tone("loas")};
+    seeds << Seed{"m4a", "bare", tone("m4a").replace(4, 4, "free")};
+    seeds << Seed{"m4a", "movie", atoms().replace(4, 4, "wide")};
+}
 } // namespace
 
 QList<Seed> Seeds::music()
@@ -225,6 +257,8 @@ QList<Seed> Seeds::music()
     addForeign(seeds);
     addMp4(seeds);
     addOdd(seeds);
+    addOgg(seeds);
+    addLastWay(seeds);
     return seeds;
 }
 

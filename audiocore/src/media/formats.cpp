@@ -1,9 +1,11 @@
 #include "media/formats.h"
 
+#include "media/loasframes.h"
 #include "media/mpegframes.h"
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 
 using audiocore::FormatRow;
 
@@ -16,15 +18,23 @@ namespace {
 /// Where two would fit, the first counts.
 constexpr FormatRow rows[] = {
     {AUDIO_FORMAT_FLAC, {{{0, "fLaC"}}}, nullptr, "flac", &audiocore::flacTags},
-    {AUDIO_FORMAT_OGG, {{{0, "OggS"}}}, nullptr, "ogg", &audiocore::oggTags},
+    {AUDIO_FORMAT_OGG, {{{0, {"OggS\0", 5}}}}, nullptr, "ogg", &audiocore::oggTags},
     {AUDIO_FORMAT_APE, {{{0, "MAC "}}}, nullptr, "ape", &audiocore::apeTags},
     {AUDIO_FORMAT_WMA, {{{0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11"}}}, nullptr, "asf", &audiocore::asfTags},
     {AUDIO_FORMAT_WAV, {{{0, "RIFF"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
     {AUDIO_FORMAT_WAV, {{{0, "RF64"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
     {AUDIO_FORMAT_WAV, {{{0, "BW64"}, {8, "WAVE"}}}, nullptr, "wav", &audiocore::wavTags},
     {AUDIO_FORMAT_M4A, {{{4, "ftyp"}}}, nullptr, "mov", &audiocore::mp4Tags},
+    {AUDIO_FORMAT_M4A, {{{4, "moov"}}}, nullptr, "mov", nullptr}, // as it was before it had a first atom
+    {AUDIO_FORMAT_M4A, {{{4, "mdat"}}}, nullptr, "mov", nullptr},
+    {AUDIO_FORMAT_M4A, {{{4, "wide"}}}, nullptr, "mov", nullptr},
+    {AUDIO_FORMAT_M4A, {{{4, "free"}}}, nullptr, "mov", nullptr},
+    {AUDIO_FORMAT_M4A, {{{4, "skip"}}}, nullptr, "mov", nullptr},
+    {AUDIO_FORMAT_WAV, {{{0, "RIFX"}, {8, "WAVE"}}}, nullptr, "wav", nullptr}, // its numbers the other way
+    {AUDIO_FORMAT_WAV, {{{0, "riff\x2E\x91\xCF\x11"}}}, nullptr, "w64", nullptr},
     {AUDIO_FORMAT_MP3, {}, audiocore::findsMp3, "mp3", &audiocore::mp3Tags},
     {AUDIO_FORMAT_AAC, {}, audiocore::findsAdts, "aac", &audiocore::adtsTags},
+    {AUDIO_FORMAT_AAC, {}, audiocore::findsLoas, "loas", nullptr},
 };
 
 constexpr bool fitInMagic()
@@ -54,11 +64,6 @@ bool begins(std::string_view head, const FormatRow& row)
 }
 } // namespace
 
-const FormatRow* audiocore::rowOf(AudioFormat format)
-{
-    return firstRow([format](const FormatRow& row) { return row.format == format; });
-}
-
 const FormatRow* audiocore::rowByMagic(std::string_view head)
 {
     return firstRow([head](const FormatRow& row) { return begins(head, row); });
@@ -79,9 +84,11 @@ const FormatRow* audiocore::rowByFrames(TagLib::IOStream& stream, long begin)
 
 std::string audiocore::allDemuxers()
 {
-    std::string all;
+    std::set<std::string_view> demuxers;
     for (const FormatRow& row : rows)
-        if (&row == rowOf(row.format))
-            all += (all.empty() ? "" : ",") + std::string(row.demuxer);
+        demuxers.insert(row.demuxer);
+    std::string all;
+    for (const std::string_view demuxer : demuxers)
+        all += (all.empty() ? "" : ",") + std::string(demuxer);
     return all;
 }

@@ -15,7 +15,7 @@ namespace audiocore {
 struct TagKind;
 
 /// All that tells one format from another. Each has a row for each way to begin, and what is done with its
-/// tags stands in one file of `tags/`, which the rows name.
+/// tags stands in one file of `tags/`, which the rows name. Rows without one are of what FFmpeg alone knows.
 struct FormatRow
 {
     struct Magic
@@ -32,11 +32,8 @@ struct FormatRow
     bool (*findsFrames)(TagLib::IOStream& stream, long begin, long searchLength);
     /// FFmpeg's name of the one demuxer, for playing and for fingerprints. It opens no other file.
     const char* demuxer;
-    const TagKind* tags;
+    const TagKind* tags; ///< null where FFmpeg reads them (tags/lastway.h)
 };
-
-/// Null for AUDIO_FORMAT_UNKNOWN.
-const FormatRow* rowOf(AudioFormat format);
 
 /// So many bytes tell the format, where it has any that do.
 constexpr std::size_t longestMagic = 12;

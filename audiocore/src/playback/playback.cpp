@@ -21,8 +21,8 @@ constexpr std::int64_t bytesASecondPlayed = 8 << 20;
 constexpr std::int64_t bytesASecondSought = 48000;
 } // namespace
 
-Playback::Playback(std::string path, AudioFormat format, std::int64_t milliseconds, std::int64_t audioBegin)
-    : m_source(std::move(path)), m_format(format), m_audioBegin(audioBegin), m_duration(milliseconds)
+Playback::Playback(std::string path, const char* demuxer, std::int64_t milliseconds, std::int64_t audioBegin)
+    : m_source(std::move(path)), m_demuxer(demuxer), m_audioBegin(audioBegin), m_duration(milliseconds)
 {
     try {
         m_thread = std::thread([this] { run(); });
@@ -151,7 +151,7 @@ void Playback::fail(const char* fault) noexcept
 void Playback::playToTheEnd()
 {
     m_source.allowance = base::checked::sum(bytesToGetOn, m_audioBegin);
-    PlaybackEngine engine(m_source, m_format, wake, this);
+    PlaybackEngine engine(m_source, m_demuxer, wake, this);
     for (;;) {
         handleEvents(engine);
         if (phase() == Phase::Ready) {

@@ -17,9 +17,9 @@ public:
     enum class Phase { Opening, Ready, Failed };
 
     /// Where no thread can be made the playback has failed from the start.
-    /// `milliseconds` is the length when it is known, else 0; `audioBegin` is where the tag at the file's
-    /// beginning ends.
-    Playback(std::string path, AudioFormat format, std::int64_t milliseconds, std::int64_t audioBegin);
+    /// The demuxer is a name that stays, and `milliseconds` is the length when it is known, else 0;
+    /// `audioBegin` is where the tag at the file's beginning ends.
+    Playback(std::string path, const char* demuxer, std::int64_t milliseconds, std::int64_t audioBegin);
     /// Ends the playback.
     ~Playback();
     Playback(const Playback&) = delete;
@@ -51,7 +51,7 @@ private:
     bool hasEnded() const;
 
     SongSource m_source;
-    const AudioFormat m_format;
+    const char* const m_demuxer;
     const std::int64_t m_audioBegin;
 
     mutable std::mutex m_mutex; ///< never held while the engine is called, which calls wake()

@@ -2,7 +2,6 @@
 
 #include "base/log.h"
 #include "base/threadroom.h"
-#include "media/formats.h"
 #include "playback/songstream.h"
 
 #include <mpv/client.h>
@@ -99,7 +98,7 @@ void PlaybackEngine::Destroy::operator()(mpv_handle* engine) const
     mpv_terminate_destroy(engine);
 }
 
-PlaybackEngine::PlaybackEngine(SongSource& source, AudioFormat format, void (*wake)(void*), void* context)
+PlaybackEngine::PlaybackEngine(SongSource& source, const char* demuxer, void (*wake)(void*), void* context)
 {
     if (!base::hasRoomForThreads(engineThreads)) {
         m_error = "too few threads can be made for the playback engine";
@@ -107,8 +106,7 @@ PlaybackEngine::PlaybackEngine(SongSource& source, AudioFormat format, void (*wa
     }
     m_engine.reset(mpv_create());
     // Naming the container leaves nothing to guess, and no list of other files a chance.
-    const FormatRow* row = rowOf(format);
-    if (!m_engine || !row || !start(source, row->demuxer, wake, context)) {
+    if (!m_engine || !start(source, demuxer, wake, context)) {
         m_engine.reset();
         m_error = "the playback engine does not start";
     }

@@ -28,9 +28,9 @@ public:
         Broken   ///< the file cannot be played, or not any further
     };
 
-    /// The source must outlive the engine. `wake` is called on any thread when there are events; it must not
-    /// call the engine.
-    PlaybackEngine(SongSource& source, AudioFormat format, void (*wake)(void*), void* context);
+    /// The source must outlive the engine; the demuxer is the one for its song. `wake` is called on any
+    /// thread when there are events; it must not call the engine.
+    PlaybackEngine(SongSource& source, const char* demuxer, void (*wake)(void*), void* context);
     ~PlaybackEngine();
     PlaybackEngine(const PlaybackEngine&) = delete;
     PlaybackEngine& operator=(const PlaybackEngine&) = delete;

@@ -43,7 +43,7 @@ public:
         const auto media = audiocore::parsedMedia(*utf8);
         if (media->format == AUDIO_FORMAT_UNKNOWN)
             return 1;
-        own->playback = std::make_unique<Playback>(*utf8, media->format, media->properties.milliseconds,
+        own->playback = std::make_unique<Playback>(*utf8, media->demuxer, media->properties.milliseconds,
                                                    media->audioBegin);
         return own->playback->waitUntilOpen(latest) == Playback::Phase::Failed ? 1 : 0;
     }

@@ -3,6 +3,7 @@
 #include "media/checkedstream.h"
 #include "media/formats.h"
 #include "tags/id3v2frames.h"
+#include "tags/lastway.h"
 
 #include <optional>
 #include <utility>
@@ -40,6 +41,10 @@ MediaFile audiocore::openMedia(CheckedStream& stream, Purpose purpose)
     if (!row)
         return MediaFile();
     media.format = row->format;
-    media.file = row->tags->open(stream, media.audioBegin, purpose);
-    return media.file && media.file->isMusic() ? std::move(media) : MediaFile();
+    media.demuxer = row->demuxer;
+    if (row->tags)
+        media.file = row->tags->open(stream, media.audioBegin, purpose);
+    if (!media.file || !media.file->isMusic())
+        media.file = openLastWay(stream, *row);
+    return media.file ? std::move(media) : MediaFile();
 }

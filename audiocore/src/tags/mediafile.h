@@ -10,6 +10,8 @@ namespace audiocore {
 struct MediaFile
 {
     AudioFormat format = AUDIO_FORMAT_UNKNOWN;
+    /// FFmpeg's name of what opens it, for playing.
+    const char* demuxer = "";
     /// Where the audio starts, behind a tag at the file's beginning.
     long audioBegin = 0;
     /// Null when the stream holds no music.

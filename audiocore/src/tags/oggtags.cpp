@@ -1,25 +1,21 @@
-// Tags of Ogg: the comment packet of Vorbis, Opus or FLAC.
-#include "base/checkedmath.h"
+// Tags of Ogg: the comment packet of Vorbis, Opus, FLAC or Speex.
 #include "media/checkedstream.h"
 #include "media/flacblock.h"
-#include "media/oggpacket.h"
+#include "media/oggsound.h"
+#include "media/oggstream.h"
 #include "tags/commentbytes.h"
-#include "tags/id3v2frames.h"
 #include "tags/soundview.h"
 #include "tags/tagkind.h"
 #include "tags/taglimits.h"
 #include "tags/tagreading.h"
-#include "tags/tagscreen.h"
 #include "tags/tagwriting.h"
 
 #include <taglib/oggfile.h>
-#include <taglib/oggflacfile.h>
-#include <taglib/oggpageheader.h>
-#include <taglib/opusfile.h>
-#include <taglib/vorbisfile.h>
+#include <taglib/xiphcomment.h>
 
 #include <algorithm>
-#include <cstdint>
+#include <iterator>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -30,13 +26,32 @@ using audiocore::CheckedStream;
 using audiocore::CommentBytes;
 using audiocore::FileEdits;
 using audiocore::MpegStream;
-using audiocore::OggComment;
+using audiocore::OggCodec;
+using audiocore::OggStream;
 using audiocore::TaggedFile;
 using audiocore::TagKind;
 using audiocore::TagReading;
 using TagLib::ByteVector;
 
 namespace {
+/// The pages of a file, for writing alone: the library's own classes would read the tags once more.
+class OggPages final : public TagLib::Ogg::File
+{
+public:
+    explicit OggPages(TagLib::IOStream& stream) : TagLib::Ogg::File(&stream) {}
+    TagLib::Tag* tag() const override { return nullptr; }
+    TagLib::AudioProperties* audioProperties() const override { return nullptr; }
+};
+
+/// What the packet of the comment begins with, if anything; null where the packets are FLAC's blocks.
+const char* headOfComment(OggCodec codec)
+{
+    return codec == OggCodec::Vorbis ? "\x03vorbis"
+           : codec == OggCodec::Opus ? "OpusTags"
+           : codec == OggCodec::Flac ? nullptr
+                                     : "";
+}
+
 /// The packet of a stream that carries the comment.
 struct CommentPacket
 {
@@ -55,7 +70,7 @@ std::optional<CommentPacket> CommentPacket::find(TagLib::Ogg::File& file, const 
 {
     constexpr unsigned int mostBlocks = 100;
     const auto isComment = [head](const ByteVector& packet) {
-        return head ? packet.startsWith(head) : flac::kindOf(packet) == flac::Comment;
+        return head ? *head == '\0' || packet.startsWith(head) : flac::kindOf(packet) == flac::Comment;
     };
     CommentPacket found;
     found.isFlacBlock = !head;
@@ -77,73 +92,60 @@ bool CommentPacket::write(TagLib::Ogg::File& file)
         head = flac::headOf(head.data()[0], comment.size());
     ByteVector packet = head;
     file.setPacket(index, packet.append(comment));
-    // The base's: the file's own one would write the comment anew from its own reading.
-    return file.TagLib::Ogg::File::save();
+    return file.save();
 }
 
-/// Opened by the library's class for what the stream carries.
-template <class File>
-class OggTags final : public audiocore::LibraryRead<File>
+class OggTags final : public TaggedFile
 {
 public:
-    /// `commentHead` is what the packet with the comment begins with; null where the packets are FLAC's
-    /// blocks.
-    OggTags(CheckedStream& stream, long audioBegin, const char* commentHead)
-        : audiocore::LibraryRead<File>(&stream, true), m_stream(stream), m_audioBegin(audioBegin),
-          m_commentHead(commentHead)
+    OggTags(CheckedStream& stream, std::vector<OggStream> streams, const OggStream& music)
+        : m_stream(stream), m_streams(std::move(streams)), m_music(music),
+          m_comment(audiocore::oggComment(stream, music, audiocore::mostTagBytes))
     {
     }
 
-    MpegStream sound() override;
-    void read(TagReading& reading) override
-    {
-        reading.add(m_file.tag(), [this] {
-            const std::vector<OggComment> comments = oggComments(audiocore::mostTagBytes);
-            return comments.empty() ? ByteVector() : comments.front().bytes;
-        });
-    }
+    bool isMusic() override { return m_comment || inFlac(); }
+    MpegStream sound() override { return audiocore::measureOgg(m_stream, m_streams, m_music); }
+    void read(TagReading& reading) override;
     unsigned int largestPicture() override
     {
         // A comment has four characters for three bytes of a picture.
-        return m_commentHead ? audiocore::largestPicture : audiocore::largestPictureInBlock / 4 * 3;
+        return inFlac() ? audiocore::largestPictureInBlock / 4 * 3 : audiocore::largestPicture;
     }
     std::string write(const FileEdits& edits) override;
 
 private:
-    using audiocore::LibraryRead<File>::m_file;
-
-    std::vector<OggComment> oggComments(long mostBytes)
-    {
-        return audiocore::oggComments(m_stream, m_audioBegin, mostBytes);
-    }
+    bool inFlac() const { return m_music.codec == OggCodec::Flac; }
 
     CheckedStream& m_stream;
-    const long m_audioBegin;
-    const char* const m_commentHead;
+    const std::vector<OggStream> m_streams;
+    const OggStream m_music;
+    const std::optional<ByteVector> m_comment;
 };
 
-/// Headers may not know the length: then the last page does.
-template <class File>
-MpegStream OggTags<File>::sound()
+/// The library goes by the number of fields that a comment tells.
+void OggTags::read(TagReading& reading)
 {
-    MpegStream sound = audiocore::LibraryRead<File>::sound();
-    const TagLib::Ogg::PageHeader* page =
-        sound.milliseconds <= 0 && sound.sampleRate > 0 ? m_file.lastPageHeader() : nullptr;
-    if (!page)
-        return sound;
-    const auto samples = std::max<std::int64_t>(page->absoluteGranularPosition(), 0);
-    sound.milliseconds = base::checked::scaled(samples, 1000, sound.sampleRate);
-    sound.bitsPerSecond = base::checked::scaled(m_stream.length(), 8000, sound.milliseconds);
-    return sound;
+    if (!m_comment)
+        return;
+    ByteVector comment = *m_comment;
+    if (const std::optional<CommentBytes::Bound> bound = CommentBytes::boundOf(comment)) {
+        CommentBytes::boundFields(comment);
+        comment.resize(bound->end);
+    }
+    TagLib::Ogg::XiphComment fields(comment);
+    reading.add(&fields, [&comment] { return comment; });
 }
 
-template <class File>
-std::string OggTags<File>::write(const FileEdits& edits)
+std::string OggTags::write(const FileEdits& edits)
 {
+    if (m_streams.size() > 1)
+        return "other streams lie between the pages of its music, and would be lost";
     // The library gathers the packet whatever its size.
-    if (oggComments(audiocore::mostTagBytesWritten).empty())
+    if (!audiocore::oggComment(m_stream, m_music, audiocore::mostTagBytesWritten))
         return audiocore::cannotBeKept;
-    std::optional<CommentPacket> packet = CommentPacket::find(m_file, m_commentHead);
+    OggPages pages(m_stream);
+    std::optional<CommentPacket> packet = CommentPacket::find(pages, headOfComment(m_music.codec));
     if (!packet)
         return audiocore::cannotBeKept;
     std::optional<CommentBytes> comment = CommentBytes::parse(packet->comment);
@@ -151,72 +153,40 @@ std::string OggTags<File>::write(const FileEdits& edits)
         return audiocore::cannotBeKept;
     comment->apply(edits.own);
     packet->comment = comment->render();
-    return packet->write(m_file) ? std::string() : audiocore::tooLarge;
+    return packet->write(pages) ? std::string() : audiocore::tooLarge;
 }
-
-/// The library goes by the number of fields that a comment tells.
-class OggScreen final : public audiocore::TagScreen
-{
-public:
-    OggScreen(CheckedStream& stream, long audioBegin)
-    {
-        constexpr long headersBesideComment = 1024 * 1024;
-        for (const OggComment& comment :
-             audiocore::oggComments(stream, firstPage(stream, audioBegin), audiocore::mostTagBytes)) {
-            const std::optional<CommentBytes::Bound> bound = CommentBytes::boundOf(comment.bytes);
-            if (!bound)
-                continue;
-            for (unsigned int i = 0; i < bound->bytes.size(); ++i)
-                m_patches.emplace_back(comment.placeOf(bound->place + i), bound->bytes.data()[i]);
-            limitRoom(long(bound->end) + headersBesideComment);
-        }
-    }
-
-private:
-    /// The library takes the first page that it comes upon, be it inside a tag before the music.
-    static long firstPage(CheckedStream& stream, long audioBegin)
-    {
-        const auto before = static_cast<unsigned long>(std::min(audioBegin, audiocore::mostTagBytes));
-        const int found = audioBegin > 0 ? stream.readAt(0, before).find("OggS") : -1;
-        return found < 0 ? audioBegin : found;
-    }
-    void show(ByteVector& block, long position) override
-    {
-        for (const auto& [place, byte] : m_patches)
-            if (place >= position && place < position + long(block.size()))
-                block[int(place - position)] = byte;
-        TagScreen::show(block, position);
-    }
-
-    std::vector<std::pair<long, char>> m_patches; ///< bytes that are shown otherwise, by their place
-};
 
 std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin, audiocore::Purpose)
 {
-    constexpr unsigned long headSize = 64;
-    const ByteVector head = stream.readAt(audioBegin, headSize);
-    OggScreen screen(stream, audioBegin);
-    const audiocore::ScreenedReading screened(stream, screen);
-    if (head.find("OpusHead") >= 0)
-        return std::make_unique<OggTags<TagLib::Ogg::Opus::File>>(stream, audioBegin, "OpusTags");
-    if (head.find("\x7F"
-                  "FLAC") >= 0)
-        return std::make_unique<OggTags<TagLib::Ogg::FLAC::File>>(stream, audioBegin, nullptr);
-    if (head.find("vorbis") >= 0)
-        return std::make_unique<OggTags<TagLib::Vorbis::File>>(stream, audioBegin, "\x03vorbis");
-    return nullptr;
+    std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
+    const OggStream* const music = audiocore::musicAmong(streams);
+    if (!music)
+        return nullptr;
+    const OggStream found = *music;
+    return std::make_unique<OggTags>(stream, std::move(streams), found);
 }
 
-/// Pages have checksums, so nothing can be shown otherwise: whether decoders may see the comments as they
-/// are.
+/// Whether a decoder that takes some of the bytes for a comment would keep too many fields.
+bool isOutOfBounds(const ByteVector& packet)
+{
+    constexpr unsigned int places[] = {0, 4, 6, 7, 8}; // behind what the codecs begin a comment with
+    return std::any_of(std::begin(places), std::end(places), [&packet](unsigned int place) {
+        const ByteVector comment = packet.mid(place);
+        // Where the first length makes no sense, they see no fields either.
+        return comment.size() > 8 && comment.toUInt(0u, false) < comment.size() &&
+               CommentBytes::boundOf(comment);
+    });
+}
+
+/// Pages have checksums, so nothing can be shown otherwise: whether decoders may see the comments of all
+/// streams as they are.
 bool hide(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
 {
-    const std::vector<OggComment> comments =
-        audiocore::oggComments(stream, audioBegin, audiocore::mostTagBytes);
-    return std::none_of(comments.begin(), comments.end(), [](const OggComment& comment) {
-        // Where the first length makes no sense, they see no fields either.
-        return comment.bytes.size() > 8 && comment.bytes.toUInt(0u, false) < comment.bytes.size() &&
-               CommentBytes::boundOf(comment.bytes);
+    const std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
+    return std::none_of(streams.begin(), streams.end(), [&stream](const OggStream& one) {
+        const std::vector<ByteVector> packets =
+            audiocore::possibleComments(stream, one, audiocore::mostTagBytes);
+        return std::any_of(packets.begin(), packets.end(), isOutOfBounds);
     });
 }
 } // namespace

@@ -54,6 +54,7 @@ bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
     if (!audiocore::isSampleRate(properties.sampleRate))
         return false;
     parsed.format = media.format;
+    parsed.demuxer = media.demuxer;
     parsed.properties = atLeastZero(properties);
     parsed.audioBegin = media.audioBegin;
     addItems(parsed, audiocore::readTags(media));

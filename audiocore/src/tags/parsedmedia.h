@@ -27,6 +27,7 @@ struct ParsedMedia
     };
 
     AudioFormat format = AUDIO_FORMAT_UNKNOWN;
+    const char* demuxer = ""; ///< FFmpeg's name of what opens it, for playing
     MpegStream properties;
     std::int64_t audioBegin = 0; ///< behind a tag at the file's beginning
     std::vector<Item> items;     ///< texts by type, the picture last

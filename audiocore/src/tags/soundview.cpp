@@ -18,12 +18,17 @@ std::optional<SoundView> SoundView::of(std::FILE* file, const std::string& path)
     try {
         base::SystemFile bytes(file);
         CheckedStream stream(bytes, path, CheckedStream::Mode::Read);
-        SoundView view;
-        if (stream.isOpen() && view.hideAll(stream) && !stream.ranDry())
-            return view;
+        return of(stream);
     } catch (const EndlessReading&) {
         return std::nullopt; // as good as unreadable
     }
+}
+
+std::optional<SoundView> SoundView::of(CheckedStream& stream)
+{
+    SoundView view;
+    if (stream.isOpen() && view.hideAll(stream) && !stream.ranDry())
+        return view;
     return std::nullopt;
 }
 
@@ -33,10 +38,15 @@ std::size_t SoundView::readAt(std::FILE* file, std::int64_t position, void* byte
         return 0;
     const auto most = std::size_t(std::min<std::uint64_t>(count, std::uint64_t(m_end - position)));
     const std::size_t got = base::readAt(file, position, bytes, most);
-    const std::int64_t end = position + std::int64_t(got);
+    showIn(bytes, position, got);
+    return got;
+}
+
+void SoundView::showIn(void* bytes, std::int64_t position, std::size_t count) const
+{
+    const std::int64_t end = position + std::int64_t(count);
     for (auto byte = m_bytes.lower_bound(position); byte != m_bytes.end() && byte->first < end; ++byte)
         static_cast<char*>(bytes)[byte->first - position] = byte->second;
-    return got;
 }
 
 void SoundView::show(std::int64_t place, std::string_view bytes)
@@ -51,7 +61,7 @@ bool SoundView::hideAll(CheckedStream& stream)
     hideApe(stream);
     const ByteVector head = stream.readAt(begin, longestMagic);
     const FormatRow* row = rowByMagic(id3v2::viewOf(head));
-    return !row || !row->tags->hide || row->tags->hide(stream, begin, *this);
+    return !row || !row->tags || !row->tags->hide || row->tags->hide(stream, begin, *this);
 }
 
 /// A tag of a version that nobody knows is passed over. Where the music begins.

@@ -21,10 +21,14 @@ public:
     /// Nothing for a file that cannot be looked through; it stays the caller's, the path is for messages
     /// alone. Throws std::bad_alloc alone.
     static std::optional<SoundView> of(std::FILE* file, const std::string& path);
+    /// The same of what is open already. Throws EndlessReading, too.
+    static std::optional<SoundView> of(CheckedStream& stream);
 
     /// Reads what is shown from `position` on; the bytes read, fewer only at the end or on failure. Any
     /// thread that has the file for itself.
     std::size_t readAt(std::FILE* file, std::int64_t position, void* bytes, std::size_t count) const;
+    /// Makes of bytes that were read from `position` on what is shown of them.
+    void showIn(void* bytes, std::int64_t position, std::size_t count) const;
     /// How many bytes are shown of a file that has `size`.
     std::int64_t shownOf(std::int64_t size) const { return size < m_end ? size : m_end; }
 
