@@ -56,7 +56,7 @@ bool copySpliced(const base::FileBytes& from, base::FileBytes& to, const std::ve
 {
     ByteSource source(from);
     BlockWriter writer(to, source.encoding());
-    std::vector<char> block(blockSize);
+    std::vector<char> block(source.roomForAll(blockSize));
     std::uint64_t begin = 0; // of the block
     std::uint64_t done = 0;
     auto splice = splices.begin();

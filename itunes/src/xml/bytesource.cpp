@@ -89,6 +89,11 @@ ByteSource::ByteSource(const base::FileBytes& file) : m_file(file), m_size(file.
     m_declaredOther = m_encoding == Encoding::Utf8 && !declared.empty() && !namesUtf8(declared);
 }
 
+std::size_t ByteSource::roomForAll(std::size_t most) const
+{
+    return std::size_t(std::min<std::uint64_t>(most, std::uint64_t(m_size) + leastRoom));
+}
+
 std::size_t ByteSource::read(char* bytes, std::size_t count)
 {
     if (m_encoding != Encoding::Utf8)

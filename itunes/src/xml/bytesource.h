@@ -25,6 +25,8 @@ public:
     /// Whether the file says to be in another encoding: then only ASCII may be put into it.
     bool isDeclaredOther() const { return m_declaredOther; }
     static constexpr std::size_t leastRoom = 8;
+    /// Room for reading the whole file at once, were it of ASCII; `most` for a larger one.
+    std::size_t roomForAll(std::size_t most) const;
     /// The bytes read; 0 at the end, never for want of room: `count` is at least leastRoom. The end is where
     /// it was in the beginning: what another program adds meanwhile is not read.
     std::size_t read(char* bytes, std::size_t count);
