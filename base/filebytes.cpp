@@ -76,7 +76,7 @@ std::size_t MemoryFile::readAt(std::int64_t offset, void* bytes, std::size_t cou
 
 std::size_t MemoryFile::writeAt(std::int64_t offset, const void* bytes, std::size_t count)
 {
-    if (offset < 0 || offset >= m_room)
+    if (offset < 0 || offset >= m_room || count == 0)
         return 0;
     const std::size_t fits = std::size_t(std::min<std::uint64_t>(count, std::uint64_t(m_room - offset)));
     m_bytes.resize(std::max(m_bytes.size(), std::size_t(offset) + fits));

@@ -68,6 +68,8 @@ void TestFileBytes::bytesAreReadAndWrittenByPlace()
 void TestFileBytes::writingBehindTheEndLeavesZeros()
 {
     const auto file = fileWith("ab");
+    QCOMPARE(file->writeAt(4, "", 0), size_t(0));
+    QCOMPARE(qint64(file->size().value_or(-1)), qint64(2));
     QCOMPARE(file->writeAt(4, "ef", 2), size_t(2));
     QCOMPARE(readAt(*file, 0, 100), QByteArray("ab\0\0ef", 6));
 }

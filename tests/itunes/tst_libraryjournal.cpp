@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using LibraryCalls::contentOf;
@@ -27,6 +28,7 @@ private slots:
     void aTornLineIsNoChange();
     void aTornLineIsForgottenByTheNextChange();
     void aDamagedLineIsToldAndKept();
+    void aJournalThatCannotBeReadWaits();
     void anEditThatFailedIsNoDamage();
     void whatIsNoJournalIsLeftAlone_data();
     void whatIsNoJournalIsLeftAlone();
@@ -128,6 +130,29 @@ void TestLibraryJournal::aTornLineIsForgottenByTheNextChange()
     QCOMPARE(m_songs->countWith(next), 5);
     closeITunesLibrary();
     QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
+/// Whoever takes what a failing disk gives for the whole journal loses the changes in it.
+void TestLibraryJournal::aJournalThatCannotBeReadWaits()
+{
+    const QByteArray left = m_songs->leftBy([this] { deleteMusic(m_songs->id(0)); });
+    Fixtures::writeLibrary(m_songs->journal(), left);
+    struct stat journal = {};
+    QCOMPARE(::stat(QFile::encodeName(m_songs->journal()).constData(), &journal), 0);
+    {
+        const Interposed::Guard guard;
+        Interposed::readFails = [&journal](int fd, off_t) {
+            struct stat read = {};
+            return ::fstat(fd, &read) == 0 && read.st_ino == journal.st_ino;
+        };
+        QCOMPARE(m_songs->countWith(left), 6);
+        QCOMPARE(int(deleteMusic(m_songs->id(1))), 0);
+        for (const QString& line : AudioFile::takeLog())
+            QVERIFY2(line.contains(QLatin1String("the journal cannot be read")), qPrintable(line));
+        closeITunesLibrary();
+    }
+    QCOMPARE(contentOf(m_songs->journal()), left);
+    QCOMPARE(m_songs->countWith(left), 5);
 }
 
 void TestLibraryJournal::aDamagedLineIsToldAndKept()

@@ -32,6 +32,7 @@ private slots:
     void aFailedWritingIsTriedAgain();
     void aReadOnlyLibraryFailsEveryChange();
     void aFullDiskFailsTheChange();
+    void aFailingReadIsNotTheEndOfTheLibrary();
     void aLinkToTheLibraryStaysALink();
     void manyDeletionsWriteTheFileAFewTimes();
     void callsFromManyThreadsAllArrive();
@@ -269,6 +270,35 @@ void TestLibrarySafety::aFullDiskFailsTheChange()
     QCOMPARE(m_songs->content(), before);
     QVERIFY(QFile::exists(m_songs->journal()));
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 199);
+}
+
+/// Behind what XML needs nobody misses anything, and it is the file's all the same.
+void TestLibrarySafety::aFailingReadIsNotTheEndOfTheLibrary()
+{
+    const QByteArray behind(400000, '\n');
+    m_songs->makeSongs(3);
+    m_songs->make(m_songs->content() + behind);
+    const QByteArray before = m_songs->content();
+    {
+        const Interposed::Guard guard;
+        const ino_t library = fileNumber(m_songs->path());
+        Interposed::readFails = [library](int fd, off_t offset) {
+            struct stat read = {};
+            return offset > 0 && ::fstat(fd, &read) == 0 && read.st_ino == library;
+        };
+        QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+        closeITunesLibrary();
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, 0);
+        closeITunesLibrary();
+        const QStringList log = AudioFile::takeLog();
+        QVERIFY(!log.isEmpty());
+        for (const QString& line : log)
+            QVERIFY2(line.contains(QLatin1String("it cannot be read to its end")), qPrintable(line));
+    }
+    QCOMPARE(m_songs->content(), before);
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 2);
+    closeITunesLibrary();
+    QVERIFY(m_songs->content().endsWith("</plist>\n" + behind));
 }
 
 void TestLibrarySafety::aLinkToTheLibraryStaysALink()

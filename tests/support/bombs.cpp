@@ -213,6 +213,10 @@ void addOthers(QList<Bombs::Bomb>& bombs)
                          [] { return wavWith(repeated(chunk("abcd", QByteArray()), 1000000)); }};
     bombs << Bombs::Bomb{"a rate of two gigahertz", "wav", [] { return wavOfRate(2147483647); }};
     bombs << Bombs::Bomb{"attributes", "wma", [] { return wmaWith(manyAttributes(), 10); }};
+    bombs << Bombs::Bomb{"attributes that are not there", "wma", [] {
+                             return wmaWith(asfObject("40A4D0D207E3D21197F000A0C95EA850",
+                                                      little(quint16(65535)) + QByteArray(12, '\0')));
+                         }};
     bombs << Bombs::Bomb{"an attribute of 30 MB", "wma", [] { return wmaWith(vastAttribute()); }};
     bombs << Bombs::Bomb{
         "unknown objects of 20 MB", "wma", [] {

@@ -265,5 +265,9 @@ QList<Seed> Seeds::music()
 QList<Seed> Seeds::musicFindings()
 {
     const QString tagged = QStringLiteral("a tag over all of the music");
-    return {{"ape", tagged, tagOverAll(tone("ape"))}, {"flac", tagged, tagOverAll(tone("flac"))}};
+    const QByteArray noAttributes =
+        asfObject("40A4D0D207E3D21197F000A0C95EA850", little(quint16(65535)) + QByteArray(12, '\0'));
+    return {{"ape", tagged, tagOverAll(tone("ape"))},
+            {"flac", tagged, tagOverAll(tone("flac"))},
+            {"wma", "attributes that are not there", withObject(tone("wma"), noAttributes)}};
 }

@@ -65,29 +65,47 @@ private:
 };
 
 /// The library reads an attribute's kind, its size, its name and then its value. Only values that are bytes
-/// may be large, as pictures are.
+/// may be large, as pictures are. Before that it reads the object's identifier, its size and the number of
+/// its attributes, and goes by that number even behind the end of the file.
 class AsfScreen final : public audiocore::TagScreen
 {
 public:
     ByteVector read(CheckedStream& stream, unsigned long length) override
     {
-        constexpr unsigned int ofBytes = 1;
-        constexpr unsigned long largestNumber = 16;
         const auto& [kind, size, name] = m_lastReads;
         const bool value = kind.size == 2 && size.size == 4;
-        const bool bytes = value && kind.word == ofBytes;
+        const bool bytes = value && kind.bytes.toUShort(0u, false) == unsigned(asf::Type::Bytes);
         const bool text = length > largestNumber && !bytes;
         ByteVector block = text ? readText(stream, length) : readPlain(stream, length);
-        m_lastReads = {size, name, {block.size(), block.size() == 2 ? block.toUShort(0u, false) : 0u}};
+        if (block.size() == 2 && size.size == idSize && name.size == 8)
+            boundCount(block, asf::kindOf(size.bytes), name.bytes.toLongLong(0u, false),
+                       stream.length() - stream.tell());
+        m_lastReads = {size, name, {block.size(), block.size() <= largestNumber ? block : ByteVector()}};
         return block;
     }
 
 private:
+    static constexpr unsigned int idSize = 16;
+    static constexpr unsigned long largestNumber = 16;
+
     struct LastRead
     {
         unsigned int size;
-        unsigned int word; ///< of two bytes
+        ByteVector bytes; ///< of those that may be numbers
     };
+
+    /// No more attributes than there is room for, in the object and in what is left of the file.
+    static void boundCount(ByteVector& count, asf::Kind kind, std::int64_t objectSize, std::int64_t left)
+    {
+        constexpr std::int64_t headSize = idSize + 8 + 2;
+        if (!asf::isOfFields(kind))
+            return;
+        const std::int64_t smallest = kind == asf::Kind::Extended ? 6 : 12;
+        const std::int64_t room =
+            std::clamp<std::int64_t>(base::checked::sum(objectSize, -headSize), 0, left);
+        if (count.toUShort(0u, false) > room / smallest)
+            count = ByteVector::fromShort(short(room / smallest), false);
+    }
 
     ByteVector readText(CheckedStream& stream, unsigned long length)
     {

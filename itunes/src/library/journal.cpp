@@ -88,7 +88,10 @@ bool Journal::load(JournalContent& content, std::string& error)
         return false;
     }
     std::string lines(std::size_t(state.size), '\0');
-    lines.resize(base::readAt(m_file.get(), 0, lines.data(), lines.size()));
+    if (base::readAt(m_file.get(), 0, lines.data(), lines.size()) != lines.size()) {
+        error = "the journal cannot be read to its end";
+        return false;
+    }
     const JournalKind kind = journalKindOf(lines);
     if (kind == JournalKind::Other) {
         error = "the file at the journal's name is no journal";

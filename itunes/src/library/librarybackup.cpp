@@ -3,7 +3,6 @@
 #include "base/filebytes.h"
 #include "base/keptfile.h"
 #include "library/libraryreading.h"
-#include "library/librarywrite.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -23,20 +22,20 @@ bool isFile(const std::string& path)
     return fs::symlink_status(fs::u8path(path), failure).type() == fs::file_type::regular;
 }
 
-bool holdTheSame(std::FILE* a, std::FILE* b)
+/// Two files of that size.
+bool holdTheSame(std::FILE* a, std::FILE* b, std::int64_t size)
 {
-    constexpr std::size_t block = 256 * 1024;
+    constexpr std::int64_t block = 256 * 1024;
     std::vector<char> left(block);
     std::vector<char> right(block);
-    for (std::int64_t at = 0;; at += block) {
-        const std::size_t got = base::readAt(a, at, left.data(), block);
-        if (base::readAt(b, at, right.data(), block) != got)
+    for (std::int64_t at = 0; at < size; at += block) {
+        const std::size_t count = std::size_t(std::min<std::int64_t>(block, size - at));
+        if (base::readAt(a, at, left.data(), count) != count ||
+            base::readAt(b, at, right.data(), count) != count ||
+            !std::equal(left.begin(), left.begin() + std::ptrdiff_t(count), right.begin()))
             return false;
-        if (!std::equal(left.begin(), left.begin() + std::ptrdiff_t(got), right.begin()))
-            return false;
-        if (got < block)
-            return true;
     }
+    return true;
 }
 
 bool isCopyAt(std::FILE* copy, const std::string& path)
@@ -45,7 +44,7 @@ bool isCopyAt(std::FILE* copy, const std::string& path)
     base::FileState first;
     base::FileState second;
     return file && base::stateOf(copy, first) && base::stateOf(file.get(), second) &&
-           first.size == second.size && holdTheSame(copy, file.get());
+           first.size == second.size && holdTheSame(copy, file.get(), first.size);
 }
 
 bool holdsLibrary(std::FILE* file, std::string& error)

@@ -3,7 +3,6 @@
 #include "base/filebytes.h"
 #include "library/libraryreading.h"
 #include "library/librarywalk.h"
-#include "library/librarywrite.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "library/libraryediting.h"
 
 #include "base/filebytes.h"
-#include "library/librarywrite.h"
+#include "library/libraryreading.h"
 #include "xml/bytesource.h"
 
 #include <algorithm>
@@ -51,11 +51,12 @@ private:
     bool m_whole = true;
 };
 
-bool copySpliced(const base::FileBytes& from, base::FileBytes& to, const std::vector<Splice>& splices)
+bool copySpliced(const base::FileBytes& from, base::FileBytes& to, const std::vector<Splice>& splices,
+                 std::string& error)
 {
     ByteSource source(from);
     BlockWriter writer(to, source.encoding());
-    std::vector<char> block(blockSize);
+    std::vector<char> block(source.roomForAll(blockSize));
     std::uint64_t begin = 0; // of the block
     std::uint64_t done = 0;
     auto splice = splices.begin();
@@ -75,7 +76,12 @@ bool copySpliced(const base::FileBytes& from, base::FileBytes& to, const std::ve
         copyTo(end);
         begin = end;
     }
-    return writer.finish();
+    const bool written = writer.finish();
+    if (source.failed())
+        error = itunes::notReadToItsEnd;
+    else if (!written)
+        error = "the new file cannot be written, the disk may be full";
+    return written && !source.failed();
 }
 } // namespace
 
@@ -105,10 +111,7 @@ bool itunes::findSplices(const base::FileBytes& library, const TrackChanges& cha
 bool itunes::writeSpliced(const base::FileBytes& library, base::FileBytes& copy,
                           const LibrarySplices& splices, std::string& error)
 {
-    if (copySpliced(library, copy, splices.all))
-        return true;
-    error = "the new file cannot be written, the disk may be full";
-    return false;
+    return copySpliced(library, copy, splices.all, error);
 }
 
 bool itunes::isComplete(const LibraryContents& copy, const LibrarySplices& splices, std::string& error)

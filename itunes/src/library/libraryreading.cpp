@@ -40,7 +40,17 @@ Position positionOf(const base::FileBytes& file, std::uint64_t offset)
     }
     return position;
 }
+
+/// What the scanner found broken, with the line and the column of the file.
+std::string describeError(const base::FileBytes& file, const itunes::XmlScanner& scanner)
+{
+    const Position position = positionOf(file, scanner.errorOffset());
+    return "line " + std::to_string(position.line) + ", column " + std::to_string(position.column) + ": " +
+           scanner.error();
+}
 } // namespace
+
+const char* const itunes::notReadToItsEnd = "it cannot be read to its end";
 
 File itunes::openLibrary(const std::string& path, std::string& error)
 {
@@ -61,11 +71,16 @@ File itunes::openLibrary(const std::string& path, std::string& error)
     return file;
 }
 
-std::string itunes::describeError(const base::FileBytes& file, const XmlScanner& scanner)
+bool itunes::walkFile(const base::FileBytes& file, LibraryVisitor& visitor, std::string& error)
 {
-    const Position position = positionOf(file, scanner.errorOffset());
-    return "line " + std::to_string(position.line) + ", column " + std::to_string(position.column) + ": " +
-           scanner.error();
+    ByteSource source(file);
+    XmlScanner scanner(source);
+    const bool sound = walkLibrary(scanner, visitor);
+    if (source.failed())
+        error = notReadToItsEnd;
+    else if (!sound)
+        error = describeError(file, scanner);
+    return sound && !source.failed();
 }
 
 std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const std::string& path, const TrackChanges& changes,
@@ -78,14 +93,10 @@ std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const std::string& path,
 std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const base::FileBytes& file,
                                                         const TrackChanges& changes, std::string& error)
 {
-    ByteSource source(file);
-    XmlScanner scanner(source);
     auto store = std::make_unique<TrackStore>();
     TrackReader reader(*store, changes);
-    if (!walkLibrary(scanner, reader)) {
-        error = describeError(file, scanner);
+    if (!walkFile(file, reader, error))
         return nullptr;
-    }
     store->finish();
     return store;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "library/librarywalk.h"
 #include "library/trackedit.h"
 #include "library/trackstore.h"
-#include "xml/xmlscanner.h"
 
 #include <cstdio>
 #include <memory>
@@ -21,8 +21,11 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 
 /// Opens a regular file of a bearable size for reading; null with the reason otherwise.
 File openLibrary(const std::string& path, std::string& error);
-/// What the scanner found broken, with the line and the column of the file.
-std::string describeError(const base::FileBytes& file, const XmlScanner& scanner);
+/// Shows the library in the file to the visitor. False when it is broken, with what and where, or cannot be
+/// read to its end.
+bool walkFile(const base::FileBytes& file, LibraryVisitor& visitor, std::string& error);
+/// Why reading a file failed that is whole as far as anybody knows.
+extern const char* const notReadToItsEnd;
 
 /// The library in the file, with changes that the file does not hold yet; null with the reason when it cannot
 /// be read whole.

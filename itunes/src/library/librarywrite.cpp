@@ -4,8 +4,6 @@
 #include "base/newfile.h"
 #include "library/libraryediting.h"
 #include "library/libraryreading.h"
-#include "xml/bytesource.h"
-#include "xml/xmlscanner.h"
 
 using base::NewFile;
 
@@ -54,16 +52,6 @@ void noteNewName(const std::string& path, base::FileState& state)
         state = now;
 }
 } // namespace
-
-bool itunes::walkFile(const base::FileBytes& file, LibraryVisitor& visitor, std::string& error)
-{
-    ByteSource source(file);
-    XmlScanner scanner(source);
-    if (walkLibrary(scanner, visitor))
-        return true;
-    error = describeError(file, scanner);
-    return false;
-}
 
 bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, Written& written,
                           std::string& error)

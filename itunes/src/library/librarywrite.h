@@ -1,19 +1,11 @@
 #pragma once
 
 #include "library/librarycontents.h"
-#include "library/librarywalk.h"
 #include "library/trackedit.h"
 
 #include <string>
 
-namespace base {
-class FileBytes;
-}
-
 namespace itunes {
-/// Shows the library in the file to the visitor. False when it is broken, with what and where.
-bool walkFile(const base::FileBytes& file, LibraryVisitor& visitor, std::string& error);
-
 /// What came of a writing.
 struct Written
 {

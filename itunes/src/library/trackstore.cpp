@@ -10,7 +10,7 @@ using itunes::TextArena;
 using itunes::TrackStore;
 
 namespace {
-constexpr std::size_t blockSize = 256 * 1024;
+constexpr std::size_t largestBlock = 256 * 1024;
 
 bool before(const TrackStore::Place& place, std::uint64_t id)
 {
@@ -24,7 +24,8 @@ const char* TextArena::keep(std::string_view text)
         return nullptr;
     const std::size_t needed = text.size() + 1;
     if (needed > m_left) {
-        const std::size_t size = std::max(needed, blockSize);
+        const std::size_t size = std::max(needed, m_nextSize);
+        m_nextSize = std::min(m_nextSize * 2, largestBlock);
         m_blocks.push_back(std::make_unique<char[]>(size));
         m_free = m_blocks.back().get();
         m_left = size;

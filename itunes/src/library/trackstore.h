@@ -11,7 +11,7 @@
 #include <vector>
 
 namespace itunes {
-/// Keeps texts for as long as it lives, in large blocks.
+/// Keeps texts for as long as it lives, in blocks that grow with them.
 class TextArena
 {
 public:
@@ -22,6 +22,7 @@ private:
     std::vector<std::unique_ptr<char[]>> m_blocks;
     char* m_free = nullptr;
     std::size_t m_left = 0;
+    std::size_t m_nextSize = 4 * 1024;
 };
 
 /// One reading of the library: the records that the application gets, and the library's own way from a

@@ -83,10 +83,15 @@ unsigned characterAt(const std::string& text, std::size_t& at)
 ByteSource::ByteSource(const base::FileBytes& file) : m_file(file), m_size(file.size().value_or(0))
 {
     char bytes[longestDeclaration];
-    const std::string_view head(bytes, file.readAt(0, bytes, sizeof bytes));
+    const std::string_view head(bytes, readAt(0, bytes, sizeof bytes));
     const std::string_view declared = declaredEncoding(head);
     m_encoding = encodingOf(head);
     m_declaredOther = m_encoding == Encoding::Utf8 && !declared.empty() && !namesUtf8(declared);
+}
+
+std::size_t ByteSource::roomForAll(std::size_t most) const
+{
+    return std::size_t(std::min<std::uint64_t>(most, std::uint64_t(m_size) + leastRoom));
 }
 
 std::size_t ByteSource::read(char* bytes, std::size_t count)
@@ -98,10 +103,17 @@ std::size_t ByteSource::read(char* bytes, std::size_t count)
 
 std::size_t ByteSource::readBytes(void* bytes, std::size_t count)
 {
-    const std::int64_t left = std::max<std::int64_t>(m_size - m_offset, 0);
-    const std::size_t wanted = std::size_t(std::min<std::uint64_t>(count, std::uint64_t(left)));
-    const std::size_t got = m_file.readAt(m_offset, bytes, wanted);
+    const std::size_t got = readAt(m_offset, bytes, count);
     m_offset += std::int64_t(got);
+    return got;
+}
+
+std::size_t ByteSource::readAt(std::int64_t offset, void* bytes, std::size_t count)
+{
+    const std::int64_t left = std::max<std::int64_t>(m_size - offset, 0);
+    const std::size_t wanted = std::size_t(std::min<std::uint64_t>(count, std::uint64_t(left)));
+    const std::size_t got = m_file.readAt(offset, bytes, wanted);
+    m_failed = m_failed || got < wanted;
     return got;
 }
 

@@ -9,7 +9,7 @@ using itunes::XmlScanner;
 using Event = itunes::XmlScanner::Event;
 
 namespace {
-constexpr std::size_t firstBuffer = 256 * 1024;
+constexpr std::size_t firstBuffer = 256 * 1024; // at most
 constexpr std::size_t largestBuffer = 4 * 1024 * 1024;
 constexpr std::size_t largestDocumentType = 1024 * 1024;
 constexpr std::size_t deepest = 1000;
@@ -28,7 +28,10 @@ std::size_t findMarkup(const char* bytes, std::size_t at, std::size_t end)
 }
 } // namespace
 
-XmlScanner::XmlScanner(ByteSource& source) : m_source(source), m_buffer(firstBuffer + padding) {}
+XmlScanner::XmlScanner(ByteSource& source)
+    : m_source(source), m_buffer(source.roomForAll(firstBuffer) + padding)
+{
+}
 
 Event XmlScanner::next()
 {
