@@ -36,18 +36,28 @@ function(melodrift_lies_beside_the_program name)
   set_property(TARGET ${name} PROPERTY BUILD_RPATH_USE_ORIGIN ON)
 endfunction()
 
+# melodrift_precompile(NAME HEADERS ...): compiles them once for all sources of the target, where that is asked for. A
+# build that reads each file with what it includes itself finds what is missing there.
+function(melodrift_precompile name)
+  if(MELODRIFT_PRECOMPILE)
+    target_precompile_headers(${name} PRIVATE ${ARGN})
+  endif()
+endfunction()
+
 # A test's own code need not be fast, but quick to build.
 function(melodrift_build_quickly name)
   target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-O0>)
 endfunction()
 
-# melodrift_test_headers(NAME LIBS HEADERS ...): what most tests of a kind include, compiled once for all of them.
+# melodrift_test_headers(NAME LIBS HEADERS ...): what comes before every test of a kind, compiled once for all of them,
+# and what most of them include.
 function(melodrift_test_headers name libs)
   file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp "")
   add_library(${name} OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
   target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${libs})
   melodrift_build_quickly(${name})
-  target_precompile_headers(${name} PRIVATE ${ARGN})
+  target_precompile_headers(${name} PRIVATE ${PATIENCE})
+  melodrift_precompile(${name} ${ARGN})
 endfunction()
 
 # The test runs the program; cmake/once leaves out what did not change, where that is asked for.
@@ -88,10 +98,9 @@ function(melodrift_add_test name)
     target_precompile_headers(${name} REUSE_FROM widget_test_headers)
   elseif("Qt5::Network" IN_LIST ARG_LIBS)
     # The one of its kind: precompiling takes longer than reading. It includes patience.h itself.
-  elseif("test_support" IN_LIST ARG_LIBS)
-    target_precompile_headers(${name} REUSE_FROM core_test_headers)
   else()
-    target_precompile_headers(${name} REUSE_FROM plain_test_headers)
+    target_link_libraries(${name} PRIVATE Qt5::Gui) # as the headers' target does
+    target_precompile_headers(${name} REUSE_FROM core_test_headers)
   endif()
   set(tests)
   if(ARG_PARTS)
