@@ -36,26 +36,44 @@ function(melodrift_lies_beside_the_program name)
   set_property(TARGET ${name} PROPERTY BUILD_RPATH_USE_ORIGIN ON)
 endfunction()
 
+# melodrift_precompile(NAME HEADERS ...): compiles them once for all sources of the target, where that is asked for. A
+# build that reads each file with what it includes itself finds what is missing there.
+function(melodrift_precompile name)
+  if(MELODRIFT_PRECOMPILE)
+    target_precompile_headers(${name} PRIVATE ${ARGN})
+  endif()
+endfunction()
+
 # A test's own code need not be fast, but quick to build.
 function(melodrift_build_quickly name)
   target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-O0>)
 endfunction()
 
-# melodrift_test_headers(NAME LIBS HEADERS ...): what most tests of a kind include, compiled once for all of them.
+# melodrift_test_headers(NAME LIBS HEADERS ...): what comes before every test of a kind, compiled once for all of them,
+# and what most of them include.
 function(melodrift_test_headers name libs)
   file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp "")
   add_library(${name} OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
   target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${libs})
   melodrift_build_quickly(${name})
-  target_precompile_headers(${name} PRIVATE ${ARGN})
+  target_precompile_headers(${name} PRIVATE ${PATIENCE})
+  melodrift_precompile(${name} ${ARGN})
 endfunction()
 
 # The test runs the program; cmake/once leaves out what did not change, where that is asked for.
 macro(melodrift_run_as_test test program)
   get_target_property(reads_sources ${program} MELODRIFT_READS_SOURCES)
+  get_target_property(reads ${program} MELODRIFT_READS)
   set(launcher)
   if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT reads_sources)
-    set(launcher ${CMAKE_SOURCE_DIR}/cmake/once ${CMAKE_BINARY_DIR}/passed/${test})
+    set(launcher ${CMAKE_SOURCE_DIR}/cmake/once ${CMAKE_BINARY_DIR}/passed/${test}
+                 ${CMAKE_CURRENT_SOURCE_DIR}/${program}.cpp)
+    foreach(folder ${reads})
+      if(folder)
+        list(APPEND launcher ${CMAKE_SOURCE_DIR}/${folder})
+      endif()
+    endforeach()
+    list(APPEND launcher --)
   endif()
   add_test(NAME ${test} COMMAND ${launcher} $<TARGET_FILE:${program}> ${ARGN})
 endmacro()
@@ -66,16 +84,18 @@ function(melodrift_set_test_environment)
     ${ARGN}
     PROPERTIES
       TIMEOUT 1800
+      SKIP_RETURN_CODE 77
       ENVIRONMENT
       "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=72;QTEST_FUNCTION_TIMEOUT=1700000;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1"
   )
 endfunction()
 
-# melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [PROGRAMS ...] [READS_SOURCES] [SECONDS N] [PARTS N]): one Qt Test
-# program NAME.cpp, run offscreen. It starts the programs of those targets, or looks at sources. The longest begin first,
-# so that none is waited for alone; one that runs in parts takes "--part K N" (tests/parts.h).
+# melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [PROGRAMS ...] [READS_SOURCES | READS FOLDER ...] [SECONDS N]
+# [PARTS N]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets, or looks at sources,
+# or at those folders alone. The longest begin first, so that none is waited for alone; one that runs in parts takes
+# "--part K N" (tests/parts.h).
 function(melodrift_add_test name)
-  cmake_parse_arguments(ARG "READS_SOURCES" "SECONDS;PARTS" "SOURCES;LIBS;PROGRAMS" ${ARGN})
+  cmake_parse_arguments(ARG "READS_SOURCES" "SECONDS;PARTS" "SOURCES;LIBS;PROGRAMS;READS" ${ARGN})
   add_executable(${name} ${name}.cpp ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${ARG_LIBS})
   # Each test's source holds its one class: a moc of its own takes a twentieth of what automoc takes to look for it.
@@ -83,15 +103,14 @@ function(melodrift_add_test name)
   set_property(SOURCE ${name}.cpp APPEND PROPERTY OBJECT_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/moc ${CMAKE_SOURCE_DIR}/tests)
   melodrift_build_quickly(${name})
-  set_target_properties(${name} PROPERTIES MELODRIFT_READS_SOURCES "${ARG_READS_SOURCES}")
+  set_target_properties(${name} PROPERTIES MELODRIFT_READS_SOURCES "${ARG_READS_SOURCES}" MELODRIFT_READS "${ARG_READS}")
   if("melodrift_app" IN_LIST ARG_LIBS)
     target_precompile_headers(${name} REUSE_FROM widget_test_headers)
   elseif("Qt5::Network" IN_LIST ARG_LIBS)
     # The one of its kind: precompiling takes longer than reading. It includes patience.h itself.
-  elseif("test_support" IN_LIST ARG_LIBS)
-    target_precompile_headers(${name} REUSE_FROM core_test_headers)
   else()
-    target_precompile_headers(${name} REUSE_FROM plain_test_headers)
+    target_link_libraries(${name} PRIVATE Qt5::Gui) # as the headers' target does
+    target_precompile_headers(${name} REUSE_FROM core_test_headers)
   endif()
   set(tests)
   if(ARG_PARTS)
@@ -114,7 +133,7 @@ endfunction()
 # two pixels to the point.
 function(melodrift_test_on_dense_screen name)
   melodrift_run_as_test(${name}_2x ${name} ${ARGN})
-  foreach(property ENVIRONMENT TIMEOUT)
+  foreach(property ENVIRONMENT TIMEOUT SKIP_RETURN_CODE)
     get_test_property(${name} ${property} value)
     set_tests_properties(${name}_2x PROPERTIES ${property} "${value}")
   endforeach()

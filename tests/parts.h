@@ -17,9 +17,12 @@ inline int runPart(QObject& test, QStringList arguments)
     const QByteArrayList preparing = {"initTestCase", "cleanupTestCase", "init", "cleanup"};
     const QMetaObject& type = *test.metaObject();
     QStringList functions;
-    for (int i = type.methodOffset(); i < type.methodCount(); ++i)
-        if (type.method(i).access() == QMetaMethod::Private && !preparing.contains(type.method(i).name()))
-            functions.append(QString::fromLatin1(type.method(i).name()));
+    for (int i = type.methodOffset(); i < type.methodCount(); ++i) {
+        const QByteArray name = type.method(i).name();
+        if (type.method(i).access() == QMetaMethod::Private && !preparing.contains(name) &&
+            !name.endsWith("_data"))
+            functions.append(QString::fromLatin1(name));
+    }
     arguments.erase(arguments.begin() + 1, arguments.begin() + 4);
     for (int i = part - 1; i < functions.size(); i += parts)
         arguments.append(functions.at(i));

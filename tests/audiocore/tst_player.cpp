@@ -1,67 +1,18 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "latency.h"
+#include "parts.h"
 #include "playing.h"
+#include "sound.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <cmath>
 #include <limits>
 
 using namespace Playing;
-
-namespace {
-constexpr int samplesASecond = 44100;
-
-/// The file's samples, mono.
-QVector<float> samplesOf(const QString& path)
-{
-    QProcess ffmpeg;
-    ffmpeg.start(QStringLiteral("ffmpeg"), {"-v", "error", "-i", path, "-f", "f32le", "-ac", "1", "-ar",
-                                            QString::number(samplesASecond), "-"});
-    if (!ffmpeg.waitForFinished(patience) || ffmpeg.exitCode() != 0)
-        qFatal("ffmpeg cannot read %s: %s", qUtf8Printable(path), ffmpeg.readAllStandardError().constData());
-    const QByteArray bytes = ffmpeg.readAllStandardOutput();
-    QVector<float> samples(bytes.size() / int(sizeof(float)));
-    memcpy(samples.data(), bytes.constData(), size_t(samples.size()) * sizeof(float));
-    return samples;
-}
-
-double levelOf(const QVector<float>& samples)
-{
-    double sum = 0;
-    for (const float sample : samples)
-        sum += double(sample) * double(sample);
-    return std::sqrt(sum / qMax(1, samples.size()));
-}
-
-/// By how many milliseconds what is heard lies behind the place `from` of the whole song: where a piece of it
-/// is found again.
-double shiftOf(const QVector<float>& heard, const QVector<float>& song, int from)
-{
-    constexpr int farthest = samplesASecond / 5;
-    constexpr int begin = samplesASecond / 10; // codecs take some frames to settle
-    constexpr int length = 4096;
-    int best = farthest;
-    double least = std::numeric_limits<double>::max();
-    for (int shift = -farthest; shift <= farthest; ++shift) {
-        const int at = from + begin + shift;
-        if (at < 0 || at + length > song.size() || begin + length > heard.size())
-            continue;
-        double difference = 0;
-        for (int i = 0; i < length && difference < least; ++i)
-            difference += std::pow(double(heard.at(begin + i)) - double(song.at(at + i)), 2);
-        if (difference < least) {
-            least = difference;
-            best = shift;
-        }
-    }
-    return best * 1000.0 / samplesASecond;
-}
-} // namespace
+using namespace Sound;
 
 class TestPlayer : public QObject
 {
@@ -177,7 +128,7 @@ void TestPlayer::aSongSoundsAsItsFile()
     QCOMPARE(player->GetPosition(), player->GetDuration());
     player.reset();
     const QVector<float> heard = samplesOf(file);
-    const QVector<float> whole = samplesOf(song);
+    const QVector<float> whole = samplesOfFixture(song);
     QVERIFY(whole.size() >= 2900 * samplesASecond / 1000);
     QVERIFY(qAbs(heard.size() - whole.size()) <= 1);
     QVERIFY(qAbs(levelOf(heard) - levelOf(whole)) < 0.001);
@@ -213,7 +164,7 @@ void TestPlayer::aSeekIsExact()
     QVERIFY(reaches(*player, PLAYER_STATE_FINISHED));
     player.reset();
     const QVector<float> heard = samplesOf(file);
-    const QVector<float> whole = samplesOf(song);
+    const QVector<float> whole = samplesOfFixture(song);
     const int from = int(qint64(target) * samplesASecond / 1000);
     // What a WMA file begins with cannot be decoded: all its samples stand two frames later than counted.
     const double most = kind == QLatin1String("wma") ? 100 : 50;
@@ -402,5 +353,10 @@ void TestPlayer::lookingCostsNothing()
     QVERIFY2(looking < 500, qPrintable(QString::number(looking)));
 }
 
-QTEST_GUILESS_MAIN(TestPlayer)
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    TestPlayer test;
+    return runPart(test, application.arguments());
+}
 #include "tst_player.moc"
