@@ -193,7 +193,10 @@ std::optional<ByteVector> Id3v2Bytes::render(unsigned int room) const
         return ByteVector();
     if (size > id3v2::largestBody - id3v2::headerSize)
         return std::nullopt;
-    const unsigned int whole = std::min(paddedSize(unsigned(size), room), id3v2::largestBody);
+    // A frame that was too long for the tag would fit in and be read if more came behind it.
+    const unsigned int whole = m_rest.isEmpty()
+                                   ? std::min(paddedSize(unsigned(size), room), id3v2::largestBody)
+                                   : static_cast<unsigned int>(size);
     ByteVector tag("ID3");
     tag.append(char(m_version));
     tag.append(ByteVector(2, '\0'));

@@ -21,7 +21,8 @@ public:
     /// What frames say that the tag library makes nothing of: those marked as UTF-8 that are not, and in the
     /// oldest version a short one at the end, which the library's own second version passes over.
     std::string unreadText(int type) const;
-    /// Filled up to the room where that is enough; no bytes without frames, nothing when there are too many.
+    /// Filled up to the room where that is enough, unless the old tag ended in what is no frame; no bytes
+    /// without frames, nothing when there are too many.
     std::optional<TagLib::ByteVector> render(unsigned int room) const;
 
 private:

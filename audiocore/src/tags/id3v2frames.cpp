@@ -39,9 +39,12 @@ unsigned int extendedHeaderSize(int version, const ByteVector& body)
 std::optional<id3v2::TagSize> id3v2::sizeOfTag(std::string_view bytes)
 {
     constexpr unsigned int footerSize = 10;
-    if (bytes.size() < headerSize || bytes.substr(0, 3) != "ID3")
+    constexpr int sizePlace = 6;
+    const auto isSevenBits = [](char byte) { return (byte & 0x80) == 0; };
+    if (bytes.size() < headerSize || bytes.substr(0, 3) != "ID3" ||
+        !std::all_of(bytes.begin() + sizePlace, bytes.begin() + headerSize, isSevenBits))
         return std::nullopt;
-    return TagSize{fromSevenBits(bytes.data() + 6), bytes[5] & withFooter ? footerSize : 0};
+    return TagSize{fromSevenBits(bytes.data() + sizePlace), bytes[5] & withFooter ? footerSize : 0};
 }
 
 bool id3v2::says(std::string_view id, int type)

@@ -39,7 +39,7 @@ struct TagSize
 
     unsigned int whole() const { return headerSize + body + footer; }
 };
-/// Of the tag that starts with these bytes; nothing where none does.
+/// Of the tag that starts with these bytes; nothing where none does, as with a size that none can have.
 std::optional<TagSize> sizeOfTag(std::string_view bytes);
 
 /// Whether some version says the item under this id.

@@ -6,6 +6,7 @@
 #include "tags/taglimits.h"
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -18,7 +19,9 @@ constexpr unsigned long pieceLookedThrough = 1024;
 constexpr unsigned int apeHead = audiocore::ApeBytes::footerSize;
 } // namespace
 
-TagScreen::TagScreen() : m_bytesLeft(mostTagBytes) {}
+TagScreen::TagScreen() : TagScreen(std::numeric_limits<long>::max()) {}
+
+TagScreen::TagScreen(long tagsEnd) : m_bytesLeft(mostTagBytes), m_tagsEnd(tagsEnd) {}
 
 ByteVector TagScreen::read(CheckedStream& stream, unsigned long length)
 {
@@ -80,7 +83,8 @@ ByteVector TagScreen::readId3v2(CheckedStream& stream, const Piece& tag)
 {
     constexpr unsigned int behind =
         2 * id3v2::headerSize; // bytes that the library counts on behind the frames
-    const long left = std::max(0L, stream.length() - tag.position);
+    const long end = std::min(long(stream.length()), m_tagsEnd);
+    const long left = std::max(0L, end - tag.position);
     const auto size = static_cast<unsigned int>(std::min(tag.length, static_cast<unsigned long>(left)));
     const auto part = [&](unsigned int position, unsigned int bytes) {
         stream.seek(tag.position + long(position));

@@ -19,6 +19,8 @@ class TagScreen : public StreamScreen
 {
 public:
     TagScreen();
+    /// ID3v2 tags end there at the latest, whatever they say.
+    explicit TagScreen(long tagsEnd);
 
     TagLib::ByteVector read(CheckedStream& stream, unsigned long length) override;
 
@@ -47,6 +49,7 @@ private:
     TagLib::ByteVector readId3v2(CheckedStream& stream, const Piece& body);
 
     long m_bytesLeft;
+    const long m_tagsEnd;
     Piece m_expected;
     BodyReader m_body;              ///< of the piece that is expected; none when none is
     TagLib::ByteVector m_id3v2Head; ///< of the body that is expected

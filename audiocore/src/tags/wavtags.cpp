@@ -75,7 +75,7 @@ public:
 private:
     const WavChunk* id3v2Chunk() const { return m_chunks.find({"ID3 ", "id3 "}); }
     const WavChunk* infoChunk() const;
-    std::unique_ptr<TagLib::ID3v2::Tag> id3v2At(std::int64_t begin);
+    std::unique_ptr<TagLib::ID3v2::Tag> id3v2In(std::int64_t begin, std::int64_t end);
     std::optional<ByteVector> bytesOf(const WavChunk* chunk) const;
     const char* whyItStays() const;
     Splice replaced(const WavChunk* old, const char* name, const ByteVector& bytes) const;
@@ -94,18 +94,18 @@ WavTags::WavTags(CheckedStream& stream, std::int64_t begin)
     : m_stream(stream), m_begin(begin), m_chunks(stream, begin), m_sound(measureWav(stream, m_chunks)),
       m_source(stream)
 {
-    audiocore::TagScreen screen;
-    const audiocore::ScreenedReading screened(stream, screen);
     if (const WavChunk* const chunk = id3v2Chunk())
-        m_id3v2 = id3v2At(chunk->begin);
+        m_id3v2 = id3v2In(chunk->begin, chunk->begin + chunk->size);
     if (begin > 0)
-        m_front = id3v2At(0);
+        m_front = id3v2In(0, begin);
 }
 
-std::unique_ptr<TagLib::ID3v2::Tag> WavTags::id3v2At(std::int64_t begin)
+std::unique_ptr<TagLib::ID3v2::Tag> WavTags::id3v2In(std::int64_t begin, std::int64_t end)
 {
     if (m_stream.readAt(StreamOffset(begin), 3) != "ID3")
         return nullptr;
+    audiocore::TagScreen screen{long(end)};
+    const audiocore::ScreenedReading screened(m_stream, screen);
     return std::make_unique<TagLib::ID3v2::Tag>(&m_source, StreamOffset(begin));
 }
 
