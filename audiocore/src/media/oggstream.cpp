@@ -61,6 +61,21 @@ unsigned int headersOf(const OggStream& stream)
     return 1;
 }
 
+constexpr unsigned int headOfPacket = 8;
+
+/// Where the comment begins of a stream that is not known as music.
+unsigned int behindAnyHead(const ByteVector& beginning)
+{
+    const ByteVector heads[] = {"\x81theora",
+                                "\x81"
+                                "daala",
+                                "\x03vorbis", "OVP80\x02 "};
+    for (const ByteVector& head : heads)
+        if (beginning.startsWith(head))
+            return head.size();
+    return 0;
+}
+
 /// Where the comment of a header packet begins; nothing for a packet that holds none.
 std::optional<unsigned int> commentPlace(OggCodec codec, const ByteVector& beginning)
 {
@@ -144,11 +159,10 @@ const OggStream* audiocore::musicAmong(const std::vector<OggStream>& streams)
 
 std::optional<ByteVector> audiocore::oggComment(CheckedStream& stream, const OggStream& music, long mostBytes)
 {
-    constexpr unsigned int beginning = 8;
     std::optional<ByteVector> comment;
     OggPackets packets(stream, music.begin, music.serial);
     music.eachHeader(packets, mostBytes, [&](const OggPacket& packet) {
-        const auto place = commentPlace(music.codec, packets.bytesOf(packet, 0, beginning));
+        const auto place = commentPlace(music.codec, packets.bytesOf(packet, 0, headOfPacket));
         if (place)
             comment = packets.bytesOf(packet, *place, packet.size);
         return music.codec == OggCodec::Flac && !comment;
@@ -161,11 +175,13 @@ std::vector<ByteVector> audiocore::possibleComments(CheckedStream& stream, const
 {
     std::vector<ByteVector> comments;
     OggPackets packets(stream, any.begin, any.serial);
-    const bool inFlac = any.codec == OggCodec::Flac;
     any.eachHeader(packets, mostBytes, [&](const OggPacket& packet) {
-        if (!inFlac || flac::kindOf(packets.bytesOf(packet, 0, flac::headSize)) == flac::Comment)
-            comments.push_back(packets.bytesOf(packet, 0, packet.size));
-        return inFlac;
+        const ByteVector beginning = packets.bytesOf(packet, 0, headOfPacket);
+        const auto place = any.codec == OggCodec::Other ? std::optional(behindAnyHead(beginning))
+                                                        : commentPlace(any.codec, beginning);
+        if (place)
+            comments.push_back(packets.bytesOf(packet, *place, packet.size));
+        return any.codec == OggCodec::Flac;
     });
     return comments;
 }

@@ -36,6 +36,6 @@ const OggStream* musicAmong(const std::vector<OggStream>& streams);
 
 /// The first comment in the header packets of the music; nothing when these take more than `mostBytes`.
 std::optional<TagLib::ByteVector> oggComment(CheckedStream& stream, const OggStream& music, long mostBytes);
-/// The header packets that decoders could take for ones with a comment.
+/// What decoders take for a comment in the header packets, be the stream music or not.
 std::vector<TagLib::ByteVector> possibleComments(CheckedStream& stream, const OggStream& any, long mostBytes);
 } // namespace audiocore

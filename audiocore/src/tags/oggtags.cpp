@@ -14,7 +14,6 @@
 #include <taglib/xiphcomment.h>
 
 #include <algorithm>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -166,16 +165,10 @@ std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin, audioco
     return std::make_unique<OggTags>(stream, std::move(streams), found);
 }
 
-/// Whether a decoder that takes some of the bytes for a comment would keep too many fields.
-bool isOutOfBounds(const ByteVector& packet)
+/// Where the first length makes no sense, decoders see no fields either.
+bool isOutOfBounds(const ByteVector& comment)
 {
-    constexpr unsigned int places[] = {0, 4, 6, 7, 8}; // behind what the codecs begin a comment with
-    return std::any_of(std::begin(places), std::end(places), [&packet](unsigned int place) {
-        const ByteVector comment = packet.mid(place);
-        // Where the first length makes no sense, they see no fields either.
-        return comment.size() > 8 && comment.toUInt(0u, false) < comment.size() &&
-               CommentBytes::boundOf(comment);
-    });
+    return comment.size() > 8 && comment.toUInt(0u, false) < comment.size() && CommentBytes::boundOf(comment);
 }
 
 /// Pages have checksums, so nothing can be shown otherwise: whether decoders may see the comments of all
@@ -184,9 +177,9 @@ bool hide(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
 {
     const std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
     return std::none_of(streams.begin(), streams.end(), [&stream](const OggStream& one) {
-        const std::vector<ByteVector> packets =
+        const std::vector<ByteVector> comments =
             audiocore::possibleComments(stream, one, audiocore::mostTagBytes);
-        return std::any_of(packets.begin(), packets.end(), isOutOfBounds);
+        return std::any_of(comments.begin(), comments.end(), isOutOfBounds);
     });
 }
 } // namespace
