@@ -8,6 +8,8 @@
 #include <taglib/tfile.h>
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <string>
 
 using audiocore::Mp4Atom;
@@ -79,7 +81,7 @@ Description describedIn(TagLib::File& file, const Mp4Atom& descriptions)
     const unsigned int version = listVersion == ByteVector(1, '\0') ? entry.toUShort(16u) : 0;
     if (version == 2) {
         const double rate = entry.toFloat64BE(40);
-        described.rate = rate > 0 && rate <= audiocore::mostSampleRate ? std::int64_t(rate + 0.5) : 0;
+        described.rate = rate > 0 && rate <= audiocore::mostSampleRate ? std::lround(rate) : 0;
     }
     described.atoms.begin = range.begin + (version == 2 ? 72 : version == 1 ? 52 : 36);
     return described;

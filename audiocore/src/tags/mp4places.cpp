@@ -117,6 +117,7 @@ bool shiftIndex(TagLib::File& file, const Mp4Atoms& atoms, const Shift& shift)
     }
     return true;
 }
+
 /// Places that are of no use to music, and that nobody here moves.
 bool hasOtherPlaces(const Mp4Atoms& atoms)
 {
