@@ -15,6 +15,13 @@ QByteArray contentOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+void write(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(content) != content.size())
+        qFatal("cannot write %s", qUtf8Printable(path));
+}
+
 /// The ids are those of the newest versions; the oldest one's are its own.
 QByteArray frame(int version, const char* id, const QByteArray& body)
 {
@@ -49,6 +56,8 @@ private slots:
     void whatComesBehindTheLastFrameIsNotReadAndStays();
     void anEmptyFrameOfAFieldIsReplaced();
     void aTagOfEmptyFramesAloneIsOne();
+    void aTagOfASizeThatNoneHasIsNone();
+    void aTagEndsWithItsChunk();
 
 private:
     QString song(const QByteArray& frames, int version);
@@ -59,11 +68,8 @@ private:
 QString TestId3v2::song(const QByteArray& frames, int version)
 {
     const QString path = m_folder.filePath("song.mp3");
-    QFile file(path);
-    const QByteArray content =
-        MediaBytes::id3v2(frames, char(version)) + contentOf(Fixtures::tone(QStringLiteral("mp3"), 1000));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(content) != content.size())
-        qFatal("cannot write %s", qUtf8Printable(path));
+    write(path,
+          MediaBytes::id3v2(frames, char(version)) + contentOf(Fixtures::tone(QStringLiteral("mp3"), 1000)));
     return path;
 }
 
@@ -151,6 +157,30 @@ void TestId3v2::aTagOfEmptyFramesAloneIsOne()
     QVERIFY(AudioFile::read(path).texts.isEmpty());
     QCOMPARE(AudioFile::write(path, {{TAG_ALBUM, QStringLiteral("New")}}), 0);
     QVERIFY(contentOf(path).contains(empty + frame(3, "TALB", text("New"))));
+}
+
+void TestId3v2::aTagOfASizeThatNoneHasIsNone()
+{
+    const QString path = song(frame(4, "TIT2", text("Title")), 4);
+    QByteArray content = contentOf(path);
+    constexpr int lastOfSize = 9;
+    content[lastOfSize] = char(content.at(lastOfSize) | 0x80);
+    write(path, content);
+    QVERIFY(AudioFile::read(path).texts.isEmpty());
+    QCOMPARE(AudioFile::write(path, {{TAG_ARTIST, QStringLiteral("Artist")}}), 0);
+    QCOMPARE(AudioFile::read(path).texts, (QHash<int, QString>{{TAG_ARTIST, QStringLiteral("Artist")}}));
+    QVERIFY(contentOf(path).endsWith(content));
+}
+
+void TestId3v2::aTagEndsWithItsChunk()
+{
+    const QByteArray title = frame(4, "TIT2", text("Title"));
+    const QByteArray behind = frame(4, "TPE1", text("Artist"));
+    const QByteArray tag = MediaBytes::id3v2(title + behind, 4).left(10 + title.size());
+    const QString path = m_folder.filePath("song.wav");
+    write(path, MediaBytes::withChunks(contentOf(Fixtures::tone(QStringLiteral("wav"), 1000)),
+                                       MediaBytes::chunk("id3 ", tag) + behind));
+    QCOMPARE(AudioFile::read(path).texts, (QHash<int, QString>{{TAG_TITLE, QStringLiteral("Title")}}));
 }
 
 QTEST_GUILESS_MAIN(TestId3v2)

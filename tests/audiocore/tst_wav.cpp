@@ -246,7 +246,6 @@ void TestWav::withoutItsKindSoundIsNone_data()
     const QByteArray wav = tone("wav");
     QTest::newRow("no kind") << QByteArray(wav).replace("fmt ", "JUNK");
     QTest::newRow("a kind cut short") << wav.left(30);
-    QTest::newRow("a kind of too few bytes") << QByteArray(wav).remove(34, 2).replace(16, 4, little(14u));
     QTest::newRow("no chunk for sound") << QByteArray(wav).replace("data", "JUNK");
     QTest::newRow("a head alone") << wav.left(12);
     QTest::newRow("no rate") << QByteArray(wav).replace(24, 4, little(0u));

@@ -63,6 +63,12 @@ unsigned int headersOf(const OggStream& stream)
 
 constexpr unsigned int headOfPacket = 8;
 
+/// Whether a further block follows the one with this head in FLAC.
+bool goesOn(const ByteVector& head)
+{
+    return head.size() == flac::headSize && !flac::isLast(head);
+}
+
 /// Where the comment begins of a stream that is not known as music.
 unsigned int behindAnyHead(const ByteVector& beginning)
 {
@@ -128,8 +134,8 @@ void OggStream::eachHeader(OggPackets& packets, long mostBytes,
         if (!packet)
             return;
         mostBytes -= long(packet->size);
-        more = take(*packet) &&
-               !(codec == OggCodec::Flac && flac::isLast(packets.bytesOf(*packet, 0, flac::headSize)));
+        more =
+            take(*packet) && (codec != OggCodec::Flac || goesOn(packets.bytesOf(*packet, 0, flac::headSize)));
     }
 }
 

@@ -56,7 +56,8 @@ StringList trackOf(const ByteVector& bytes)
 Mp4File::Mp4File(TagLib::IOStream& stream) : TagLib::File(&stream)
 {
     const Mp4Atoms atoms(*this, Mp4Atoms::Fragments::PassOver);
-    if (atoms.areBounded())
+    m_bounded = atoms.areBounded();
+    if (m_bounded)
         m_sound = measureMp4(*this, atoms);
     m_lists = mp4Lists(*this, atoms);
     setValid(m_sound.sampleRate > 0);

@@ -30,6 +30,8 @@ public:
     TagLib::AudioProperties* audioProperties() const override { return nullptr; }
     bool save() override { return false; }
 
+    /// Whether its atoms are neither too many nor too deep; what is not so is not valid.
+    bool isBounded() const { return m_bounded; }
     const MpegStream& sound() const { return m_sound; }
     /// The values of a text type in the first list that has it; a track as "number/total". Too long ones are
     /// left out.
@@ -46,5 +48,6 @@ private:
 
     std::vector<Mp4List> m_lists;
     MpegStream m_sound;
+    bool m_bounded = false;
 };
 } // namespace audiocore

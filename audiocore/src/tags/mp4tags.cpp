@@ -46,8 +46,15 @@ std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose
     stream.seek(0);
     return std::make_unique<Mp4Tags>(stream);
 }
+
+/// Its tags need no hiding, but decoders walk as well: they see what our own walk comes to the end of.
+bool hide(CheckedStream& stream, long, audiocore::SoundView&)
+{
+    stream.seek(0);
+    return audiocore::Mp4File(stream).isBounded();
+}
 } // namespace
 
 namespace audiocore {
-extern const TagKind mp4Tags{open, nullptr};
+extern const TagKind mp4Tags{open, hide};
 } // namespace audiocore

@@ -129,8 +129,8 @@ void OggTags::read(TagReading& reading)
         return;
     ByteVector comment = *m_comment;
     if (const std::optional<CommentBytes::Bound> bound = CommentBytes::boundOf(comment)) {
-        CommentBytes::boundFields(comment);
-        comment.resize(bound->end);
+        comment = comment.mid(0, bound->end); // what is left out takes no memory once more
+        std::copy(bound->bytes.begin(), bound->bytes.end(), comment.begin() + bound->place);
     }
     TagLib::Ogg::XiphComment fields(comment);
     reading.add(&fields, [&comment] { return comment; });
