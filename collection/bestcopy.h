@@ -6,13 +6,11 @@
 /// Which of several copies of one song sounds best, as far as lists of songs know. Any thread.
 ///
 /// 1. Lossless before lossy. Lossless is what its kind says it is (FLAC, APE, WAV, AIFF, "Apple Lossless"),
-/// and
-///    what has more than 12 bits for every moment that is sampled: M4A, OGG and WMA may be either, and
-///    nothing lossy has as many.
+/// and what has more than 12 bits for every moment that is sampled: M4A, OGG and WMA may be either, and
+/// nothing lossy has as many.
 /// 2. Of lossy copies, the higher bit rate by what the codec makes of it: AAC and Vorbis sound with 100
-/// kbit/s
-///    as MP3 does with 130, WMA as it does with 110. Of lossless ones the bit rate tells how tightly they are
-///    packed, and counts nothing.
+/// kbit/s as MP3 does with 130, WMA as it does with 110. Of lossless ones the bit rate tells how tightly they
+/// are packed, and counts nothing.
 /// 3. The higher sample rate.
 /// 4. The longer copy, by whole seconds: encoders add a few milliseconds.
 namespace BestCopy {

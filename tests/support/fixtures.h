@@ -10,8 +10,8 @@ namespace Fixtures {
 /// The formats by the name of their fixture: "mp3", "m4a", "ape", "aac", "flac", "wma", "wav", "ogg".
 QStringList formats();
 /// The kinds beyond these eight: "mp3novbr" (variable bit rate without any header that says so), "alac",
-/// "opus", "oggflac". There are also "mp3vbr", variable bit rate with such a header, "aacquad", AAC that says in
-/// its first frame which channels it has, and "w64" and "loas", which are read and not written.
+/// "opus", "oggflac". There are also "mp3vbr", variable bit rate with such a header, "aacquad", AAC that says
+/// in its first frame which channels it has, and "w64" and "loas", which are read and not written.
 QStringList furtherKinds();
 /// What else MP4 files hold, beside AAC and ALAC: "mp4flac", "mp4opus", "mp4ac3", "mp4eac3". There is also
 /// "mp4half", AAC of half the usual rate, and "mp4fragments".

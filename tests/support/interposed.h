@@ -5,8 +5,8 @@
 #include <sys/types.h>
 
 /// Steps in front of calls into the system: what the file layer asks for comes here first. Belongs into the
-/// test program itself (LIBS interposed, an object), since no library's function would step in front of the system's. What is
-/// unset does nothing.
+/// test program itself (LIBS interposed, an object), since no library's function would step in front of the
+/// system's. What is unset does nothing.
 namespace Interposed {
 /// Before a file, not a folder, is flushed to the device.
 extern std::function<void()> beforeSync;
