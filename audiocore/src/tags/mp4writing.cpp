@@ -241,8 +241,8 @@ Step nextStep(Mp4File& file, const TagEdits& edits)
     for (const Mp4List& list : audiocore::mp4Lists(file, atoms)) {
         if (list.own)
             continue;
-        const Step step = list.kind == Mp4List::Kind::Texts ? stepInTexts(file, atoms, list, edits)
-                                                            : stepInList(file, atoms, list, edits);
+        Step step = list.kind == Mp4List::Kind::Texts ? stepInTexts(file, atoms, list, edits)
+                                                      : stepInList(file, atoms, list, edits);
         if (step.isNeeded)
             return step;
     }
