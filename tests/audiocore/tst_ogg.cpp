@@ -56,7 +56,11 @@ QByteArray ran(const QStringList& arguments)
 /// The music of all streams of sound, one behind the other.
 QByteArray decoded(const QString& path, int rate)
 {
-    return ran({"-i", path, "-map", "0:a:0", "-ac", "1", "-ar", QString::number(rate), "-f", "s16le", "-"});
+    // FFmpeg 7 has a decoder of its own for Speex, whose sound is twice as long.
+    const bool isSpeex = QFileInfo(path).fileName().startsWith("Speex");
+    const QStringList decoder = isSpeex ? QStringList{"-c:a", "libspeex"} : QStringList();
+    return ran(decoder + QStringList{"-i", path, "-map", "0:a:0", "-ac", "1", "-ar", QString::number(rate),
+                                     "-f", "s16le", "-"});
 }
 
 QByteArray tagged(const char* kind)
