@@ -57,7 +57,7 @@ QByteArray ran(const QStringList& arguments)
 QByteArray decoded(const QString& path, int rate)
 {
     // FFmpeg 7 has a decoder of its own for Speex, whose sound is twice as long.
-    const bool isSpeex = QFileInfo(path).fileName().startsWith("Speex");
+    const bool isSpeex = contentOf(path).left(100).contains("Speex   ");
     const QStringList decoder = isSpeex ? QStringList{"-c:a", "libspeex"} : QStringList();
     return ran(decoder + QStringList{"-i", path, "-map", "0:a:0", "-ac", "1", "-ar", QString::number(rate),
                                      "-f", "s16le", "-"});
