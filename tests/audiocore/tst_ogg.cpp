@@ -42,7 +42,6 @@ private:
 
 namespace {
 const QString title = QStringLiteral("Vinterljus");
-constexpr int milliseconds = 3000;
 
 QByteArray ran(const QStringList& arguments)
 {
