@@ -2,9 +2,8 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
-#include "identify/fingerprint.h"
 #include "oggfixture.h"
-#include "playing.h"
+#include "playedandtold.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -140,19 +139,7 @@ void TestOgg::allOfItIsRead()
 void TestOgg::itIsPlayedAndTold()
 {
     QFETCH(QString, file);
-    chooseOutput("null");
-    const Player player = opened(file);
-    QCOMPARE(player->GetState(), int(PLAYER_STATE_PAUSED));
-    QCOMPARE(player->GetDuration(), AudioFile::properties(file).duration);
-    player->Play();
-    QVERIFY(passes(*player, 100));
-    player->Seek(std::uint64_t(player->GetDuration() - 200));
-    QVERIFY(reaches(*player, PLAYER_STATE_FINISHED));
-    const audiocore::Cancellation never;
-    const audiocore::Fingerprint told = audiocore::fingerprintOf(file.toStdString(), never);
-    QVERIFY(told.result == audiocore::Decoding::Done);
-    QVERIFY(!told.text.empty());
-    QCOMPARE(int(told.milliseconds), player->GetDuration());
+    playedAndTold(file);
 }
 
 void TestOgg::aSaveKeepsTheSound_data()
