@@ -59,5 +59,6 @@ private:
     std::unique_ptr<mpv_handle, Destroy> m_engine;
     std::string m_error;
     bool m_toldStartError = false;
+    bool m_seekIsAsked = false; ///< and has not begun
 };
 } // namespace audiocore
