@@ -102,10 +102,11 @@ Work workOn(const QString& path, CheckedStream::Mode mode, const QByteArray& pic
         for (auto& text : edits.texts)
             text = "7";
         edits.picture = TagLib::ByteVector(picture.constData(), unsigned(picture.size()));
+        audiocore::TagContent content;
         if (media.format != AUDIO_FORMAT_UNKNOWN)
-            audiocore::readTags(media);
+            content = audiocore::readTags(media);
         if (media.file && writing)
-            audiocore::writeTags(media, edits);
+            audiocore::writeTags(media, edits, content);
     } catch (const audiocore::EndlessReading&) {
         work.endless = true;
     }

@@ -21,10 +21,14 @@ constexpr int attempts = 5;
 
 enum class Outcome { Saved, ChangedMeanwhile, Failed };
 
-bool neededEdits(const std::string& path, const TagEdits& edits, NeededEdits& needed, std::string& error)
+/// Reads the file as it is now; false with a reason when it cannot be read.
+bool readNow(const std::string& path, ParsedMedia& media, std::string& error)
 {
     CheckedStream stream(path, CheckedStream::Mode::Read);
-    return audiocore::neededEdits(stream, edits, needed, error);
+    const std::string reason = audiocore::readMedia(stream, media);
+    if (!reason.empty())
+        error = "it " + reason;
+    return reason.empty();
 }
 
 /// Writes the changes of the file in that state, which was read as `original`. `target` is no link.
@@ -59,13 +63,13 @@ Outcome tryOnce(const std::string& path, const TagEdits& edits, NeededEdits& nee
     base::FileState before;
     base::stateOf(target, before);
     // What readers are shown nothing of is left alone: what is saved into it nobody would see.
-    const auto original = audiocore::parsedMedia(target);
+    ParsedMedia original;
     Outcome outcome = Outcome::Failed;
-    if (original->format == AUDIO_FORMAT_UNKNOWN)
-        error = audiocore::noMusic;
-    else if (neededEdits(target, edits, needed, error))
+    if (readNow(target, original, error)) {
+        needed = audiocore::neededEdits(original, edits);
         outcome = needed.edits.isEmpty() ? Outcome::Saved
-                                         : saveChanges(target, before, *original, needed.edits, error);
+                                         : saveChanges(target, before, original, needed.edits, error);
+    }
     if (outcome == Outcome::Saved && !needed.edits.isEmpty())
         return outcome;
     // What was found, or hindered the save, may have been somebody else's writing.
@@ -89,7 +93,7 @@ bool audiocore::saveEdits(const std::string& path, const TagEdits& edits)
             error = "other programs keep changing the file";
     } catch (const EndlessReading& reason) {
         outcome = Outcome::Failed;
-        error = reason.what();
+        error = std::string("it ") + reason.what();
     }
     if (outcome != Outcome::Saved)
         base::logLine(path, "the tag was not saved: " + error);
