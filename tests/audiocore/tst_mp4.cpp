@@ -96,8 +96,7 @@ Work workOn(const QString& path, CheckedStream::Mode mode, const QByteArray& pic
     Work work;
     try {
         const bool writing = mode == CheckedStream::Mode::ReadWrite;
-        const audiocore::MediaFile media =
-            audiocore::openMedia(stream, writing ? audiocore::Purpose::Writing : audiocore::Purpose::Reading);
+        const audiocore::MediaFile media = audiocore::openMedia(stream);
         audiocore::TagEdits edits;
         for (auto& text : edits.texts)
             text = "7";

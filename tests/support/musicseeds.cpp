@@ -298,9 +298,12 @@ QList<Seed> Seeds::musicFindings()
     const QString tagged = QStringLiteral("a tag over all of the music");
     const QByteArray noAttributes =
         asfObject("40A4D0D207E3D21197F000A0C95EA850", little(quint16(65535)) + QByteArray(12, '\0'));
-    QList<Seed> seeds = {{"ape", tagged, tagOverAll(tone("ape"))},
-                         {"flac", tagged, tagOverAll(tone("flac"))},
-                         {"wma", "attributes that are not there", withObject(tone("wma"), noAttributes)}};
+    const QByteArrayList aac = adtsFrames(tone("aac"));
+    QList<Seed> seeds = {
+        {"ape", tagged, tagOverAll(tone("ape"))},
+        {"flac", tagged, tagOverAll(tone("flac"))},
+        {"wma", "attributes that are not there", withObject(tone("wma"), noAttributes)},
+        {"aac", "id3v2 between its frames", aac.mid(0, 2).join() + id3v2(frames(3), 3) + aac.mid(2).join()}};
     addOddId3v2(seeds);
     return seeds;
 }

@@ -134,7 +134,7 @@ private:
     std::array<LastRead, 3> m_lastReads{};
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
 {
     AsfScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);

@@ -50,7 +50,7 @@ MpegStream atLeastZero(MpegStream properties)
 /// Fills in what the file holds; false when it holds no music.
 bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
 {
-    const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
+    const audiocore::MediaFile media = audiocore::openMedia(stream);
     const MpegStream properties = media.file ? media.file->sound() : MpegStream();
     if (!audiocore::isSampleRate(properties.sampleRate))
         return false;

@@ -26,7 +26,7 @@ std::string write(base::FileBytes& copy, const std::string& path, const TagEdits
     if (!stream.isOpen())
         return stream.openError();
     {
-        const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Writing);
+        const audiocore::MediaFile media = audiocore::openMedia(stream);
         const std::string error =
             media.file ? audiocore::writeTags(media, edits, original.content) : audiocore::cannotBeWritten;
         if (!error.empty())
