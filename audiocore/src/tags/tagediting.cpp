@@ -27,7 +27,7 @@ std::string write(base::FileBytes& copy, const std::string& path, const TagEdits
         return stream.openError();
     {
         const audiocore::MediaFile media = audiocore::openMedia(stream);
-        const std::string error =
+        std::string error =
             media.file ? audiocore::writeTags(media, edits, original.content) : audiocore::cannotBeWritten;
         if (!error.empty())
             return error;
