@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -35,4 +36,6 @@ QByteArray silentApe(int milliseconds);
 
 /// A JPEG picture of one colour pattern per seed.
 QByteArray jpeg(int width, int height, int seed);
+/// A GIF picture whose only frame is one pixel of a screen of this size.
+QByteArray gif(const QSize& screen);
 } // namespace Fixtures
