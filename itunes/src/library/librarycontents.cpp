@@ -1,5 +1,6 @@
 #include "library/librarycontents.h"
 
+#include "base/failure.h"
 #include "base/filebytes.h"
 #include "library/libraryreading.h"
 #include "library/librarywalk.h"
@@ -105,7 +106,9 @@ bool itunes::readContents(std::FILE* library, LibraryContents& contents, std::st
 bool itunes::readLocation(const std::string& path, std::uint64_t id, std::string& location,
                           std::string& error)
 {
-    const File library = openLibrary(path, error);
+    base::Failure failure;
+    const File library = openLibrary(path, failure);
+    error = failure.text;
     LocationFinder finder(id);
     if (!library || !walkFile(base::SystemFile(library.get()), finder, error))
         return false;

@@ -1,13 +1,14 @@
 #include "library/libraryreading.h"
 
+#include "base/failure.h"
 #include "base/filebytes.h"
 #include "base/platform.h"
 #include "base/text.h"
 #include "library/trackreader.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
+#include <functional>
+#include <utility>
 #include <vector>
 
 using itunes::File;
@@ -40,22 +41,37 @@ Position positionOf(const base::FileBytes& file, std::uint64_t offset)
     }
     return position;
 }
+
+/// False when it cannot be read whole, of which `broken` hears then.
+bool readInto(itunes::TrackStore& store, const base::FileBytes& file, const itunes::TrackChanges& changes,
+              const std::function<void(const base::FileBytes&, const itunes::XmlScanner&)>& broken)
+{
+    itunes::ByteSource source(file);
+    itunes::XmlScanner scanner(source);
+    itunes::TrackReader reader(store, changes);
+    if (!walkLibrary(scanner, reader)) {
+        broken(file, scanner);
+        return false;
+    }
+    store.finish();
+    return true;
+}
 } // namespace
 
-File itunes::openLibrary(const std::string& path, std::string& error)
+File itunes::openLibrary(const std::string& path, base::Failure& failure)
 {
     base::FileState state;
     File file(base::openFile(path, false));
     if (!file) {
-        error = std::strerror(errno);
+        failure = base::systemFailure();
         return nullptr;
     }
     if (!base::stateOf(file.get(), state) || !state.regular) {
-        error = "it is no file";
+        failure = {"it is no file"};
         return nullptr;
     }
     if (state.size > largestLibrary) {
-        error = "it is larger than 2 gigabytes";
+        failure = {"it is larger than 2 gigabytes"};
         return nullptr;
     }
     return file;
@@ -69,23 +85,25 @@ std::string itunes::describeError(const base::FileBytes& file, const XmlScanner&
 }
 
 std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const std::string& path, const TrackChanges& changes,
-                                                        std::string& error)
+                                                        ReadingFailure& failure)
 {
-    const File file = openLibrary(path, error);
-    return file ? readLibrary(base::SystemFile(file.get()), changes, error) : nullptr;
+    const File file = openLibrary(path, failure.failure);
+    if (!file)
+        return nullptr;
+    auto store = std::make_unique<TrackStore>();
+    const auto broken = [&](const base::FileBytes& bytes, const XmlScanner& scanner) {
+        failure.failure = {describeError(bytes, scanner), base::Failure::Kind::NotSafe};
+        failure.line = positionOf(bytes, scanner.errorOffset()).line;
+    };
+    return readInto(*store, base::SystemFile(file.get()), changes, broken) ? std::move(store) : nullptr;
 }
 
 std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const base::FileBytes& file,
                                                         const TrackChanges& changes, std::string& error)
 {
-    ByteSource source(file);
-    XmlScanner scanner(source);
     auto store = std::make_unique<TrackStore>();
-    TrackReader reader(*store, changes);
-    if (!walkLibrary(scanner, reader)) {
-        error = describeError(file, scanner);
-        return nullptr;
-    }
-    store->finish();
-    return store;
+    const auto broken = [&error](const base::FileBytes& bytes, const XmlScanner& scanner) {
+        error = describeError(bytes, scanner);
+    };
+    return readInto(*store, file, changes, broken) ? std::move(store) : nullptr;
 }
