@@ -6,7 +6,6 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QRegularExpression>
-#include <QTextDocument>
 #include <QToolTip>
 
 namespace {
@@ -14,14 +13,6 @@ const QRegularExpression& forbidden()
 {
     static const QRegularExpression characters(QStringLiteral("[/:*\"<>|]"));
     return characters;
-}
-
-/// The text as a tip shows it: nothing in it is markup, long lines are broken, and it has an end, since
-/// laying out takes time.
-QString tipText(const QString& text)
-{
-    const auto fits = [](const QString& candidate) { return candidate.size() <= 4000; };
-    return Qt::convertFromPlainText(TextFit::elided(text, fits), Qt::WhiteSpaceNormal);
 }
 } // namespace
 
@@ -117,7 +108,7 @@ bool RetractLabel::event(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip || toolTip().isEmpty())
         return QLabel::event(event);
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tipText(toolTip()), this);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), TextFit::tip(toolTip()), this);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "common/textfit.h"
 
 #include <QTextBoundaryFinder>
+#include <QTextDocument>
 #include <QVector>
 
 namespace {
@@ -39,4 +40,11 @@ QString TextFit::elided(const QString& text, const Fits& fits)
         (fits(candidate(middle)) ? fitting : tooLong) = middle;
     }
     return candidate(fitting);
+}
+
+QString TextFit::tip(const QString& text)
+{
+    constexpr int longest = 4000;
+    const auto fits = [](const QString& candidate) { return candidate.size() <= longest; };
+    return Qt::convertFromPlainText(elided(text, fits), Qt::WhiteSpaceNormal);
 }

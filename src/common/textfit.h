@@ -16,4 +16,7 @@ using Fits = std::function<bool(const QString& text)>;
 QString elided(const QString& text, const Fits& fits);
 /// The same for a box in which lines may be broken anywhere.
 QString elided(const QString& text, const QFontMetrics& metrics, const QSize& box);
+/// The text as a tool tip shows it: nothing in it is markup, long lines are broken, and it has an end, since
+/// laying out takes time.
+QString tip(const QString& text);
 } // namespace TextFit
