@@ -9,11 +9,9 @@
 
 namespace {
 /// The door of a module; null, with a line in the log, as long as it cannot be loaded.
-template <typename Engine>
+template <typename Engine, typename Door = audiocore::EngineDoor<Engine>>
 class Module
 {
-    using Door = audiocore::EngineDoor<Engine>;
-
 public:
     constexpr Module(const char* file, const char* doorName, const char* purpose)
         : m_file(file), m_doorName(doorName), m_purpose(purpose)
@@ -55,7 +53,8 @@ private:
     std::atomic<const Door*> m_door{nullptr};
 };
 
-Module<IAudioPlayer> playback("melodrift-playback", "melodriftPlayback", "playing a song");
+Module<IAudioPlayer, audiocore::PlaybackDoor> playback("melodrift-playback", "melodriftPlayback",
+                                                       "playing a song");
 Module<IAudioIdentifier> identify("melodrift-identify", "melodriftIdentify", "identifying a song");
 } // namespace
 
@@ -67,6 +66,12 @@ IAudioPlayer* CreatePlayer()
 void PreparePlayer()
 {
     playback.opened();
+}
+
+bool PlayerIsSilent(const IAudioPlayer* player)
+{
+    const audiocore::PlaybackDoor* const door = playback.opened();
+    return door && door->isSilent(player);
 }
 
 void DestroyPlayer(IAudioPlayer* player)
