@@ -1,6 +1,6 @@
 #include "musicdetailedinfowidget.h"
 
-#include "audiocore/tagitem.h"
+#include "audiocore/iaudioidentifier.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
 #include "common/style.h"
@@ -8,36 +8,20 @@
 #include "covers/coverchoice.h"
 #include "identifythread.h"
 #include "loadplayerthread.h"
+#include "songs/footlines.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "ui_musicdetailedinfowidget.h"
 
 #include <QFileDialog>
-#include <QIntValidator>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStandardPaths>
-
-#include <limits>
 
 namespace {
 QString numberText(quint64 number)
 {
     return QStringLiteral("%1").arg(number);
-}
-
-/// Oddity 7: the texts of the combo, in its order and spelling.
-QStringList genres()
-{
-    return {QString(),
-            QStringLiteral("Blue"),
-            QStringLiteral("Alternavite & Punk"),
-            QStringLiteral("Books & Spoken"),
-            QStringLiteral("Children's Music"),
-            QStringLiteral("Classical"),
-            QStringLiteral("Pop"),
-            QStringLiteral("Rock"),
-            QStringLiteral("Other")};
 }
 } // namespace
 
@@ -46,8 +30,10 @@ MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
       m_face(SkinPicture::path("bg_right.png"))
 {
     ui->setupUi(this);
+    m_editors = std::make_unique<SongEditors>(SongEditors::Widgets{ui->m_lineTitle, ui->m_lineArtist,
+                                                                   ui->m_lineAlbum, ui->m_lineYear,
+                                                                   ui->m_lineTrackNo, ui->m_comboGenre});
     InitBtn();
-    InitEditors();
     InitConnect();
     HiddenLineEdit();
 }
@@ -73,35 +59,7 @@ void MusicDetailedInfoWidget::InitBtn()
     ui->m_btnCancel->hide();
     ui->m_btnApply->hide();
     ui->m_labMovie->hide();
-}
-
-void MusicDetailedInfoWidget::InitEditors()
-{
-    const QFont font = Style::font(10);
-    // As tall as the label below it, looking less so.
-    const QString look = QStringLiteral("QLineEdit{margin:4px 0;padding:0 5px;border:1px solid %1;"
-                                        "border-radius:4px;background:white;color:%2}"
-                                        "QLineEdit:focus{border-color:%3}")
-                             .arg(Style::editorLine.name(), Style::ink.name(), Style::editorFocus.name());
-    for (QLineEdit* editor : findChildren<QLineEdit*>()) {
-        editor->setFont(font);
-        editor->setStyleSheet(look);
-    }
-    ui->m_comboGenre->setFont(font);
     ui->gridLayoutWidget->setStyleSheet(QStringLiteral("QComboBox{padding-left:5px}"));
-    // A text is handed back as long as it is.
-    for (QLineEdit* editor : {ui->m_lineTitle, ui->m_lineArtist, ui->m_lineAlbum})
-        editor->setMaxLength(std::numeric_limits<int>::max());
-    auto* validator = new QIntValidator(1, 9999, this);
-    ui->m_lineYear->setValidator(validator);
-    ui->m_lineTrackNo->setValidator(validator);
-    m_genreList = genres();
-    ui->m_comboGenre->addItems(m_genreList);
-    ui->m_comboGenre->setStyleSheet(QStringLiteral(
-        "QComboBox{background-color:rgb(154,219,251);margin:2px;}"
-        "QComboBox:item{background-color:white;color:rgb(122,190,204);font-weight:2px;margin:1px;"
-        "height:25px;width:80px;padding-left:40px;}"
-        "QComboBox:item:selected{background-color:rgb(212,240,247);}QMenu:icon{left:20px;height:20px}"));
 }
 
 void MusicDetailedInfoWidget::InitConnect()
@@ -115,6 +73,8 @@ void MusicDetailedInfoWidget::InitConnect()
 
 void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
 {
+    if (song)
+        tellOfLeaving();
     if (song != m_pMusicInfo)
         forgetFormerSong();
     m_pMusicInfo = song;
@@ -125,6 +85,33 @@ void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
     m_bNewSong = true;
     ShowMusicInfo();
     LoadPlayerThread::startSoon();
+}
+
+void MusicDetailedInfoWidget::leave()
+{
+    tellOfLeaving();
+    if (isEditing())
+        SlotOnBtnCancel();
+}
+
+/// Of an edit that ends without an apply, though the user did not cancel it.
+void MusicDetailedInfoWidget::tellOfLeaving()
+{
+    QMusicInfo* const song = m_pMusicInfo;
+    if (!song || !isEditing() || !m_editors->isChanged())
+        return;
+    const SongEditors::Held typed = m_editors->held();
+    emit emitTold({FootLines::leftWithoutSaving(SongFields::shownName(song)),
+                   false,
+                   {{QStringLiteral("Edit again"), [this, song, typed] { editAgain(song, typed); }}}});
+}
+
+void MusicDetailedInfoWidget::editAgain(QMusicInfo* song, const SongEditors::Held& typed)
+{
+    SetMusicDetailedInfo(song);
+    SlotOnBtnEdit();
+    m_editors->fill(typed);
+    emit emitEditedAgain();
 }
 
 /// What was identified is not about the song that comes.
@@ -197,21 +184,11 @@ bool MusicDetailedInfoWidget::isEditing() const
 
 void MusicDetailedInfoWidget::SlotOnBtnEdit()
 {
-    ui->m_lineTitle->setText(SongFields::title(m_pMusicInfo));
-    ui->m_lineArtist->setText(SongFields::artist(m_pMusicInfo));
-    ui->m_lineAlbum->setText(SongFields::album(m_pMusicInfo));
-    ui->m_lineYear->setText(numberText(SongFields::year(m_pMusicInfo)));
-    ui->m_lineTrackNo->setText(numberText(SongFields::trackNumber(m_pMusicInfo)));
-    // Oddity 36: a genre out of the list leaves the selection as it was; an apply writes that one.
-    const int genre = m_genreList.indexOf(SongFields::genre(m_pMusicInfo));
-    if (genre >= 0)
-        ui->m_comboGenre->setCurrentIndex(genre);
+    m_editors->show(m_pMusicInfo);
     for (RetractLabel* label : findChildren<RetractLabel*>())
         label->hide();
-    for (QLineEdit* editor : findChildren<QLineEdit*>()) {
-        editor->setCursorPosition(0);
+    for (QLineEdit* editor : findChildren<QLineEdit*>())
         editor->show();
-    }
     ui->m_comboGenre->show();
     ui->currentImgWidget->setToolTip(QStringLiteral("click to add cover"));
     ui->currentImgWidget->setEnabled(true);
@@ -297,23 +274,11 @@ void MusicDetailedInfoWidget::SlotReceiveIdentifyInfo(const QStringList& info)
     // Oddity 40: also after Cancel, into the hidden editors.
     for (const QString& element : info)
         if (!element.isEmpty())
-            fillEditor(element.at(0), element.mid(1));
+            m_editors->fill(element.at(0), element.mid(1));
     m_bIdentified = true;
+    if (m_bIdentifying)
+        emit emitTold({FootLines::identifiedBySound(), false, {}});
     endIdentification();
-}
-
-void MusicDetailedInfoWidget::fillEditor(QChar type, const QString& value)
-{
-    QLineEdit* const editors[] = {ui->m_lineTitle, ui->m_lineArtist, ui->m_lineAlbum,
-                                  nullptr,         ui->m_lineYear,   ui->m_lineTrackNo};
-    const int index = type.digitValue();
-    if (index == TAG_GENRE) {
-        const int genre = m_genreList.indexOf(value);
-        ui->m_comboGenre->setCurrentIndex(genre >= 0 ? genre : m_genreList.size() - 1); // the last is "Other"
-    } else if (index >= TAG_TITLE && index <= TAG_TRACK) {
-        editors[index]->setText(value);
-        editors[index]->setCursorPosition(0);
-    }
 }
 
 void MusicDetailedInfoWidget::SlotReceiveIdentifyCover(const QString& path)
@@ -332,9 +297,11 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
     const auto* worker = qobject_cast<IdentifyThread*>(sender());
     endIdentification();
     // Who cancelled knows.
-    if (!worker || !worker->isCancelled())
-        MessageDialog::notify(QStringLiteral("Identify failed! You can edit the music information manually."),
-                              "button_ok.png");
+    if (worker && worker->isCancelled())
+        return;
+    emit emitTold({FootLines::notIdentified(worker ? worker->status() : IDENTIFY_NOT_RUN), true, {}});
+    MessageDialog::notify(QStringLiteral("Identify failed! You can edit the music information manually."),
+                          "button_ok.png");
 }
 
 void MusicDetailedInfoWidget::SlotChangeImage()
@@ -373,7 +340,28 @@ SongEdit MusicDetailedInfoWidget::editedSong() const
     edit.year = m_strShownYear.toInt();
     edit.trackNumber = m_strShownTrackNo.toInt();
     edit.newCoverPath = m_strNewCoverPath;
+    edit.genreChosen = m_editors->isGenreChanged();
     return edit;
+}
+
+void MusicDetailedInfoWidget::tellOfSave(const SongEditing::Outcome& outcome)
+{
+    QMusicInfo* const song = m_pMusicInfo;
+    FootText told{SongEditing::lineOf(*song, outcome), outcome.failed(), {}};
+    const bool isGone = outcome.library == ITUNES_EDIT_DONE && outcome.file == SAVE_FILE_GONE;
+    if (outcome.failed() && !isGone)
+        told.links.append({QStringLiteral("Show what the file says"), [this, song] { takeBack(song); }});
+    emit emitTold(told);
+}
+
+void MusicDetailedInfoWidget::takeBack(QMusicInfo* song)
+{
+    if (!SongEditing::takeBack(*song))
+        return;
+    emit emitTold(FootText());
+    if (song == m_pMusicInfo)
+        SetMusicDetailedInfo(song);
+    emit emitMusicCoverHasChanged();
 }
 
 void MusicDetailedInfoWidget::SlotOnBtnApply()
@@ -387,6 +375,7 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
     if (outcome.coverUsed)
         m_strNewCoverPath.clear();
     ShowMusicInfo();
+    tellOfSave(outcome);
     emit emitMusicInfoHasChanged();
     if (m_bIdentified) {
         ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identifyagain.png"));

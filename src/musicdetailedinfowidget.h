@@ -1,6 +1,8 @@
 #pragma once
 
+#include "common/footline.h"
 #include "common/skinpicture.h"
+#include "songeditors.h"
 #include "songs/songediting.h"
 
 #include <QPointer>
@@ -34,6 +36,8 @@ public:
     /// song must outlive its being shown.
     void SetMusicDetailedInfo(QMusicInfo* song);
     void ShowMusicInfo();
+    /// The panel is about to be hidden: an edit that nobody applied is told of, and over.
+    void leave();
     QMusicInfo* song() const { return m_pMusicInfo; }
 
 signals:
@@ -43,6 +47,10 @@ signals:
     void emitMusicCoverHasChanged();
     /// True while clicks on the views are to be ignored.
     void emitForbidToClickView(bool forbid);
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
+    /// The song that was left is in edit mode again.
+    void emitEditedAgain();
 
 public slots:
     void SlotOnBtnEdit();
@@ -62,7 +70,6 @@ protected:
 
 private:
     void InitBtn();
-    void InitEditors();
     void InitConnect();
     void HiddenLineEdit();
     void SetTextLabelAndLineState();
@@ -70,15 +77,19 @@ private:
     void IdentifyMusic();
     void endIdentification();
     bool isStale(const QObject* worker) const;
-    void fillEditor(QChar type, const QString& value);
     void forgetFormerSong();
     void showButtons(bool editing);
     void showCover(const QString& path);
+    void tellOfLeaving();
+    void editAgain(QMusicInfo* song, const SongEditors::Held& typed);
+    void tellOfSave(const SongEditing::Outcome& outcome);
+    void takeBack(QMusicInfo* song);
     void cacheEditorTexts();
     SongEdit editedSong() const;
     bool isEditing() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
+    std::unique_ptr<SongEditors> m_editors;
     SkinPicture m_face;
 
     bool m_bNewSong = false;
@@ -86,8 +97,7 @@ private:
     bool m_bIdentified = false;
     bool m_bCoverIdentified = false; ///< the new cover was not chosen by the user
     bool m_bIdentifying = false;     ///< from the start until the results are here, or nobody waits for them
-    QStringList m_genreList;
-    QString m_strShownTitle; ///< oddity 39: the labels show what was typed after an apply
+    QString m_strShownTitle;         ///< oddity 39: the labels show what was typed after an apply
     QString m_strShownArtist;
     QString m_strShownAlbum;
     QString m_strShownGenre;

@@ -99,7 +99,9 @@ void FootLine::place()
     for (TextLink* link : qAsConst(m_links)) {
         const QSize size = link->sizeHint();
         x += linkGap;
-        link->setGeometry(x, (height() - size.height()) / 2, size.width(), size.height());
+        // As much above as below: its words stand on the line of the text.
+        const int unused = (height() - size.height()) / 2;
+        link->setGeometry(x, unused, size.width(), height() - 2 * unused);
         x += size.width();
     }
     setToolTip(m_shown == m_told.text ? QString() : m_told.text);

@@ -178,7 +178,9 @@ void TestFootLine::linksStayWhole()
 {
     m_line->tell(withLinks(longText(), {"Undo", "Next group"}, &m_clicked));
     for (TextLink* link : links()) {
-        QCOMPARE(link->size(), link->sizeHint());
+        QCOMPARE(link->width(), link->sizeHint().width());
+        QVERIFY(link->height() >= link->sizeHint().height());
+        QCOMPARE(link->geometry().top(), m_line->height() - 1 - link->geometry().bottom());
         QVERIFY(m_line->rect().contains(link->geometry()));
     }
     QVERIFY(!links().at(0)->geometry().intersects(links().at(1)->geometry()));
