@@ -7,6 +7,7 @@
 #include "common/workers.h"
 #include "covers/coverchoice.h"
 #include "identifythread.h"
+#include "keepoffers.h"
 #include "loadplayerthread.h"
 #include "songs/footlines.h"
 #include "songs/songcover.h"
@@ -69,6 +70,8 @@ void MusicDetailedInfoWidget::InitConnect()
     connect(ui->m_btnCancel, SIGNAL(clicked()), this, SLOT(SlotOnBtnCancel()));
     connect(ui->currentImgWidget, SIGNAL(widgetClick()), this, SLOT(SlotChangeImage()));
     connect(ui->m_btnIdentify, SIGNAL(clicked()), this, SLOT(SlotOnBtnIdentify()));
+    m_keepOffers = new KeepOffers(*ui->currentImgWidget, *ui->m_comboGenre, *ui->m_gridLayout);
+    connect(m_keepOffers, &KeepOffers::coverKept, this, &MusicDetailedInfoWidget::keepCover);
 }
 
 void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
@@ -111,6 +114,8 @@ void MusicDetailedInfoWidget::editAgain(QMusicInfo* song, const SongEditors::Hel
     SetMusicDetailedInfo(song);
     SlotOnBtnEdit();
     m_editors->fill(typed);
+    if (m_editors->held().genre != typed.genre)
+        m_keepOffers->keepGenre(); // the song's own, which is not in the list
     emit emitEditedAgain();
 }
 
@@ -119,7 +124,7 @@ void MusicDetailedInfoWidget::forgetFormerSong()
 {
     m_bIdentified = false;
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
-    if (m_bCoverIdentified)
+    if (m_newCoverOrigin != CoverOrigin::Chosen)
         m_strNewCoverPath.clear();
     if (!m_bIdentifying)
         return;
@@ -151,6 +156,33 @@ void MusicDetailedInfoWidget::showCover(const QString& path)
     ui->currentImgWidget->SetImageBackgroud(path, true);
 }
 
+void MusicDetailedInfoWidget::takeNewCover(const QString& path, CoverOrigin origin)
+{
+    m_strNewCoverPath = path;
+    m_newCoverOrigin = origin;
+    showCover(path);
+    offerToKeepCover();
+}
+
+void MusicDetailedInfoWidget::keepCover(bool keep)
+{
+    const QString own = SongFields::coverPath(m_pMusicInfo);
+    takeNewCover(keep ? own : QString(), CoverOrigin::Own);
+    showCover(own);
+}
+
+bool MusicDetailedInfoWidget::isOwnCoverKept() const
+{
+    return m_newCoverOrigin == CoverOrigin::Own && !m_strNewCoverPath.isEmpty();
+}
+
+void MusicDetailedInfoWidget::offerToKeepCover()
+{
+    const bool kept = isOwnCoverKept();
+    const bool otherShown = !kept && !m_strNewCoverPath.isEmpty();
+    m_keepOffers->offerCover(SongEditing::takesCoverOut(m_pMusicInfo), otherShown, kept);
+}
+
 void MusicDetailedInfoWidget::showButtons(bool editing)
 {
     const bool hasFocus = isAncestorOf(window()->focusWidget());
@@ -165,6 +197,7 @@ void MusicDetailedInfoWidget::showButtons(bool editing)
 
 void MusicDetailedInfoWidget::HiddenLineEdit()
 {
+    m_keepOffers->end();
     for (QLineEdit* editor : findChildren<QLineEdit*>())
         editor->hide();
     ui->m_comboGenre->hide();
@@ -184,6 +217,7 @@ bool MusicDetailedInfoWidget::isEditing() const
 
 void MusicDetailedInfoWidget::SlotOnBtnEdit()
 {
+    m_bIdentifyFailed = false;
     m_editors->show(m_pMusicInfo);
     for (RetractLabel* label : findChildren<RetractLabel*>())
         label->hide();
@@ -194,6 +228,8 @@ void MusicDetailedInfoWidget::SlotOnBtnEdit()
     ui->currentImgWidget->setEnabled(true);
     if (!m_strNewCoverPath.isEmpty())
         showCover(m_strNewCoverPath); // what an apply would write
+    m_keepOffers->begin(SongFields::genre(m_pMusicInfo));
+    offerToKeepCover();
     showButtons(true);
     ui->m_lineTitle->setFocus();
 }
@@ -203,15 +239,11 @@ void MusicDetailedInfoWidget::SlotOnBtnCancel()
     showButtons(false);
     SetTextLabelAndLineState();
     ui->currentImgWidget->setEnabled(false);
+    showCover(SongCover::shownPath(m_pMusicInfo));
     if (m_pIdentifyThread)
         m_pIdentifyThread->CloseTheIdentifier();
     endIdentification();
     // Oddity 38: a cover that was chosen stays chosen; the next apply uses it.
-}
-
-void MusicDetailedInfoWidget::SlotOnBtnIdentify()
-{
-    IdentifyMusic();
 }
 
 void MusicDetailedInfoWidget::ShowAllTextLabelAndLineEind()
@@ -285,9 +317,7 @@ void MusicDetailedInfoWidget::SlotReceiveIdentifyCover(const QString& path)
 {
     if (isStale(sender()))
         return;
-    m_strNewCoverPath = path;
-    m_bCoverIdentified = true;
-    showCover(path);
+    takeNewCover(path, CoverOrigin::Identified);
 }
 
 void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
@@ -296,6 +326,7 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
         return;
     const auto* worker = qobject_cast<IdentifyThread*>(sender());
     endIdentification();
+    m_bIdentifyFailed = true;
     // Who cancelled knows.
     if (worker && worker->isCancelled())
         return;
@@ -315,9 +346,7 @@ void MusicDetailedInfoWidget::SlotChangeImage()
     const QString path = CoverChoice::embeddable(chosen);
     if (path.isEmpty())
         return;
-    m_strNewCoverPath = path;
-    m_bCoverIdentified = false;
-    showCover(path);
+    takeNewCover(path, CoverOrigin::Chosen);
 }
 
 void MusicDetailedInfoWidget::cacheEditorTexts()
@@ -341,6 +370,7 @@ SongEdit MusicDetailedInfoWidget::editedSong() const
     edit.trackNumber = m_strShownTrackNo.toInt();
     edit.newCoverPath = m_strNewCoverPath;
     edit.genreChosen = m_editors->isGenreChanged();
+    edit.coverKept = isOwnCoverKept();
     return edit;
 }
 
@@ -384,6 +414,7 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
     }
 }
 
+/// After a failure Enter applies what was typed alone: it may be meant for the message that told of it.
 void MusicDetailedInfoWidget::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
@@ -393,8 +424,15 @@ void MusicDetailedInfoWidget::keyPressEvent(QKeyEvent* event)
     }
     if (!enter || ui->m_btnCancel->hasFocus())
         SlotOnBtnCancel();
-    else if (ui->m_btnApply->isEnabled())
+    else if (ui->m_btnApply->isEnabled() && (!m_bIdentifyFailed || isInChangedEditor()))
         SlotOnBtnApply();
+}
+
+bool MusicDetailedInfoWidget::isInChangedEditor() const
+{
+    if (const auto* editor = qobject_cast<QLineEdit*>(focusWidget()))
+        return editor->isModified();
+    return ui->m_comboGenre->hasFocus() && m_editors->isGenreChanged();
 }
 
 void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)

@@ -12,6 +12,7 @@
 #include <memory>
 
 class IdentifyThread;
+class KeepOffers;
 class SkinMovie;
 struct QMusicInfo;
 
@@ -57,7 +58,7 @@ public slots:
     void SlotOnBtnCancel();
     void SlotOnBtnApply();
     void SlotChangeImage();
-    void SlotOnBtnIdentify();
+    void SlotOnBtnIdentify() { IdentifyMusic(); }
     void SlotReceiveIdentifyInfo(const QStringList& info);
     void SlotReceiveIdentifyCover(const QString& path);
     void SlotOnFailIdentifyTips();
@@ -69,6 +70,9 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// Where a new cover comes from: the user, or, for this song alone, an identification or the song itself.
+    enum class CoverOrigin { Chosen, Identified, Own };
+
     void InitBtn();
     void InitConnect();
     void HiddenLineEdit();
@@ -84,26 +88,33 @@ private:
     void editAgain(QMusicInfo* song, const SongEditors::Held& typed);
     void tellOfSave(const SongEditing::Outcome& outcome);
     void takeBack(QMusicInfo* song);
+    void takeNewCover(const QString& path, CoverOrigin origin);
+    void keepCover(bool keep);
+    bool isOwnCoverKept() const;
+    void offerToKeepCover();
     void cacheEditorTexts();
     SongEdit editedSong() const;
     bool isEditing() const;
+    bool isInChangedEditor() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
     std::unique_ptr<SongEditors> m_editors;
+    KeepOffers* m_keepOffers = nullptr;
     SkinPicture m_face;
 
     bool m_bNewSong = false;
     bool m_bFirstShow = true;
     bool m_bIdentified = false;
-    bool m_bCoverIdentified = false; ///< the new cover was not chosen by the user
-    bool m_bIdentifying = false;     ///< from the start until the results are here, or nobody waits for them
-    QString m_strShownTitle;         ///< oddity 39: the labels show what was typed after an apply
+    bool m_bIdentifying = false;    ///< from the start until the results are here, or nobody waits for them
+    bool m_bIdentifyFailed = false; ///< since the editors were opened
+    QString m_strShownTitle;        ///< oddity 39: the labels show what was typed after an apply
     QString m_strShownArtist;
     QString m_strShownAlbum;
     QString m_strShownGenre;
     QString m_strShownYear;
     QString m_strShownTrackNo;
     QString m_strNewCoverPath; ///< chosen and not yet applied
+    CoverOrigin m_newCoverOrigin = CoverOrigin::Chosen;
     QMusicInfo* m_pMusicInfo = nullptr;
     std::unique_ptr<SkinMovie> m_pMovie;
     QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves

@@ -2,6 +2,7 @@
 
 #include "audiocore/tagitem.h"
 #include "common/style.h"
+#include "songs/songediting.h"
 #include "songs/songfields.h"
 
 #include <QComboBox>
@@ -11,20 +12,6 @@
 #include <limits>
 
 namespace {
-/// Oddity 7: the texts of the combo, in its order and spelling.
-QStringList genres()
-{
-    return {QString(),
-            QStringLiteral("Blue"),
-            QStringLiteral("Alternavite & Punk"),
-            QStringLiteral("Books & Spoken"),
-            QStringLiteral("Children's Music"),
-            QStringLiteral("Classical"),
-            QStringLiteral("Pop"),
-            QStringLiteral("Rock"),
-            QStringLiteral("Other")};
-}
-
 /// The numbers' editors take numbers that tags hold.
 void boundNumber(QLineEdit* editor)
 {
@@ -52,7 +39,7 @@ SongEditors::SongEditors(const Widgets& widgets)
     boundNumber(widgets.year);
     boundNumber(widgets.track);
     m_genre->setFont(font);
-    m_genre->addItems(genres());
+    m_genre->addItems(SongEditing::genres());
     m_genre->setStyleSheet(QStringLiteral(
         "QComboBox{background-color:rgb(154,219,251);margin:2px;}"
         "QComboBox:item{background-color:white;color:rgb(122,190,204);font-weight:2px;margin:1px;"
@@ -64,7 +51,7 @@ void SongEditors::show(const QMusicInfo* song)
 {
     fill({{SongFields::title(song), SongFields::artist(song), SongFields::album(song),
            QString::number(SongFields::year(song)), QString::number(SongFields::trackNumber(song))},
-          genres().indexOf(SongFields::genre(song))});
+          SongFields::genre(song)});
     m_shown = held();
 }
 
@@ -78,7 +65,7 @@ SongEditors::Held SongEditors::held() const
     Held held;
     for (const QLineEdit* editor : m_lines)
         held.texts.append(editor->text());
-    held.genre = m_genre->currentIndex();
+    held.genre = m_genre->currentText();
     return held;
 }
 
@@ -88,16 +75,18 @@ void SongEditors::fill(const Held& held)
         m_lines[i]->setText(held.texts.value(int(i)));
         m_lines[i]->setCursorPosition(0);
     }
-    if (held.genre >= 0)
-        m_genre->setCurrentIndex(held.genre);
+    const int genre = m_genre->findText(held.genre, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (genre >= 0)
+        m_genre->setCurrentIndex(genre);
 }
 
 void SongEditors::fill(QChar type, const QString& value)
 {
     const int index = type.digitValue();
     if (index == TAG_GENRE) {
-        const int genre = genres().indexOf(value);
-        m_genre->setCurrentIndex(genre >= 0 ? genre : m_genre->count() - 1); // the last is "Other"
+        const QStringList genres = SongEditing::genres();
+        const int genre = genres.indexOf(value);
+        m_genre->setCurrentIndex(genre >= 0 ? genre : genres.size() - 1); // the last is "Other"
     } else if (index >= TAG_TITLE && index <= TAG_TRACK) {
         QLineEdit* const editor = m_lines[size_t(index < TAG_GENRE ? index : index - 1)];
         editor->setText(value);

@@ -25,7 +25,7 @@ public:
     struct Held
     {
         QStringList texts;
-        int genre = -1; ///< as a position in the list of genres
+        QString genre;
     };
 
     /// Gives the editors their look, their bounds and the list of genres.

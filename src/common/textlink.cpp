@@ -23,6 +23,17 @@ QSize TextLink::sizeHint() const
     return {fontMetrics().horizontalAdvance(text()) + 2 * margin, fontMetrics().height() + 2 * margin};
 }
 
+/// The caption as it fits: in one line, or in two.
+QString TextLink::shownText() const
+{
+    const int room = width() - 2 * margin;
+    const int blank = text().indexOf(QLatin1Char(' '));
+    if (blank < 0 || fontMetrics().horizontalAdvance(text()) <= room)
+        return fontMetrics().elidedText(text(), Qt::ElideRight, room);
+    return text().left(blank) + QLatin1Char('\n') +
+           fontMetrics().elidedText(text().mid(blank + 1), Qt::ElideRight, room);
+}
+
 void TextLink::enterEvent(QEvent* event)
 {
     update();
@@ -50,7 +61,7 @@ void TextLink::paintEvent(QPaintEvent*)
     shown.setUnderline(underMouse());
     painter.setFont(shown);
     painter.setPen(isDown() ? Style::ink : Style::chosen);
-    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
+    painter.drawText(rect(), Qt::AlignCenter, shownText());
     if (!hasFocus())
         return;
     painter.setRenderHint(QPainter::Antialiasing);

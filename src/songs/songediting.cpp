@@ -49,6 +49,26 @@ QByteArray pictureBytes(const QString& path)
     return file.readAll();
 }
 
+/// The picture in the tag that lists show, by the rule of the intake: the last one.
+QByteArray heldPicture(IAudioTag& tag)
+{
+    QByteArray held;
+    const int count = tag.GetItemCount();
+    for (int index = 0; index < count; ++index) {
+        const TagItem item = tag.GetItem(index);
+        if (item.dataKind != 0 && item.size > 0 && item.data)
+            held = QByteArray(static_cast<const char*>(item.data), item.size);
+    }
+    return held;
+}
+
+/// What another program put into the file since it was read is the user's, too.
+QByteArray wantedPicture(IAudioTag& tag, const SongEdit& edit)
+{
+    const QByteArray held = edit.coverKept ? heldPicture(tag) : QByteArray();
+    return held.isEmpty() ? pictureBytes(edit.newCoverPath) : held;
+}
+
 void takeCover(LocalMusicInfo& local, const QString& path)
 {
     local.coverPath = path;
@@ -253,6 +273,25 @@ SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
 }
 } // namespace
 
+// Oddity 7: this order and spelling.
+QStringList SongEditing::genres()
+{
+    return {QString(),
+            QStringLiteral("Blue"),
+            QStringLiteral("Alternavite & Punk"),
+            QStringLiteral("Books & Spoken"),
+            QStringLiteral("Children's Music"),
+            QStringLiteral("Classical"),
+            QStringLiteral("Pop"),
+            QStringLiteral("Rock"),
+            QStringLiteral("Other")};
+}
+
+bool SongEditing::takesCoverOut(const QMusicInfo* song)
+{
+    return QIOrvoUtil::m_cleanMode && QIOrvoUtil::isImage(SongFields::coverPath(song));
+}
+
 SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
 {
     if (QIOrvoUtil::m_cleanMode)
@@ -287,6 +326,6 @@ int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)
     replaceText(tag, TAG_YEAR, QString::number(edit.year));
     replaceText(tag, TAG_TRACK, QString::number(edit.trackNumber));
     // Oddity 37: also without a chosen cover; saving then takes the picture out.
-    replacePicture(tag, pictureBytes(edit.newCoverPath));
+    replacePicture(tag, wantedPicture(tag, edit));
     return tag.Save();
 }

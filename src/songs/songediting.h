@@ -5,6 +5,7 @@
 #include "songs/footlines.h"
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 class IAudioTag;
@@ -21,6 +22,7 @@ struct SongEdit
     int year = 0;
     int trackNumber = 0;
     QString newCoverPath;    ///< file of a picture chosen in place of the cover; empty when none was
+    bool coverKept = false;  ///< the chosen picture is the one that the song has: what the file holds stays
     bool genreChosen = true; ///< by the user; else the genre is what the list of genres happened to show
 };
 
@@ -41,6 +43,12 @@ struct Outcome
     }
 };
 
+/// What the genre box offers; the first is none.
+QStringList genres();
+
+/// Whether an apply without a chosen cover takes the song's own out of its file.
+bool takesCoverOut(const QMusicInfo* song);
+
 /// Takes the edit over into the song, whatever becomes of saving it: to the file's tag in the local clean
 /// mode, through the iTunes library in the iTunes clean mode. A save that fails leaves the file or the
 /// library whole and is logged.
@@ -53,6 +61,6 @@ QString lineOf(const QMusicInfo& song, const Outcome& outcome);
 bool takeBack(QMusicInfo& song);
 
 /// Puts the edit into an open tag in place of what it held and saves it. Without a chosen cover the picture
-/// is removed. The result of the save.
+/// is removed; one that is kept stays as the tag holds it now. The result of the save.
 int writeTag(IAudioTag& tag, const SongEdit& edit);
 } // namespace SongEditing
