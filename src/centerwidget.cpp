@@ -88,6 +88,13 @@ void CenterWidget::InitConnect()
     connect(this, SIGNAL(emitStartToPlayMusic(QMusicInfo*)), groups,
             SLOT(SlotBeginToPlayTableViewMusic(QMusicInfo*)));
     connect(&m_intake, SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
+    connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitTold, this, &CenterWidget::emitTold);
+    connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitTold, this,
+            &CenterWidget::emitTold);
+    connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitGroupCleared, this,
+            &CenterWidget::SlotGroupCleared);
+    connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitEditedAgain, this,
+            &CenterWidget::SlotEditedAgain);
 }
 
 void CenterWidget::switchView()
@@ -169,6 +176,7 @@ void CenterWidget::SlotDoubleClickDupMusicIndex(const QModelIndex& index)
 
 void CenterWidget::SlotHiddenMusicDetailedWidget()
 {
+    ui->m_musicDetailedWidget->leave();
     ui->m_musicDetailedWidget->hide();
     ui->m_dupMusicDetailedWidget->hide();
 }
@@ -189,6 +197,7 @@ void CenterWidget::enterMode(bool local)
 
 void CenterWidget::ClearSelectedWidget()
 {
+    emit emitTold(FootText()); // the songs that it may be about go
     const QList<QMusicInfo*> songs = std::exchange(m_localMusicList, {});
     clearClassification();
     // Neither mode shows the other's songs: whatever was listed before, the emptied list is.
@@ -281,11 +290,61 @@ SongLists CenterWidget::songLists()
     return {m_pAllMusicList, &m_classification.groups(), &m_classification.undefinedSongs(), &m_tagList};
 }
 
+void CenterWidget::SlotEditedAgain()
+{
+    ui->m_dupMusicDetailedWidget->hide();
+    selectShownSong();
+}
+
+void CenterWidget::SlotGroupCleared()
+{
+    m_removalTally.add(ui->m_dupMusicDetailedWidget->tracksRemoved());
+    QVector<FootText::Link> links;
+    if (const int next = groupAfterShown(); next >= 0)
+        links.append({QStringLiteral("Next group"), [this, next] { showGroup(next); }});
+    tellOfDeletion(links);
+}
+
+/// The row of the group behind the one that the panel shows, or showed until it was none any more; behind the
+/// last one comes the first. -1 when there is no other.
+int CenterWidget::groupAfterShown() const
+{
+    const QList<DupMusicInfo*>& groups = m_classification.groups();
+    const DupMusicInfo* shown = groups.value(int(m_nCurrentDupRow));
+    const bool isLeft = shown && ui->m_dupMusicDetailedWidget->shows(shown->musicList);
+    if (groups.size() <= int(isLeft))
+        return -1;
+    return int(m_nCurrentDupRow + int(isLeft)) % groups.size();
+}
+
+void CenterWidget::showGroup(int row)
+{
+    if (row >= m_classification.groups().size())
+        return;
+    emit emitChooseDuplicates();
+    SlotClickDupMusicIndex(m_views->view(true, m_bGridMode)->model()->index(row, 0));
+}
+
+void CenterWidget::tellOfDeletion(const QVector<FootText::Link>& links)
+{
+    const RemovalTally tally = std::exchange(m_removalTally, RemovalTally());
+    tell({tally.line(), tally.failed(), links});
+}
+
+/// What has no words is no news.
+void CenterWidget::tell(const FootText& told)
+{
+    if (!told.text.isEmpty())
+        emit emitTold(told);
+}
+
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow,
-                               ui->m_dupMusicDetailedWidget->keptFiles()))
+    SongRemoval::FileRemoval removal;
+    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, ui->m_dupMusicDetailedWidget->keptFiles(),
+                               &removal))
         m_removedSongs.append(song);
+    m_removalTally.addFile(*song, removal);
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
     selectShownGroup();
@@ -295,6 +354,7 @@ void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 
 void CenterWidget::SlotDeleteAllDupMusic()
 {
+    m_removalTally.add(ui->m_dupMusicDetailedWidget->tracksRemoved());
     m_views->setGroupsEnabled(false);
     if (!m_deletion.run(songLists(), *window()))
         SlotAllMusicInfoAfterDeleting();
@@ -303,11 +363,13 @@ void CenterWidget::SlotDeleteAllDupMusic()
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
     m_removedSongs += m_deletion.finish();
+    m_removalTally.add(m_deletion.tally());
     m_views->setGroupsEnabled(true);
     forgetShownGroup();
     m_views->refreshGroups();
     m_views->refreshSongs();
     emitCounts();
+    tellOfDeletion({});
 }
 
 void CenterWidget::emitCounts()
@@ -361,12 +423,32 @@ void CenterWidget::dropEvent(QDropEvent* event)
 
 void CenterWidget::TakeDroppedPaths(const QStringList& paths)
 {
+    m_bWindowsMediaNamed = false;
+    takePaths(paths);
+}
+
+void CenterWidget::TakeNamedPaths(const QStringList& paths)
+{
+    m_bWindowsMediaNamed = true;
+    takePaths(paths);
+}
+
+void CenterWidget::DragMusicIntoLocalToAddFile(const QString& path)
+{
+    const FileCollection::Found found = m_intake.collect(path, m_dropFileList.size());
+    m_dropFileList += found.music;
+    (m_bWindowsMediaNamed ? m_dropFileList : m_windowsMediaLeftOut) += found.windowsMedia;
+}
+
+void CenterWidget::takePaths(const QStringList& paths)
+{
     if (!takesFiles()) {
         qWarning("%d dropped paths are not added: %s", paths.size(),
                  ListsAreInUse() ? "the lists are in use" : "the local mode is not in force");
         return;
     }
     m_dropFileList.clear();
+    m_windowsMediaLeftOut.clear();
     for (const QString& path : paths)
         DragMusicIntoLocalToAddFile(path);
     m_bFromDrop = true;
@@ -379,7 +461,10 @@ void CenterWidget::OnBtnOpenFile()
     const bool fromDrop = std::exchange(m_bFromDrop, false);
     if (!takesFiles())
         return;
+    if (!fromDrop)
+        m_windowsMediaLeftOut.clear();
     if (fromDrop && m_dropFileList.isEmpty()) {
+        tell(IntakeDialogs::leftOut(0, {}, m_windowsMediaLeftOut, this));
         offerFileDialog();
         return;
     }
@@ -418,6 +503,7 @@ void CenterWidget::addFiles(const QStringList& files)
     emit emitIntakeFinished();
     if (m_intake.isStopped())
         return;
+    tell(IntakeDialogs::leftOut(files.size(), m_intake.unreadable(), m_windowsMediaLeftOut, this));
     if (!IntakeDialogs::offerScan() || !takesFiles())
         return;
     showCurrentView();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/footline.h"
 #include "dropzone.h"
 #include "groupdeletion.h"
 #include "songs/localintake.h"
@@ -55,6 +56,8 @@ public:
     /// Takes files and folders in as a drop of them does: nothing out of the local mode, nor while it is
     /// left.
     void TakeDroppedPaths(const QStringList& paths);
+    /// The same for files and folders that the user named, Windows Media files included.
+    void TakeNamedPaths(const QStringList& paths);
     /// Whether an intake fills the lists of songs or a thread deletes what they hold: neither may see them
     /// emptied or filled by others, so switching modes waits for its end. The thread has ended its use once
     /// the waiting dialog closes, whenever it returns itself.
@@ -76,15 +79,16 @@ signals:
     void emitIntakeProgress(int done, int total);
     /// When files were read, before the message about it.
     void emitIntakeFinished();
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
+    /// As a click on the row of duplicates in the navigation pane.
+    void emitChooseDuplicates();
 
 public slots:
     void OnBtnGridView() { display(true); }
     void OnBtnTableView() { display(false); }
     void OnBtnOpenFile();
-    void DragMusicIntoLocalToAddFile(const QString& path)
-    {
-        m_dropFileList += m_intake.collect(path, m_dropFileList.size());
-    }
+    void DragMusicIntoLocalToAddFile(const QString& path);
     void DragMusicIntoiTunes() {}
     void slotShowAllmusicView();
     void slotShowUndefineMusicView();
@@ -105,6 +109,9 @@ public slots:
     /// Reduces every group to its first song on a thread, while the user waits.
     void SlotDeleteAllDupMusic();
     void SlotAllMusicInfoAfterDeleting();
+    void SlotGroupCleared();
+    /// The song of the panel is edited once more.
+    void SlotEditedAgain();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -123,6 +130,11 @@ private:
     QStringList chosenFiles();
     void offerFileDialog();
     void addFiles(const QStringList& files);
+    void takePaths(const QStringList& paths);
+    void tell(const FootText& told);
+    void tellOfDeletion(const QVector<FootText::Link>& links);
+    int groupAfterShown() const;
+    void showGroup(int row);
 
     void display(bool grid);
     void switchView();
@@ -160,7 +172,10 @@ private:
 
     LocalIntake m_intake;
     QStringList m_dropFileList;
+    QStringList m_windowsMediaLeftOut; ///< of the last drop
+    RemovalTally m_removalTally;       ///< of the deletion under way
     bool m_bFromDrop = false;
+    bool m_bWindowsMediaNamed = false;
     bool m_bLeavingMode = false;
     bool m_bFilesAdded = false;
 };

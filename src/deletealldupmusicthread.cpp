@@ -26,6 +26,7 @@ void DeleteAllDupMusicThread::GetDupMusicBeDelete(QList<QMusicInfo*>* all, QList
                                                   QList<QMusicInfo*>* undefined, QList<IAudioTag*>* tags)
 {
     m_lists = {all, groups, undefined, tags};
+    m_tally = RemovalTally();
 }
 
 QList<QMusicInfo*> DeleteAllDupMusicThread::takeRemovedSongs()
@@ -65,13 +66,14 @@ void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& p
             return;
         const SongRemoval::Removal& removal = plan.at(done);
         if (!files) {
-            SongRemoval::removeTrack(*removal.song);
+            m_tally.addTrack(*removal.song, SongRemoval::removeTrack(*removal.song));
         } else if (tags.contains(removal.song)) { // else it went before, and its file with it
             if (removal.kept != keptSong) {
                 kept = SongRemoval::filesOf({removal.kept});
                 keptSong = removal.kept;
             }
-            SongRemoval::removeFile(*removal.song, tags.value(removal.song), kept);
+            m_tally.addFile(*removal.song,
+                            SongRemoval::removeFile(*removal.song, tags.value(removal.song), kept));
         }
         if (sinceProgress.elapsed() >= progressMilliseconds) {
             emit emitProgress(done + 1, plan.size());

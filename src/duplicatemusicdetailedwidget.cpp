@@ -32,6 +32,8 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     ui->m_btnClearAll->installEventFilter(this);
     connect(ui->m_btnClearOne, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteSongWasSelected()));
     connect(ui->m_btnClearAll, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteAllSong()));
+    connect(m_pPlaySongWidget.get(), &PlaySongWidget::emitTold, this,
+            &DuplicateMusicDetailedWidget::emitTold);
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongStopBtnHidden()), this, SLOT(SlotSongStopBtnHidden()));
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongPlayBtnHidden()), this, SLOT(SlotSongPlayBtnHidden()));
 }
@@ -77,6 +79,7 @@ DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)
     m_listBarWidget.append(row);
     row->SetDupMusicInfo(song);
     connect(row, SIGNAL(emitStartPlaySong(QMusicInfo*)), this, SLOT(SlotStartPlaySong(QMusicInfo*)));
+    connect(row, &DupMusicbarWidget::emitTold, this, &DuplicateMusicDetailedWidget::emitTold);
     connect(row, SIGNAL(emitStopSong()), m_pPlaySongWidget.get(), SLOT(SlotOnBtnPause()));
     ui->m_ListverticalLayout->addWidget(row);
     row->show();
@@ -102,8 +105,10 @@ QList<QMusicInfo*> DuplicateMusicDetailedWidget::songsOfRows(bool kept) const
 
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
 {
-    if (m_deleteDlg.isNotToAskAgain() || userAgrees())
-        SlotDeleteSongWasSelected();
+    if (!m_deleteDlg.isNotToAskAgain() && !userAgrees())
+        return;
+    SlotDeleteSongWasSelected();
+    emit emitGroupCleared();
 }
 
 bool DuplicateMusicDetailedWidget::userAgrees()
@@ -125,6 +130,7 @@ void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 
 void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
 {
+    m_tracksRemoved = RemovalTally();
     if (!m_pMusicList)
         return;
     QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
@@ -139,7 +145,7 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         if (!row || row->isKept())
             continue;
         if (!SongRemoval::songsAreFiles())
-            SongRemoval::removeTrack(*song);
+            m_tracksRemoved.addTrack(*song, SongRemoval::removeTrack(*song));
         deleteRow(position);
         emit emitDeleteDupMusicWasSelected(song);
         update();

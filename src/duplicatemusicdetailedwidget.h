@@ -1,7 +1,9 @@
 #pragma once
 
 #include "collection/keptfiles.h"
+#include "common/footline.h"
 #include "deletedupmusicinfodlg.h"
+#include "songs/removaltally.h"
 
 #include <QList>
 #include <QWidget>
@@ -38,6 +40,8 @@ public:
     QList<QMusicInfo*> keptSongs() const { return songsOfRows(true); }
     /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
     const KeptFiles& keptFiles() const { return m_keptFiles; }
+    /// What became of the tracks that the last deletion took out of the library.
+    const RemovalTally& tracksRemoved() const { return m_tracksRemoved; }
 
 public slots:
     void SlotOnBtnDeleteSongWasSelected();
@@ -53,6 +57,10 @@ signals:
     /// One song is to leave the lists, and in the local mode the disk; handled before this returns.
     void emitDeleteDupMusicWasSelected(QMusicInfo* song);
     void emitDeleteAllDupMusic();
+    /// After the songs of one group were deleted, and no others are going to be.
+    void emitGroupCleared();
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -79,5 +87,6 @@ private:
     std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
     DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
     KeptFiles m_keptFiles;                      ///< empty but for a deletion
+    RemovalTally m_tracksRemoved;
     DeleteDupMusicInfoDlg m_deleteDlg;
 };

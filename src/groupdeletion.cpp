@@ -46,6 +46,11 @@ QList<QMusicInfo*> GroupDeletion::finish()
     return m_pDeleteThread->takeRemovedSongs();
 }
 
+const RemovalTally& GroupDeletion::tally() const
+{
+    return m_pDeleteThread->tally();
+}
+
 /// The thread ends by way of this one, which it blocks on.
 void GroupDeletion::stop()
 {

@@ -12,6 +12,8 @@ std::function<void()> beforeSync;
 std::function<void()> beforeLock;
 std::function<bool(int, off_t)> readFails;
 std::function<ssize_t(size_t)> copiesInKernel;
+std::function<bool()> writeFails;
+std::function<int(const char*)> accessFails;
 std::function<void(const char*)> beforeRemoval;
 std::function<void()> pauses;
 
@@ -21,6 +23,8 @@ Guard::~Guard()
     beforeRemoval = nullptr;
     readFails = nullptr;
     copiesInKernel = nullptr;
+    writeFails = nullptr;
+    accessFails = nullptr;
 }
 } // namespace Interposed
 
@@ -64,6 +68,26 @@ ssize_t pread(int fd, void* bytes, size_t count, off_t offset)
         return -1;
     }
     return ::syscall(SYS_pread64, fd, bytes, count, offset);
+}
+
+ssize_t pwrite(int fd, const void* bytes, size_t count, off_t offset)
+{
+    if (Interposed::writeFails && Interposed::writeFails()) {
+        errno = ENOSPC;
+        return -1;
+    }
+    return ::syscall(SYS_pwrite64, fd, bytes, count, offset);
+}
+
+int faccessat(int folder, const char* name, int mode, int flags) noexcept
+{
+    const int reason = Interposed::accessFails ? Interposed::accessFails(name) : 0;
+    if (reason != 0) {
+        errno = reason;
+        return -1;
+    }
+    (void)flags; // the system's own call has none
+    return int(::syscall(SYS_faccessat, folder, name, mode));
 }
 
 ssize_t copy_file_range(int from, off_t* in, int to, off_t* out, size_t count, unsigned flags)
