@@ -62,14 +62,14 @@ struct Trash::Places
 {
     ~Places();
     bool find(const std::string& folder, std::string& error);
-    TrashFolder* trashOf(std::string& error);
-    TrashFolder* trashAt(const std::string& path, std::string& error);
+    TrashFolder* trashOf(TrashFolder::Refusal& refusal);
+    TrashFolder* trashAt(const std::string& path, TrashFolder::Refusal& refusal);
 
     /// A trash, or the reason why there is none.
     struct Found
     {
         std::unique_ptr<TrashFolder> trash;
-        std::string error;
+        TrashFolder::Refusal refusal;
     };
 
     std::string asked; ///< the folder found last, as it was asked for
@@ -111,24 +111,28 @@ bool Trash::Places::find(const std::string& name, std::string& error)
 }
 
 /// The one for files of the folder found last.
-TrashFolder* Trash::Places::trashOf(std::string& error)
+TrashFolder* Trash::Places::trashOf(TrashFolder::Refusal& refusal)
 {
     const auto [found, isNew] = trashes.try_emplace(trashKey);
     Found& place = found->second;
-    if (isNew)
-        place.trash = trashKey.empty() ? TrashFolder::ofUser(usersTrash(), place.error)
-                                       : TrashFolder::atTop(trashKey, place.error);
-    error = place.error;
+    if (isNew || place.refusal.isPassing) {
+        place.refusal = {};
+        place.trash = trashKey.empty() ? TrashFolder::ofUser(usersTrash(), place.refusal)
+                                       : TrashFolder::atTop(trashKey, place.refusal);
+    }
+    refusal = place.refusal;
     return place.trash.get();
 }
 
-TrashFolder* Trash::Places::trashAt(const std::string& trash, std::string& error)
+TrashFolder* Trash::Places::trashAt(const std::string& trash, TrashFolder::Refusal& refusal)
 {
     const auto [found, isNew] = opened.try_emplace(trash);
     Found& place = found->second;
-    if (isNew)
-        place.trash = TrashFolder::at(trash, place.error);
-    error = place.error;
+    if (isNew || place.refusal.isPassing) {
+        place.refusal = {};
+        place.trash = TrashFolder::at(trash, place.refusal);
+    }
+    refusal = place.refusal;
     return place.trash.get();
 }
 
@@ -151,17 +155,23 @@ Trash::Taking Trash::take(const std::string& path, const FileState& expected, Tr
         error = "it is not the file that was listed any more";
         return Taking::Failed;
     }
-    TrashFolder* const trash = m_places->trashOf(error);
-    return trash ? trash->take(source, expected, taken, error) : Taking::NoTrash;
+    TrashFolder::Refusal refusal;
+    if (TrashFolder* const trash = m_places->trashOf(refusal))
+        return trash->take(source, expected, taken, error);
+    error = refusal.reason;
+    return refusal.isPassing ? Taking::Failed : Taking::NoTrash;
 }
 
 Trash::Restoring Trash::restore(const TrashedFile& file, std::string& error)
 {
     if (!m_places->find(folderOf(file.path), error))
         return Restoring::Failed;
-    const TrashFolder* const trash = m_places->trashAt(file.trash, error);
-    if (!trash)
-        return Restoring::Gone;
+    TrashFolder::Refusal refusal;
+    const TrashFolder* const trash = m_places->trashAt(file.trash, refusal);
+    if (!trash) {
+        error = refusal.reason;
+        return refusal.isPassing ? Restoring::Failed : Restoring::Gone;
+    }
     const Restoring restoring = trash->restore(file, m_places->folder.fd, error);
     if (restoring == Restoring::Done)
         m_places->filled.insert(m_places->path);

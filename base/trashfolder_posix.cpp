@@ -8,7 +8,6 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
-#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -58,15 +57,22 @@ std::string noteFor(const std::string& path)
     return "[Trash Info]\nPath=" + encoded(path) + "\nDeletionDate=" + std::string(text, size) + '\n';
 }
 
-bool isOwnAndWritable(const Descriptor& folder, std::string& error)
+/// Whether it is the system that is short of something.
+bool isPassing(int failure)
+{
+    return failure == EMFILE || failure == ENFILE || failure == ENOMEM || failure == EIO || failure == EINTR;
+}
+
+bool isOwnAndWritable(const Descriptor& folder, TrashFolder::Refusal& refusal)
 {
     struct stat status = {};
     if (!folder.isOpen() || ::fstat(folder.fd, &status) != 0)
-        error = errno == ENOENT ? "there is no trash" : "the trash cannot be opened: " + reason();
+        refusal = {errno == ENOENT ? "there is no trash" : "the trash cannot be opened: " + reason(),
+                   isPassing(errno)};
     else if (status.st_uid != ::geteuid())
-        error = "the trash is another user's";
+        refusal = {"the trash is another user's"};
     else if (!(status.st_mode & S_IWUSR) || ::faccessat(folder.fd, ".", W_OK | X_OK, 0) != 0)
-        error = "the trash is read-only";
+        refusal = {"the trash is read-only"};
     else
         return true;
     return false;
@@ -105,19 +111,12 @@ bool renameToFree(int fromFolder, const std::string& from, int toFolder, const s
     errno = failure;
     return false;
 }
-
-/// Whether a note that was not written tells of the trash, and not of a shortage at that moment.
-bool takesNoFile(int failure)
-{
-    const int lasting[] = {EACCES, EDQUOT, EFBIG, ENAMETOOLONG, ENOENT, ENOSPC, EPERM, EROFS};
-    return std::find(std::begin(lasting), std::end(lasting), failure) != std::end(lasting);
-}
 } // namespace
 
 std::unique_ptr<TrashFolder> TrashFolder::in(const Descriptor& folder, const std::string& path, Making making,
-                                             std::string& error)
+                                             Refusal& refusal)
 {
-    if (!isOwnAndWritable(folder, error))
+    if (!isOwnAndWritable(folder, refusal))
         return nullptr;
     if (making == Making::Allowed) {
         makeFolderAt(folder.fd, "files");
@@ -127,26 +126,26 @@ std::unique_ptr<TrashFolder> TrashFolder::in(const Descriptor& folder, const std
     trash->m_path = path;
     trash->m_files = openFolderAt(folder.fd, "files");
     trash->m_notes = openFolderAt(folder.fd, "info");
-    if (!isOwnAndWritable(trash->m_files, error) || !isOwnAndWritable(trash->m_notes, error))
+    if (!isOwnAndWritable(trash->m_files, refusal) || !isOwnAndWritable(trash->m_notes, refusal))
         return nullptr;
     const long most = ::fpathconf(trash->m_notes.fd, _PC_NAME_MAX);
     trash->m_longestName = most > 0 ? std::min(std::size_t(most), longestName) : longestName;
     return trash;
 }
 
-std::unique_ptr<TrashFolder> TrashFolder::at(const std::string& path, std::string& error)
+std::unique_ptr<TrashFolder> TrashFolder::at(const std::string& path, Refusal& refusal)
 {
-    return in(openFolderOf(path + '/'), path, Making::No, error);
+    return in(openFolderOf(path + '/'), path, Making::No, refusal);
 }
 
-std::unique_ptr<TrashFolder> TrashFolder::ofUser(const std::string& path, std::string& error)
+std::unique_ptr<TrashFolder> TrashFolder::ofUser(const std::string& path, Refusal& refusal)
 {
     std::string there = path;
     struct stat status = {};
     while (::stat(there.c_str(), &status) != 0 && there.rfind('/') != 0)
         there.resize(there.rfind('/'));
     if (status.st_uid != ::geteuid()) {
-        error = "the trash would be in another user's folder";
+        refusal = {"the trash would be in another user's folder"};
         return nullptr;
     }
     std::size_t end = there.size();
@@ -154,7 +153,7 @@ std::unique_ptr<TrashFolder> TrashFolder::ofUser(const std::string& path, std::s
         end = std::min(path.find('/', end + 1), path.size());
         makeFolderAt(AT_FDCWD, path.substr(0, end));
     }
-    return in(openFolderOf(path + '/'), path, Making::Allowed, error);
+    return in(openFolderOf(path + '/'), path, Making::Allowed, refusal);
 }
 
 /// Null where the administrator made no such folder, or not as it has to be for all users.
@@ -166,11 +165,11 @@ std::unique_ptr<TrashFolder> TrashFolder::inAllUsersFolder(const Descriptor& top
         return nullptr;
     const std::string own = std::to_string(::geteuid());
     makeFolderAt(folder.fd, own);
-    std::string error;
-    return in(openFolderAt(folder.fd, own), path + ".Trash/" + own, Making::Allowed, error);
+    Refusal refusal;
+    return in(openFolderAt(folder.fd, own), path + ".Trash/" + own, Making::Allowed, refusal);
 }
 
-std::unique_ptr<TrashFolder> TrashFolder::atTop(const std::string& top, std::string& error)
+std::unique_ptr<TrashFolder> TrashFolder::atTop(const std::string& top, Refusal& refusal)
 {
     const std::string path = top.back() == '/' ? top : top + '/';
     const Descriptor folder = openFolderOf(path);
@@ -178,7 +177,7 @@ std::unique_ptr<TrashFolder> TrashFolder::atTop(const std::string& top, std::str
     if (!trash) {
         const std::string own = ".Trash-" + std::to_string(::geteuid());
         makeFolderAt(folder.fd, own);
-        trash = in(openFolderAt(folder.fd, own), path + own, Making::Allowed, error);
+        trash = in(openFolderAt(folder.fd, own), path + own, Making::Allowed, refusal);
     }
     if (trash)
         trash->m_top = path;
@@ -215,7 +214,7 @@ TrashFolder::Step TrashFolder::tryName(const Source& source, const FileState& ex
     if (!writeNote(taken.name, noteFor(taken.path.substr(m_top.size())))) {
         if (errno == EEXIST)
             return Step::NameTaken;
-        const Step step = takesNoFile(errno) ? Step::NoTrash : Step::Failed;
+        const Step step = isPassing(errno) ? Step::Failed : Step::NoTrash;
         error = "the trash takes no file: " + reason();
         return step;
     }

@@ -23,14 +23,21 @@ public:
         std::string name;
     };
 
+    /// Why there is no trash.
+    struct Refusal
+    {
+        std::string reason;
+        bool isPassing = false; ///< a shortage of the moment, which tells nothing of the trash
+    };
+
     /// The trash at the path, which may be a link of the user's own; made where it is not there, in a folder
     /// of the user's. Null with the reason.
-    static std::unique_ptr<TrashFolder> ofUser(const std::string& path, std::string& error);
+    static std::unique_ptr<TrashFolder> ofUser(const std::string& path, Refusal& refusal);
     /// The user's trash at the top of a disk: in the folder that the administrator made for all users, else
     /// one beside it. Null with the reason.
-    static std::unique_ptr<TrashFolder> atTop(const std::string& top, std::string& error);
+    static std::unique_ptr<TrashFolder> atTop(const std::string& top, Refusal& refusal);
     /// A trash that is there. Null with the reason.
-    static std::unique_ptr<TrashFolder> at(const std::string& path, std::string& error);
+    static std::unique_ptr<TrashFolder> at(const std::string& path, Refusal& refusal);
 
     /// As Trash does it.
     Trash::Taking take(const Source& source, const FileState& expected, TrashedFile& taken,
@@ -44,7 +51,7 @@ private:
 
     TrashFolder() = default;
     static std::unique_ptr<TrashFolder> in(const Descriptor& folder, const std::string& path, Making making,
-                                           std::string& error);
+                                           Refusal& refusal);
     static std::unique_ptr<TrashFolder> inAllUsersFolder(const Descriptor& top, const std::string& path);
     Step tryName(const Source& source, const FileState& expected, TrashedFile& taken, std::string& error);
     bool writeNote(const std::string& name, const std::string& text) const;

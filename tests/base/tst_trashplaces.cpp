@@ -224,7 +224,8 @@ void TestTrashPlaces::aDiskWithAFolderForAllIsUsedAsTheAdministratorWants()
               m_files + "elsewhere");
     if (QTest::currentTestFailed())
         return;
-    QVERIFY2(TrashFolder::atTop(topFolder().toStdString(), m_error), m_error.c_str());
+    TrashFolder::Refusal refusal;
+    QVERIFY2(TrashFolder::atTop(topFolder().toStdString(), refusal), refusal.reason.c_str());
     QCOMPARE(namesIn(topFolder() + trash), QStringList({"files", "info"}));
     QCOMPARE(modeOf(topFolder() + trash), 0700);
     QCOMPARE(namesIn(m_files + "elsewhere"), QStringList());
@@ -246,8 +247,10 @@ void TestTrashPlaces::whatIsNoTrashAtTheTop()
     spoil(how, place.isEmpty() ? own : own + '/' + place.toUtf8(), m_files + "elsewhere");
     if (QTest::currentTestFailed())
         return;
-    QVERIFY(!TrashFolder::atTop(topFolder().toStdString(), m_error));
-    QVERIFY(!m_error.empty());
+    TrashFolder::Refusal refusal;
+    QVERIFY(!TrashFolder::atTop(topFolder().toStdString(), refusal));
+    QVERIFY(!refusal.reason.empty());
+    QVERIFY(!refusal.isPassing);
     QCOMPARE(namesIn(m_files + "elsewhere"), QStringList());
 }
 
@@ -255,7 +258,8 @@ void TestTrashPlaces::notesAtTheTopAreRelative()
 {
     makeFolder(topFolder() + "in");
     const std::string path = write("disk/in/a.mp3", "music");
-    const auto trash = TrashFolder::atTop(topFolder().toStdString(), m_error);
+    TrashFolder::Refusal refusal;
+    const auto trash = TrashFolder::atTop(topFolder().toStdString(), refusal);
     QVERIFY(trash);
     const base::Descriptor folder = base::openFolderOf(path);
     TrashedFile taken;
