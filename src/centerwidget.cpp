@@ -82,6 +82,7 @@ void CenterWidget::InitConnect()
     connect(groups, SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)), this,
             SLOT(SlotDeleteMupMusicWasSelected(QMusicInfo*)));
     connect(groups, SIGNAL(emitDeleteAllDupMusic()), this, SLOT(SlotDeleteAllDupMusic()));
+    connect(groups, SIGNAL(emitFilesRemoved(RemovedFiles)), this, SIGNAL(emitFilesRemoved(RemovedFiles)));
     connect(details, SIGNAL(emitForbidToClickView(bool)), this, SLOT(SlotForbidToClickView(bool)));
     connect(this, SIGNAL(emitDuplicateMusicCount(int)), groups, SLOT(SlotSetDeleteBtn(int)));
     connect(this, SIGNAL(emitStartToPlayMusic(QMusicInfo*)), groups,
@@ -282,8 +283,8 @@ SongLists CenterWidget::songLists()
 
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow,
-                               ui->m_dupMusicDetailedWidget->keptFiles()))
+    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, ui->m_dupMusicDetailedWidget->keptFiles(),
+                               ui->m_dupMusicDetailedWidget->fileRemoval()))
         m_removedSongs.append(song);
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
@@ -302,11 +303,15 @@ void CenterWidget::SlotDeleteAllDupMusic()
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
     m_removedSongs += m_deletion.finish();
+    RemovedFiles files = ui->m_dupMusicDetailedWidget->takeRemovedFirst();
+    files.append(m_deletion.takeRemovedFiles());
     m_views->setGroupsEnabled(true);
     forgetShownGroup();
     m_views->refreshGroups();
     m_views->refreshSongs();
     emitCounts();
+    if (!files.isEmpty())
+        emit emitFilesRemoved(files);
 }
 
 void CenterWidget::emitCounts()

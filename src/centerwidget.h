@@ -68,6 +68,8 @@ signals:
     void emitUndefinedMusicCount(int count);
     void emitDuplicateMusicCount(int groups);
     void emitMusicCount(int all, int undefined, int groups);
+    /// At the end of each deletion of files, of which clearing all groups is one.
+    void emitFilesRemoved(const RemovedFiles& files);
     void emitFinishScanninglocalMusic();
     void emitStartToPlayMusic(QMusicInfo* song);
     void emitSetNavigViewBtn();

@@ -22,6 +22,8 @@ public:
                              QList<QMusicInfo*>* undefined, QList<IAudioTag*>* tags);
     /// The songs that the last run took out of the list of all songs; they are nobody's from then on.
     QList<QMusicInfo*> takeRemovedSongs();
+    /// What became of the files of the last run.
+    RemovedFiles takeRemovedFiles();
 
 signals:
     /// When everything is deleted and the lists are edited.
@@ -33,8 +35,9 @@ protected:
     void run() override;
 
 private:
-    void deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done);
+    void deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done, FileRemoval& removal);
 
     SongLists m_lists;
     QList<QMusicInfo*> m_removedSongs;
+    RemovedFiles m_removedFiles;
 };

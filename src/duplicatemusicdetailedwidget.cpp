@@ -15,7 +15,7 @@
 
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
-      m_pPlaySongWidget(std::make_unique<PlaySongWidget>())
+      m_pPlaySongWidget(std::make_unique<PlaySongWidget>()), m_fileRemoval(std::make_unique<FileRemoval>())
 {
     ui->setupUi(this);
     ui->scrollArea->viewport()->setAutoFillBackground(false);
@@ -99,7 +99,7 @@ void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
 /// Oddity 26: asks nothing.
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 {
-    SlotDeleteSongWasSelected();
+    m_removedFirst = deleteUncheckedSongs();
     emit emitDeleteAllDupMusic();
     ui->m_btnClearAll->hide();
     ui->m_btnClearOne->hide();
@@ -107,11 +107,32 @@ void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 
 void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
 {
+    const RemovedFiles files = deleteUncheckedSongs();
+    if (!files.isEmpty())
+        emit emitFilesRemoved(files);
+}
+
+RemovedFiles DuplicateMusicDetailedWidget::deleteUncheckedSongs()
+{
     if (!m_pMusicList)
-        return;
+        return RemovedFiles();
     QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
     hideRows();
     m_keptFiles = SongRemoval::filesOf(keptSongs());
+    deleteUncheckedRows();
+    m_keptFiles = KeptFiles();
+    const auto removal = std::exchange(m_fileRemoval, std::make_unique<FileRemoval>());
+    if (m_listBarWidget.size() == 1)
+        removeLastRow();
+    else if (!rowsMatchSongs())
+        showRowsAnew(); // or the next deletion would take another row's song
+    ui->m_scrollAreaWidget->show();
+    QApplication::restoreOverrideCursor();
+    return removal->removed();
+}
+
+void DuplicateMusicDetailedWidget::deleteUncheckedRows()
+{
     for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
         // Oddity 25: the song comes from the list, which loses an entry each time, the mark from the row.
         QMusicInfo* song = m_pMusicList->value(position);
@@ -126,13 +147,6 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         emit emitDeleteDupMusicWasSelected(song);
         update();
     }
-    m_keptFiles = KeptFiles();
-    if (m_listBarWidget.size() == 1)
-        removeLastRow();
-    else if (!rowsMatchSongs())
-        showRowsAnew(); // or the next deletion would take another row's song
-    ui->m_scrollAreaWidget->show();
-    QApplication::restoreOverrideCursor();
 }
 
 void DuplicateMusicDetailedWidget::deleteRow(int position)

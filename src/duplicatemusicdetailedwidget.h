@@ -1,5 +1,6 @@
 #pragma once
 
+#include "collection/fileremoval.h"
 #include "collection/keptfiles.h"
 #include "deletedupmusicinfodlg.h"
 
@@ -7,6 +8,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <utility>
 
 class DupMusicbarWidget;
 class PlaySongWidget;
@@ -35,6 +37,10 @@ public:
     QList<QMusicInfo*> keptSongs() const;
     /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
     const KeptFiles& keptFiles() const { return m_keptFiles; }
+    /// Takes the files of the deletion under way.
+    FileRemoval& fileRemoval() { return *m_fileRemoval; }
+    /// What became of the files of this group that the clearing of all groups began with.
+    RemovedFiles takeRemovedFirst() { return std::exchange(m_removedFirst, {}); }
 
 public slots:
     void SlotOnBtnDeleteSongWasSelected();
@@ -50,6 +56,8 @@ signals:
     /// One song is to leave the lists, and in the local mode the disk; handled before this returns.
     void emitDeleteDupMusicWasSelected(QMusicInfo* song);
     void emitDeleteAllDupMusic();
+    /// At the end of a deletion of files, unless it is the beginning of clearing all groups.
+    void emitFilesRemoved(const RemovedFiles& files);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -61,6 +69,8 @@ private:
     void deleteRow(int position);
     void removeLastRow();
     bool rowsMatchSongs() const;
+    void deleteUncheckedRows();
+    RemovedFiles deleteUncheckedSongs();
     void showRowsAnew();
     void play(QMusicInfo* song, bool fromDupBar);
 
@@ -70,5 +80,7 @@ private:
     std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
     DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
     KeptFiles m_keptFiles;                      ///< empty but for a deletion
+    std::unique_ptr<FileRemoval> m_fileRemoval; ///< a new one for each deletion
+    RemovedFiles m_removedFirst;
     DeleteDupMusicInfoDlg m_deleteDlg;
 };

@@ -46,6 +46,11 @@ QList<QMusicInfo*> GroupDeletion::finish()
     return m_pDeleteThread->takeRemovedSongs();
 }
 
+RemovedFiles GroupDeletion::takeRemovedFiles()
+{
+    return m_pDeleteThread->takeRemovedFiles();
+}
+
 /// The thread ends by way of this one, which it blocks on.
 void GroupDeletion::stop()
 {

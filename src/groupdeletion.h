@@ -26,6 +26,8 @@ public:
     bool isRunning() const { return m_bDeleting; }
     /// Closes the dialog. The songs that the run took out of the list of all songs, nobody's from then on.
     QList<QMusicInfo*> finish();
+    /// What became of the files of the run that was finished last.
+    RemovedFiles takeRemovedFiles();
     /// Ends a run after the file at hand; the owner's slot runs as ever.
     void stop();
 

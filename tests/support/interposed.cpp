@@ -13,12 +13,13 @@ std::function<void()> beforeLock;
 std::function<bool(int, off_t)> readFails;
 std::function<ssize_t(size_t)> copiesInKernel;
 std::function<void(const char*)> beforeRemoval;
+std::function<void(const char*)> beforeMove;
 std::function<void()> pauses;
 
 Guard::~Guard()
 {
     beforeSync = beforeLock = pauses = nullptr;
-    beforeRemoval = nullptr;
+    beforeRemoval = beforeMove = nullptr;
     readFails = nullptr;
     copiesInKernel = nullptr;
 }
@@ -45,6 +46,13 @@ int unlinkat(int folder, const char* name, int flags) noexcept
     if (Interposed::beforeRemoval)
         Interposed::beforeRemoval(name);
     return int(::syscall(SYS_unlinkat, folder, name, flags));
+}
+
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept
+{
+    if (Interposed::beforeMove)
+        Interposed::beforeMove(from);
+    return int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
 }
 
 int usleep(useconds_t microseconds)

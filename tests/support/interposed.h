@@ -18,6 +18,8 @@ extern std::function<bool(int fd, off_t offset)> readFails;
 extern std::function<ssize_t(size_t wanted)> copiesInKernel;
 /// Before a name is removed from an open folder.
 extern std::function<void(const char* name)> beforeRemoval;
+/// Before something moves to a name that has to be free.
+extern std::function<void(const char* name)> beforeMove;
 /// In place of a pause of microseconds.
 extern std::function<void()> pauses;
 
