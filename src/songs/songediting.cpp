@@ -8,6 +8,7 @@
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "songs/songfields.h"
+#include "songs/tagcontent.h"
 
 #include <QFile>
 
@@ -17,19 +18,6 @@
 
 namespace {
 constexpr qint64 maxPictureBytes = 256ll * 1024 * 1024;
-
-void replaceText(IAudioTag& tag, qint32 type, const QString& text)
-{
-    std::u32string wide = text.toStdU32String();
-    tag.RemoveItem(type);
-    tag.SetItem({-1, type, 0, qint32(wide.size() * sizeof(char32_t)), wide.data()});
-}
-
-void replacePicture(IAudioTag& tag, QByteArray picture)
-{
-    tag.RemoveItem(TAG_PICTURE);
-    tag.SetItem({-1, TAG_PICTURE, 1, picture.size(), picture.data()});
-}
 
 /// The whole file; nothing when there is none, or when it is beyond anything that a tag could hold.
 QByteArray pictureBytes(const QString& path)
@@ -128,13 +116,14 @@ SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
 
 int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)
 {
-    replaceText(tag, TAG_ARTIST, edit.artist);
-    replaceText(tag, TAG_TITLE, edit.title);
-    replaceText(tag, TAG_ALBUM, edit.album);
-    replaceText(tag, TAG_GENRE, edit.genre);
-    replaceText(tag, TAG_YEAR, QString::number(edit.year));
-    replaceText(tag, TAG_TRACK, QString::number(edit.trackNumber));
+    TagContent content;
+    content.title = edit.title;
+    content.artist = edit.artist;
+    content.album = edit.album;
+    content.genre = edit.genre;
+    content.year = QString::number(edit.year);
+    content.track = QString::number(edit.trackNumber);
     // Oddity 37: also without a chosen cover; saving then takes the picture out.
-    replacePicture(tag, pictureBytes(edit.newCoverPath));
-    return tag.Save();
+    content.picture = pictureBytes(edit.newCoverPath);
+    return content.save(tag);
 }
