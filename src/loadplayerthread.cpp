@@ -6,9 +6,14 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+namespace {
+constexpr char work[] = "loading the player";
+}
+
 LoadPlayerThread::~LoadPlayerThread()
 {
-    wait();
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 void LoadPlayerThread::startSoon()
@@ -17,11 +22,16 @@ void LoadPlayerThread::startSoon()
     if (asked)
         return;
     asked = true;
-    auto* const thread = new LoadPlayerThread(QCoreApplication::instance());
-    QTimer::singleShot(0, thread, [thread] { Workers::start(*thread); });
+    auto* const loading = new LoadPlayerThread(QCoreApplication::instance());
+    QTimer::singleShot(0, loading, &LoadPlayerThread::start);
 }
 
-void LoadPlayerThread::run()
+void LoadPlayerThread::start()
 {
-    Workers::finish("loading the player", PreparePlayer);
+    Workers::finish(work, [this] {
+        m_thread = std::thread([this] {
+            Workers::finish(work, PreparePlayer);
+            m_finished = true;
+        });
+    });
 }

@@ -7,6 +7,7 @@
 #include "common/workers.h"
 #include "covers/coverchoice.h"
 #include "identifythread.h"
+#include "keepoffers.h"
 #include "loadplayerthread.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
@@ -24,20 +25,6 @@ namespace {
 QString numberText(quint64 number)
 {
     return QStringLiteral("%1").arg(number);
-}
-
-/// Oddity 7: the texts of the combo, in its order and spelling.
-QStringList genres()
-{
-    return {QString(),
-            QStringLiteral("Blue"),
-            QStringLiteral("Alternavite & Punk"),
-            QStringLiteral("Books & Spoken"),
-            QStringLiteral("Children's Music"),
-            QStringLiteral("Classical"),
-            QStringLiteral("Pop"),
-            QStringLiteral("Rock"),
-            QStringLiteral("Other")};
 }
 } // namespace
 
@@ -95,7 +82,7 @@ void MusicDetailedInfoWidget::InitEditors()
     auto* validator = new QIntValidator(1, 9999, this);
     ui->m_lineYear->setValidator(validator);
     ui->m_lineTrackNo->setValidator(validator);
-    m_genreList = genres();
+    m_genreList = SongEditing::genres();
     ui->m_comboGenre->addItems(m_genreList);
     ui->m_comboGenre->setStyleSheet(QStringLiteral(
         "QComboBox{background-color:rgb(154,219,251);margin:2px;}"
@@ -111,6 +98,8 @@ void MusicDetailedInfoWidget::InitConnect()
     connect(ui->m_btnCancel, SIGNAL(clicked()), this, SLOT(SlotOnBtnCancel()));
     connect(ui->currentImgWidget, SIGNAL(widgetClick()), this, SLOT(SlotChangeImage()));
     connect(ui->m_btnIdentify, SIGNAL(clicked()), this, SLOT(SlotOnBtnIdentify()));
+    m_keepOffers = new KeepOffers(*ui->currentImgWidget, *ui->m_comboGenre, *ui->m_gridLayout);
+    connect(m_keepOffers, &KeepOffers::coverKept, this, &MusicDetailedInfoWidget::keepCover);
 }
 
 void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
@@ -132,7 +121,7 @@ void MusicDetailedInfoWidget::forgetFormerSong()
 {
     m_bIdentified = false;
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
-    if (m_bCoverIdentified)
+    if (m_newCoverOrigin != CoverOrigin::Chosen)
         m_strNewCoverPath.clear();
     if (!m_bIdentifying)
         return;
@@ -164,6 +153,33 @@ void MusicDetailedInfoWidget::showCover(const QString& path)
     ui->currentImgWidget->SetImageBackgroud(path, true);
 }
 
+void MusicDetailedInfoWidget::takeNewCover(const QString& path, CoverOrigin origin)
+{
+    m_strNewCoverPath = path;
+    m_newCoverOrigin = origin;
+    showCover(path);
+    offerToKeepCover();
+}
+
+void MusicDetailedInfoWidget::keepCover(bool keep)
+{
+    const QString own = SongFields::coverPath(m_pMusicInfo);
+    takeNewCover(keep ? own : QString(), CoverOrigin::Own);
+    showCover(own);
+}
+
+bool MusicDetailedInfoWidget::isOwnCoverKept() const
+{
+    return m_newCoverOrigin == CoverOrigin::Own && !m_strNewCoverPath.isEmpty();
+}
+
+void MusicDetailedInfoWidget::offerToKeepCover()
+{
+    const bool kept = isOwnCoverKept();
+    const bool otherShown = !kept && !m_strNewCoverPath.isEmpty();
+    m_keepOffers->offerCover(SongEditing::takesCoverOut(m_pMusicInfo), otherShown, kept);
+}
+
 void MusicDetailedInfoWidget::showButtons(bool editing)
 {
     const bool hasFocus = isAncestorOf(window()->focusWidget());
@@ -178,6 +194,7 @@ void MusicDetailedInfoWidget::showButtons(bool editing)
 
 void MusicDetailedInfoWidget::HiddenLineEdit()
 {
+    m_keepOffers->end();
     for (QLineEdit* editor : findChildren<QLineEdit*>())
         editor->hide();
     ui->m_comboGenre->hide();
@@ -197,6 +214,7 @@ bool MusicDetailedInfoWidget::isEditing() const
 
 void MusicDetailedInfoWidget::SlotOnBtnEdit()
 {
+    m_bIdentifyFailed = false;
     ui->m_lineTitle->setText(SongFields::title(m_pMusicInfo));
     ui->m_lineArtist->setText(SongFields::artist(m_pMusicInfo));
     ui->m_lineAlbum->setText(SongFields::album(m_pMusicInfo));
@@ -206,6 +224,7 @@ void MusicDetailedInfoWidget::SlotOnBtnEdit()
     const int genre = m_genreList.indexOf(SongFields::genre(m_pMusicInfo));
     if (genre >= 0)
         ui->m_comboGenre->setCurrentIndex(genre);
+    m_nGenreBefore = ui->m_comboGenre->currentIndex();
     for (RetractLabel* label : findChildren<RetractLabel*>())
         label->hide();
     for (QLineEdit* editor : findChildren<QLineEdit*>()) {
@@ -217,6 +236,8 @@ void MusicDetailedInfoWidget::SlotOnBtnEdit()
     ui->currentImgWidget->setEnabled(true);
     if (!m_strNewCoverPath.isEmpty())
         showCover(m_strNewCoverPath); // what an apply would write
+    m_keepOffers->begin(SongFields::genre(m_pMusicInfo));
+    offerToKeepCover();
     showButtons(true);
     ui->m_lineTitle->setFocus();
 }
@@ -226,15 +247,11 @@ void MusicDetailedInfoWidget::SlotOnBtnCancel()
     showButtons(false);
     SetTextLabelAndLineState();
     ui->currentImgWidget->setEnabled(false);
+    showCover(SongCover::shownPath(m_pMusicInfo));
     if (m_pIdentifyThread)
         m_pIdentifyThread->CloseTheIdentifier();
     endIdentification();
     // Oddity 38: a cover that was chosen stays chosen; the next apply uses it.
-}
-
-void MusicDetailedInfoWidget::SlotOnBtnIdentify()
-{
-    IdentifyMusic();
 }
 
 void MusicDetailedInfoWidget::ShowAllTextLabelAndLineEind()
@@ -320,9 +337,7 @@ void MusicDetailedInfoWidget::SlotReceiveIdentifyCover(const QString& path)
 {
     if (isStale(sender()))
         return;
-    m_strNewCoverPath = path;
-    m_bCoverIdentified = true;
-    showCover(path);
+    takeNewCover(path, CoverOrigin::Identified);
 }
 
 void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
@@ -331,6 +346,7 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
         return;
     const auto* worker = qobject_cast<IdentifyThread*>(sender());
     endIdentification();
+    m_bIdentifyFailed = true;
     // Who cancelled knows.
     if (!worker || !worker->isCancelled())
         MessageDialog::notify(QStringLiteral("Identify failed! You can edit the music information manually."),
@@ -348,9 +364,7 @@ void MusicDetailedInfoWidget::SlotChangeImage()
     const QString path = CoverChoice::embeddable(chosen);
     if (path.isEmpty())
         return;
-    m_strNewCoverPath = path;
-    m_bCoverIdentified = false;
-    showCover(path);
+    takeNewCover(path, CoverOrigin::Chosen);
 }
 
 void MusicDetailedInfoWidget::cacheEditorTexts()
@@ -373,6 +387,7 @@ SongEdit MusicDetailedInfoWidget::editedSong() const
     edit.year = m_strShownYear.toInt();
     edit.trackNumber = m_strShownTrackNo.toInt();
     edit.newCoverPath = m_strNewCoverPath;
+    edit.coverKept = isOwnCoverKept();
     return edit;
 }
 
@@ -395,6 +410,7 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
     }
 }
 
+/// After a failure Enter applies what was typed alone: it may be meant for the message that told of it.
 void MusicDetailedInfoWidget::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
@@ -404,8 +420,15 @@ void MusicDetailedInfoWidget::keyPressEvent(QKeyEvent* event)
     }
     if (!enter || ui->m_btnCancel->hasFocus())
         SlotOnBtnCancel();
-    else if (ui->m_btnApply->isEnabled())
+    else if (ui->m_btnApply->isEnabled() && (!m_bIdentifyFailed || isInChangedEditor()))
         SlotOnBtnApply();
+}
+
+bool MusicDetailedInfoWidget::isInChangedEditor() const
+{
+    if (const auto* editor = qobject_cast<QLineEdit*>(focusWidget()))
+        return editor->isModified();
+    return ui->m_comboGenre->hasFocus() && ui->m_comboGenre->currentIndex() != m_nGenreBefore;
 }
 
 void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)

@@ -10,6 +10,7 @@
 #include <memory>
 
 class IdentifyThread;
+class KeepOffers;
 class SkinMovie;
 struct QMusicInfo;
 
@@ -49,7 +50,7 @@ public slots:
     void SlotOnBtnCancel();
     void SlotOnBtnApply();
     void SlotChangeImage();
-    void SlotOnBtnIdentify();
+    void SlotOnBtnIdentify() { IdentifyMusic(); }
     void SlotReceiveIdentifyInfo(const QStringList& info);
     void SlotReceiveIdentifyCover(const QString& path);
     void SlotOnFailIdentifyTips();
@@ -61,6 +62,9 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// Where a new cover comes from: the user, or, for this song alone, an identification or the song itself.
+    enum class CoverOrigin { Chosen, Identified, Own };
+
     void InitBtn();
     void InitEditors();
     void InitConnect();
@@ -74,18 +78,25 @@ private:
     void forgetFormerSong();
     void showButtons(bool editing);
     void showCover(const QString& path);
+    void takeNewCover(const QString& path, CoverOrigin origin);
+    void keepCover(bool keep);
+    bool isOwnCoverKept() const;
+    void offerToKeepCover();
     void cacheEditorTexts();
     SongEdit editedSong() const;
     bool isEditing() const;
+    bool isInChangedEditor() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
+    KeepOffers* m_keepOffers = nullptr;
     SkinPicture m_face;
 
     bool m_bNewSong = false;
     bool m_bFirstShow = true;
     bool m_bIdentified = false;
-    bool m_bCoverIdentified = false; ///< the new cover was not chosen by the user
-    bool m_bIdentifying = false;     ///< from the start until the results are here, or nobody waits for them
+    bool m_bIdentifying = false;    ///< from the start until the results are here, or nobody waits for them
+    bool m_bIdentifyFailed = false; ///< since the editors were opened
+    int m_nGenreBefore = 0;         ///< what the genre box showed when they were
     QStringList m_genreList;
     QString m_strShownTitle; ///< oddity 39: the labels show what was typed after an apply
     QString m_strShownArtist;
@@ -94,6 +105,7 @@ private:
     QString m_strShownYear;
     QString m_strShownTrackNo;
     QString m_strNewCoverPath; ///< chosen and not yet applied
+    CoverOrigin m_newCoverOrigin = CoverOrigin::Chosen;
     QMusicInfo* m_pMusicInfo = nullptr;
     std::unique_ptr<SkinMovie> m_pMovie;
     QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves

@@ -33,6 +33,13 @@ QByteArray pictureBytes(const QString& path)
     return file.readAll();
 }
 
+/// What another program put into the file since it was read is the user's, too.
+QByteArray wantedPicture(IAudioTag& tag, const SongEdit& edit)
+{
+    const QByteArray held = edit.coverKept ? TagContent::of(tag).picture : QByteArray();
+    return held.isEmpty() ? pictureBytes(edit.newCoverPath) : held;
+}
+
 void takeCover(LocalMusicInfo& local, const QString& path)
 {
     local.coverPath = path;
@@ -107,6 +114,25 @@ SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
 }
 } // namespace
 
+// Oddity 7: this order and spelling.
+QStringList SongEditing::genres()
+{
+    return {QString(),
+            QStringLiteral("Blue"),
+            QStringLiteral("Alternavite & Punk"),
+            QStringLiteral("Books & Spoken"),
+            QStringLiteral("Children's Music"),
+            QStringLiteral("Classical"),
+            QStringLiteral("Pop"),
+            QStringLiteral("Rock"),
+            QStringLiteral("Other")};
+}
+
+bool SongEditing::takesCoverOut(const QMusicInfo* song)
+{
+    return QIOrvoUtil::m_cleanMode && QIOrvoUtil::isImage(SongFields::coverPath(song));
+}
+
 SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
 {
     if (QIOrvoUtil::m_cleanMode)
@@ -124,6 +150,6 @@ int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)
     content.year = QString::number(edit.year);
     content.track = QString::number(edit.trackNumber);
     // Oddity 37: also without a chosen cover; saving then takes the picture out.
-    content.picture = pictureBytes(edit.newCoverPath);
+    content.picture = wantedPicture(tag, edit);
     return content.save(tag);
 }

@@ -14,7 +14,7 @@ struct TagContent
     QString genre;
     QString year;       ///< decimal
     QString track;      ///< decimal
-    QByteArray picture; ///< the bytes of its file; empty without one
+    QByteArray picture; ///< the bytes of its file; empty without one; of several the last one, as in lists
 
     /// What an open tag holds.
     static TagContent of(IAudioTag& tag);

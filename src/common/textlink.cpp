@@ -1,0 +1,70 @@
+#include "common/textlink.h"
+
+#include "common/style.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace {
+constexpr int margin = 3; // for the mark of the focus
+}
+
+TextLink::TextLink(const QString& caption, QWidget* parent) : QAbstractButton(parent)
+{
+    setText(caption);
+    setAccessibleName(caption);
+    setFont(Style::font(12));
+    setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus);
+}
+
+QSize TextLink::sizeHint() const
+{
+    return {fontMetrics().horizontalAdvance(text()) + 2 * margin, fontMetrics().height() + 2 * margin};
+}
+
+/// The caption as it fits: in one line, or in two.
+QString TextLink::shownText() const
+{
+    const int room = width() - 2 * margin;
+    const int blank = text().indexOf(QLatin1Char(' '));
+    if (blank < 0 || fontMetrics().horizontalAdvance(text()) <= room)
+        return fontMetrics().elidedText(text(), Qt::ElideRight, room);
+    return text().left(blank) + QLatin1Char('\n') +
+           fontMetrics().elidedText(text().mid(blank + 1), Qt::ElideRight, room);
+}
+
+void TextLink::enterEvent(QEvent* event)
+{
+    update();
+    QAbstractButton::enterEvent(event);
+}
+
+void TextLink::leaveEvent(QEvent* event)
+{
+    update();
+    QAbstractButton::leaveEvent(event);
+}
+
+void TextLink::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
+}
+
+void TextLink::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    QFont shown = font();
+    shown.setUnderline(underMouse());
+    painter.setFont(shown);
+    painter.setPen(isDown() ? Style::ink : Style::chosen);
+    painter.drawText(rect(), Qt::AlignCenter, shownText());
+    if (!hasFocus())
+        return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Style::focus, 1, Qt::DotLine));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+}
