@@ -298,11 +298,10 @@ void CenterWidget::SlotEditedAgain()
 
 void CenterWidget::SlotGroupCleared()
 {
-    m_removalTally.add(ui->m_dupMusicDetailedWidget->tracksRemoved());
     QVector<FootText::Link> links;
     if (const int next = groupAfterShown(); next >= 0)
         links.append({QStringLiteral("Next group"), [this, next] { showGroup(next); }});
-    tellOfDeletion(links);
+    tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), links);
 }
 
 /// The row of the group behind the one that the panel shows, or showed until it was none any more; behind the
@@ -325,10 +324,11 @@ void CenterWidget::showGroup(int row)
     SlotClickDupMusicIndex(m_views->view(true, m_bGridMode)->model()->index(row, 0));
 }
 
-void CenterWidget::tellOfDeletion(const QVector<FootText::Link>& links)
+void CenterWidget::tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links)
 {
-    const RemovalTally tally = std::exchange(m_removalTally, RemovalTally());
     tell({tally.line(), tally.failed(), links});
+    if (!tally.files().isEmpty())
+        emit emitFilesRemoved(tally.files());
 }
 
 /// What has no words is no news.
@@ -340,11 +340,9 @@ void CenterWidget::tell(const FootText& told)
 
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    SongRemoval::FileRemoval removal;
     if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, ui->m_dupMusicDetailedWidget->keptFiles(),
-                               &removal))
+                               ui->m_dupMusicDetailedWidget->fileRemoval()))
         m_removedSongs.append(song);
-    m_removalTally.addFile(*song, removal);
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
     selectShownGroup();
@@ -354,7 +352,6 @@ void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 
 void CenterWidget::SlotDeleteAllDupMusic()
 {
-    m_removalTally.add(ui->m_dupMusicDetailedWidget->tracksRemoved());
     m_views->setGroupsEnabled(false);
     if (!m_deletion.run(songLists(), *window()))
         SlotAllMusicInfoAfterDeleting();
@@ -363,13 +360,14 @@ void CenterWidget::SlotDeleteAllDupMusic()
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
     m_removedSongs += m_deletion.finish();
-    m_removalTally.add(m_deletion.tally());
+    RemovalTally tally = ui->m_dupMusicDetailedWidget->takeTally();
+    tally.add(m_deletion.takeTally());
     m_views->setGroupsEnabled(true);
     forgetShownGroup();
     m_views->refreshGroups();
     m_views->refreshSongs();
     emitCounts();
-    tellOfDeletion({});
+    tellOfDeletion(tally, {});
 }
 
 void CenterWidget::emitCounts()

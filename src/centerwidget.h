@@ -71,6 +71,8 @@ signals:
     void emitUndefinedMusicCount(int count);
     void emitDuplicateMusicCount(int groups);
     void emitMusicCount(int all, int undefined, int groups);
+    /// At the end of each deletion of files, of which clearing all groups is one.
+    void emitFilesRemoved(const RemovedFiles& files);
     void emitFinishScanninglocalMusic();
     void emitStartToPlayMusic(QMusicInfo* song);
     void emitSetNavigViewBtn();
@@ -132,7 +134,7 @@ private:
     void addFiles(const QStringList& files);
     void takePaths(const QStringList& paths);
     void tell(const FootText& told);
-    void tellOfDeletion(const QVector<FootText::Link>& links);
+    void tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links);
     int groupAfterShown() const;
     void showGroup(int row);
 
@@ -173,7 +175,6 @@ private:
     LocalIntake m_intake;
     QStringList m_dropFileList;
     QStringList m_windowsMediaLeftOut; ///< of the last drop
-    RemovalTally m_removalTally;       ///< of the deletion under way
     bool m_bFromDrop = false;
     bool m_bWindowsMediaNamed = false;
     bool m_bLeavingMode = false;

@@ -24,7 +24,7 @@ public:
     /// The songs that the last run took out of the list of all songs; they are nobody's from then on.
     QList<QMusicInfo*> takeRemovedSongs();
     /// What the last run did with their files or tracks.
-    const RemovalTally& tally() const { return m_tally; }
+    RemovalTally takeTally();
 
 signals:
     /// When everything is deleted and the lists are edited.
@@ -36,7 +36,7 @@ protected:
     void run() override;
 
 private:
-    void deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done);
+    void deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done, FileRemoval& removal);
 
     SongLists m_lists;
     QList<QMusicInfo*> m_removedSongs;

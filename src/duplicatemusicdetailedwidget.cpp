@@ -20,7 +20,7 @@
 
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
-      m_pPlaySongWidget(std::make_unique<PlaySongWidget>())
+      m_pPlaySongWidget(std::make_unique<PlaySongWidget>()), m_fileRemoval(std::make_unique<FileRemoval>())
 {
     ui->setupUi(this);
     ui->scrollArea->viewport()->setAutoFillBackground(false);
@@ -108,7 +108,6 @@ void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
     if (!m_deleteDlg.isNotToAskAgain() && !userAgrees())
         return;
     SlotDeleteSongWasSelected();
-    emit emitGroupCleared();
 }
 
 bool DuplicateMusicDetailedWidget::userAgrees()
@@ -123,19 +122,40 @@ bool DuplicateMusicDetailedWidget::userAgrees()
 /// Oddity 26: asks nothing.
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 {
-    SlotDeleteSongWasSelected();
+    deleteUncheckedSongs();
     emit emitDeleteAllDupMusic();
     showButtons(false);
 }
 
 void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
 {
-    m_tracksRemoved = RemovalTally();
+    deleteUncheckedSongs();
+    emit emitGroupCleared();
+}
+
+void DuplicateMusicDetailedWidget::deleteUncheckedSongs()
+{
+    m_tally = RemovalTally();
     if (!m_pMusicList)
         return;
     QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
     hideRows();
     m_keptFiles = SongRemoval::filesOf(keptSongs());
+    deleteUncheckedRows();
+    m_keptFiles = KeptFiles();
+    m_tally.addFiles(std::exchange(m_fileRemoval, std::make_unique<FileRemoval>())->removed());
+    if (m_listBarWidget.size() == 1)
+        removeLastRow();
+    else if (!rowsMatchSongs())
+        showRowsAnew(); // or the next deletion would take another row's song
+    else
+        markBestRow();
+    ui->m_scrollAreaWidget->show();
+    QApplication::restoreOverrideCursor();
+}
+
+void DuplicateMusicDetailedWidget::deleteUncheckedRows()
+{
     for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
         // Oddity 25: the song comes from the list, which loses an entry each time, the mark from the row.
         QMusicInfo* song = m_pMusicList->value(position);
@@ -145,20 +165,11 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         if (!row || row->isKept())
             continue;
         if (!SongRemoval::songsAreFiles())
-            m_tracksRemoved.addTrack(*song, SongRemoval::removeTrack(*song));
+            m_tally.addTrack(*song, SongRemoval::removeTrack(*song));
         deleteRow(position);
         emit emitDeleteDupMusicWasSelected(song);
         update();
     }
-    m_keptFiles = KeptFiles();
-    if (m_listBarWidget.size() == 1)
-        removeLastRow();
-    else if (!rowsMatchSongs())
-        showRowsAnew(); // or the next deletion would take another row's song
-    else
-        markBestRow();
-    ui->m_scrollAreaWidget->show();
-    QApplication::restoreOverrideCursor();
 }
 
 void DuplicateMusicDetailedWidget::deleteRow(int position)

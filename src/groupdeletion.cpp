@@ -46,9 +46,9 @@ QList<QMusicInfo*> GroupDeletion::finish()
     return m_pDeleteThread->takeRemovedSongs();
 }
 
-const RemovalTally& GroupDeletion::tally() const
+RemovalTally GroupDeletion::takeTally()
 {
-    return m_pDeleteThread->tally();
+    return m_pDeleteThread->takeTally();
 }
 
 /// The thread ends by way of this one, which it blocks on.

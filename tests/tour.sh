@@ -26,7 +26,7 @@ start_display() {
     DISPLAY=:$(head -n 1 "$work/display")
     export DISPLAY
     openbox 2>/dev/null &
-    export XDG_RUNTIME_DIR=$work
+    export XDG_RUNTIME_DIR=$work XDG_DATA_HOME=$work/data
 }
 
 # Starts the program and waits for its window.

@@ -28,7 +28,11 @@ class TestWindowFoot : public ITunesFixture
 
 private slots:
     void initTestCase() { start(); }
-    void init() { prepare(); }
+    void init()
+    {
+        m_bin.empty();
+        prepare();
+    }
     void cleanup();
 
     void theLineLiesInTheFootStrip();
@@ -40,6 +44,7 @@ private slots:
     void anUnchangedSongIsLeftSilently();
     void cancellingIsNoLeaving();
     void deletionsAreTold();
+    void deletionsForGoodAreTold();
     void theNextGroupIsALinkAway();
     void aFileThatStaysIsTold();
     void anIntakeTellsWhatItLeftOut();
@@ -231,8 +236,22 @@ void TestWindowFoot::deletionsAreTold()
     clickRow("m_dupMusicListView", 0);
     const QWidget* groups = part<QWidget>("m_dupMusicDetailedWidget");
     clickIn(groups, "m_btnClearAll");
-    QCOMPARE(told(), QString("2 songs deleted for good."));
+    QCOMPARE(told(), QString("2 songs moved to the trash."));
+    QCOMPARE(m_bin.files().size(), 2);
     QVERIFY(QFile::exists(first));
+}
+
+void TestWindowFoot::deletionsForGoodAreTold()
+{
+    switchToLocal();
+    QFile::copy(tone("a", "Same"), m_folder->filePath("b.mp3"));
+    add({m_folder->path()});
+    click("m_btnMusicDuplicate");
+    clickRow("m_dupMusicListView", 0);
+    m_bin.spoil();
+    clickIn(part<QWidget>("m_dupMusicDetailedWidget"), "m_btnClearAll");
+    QVERIFY2(told().startsWith("1 song deleted for good: the trash "), qUtf8Printable(told()));
+    QVERIFY(!QFile::exists(m_folder->filePath("b.mp3")));
 }
 
 void TestWindowFoot::theNextGroupIsALinkAway()
@@ -246,7 +265,7 @@ void TestWindowFoot::theNextGroupIsALinkAway()
     clickRow("m_dupMusicListView", 0);
     m_dialogs->expectButton("m_btnOK");
     clickIn(part<QWidget>("m_dupMusicDetailedWidget"), "m_btnClearOne");
-    QCOMPARE(told(), QString("1 song deleted for good."));
+    QCOMPARE(told(), QString("1 song moved to the trash."));
     QCOMPARE(groups->model()->rowCount(), 1);
     click("m_btnMusicAll");
     clickLink("Next group");
@@ -255,7 +274,7 @@ void TestWindowFoot::theNextGroupIsALinkAway()
     QCOMPARE(m_window->findChildren<DupMusicbarWidget*>().size(), 2);
     m_dialogs->expectButton("m_btnOK");
     clickIn(part<QWidget>("m_dupMusicDetailedWidget"), "m_btnClearOne");
-    QCOMPARE(told(), QString("1 song deleted for good."));
+    QCOMPARE(told(), QString("1 song moved to the trash."));
     QCOMPARE(links(), QStringList());
 }
 
@@ -271,7 +290,7 @@ void TestWindowFoot::aFileThatStaysIsTold()
     clickRow("m_dupMusicListView", 0);
     clickIn(part<QWidget>("m_dupMusicDetailedWidget"), "m_btnClearAll");
     QVERIFY(QFile::exists(second));
-    QCOMPARE(told(), QString("1 file could not be deleted: \"Same\" (it is not the file that was listed any "
+    QCOMPARE(told(), QString("1 file could not be deleted: \"b.mp3\" (it is not the file that was listed any "
                              "more)."));
 }
 

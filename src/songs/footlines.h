@@ -34,7 +34,7 @@ struct Deletion
     int forGood = 0;
     QString whyForGood; ///< "there is no trash on that disk"; may be empty
     int stayed = 0;     ///< that should have gone
-    QString firstThatStayed;
+    QString firstThatStayed; ///< its name; copies have one title
     QString whyItStayed;
 };
 /// Empty when nothing was deleted and nothing stayed.

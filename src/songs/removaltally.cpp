@@ -2,29 +2,25 @@
 
 #include "songs/songfields.h"
 
-using SongRemoval::FileRemoval;
+#include <QFileInfo>
 
-void RemovalTally::addFile(const QMusicInfo& song, const FileRemoval& removal)
+namespace {
+/// Of the reasons the first stands for all.
+FootLines::Deletion deletionOf(const RemovedFiles& files)
 {
-    switch (removal.way) {
-    case FileRemoval::ToTrash:
-        ++m_files.toTrash;
-        break;
-    case FileRemoval::ForGood:
-        ++m_files.forGood;
-        if (m_files.whyForGood.isEmpty())
-            m_files.whyForGood = removal.reason;
-        break;
-    case FileRemoval::Stays:
-        if (m_files.stayed++ > 0)
-            break;
-        m_files.firstThatStayed = SongFields::shownName(&song);
-        m_files.whyItStayed = removal.reason;
-        break;
-    case FileRemoval::Nothing:
-        break;
+    FootLines::Deletion deletion;
+    deletion.toTrash = files.trashed.size();
+    deletion.forGood = files.deleted.size();
+    deletion.stayed = files.failed.size();
+    if (deletion.forGood > 0)
+        deletion.whyForGood = files.deleted.first().reason;
+    if (deletion.stayed > 0) {
+        deletion.firstThatStayed = QFileInfo(files.failed.first().path).fileName();
+        deletion.whyItStayed = files.failed.first().reason;
     }
+    return deletion;
 }
+} // namespace
 
 void RemovalTally::addTrack(const QMusicInfo& song, iTunesEditProblem problem)
 {
@@ -40,15 +36,7 @@ void RemovalTally::addTrack(const QMusicInfo& song, iTunesEditProblem problem)
 
 void RemovalTally::add(const RemovalTally& other)
 {
-    if (m_files.stayed == 0) {
-        m_files.firstThatStayed = other.m_files.firstThatStayed;
-        m_files.whyItStayed = other.m_files.whyItStayed;
-    }
-    if (m_files.whyForGood.isEmpty())
-        m_files.whyForGood = other.m_files.whyForGood;
-    m_files.toTrash += other.m_files.toTrash;
-    m_files.forGood += other.m_files.forGood;
-    m_files.stayed += other.m_files.stayed;
+    m_files.append(other.m_files);
     if (m_tracks.stayed == 0) {
         m_tracks.firstThatStayed = other.m_tracks.firstThatStayed;
         m_tracks.whyItStayed = other.m_tracks.whyItStayed;
@@ -59,7 +47,7 @@ void RemovalTally::add(const RemovalTally& other)
 
 QString RemovalTally::line() const
 {
-    const QString files = FootLines::deleted(m_files);
+    const QString files = FootLines::deleted(deletionOf(m_files));
     const QString tracks = FootLines::takenOut(m_tracks);
     return files.isEmpty() || tracks.isEmpty() ? files + tracks : files + QLatin1Char(' ') + tracks;
 }

@@ -11,6 +11,7 @@
 #include "qmusicinfo.h"
 #include "songs/localsongreader.h"
 #include "songs/songfields.h"
+#include "songs/tagcontent.h"
 
 #include <QFile>
 
@@ -21,19 +22,6 @@
 
 namespace {
 constexpr qint64 maxPictureBytes = 256ll * 1024 * 1024;
-
-void replaceText(IAudioTag& tag, qint32 type, const QString& text)
-{
-    std::u32string wide = text.toStdU32String();
-    tag.RemoveItem(type);
-    tag.SetItem({-1, type, 0, qint32(wide.size() * sizeof(char32_t)), wide.data()});
-}
-
-void replacePicture(IAudioTag& tag, QByteArray picture)
-{
-    tag.RemoveItem(TAG_PICTURE);
-    tag.SetItem({-1, TAG_PICTURE, 1, picture.size(), picture.data()});
-}
 
 /// The whole file; nothing when there is none, or when it is beyond anything that a tag could hold.
 QByteArray pictureBytes(const QString& path)
@@ -49,23 +37,10 @@ QByteArray pictureBytes(const QString& path)
     return file.readAll();
 }
 
-/// The picture in the tag that lists show, by the rule of the intake: the last one.
-QByteArray heldPicture(IAudioTag& tag)
-{
-    QByteArray held;
-    const int count = tag.GetItemCount();
-    for (int index = 0; index < count; ++index) {
-        const TagItem item = tag.GetItem(index);
-        if (item.dataKind != 0 && item.size > 0 && item.data)
-            held = QByteArray(static_cast<const char*>(item.data), item.size);
-    }
-    return held;
-}
-
 /// What another program put into the file since it was read is the user's, too.
 QByteArray wantedPicture(IAudioTag& tag, const SongEdit& edit)
 {
-    const QByteArray held = edit.coverKept ? heldPicture(tag) : QByteArray();
+    const QByteArray held = edit.coverKept ? TagContent::of(tag).picture : QByteArray();
     return held.isEmpty() ? pictureBytes(edit.newCoverPath) : held;
 }
 
@@ -319,13 +294,14 @@ bool SongEditing::takeBack(QMusicInfo& song)
 
 int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)
 {
-    replaceText(tag, TAG_ARTIST, edit.artist);
-    replaceText(tag, TAG_TITLE, edit.title);
-    replaceText(tag, TAG_ALBUM, edit.album);
-    replaceText(tag, TAG_GENRE, edit.genre);
-    replaceText(tag, TAG_YEAR, QString::number(edit.year));
-    replaceText(tag, TAG_TRACK, QString::number(edit.trackNumber));
+    TagContent content;
+    content.title = edit.title;
+    content.artist = edit.artist;
+    content.album = edit.album;
+    content.genre = edit.genre;
+    content.year = QString::number(edit.year);
+    content.track = QString::number(edit.trackNumber);
     // Oddity 37: also without a chosen cover; saving then takes the picture out.
-    replacePicture(tag, wantedPicture(tag, edit));
-    return tag.Save();
+    content.picture = wantedPicture(tag, edit);
+    return content.save(tag);
 }

@@ -27,20 +27,18 @@ KeptFiles SongRemoval::filesOf(const QList<QMusicInfo*>& songs)
     return files;
 }
 
-SongRemoval::FileRemoval SongRemoval::removeFile(const QMusicInfo& song, IAudioTag* tag,
-                                                 const KeptFiles& kept)
+void SongRemoval::removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept,
+                             FileRemoval& removal)
 {
     if (tag)
         tag->Close();
     if (!song.localInfo)
-        return {};
+        return;
     const QString& path = song.localInfo->filePath;
-    const QString reason = kept.wouldLose(path) ? QStringLiteral("a song that is kept has the same file")
-                                                : removeIfUnchanged(path, song.localInfo->file);
-    if (reason.isEmpty())
-        return {FileRemoval::ForGood, QString()};
-    qWarning("%s stays on disk: %s", qUtf8Printable(path), qUtf8Printable(reason));
-    return {FileRemoval::Stays, reason};
+    if (kept.wouldLose(path))
+        removal.leave(path, QStringLiteral("a song that is kept has the same file"));
+    else
+        removal.remove(path, song.localInfo->file);
 }
 
 iTunesEditProblem SongRemoval::removeTrack(const QMusicInfo& song)
@@ -52,14 +50,12 @@ iTunesEditProblem SongRemoval::removeTrack(const QMusicInfo& song)
 }
 
 bool SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup,
-                            const KeptFiles& kept, FileRemoval* removal)
+                            const KeptFiles& kept, FileRemoval& removal)
 {
     const int position = lists.all->lastIndexOf(song);
     if (songsAreFiles() && position >= 0) {
         IAudioTag* tag = position < lists.tags->size() ? lists.tags->takeAt(position) : nullptr;
-        const FileRemoval removed = removeFile(*song, tag, kept);
-        if (removal)
-            *removal = removed;
+        removeFile(*song, tag, kept, removal);
     }
     lists.all->removeOne(song);
     lists.undefined->removeOne(song);

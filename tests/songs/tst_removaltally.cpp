@@ -1,7 +1,12 @@
 #include "removalfixture.h"
 #include "songs/removaltally.h"
 
-using SongRemoval::FileRemoval;
+namespace {
+RemovedFiles::Trashed trashed(const QString& path)
+{
+    return {path, {}};
+}
+} // namespace
 
 class TestRemovalTally : public RemovalFixture
 {
@@ -21,7 +26,7 @@ private slots:
 void TestRemovalTally::nothingIsNothing()
 {
     RemovalTally tally;
-    tally.addFile(*song("a"), {});
+    tally.addFiles({});
     QCOMPARE(tally.line(), QString());
     QVERIFY(!tally.failed());
 }
@@ -29,9 +34,7 @@ void TestRemovalTally::nothingIsNothing()
 void TestRemovalTally::filesAreCountedByWhatBecameOfThem()
 {
     RemovalTally tally;
-    tally.addFile(*song("a"), {FileRemoval::ToTrash, QString()});
-    tally.addFile(*song("b"), {FileRemoval::ToTrash, QString()});
-    tally.addFile(*song("c"), {FileRemoval::ForGood, "there is no trash on that disk"});
+    tally.addFiles({{trashed("/a"), trashed("/b")}, {{"/c", "there is no trash on that disk"}}, {}});
     QVERIFY(!tally.failed());
     QCOMPARE(tally.line(),
              QString("2 songs moved to the trash. 1 song deleted for good: there is no trash on "
@@ -41,10 +44,11 @@ void TestRemovalTally::filesAreCountedByWhatBecameOfThem()
 void TestRemovalTally::theFirstThatStayedIsNamed()
 {
     RemovalTally tally;
-    tally.addFile(*song("a"), {FileRemoval::Stays, "it is gone"});
-    tally.addFile(*song("b"), {FileRemoval::Stays, "another reason"});
+    tally.addFiles({{}, {}, {{"/music/a.mp3", "it is gone"}}});
+    tally.addFiles({{}, {}, {{"/music/b.mp3", "another reason"}}});
     QVERIFY(tally.failed());
     QCOMPARE(tally.line(), QString("2 files could not be deleted: \"a.mp3\" (it is gone) and 1 more."));
+    QCOMPARE(tally.files().failed.size(), 2);
 }
 
 void TestRemovalTally::talliesAddUp()
@@ -64,17 +68,18 @@ void TestRemovalTally::talliesAddUp()
 
 void TestRemovalTally::aRemovalTellsWhatBecameOfTheFile()
 {
-    QMusicInfo* gone = song("a");
+    const QMusicInfo* gone = song("a");
     QMusicInfo* kept = song("b");
-    QCOMPARE(SongRemoval::removeFile(*gone, nullptr, {}).way, FileRemoval::ForGood);
-    const FileRemoval again = SongRemoval::removeFile(*gone, nullptr, {});
-    QCOMPARE(again.way, FileRemoval::Stays);
-    QVERIFY(!again.reason.isEmpty());
-    QCOMPARE(SongRemoval::removeFile(*kept, nullptr, SongRemoval::filesOf({kept})).way, FileRemoval::Stays);
-    QCOMPARE(SongRemoval::removeFile(QMusicInfo(), nullptr, {}).way, FileRemoval::Nothing);
-    FileRemoval removal;
-    SongRemoval::removeOne(lists(), kept, -1, {}, &removal);
-    QCOMPARE(removal.way, FileRemoval::ForGood);
+    SongRemoval::removeFile(*gone, nullptr, {}, *m_removal);
+    SongRemoval::removeFile(*gone, nullptr, {}, *m_removal);
+    SongRemoval::removeFile(*kept, nullptr, SongRemoval::filesOf({kept}), *m_removal);
+    SongRemoval::removeFile(QMusicInfo(), nullptr, {}, *m_removal);
+    RemovalTally tally;
+    tally.addFiles(m_removal->removed());
+    QVERIFY(tally.failed());
+    QCOMPARE(tally.line(),
+             QString("1 song moved to the trash. 2 files could not be deleted: \"a.mp3\" (%1) and 1 more.")
+                 .arg(tally.files().failed.first().reason));
 }
 
 QTEST_MAIN(TestRemovalTally)

@@ -15,12 +15,13 @@ std::function<ssize_t(size_t)> copiesInKernel;
 std::function<bool()> writeFails;
 std::function<int(const char*)> accessFails;
 std::function<void(const char*)> beforeRemoval;
+std::function<void(const char*)> beforeMove;
 std::function<void()> pauses;
 
 Guard::~Guard()
 {
     beforeSync = beforeLock = pauses = nullptr;
-    beforeRemoval = nullptr;
+    beforeRemoval = beforeMove = nullptr;
     readFails = nullptr;
     copiesInKernel = nullptr;
     writeFails = nullptr;
@@ -49,6 +50,13 @@ int unlinkat(int folder, const char* name, int flags) noexcept
     if (Interposed::beforeRemoval)
         Interposed::beforeRemoval(name);
     return int(::syscall(SYS_unlinkat, folder, name, flags));
+}
+
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept
+{
+    if (Interposed::beforeMove)
+        Interposed::beforeMove(from);
+    return int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
 }
 
 int usleep(useconds_t microseconds)

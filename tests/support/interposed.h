@@ -22,6 +22,8 @@ extern std::function<bool()> writeFails;
 extern std::function<int(const char* name)> accessFails;
 /// Before a name is removed from an open folder.
 extern std::function<void(const char* name)> beforeRemoval;
+/// Before something moves to a name that has to be free.
+extern std::function<void(const char* name)> beforeMove;
 /// In place of a pause of microseconds.
 extern std::function<void()> pauses;
 
