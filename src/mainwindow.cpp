@@ -221,21 +221,9 @@ void MainWindow::scanITunesLibrary()
 
 void MainWindow::tellOfReading()
 {
-    const auto tell = [this](FootLines::Scanned found, quint64 line = 0) {
-        ui->m_footLine->tell({FootLines::nothingScanned(found, line), true, {}});
-    };
-    switch (iTunesLastReading()) {
-    case ITUNES_NO_LIBRARY:
-        return tell(FootLines::Scanned::NoFile);
-    case ITUNES_EMPTY:
-        return tell(FootLines::Scanned::Empty);
-    case ITUNES_BROKEN:
-        return tell(FootLines::Scanned::Broken, iTunesBrokenLine());
-    case ITUNES_UNREADABLE:
-        return tell(FootLines::Scanned::Unreadable);
-    case ITUNES_READ:
-        break;
-    }
+    const QString told = FootLines::nothingScanned(iTunesLastReading(), iTunesBrokenLine());
+    if (!told.isEmpty())
+        ui->m_footLine->tell({told, true, {}});
 }
 
 /// Makes a song of every record that is one, in place of the songs of the scan before.

@@ -19,13 +19,6 @@
 #include <QPainter>
 #include <QStandardPaths>
 
-namespace {
-QString numberText(quint64 number)
-{
-    return QStringLiteral("%1").arg(number);
-}
-} // namespace
-
 MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>()),
       m_face(SkinPicture::path("bg_right.png"))
@@ -142,8 +135,9 @@ void MusicDetailedInfoWidget::ShowMusicInfo()
     ui->m_artistName->setText(own ? m_strShownArtist : SongFields::artist(m_pMusicInfo));
     ui->m_albumName->setText(own ? m_strShownAlbum : SongFields::album(m_pMusicInfo));
     ui->m_genreName->setText(own ? m_strShownGenre : SongFields::genre(m_pMusicInfo));
-    ui->m_yearNumber->setText(own ? m_strShownYear : numberText(SongFields::year(m_pMusicInfo)));
-    ui->m_trackNoName->setText(own ? m_strShownTrackNo : numberText(SongFields::trackNumber(m_pMusicInfo)));
+    ui->m_yearNumber->setText(own ? m_strShownYear : QString::number(SongFields::year(m_pMusicInfo)));
+    ui->m_trackNoName->setText(own ? m_strShownTrackNo
+                                   : QString::number(SongFields::trackNumber(m_pMusicInfo)));
     m_bNewSong = false;
     showButtons(false);
     SetTextLabelAndLineState();

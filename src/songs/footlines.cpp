@@ -220,20 +220,23 @@ QString FootLines::noSoundDevice()
     return QStringLiteral("There is no sound device: the song runs silently.");
 }
 
-QString FootLines::nothingScanned(Scanned found, quint64 line)
+QString FootLines::nothingScanned(iTunesReading found, quint64 line)
 {
     switch (found) {
-    case Scanned::NoFile:
+    case ITUNES_NO_LIBRARY:
         return QStringLiteral("No library file was found.");
-    case Scanned::Empty:
+    case ITUNES_EMPTY:
         return QStringLiteral("The library file is empty.");
-    case Scanned::Unreadable:
+    case ITUNES_UNREADABLE:
         return QStringLiteral("The library file cannot be read.");
-    case Scanned::Broken:
+    case ITUNES_BROKEN:
+        return line > 0
+                   ? QStringLiteral("The library file is broken (line %1).").arg(CountText::number(line))
+                   : QStringLiteral("The library file is broken.");
+    case ITUNES_READ:
         break;
     }
-    return line > 0 ? QStringLiteral("The library file is broken (line %1).").arg(CountText::number(line))
-                    : QStringLiteral("The library file is broken.");
+    return QString();
 }
 
 QString FootLines::identifiedBySound()

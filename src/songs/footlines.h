@@ -2,6 +2,7 @@
 
 #include "audiocore/saveproblem.h"
 #include "itunes/editproblem.h"
+#include "itunes/itunesmusiclibrary.h"
 
 #include <QString>
 #include <QVector>
@@ -64,10 +65,9 @@ enum class Opened { Folder, WebPage, HelpPage };
 QString noOpener(Opened what);
 QString noSoundDevice();
 
-/// What a scan of the music library found in place of tracks.
-enum class Scanned { NoFile, Broken, Empty, Unreadable };
-/// `line` is where the file is broken; 0 when that is not known.
-QString nothingScanned(Scanned found, quint64 line = 0);
+/// Of a scan of the music library that found no tracks; empty for one that did. `line` is where the file is
+/// broken; 0 when that is not known.
+QString nothingScanned(iTunesReading found, quint64 line = 0);
 
 QString identifiedBySound();
 /// `status` is the identifier's (IdentifyStatus); empty for one that tells of no failure, or of what the

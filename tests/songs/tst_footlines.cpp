@@ -247,12 +247,12 @@ void TestFootLines::whatCannotBeOpened()
 
 void TestFootLines::scansThatFoundNothing()
 {
-    using FootLines::Scanned;
-    QCOMPARE(FootLines::nothingScanned(Scanned::NoFile), QString("No library file was found."));
-    QCOMPARE(FootLines::nothingScanned(Scanned::Broken, 1204),
+    QCOMPARE(FootLines::nothingScanned(ITUNES_READ), QString());
+    QCOMPARE(FootLines::nothingScanned(ITUNES_NO_LIBRARY), QString("No library file was found."));
+    QCOMPARE(FootLines::nothingScanned(ITUNES_BROKEN, 1204),
              QString("The library file is broken (line 1,204)."));
-    QCOMPARE(FootLines::nothingScanned(Scanned::Empty), QString("The library file is empty."));
-    QCOMPARE(FootLines::nothingScanned(Scanned::Unreadable), QString("The library file cannot be read."));
+    QCOMPARE(FootLines::nothingScanned(ITUNES_EMPTY), QString("The library file is empty."));
+    QCOMPARE(FootLines::nothingScanned(ITUNES_UNREADABLE), QString("The library file cannot be read."));
 }
 
 void TestFootLines::identifications_data()

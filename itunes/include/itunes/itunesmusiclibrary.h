@@ -19,7 +19,7 @@ enum iTunesReading : int32_t {
     ITUNES_NO_LIBRARY = 1, ///< no library file was found
     ITUNES_EMPTY = 2,      ///< it holds no track
     ITUNES_BROKEN = 3,
-    ITUNES_UNREADABLE = 4 ///< it cannot be opened
+    ITUNES_UNREADABLE = 4 ///< it cannot be opened, or not be read to its end
 };
 /// Of the last call of GetMusicInfo. Any thread.
 iTunesReading iTunesLastReading();
