@@ -9,7 +9,7 @@
 #include "playsongwidget.h"
 
 #include <QComboBox>
-#include <QDesktopServices>
+#include <QLabel>
 #include <QPlainTextEdit>
 
 #include <sys/stat.h>
