@@ -67,7 +67,8 @@ bool isOwnAndWritable(const Descriptor& folder, TrashFolder::Refusal& refusal)
 {
     struct stat status = {};
     if (!folder.isOpen() || ::fstat(folder.fd, &status) != 0)
-        refusal = {errno == ENOENT ? "there is no trash on that disk" : "the trash cannot be opened: " + reason(),
+        refusal = {errno == ENOENT ? "there is no trash on that disk"
+                                   : "the trash cannot be opened: " + reason(),
                    isPassing(errno)};
     else if (status.st_uid != ::geteuid())
         refusal = {"the trash is another user's"};

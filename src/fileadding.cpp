@@ -100,8 +100,7 @@ void FileAdding::add(const QStringList& files)
     emit finished();
     if (m_intake.isStopped())
         return;
-    emit told(
-        IntakeDialogs::leftOut(files.size(), m_intake.unreadable(), m_windowsMediaLeftOut, &m_window));
+    emit told(IntakeDialogs::leftOut(files.size(), m_intake.unreadable(), m_windowsMediaLeftOut, &m_window));
     if (IntakeDialogs::offerScan() && takesFiles())
         emit scanWanted();
 }

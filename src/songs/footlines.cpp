@@ -230,9 +230,8 @@ QString FootLines::nothingScanned(iTunesReading found, quint64 line)
     case ITUNES_UNREADABLE:
         return QStringLiteral("The library file cannot be read.");
     case ITUNES_BROKEN:
-        return line > 0
-                   ? QStringLiteral("The library file is broken (line %1).").arg(CountText::number(line))
-                   : QStringLiteral("The library file is broken.");
+        return line > 0 ? QStringLiteral("The library file is broken (line %1).").arg(CountText::number(line))
+                        : QStringLiteral("The library file is broken.");
     case ITUNES_READ:
         break;
     }

@@ -33,8 +33,8 @@ struct Deletion
 {
     int toTrash = 0;
     int forGood = 0;
-    QString whyForGood; ///< "there is no trash on that disk"; may be empty
-    int stayed = 0;     ///< that should have gone
+    QString whyForGood;      ///< "there is no trash on that disk"; may be empty
+    int stayed = 0;          ///< that should have gone
     QString firstThatStayed; ///< its name; copies have one title
     QString whyItStayed;
 };

@@ -24,7 +24,8 @@ struct LibraryContents
     std::size_t count(std::uint64_t id) const;
 };
 
-/// False when the library is broken, with what and where, or cannot be read to its end. The state stays the caller's to fill in.
+/// False when the library is broken, with what and where, or cannot be read to its end. The state stays the
+/// caller's to fill in.
 bool readContents(const base::FileBytes& library, LibraryContents& contents, base::Failure& failure);
 /// The same, and the state.
 bool readContents(std::FILE* library, LibraryContents& contents, base::Failure& failure);
