@@ -1,12 +1,16 @@
 #pragma once
 
+#include "collection/fileremoval.h"
 #include "collection/keptfiles.h"
+#include "common/footline.h"
 #include "deletedupmusicinfodlg.h"
+#include "songs/removaltally.h"
 
 #include <QList>
 #include <QWidget>
 
 #include <memory>
+#include <utility>
 
 class DupMusicbarWidget;
 class PlaySongWidget;
@@ -38,6 +42,10 @@ public:
     QList<QMusicInfo*> keptSongs() const { return songsOfRows(true); }
     /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
     const KeptFiles& keptFiles() const { return m_keptFiles; }
+    /// Takes the files of the deletion under way.
+    FileRemoval& fileRemoval() { return *m_fileRemoval; }
+    /// What the last deletion did with the files of this group, or its tracks.
+    RemovalTally takeTally() { return std::exchange(m_tally, RemovalTally()); }
 
 public slots:
     void SlotOnBtnDeleteSongWasSelected();
@@ -53,6 +61,10 @@ signals:
     /// One song is to leave the lists, and in the local mode the disk; handled before this returns.
     void emitDeleteDupMusicWasSelected(QMusicInfo* song);
     void emitDeleteAllDupMusic();
+    /// At the end of a deletion, unless it is the beginning of clearing all groups.
+    void emitGroupCleared();
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -68,6 +80,8 @@ private:
     void deleteRow(int position);
     void removeLastRow();
     bool rowsMatchSongs() const;
+    void deleteUncheckedRows();
+    void deleteUncheckedSongs();
     void showRowsAnew();
     void showButtons(bool visible);
     void play(QMusicInfo* song, bool fromDupBar);
@@ -79,5 +93,7 @@ private:
     std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
     DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
     KeptFiles m_keptFiles;                      ///< empty but for a deletion
+    std::unique_ptr<FileRemoval> m_fileRemoval; ///< a new one for each deletion
+    RemovalTally m_tally;
     DeleteDupMusicInfoDlg m_deleteDlg;
 };

@@ -46,6 +46,11 @@ QList<QMusicInfo*> GroupDeletion::finish()
     return m_pDeleteThread->takeRemovedSongs();
 }
 
+RemovalTally GroupDeletion::takeTally()
+{
+    return m_pDeleteThread->takeTally();
+}
+
 /// The thread ends by way of this one, which it blocks on.
 void GroupDeletion::stop()
 {

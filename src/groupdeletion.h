@@ -1,5 +1,6 @@
 #pragma once
 
+#include "songs/removaltally.h"
 #include "songs/songremoval.h"
 
 #include <memory>
@@ -26,6 +27,8 @@ public:
     bool isRunning() const { return m_bDeleting; }
     /// Closes the dialog. The songs that the run took out of the list of all songs, nobody's from then on.
     QList<QMusicInfo*> finish();
+    /// What the run that was finished last did with their files or tracks.
+    RemovalTally takeTally();
     /// Ends a run after the file at hand; the owner's slot runs as ever.
     void stop();
 

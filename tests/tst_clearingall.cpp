@@ -4,6 +4,7 @@
 #include "deletingmusicwaitingdlg.h"
 #include "deletionfixture.h"
 #include "dupmusicinfo.h"
+#include "filebytes.h"
 #include "guidriver.h"
 #include "mainwindow.h"
 #include "qmusicinfo.h"
@@ -28,6 +29,7 @@ private slots:
     void cleanup() { clear(); }
 
     void clearingAllKeepsTheFirstOfEveryGroup();
+    void clearingAllTellsOnceOfItsFiles();
     void clearingAllCanBeRepeated();
     void whatFollowsTheWaitingDialogIsNotLost();
     void theWaitingDialogStaysUntilTheEnd();
@@ -63,6 +65,25 @@ void TestClearingAll::clearingAllKeepsTheFirstOfEveryGroup()
     QVERIFY(rows().isEmpty());
     QVERIFY(m_center->findChild<QListView*>("m_dupMusicListView")->isEnabled());
     QVERIFY(m_center->findChild<QTableView*>("m_dupMusicTableView")->isEnabled());
+}
+
+/// Those of the group shown and those of all others.
+void TestClearingAll::clearingAllTellsOnceOfItsFiles()
+{
+    makeGroups(m_folder->path(), {3, 2, 4});
+    add(m_folder->path());
+    openGroup(1);
+    QSignalSpy told(m_center.get(), SIGNAL(emitFilesRemoved(RemovedFiles)));
+    Fixtures::saveBytes("new", m_folder->filePath("T002-01.mp3"));
+    m_dialogs->expect([](QWidget*) {});
+    QTest::mouseClick(panel()->findChild<QImageButton*>("m_btnClearAll"), Qt::LeftButton);
+    QCOMPARE(told.size(), 1);
+    const auto files = told.first().first().value<RemovedFiles>();
+    QCOMPARE(files.trashed.size(), 5);
+    QVERIFY(files.deleted.isEmpty());
+    QCOMPARE(files.failed.size(), 1);
+    QCOMPARE(files.failed.first().path, m_folder->filePath("T002-01.mp3"));
+    QVERIFY(!files.failed.first().reason.isEmpty());
 }
 
 void TestClearingAll::clearingAllCanBeRepeated()

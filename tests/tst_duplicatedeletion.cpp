@@ -37,7 +37,8 @@ private slots:
     void theGroupShownStaysSelected();
     void theSameFileTwiceStays();
     void aFileThatTookAnothersPlaceStays();
-    void aKillLeavesEveryFileWholeOrGone();
+    void aKillLeavesEveryFileInItsPlaceOrInTheTrash();
+    void aGroupsFilesComeBack();
 };
 
 void TestDuplicateDeletion::clearingOneGroupDeletesItsUncheckedSongs()
@@ -228,11 +229,31 @@ void TestDuplicateDeletion::aFileThatTookAnothersPlaceStays()
     QVERIFY(groups().isEmpty());
 }
 
+/// What the deletion of one group tells is enough to take it back.
+void TestDuplicateDeletion::aGroupsFilesComeBack()
+{
+    makeGroups(m_folder->path(), {3});
+    const QStringList before = filesIn(m_folder->path());
+    add(m_folder->path());
+    openGroup(0);
+    QSignalSpy told(m_center.get(), SIGNAL(emitFilesRemoved(RemovedFiles)));
+    panel()->SlotDeleteSongWasSelected();
+    QCOMPARE(told.size(), 1);
+    const auto files = told.first().first().value<RemovedFiles>();
+    QCOMPARE(files.trashed.size(), 2);
+    QVERIFY(files.deleted.isEmpty() && files.failed.isEmpty());
+    FileReturn undo;
+    for (const RemovedFiles::Trashed& file : files.trashed)
+        QCOMPARE(undo.bringBack(file), QString());
+    QCOMPARE(filesIn(m_folder->path()), before);
+}
+
 /// Another process clears all groups and is killed at some moment.
-void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
+void TestDuplicateDeletion::aKillLeavesEveryFileInItsPlaceOrInTheTrash()
 {
     for (int round = 0; round < 12; ++round) {
         const QTemporaryDir folder;
+        m_bin.empty();
         makeGroups(folder.path(), QList<int>({20, 30, 40, 2, 3, 5}));
         const QStringList before = filesIn(folder.path());
         QHash<QString, QByteArray> contents;
@@ -250,6 +271,12 @@ void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
 
         const QStringList after = filesIn(folder.path());
         QCOMPARE(after.size(), before.size() - gone);
+        QCOMPARE(m_bin.files().size(), gone);
+        QCOMPARE(m_bin.notes().size(), gone + 1); // and one for the file at hand
+        for (const QString& file : m_bin.files()) {
+            QVERIFY(m_bin.notes().contains(file + ".trashinfo"));
+            QCOMPARE(Fixtures::readBytes(m_bin.path(file)), contents.value(file));
+        }
         for (const QString& file : after)
             QCOMPARE(Fixtures::readBytes(folder.filePath(file)), contents.value(file));
         for (int group = 0; group < 6; ++group)
@@ -265,7 +292,7 @@ void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
 static int clearAllOf(const QString& folder)
 {
     static int left = qEnvironmentVariableIntValue("MELODRIFT_DIES_AFTER");
-    Interposed::beforeRemoval = [](const char* name) {
+    Interposed::beforeMove = [](const char* name) {
         if (QByteArray(name).endsWith(".mp3") && left-- == 0)
             std::raise(SIGKILL);
     };

@@ -46,3 +46,9 @@ void SongClassification::group()
             m_groups.back()->musicList.append(m_classifiedList.at(position));
     }
 }
+
+int SongClassification::rowAfter(int row, bool isThere) const
+{
+    const int groups = m_dupMusicInfoList.size();
+    return groups > int(isThere) ? (row + int(isThere)) % groups : -1;
+}

@@ -27,35 +27,35 @@ KeptFiles SongRemoval::filesOf(const QList<QMusicInfo*>& songs)
     return files;
 }
 
-void SongRemoval::removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept)
+void SongRemoval::removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept,
+                             FileRemoval& removal)
 {
     if (tag)
         tag->Close();
     if (!song.localInfo)
         return;
     const QString& path = song.localInfo->filePath;
-    if (kept.wouldLose(path)) {
-        qWarning("%s stays on disk: a song that is kept has the same file", qUtf8Printable(path));
-        return;
-    }
-    const QString reason = removeIfUnchanged(path, song.localInfo->file);
-    if (!reason.isEmpty())
-        qWarning("%s stays on disk: %s", qUtf8Printable(path), qUtf8Printable(reason));
+    if (kept.wouldLose(path))
+        removal.leave(path, QStringLiteral("a song that is kept has the same file"));
+    else
+        removal.remove(path, song.localInfo->file);
 }
 
-void SongRemoval::removeTrack(const QMusicInfo& song)
+iTunesEditProblem SongRemoval::removeTrack(const QMusicInfo& song)
 {
     const quint64 id = SongFields::persistentId(&song);
-    qDebug("track %llx deleted from the library: %d", id, int(deleteMusic(id)));
+    const int deleted = deleteMusic(id);
+    qDebug("track %llx deleted from the library: %d", id, deleted);
+    return deleted ? ITUNES_EDIT_DONE : iTunesLastEditProblem();
 }
 
 bool SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup,
-                            const KeptFiles& kept)
+                            const KeptFiles& kept, FileRemoval& removal)
 {
     const int position = lists.all->lastIndexOf(song);
     if (songsAreFiles() && position >= 0) {
         IAudioTag* tag = position < lists.tags->size() ? lists.tags->takeAt(position) : nullptr;
-        removeFile(*song, tag, kept);
+        removeFile(*song, tag, kept, removal);
     }
     lists.all->removeOne(song);
     lists.undefined->removeOne(song);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "collection/fileremoval.h"
 #include "collection/keptfiles.h"
+#include "itunes/editproblem.h"
 
 #include <QList>
 #include <QVector>
@@ -18,25 +20,26 @@ struct SongLists
     QList<IAudioTag*>* tags = nullptr; ///< local mode: one per song of `all`, same index
 };
 
-/// Taking songs out of the collection: off the disk or the iTunes library, and out of the lists. Songs and
-/// groups are never freed here.
+/// Taking songs out of the collection: into the trash, off the disk or out of the iTunes library, and out of
+/// the lists. Songs and groups are never freed here.
 namespace SongRemoval {
 /// Whether songs are files in the mode in force, and not tracks of the iTunes library.
 bool songsAreFiles();
 /// What these songs need on disk; nothing where they are tracks. Any thread.
 KeptFiles filesOf(const QList<QMusicInfo*>& songs);
-/// Lets go of the song's file (`tag` may be null) and removes what its path names, a link itself and never a
-/// folder. A file that a kept song would lose stays, and one that is not as it was when it was listed, or
-/// saved by us. What stays is logged in one line. Any thread.
-void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept);
+/// Lets go of the song's file (`tag` may be null) and has what its path names removed, a link itself and
+/// never a folder. A file that a kept song would lose stays, and one that is not as it was when it was
+/// listed, or saved by us. Any thread.
+void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept, FileRemoval& removal);
 /// Deletes the song's track from the iTunes library; the result is logged. Any thread.
-void removeTrack(const QMusicInfo& song);
+iTunesEditProblem removeTrack(const QMusicInfo& song);
 
 /// Takes the song out of the lists of songs, and the last entry, whichever song that is, out of the group at
 /// `currentGroup`; a group that falls to one song leaves the list of groups. A song that is a file loses it
 /// first, as removeFile() does it; a song that is not in the list of all songs costs no file. Whether it was
 /// in that list.
-bool removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, const KeptFiles& kept);
+bool removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, const KeptFiles& kept,
+               FileRemoval& removal);
 
 /// A song that is to go, and the first song of its group, which stays.
 struct Removal

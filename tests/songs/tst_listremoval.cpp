@@ -33,7 +33,7 @@ void TestListRemoval::theLastEntryOfTheGroupGoes()
     QMusicInfo* b = song("b");
     QMusicInfo* c = song("c");
     const DupMusicInfo* three = group({a, b, c});
-    SongRemoval::removeOne(lists(), a, 0, KeptFiles());
+    SongRemoval::removeOne(lists(), a, 0, KeptFiles(), *m_removal);
     QCOMPARE(three->musicList, QList<QMusicInfo*>({a, b})); // oddity 25: not the deleted one
     QCOMPARE(m_all, QList<QMusicInfo*>({b, c}));
     QVERIFY(!QFile::exists(fileOf(a)));
@@ -47,7 +47,7 @@ void TestListRemoval::aGroupOfOneLeavesTheList()
     const DupMusicInfo* two = group({a, b});
     const DupMusicInfo* other = group({song("c"), song("d"), song("e")});
     m_undefined = {b, a};
-    SongRemoval::removeOne(lists(), b, 0, KeptFiles());
+    SongRemoval::removeOne(lists(), b, 0, KeptFiles(), *m_removal);
     QCOMPARE(two->musicList, QList<QMusicInfo*>({a}));
     QCOMPARE(m_groups.size(), 1);
     QCOMPARE(m_groups.first(), other);
@@ -62,7 +62,7 @@ void TestListRemoval::aSongOutOfTheListCostsNoFile()
     group({a, b});
     m_all.removeOne(b);
     m_tags.removeLast();
-    QVERIFY(!SongRemoval::removeOne(lists(), b, 0, KeptFiles()));
+    QVERIFY(!SongRemoval::removeOne(lists(), b, 0, KeptFiles(), *m_removal));
     QVERIFY(QFile::exists(fileOf(b)));
     QVERIFY(m_groups.isEmpty());
 }
@@ -72,11 +72,11 @@ void TestListRemoval::aGroupOutOfRangeIsLeftAlone()
     QMusicInfo* a = song("a");
     const DupMusicInfo* two = group({song("b"), song("c")});
     for (const qint64 current : {qint64(1), qint64(-1), qint64(1) << 40}) {
-        SongRemoval::removeOne(lists(), a, current, KeptFiles());
+        SongRemoval::removeOne(lists(), a, current, KeptFiles(), *m_removal);
         QCOMPARE(two->musicList.size(), 2);
     }
     group({});
-    SongRemoval::removeOne(lists(), a, 1, KeptFiles()); // an empty group has no last entry
+    SongRemoval::removeOne(lists(), a, 1, KeptFiles(), *m_removal); // an empty group has no last entry
     QCOMPARE(m_groups.size(), 2);
 }
 
@@ -89,7 +89,7 @@ void TestListRemoval::theTagListStaysParallel()
         tag = CreateTag();
     const QList<IAudioTag*> tags = m_tags;
     tags.at(1)->Open(fileOf(b).toStdU32String().c_str());
-    SongRemoval::removeOne(lists(), b, 0, KeptFiles());
+    SongRemoval::removeOne(lists(), b, 0, KeptFiles(), *m_removal);
     QCOMPARE(m_tags, QList<IAudioTag*>({tags.at(0), tags.at(2)}));
     group({m_all.at(1), a});
     SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));
