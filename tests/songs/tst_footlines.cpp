@@ -206,8 +206,9 @@ void TestFootLines::deletions()
 void TestFootLines::tracksTakenOut()
 {
     QCOMPARE(FootLines::takenOut({}), QString());
-    QCOMPARE(FootLines::takenOut({12}), QString("12 tracks taken out of the library; their files stay."));
-    QCOMPARE(FootLines::takenOut({1}), QString("1 track taken out of the library; its file stays."));
+    QCOMPARE(FootLines::takenOut({12, 0, {}}),
+             QString("12 tracks taken out of the library; their files stay."));
+    QCOMPARE(FootLines::takenOut({1, 0, {}}), QString("1 track taken out of the library; its file stays."));
     QCOMPARE(
         FootLines::takenOut({1, 1, ferry, ITUNES_LIBRARY_IN_USE}),
         QString("1 track taken out of the library; its file stays. 1 track could not be taken out of the "
