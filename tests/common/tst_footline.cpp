@@ -41,6 +41,7 @@ private slots:
     void aLinkActsByKeys();
     void aLinkMayTellSomethingElse();
     void linksStayWhole();
+    void aLinkOfItsOwnSizeShowsItsWholeCaption();
     void aLinkIsUnderlinedUnderTheMouseOnly();
     void itIsAStatus();
     void aWiderLineShowsMore();
@@ -184,6 +185,23 @@ void TestFootLine::linksStayWhole()
         QVERIFY(m_line->rect().contains(link->geometry()));
     }
     QVERIFY(!links().at(0)->geometry().intersects(links().at(1)->geometry()));
+}
+
+/// Fonts have widths in fractions of points, which are rounded down as well as up.
+void TestFootLine::aLinkOfItsOwnSizeShowsItsWholeCaption()
+{
+    constexpr int more = 40;
+    for (const qreal spacing : {0.0, 0.05, 0.1, 0.15, 0.2, 0.25}) {
+        TextLink link("Show");
+        QFont font = link.font();
+        font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+        link.setFont(font);
+        const QSize size = link.sizeHint();
+        link.resize(size);
+        const QImage own = link.grab().toImage();
+        link.resize(size.width() + more, size.height());
+        QCOMPARE(own, link.grab().toImage().copy(QRect(QPoint(more / 2, 0), size)));
+    }
 }
 
 void TestFootLine::aLinkIsUnderlinedUnderTheMouseOnly()
