@@ -133,6 +133,8 @@ void MusicDetailedInfoWidget::forgetFormerSong()
 
 void MusicDetailedInfoWidget::showAnew()
 {
+    if (isHidden()) // it is shown anew when it comes
+        return;
     m_bNewSong = true;
     if (!isEditing()) {
         ShowMusicInfo();
@@ -408,7 +410,7 @@ void MusicDetailedInfoWidget::takeBack(QMusicInfo* song)
         return;
     emit emitTold(FootText());
     if (song == m_pMusicInfo)
-        SetMusicDetailedInfo(song);
+        showAnew();
     emit emitMusicCoverHasChanged();
 }
 

@@ -23,6 +23,7 @@ private slots:
     void aSaveIsTold();
     void whatElseASaveChangedIsTold();
     void aFailedSaveIsToldAndCanBeTakenBack();
+    void takingAFailedSaveBackShowsNoOtherPanel();
     void aSongThatIsLeftCanBeEditedAgain();
     void leavingByNavigationIsToldToo();
     void anUnchangedSongIsLeftSilently();
@@ -106,6 +107,26 @@ void TestWindowFoot::aFailedSaveIsToldAndCanBeTakenBack()
     QCOMPARE(shown(), QString("Ferry"));
     QCOMPARE(listed(), QString("Ferry"));
     QCOMPARE(told(), QString());
+}
+
+void TestWindowFoot::takingAFailedSaveBackShowsNoOtherPanel()
+{
+    switchToLocal();
+    const QString path = tone("a", "Ferry");
+    QFile::copy(path, m_folder->filePath("b.mp3"));
+    add({m_folder->path()});
+    setMode(path, 0444);
+    edit(0, "Midnight Ferry");
+    clickIn(panel(), "m_btnApply");
+    edit(0, "Typed");
+    clickLink("Show what the file says");
+    QCOMPARE(panel()->findChild<QLineEdit*>("m_lineTitle")->text(), QString("Typed"));
+    QCOMPARE(songs().first()->localInfo->title, QString("Ferry"));
+    clickIn(panel(), "m_btnApply");
+    click("m_btnMusicDuplicate");
+    clickLink("Show what the file says");
+    QVERIFY(!panel()->isVisible());
+    QCOMPARE(songs().first()->localInfo->title, QString("Ferry"));
 }
 
 void TestWindowFoot::aSongThatIsLeftCanBeEditedAgain()

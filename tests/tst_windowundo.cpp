@@ -280,6 +280,7 @@ void TestWindowUndo::marksOfTheGroupShownStay()
     undo();
     QCOMPARE(titleOf(path), QString("Alone"));
     QVERIFY(groupPanel()->isVisible());
+    QVERIFY(!panel()->isVisible());
     QCOMPARE(rows().size(), 3);
     QVERIFY(rows().at(0)->isKept() && !rows().at(1)->isKept() && rows().at(2)->isKept());
 }
