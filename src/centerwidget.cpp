@@ -9,6 +9,7 @@
 #include "ui_centerwidget.h"
 #include "views/songcells.h"
 
+#include <QApplication>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -37,7 +38,6 @@ CenterWidget::~CenterWidget()
     m_views->showGroups(nullptr, SongCells::columnModeDupTable);
     m_adding.intake().reader().forgetCovers();
     qDeleteAll(m_localMusicList);
-    qDeleteAll(m_removedSongs);
 }
 
 void CenterWidget::Init()
@@ -54,6 +54,10 @@ void CenterWidget::Init()
     m_openShortcut =
         new QShortcut(QKeySequence::Open, this, SLOT(OnBtnOpenFile()), nullptr, Qt::WindowShortcut);
     m_openShortcut->setEnabled(false);
+    // A key that is held does not take everything back.
+    (new QShortcut(QKeySequence::Undo, this, SLOT(SlotUndo()), nullptr, Qt::WindowShortcut))
+        ->setAutoRepeat(false);
+    ui->m_musicDetailedWidget->setHistory(&m_undo.history());
     setAcceptDrops(false);
 }
 
@@ -213,7 +217,8 @@ void CenterWidget::ClearSelectedWidget()
     m_adding.intake().reader().forgetCovers();
     qDeleteAll(songs);
     // No panel shows one any more.
-    qDeleteAll(std::exchange(m_removedSongs, {}));
+    m_undo.forget();
+    offerUndo();
 }
 
 void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
@@ -261,6 +266,7 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
         m_views->showSongs(&m_classification.undefinedSongs());
     selectShownSong();
     m_pCurrentView->verticalScrollBar()->setValue(scrolled);
+    offerUndo();
 }
 
 /// Models that were reset have forgotten it.
@@ -310,14 +316,20 @@ void CenterWidget::showGroup(int row)
     if (row >= m_classification.groups().size())
         return;
     emit emitChooseDuplicates();
+    markGroup(row);
+}
+
+/// As a click on it.
+void CenterWidget::markGroup(int row)
+{
     SlotClickDupMusicIndex(m_views->view(true, m_bGridMode)->model()->index(row, 0));
 }
 
 void CenterWidget::tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links)
 {
+    m_undo.endDeletion(tally.files());
     tell({tally.line(), tally.failed(), links});
-    if (!tally.files().isEmpty())
-        emit emitFilesRemoved(tally.files());
+    offerUndo();
 }
 
 /// What has no words is no news.
@@ -327,11 +339,53 @@ void CenterWidget::tell(const FootText& told)
         emit emitTold(told);
 }
 
+void CenterWidget::offerUndo()
+{
+    const QString change = m_undo.next();
+    emit emitUndoOffered(change.isEmpty()
+                             ? FootText::Link()
+                             : FootText::Link{QStringLiteral("Undo"), [this] { SlotUndo(); },
+                                              QStringLiteral("Takes back %1 (Ctrl+Z)").arg(change)});
+}
+
+void CenterWidget::SlotUndo()
+{
+    if (ListsAreInUse() || m_undo.next().isEmpty())
+        return;
+    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
+    const SongUndo::Undone undone = m_undo.undo(songLists());
+    if (undone.edited || !undone.returned.isEmpty())
+        showAfterUndo(undone);
+    QApplication::restoreOverrideCursor();
+    tell({undone.line, undone.failed, {}});
+    offerUndo();
+}
+
+/// The view in force stays. Of groups the one is shown that songs came back to, else the one shown before.
+void CenterWidget::showAfterUndo(const SongUndo::Undone& undone)
+{
+    DuplicateMusicDetailedWidget* const panel = ui->m_dupMusicDetailedWidget;
+    const QList<QMusicInfo*> kept = panel->isVisible() ? panel->keptSongs() : QList<QMusicInfo*>();
+    const QList<QMusicInfo*> shown = undone.returned.isEmpty() ? kept : undone.returned;
+    if (undone.edited && undone.edited == ui->m_musicDetailedWidget->song())
+        ui->m_musicDetailedWidget->showAnew();
+    SlotMusicInfoHaveBeEdited();
+    m_views->refreshGroups();
+    showCurrentView();
+    emitCounts();
+    const int row = shown.isEmpty() ? -1 : m_classification.rowOf(shown.first());
+    if (row < 0 || m_nViewKind != ViewDuplicates)
+        return;
+    markGroup(row);
+    panel->showKeeping(&m_classification.groups().at(row)->musicList, kept);
+}
+
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, ui->m_dupMusicDetailedWidget->keptFiles(),
-                               ui->m_dupMusicDetailedWidget->fileRemoval()))
-        m_removedSongs.append(song);
+    if (const auto removed = SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow,
+                                                    ui->m_dupMusicDetailedWidget->keptFiles(),
+                                                    ui->m_dupMusicDetailedWidget->fileRemoval()))
+        m_undo.songsLeft({*removed});
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
     if (isShownGroupLeft())
@@ -349,7 +403,7 @@ void CenterWidget::SlotDeleteAllDupMusic()
 
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
-    m_removedSongs += m_deletion.finish();
+    m_undo.songsLeft(m_deletion.finish());
     RemovalTally tally = ui->m_dupMusicDetailedWidget->takeTally();
     tally.add(m_deletion.takeTally());
     m_views->setGroupsEnabled(true);

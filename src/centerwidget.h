@@ -5,6 +5,7 @@
 #include "fileadding.h"
 #include "groupdeletion.h"
 #include "songs/songclassification.h"
+#include "songs/songundo.h"
 
 #include <QList>
 #include <QStringList>
@@ -68,8 +69,6 @@ signals:
     void emitUndefinedMusicCount(int count);
     void emitDuplicateMusicCount(int groups);
     void emitMusicCount(int all, int undefined, int groups);
-    /// At the end of each deletion of files, of which clearing all groups is one.
-    void emitFilesRemoved(const RemovedFiles& files);
     void emitFinishScanninglocalMusic();
     void emitStartToPlayMusic(QMusicInfo* song);
     void emitSetNavigViewBtn();
@@ -80,6 +79,8 @@ signals:
     void emitIntakeFinished();
     /// For the foot of the window.
     void emitTold(const FootText& told);
+    /// What can be taken back now, for the foot of the window; without a caption there is nothing.
+    void emitUndoOffered(const FootText::Link& link);
     /// As a click on the row of duplicates in the navigation pane.
     void emitChooseDuplicates();
 
@@ -112,6 +113,8 @@ public slots:
     void SlotScanAddedFiles();
     /// The song of the panel is edited once more.
     void SlotEditedAgain();
+    /// Takes the newest change back, while nothing else is at the lists.
+    void SlotUndo();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -129,7 +132,10 @@ private:
     QString whyNoFiles() const;
     void tell(const FootText& told);
     void tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links);
+    void offerUndo();
+    void showAfterUndo(const SongUndo::Undone& undone);
     void showGroup(int row);
+    void markGroup(int row);
 
     void display(bool grid);
     void switchView();
@@ -161,7 +167,7 @@ private:
     QList<IAudioTag*> m_tagList;                             ///< one per local song, same index
     QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
     SongClassification m_classification;
-    QList<QMusicInfo*> m_removedSongs; ///< owned; out of every list, but panels may still show one
+    SongUndo m_undo; ///< owns the songs that left the lists; panels may still show one
     GroupDeletion m_deletion;
 
     FileAdding m_adding;

@@ -9,6 +9,7 @@
 #include "identifythread.h"
 #include "keepoffers.h"
 #include "loadplayerthread.h"
+#include "songs/changehistory.h"
 #include "songs/footlines.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
@@ -19,6 +20,8 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStandardPaths>
+
+#include <utility>
 
 MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>()),
@@ -128,9 +131,35 @@ void MusicDetailedInfoWidget::forgetFormerSong()
     endIdentification();
 }
 
+void MusicDetailedInfoWidget::showAnew()
+{
+    if (isHidden()) // it is shown anew when it comes
+        return;
+    m_bNewSong = true;
+    if (!isEditing()) {
+        ShowMusicInfo();
+        return;
+    }
+    showTexts(); // as they are under the editors
+    m_bNewSong = false;
+    if (m_strNewCoverPath.isEmpty())
+        showCover(SongCover::shownPath(m_pMusicInfo));
+    offerToKeepCover();
+}
+
 void MusicDetailedInfoWidget::ShowMusicInfo()
 {
     showCover(SongCover::shownPath(m_pMusicInfo));
+    showTexts();
+    m_bNewSong = false;
+    showButtons(false);
+    SetTextLabelAndLineState();
+    ui->currentImgWidget->setEnabled(false);
+    show();
+}
+
+void MusicDetailedInfoWidget::showTexts()
+{
     const bool own = !m_bNewSong;
     ui->m_titleName->setText(own ? m_strShownTitle : SongFields::title(m_pMusicInfo));
     ui->m_artistName->setText(own ? m_strShownArtist : SongFields::artist(m_pMusicInfo));
@@ -139,11 +168,6 @@ void MusicDetailedInfoWidget::ShowMusicInfo()
     ui->m_yearNumber->setText(own ? m_strShownYear : QString::number(SongFields::year(m_pMusicInfo)));
     ui->m_trackNoName->setText(own ? m_strShownTrackNo
                                    : QString::number(SongFields::trackNumber(m_pMusicInfo)));
-    m_bNewSong = false;
-    showButtons(false);
-    SetTextLabelAndLineState();
-    ui->currentImgWidget->setEnabled(false);
-    show();
 }
 
 void MusicDetailedInfoWidget::showCover(const QString& path)
@@ -386,7 +410,7 @@ void MusicDetailedInfoWidget::takeBack(QMusicInfo* song)
         return;
     emit emitTold(FootText());
     if (song == m_pMusicInfo)
-        SetMusicDetailedInfo(song);
+        showAnew();
     emit emitMusicCoverHasChanged();
 }
 
@@ -395,7 +419,9 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
     if (!m_pMusicInfo)
         return;
     cacheEditorTexts();
-    const SongEditing::Outcome outcome = SongEditing::apply(*m_pMusicInfo, editedSong());
+    SongEditing::Outcome outcome = SongEditing::apply(*m_pMusicInfo, editedSong());
+    if (m_history)
+        m_history->add(std::move(outcome.change));
     if (outcome.coverChanged)
         emit emitMusicCoverHasChanged();
     if (outcome.coverUsed)

@@ -11,6 +11,7 @@
 
 #include <memory>
 
+class ChangeHistory;
 class IdentifyThread;
 class KeepOffers;
 class SkinMovie;
@@ -37,6 +38,10 @@ public:
     /// song must outlive its being shown.
     void SetMusicDetailedInfo(QMusicInfo* song);
     void ShowMusicInfo();
+    /// Where applies are noted, to be taken back; it must outlive them.
+    void setHistory(ChangeHistory* history) { m_history = history; }
+    /// Something else changed the song shown. An edit that is under way goes on.
+    void showAnew();
     /// The panel is about to be hidden: an edit that nobody applied is told of, and over.
     void leave();
     QMusicInfo* song() const { return m_pMusicInfo; }
@@ -84,6 +89,7 @@ private:
     void forgetFormerSong();
     void showButtons(bool editing);
     void showCover(const QString& path);
+    void showTexts();
     void tellOfLeaving();
     void editAgain(QMusicInfo* song, const SongEditors::Held& typed);
     void tellOfSave(const SongEditing::Outcome& outcome);
@@ -116,6 +122,7 @@ private:
     QString m_strNewCoverPath; ///< chosen and not yet applied
     CoverOrigin m_newCoverOrigin = CoverOrigin::Chosen;
     QMusicInfo* m_pMusicInfo = nullptr;
+    ChangeHistory* m_history = nullptr; ///< not owned; may be null
     std::unique_ptr<SkinMovie> m_pMovie;
     QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves
     const QMusicInfo* m_pIdentifiedSong = nullptr; ///< what it works on; only compared

@@ -15,6 +15,7 @@ struct FootText
     {
         QString caption;
         std::function<void()> act;
+        QString tip = QString(); ///< of an offer
     };
 
     QString text; ///< one line
@@ -35,6 +36,8 @@ public:
     /// Says this in place of what it said. A link may tell something else while it is clicked.
     void tell(const FootText& told);
     void clear() { tell(FootText()); }
+    /// A link that stands behind all others, whatever is told; one without a caption is none.
+    void offer(const FootText::Link& link);
     /// The whole text.
     const QString& text() const { return m_told.text; }
 
@@ -45,10 +48,13 @@ protected:
 
 private:
     void makeLinks();
+    QVector<TextLink*> shownLinks() const;
     void place();
     int textLeft() const;
 
     FootText m_told;
-    QString m_shown; ///< what of the text fits
-    QVector<TextLink*> m_links;
+    QString m_shown;            ///< what of the text fits
+    QVector<TextLink*> m_links; ///< of what is told
+    TextLink* m_offer;          ///< hidden while there is none
+    std::function<void()> m_offered;
 };

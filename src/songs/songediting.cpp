@@ -9,6 +9,7 @@
 #include "itunes/tunesedit.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "songs/filechanges.h"
 #include "songs/localsongreader.h"
 #include "songs/songfields.h"
 #include "songs/tagcontent.h"
@@ -106,9 +107,10 @@ QVector<FootLines::SideEffect> sideEffects(const QVector<qint32>& untouched, con
     return effects;
 }
 
-SongEditing::Outcome saveLocal(LocalMusicInfo& local, const SongEdit& edit, const QVector<qint32>& untouched)
+SongEditing::Outcome saveLocal(QMusicInfo& song, const SongEdit& edit, const QVector<qint32>& untouched)
 {
     SongEditing::Outcome outcome;
+    LocalMusicInfo& local = *song.localInfo;
     // By one of our own. The tag object that stays with the song is left alone: it reads again when it is
     // asked again.
     const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()};
@@ -119,17 +121,20 @@ SongEditing::Outcome saveLocal(LocalMusicInfo& local, const SongEdit& edit, cons
     // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
     tag->Open(local.filePath.toStdU32String().c_str());
     const Content before = contentOf(*tag);
-    const bool saved = SongEditing::writeTag(*tag, edit) == 0;
+    const FileChanges::Before file = FileChanges::Before::of(local.filePath);
+    SongEditing::writeTag(*tag, edit);
     outcome.file = SaveProblemOf(tag.get());
-    if (saved)
-        local.file = FileState::ofEntry(local.filePath);
-    if (saved)
-        outcome.alsoChanged = sideEffects(untouched, before, contentOf(*tag));
+    if (outcome.failed())
+        return outcome;
+    local.file = FileState::ofEntry(local.filePath);
+    outcome.alsoChanged = sideEffects(untouched, before, contentOf(*tag));
+    outcome.change = FileChanges::edit(file, &song);
     return outcome;
 }
 
-SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
+SongEditing::Outcome applyLocal(QMusicInfo& song, const SongEdit& edit)
 {
+    LocalMusicInfo& local = *song.localInfo;
     const QVector<qint32> left = untouched(local, edit);
     local.title = edit.title;
     local.artist = edit.artist;
@@ -137,7 +142,7 @@ SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
     local.genre = edit.genre;
     local.year = edit.year;
     local.trackNumber = edit.trackNumber;
-    SongEditing::Outcome outcome = saveLocal(local, edit, left);
+    SongEditing::Outcome outcome = saveLocal(song, edit, left);
     if (edit.newCoverPath.isEmpty())
         return outcome;
     takeCover(local, edit.newCoverPath);
@@ -279,7 +284,7 @@ qint64 SongEditing::largestCover(const QMusicInfo& song)
 SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
 {
     if (QIOrvoUtil::m_cleanMode)
-        return song.localInfo ? applyLocal(*song.localInfo, edit) : Outcome();
+        return song.localInfo ? applyLocal(song, edit) : Outcome();
     return song.track ? applyToTrack(song, edit) : Outcome();
 }
 

@@ -4,9 +4,12 @@
 #include "restwatch.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QImage>
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <algorithm>
 
 namespace {
 /// What it says of a song whose title is long.
@@ -45,6 +48,7 @@ private slots:
     void aLinkIsUnderlinedUnderTheMouseOnly();
     void itIsAStatus();
     void aWiderLineShowsMore();
+    void anOfferStandsBehindWhateverIsTold();
     void itRests();
 
 private:
@@ -172,7 +176,7 @@ void TestFootLine::aLinkMayTellSomethingElse()
     QTest::mouseClick(links().first(), Qt::LeftButton);
     QCOMPARE(m_clicked, QStringList("Again"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCOMPARE(m_line->findChildren<TextLink*>().size(), 1);
+    QCOMPARE(m_line->findChildren<TextLink*>().size(), 2); // with the place of an offer
 }
 
 void TestFootLine::linksStayWhole()
@@ -239,6 +243,38 @@ void TestFootLine::aWiderLineShowsMore()
     m_line->resize(3000, 26);
     QCOMPARE(m_line->toolTip(), QString());
     QVERIFY(links().first()->x() > 500);
+}
+
+void TestFootLine::anOfferStandsBehindWhateverIsTold()
+{
+    const auto captions = [this] {
+        QStringList found;
+        QList<TextLink*> shown = links();
+        std::sort(shown.begin(), shown.end(), [](auto* a, auto* b) { return a->x() < b->x(); });
+        for (const TextLink* link : qAsConst(shown))
+            found.append(link->text());
+        return found;
+    };
+    m_line->offer({"Undo", [this] { m_clicked.append("Undo"); }, "Takes back <b>all</b>"});
+    QCOMPARE(captions(), QStringList("Undo"));
+    TextLink* const offer = links().first();
+    QVERIFY(offer->toolTip().contains("&lt;b&gt;all"));
+    m_line->tell(withLinks("2 songs moved to the trash.", {"Next group"}, &m_clicked));
+    QCOMPARE(captions(), QStringList({"Next group", "Undo"}));
+    QTest::mouseClick(offer, Qt::LeftButton);
+    QCOMPARE(m_clicked, QStringList("Undo"));
+    m_line->tell(withLinks(longText(), {"Edit again"}, &m_clicked));
+    QVERIFY(painted().right() < m_line->width() - 12);
+    QVERIFY(offer->geometry().right() <= m_line->width() - 12);
+    TextLink* const again = offer == links().first() ? links().last() : links().first();
+    again->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(again, Qt::Key_Tab); // in the order in which they stand
+    QCOMPARE(QApplication::focusWidget(), offer);
+    m_line->clear();
+    QCOMPARE(captions(), QStringList("Undo"));
+    m_line->offer({});
+    QCOMPARE(captions(), QStringList());
+    QVERIFY(painted().isNull());
 }
 
 void TestFootLine::itRests()
