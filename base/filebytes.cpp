@@ -3,6 +3,7 @@
 #include "base/platform.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 using base::MemoryFile;
@@ -37,7 +38,10 @@ std::size_t SystemFile::readAt(std::int64_t offset, void* bytes, std::size_t cou
 
 std::size_t SystemFile::writeAt(std::int64_t offset, const void* bytes, std::size_t count)
 {
-    return base::writeAt(m_file, offset, bytes, count);
+    errno = 0;
+    const std::size_t done = base::writeAt(m_file, offset, bytes, count);
+    noteWriting(done == count);
+    return done;
 }
 
 bool SystemFile::isHole(std::int64_t offset, std::int64_t count) const
@@ -52,12 +56,21 @@ bool SystemFile::makeHole(std::int64_t offset, std::int64_t count)
 
 bool SystemFile::truncateTo(std::int64_t size)
 {
-    return base::truncateTo(m_file, size);
+    errno = 0;
+    return noteWriting(base::truncateTo(m_file, size));
 }
 
 bool SystemFile::sync()
 {
-    return syncToDevice(m_file);
+    errno = 0;
+    return noteWriting(syncToDevice(m_file));
+}
+
+bool SystemFile::noteWriting(bool done)
+{
+    if (!done && m_writeError == 0)
+        m_writeError = errno;
+    return done;
 }
 
 MemoryFile::MemoryFile(std::string bytes, std::int64_t room) : m_bytes(std::move(bytes)), m_room(room) {}

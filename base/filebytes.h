@@ -42,6 +42,9 @@ public:
     SystemFile(const SystemFile&) = delete;
     SystemFile& operator=(const SystemFile&) = delete;
 
+    /// The system's number for why the first writing that failed did, a flush included; 0 while none has.
+    int writeError() const { return m_writeError; }
+
     std::optional<std::int64_t> size() const override;
     std::size_t readAt(std::int64_t offset, void* bytes, std::size_t count) const override;
     std::size_t writeAt(std::int64_t offset, const void* bytes, std::size_t count) override;
@@ -51,8 +54,11 @@ public:
     bool sync() override;
 
 private:
+    bool noteWriting(bool done);
+
     std::FILE* m_file;
     bool m_owned = false;
+    int m_writeError = 0;
 };
 
 /// A file that is bytes in memory alone. What goes beyond its room fails as on a full disk.

@@ -6,7 +6,6 @@
 #include "base/descriptor_posix.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,9 +21,9 @@ Owner base::ownerOf(std::FILE* file, const std::string& libraryPath)
     return Owner::User;
 }
 
-bool base::createPrivate(const std::string& path, const std::string& libraryPath, std::string& error)
+bool base::createPrivate(const std::string& path, const std::string& libraryPath, Failure& failure)
 {
-    return base::createLike(libraryPath, path, error);
+    return base::createLike(libraryPath, path, failure);
 }
 
 bool base::makePrivate(std::FILE* file)
@@ -45,11 +44,11 @@ Owner base::ownerOf(std::FILE* file, const std::string& libraryPath)
     return same ? Owner::LibraryOwner : Owner::Other;
 }
 
-bool base::createPrivate(const std::string& path, const std::string& libraryPath, std::string& error)
+bool base::createPrivate(const std::string& path, const std::string& libraryPath, Failure& failure)
 {
     const Descriptor made = createPrivateAt(AT_FDCWD, path, Inherited::Borne);
     if (!made.isOpen() && errno != EEXIST) {
-        error = std::string("no new file can be made in the folder: ") + std::strerror(errno);
+        failure = systemFailure("no new file can be made in the folder: ");
         return false;
     }
     if (!made.isOpen())

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/failure.h"
+
 #include <cstdio>
 #include <string>
 
@@ -16,7 +18,7 @@ Owner ownerOf(std::FILE* file, const std::string& libraryPath);
 
 /// Makes an empty file that nobody but its owner can ever open, unless there is something at the path, a link
 /// included; that stays as it is. False with the reason when there is nothing afterwards.
-bool createPrivate(const std::string& path, const std::string& libraryPath, std::string& error);
+bool createPrivate(const std::string& path, const std::string& libraryPath, Failure& failure);
 /// Takes from everybody but the owner the right to open the file from now on.
 bool makePrivate(std::FILE* file);
 } // namespace base

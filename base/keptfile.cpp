@@ -4,6 +4,7 @@
 #include <filesystem>
 
 namespace fs = std::filesystem;
+using base::Failure;
 using base::NewFile;
 
 namespace {
@@ -31,38 +32,37 @@ std::vector<std::string> base::keptFiles(const std::string& path, const std::str
 {
     const std::string begin = nameOf(path, kind);
     std::vector<std::string> found;
-    std::error_code failure;
-    fs::directory_iterator entry(fs::u8path(path).parent_path(), failure);
-    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
+    std::error_code ended;
+    fs::directory_iterator entry(fs::u8path(path).parent_path(), ended);
+    for (; !ended && entry != fs::directory_iterator(); entry.increment(ended)) {
         const std::string name = entry->path().u8string();
         if (name.compare(0, begin.size(), begin) == 0 &&
-            entry->symlink_status(failure).type() == fs::file_type::regular)
+            entry->symlink_status(ended).type() == fs::file_type::regular)
             found.push_back(name);
     }
     return found;
 }
 
 std::string base::keepFile(const std::string& source, const std::string& path, const std::string& kind,
-                           std::string& error)
+                           Failure& failure)
 {
     base::removeLeftovers(source);
-    const auto copy = NewFile::beside(source, NewFile::Content::Copied, error);
-    return copy ? keepCopy(*copy, path, kind, error) : std::string();
+    const auto copy = NewFile::beside(source, NewFile::Content::Copied, failure);
+    return copy ? keepCopy(*copy, path, kind, failure) : std::string();
 }
 
-std::string base::keepCopy(NewFile& copy, const std::string& path, const std::string& kind,
-                           std::string& error)
+std::string base::keepCopy(NewFile& copy, const std::string& path, const std::string& kind, Failure& failure)
 {
     constexpr int mostOfADay = 1000;
     const std::string name = nameOf(path, kind) + today();
     for (int i = 1; i <= mostOfADay; ++i) {
         std::string kept = i == 1 ? name : name + '-' + std::to_string(i);
-        const NewFile::Taking taking = copy.takeFreeName(kept, error);
+        const NewFile::Taking taking = copy.takeFreeName(kept, failure);
         if (taking == NewFile::Taking::Done)
             return kept;
         if (taking != NewFile::Taking::NameTaken)
             return std::string();
     }
-    error = "there are too many files of the name " + name;
+    failure = {"there are too many files of the name " + name};
     return std::string();
 }

@@ -14,8 +14,7 @@ std::vector<std::string> keptFiles(const std::string& path, const std::string& k
 /// Copies `source`, which lies beside `path`, to a name of its own; what is there is never replaced. The new
 /// file's path; empty on failure with the reason.
 std::string keepFile(const std::string& source, const std::string& path, const std::string& kind,
-                     std::string& error);
+                     Failure& failure);
 /// Gives a copy that lies beside `path` already its name for good.
-std::string keepCopy(base::NewFile& copy, const std::string& path, const std::string& kind,
-                     std::string& error);
+std::string keepCopy(base::NewFile& copy, const std::string& path, const std::string& kind, Failure& failure);
 } // namespace base

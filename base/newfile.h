@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/failure.h"
 #include "base/platform.h"
 
 #include <cstdio>
@@ -24,13 +25,13 @@ public:
 
     /// Beside the file at the path, which is no link: with its owner, mode and attributes, and no more rights
     /// for anybody, whatever the folder hands on. Locked as long as the object lives. Null with the reason.
-    static std::unique_ptr<NewFile> beside(const std::string& path, Content content, std::string& error);
+    static std::unique_ptr<NewFile> beside(const std::string& path, Content content, Failure& failure);
     /// An empty file of this user alone, in the folder of the path.
-    static std::unique_ptr<NewFile> forName(const std::string& path, std::string& error);
+    static std::unique_ptr<NewFile> forName(const std::string& path, Failure& failure);
     /// A further name of the open file, which lies at `existing`, in the folder of the path; for reading
     /// only.
     static std::unique_ptr<NewFile> linkOf(std::FILE* open, const std::string& existing,
-                                           const std::string& path, std::string& error);
+                                           const std::string& path, Failure& failure);
     /// Removes what took no place.
     ~NewFile();
     NewFile(const NewFile&) = delete;
@@ -42,22 +43,22 @@ public:
     const FileState& original() const { return m_original; }
     /// Takes the place of the original, which has to be as it was. Not by forName() and linkOf(). What is not
     /// done has a reason.
-    Taking replaceOriginal(std::string& error);
+    Taking replaceOriginal(Failure& failure);
     /// Takes the name, in the same folder, of whatever is there.
-    Taking takeName(const std::string& path, std::string& error);
+    Taking takeName(const std::string& path, Failure& failure);
     /// Takes a name in the same folder that nothing has, not even a link to nowhere.
-    Taking takeFreeName(const std::string& path, std::string& error);
+    Taking takeFreeName(const std::string& path, Failure& failure);
 
 private:
     struct Place;
 
     NewFile();
-    static std::unique_ptr<NewFile> inFolderOf(const std::string& path, std::string& error);
-    bool openOriginal(std::string& error);
-    bool make(std::string& error);
-    bool becomeOriginal(Content content, std::string& error);
+    static std::unique_ptr<NewFile> inFolderOf(const std::string& path, Failure& failure);
+    bool openOriginal(Failure& failure);
+    bool make(Failure& failure);
+    bool becomeOriginal(Content content, Failure& failure);
     bool isAtItsName() const;
-    Taking moveTo(const std::string& name, std::string& error);
+    Taking moveTo(const std::string& name, Failure& failure);
     Taking settleAt(const std::string& name);
 
     std::unique_ptr<Place> m_place;
@@ -68,10 +69,10 @@ private:
 /// Removes the new files that killed writers left beside the file; those of living writers stay.
 void removeLeftovers(const std::string& path);
 /// Gives what lies at `from` the name of `to`, in the same folder, instead of whatever is there.
-bool renameFile(const std::string& from, const std::string& to, std::string& error);
+bool renameFile(const std::string& from, const std::string& to, Failure& failure);
 #ifdef _WIN32
 /// Makes an empty file with owner and mode of `model` unless there is something at the path, a link included;
 /// that stays as it is. False with the reason in `error` when there is nothing afterwards.
-bool createLike(const std::string& model, const std::string& path, std::string& error);
+bool createLike(const std::string& model, const std::string& path, Failure& failure);
 #endif
 } // namespace base

@@ -5,7 +5,6 @@
 #include "base/newfilename.h"
 
 #include <cerrno>
-#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -13,45 +12,51 @@
 #include <unistd.h>
 
 using base::Descriptor;
+using base::Failure;
 using base::NewFile;
 
 namespace {
 constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr int namesTried = 100;
 
-std::string reason()
+/// Root may write everywhere; a file or folder that nobody may write stays as it is all the same.
+bool mayWrite(int folder, const std::string& name, mode_t mode)
 {
-    return std::strerror(errno);
+    if (mode & anyWrite)
+        return ::faccessat(folder, name.c_str(), W_OK, 0) == 0;
+    errno = 0; // the mode says all
+    return false;
 }
 
-/// Root may write everywhere; a file or folder that nobody may write stays as it is all the same.
-bool mayReplace(int folder, const std::string& name, const struct stat& file, std::string& error)
+bool mayReplace(int folder, const std::string& name, const struct stat& file, Failure& failure)
 {
     struct stat directory = {};
     if (::fstat(folder, &directory) != 0) {
-        error = reason();
+        failure = base::systemFailure();
         return false;
     }
-    if (!(file.st_mode & anyWrite) || ::faccessat(folder, name.c_str(), W_OK, 0) != 0) {
-        error = "the file is read-only";
+    if (!mayWrite(folder, name, file.st_mode)) {
+        failure = errno != 0 ? base::systemFailure("the file is not to be written: ")
+                             : Failure{"the file is read-only", Failure::Kind::FileReadOnly};
         return false;
     }
-    if (!(directory.st_mode & anyWrite) || ::faccessat(folder, ".", W_OK, 0) != 0) {
-        error = "the folder is read-only";
+    if (!mayWrite(folder, ".", directory.st_mode)) {
+        failure = errno != 0 ? base::systemFailure("the folder is not to be written: ")
+                             : Failure{"the folder is read-only", Failure::Kind::FolderReadOnly};
         return false;
     }
     return true;
 }
 
 /// Opens what a new file is to be like.
-Descriptor openModel(int folder, const std::string& name, struct stat& status, std::string& error)
+Descriptor openModel(int folder, const std::string& name, struct stat& status, Failure& failure)
 {
     Descriptor model(base::openAt(folder, name, O_RDONLY | O_NOFOLLOW));
     if (!model.isOpen() || ::fstat(model.fd, &status) != 0)
-        error = reason();
+        failure = base::systemFailure();
     else if (!S_ISREG(status.st_mode))
-        error = "not a regular file";
-    else if (mayReplace(folder, name, status, error))
+        failure = {"not a regular file"};
+    else if (mayReplace(folder, name, status, failure))
         return model;
     return Descriptor();
 }
@@ -76,35 +81,35 @@ NewFile::~NewFile()
         std::fclose(m_file);
 }
 
-std::unique_ptr<NewFile> NewFile::inFolderOf(const std::string& path, std::string& error)
+std::unique_ptr<NewFile> NewFile::inFolderOf(const std::string& path, Failure& failure)
 {
     std::unique_ptr<NewFile> file(new NewFile);
     file->m_place->target = nameOf(path);
     file->m_place->folder = openFolderOf(path);
     if (file->m_place->folder.isOpen())
         return file;
-    error = reason();
+    failure = base::systemFailure();
     return nullptr;
 }
 
-std::unique_ptr<NewFile> NewFile::beside(const std::string& path, Content content, std::string& error)
+std::unique_ptr<NewFile> NewFile::beside(const std::string& path, Content content, Failure& failure)
 {
-    std::unique_ptr<NewFile> file = inFolderOf(path, error);
-    if (file && file->openOriginal(error) && file->make(error) && file->becomeOriginal(content, error))
+    std::unique_ptr<NewFile> file = inFolderOf(path, failure);
+    if (file && file->openOriginal(failure) && file->make(failure) && file->becomeOriginal(content, failure))
         return file;
     return nullptr;
 }
 
-std::unique_ptr<NewFile> NewFile::forName(const std::string& path, std::string& error)
+std::unique_ptr<NewFile> NewFile::forName(const std::string& path, Failure& failure)
 {
-    std::unique_ptr<NewFile> file = inFolderOf(path, error);
-    return file && file->make(error) ? std::move(file) : nullptr;
+    std::unique_ptr<NewFile> file = inFolderOf(path, failure);
+    return file && file->make(failure) ? std::move(file) : nullptr;
 }
 
 std::unique_ptr<NewFile> NewFile::linkOf(std::FILE* open, const std::string& existing,
-                                         const std::string& path, std::string& error)
+                                         const std::string& path, Failure& failure)
 {
-    std::unique_ptr<NewFile> file = inFolderOf(path, error);
+    std::unique_ptr<NewFile> file = inFolderOf(path, failure);
     if (!file)
         return nullptr;
     const int own = ::fcntl(::fileno(open), F_DUPFD_CLOEXEC, 0);
@@ -112,25 +117,25 @@ std::unique_ptr<NewFile> NewFile::linkOf(std::FILE* open, const std::string& exi
     const std::string name = base::newFileNameFor(file->m_place->target);
     if (!file->m_file ||
         ::linkat(AT_FDCWD, existing.c_str(), file->m_place->folder.fd, name.c_str(), 0) != 0) {
-        error = reason();
+        failure = base::systemFailure();
         return nullptr;
     }
     file->m_place->name = name;
     if (file->isAtItsName())
         return file;
     ::unlinkat(file->m_place->folder.fd, name.c_str(), 0); // a further name of something else
-    error = "the file was exchanged meanwhile";
+    failure = {"the file was exchanged meanwhile", Failure::Kind::ChangedMeanwhile};
     return nullptr;
 }
 
-bool NewFile::openOriginal(std::string& error)
+bool NewFile::openOriginal(Failure& failure)
 {
-    m_place->original = openModel(m_place->folder.fd, m_place->target, m_place->originalStatus, error);
+    m_place->original = openModel(m_place->folder.fd, m_place->target, m_place->originalStatus, failure);
     m_original = stateFrom(m_place->originalStatus);
     return m_place->original.isOpen();
 }
 
-bool NewFile::make(std::string& error)
+bool NewFile::make(Failure& failure)
 {
     for (int i = 0; i < namesTried && !m_file; ++i) {
         const std::string name = base::newFileNameFor(m_place->target);
@@ -139,7 +144,7 @@ bool NewFile::make(std::string& error)
             continue;
         m_file = made.isOpen() ? ::fdopen(made.fd, "r+b") : nullptr;
         if (!m_file) {
-            error = "no new file can be made in the folder: " + reason();
+            failure = base::systemFailure("no new file can be made in the folder: ");
             return false;
         }
         made.fd = -1; // the stream's now
@@ -148,23 +153,26 @@ bool NewFile::make(std::string& error)
     if (m_file)
         lockFile(m_file);
     else
-        error = "no new file can be made in the folder: all names are taken";
+        failure = {"no new file can be made in the folder: all names are taken"};
     return m_file != nullptr;
 }
 
-bool NewFile::becomeOriginal(Content content, std::string& error)
+bool NewFile::becomeOriginal(Content content, Failure& failure)
 {
     const int from = m_place->original.fd;
     const int made = ::fileno(m_file);
-    std::string failure;
+    std::string reason;
     struct stat now = {};
-    if ((content == Content::Empty || copyContent(from, m_place->originalStatus, made, failure)) &&
-        becomeLike(from, m_place->originalStatus, made) && ::fstat(from, &now) == 0) {
-        if (stateFrom(now) == m_original)
-            return true;
-        failure = "another program is writing the file";
-    }
-    error = "the new file cannot be written: " + (failure.empty() ? reason() : failure);
+    const bool done =
+        (content == Content::Empty || copyContent(from, m_place->originalStatus, made, reason)) &&
+        becomeLike(from, m_place->originalStatus, made) && ::fstat(from, &now) == 0;
+    if (done && stateFrom(now) == m_original)
+        return true;
+    const std::string what = "the new file cannot be written: ";
+    if (done)
+        failure = {what + "another program is writing the file", Failure::Kind::ChangedMeanwhile};
+    else
+        failure = reason.empty() ? base::systemFailure(what) : Failure{what + reason};
     return false;
 }
 
@@ -176,48 +184,48 @@ bool NewFile::isAtItsName() const
            own.isOf(there);
 }
 
-NewFile::Taking NewFile::replaceOriginal(std::string& error)
+NewFile::Taking NewFile::replaceOriginal(Failure& failure)
 {
     FileState now;
     if (stateAt(m_place->folder.fd, m_place->target, now) && now == m_original)
-        return moveTo(m_place->target, error);
-    error = "another program changed the file meanwhile";
+        return moveTo(m_place->target, failure);
+    failure = {"another program changed the file meanwhile", Failure::Kind::ChangedMeanwhile};
     return Taking::ChangedMeanwhile;
 }
 
-NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
+NewFile::Taking NewFile::takeName(const std::string& path, Failure& failure)
 {
-    return moveTo(nameOf(path), error);
+    return moveTo(nameOf(path), failure);
 }
 
-NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
+NewFile::Taking NewFile::moveTo(const std::string& name, Failure& failure)
 {
-    error = "another program exchanged the new file meanwhile";
+    failure = {"another program exchanged the new file meanwhile", Failure::Kind::ChangedMeanwhile};
     if (!isAtItsName())
         return Taking::ChangedMeanwhile;
     const int folder = m_place->folder.fd;
     if (::renameat(folder, m_place->name.c_str(), folder, name.c_str()) != 0) {
-        error = reason();
+        failure = base::systemFailure();
         return Taking::Failed;
     }
     return settleAt(name);
 }
 
-NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
+NewFile::Taking NewFile::takeFreeName(const std::string& path, Failure& failure)
 {
     const int folder = m_place->folder.fd;
     const std::string name = nameOf(path);
-    error = "another program exchanged the new file meanwhile";
+    failure = {"another program exchanged the new file meanwhile", Failure::Kind::ChangedMeanwhile};
     if (!isAtItsName())
         return Taking::ChangedMeanwhile;
     if (::linkat(folder, m_place->name.c_str(), folder, name.c_str(), 0) == 0)
         return settleAt(name);
     FileState there;
     if (errno == EEXIST || stateAt(folder, name, there)) {
-        error = "there is a file of that name";
+        failure = {"there is a file of that name"};
         return Taking::NameTaken;
     }
-    return moveTo(name, error); // not every file system knows further names
+    return moveTo(name, failure); // not every file system knows further names
 }
 
 /// What follows once the file has that name.
@@ -251,13 +259,13 @@ void base::removeLeftovers(const std::string& path)
     }
 }
 
-bool base::renameFile(const std::string& from, const std::string& to, std::string& error)
+bool base::renameFile(const std::string& from, const std::string& to, Failure& failure)
 {
     const Descriptor folder = openFolderOf(from);
     if (folder.isOpen() && ::renameat(folder.fd, nameOf(from).c_str(), folder.fd, nameOf(to).c_str()) == 0) {
         syncFolder(folder.fd);
         return true;
     }
-    error = reason();
+    failure = base::systemFailure();
     return false;
 }

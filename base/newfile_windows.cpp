@@ -10,12 +10,15 @@
 #include <windows.h>
 
 namespace fs = std::filesystem;
+using base::Failure;
 using base::NewFile;
 
 namespace {
-std::string reason(const std::error_code& code = std::error_code(int(GetLastError()), std::system_category()))
+/// What the system has just refused; its own words follow `what`.
+Failure lastFailure(const std::string& what = std::string())
 {
-    return code.message();
+    const std::error_code code(int(GetLastError()), std::system_category());
+    return {what + code.message(), base::kindOf(code.default_error_condition().value())};
 }
 
 fs::path newNameFor(const fs::path& target)
@@ -23,12 +26,14 @@ fs::path newNameFor(const fs::path& target)
     return target.parent_path() / fs::u8path(base::newFileNameFor(target.filename().u8string()));
 }
 
-bool mayReplace(const fs::path& target, std::string& error)
+bool mayReplace(const fs::path& target, Failure& failure)
 {
     const DWORD attributes = GetFileAttributesW(target.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_READONLY))
         return true;
-    error = attributes == INVALID_FILE_ATTRIBUTES ? reason() : "the file is read-only";
+    failure = attributes == INVALID_FILE_ATTRIBUTES
+                  ? lastFailure()
+                  : Failure{"the file is read-only", Failure::Kind::FileReadOnly};
     return false;
 }
 
@@ -73,44 +78,44 @@ std::unique_ptr<NewFile> NewFile::inFolderOf(const std::string& path, std::strin
     return file;
 }
 
-std::unique_ptr<NewFile> NewFile::beside(const std::string& path, Content content, std::string& error)
+std::unique_ptr<NewFile> NewFile::beside(const std::string& path, Content content, Failure& failure)
 {
-    std::unique_ptr<NewFile> file = inFolderOf(path, error);
-    return file->openOriginal(error) && file->becomeOriginal(content, error) && file->make(error)
+    std::unique_ptr<NewFile> file = inFolderOf(path, failure);
+    return file->openOriginal(failure) && file->becomeOriginal(content, failure) && file->make(failure)
                ? std::move(file)
                : nullptr;
 }
 
-std::unique_ptr<NewFile> NewFile::forName(const std::string& path, std::string& error)
+std::unique_ptr<NewFile> NewFile::forName(const std::string& path, Failure& failure)
 {
-    std::unique_ptr<NewFile> file = inFolderOf(path, error);
-    return file->becomeOriginal(Content::Empty, error) && file->make(error) ? std::move(file) : nullptr;
+    std::unique_ptr<NewFile> file = inFolderOf(path, failure);
+    return file->becomeOriginal(Content::Empty, failure) && file->make(failure) ? std::move(file) : nullptr;
 }
 
 std::unique_ptr<NewFile> NewFile::linkOf(std::FILE*, const std::string& existing, const std::string& path,
-                                         std::string& error)
+                                         Failure& failure)
 {
-    std::unique_ptr<NewFile> file = inFolderOf(path, error);
+    std::unique_ptr<NewFile> file = inFolderOf(path, failure);
     const fs::path name = newNameFor(file->m_place->target);
     if (!CreateHardLinkW(name.c_str(), fs::u8path(existing).c_str(), nullptr)) {
-        error = reason();
+        failure = lastFailure();
         return nullptr;
     }
     file->m_place->name = name;
     return file;
 }
 
-bool NewFile::openOriginal(std::string& error)
+bool NewFile::openOriginal(Failure& failure)
 {
-    if (!mayReplace(m_place->target, error))
+    if (!mayReplace(m_place->target, failure))
         return false;
     if (stateOf(m_place->target.u8string(), m_original))
         return true;
-    error = reason();
+    failure = lastFailure();
     return false;
 }
 
-bool NewFile::becomeOriginal(Content content, std::string& error)
+bool NewFile::becomeOriginal(Content content, Failure& failure)
 {
     const fs::path name = newNameFor(m_place->target);
     const bool done = content == Content::Copied ? CopyFileW(m_place->target.c_str(), name.c_str(), TRUE) != 0
@@ -118,15 +123,15 @@ bool NewFile::becomeOriginal(Content content, std::string& error)
     if (done)
         m_place->name = name;
     else
-        error = "no new file can be made in the folder: " + reason();
+        failure = lastFailure("no new file can be made in the folder: ");
     return done;
 }
 
-bool NewFile::make(std::string& error)
+bool NewFile::make(Failure& failure)
 {
     m_file = openFile(m_place->name.u8string(), true);
     if (!m_file)
-        error = "the new file cannot be opened";
+        failure = {"the new file cannot be opened"};
     return m_file != nullptr;
 }
 
@@ -137,42 +142,42 @@ bool NewFile::isAtItsName() const
     return !m_file || (stateOf(m_file, own) && stateOf(m_place->name.u8string(), there) && own.isOf(there));
 }
 
-NewFile::Taking NewFile::replaceOriginal(std::string& error)
+NewFile::Taking NewFile::replaceOriginal(Failure& failure)
 {
     FileState now;
     if (stateOf(m_place->target.u8string(), now) && now == m_original)
-        return moveTo(m_place->target.u8string(), error);
-    error = "another program changed the file meanwhile";
+        return moveTo(m_place->target.u8string(), failure);
+    failure = {"another program changed the file meanwhile", Failure::Kind::ChangedMeanwhile};
     return Taking::ChangedMeanwhile;
 }
 
-NewFile::Taking NewFile::takeName(const std::string& path, std::string& error)
+NewFile::Taking NewFile::takeName(const std::string& path, Failure& failure)
 {
-    return moveTo(path, error);
+    return moveTo(path, failure);
 }
 
-NewFile::Taking NewFile::moveTo(const std::string& name, std::string& error)
+NewFile::Taking NewFile::moveTo(const std::string& name, Failure& failure)
 {
-    error = "another program exchanged the new file meanwhile";
+    failure = {"another program exchanged the new file meanwhile", Failure::Kind::ChangedMeanwhile};
     if (!isAtItsName())
         return Taking::ChangedMeanwhile;
     if (m_file)
         std::fclose(m_file); // what is open cannot be moved here
     m_file = nullptr;
     if (!moveOver(m_place->name, fs::u8path(name))) {
-        error = reason();
+        failure = lastFailure();
         return Taking::Failed;
     }
     return settleAt(name);
 }
 
-NewFile::Taking NewFile::takeFreeName(const std::string& path, std::string& error)
+NewFile::Taking NewFile::takeFreeName(const std::string& path, Failure& failure)
 {
     if (GetFileAttributesW(fs::u8path(path).c_str()) != INVALID_FILE_ATTRIBUTES) {
-        error = "there is a file of that name";
+        failure = {"there is a file of that name"};
         return Taking::NameTaken;
     }
-    return moveTo(path, error);
+    return moveTo(path, failure);
 }
 
 NewFile::Taking NewFile::settleAt(const std::string&)
@@ -191,20 +196,20 @@ void base::removeLeftovers(const std::string& path)
             fs::remove(entry.path(), failure); // fails while its writer has it open
 }
 
-bool base::renameFile(const std::string& from, const std::string& to, std::string& error)
+bool base::renameFile(const std::string& from, const std::string& to, Failure& failure)
 {
     if (moveOver(fs::u8path(from), fs::u8path(to)))
         return true;
-    error = reason();
+    failure = lastFailure();
     return false;
 }
 
-bool base::createLike(const std::string& model, const std::string& path, std::string& error)
+bool base::createLike(const std::string& model, const std::string& path, Failure& failure)
 {
-    if (!mayReplace(fs::u8path(model), error))
+    if (!mayReplace(fs::u8path(model), failure))
         return false;
     if (createEmpty(fs::u8path(path)) || GetLastError() == ERROR_FILE_EXISTS)
         return true;
-    error = "no new file can be made in the folder: " + reason();
+    failure = lastFailure("no new file can be made in the folder: ");
     return false;
 }

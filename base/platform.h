@@ -23,6 +23,14 @@ struct FileState
     bool operator!=(const FileState& other) const { return !(*this == other); }
     /// Whether both are states of one file.
     bool isOf(const FileState& other) const { return device == other.device && inode == other.inode; }
+    /// Whether no program wrote between the two states, as size and time tell. For files that may have been
+    /// away from memory: not every disk gives a file the same number again.
+    bool looksLike(const FileState& other) const
+    {
+        return size == other.size && modified == other.modified && link == other.link;
+    }
+    /// The same for one file; further names and other rights change nothing.
+    bool hasContentOf(const FileState& other) const { return isOf(other) && looksLike(other); }
 };
 
 /// Follows links; false when there is no such file.

@@ -14,6 +14,14 @@ QFileInfoList sortedEntries(const QString& folder)
                                           QDir::Hidden | QDir::NoDotAndDotDot,
                                       QDir::Name);
 }
+
+void take(const QString& path, FileCollection::Found& files)
+{
+    if (FileCollection::isMusicFile(path))
+        files.music.append(path);
+    else if (Formats::isWindowsMediaEnding(path.right(3)))
+        files.windowsMedia.append(path);
+}
 } // namespace
 
 bool FileCollection::isMusicFile(const QString& path)
@@ -23,11 +31,16 @@ bool FileCollection::isMusicFile(const QString& path)
 
 QStringList FileCollection::musicFilesUnder(const QString& path, const std::function<bool(int found)>& step)
 {
-    QStringList files;
+    return filesUnder(path, step).music;
+}
+
+FileCollection::Found FileCollection::filesUnder(const QString& path,
+                                                 const std::function<bool(int found)>& step)
+{
+    Found files;
     const QFileInfo start(path);
     if (!start.isDir()) {
-        if (isMusicFile(path))
-            files.append(path);
+        take(path, files);
         return files;
     }
     QQueue<QString> folders;
@@ -40,11 +53,11 @@ QStringList FileCollection::musicFilesUnder(const QString& path, const std::func
                 walked.insert(entry.canonicalFilePath());
                 if (walked.size() > before)
                     folders.enqueue(entry.filePath());
-            } else if (isMusicFile(entry.filePath())) {
-                files.append(entry.filePath());
+            } else {
+                take(entry.filePath(), files);
             }
         }
-        if (step && !step(files.size()))
+        if (step && !step(files.music.size()))
             break;
     }
     return files;

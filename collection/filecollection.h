@@ -14,4 +14,12 @@ bool isMusicFile(const QString& path);
 /// are not both readable and writable are left out, and a folder that a link leads back to is walked once.
 /// `step` is called between folders with the number of files found so far; false from it ends the walk.
 QStringList musicFilesUnder(const QString& path, const std::function<bool(int found)>& step = nullptr);
+
+struct Found
+{
+    QStringList music;
+    QStringList windowsMedia; ///< in the same order
+};
+/// The same, and the Windows Media files: whether they are music is for the caller to say.
+Found filesUnder(const QString& path, const std::function<bool(int found)>& step = nullptr);
 } // namespace FileCollection

@@ -26,8 +26,7 @@ struct FileState
 
 inline bool operator==(const FileState& a, const FileState& b)
 {
-    return a.there == b.there && a.file.isOf(b.file) && a.file.modified == b.file.modified &&
-           a.file.size == b.file.size && a.path == b.path;
+    return a.there == b.there && a.file.hasContentOf(b.file) && a.path == b.path;
 }
 
 inline bool operator!=(const FileState& a, const FileState& b)

@@ -12,7 +12,7 @@ struct Format
     const char* name;   ///< oddity 8: these capitals
     const char* listed; ///< as lists and panels show it
     int code;           ///< the audio core's
-    bool byDialogAlone; ///< oddity 20
+    bool byNameAlone;   ///< oddity 20
 };
 
 /// In the order in which the dialog names them.
@@ -28,14 +28,24 @@ const Format* rowOf(int formatCode)
                                          [formatCode](const Format& one) { return one.code == formatCode; });
     return row == std::end(formats) ? nullptr : row;
 }
+
+bool hasEnding(const QString& lastThree, bool byNameAlone)
+{
+    return std::any_of(std::begin(formats), std::end(formats), [&](const Format& format) {
+        return format.byNameAlone == byNameAlone &&
+               lastThree.compare(QLatin1String(format.ending).right(3), Qt::CaseInsensitive) == 0;
+    });
+}
 } // namespace
 
 bool Formats::isMusicEnding(const QString& lastThree)
 {
-    return std::any_of(std::begin(formats), std::end(formats), [&lastThree](const Format& format) {
-        return !format.byDialogAlone &&
-               lastThree.compare(QLatin1String(format.ending).right(3), Qt::CaseInsensitive) == 0;
-    });
+    return hasEnding(lastThree, false);
+}
+
+bool Formats::isWindowsMediaEnding(const QString& lastThree)
+{
+    return hasEnding(lastThree, true);
 }
 
 QString Formats::namePatterns()

@@ -6,6 +6,8 @@
 namespace Formats {
 /// Oddity 19: whether a file counts as music, by the last three characters of its name; "lac" is FLAC.
 bool isMusicEnding(const QString& lastThree);
+/// The same for Windows Media files, which only those who name them get.
+bool isWindowsMediaEnding(const QString& lastThree);
 /// "*.mp3 *.m4a" and so on, for a dialog that lets the user choose any of them.
 QString namePatterns();
 /// Oddity 8: a name for the audio core's format code, which no screen shows; "None" for an unknown one.

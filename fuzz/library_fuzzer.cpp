@@ -1,5 +1,6 @@
 // Arbitrary bytes as a music library: read, and if that succeeds changed, written and read again. What was
 // XML for another parser must be so afterwards.
+#include "base/failure.h"
 #include "base/filebytes.h"
 #include "library/libraryediting.h"
 #include "library/libraryreading.h"
@@ -21,9 +22,9 @@ using base::MemoryFile;
 namespace {
 std::unique_ptr<itunes::TrackStore> read(const MemoryFile& library, const itunes::TrackChanges& changes)
 {
-    std::string error;
-    auto store = itunes::readLibrary(library, changes, error);
-    promise(!store == !error.empty(), "what cannot be read has a reason");
+    itunes::ReadingFailure failure;
+    auto store = itunes::readLibrary(library, changes, failure);
+    promise(!store == !failure.failure.text.empty(), "what cannot be read has a reason");
     return store;
 }
 
@@ -77,14 +78,15 @@ itunes::TrackChanges changesOf(itunes::TrackStore& store, const itunes::TrackEdi
 MemoryFile changed(const MemoryFile& library, const itunes::TrackChanges& changes)
 {
     std::string error;
+    base::Failure failure;
     itunes::LibrarySplices splices;
-    promise(itunes::findSplices(library, changes, splices, error), "what was read can be changed");
+    promise(itunes::findSplices(library, changes, splices, failure), "what was read can be changed");
     if (splices.all.empty())
         return library;
     MemoryFile copy{std::string()};
     itunes::LibraryContents contents;
     promise(itunes::writeSpliced(library, copy, splices, error) &&
-                itunes::readContents(copy, contents, error) && itunes::isComplete(contents, splices, error),
+                itunes::readContents(copy, contents, failure) && itunes::isComplete(contents, splices, error),
             "what was changed is a sound library");
     return copy;
 }

@@ -9,19 +9,18 @@
 #include "ui_centerwidget.h"
 #include "views/songcells.h"
 
+#include <QApplication>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QTimer>
-#include <QUrl>
-
-int m_local_add_or_ScanAgain = 0;
 
 CenterWidget::CenterWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
-      m_deletion(this, SLOT(SlotAllMusicInfoAfterDeleting()))
+      m_deletion(this, SLOT(SlotAllMusicInfoAfterDeleting())),
+      m_adding(*this, m_localMusicList, m_tagList, [this] { return whyNoFiles(); })
 {
     ui->setupUi(this);
     setLayout(ui->m_layout);
@@ -37,9 +36,8 @@ CenterWidget::~CenterWidget()
     m_deletion.stop();
     m_views->showSongs(nullptr);
     m_views->showGroups(nullptr, SongCells::columnModeDupTable);
-    m_intake.reader().forgetCovers();
+    m_adding.intake().reader().forgetCovers();
     qDeleteAll(m_localMusicList);
-    qDeleteAll(m_removedSongs);
 }
 
 void CenterWidget::Init()
@@ -56,6 +54,10 @@ void CenterWidget::Init()
     m_openShortcut =
         new QShortcut(QKeySequence::Open, this, SLOT(OnBtnOpenFile()), nullptr, Qt::WindowShortcut);
     m_openShortcut->setEnabled(false);
+    // A key that is held does not take everything back.
+    (new QShortcut(QKeySequence::Undo, this, SLOT(SlotUndo()), nullptr, Qt::WindowShortcut))
+        ->setAutoRepeat(false);
+    ui->m_musicDetailedWidget->setHistory(&m_undo.history());
     setAcceptDrops(false);
 }
 
@@ -87,7 +89,18 @@ void CenterWidget::InitConnect()
     connect(this, SIGNAL(emitDuplicateMusicCount(int)), groups, SLOT(SlotSetDeleteBtn(int)));
     connect(this, SIGNAL(emitStartToPlayMusic(QMusicInfo*)), groups,
             SLOT(SlotBeginToPlayTableViewMusic(QMusicInfo*)));
-    connect(&m_intake, SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
+    connect(&m_adding.intake(), SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
+    connect(&m_adding, &FileAdding::finished, this, &CenterWidget::emitIntakeFinished);
+    connect(&m_adding, &FileAdding::pathsTaken, this, &CenterWidget::emitSetNavigViewBtn);
+    connect(&m_adding, &FileAdding::scanWanted, this, &CenterWidget::SlotScanAddedFiles);
+    connect(&m_adding, &FileAdding::told, this, &CenterWidget::tell);
+    connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitTold, this, &CenterWidget::emitTold);
+    connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitTold, this,
+            &CenterWidget::emitTold);
+    connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitGroupCleared, this,
+            &CenterWidget::SlotGroupCleared);
+    connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitEditedAgain, this,
+            &CenterWidget::SlotEditedAgain);
 }
 
 void CenterWidget::switchView()
@@ -169,6 +182,7 @@ void CenterWidget::SlotDoubleClickDupMusicIndex(const QModelIndex& index)
 
 void CenterWidget::SlotHiddenMusicDetailedWidget()
 {
+    ui->m_musicDetailedWidget->leave();
     ui->m_musicDetailedWidget->hide();
     ui->m_dupMusicDetailedWidget->hide();
 }
@@ -189,6 +203,7 @@ void CenterWidget::enterMode(bool local)
 
 void CenterWidget::ClearSelectedWidget()
 {
+    emit emitTold(FootText()); // the songs that it may be about go
     const QList<QMusicInfo*> songs = std::exchange(m_localMusicList, {});
     clearClassification();
     // Neither mode shows the other's songs: whatever was listed before, the emptied list is.
@@ -199,10 +214,11 @@ void CenterWidget::ClearSelectedWidget()
     for (IAudioTag* tag : std::exchange(m_tagList, {}))
         if (tag)
             tag->Close();
-    m_intake.reader().forgetCovers();
+    m_adding.intake().reader().forgetCovers();
     qDeleteAll(songs);
     // No panel shows one any more.
-    qDeleteAll(std::exchange(m_removedSongs, {}));
+    m_undo.forget();
+    offerUndo();
 }
 
 void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
@@ -225,7 +241,7 @@ void CenterWidget::classify()
 void CenterWidget::setLocalMusicInfo()
 {
     clearClassification();
-    if (m_bFilesAdded)
+    if (m_adding.hasAdded())
         m_pAllMusicList = &m_localMusicList;
     if (m_pAllMusicList->isEmpty()) {
         IntakeDialogs::askForFiles();
@@ -250,6 +266,7 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
         m_views->showSongs(&m_classification.undefinedSongs());
     selectShownSong();
     m_pCurrentView->verticalScrollBar()->setValue(scrolled);
+    offerUndo();
 }
 
 /// Models that were reset have forgotten it.
@@ -262,12 +279,11 @@ void CenterWidget::selectShownSong()
         selectSong(row);
 }
 
-/// Models that were reset have forgotten it; a group that fell to one song is none any more.
-void CenterWidget::selectShownGroup()
+/// A group that fell to one song is none any more.
+bool CenterWidget::isShownGroupLeft() const
 {
     const DupMusicInfo* group = m_classification.groups().value(int(m_nCurrentDupRow));
-    if (group && ui->m_dupMusicDetailedWidget->shows(group->musicList))
-        m_views->selectGroup(int(m_nCurrentDupRow));
+    return group && ui->m_dupMusicDetailedWidget->shows(group->musicList);
 }
 
 void CenterWidget::selectSong(int row)
@@ -281,14 +297,99 @@ SongLists CenterWidget::songLists()
     return {m_pAllMusicList, &m_classification.groups(), &m_classification.undefinedSongs(), &m_tagList};
 }
 
+void CenterWidget::SlotEditedAgain()
+{
+    ui->m_dupMusicDetailedWidget->hide();
+    selectShownSong();
+}
+
+void CenterWidget::SlotGroupCleared()
+{
+    QVector<FootText::Link> links;
+    if (const int next = m_classification.rowAfter(int(m_nCurrentDupRow), isShownGroupLeft()); next >= 0)
+        links.append({QStringLiteral("Next group"), [this, next] { showGroup(next); }});
+    tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), links);
+}
+
+void CenterWidget::showGroup(int row)
+{
+    if (row >= m_classification.groups().size())
+        return;
+    emit emitChooseDuplicates();
+    markGroup(row);
+}
+
+/// As a click on it.
+void CenterWidget::markGroup(int row)
+{
+    SlotClickDupMusicIndex(m_views->view(true, m_bGridMode)->model()->index(row, 0));
+}
+
+void CenterWidget::tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links)
+{
+    m_undo.endDeletion(tally.files());
+    tell({tally.line(), tally.failed(), links});
+    offerUndo();
+}
+
+/// What has no words is no news.
+void CenterWidget::tell(const FootText& told)
+{
+    if (!told.text.isEmpty())
+        emit emitTold(told);
+}
+
+void CenterWidget::offerUndo()
+{
+    const QString change = m_undo.next();
+    emit emitUndoOffered(change.isEmpty()
+                             ? FootText::Link()
+                             : FootText::Link{QStringLiteral("Undo"), [this] { SlotUndo(); },
+                                              QStringLiteral("Takes back %1 (Ctrl+Z)").arg(change)});
+}
+
+void CenterWidget::SlotUndo()
+{
+    if (ListsAreInUse() || m_undo.next().isEmpty())
+        return;
+    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
+    const SongUndo::Undone undone = m_undo.undo(songLists());
+    if (undone.edited || !undone.returned.isEmpty())
+        showAfterUndo(undone);
+    QApplication::restoreOverrideCursor();
+    tell({undone.line, undone.failed, {}});
+    offerUndo();
+}
+
+/// The view in force stays. Of groups the one is shown that songs came back to, else the one shown before.
+void CenterWidget::showAfterUndo(const SongUndo::Undone& undone)
+{
+    DuplicateMusicDetailedWidget* const panel = ui->m_dupMusicDetailedWidget;
+    const QList<QMusicInfo*> kept = panel->isVisible() ? panel->keptSongs() : QList<QMusicInfo*>();
+    const QList<QMusicInfo*> shown = undone.returned.isEmpty() ? kept : undone.returned;
+    if (undone.edited && undone.edited == ui->m_musicDetailedWidget->song())
+        ui->m_musicDetailedWidget->showAnew();
+    SlotMusicInfoHaveBeEdited();
+    m_views->refreshGroups();
+    showCurrentView();
+    emitCounts();
+    const int row = shown.isEmpty() ? -1 : m_classification.rowOf(shown.first());
+    if (row < 0 || m_nViewKind != ViewDuplicates)
+        return;
+    markGroup(row);
+    panel->showKeeping(&m_classification.groups().at(row)->musicList, kept);
+}
+
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow,
-                               ui->m_dupMusicDetailedWidget->keptFiles()))
-        m_removedSongs.append(song);
+    if (const auto removed = SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow,
+                                                    ui->m_dupMusicDetailedWidget->keptFiles(),
+                                                    ui->m_dupMusicDetailedWidget->fileRemoval()))
+        m_undo.songsLeft({*removed});
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
-    selectShownGroup();
+    if (isShownGroupLeft())
+        m_views->selectGroup(int(m_nCurrentDupRow)); // models that were reset have forgotten it
     emitCounts();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
@@ -302,12 +403,15 @@ void CenterWidget::SlotDeleteAllDupMusic()
 
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
-    m_removedSongs += m_deletion.finish();
+    m_undo.songsLeft(m_deletion.finish());
+    RemovalTally tally = ui->m_dupMusicDetailedWidget->takeTally();
+    tally.add(m_deletion.takeTally());
     m_views->setGroupsEnabled(true);
     forgetShownGroup();
     m_views->refreshGroups();
     m_views->refreshSongs();
     emitCounts();
+    tellOfDeletion(tally, {});
 }
 
 void CenterWidget::emitCounts()
@@ -338,7 +442,7 @@ void CenterWidget::slotShowAllmusicView()
 
 void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!takesFiles()) {
+    if (!whyNoFiles().isEmpty()) {
         event->ignore();
         return;
     }
@@ -349,77 +453,25 @@ void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
 
 void CenterWidget::dropEvent(QDropEvent* event)
 {
-    QStringList paths;
-    for (const QUrl& url : event->mimeData()->urls())
-        paths.append(url.toLocalFile());
-    if (paths.isEmpty() || !takesFiles())
+    const QStringList paths = FileAdding::pathsOf(*event->mimeData());
+    if (paths.isEmpty() || !whyNoFiles().isEmpty())
         return;
     event->acceptProposedAction();
     // The source of the drag waits for this handler: it is let go before the long work starts.
     QTimer::singleShot(0, this, [this, paths] { TakeDroppedPaths(paths); });
 }
 
-void CenterWidget::TakeDroppedPaths(const QStringList& paths)
-{
-    if (!takesFiles()) {
-        qWarning("%d dropped paths are not added: %s", paths.size(),
-                 ListsAreInUse() ? "the lists are in use" : "the local mode is not in force");
-        return;
-    }
-    m_dropFileList.clear();
-    for (const QString& path : paths)
-        DragMusicIntoLocalToAddFile(path);
-    m_bFromDrop = true;
-    OnBtnOpenFile();
-    emit emitSetNavigViewBtn();
-}
-
-void CenterWidget::OnBtnOpenFile()
-{
-    const bool fromDrop = std::exchange(m_bFromDrop, false);
-    if (!takesFiles())
-        return;
-    if (fromDrop && m_dropFileList.isEmpty()) {
-        offerFileDialog();
-        return;
-    }
-    const QStringList files = fromDrop ? m_dropFileList : chosenFiles();
-    if (!files.isEmpty())
-        addFiles(files);
-}
-
 /// Files are local songs: of any other mode, and of one that is being left, they are none.
-bool CenterWidget::takesFiles() const
+QString CenterWidget::whyNoFiles() const
 {
-    return QIOrvoUtil::m_cleanMode && !m_bLeavingMode && !ListsAreInUse();
+    if (ListsAreInUse())
+        return QStringLiteral("the lists are in use");
+    return QIOrvoUtil::m_cleanMode && !m_bLeavingMode ? QString()
+                                                      : QStringLiteral("the local mode is not in force");
 }
 
-/// What the user chooses; nothing where the mode went meanwhile.
-QStringList CenterWidget::chosenFiles()
+void CenterWidget::SlotScanAddedFiles()
 {
-    QStringList files = IntakeDialogs::chooseFiles(this);
-    if (files.isEmpty() || takesFiles())
-        return files;
-    qWarning("%d chosen files are not added: the local mode is left", files.size());
-    return {};
-}
-
-void CenterWidget::offerFileDialog()
-{
-    if (!m_intake.isStopped() && IntakeDialogs::offerChoice())
-        OnBtnOpenFile();
-}
-
-void CenterWidget::addFiles(const QStringList& files)
-{
-    m_bFilesAdded = true;
-    m_local_add_or_ScanAgain = 1;
-    m_intake.add(files, m_localMusicList, m_tagList);
-    emit emitIntakeFinished();
-    if (m_intake.isStopped())
-        return;
-    if (!IntakeDialogs::offerScan() || !takesFiles())
-        return;
     showCurrentView();
     ui->m_btnOpen->show();
     setLocalMusicInfo();
@@ -435,17 +487,12 @@ void CenterWidget::paintEvent(QPaintEvent*)
     painter.fillRect(column.left(), column.top(), 1, column.height(), Style::line);
     if (ui->m_btnOpen->isHidden())
         return;
-    placeOpenButton(); // where it stands already
+    DropZone::placeButton(*ui->m_btnOpen, size()); // where it stands already
     m_dropZone.paint(painter, size(), ui->m_btnOpen->size());
 }
 
 void CenterWidget::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    placeOpenButton();
-}
-
-void CenterWidget::placeOpenButton()
-{
-    ui->m_btnOpen->move(m_dropZone.buttonPlace(size(), ui->m_btnOpen->size()));
+    DropZone::placeButton(*ui->m_btnOpen, size());
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "common/footline.h"
 #include "dropzone.h"
+#include "fileadding.h"
 #include "groupdeletion.h"
-#include "songs/localintake.h"
 #include "songs/songclassification.h"
+#include "songs/songundo.h"
 
 #include <QList>
 #include <QStringList>
@@ -21,9 +23,6 @@ struct QMusicInfo;
 namespace Ui {
 class CenterWidget;
 }
-
-/// What Start Scan does in the local mode: 0 opens the add-files dialog, 1 scans the files already added.
-extern int m_local_add_or_ScanAgain;
 
 /// The content area: the song lists of the mode in force, the four views on them, and the panels of one song
 /// and of one duplicate group. Takes local files in and classifies songs. GUI thread only.
@@ -54,13 +53,15 @@ public:
 
     /// Takes files and folders in as a drop of them does: nothing out of the local mode, nor while it is
     /// left.
-    void TakeDroppedPaths(const QStringList& paths);
+    void TakeDroppedPaths(const QStringList& paths) { m_adding.takeDropped(paths); }
+    /// The same for files and folders that the user named, Windows Media files included.
+    void TakeNamedPaths(const QStringList& paths) { m_adding.takeNamed(paths); }
     /// Whether an intake fills the lists of songs or a thread deletes what they hold: neither may see them
     /// emptied or filled by others, so switching modes waits for its end. The thread has ended its use once
     /// the waiting dialog closes, whenever it returns itself.
-    bool ListsAreInUse() const { return m_intake.isRunning() || m_deletion.isRunning(); }
+    bool ListsAreInUse() const { return m_adding.intake().isRunning() || m_deletion.isRunning(); }
     /// Ends a running intake for good, without its message; for when the window closes.
-    void StopIntake() { m_intake.stop(); }
+    void StopIntake() { m_adding.intake().stop(); }
 
 signals:
     /// Oddity 18: declared, never emitted.
@@ -76,15 +77,18 @@ signals:
     void emitIntakeProgress(int done, int total);
     /// When files were read, before the message about it.
     void emitIntakeFinished();
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
+    /// What can be taken back now, for the foot of the window; without a caption there is nothing.
+    void emitUndoOffered(const FootText::Link& link);
+    /// As a click on the row of duplicates in the navigation pane.
+    void emitChooseDuplicates();
 
 public slots:
     void OnBtnGridView() { display(true); }
     void OnBtnTableView() { display(false); }
-    void OnBtnOpenFile();
-    void DragMusicIntoLocalToAddFile(const QString& path)
-    {
-        m_dropFileList += m_intake.collect(path, m_dropFileList.size());
-    }
+    void OnBtnOpenFile() { m_adding.choose(); }
+    void DragMusicIntoLocalToAddFile(const QString& path) { m_adding.find(path); }
     void DragMusicIntoiTunes() {}
     void slotShowAllmusicView();
     void slotShowUndefineMusicView();
@@ -105,6 +109,12 @@ public slots:
     /// Reduces every group to its first song on a thread, while the user waits.
     void SlotDeleteAllDupMusic();
     void SlotAllMusicInfoAfterDeleting();
+    void SlotGroupCleared();
+    void SlotScanAddedFiles();
+    /// The song of the panel is edited once more.
+    void SlotEditedAgain();
+    /// Takes the newest change back, while nothing else is at the lists.
+    void SlotUndo();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -119,16 +129,18 @@ private:
     void InitView();
     void InitConnect();
 
-    bool takesFiles() const;
-    QStringList chosenFiles();
-    void offerFileDialog();
-    void addFiles(const QStringList& files);
+    QString whyNoFiles() const;
+    void tell(const FootText& told);
+    void tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links);
+    void offerUndo();
+    void showAfterUndo(const SongUndo::Undone& undone);
+    void showGroup(int row);
+    void markGroup(int row);
 
     void display(bool grid);
     void switchView();
     void showCurrentView();
     void enterMode(bool local);
-    void placeOpenButton();
 
     SongLists songLists();
     void emitCounts();
@@ -137,7 +149,7 @@ private:
     void forgetShownGroup();
     void selectSong(int row);
     void selectShownSong();
-    void selectShownGroup();
+    bool isShownGroupLeft() const;
 
     std::unique_ptr<Ui::CenterWidget> ui;
     DropZone m_dropZone;
@@ -155,12 +167,9 @@ private:
     QList<IAudioTag*> m_tagList;                             ///< one per local song, same index
     QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
     SongClassification m_classification;
-    QList<QMusicInfo*> m_removedSongs; ///< owned; out of every list, but panels may still show one
+    SongUndo m_undo; ///< owns the songs that left the lists; panels may still show one
     GroupDeletion m_deletion;
 
-    LocalIntake m_intake;
-    QStringList m_dropFileList;
-    bool m_bFromDrop = false;
+    FileAdding m_adding;
     bool m_bLeavingMode = false;
-    bool m_bFilesAdded = false;
 };

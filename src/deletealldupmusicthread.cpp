@@ -26,23 +26,31 @@ void DeleteAllDupMusicThread::GetDupMusicBeDelete(QList<QMusicInfo*>* all, QList
                                                   QList<QMusicInfo*>* undefined, QList<IAudioTag*>* tags)
 {
     m_lists = {all, groups, undefined, tags};
+    m_tally = RemovalTally();
 }
 
-QList<QMusicInfo*> DeleteAllDupMusicThread::takeRemovedSongs()
+QVector<RemovedSong> DeleteAllDupMusicThread::takeRemovedSongs()
 {
     return std::exchange(m_removedSongs, {});
+}
+
+RemovalTally DeleteAllDupMusicThread::takeTally()
+{
+    return std::exchange(m_tally, RemovalTally());
 }
 
 void DeleteAllDupMusicThread::run()
 {
     if (!m_lists.groups->isEmpty()) {
         QVector<SongRemoval::Removal> plan;
+        FileRemoval removal;
         int done = 0; // what is gone leaves the lists, whatever ended the deletion
-        Workers::finish("deleting duplicates", [this, &plan, &done] {
+        Workers::finish("deleting duplicates", [this, &plan, &done, &removal] {
             plan = SongRemoval::planOfAll(*m_lists.groups);
-            deleteSongs(plan, done);
+            deleteSongs(plan, done, removal);
         });
         plan.resize(done);
+        m_tally.addFiles(removal.removed());
         const auto editLists = [this, &plan] { m_removedSongs += SongRemoval::removeAll(m_lists, plan); };
         QMetaObject::invokeMethod(this, editLists,
                                   thread() == QThread::currentThread() ? Qt::DirectConnection
@@ -52,7 +60,8 @@ void DeleteAllDupMusicThread::run()
 }
 
 /// Counts in `done` how many of them it deleted: all, unless it was told to end.
-void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done)
+void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done,
+                                          FileRemoval& removal)
 {
     const bool files = SongRemoval::songsAreFiles();
     const QHash<const QMusicInfo*, IAudioTag*> tags = tagsOf(m_lists);
@@ -63,15 +72,15 @@ void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& p
     for (done = 0; done < plan.size(); ++done) {
         if (isInterruptionRequested())
             return;
-        const SongRemoval::Removal& removal = plan.at(done);
+        const SongRemoval::Removal& next = plan.at(done);
         if (!files) {
-            SongRemoval::removeTrack(*removal.song);
-        } else if (tags.contains(removal.song)) { // else it went before, and its file with it
-            if (removal.kept != keptSong) {
-                kept = SongRemoval::filesOf({removal.kept});
-                keptSong = removal.kept;
+            m_tally.addTrack(*next.song, SongRemoval::removeTrack(*next.song));
+        } else if (tags.contains(next.song)) { // else it went before, and its file with it
+            if (next.kept != keptSong) {
+                kept = SongRemoval::filesOf({next.kept});
+                keptSong = next.kept;
             }
-            SongRemoval::removeFile(*removal.song, tags.value(removal.song), kept);
+            SongRemoval::removeFile(*next.song, tags.value(next.song), kept, removal);
         }
         if (sinceProgress.elapsed() >= progressMilliseconds) {
             emit emitProgress(done + 1, plan.size());

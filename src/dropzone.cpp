@@ -1,6 +1,7 @@
 #include "dropzone.h"
 
 #include <QPainter>
+#include <QWidget>
 
 namespace {
 constexpr int rightColumnWidth = 330;
@@ -10,7 +11,12 @@ constexpr int gap = 24;
 
 DropZone::DropZone() : m_picture(SkinPicture::path("bg_openfile.png")) {}
 
-QPoint DropZone::buttonPlace(const QSize& area, const QSize& button) const
+void DropZone::placeButton(QWidget& button, const QSize& area)
+{
+    button.move(buttonPlace(area, button.size()));
+}
+
+QPoint DropZone::buttonPlace(const QSize& area, const QSize& button)
 {
     return {(area.width() - button.width() - rightColumnWidth) / 2, area.height() - buttonAboveBottom};
 }

@@ -20,7 +20,7 @@
 
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
-      m_pPlaySongWidget(std::make_unique<PlaySongWidget>())
+      m_pPlaySongWidget(std::make_unique<PlaySongWidget>()), m_fileRemoval(std::make_unique<FileRemoval>())
 {
     ui->setupUi(this);
     ui->scrollArea->viewport()->setAutoFillBackground(false);
@@ -32,6 +32,8 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     ui->m_btnClearAll->installEventFilter(this);
     connect(ui->m_btnClearOne, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteSongWasSelected()));
     connect(ui->m_btnClearAll, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteAllSong()));
+    connect(m_pPlaySongWidget.get(), &PlaySongWidget::emitTold, this,
+            &DuplicateMusicDetailedWidget::emitTold);
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongStopBtnHidden()), this, SLOT(SlotSongStopBtnHidden()));
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongPlayBtnHidden()), this, SLOT(SlotSongPlayBtnHidden()));
 }
@@ -77,6 +79,7 @@ DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)
     m_listBarWidget.append(row);
     row->SetDupMusicInfo(song);
     connect(row, SIGNAL(emitStartPlaySong(QMusicInfo*)), this, SLOT(SlotStartPlaySong(QMusicInfo*)));
+    connect(row, &DupMusicbarWidget::emitTold, this, &DuplicateMusicDetailedWidget::emitTold);
     connect(row, SIGNAL(emitStopSong()), m_pPlaySongWidget.get(), SLOT(SlotOnBtnPause()));
     ui->m_ListverticalLayout->addWidget(row);
     row->show();
@@ -102,8 +105,9 @@ QList<QMusicInfo*> DuplicateMusicDetailedWidget::songsOfRows(bool kept) const
 
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteSongWasSelected()
 {
-    if (m_deleteDlg.isNotToAskAgain() || userAgrees())
-        SlotDeleteSongWasSelected();
+    if (!m_deleteDlg.isNotToAskAgain() && !userAgrees())
+        return;
+    SlotDeleteSongWasSelected();
 }
 
 bool DuplicateMusicDetailedWidget::userAgrees()
@@ -118,18 +122,40 @@ bool DuplicateMusicDetailedWidget::userAgrees()
 /// Oddity 26: asks nothing.
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 {
-    SlotDeleteSongWasSelected();
+    deleteUncheckedSongs();
     emit emitDeleteAllDupMusic();
     showButtons(false);
 }
 
 void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
 {
+    deleteUncheckedSongs();
+    emit emitGroupCleared();
+}
+
+void DuplicateMusicDetailedWidget::deleteUncheckedSongs()
+{
+    m_tally = RemovalTally();
     if (!m_pMusicList)
         return;
     QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
     hideRows();
     m_keptFiles = SongRemoval::filesOf(keptSongs());
+    deleteUncheckedRows();
+    m_keptFiles = KeptFiles();
+    m_tally.addFiles(std::exchange(m_fileRemoval, std::make_unique<FileRemoval>())->removed());
+    if (m_listBarWidget.size() == 1)
+        removeLastRow();
+    else if (!rowsMatchSongs())
+        showKeeping(m_pMusicList, keptSongs()); // or the next deletion would take another row's song
+    else
+        markBestRow();
+    ui->m_scrollAreaWidget->show();
+    QApplication::restoreOverrideCursor();
+}
+
+void DuplicateMusicDetailedWidget::deleteUncheckedRows()
+{
     for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
         // Oddity 25: the song comes from the list, which loses an entry each time, the mark from the row.
         QMusicInfo* song = m_pMusicList->value(position);
@@ -139,20 +165,11 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
         if (!row || row->isKept())
             continue;
         if (!SongRemoval::songsAreFiles())
-            SongRemoval::removeTrack(*song);
+            m_tally.addTrack(*song, SongRemoval::removeTrack(*song));
         deleteRow(position);
         emit emitDeleteDupMusicWasSelected(song);
         update();
     }
-    m_keptFiles = KeptFiles();
-    if (m_listBarWidget.size() == 1)
-        removeLastRow();
-    else if (!rowsMatchSongs())
-        showRowsAnew(); // or the next deletion would take another row's song
-    else
-        markBestRow();
-    ui->m_scrollAreaWidget->show();
-    QApplication::restoreOverrideCursor();
 }
 
 void DuplicateMusicDetailedWidget::deleteRow(int position)
@@ -183,15 +200,12 @@ bool DuplicateMusicDetailedWidget::rowsMatchSongs() const
     return true;
 }
 
-/// What was marked to be kept stays marked.
-void DuplicateMusicDetailedWidget::showRowsAnew()
+void DuplicateMusicDetailedWidget::showKeeping(QList<QMusicInfo*>* list, const QList<QMusicInfo*>& kept)
 {
-    QSet<const QMusicInfo*> kept;
-    for (const QMusicInfo* song : keptSongs())
-        kept.insert(song);
-    SetDuplicateMusicDetailedInfo(m_pMusicList);
+    SetDuplicateMusicDetailedInfo(list);
+    const QSet<QMusicInfo*> marked(kept.begin(), kept.end());
     for (DupMusicbarWidget* row : qAsConst(m_listBarWidget))
-        if (!row->isKept() && kept.contains(row->song()))
+        if (!row->isKept() && marked.contains(row->song()))
             row->SlotOnBtnCheckBox();
 }
 

@@ -1,12 +1,16 @@
 #pragma once
 
+#include "collection/fileremoval.h"
 #include "collection/keptfiles.h"
+#include "common/footline.h"
 #include "deletedupmusicinfodlg.h"
+#include "songs/removaltally.h"
 
 #include <QList>
 #include <QWidget>
 
 #include <memory>
+#include <utility>
 
 class DupMusicbarWidget;
 class PlaySongWidget;
@@ -30,6 +34,8 @@ public:
     /// Shows a row for each song, the first one marked to be kept, and the panel; no list: forgets the group
     /// shown. The list and its songs must outlive their being shown.
     void SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list);
+    /// The same, and marks those of the songs to be kept, too.
+    void showKeeping(QList<QMusicInfo*>* list, const QList<QMusicInfo*>& kept);
     /// All groups, for what clearing them would do; they must outlive the panel, or be taken back (null).
     void setGroups(const QList<DupMusicInfo*>* groups) { m_groups = groups; }
     /// Whether the rows shown are those of this list.
@@ -38,6 +44,10 @@ public:
     QList<QMusicInfo*> keptSongs() const { return songsOfRows(true); }
     /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
     const KeptFiles& keptFiles() const { return m_keptFiles; }
+    /// Takes the files of the deletion under way.
+    FileRemoval& fileRemoval() { return *m_fileRemoval; }
+    /// What the last deletion did with the files of this group, or its tracks.
+    RemovalTally takeTally() { return std::exchange(m_tally, RemovalTally()); }
 
 public slots:
     void SlotOnBtnDeleteSongWasSelected();
@@ -53,6 +63,10 @@ signals:
     /// One song is to leave the lists, and in the local mode the disk; handled before this returns.
     void emitDeleteDupMusicWasSelected(QMusicInfo* song);
     void emitDeleteAllDupMusic();
+    /// At the end of a deletion, unless it is the beginning of clearing all groups.
+    void emitGroupCleared();
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -68,7 +82,8 @@ private:
     void deleteRow(int position);
     void removeLastRow();
     bool rowsMatchSongs() const;
-    void showRowsAnew();
+    void deleteUncheckedRows();
+    void deleteUncheckedSongs();
     void showButtons(bool visible);
     void play(QMusicInfo* song, bool fromDupBar);
 
@@ -79,5 +94,7 @@ private:
     std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
     DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
     KeptFiles m_keptFiles;                      ///< empty but for a deletion
+    std::unique_ptr<FileRemoval> m_fileRemoval; ///< a new one for each deletion
+    RemovalTally m_tally;
     DeleteDupMusicInfoDlg m_deleteDlg;
 };

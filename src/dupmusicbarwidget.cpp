@@ -8,6 +8,7 @@
 #include "folderopener.h"
 #include "qiorvoutil.h"
 #include "showmusicinfowidget.h"
+#include "songs/footlines.h"
 #include "songs/songfields.h"
 #include "songs/songtip.h"
 #include "ui_dupmusicbarwidget.h"
@@ -146,7 +147,8 @@ void DupMusicbarWidget::SlotOnBtnPause()
 
 void DupMusicbarWidget::SlotOnBtnOpenPath()
 {
-    FolderOpener::open(FolderOpener::folderOf(SongFields::location(m_pMusicInfo)));
+    if (!FolderOpener::open(FolderOpener::folderOf(SongFields::location(m_pMusicInfo))))
+        emit emitTold({FootLines::noOpener(FootLines::Opened::Folder), true, {}});
 }
 
 void DupMusicbarWidget::SlotOnBtnShowInfo()

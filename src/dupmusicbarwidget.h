@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/footline.h"
+
 #include <QWidget>
 
 #include <memory>
@@ -47,6 +49,8 @@ public slots:
 signals:
     void emitStartPlaySong(QMusicInfo* song);
     void emitStopSong();
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
 
 protected:
     bool event(QEvent* event) override;

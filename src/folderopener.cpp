@@ -35,11 +35,11 @@ QString FolderOpener::folderOf(const QString& location)
     return location.left(qMax(separator, 0));
 }
 
-void FolderOpener::open(const QString& folder)
+bool FolderOpener::open(const QString& folder)
 {
     if (!isFolder(pathOf(folder))) {
         qWarning("\"%s\" is not opened: it is no folder of this machine", qUtf8Printable(folder));
-        return;
+        return true;
     }
     // One argument, blanks or not.
 #if defined(Q_OS_MACOS)
@@ -52,4 +52,5 @@ void FolderOpener::open(const QString& folder)
 #endif
     if (!started)
         qWarning("the folder %s cannot be opened: no file browser was started", qUtf8Printable(folder));
+    return started;
 }

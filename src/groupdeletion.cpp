@@ -39,11 +39,16 @@ bool GroupDeletion::run(const SongLists& lists, QWidget& window)
     return true;
 }
 
-QList<QMusicInfo*> GroupDeletion::finish()
+QVector<RemovedSong> GroupDeletion::finish()
 {
     m_bDeleting = false;
     m_pWaitingDlg->finish();
     return m_pDeleteThread->takeRemovedSongs();
+}
+
+RemovalTally GroupDeletion::takeTally()
+{
+    return m_pDeleteThread->takeTally();
 }
 
 /// The thread ends by way of this one, which it blocks on.

@@ -58,6 +58,18 @@ bool IdentifyThread::isCancelled() const
     return m_bCancelled;
 }
 
+int IdentifyThread::status() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_nStatus;
+}
+
+void IdentifyThread::noteStatus(int status)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_nStatus = status;
+}
+
 /// Makes the identifier and opens the file; false when there is nothing to run.
 bool IdentifyThread::prepare()
 {
@@ -86,7 +98,8 @@ void IdentifyThread::identify()
         return;
     }
     m_pIdentifier->Identify(1, 1, 3);
-    if (!isFound(m_pIdentifier->GetStatus())) {
+    noteStatus(m_pIdentifier->GetStatus());
+    if (!isFound(status())) {
         m_pIdentifier->Close();
         emit emitFailToIdentify();
         return;

@@ -25,6 +25,8 @@ public:
     void CloseTheIdentifier();
     /// Whether CloseTheIdentifier() was called.
     bool isCancelled() const;
+    /// How the last run ended (IdentifyStatus).
+    int status() const;
 
 signals:
     /// One text for each item found: the item's type as one digit, and its value.
@@ -39,6 +41,7 @@ protected:
 private:
     void identify();
     bool prepare();
+    void noteStatus(int status);
     QStringList takeItems();
     void takeCover(const TagItem& item);
 
@@ -46,4 +49,5 @@ private:
     mutable std::mutex m_mutex;
     IAudioIdentifier* m_pIdentifier = nullptr; ///< made by the first run; guarded by the mutex
     bool m_bCancelled = false;                 ///< guarded by the mutex
+    int m_nStatus = 0;                         ///< guarded by the mutex
 };

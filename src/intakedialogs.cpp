@@ -2,6 +2,8 @@
 
 #include "collection/formats.h"
 #include "common/messagedialog.h"
+#include "pathlistwindow.h"
+#include "songs/footlines.h"
 
 #include <QFileDialog>
 
@@ -28,4 +30,19 @@ void IntakeDialogs::askForFiles()
 {
     // Oddity 12: these blanks, here and in other messages.
     MessageDialog::notify(QStringLiteral("Sorry,Please add file from local."), "button_ok.png");
+}
+
+FootText IntakeDialogs::leftOut(int files, const QVector<LocalIntake::Unreadable>& unreadable,
+                                const QStringList& windowsMedia, QWidget* over)
+{
+    const QString line = FootLines::takenIn({files, unreadable.size(), windowsMedia.size()});
+    if (line.isEmpty())
+        return {};
+    QStringList paths;
+    for (const LocalIntake::Unreadable& file : unreadable)
+        paths.append(file.path + QLatin1String(": ") + file.reason);
+    for (const QString& path : windowsMedia)
+        paths.append(path + QLatin1String(": a WMA file, which is added with Ctrl+O"));
+    const auto show = [over, paths] { PathListWindow::open(*over, paths); };
+    return {line, !unreadable.isEmpty(), {{QStringLiteral("Show"), show}}};
 }

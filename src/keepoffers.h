@@ -27,6 +27,8 @@ public:
     /// Whether the song has a cover of its own, whether another one is shown in its place, and whether it is
     /// to be kept.
     void offerCover(bool any, bool otherShown, bool kept);
+    /// As a click on the link.
+    void keepGenre();
 
 signals:
     /// The user wants the song's own cover kept, or not any more.
@@ -38,7 +40,6 @@ protected:
 private:
     void offerGenre();
     void placeGenre();
-    void keepGenre();
 
     QComboBox& m_genreBox;
     const QGridLayout& m_fields;

@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "common/footline.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
 #include "common/skinpicture.h"
@@ -10,9 +11,11 @@
 #include "itunes/delmusiclib.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "itunes/itunestrackrecord.h"
+#include "navigationwidget.h"
 #include "paintcoverimagethread.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "songs/footlines.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>
@@ -145,6 +148,9 @@ void MainWindow::InitConnect()
 
     connect(center, SIGNAL(emitIntakeProgress(int, int)), this, SLOT(SlotIntakeProgress(int, int)));
     connect(center, SIGNAL(emitIntakeFinished()), this, SLOT(SlotIntakeFinished()));
+    connect(center, &CenterWidget::emitChooseDuplicates, navigation, &NavigationWidget::OnBtnMusicDuplicate);
+    connect(center, &CenterWidget::emitTold, ui->m_footLine, &FootLine::tell);
+    connect(center, &CenterWidget::emitUndoOffered, ui->m_footLine, &FootLine::offer);
 }
 
 void MainWindow::setTopImage(const QString& path)
@@ -205,12 +211,20 @@ void MainWindow::scanITunesLibrary()
 
     int count = 0;
     GetMusicInfo(&m_pTrackRecords, &count);
+    tellOfReading();
     if (count == 0)
         MessageDialog::notify(QStringLiteral("No file in iTunes Music Library."), "button_ok.png");
     takeTracks(count);
     loadCovers();
     ui->m_middleMusicWidget->setMusicInfoList(&m_musicList);
     ui->m_leftMusicWidget->setAllSongsCount(m_musicList.size());
+}
+
+void MainWindow::tellOfReading()
+{
+    const QString told = FootLines::nothingScanned(iTunesLastReading(), iTunesBrokenLine());
+    if (!told.isEmpty())
+        ui->m_footLine->tell({told, true, {}});
 }
 
 /// Makes a song of every record that is one, in place of the songs of the scan before.
@@ -265,7 +279,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_piTunesSwitchTimer->stop();
     if (!m_pathsToOpen.isEmpty())
-        ui->m_middleMusicWidget->TakeDroppedPaths(std::exchange(m_pathsToOpen, QStringList()));
+        ui->m_middleMusicWidget->TakeNamedPaths(std::exchange(m_pathsToOpen, QStringList()));
 }
 
 void MainWindow::SlotOnBtnLocalClean()
@@ -396,6 +410,7 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
     placeHeader();
+    ui->m_footLine->setGeometry(0, height() - footerHeight, width(), footerHeight);
     ui->m_tipsLabel->setFont(tipsFont());
 }
 
@@ -409,7 +424,8 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::SlotHomeMenu()
 {
-    QDesktopServices::openUrl(QUrl(homePage()));
+    if (!QDesktopServices::openUrl(QUrl(homePage())))
+        ui->m_footLine->tell({FootLines::noOpener(FootLines::Opened::WebPage), true, {}});
 }
 
 void MainWindow::SlotAboutMenu()
@@ -423,7 +439,8 @@ void MainWindow::SlotHelpMenu()
     // Oddity 13: this name, on every system.
     const QString page = QStringLiteral("%1").arg(QIOrvoUtil::getResourcePath() +
                                                   QLatin1String("/Melodrift for Mac-Orvo/index.html"));
-    QDesktopServices::openUrl(QUrl::fromLocalFile(page));
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(page)))
+        ui->m_footLine->tell({FootLines::noOpener(FootLines::Opened::HelpPage), true, {}});
 }
 
 void MainWindow::SlotExitMenu()

@@ -66,6 +66,7 @@ private:
     void InitMainMenu();
     void InitConnect();
     void scanITunesLibrary();
+    void tellOfReading();
     void takeTracks(int count);
     void loadCovers();
     void placeHeader();

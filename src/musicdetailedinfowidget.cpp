@@ -1,6 +1,6 @@
 #include "musicdetailedinfowidget.h"
 
-#include "audiocore/tagitem.h"
+#include "audiocore/iaudioidentifier.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
 #include "common/style.h"
@@ -9,32 +9,29 @@
 #include "identifythread.h"
 #include "keepoffers.h"
 #include "loadplayerthread.h"
+#include "songs/changehistory.h"
+#include "songs/footlines.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "ui_musicdetailedinfowidget.h"
 
 #include <QFileDialog>
-#include <QIntValidator>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStandardPaths>
 
-#include <limits>
-
-namespace {
-QString numberText(quint64 number)
-{
-    return QStringLiteral("%1").arg(number);
-}
-} // namespace
+#include <utility>
 
 MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>()),
       m_face(SkinPicture::path("bg_right.png"))
 {
     ui->setupUi(this);
+    m_editors = std::make_unique<SongEditors>(SongEditors::Widgets{ui->m_lineTitle, ui->m_lineArtist,
+                                                                   ui->m_lineAlbum, ui->m_lineYear,
+                                                                   ui->m_lineTrackNo, ui->m_comboGenre});
     InitBtn();
-    InitEditors();
     InitConnect();
     HiddenLineEdit();
 }
@@ -60,35 +57,7 @@ void MusicDetailedInfoWidget::InitBtn()
     ui->m_btnCancel->hide();
     ui->m_btnApply->hide();
     ui->m_labMovie->hide();
-}
-
-void MusicDetailedInfoWidget::InitEditors()
-{
-    const QFont font = Style::font(10);
-    // As tall as the label below it, looking less so.
-    const QString look = QStringLiteral("QLineEdit{margin:4px 0;padding:0 5px;border:1px solid %1;"
-                                        "border-radius:4px;background:white;color:%2}"
-                                        "QLineEdit:focus{border-color:%3}")
-                             .arg(Style::editorLine.name(), Style::ink.name(), Style::editorFocus.name());
-    for (QLineEdit* editor : findChildren<QLineEdit*>()) {
-        editor->setFont(font);
-        editor->setStyleSheet(look);
-    }
-    ui->m_comboGenre->setFont(font);
     ui->gridLayoutWidget->setStyleSheet(QStringLiteral("QComboBox{padding-left:5px}"));
-    // A text is handed back as long as it is.
-    for (QLineEdit* editor : {ui->m_lineTitle, ui->m_lineArtist, ui->m_lineAlbum})
-        editor->setMaxLength(std::numeric_limits<int>::max());
-    auto* validator = new QIntValidator(1, 9999, this);
-    ui->m_lineYear->setValidator(validator);
-    ui->m_lineTrackNo->setValidator(validator);
-    m_genreList = SongEditing::genres();
-    ui->m_comboGenre->addItems(m_genreList);
-    ui->m_comboGenre->setStyleSheet(QStringLiteral(
-        "QComboBox{background-color:rgb(154,219,251);margin:2px;}"
-        "QComboBox:item{background-color:white;color:rgb(122,190,204);font-weight:2px;margin:1px;"
-        "height:25px;width:80px;padding-left:40px;}"
-        "QComboBox:item:selected{background-color:rgb(212,240,247);}QMenu:icon{left:20px;height:20px}"));
 }
 
 void MusicDetailedInfoWidget::InitConnect()
@@ -104,6 +73,8 @@ void MusicDetailedInfoWidget::InitConnect()
 
 void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
 {
+    if (song)
+        tellOfLeaving();
     if (song != m_pMusicInfo)
         forgetFormerSong();
     m_pMusicInfo = song;
@@ -114,6 +85,35 @@ void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
     m_bNewSong = true;
     ShowMusicInfo();
     LoadPlayerThread::startSoon();
+}
+
+void MusicDetailedInfoWidget::leave()
+{
+    tellOfLeaving();
+    if (isEditing())
+        SlotOnBtnCancel();
+}
+
+/// Of an edit that ends without an apply, though the user did not cancel it.
+void MusicDetailedInfoWidget::tellOfLeaving()
+{
+    QMusicInfo* const song = m_pMusicInfo;
+    if (!song || !isEditing() || !m_editors->isChanged())
+        return;
+    const SongEditors::Held typed = m_editors->held();
+    emit emitTold({FootLines::leftWithoutSaving(SongFields::shownName(song)),
+                   false,
+                   {{QStringLiteral("Edit again"), [this, song, typed] { editAgain(song, typed); }}}});
+}
+
+void MusicDetailedInfoWidget::editAgain(QMusicInfo* song, const SongEditors::Held& typed)
+{
+    SetMusicDetailedInfo(song);
+    SlotOnBtnEdit();
+    m_editors->fill(typed);
+    if (m_editors->held().genre != typed.genre)
+        m_keepOffers->keepGenre(); // the song's own, which is not in the list
+    emit emitEditedAgain();
 }
 
 /// What was identified is not about the song that comes.
@@ -131,21 +131,43 @@ void MusicDetailedInfoWidget::forgetFormerSong()
     endIdentification();
 }
 
+void MusicDetailedInfoWidget::showAnew()
+{
+    if (isHidden()) // it is shown anew when it comes
+        return;
+    m_bNewSong = true;
+    if (!isEditing()) {
+        ShowMusicInfo();
+        return;
+    }
+    showTexts(); // as they are under the editors
+    m_bNewSong = false;
+    if (m_strNewCoverPath.isEmpty())
+        showCover(SongCover::shownPath(m_pMusicInfo));
+    offerToKeepCover();
+}
+
 void MusicDetailedInfoWidget::ShowMusicInfo()
 {
     showCover(SongCover::shownPath(m_pMusicInfo));
-    const bool own = !m_bNewSong;
-    ui->m_titleName->setText(own ? m_strShownTitle : SongFields::title(m_pMusicInfo));
-    ui->m_artistName->setText(own ? m_strShownArtist : SongFields::artist(m_pMusicInfo));
-    ui->m_albumName->setText(own ? m_strShownAlbum : SongFields::album(m_pMusicInfo));
-    ui->m_genreName->setText(own ? m_strShownGenre : SongFields::genre(m_pMusicInfo));
-    ui->m_yearNumber->setText(own ? m_strShownYear : numberText(SongFields::year(m_pMusicInfo)));
-    ui->m_trackNoName->setText(own ? m_strShownTrackNo : numberText(SongFields::trackNumber(m_pMusicInfo)));
+    showTexts();
     m_bNewSong = false;
     showButtons(false);
     SetTextLabelAndLineState();
     ui->currentImgWidget->setEnabled(false);
     show();
+}
+
+void MusicDetailedInfoWidget::showTexts()
+{
+    const bool own = !m_bNewSong;
+    ui->m_titleName->setText(own ? m_strShownTitle : SongFields::title(m_pMusicInfo));
+    ui->m_artistName->setText(own ? m_strShownArtist : SongFields::artist(m_pMusicInfo));
+    ui->m_albumName->setText(own ? m_strShownAlbum : SongFields::album(m_pMusicInfo));
+    ui->m_genreName->setText(own ? m_strShownGenre : SongFields::genre(m_pMusicInfo));
+    ui->m_yearNumber->setText(own ? m_strShownYear : QString::number(SongFields::year(m_pMusicInfo)));
+    ui->m_trackNoName->setText(own ? m_strShownTrackNo
+                                   : QString::number(SongFields::trackNumber(m_pMusicInfo)));
 }
 
 void MusicDetailedInfoWidget::showCover(const QString& path)
@@ -215,22 +237,11 @@ bool MusicDetailedInfoWidget::isEditing() const
 void MusicDetailedInfoWidget::SlotOnBtnEdit()
 {
     m_bIdentifyFailed = false;
-    ui->m_lineTitle->setText(SongFields::title(m_pMusicInfo));
-    ui->m_lineArtist->setText(SongFields::artist(m_pMusicInfo));
-    ui->m_lineAlbum->setText(SongFields::album(m_pMusicInfo));
-    ui->m_lineYear->setText(numberText(SongFields::year(m_pMusicInfo)));
-    ui->m_lineTrackNo->setText(numberText(SongFields::trackNumber(m_pMusicInfo)));
-    // Oddity 36: a genre out of the list leaves the selection as it was; an apply writes that one.
-    const int genre = m_genreList.indexOf(SongFields::genre(m_pMusicInfo));
-    if (genre >= 0)
-        ui->m_comboGenre->setCurrentIndex(genre);
-    m_nGenreBefore = ui->m_comboGenre->currentIndex();
+    m_editors->show(m_pMusicInfo);
     for (RetractLabel* label : findChildren<RetractLabel*>())
         label->hide();
-    for (QLineEdit* editor : findChildren<QLineEdit*>()) {
-        editor->setCursorPosition(0);
+    for (QLineEdit* editor : findChildren<QLineEdit*>())
         editor->show();
-    }
     ui->m_comboGenre->show();
     ui->currentImgWidget->setToolTip(QStringLiteral("click to add cover"));
     ui->currentImgWidget->setEnabled(true);
@@ -314,23 +325,11 @@ void MusicDetailedInfoWidget::SlotReceiveIdentifyInfo(const QStringList& info)
     // Oddity 40: also after Cancel, into the hidden editors.
     for (const QString& element : info)
         if (!element.isEmpty())
-            fillEditor(element.at(0), element.mid(1));
+            m_editors->fill(element.at(0), element.mid(1));
     m_bIdentified = true;
+    if (m_bIdentifying)
+        emit emitTold({FootLines::identifiedBySound(), false, {}});
     endIdentification();
-}
-
-void MusicDetailedInfoWidget::fillEditor(QChar type, const QString& value)
-{
-    QLineEdit* const editors[] = {ui->m_lineTitle, ui->m_lineArtist, ui->m_lineAlbum,
-                                  nullptr,         ui->m_lineYear,   ui->m_lineTrackNo};
-    const int index = type.digitValue();
-    if (index == TAG_GENRE) {
-        const int genre = m_genreList.indexOf(value);
-        ui->m_comboGenre->setCurrentIndex(genre >= 0 ? genre : m_genreList.size() - 1); // the last is "Other"
-    } else if (index >= TAG_TITLE && index <= TAG_TRACK) {
-        editors[index]->setText(value);
-        editors[index]->setCursorPosition(0);
-    }
 }
 
 void MusicDetailedInfoWidget::SlotReceiveIdentifyCover(const QString& path)
@@ -348,9 +347,11 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
     endIdentification();
     m_bIdentifyFailed = true;
     // Who cancelled knows.
-    if (!worker || !worker->isCancelled())
-        MessageDialog::notify(QStringLiteral("Identify failed! You can edit the music information manually."),
-                              "button_ok.png");
+    if (worker && worker->isCancelled())
+        return;
+    emit emitTold({FootLines::notIdentified(worker ? worker->status() : IDENTIFY_NOT_RUN), true, {}});
+    MessageDialog::notify(QStringLiteral("Identify failed! You can edit the music information manually."),
+                          "button_ok.png");
 }
 
 void MusicDetailedInfoWidget::SlotChangeImage()
@@ -359,12 +360,13 @@ void MusicDetailedInfoWidget::SlotChangeImage()
     const QString chosen = QFileDialog::getOpenFileName(
         this, QStringLiteral("Open File"), QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
         QStringLiteral("Images(*.png *.xpm *.jpg)"));
-    if (chosen.isEmpty() || m_pMusicInfo != song)
+    if (chosen.isEmpty() || !song || m_pMusicInfo != song)
         return;
-    const QString path = CoverChoice::embeddable(chosen);
-    if (path.isEmpty())
-        return;
-    takeNewCover(path, CoverOrigin::Chosen);
+    const CoverChoice::Choice choice = CoverChoice::embeddable(chosen, SongEditing::largestCover(*song));
+    if (choice.path.isEmpty())
+        emit emitTold({FootLines::coverNotTaken(QFileInfo(chosen).fileName(), choice.reason), true, {}});
+    else
+        takeNewCover(choice.path, CoverOrigin::Chosen);
 }
 
 void MusicDetailedInfoWidget::cacheEditorTexts()
@@ -387,8 +389,29 @@ SongEdit MusicDetailedInfoWidget::editedSong() const
     edit.year = m_strShownYear.toInt();
     edit.trackNumber = m_strShownTrackNo.toInt();
     edit.newCoverPath = m_strNewCoverPath;
+    edit.genreChosen = m_editors->isGenreChanged();
     edit.coverKept = isOwnCoverKept();
     return edit;
+}
+
+void MusicDetailedInfoWidget::tellOfSave(const SongEditing::Outcome& outcome)
+{
+    QMusicInfo* const song = m_pMusicInfo;
+    FootText told{SongEditing::lineOf(*song, outcome), outcome.failed(), {}};
+    const bool isGone = outcome.library == ITUNES_EDIT_DONE && outcome.file == SAVE_FILE_GONE;
+    if (outcome.failed() && !isGone)
+        told.links.append({QStringLiteral("Show what the file says"), [this, song] { takeBack(song); }});
+    emit emitTold(told);
+}
+
+void MusicDetailedInfoWidget::takeBack(QMusicInfo* song)
+{
+    if (!SongEditing::takeBack(*song))
+        return;
+    emit emitTold(FootText());
+    if (song == m_pMusicInfo)
+        showAnew();
+    emit emitMusicCoverHasChanged();
 }
 
 void MusicDetailedInfoWidget::SlotOnBtnApply()
@@ -396,12 +419,15 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
     if (!m_pMusicInfo)
         return;
     cacheEditorTexts();
-    const SongEditing::Outcome outcome = SongEditing::apply(*m_pMusicInfo, editedSong());
+    SongEditing::Outcome outcome = SongEditing::apply(*m_pMusicInfo, editedSong());
+    if (m_history)
+        m_history->add(std::move(outcome.change));
     if (outcome.coverChanged)
         emit emitMusicCoverHasChanged();
     if (outcome.coverUsed)
         m_strNewCoverPath.clear();
     ShowMusicInfo();
+    tellOfSave(outcome);
     emit emitMusicInfoHasChanged();
     if (m_bIdentified) {
         ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identifyagain.png"));
@@ -428,7 +454,7 @@ bool MusicDetailedInfoWidget::isInChangedEditor() const
 {
     if (const auto* editor = qobject_cast<QLineEdit*>(focusWidget()))
         return editor->isModified();
-    return ui->m_comboGenre->hasFocus() && ui->m_comboGenre->currentIndex() != m_nGenreBefore;
+    return ui->m_comboGenre->hasFocus() && m_editors->isGenreChanged();
 }
 
 void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)

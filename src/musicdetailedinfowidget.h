@@ -1,6 +1,8 @@
 #pragma once
 
+#include "common/footline.h"
 #include "common/skinpicture.h"
+#include "songeditors.h"
 #include "songs/songediting.h"
 
 #include <QPointer>
@@ -9,6 +11,7 @@
 
 #include <memory>
 
+class ChangeHistory;
 class IdentifyThread;
 class KeepOffers;
 class SkinMovie;
@@ -35,6 +38,12 @@ public:
     /// song must outlive its being shown.
     void SetMusicDetailedInfo(QMusicInfo* song);
     void ShowMusicInfo();
+    /// Where applies are noted, to be taken back; it must outlive them.
+    void setHistory(ChangeHistory* history) { m_history = history; }
+    /// Something else changed the song shown. An edit that is under way goes on.
+    void showAnew();
+    /// The panel is about to be hidden: an edit that nobody applied is told of, and over.
+    void leave();
     QMusicInfo* song() const { return m_pMusicInfo; }
 
 signals:
@@ -44,6 +53,10 @@ signals:
     void emitMusicCoverHasChanged();
     /// True while clicks on the views are to be ignored.
     void emitForbidToClickView(bool forbid);
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
+    /// The song that was left is in edit mode again.
+    void emitEditedAgain();
 
 public slots:
     void SlotOnBtnEdit();
@@ -66,7 +79,6 @@ private:
     enum class CoverOrigin { Chosen, Identified, Own };
 
     void InitBtn();
-    void InitEditors();
     void InitConnect();
     void HiddenLineEdit();
     void SetTextLabelAndLineState();
@@ -74,10 +86,14 @@ private:
     void IdentifyMusic();
     void endIdentification();
     bool isStale(const QObject* worker) const;
-    void fillEditor(QChar type, const QString& value);
     void forgetFormerSong();
     void showButtons(bool editing);
     void showCover(const QString& path);
+    void showTexts();
+    void tellOfLeaving();
+    void editAgain(QMusicInfo* song, const SongEditors::Held& typed);
+    void tellOfSave(const SongEditing::Outcome& outcome);
+    void takeBack(QMusicInfo* song);
     void takeNewCover(const QString& path, CoverOrigin origin);
     void keepCover(bool keep);
     bool isOwnCoverKept() const;
@@ -88,6 +104,7 @@ private:
     bool isInChangedEditor() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
+    std::unique_ptr<SongEditors> m_editors;
     KeepOffers* m_keepOffers = nullptr;
     SkinPicture m_face;
 
@@ -96,9 +113,7 @@ private:
     bool m_bIdentified = false;
     bool m_bIdentifying = false;    ///< from the start until the results are here, or nobody waits for them
     bool m_bIdentifyFailed = false; ///< since the editors were opened
-    int m_nGenreBefore = 0;         ///< what the genre box showed when they were
-    QStringList m_genreList;
-    QString m_strShownTitle; ///< oddity 39: the labels show what was typed after an apply
+    QString m_strShownTitle;        ///< oddity 39: the labels show what was typed after an apply
     QString m_strShownArtist;
     QString m_strShownAlbum;
     QString m_strShownGenre;
@@ -107,6 +122,7 @@ private:
     QString m_strNewCoverPath; ///< chosen and not yet applied
     CoverOrigin m_newCoverOrigin = CoverOrigin::Chosen;
     QMusicInfo* m_pMusicInfo = nullptr;
+    ChangeHistory* m_history = nullptr; ///< not owned; may be null
     std::unique_ptr<SkinMovie> m_pMovie;
     QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves
     const QMusicInfo* m_pIdentifiedSong = nullptr; ///< what it works on; only compared

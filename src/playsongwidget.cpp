@@ -4,6 +4,7 @@
 #include "collection/timetext.h"
 #include "common/screenplace.h"
 #include "qiorvoutil.h"
+#include "songs/footlines.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "ui_playsongwidget.h"
@@ -90,6 +91,7 @@ void PlaySongWidget::showSong(const QMusicInfo* song)
 void PlaySongWidget::load(const QString& path)
 {
     m_pPlayer.reset();
+    m_bToldSilent = false;
     m_pPlayer.reset(CreatePlayer());
     if (!m_pPlayer)
         return;
@@ -139,6 +141,10 @@ void PlaySongWidget::UpdatePlayTime()
     const double played = duration > 0 ? double(position) / duration : 0;
     ui->m_musicPlaySlider->setValue(int(unsigned(qBound(0.0, played, 1.0) * sliderRange)));
     ui->m_labelShowTime->setText(ConvertTime(position));
+    if (!m_bToldSilent && PlayerIsSilent(m_pPlayer.get())) {
+        m_bToldSilent = true;
+        emit emitTold({FootLines::noSoundDevice(), true, {}});
+    }
     if (m_pPlayer->GetState() == PLAYER_STATE_FINISHED)
         MusicDidfinish();
 }

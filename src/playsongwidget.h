@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/footline.h"
 #include "common/qimagewidget.h"
 
 #include <memory>
@@ -42,6 +43,8 @@ public slots:
     void SlotSetMusicPlayProgressValue(double fraction);
 
 signals:
+    /// For the foot of the window.
+    void emitTold(const FootText& told);
     /// The row's stop button goes, its play button comes.
     void emitSongStopBtnHidden();
     /// The row's play button goes, its stop button comes.
@@ -71,6 +74,7 @@ private:
     bool m_bFromDupBar = true;
     quint64 m_nTotalTime = 0; ///< milliseconds
     std::unique_ptr<IAudioPlayer, DestroyPlayerLater> m_pPlayer;
+    bool m_bToldSilent = false; ///< of the song that is loaded
     bool m_bPlaced = false;
     bool m_bFrameGuessed = false; ///< the window was placed before its frame was known
 };

@@ -17,6 +17,7 @@ public:
             QDir(m_folder.path()).mkdir(folder);
         set("TMPDIR", temporary());
         set("HOME", m_folder.filePath("home"));
+        unset("XDG_DATA_HOME"); // its trash is at home
         set("XDG_RUNTIME_DIR", m_folder.path());
         set("MELODRIFT_ITUNES_LIBRARY", m_folder.filePath("Library.xml"));
         process.setWorkingDirectory(m_folder.path());

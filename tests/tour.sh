@@ -26,7 +26,7 @@ start_display() {
     DISPLAY=:$(head -n 1 "$work/display")
     export DISPLAY
     openbox 2>/dev/null &
-    export XDG_RUNTIME_DIR=$work
+    export XDG_RUNTIME_DIR=$work XDG_DATA_HOME=$work/data
 }
 
 # Starts the program and waits for its window.
@@ -355,6 +355,48 @@ during_intake() {
     stop_program
 }
 
+# What the foot of the window says of a file that is none, of edits and of a deletion.
+foot() {
+    local width=$1 height=$2 name=$3 left=$(($1 - 330))
+    rm -rf "$work/foot"
+    mkdir "$work/foot"
+    find -L "$work/copy" -name '*.mp3' -exec cp -t "$work/foot" {} +
+    cp "$(find "$work/foot" -name '*.mp3' -print -quit)" "$work/foot/copy.mp3"
+    echo "no music" >"$work/foot/broken.mp3"
+    start_program "$work/foot"
+    size "$width" "$height"
+    wait_dialog shown
+    picture "$name-foot-1-intake" stay
+    xdotool key Return
+    wait_dialog gone
+    rest "$name, foot line"
+    retitle "$left" "Harbour Lights"
+    click $((left + 96)) 608
+    picture "$name-foot-2-saved"
+    chmod a-w "$work/foot"
+    retitle "$left" "Midnight Ferry"
+    click $((left + 96)) 608
+    picture "$name-foot-3-failed"
+    chmod u+w "$work/foot"
+    retitle "$left" "A title that nobody ever saved"
+    click 380 200
+    picture "$name-foot-4-left"
+    click 100 212
+    click 270 200
+    click $((left + 240)) $((height - 57)) 1.5
+    picture "$name-foot-5-deleted"
+    stop_program
+}
+
+# Types a title for the first song.
+retitle() {
+    click 270 200
+    click $(($1 + 96)) 608
+    xdotool key ctrl+a
+    xdotool type "$2"
+    sleep 0.3
+}
+
 # A large group, and the timers that every song played leaves running.
 after_songs() {
     local model song player
@@ -399,6 +441,7 @@ for width in 1120 1000; do
     walk_library $width $height ${width}x$height "$work/Library.xml"
     flatten "$@"
     walk $width $height ${width}x$height
+    foot $width $height ${width}x$height
 done
 "$bin/make_collection" "$work/large/0" 3000
 for copy in 1 2 3 4 5 6; do cp -r "$work/large/0" "$work/large/$copy"; done

@@ -4,6 +4,7 @@
 #include "deletingmusicwaitingdlg.h"
 #include "deletionfixture.h"
 #include "dupmusicinfo.h"
+#include "filebytes.h"
 #include "guidriver.h"
 #include "mainwindow.h"
 #include "qmusicinfo.h"
@@ -28,6 +29,7 @@ private slots:
     void cleanup() { clear(); }
 
     void clearingAllKeepsTheFirstOfEveryGroup();
+    void clearingAllTellsOnceOfItsFiles();
     void clearingAllCanBeRepeated();
     void whatFollowsTheWaitingDialogIsNotLost();
     void theWaitingDialogStaysUntilTheEnd();
@@ -63,6 +65,26 @@ void TestClearingAll::clearingAllKeepsTheFirstOfEveryGroup()
     QVERIFY(rows().isEmpty());
     QVERIFY(m_center->findChild<QListView*>("m_dupMusicListView")->isEnabled());
     QVERIFY(m_center->findChild<QTableView*>("m_dupMusicTableView")->isEnabled());
+}
+
+/// Those of the group shown and those of all others.
+void TestClearingAll::clearingAllTellsOnceOfItsFiles()
+{
+    makeGroups(m_folder->path(), {3, 2, 4});
+    add(m_folder->path());
+    openGroup(1);
+    QVector<FootText> told;
+    connect(m_center.get(), &CenterWidget::emitTold, this,
+            [&told](const FootText& text) { told.append(text); });
+    Fixtures::saveBytes("new", m_folder->filePath("T002-01.mp3"));
+    m_dialogs->expect([](QWidget*) {});
+    QTest::mouseClick(panel()->findChild<QImageButton*>("m_btnClearAll"), Qt::LeftButton);
+    QCOMPARE(told.size(), 1);
+    QVERIFY(told.first().failed);
+    QCOMPARE(
+        told.first().text,
+        QString("5 songs moved to the trash. 1 file could not be deleted: \"T002-01.mp3\" (it is not the "
+                "file that was listed any more)."));
 }
 
 void TestClearingAll::clearingAllCanBeRepeated()

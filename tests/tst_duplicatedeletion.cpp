@@ -37,7 +37,7 @@ private slots:
     void theGroupShownStaysSelected();
     void theSameFileTwiceStays();
     void aFileThatTookAnothersPlaceStays();
-    void aKillLeavesEveryFileWholeOrGone();
+    void aKillLeavesEveryFileInItsPlaceOrInTheTrash();
 };
 
 void TestDuplicateDeletion::clearingOneGroupDeletesItsUncheckedSongs()
@@ -229,10 +229,11 @@ void TestDuplicateDeletion::aFileThatTookAnothersPlaceStays()
 }
 
 /// Another process clears all groups and is killed at some moment.
-void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
+void TestDuplicateDeletion::aKillLeavesEveryFileInItsPlaceOrInTheTrash()
 {
     for (int round = 0; round < 12; ++round) {
         const QTemporaryDir folder;
+        m_bin.empty();
         makeGroups(folder.path(), QList<int>({20, 30, 40, 2, 3, 5}));
         const QStringList before = filesIn(folder.path());
         QHash<QString, QByteArray> contents;
@@ -250,6 +251,12 @@ void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
 
         const QStringList after = filesIn(folder.path());
         QCOMPARE(after.size(), before.size() - gone);
+        QCOMPARE(m_bin.files().size(), gone);
+        QCOMPARE(m_bin.notes().size(), gone + 1); // and one for the file at hand
+        for (const QString& file : m_bin.files()) {
+            QVERIFY(m_bin.notes().contains(file + ".trashinfo"));
+            QCOMPARE(Fixtures::readBytes(m_bin.path(file)), contents.value(file));
+        }
         for (const QString& file : after)
             QCOMPARE(Fixtures::readBytes(folder.filePath(file)), contents.value(file));
         for (int group = 0; group < 6; ++group)
@@ -265,7 +272,7 @@ void TestDuplicateDeletion::aKillLeavesEveryFileWholeOrGone()
 static int clearAllOf(const QString& folder)
 {
     static int left = qEnvironmentVariableIntValue("MELODRIFT_DIES_AFTER");
-    Interposed::beforeRemoval = [](const char* name) {
+    Interposed::beforeMove = [](const char* name) {
         if (QByteArray(name).endsWith(".mp3") && left-- == 0)
             std::raise(SIGKILL);
     };

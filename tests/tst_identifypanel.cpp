@@ -82,6 +82,7 @@ private:
     std::unique_ptr<QMusicInfo> m_song;
     std::unique_ptr<MusicDetailedInfoWidget> m_panel;
     std::unique_ptr<DialogDriver> m_dialogs;
+    QStringList m_told; ///< for the foot of the window
 };
 
 void TestIdentifyPanel::initTestCase()
@@ -107,6 +108,9 @@ void TestIdentifyPanel::init()
     m_panel = std::make_unique<MusicDetailedInfoWidget>();
     m_panel->resize(330, 572);
     m_panel->SetMusicDetailedInfo(m_song.get());
+    m_told.clear();
+    connect(m_panel.get(), &MusicDetailedInfoWidget::emitTold, this,
+            [this](const FootText& told) { m_told.append(told.text); });
 }
 
 void TestIdentifyPanel::cleanup()
@@ -168,6 +172,7 @@ void TestIdentifyPanel::resultsFillTheEditorsAndApplyWritesThem()
     QVERIFY(child<QLabel>("m_labMovie")->isHidden());
     QCOMPARE(forbidden.last().first().toBool(), false);
     QVERIFY(m_dialogs->texts.isEmpty());
+    QCOMPARE(m_told, QStringList("Identified by sound."));
     QCOMPARE(AudioFile::read(m_song->localInfo->filePath).texts.value(TAG_TITLE), QStringLiteral("Old"));
 
     click("m_btnApply");
@@ -252,6 +257,7 @@ void TestIdentifyPanel::failureSaysSoAndKeepsTheEditors()
     QCOMPARE(typed("m_lineTitle"), QStringLiteral("Old"));
     QVERIFY(child<QLabel>("m_labMovie")->isHidden());
     QCOMPARE(forbidden.last().first().toBool(), false);
+    QCOMPARE(m_told, QStringList("Not identified: a service refused to answer."));
 }
 
 void TestIdentifyPanel::cancelEndsItWithoutAWord()
@@ -268,6 +274,7 @@ void TestIdentifyPanel::cancelEndsItWithoutAWord()
     QVERIFY(m_dialogs->texts.isEmpty());
     click("m_btnEdit");
     QVERIFY(child<QImageButton>("m_btnApply")->isEnabled());
+    QCOMPARE(m_told, QStringList());
 }
 
 void TestIdentifyPanel::aLateResultStillFillsTheEditors()

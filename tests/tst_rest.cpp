@@ -1,6 +1,7 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "centerwidget.h"
+#include "common/footline.h"
 #include "common/qsliderctrl.h"
 #include "dupmusicbarwidget.h"
 #include "fixtures.h"
@@ -8,6 +9,7 @@
 #include "itunesfixture.h"
 #include "mainwindow.h"
 #include "parts.h"
+#include "pathlistwindow.h"
 #include "playsongwidget.h"
 #include "programwindow.h"
 #include "restwatch.h"
@@ -50,6 +52,8 @@ private slots:
     void theConfirmation();
     void theFileDialog();
     void aScannedLibrary();
+    void theFootLine();
+    void theListOfPaths();
 
     void paintingPlacesNothing();
     void onePaintingBringsNoOther();
@@ -312,6 +316,21 @@ void TestRest::aScannedLibrary()
 }
 
 /// What stands elsewhere in a window of another size stands there before it is painted.
+void TestRest::theFootLine()
+{
+    showSong();
+    auto* line = part<FootLine>("m_footLine");
+    line->tell({QString(400, QLatin1Char('x')), true, {{"Show", [] {}}, {"Undo", [] {}}}});
+    VERIFY_REST();
+}
+
+void TestRest::theListOfPaths()
+{
+    PathListWindow::open(*m_window, {"/one", "/two"});
+    QVERIFY(m_window->findChild<QWidget*>("m_list")->isVisible());
+    VERIFY_REST();
+}
+
 void TestRest::paintingPlacesNothing()
 {
     const auto resizeThrough = [this] {

@@ -15,6 +15,7 @@
 #include "loggedlines.h"
 #include "mainwindow.h"
 #include "musicdetailedinfowidget.h"
+#include "owntrash.h"
 #include "paintcoverimagethread.h"
 #include "shortage.h"
 #include "songfixtures.h"
@@ -58,6 +59,7 @@ private slots:
 private:
     void writeLibrary(int tracks, const QByteArray& cover);
 
+    const OwnTrash m_bin;
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<DialogDriver> m_dialogs;
 };

@@ -4,6 +4,7 @@
 #include "common/qimagebutton.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "mainwindow.h"
+#include "owntrash.h"
 #include "patience.h"
 #include "qiorvoutil.h"
 #include "startup.h"
@@ -39,6 +40,8 @@ protected:
         if (twice)
             QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, place);
     }
+
+    const OwnTrash m_bin;
 };
 
 /// The same with a window.

@@ -6,6 +6,8 @@
 #define ENGINE_DOOR
 #endif
 
+class IAudioPlayer;
+
 namespace audiocore {
 /// What an engine's module offers, under the name of its door.
 template <typename Engine>
@@ -13,5 +15,10 @@ struct EngineDoor
 {
     Engine* (*make)();
     void (*destroy)(Engine*);
+};
+
+struct PlaybackDoor : EngineDoor<IAudioPlayer>
+{
+    bool (*isSilent)(const IAudioPlayer*);
 };
 } // namespace audiocore

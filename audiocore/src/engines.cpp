@@ -5,11 +5,10 @@
 #include "enginedoor.h"
 
 namespace {
-template <typename Engine>
+/// The door of a module.
+template <typename Engine, typename Door = audiocore::EngineDoor<Engine>>
 class EngineModule
 {
-    using Door = audiocore::EngineDoor<Engine>;
-
 public:
     constexpr EngineModule(const char* file, const char* doorName, const char* purpose)
         : m_module(file, doorName, purpose)
@@ -22,10 +21,11 @@ public:
         const auto* const door = static_cast<const Door*>(m_module.opened());
         return door ? door->make() : nullptr;
     }
-    /// Whoever has an engine came through the door.
+    /// Null when nobody has asked for an engine: whoever has one came through the door.
+    const Door* openedBefore() const { return static_cast<const Door*>(m_module.openedBefore()); }
     void destroy(Engine* engine)
     {
-        if (const auto* const door = static_cast<const Door*>(m_module.openedBefore()))
+        if (const Door* const door = openedBefore())
             door->destroy(engine);
     }
 
@@ -33,7 +33,8 @@ private:
     base::Module m_module;
 };
 
-EngineModule<IAudioPlayer> playback("melodrift-playback", "melodriftPlayback", "playing a song");
+EngineModule<IAudioPlayer, audiocore::PlaybackDoor> playback("melodrift-playback", "melodriftPlayback",
+                                                             "playing a song");
 EngineModule<IAudioIdentifier> identify("melodrift-identify", "melodriftIdentify", "identifying a song");
 } // namespace
 
@@ -45,6 +46,12 @@ IAudioPlayer* CreatePlayer()
 void PreparePlayer()
 {
     playback.prepare();
+}
+
+bool PlayerIsSilent(const IAudioPlayer* player)
+{
+    const audiocore::PlaybackDoor* const door = playback.openedBefore();
+    return door && door->isSilent(player);
 }
 
 void DestroyPlayer(IAudioPlayer* player)

@@ -2,7 +2,6 @@
 
 #include "audiocore/iaudiodecoder.h"
 #include "audiocore/iaudiotag.h"
-#include "collection/filecollection.h"
 #include "qmusicinfo.h"
 
 #include <QCoreApplication>
@@ -76,10 +75,10 @@ LocalIntake::~LocalIntake()
     ::operator delete(m_pCurrentDecoder);
 }
 
-QStringList LocalIntake::collect(const QString& path, int foundBefore)
+FileCollection::Found LocalIntake::collect(const QString& path, int foundBefore)
 {
     const Running running(*this);
-    return FileCollection::musicFilesUnder(path, [this, foundBefore](int found) {
+    return FileCollection::filesUnder(path, [this, foundBefore](int found) {
         keepAlive(0, foundBefore + found);
         return !m_bStopped;
     });
@@ -89,10 +88,13 @@ void LocalIntake::add(const QStringList& files, QList<QMusicInfo*>& songs, QList
 {
     const Running running(*this);
     m_reader.begin();
+    m_unreadable.clear();
     for (int done = 0; done < files.size() && !m_bStopped; ++done) {
         LocalSongReader::Song song = m_reader.read(files.at(done));
         songs.append(song.info.release());
         tags.append(song.tag);
+        if (!song.reason.isEmpty())
+            m_unreadable.append({files.at(done), song.reason});
         m_pCurrentTag = song.tag;
         m_pCurrentDecoder = song.decoder;
         if (song.decoder)

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "collection/filecollection.h"
 #include "songs/localsongreader.h"
 
 #include <QElapsedTimer>
 #include <QList>
 #include <QObject>
 #include <QTimer>
+#include <QVector>
 
 /// Takes music files in on the GUI thread while the window goes on repainting: clicks and keys are lost,
 /// everything else is handled several times a second, so whatever could disturb an intake asks isRunning()
@@ -19,11 +21,20 @@ public:
     ~LocalIntake() override;
 
     /// The music file that the path names, or those lying under it; `foundBefore` counts into the progress.
-    QStringList collect(const QString& path, int foundBefore);
+    /// Windows Media files are for those who name them.
+    FileCollection::Found collect(const QString& path, int foundBefore);
     /// Reads the files and appends one song and one tag object (null where none could be made) for each. The
     /// caller owns the songs; the tag objects stay the audio core's. Covers go on arriving in the songs from
     /// the event loop: reader().forgetCovers() comes before the end of a song.
     void add(const QStringList& files, QList<QMusicInfo*>& songs, QList<IAudioTag*>& tags);
+
+    /// A file that the last add() could not read, and why; its song has no texts.
+    struct Unreadable
+    {
+        QString path;
+        QString reason;
+    };
+    const QVector<Unreadable>& unreadable() const { return m_unreadable; }
 
     bool isRunning() const { return m_bRunning; }
     /// Ends what is running after the file in hand; what was added stays added. A stopped intake takes in
@@ -47,6 +58,7 @@ private:
     IAudioTag* m_pCurrentTag = nullptr;
     IAudioDecoder* m_pCurrentDecoder = nullptr;
     QList<IAudioDecoder*> m_decoderList;
+    QVector<Unreadable> m_unreadable;
     QTimer m_coverTimer; ///< runs while covers are being decoded
     QElapsedTimer m_sinceStart;
     QElapsedTimer m_sinceRepaint;

@@ -10,6 +10,16 @@
 
 quint64 musicNum = 50;
 
+namespace {
+/// Of a file that the audio core cannot read.
+QString reasonOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QStringLiteral("it holds no music that can be read")
+                                          : file.errorString();
+}
+} // namespace
+
 QString LocalSongReader::formatName(int formatCode)
 {
     return Formats::listedName(formatCode);
@@ -40,7 +50,8 @@ LocalSongReader::Song LocalSongReader::read(const QString& path)
     const std::u32string widePath = path.toStdU32String();
     song.tag = CreateTag();
     if (song.tag) {
-        song.tag->Open(widePath.c_str());
+        if (song.tag->Open(widePath.c_str()) != 0)
+            song.reason = reasonOf(path);
         readTag(*song.tag, *song.info);
     }
     song.decoder = CreateDecoder();

@@ -26,6 +26,7 @@ public:
         std::unique_ptr<QMusicInfo> info;
         IAudioTag* tag = nullptr;         ///< left open; null when the library could make none
         IAudioDecoder* decoder = nullptr; ///< closed; null when the library could make none
+        QString reason;                   ///< why the file could not be read; empty when it was
     };
 
     /// Starts a new intake: empties the list of added paths and the first-text table.

@@ -27,6 +27,11 @@ public:
     const QList<QMusicInfo*>& undefinedSongs() const { return m_undefinedMusicList; }
     QList<DupMusicInfo*>& groups() { return m_dupMusicInfoList; }
     const QList<DupMusicInfo*>& groups() const { return m_dupMusicInfoList; }
+    /// The row of the group behind one, or behind where one was until it was none any more; behind the last
+    /// comes the first. -1 when there is no other.
+    int rowAfter(int row, bool isThere) const;
+    /// The row of the group that a song is in; -1 for none.
+    int rowOf(QMusicInfo* song) const;
 
 private:
     using Groups = std::vector<std::unique_ptr<DupMusicInfo>>;

@@ -1,35 +1,29 @@
 #include "songs/songediting.h"
 
 #include "audiocore/iaudiotag.h"
+#include "audiocore/saveproblem.h"
 #include "covers/coverloader.h"
+#include "itunes/editproblem.h"
 #include "itunes/eyetunes.h"
 #include "itunes/itunestrackrecord.h"
 #include "itunes/tunesedit.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "songs/filechanges.h"
+#include "songs/localsongreader.h"
 #include "songs/songfields.h"
+#include "songs/tagcontent.h"
 
 #include <QFile>
 
 #include <array>
 #include <deque>
+#include <limits>
 #include <memory>
+#include <utility>
 
 namespace {
 constexpr qint64 maxPictureBytes = 256ll * 1024 * 1024;
-
-void replaceText(IAudioTag& tag, qint32 type, const QString& text)
-{
-    std::u32string wide = text.toStdU32String();
-    tag.RemoveItem(type);
-    tag.SetItem({-1, type, 0, qint32(wide.size() * sizeof(char32_t)), wide.data()});
-}
-
-void replacePicture(IAudioTag& tag, QByteArray picture)
-{
-    tag.RemoveItem(TAG_PICTURE);
-    tag.SetItem({-1, TAG_PICTURE, 1, picture.size(), picture.data()});
-}
 
 /// The whole file; nothing when there is none, or when it is beyond anything that a tag could hold.
 QByteArray pictureBytes(const QString& path)
@@ -45,23 +39,10 @@ QByteArray pictureBytes(const QString& path)
     return file.readAll();
 }
 
-/// The picture in the tag that lists show, by the rule of the intake: the last one.
-QByteArray heldPicture(IAudioTag& tag)
-{
-    QByteArray held;
-    const int count = tag.GetItemCount();
-    for (int index = 0; index < count; ++index) {
-        const TagItem item = tag.GetItem(index);
-        if (item.dataKind != 0 && item.size > 0 && item.data)
-            held = QByteArray(static_cast<const char*>(item.data), item.size);
-    }
-    return held;
-}
-
 /// What another program put into the file since it was read is the user's, too.
 QByteArray wantedPicture(IAudioTag& tag, const SongEdit& edit)
 {
-    const QByteArray held = edit.coverKept ? heldPicture(tag) : QByteArray();
+    const QByteArray held = edit.coverKept ? TagContent::of(tag).picture : QByteArray();
     return held.isEmpty() ? pictureBytes(edit.newCoverPath) : held;
 }
 
@@ -74,26 +55,122 @@ void takeCover(LocalMusicInfo& local, const QString& path)
     *local.cover = picture.isNull() ? CoverLoader::genericCover() : QPixmap::fromImage(picture);
 }
 
-SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
+constexpr int fields = TAG_PICTURE + 1;
+/// What a tag holds, by type; of a picture only that there is one.
+using Content = std::array<QString, fields>;
+
+Content contentOf(IAudioTag& tag)
 {
+    Content content;
+    const qint32 count = tag.GetItemCount();
+    for (qint32 i = 0; i < count; ++i) {
+        const TagItem item = tag.GetItem(i);
+        if (item.type < 0 || item.type >= fields || item.size <= 0)
+            continue;
+        content[size_t(item.type)] =
+            item.dataKind == 0 ? QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4)
+                               : QStringLiteral("picture");
+    }
+    return content;
+}
+
+/// Which fields the user left as the song showed them.
+QVector<qint32> untouched(const LocalMusicInfo& local, const SongEdit& edit)
+{
+    QVector<qint32> types{TAG_PICTURE}; // one that was chosen does not take the cover out
+    const auto note = [&types](qint32 type, bool same) {
+        if (same)
+            types.append(type);
+    };
+    note(TAG_TITLE, edit.title == local.title);
+    note(TAG_ARTIST, edit.artist == local.artist);
+    note(TAG_ALBUM, edit.album == local.album);
+    note(TAG_GENRE, !edit.genreChosen || edit.genre == local.genre);
+    note(TAG_YEAR, edit.year == local.year);
+    note(TAG_TRACK, edit.trackNumber == local.trackNumber);
+    return types;
+}
+
+QVector<FootLines::SideEffect> sideEffects(const QVector<qint32>& untouched, const Content& before,
+                                           const Content& after)
+{
+    using Effect = FootLines::SideEffect;
+    QVector<Effect> effects;
+    for (const qint32 type : untouched) {
+        const QString& was = before[size_t(type)];
+        const QString& is = after[size_t(type)];
+        if (type == TAG_PICTURE && !was.isEmpty() && is.isEmpty())
+            effects.append({Effect::Cover, QString(), QString()});
+        else if (type != TAG_PICTURE && was != is)
+            effects.append({Effect::Field(Effect::Title + type), was, is});
+    }
+    return effects;
+}
+
+SongEditing::Outcome saveLocal(QMusicInfo& song, const SongEdit& edit, const QVector<qint32>& untouched)
+{
+    SongEditing::Outcome outcome;
+    LocalMusicInfo& local = *song.localInfo;
+    // By one of our own. The tag object that stays with the song is left alone: it reads again when it is
+    // asked again.
+    const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()};
+    if (!tag) {
+        outcome.file = SAVE_OTHER_PROBLEM;
+        return outcome;
+    }
+    // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
+    tag->Open(local.filePath.toStdU32String().c_str());
+    const Content before = contentOf(*tag);
+    const FileChanges::Before file = FileChanges::Before::of(local.filePath);
+    SongEditing::writeTag(*tag, edit);
+    outcome.file = SaveProblemOf(tag.get());
+    if (outcome.failed())
+        return outcome;
+    local.file = FileState::ofEntry(local.filePath);
+    outcome.alsoChanged = sideEffects(untouched, before, contentOf(*tag));
+    outcome.change = FileChanges::edit(file, &song);
+    return outcome;
+}
+
+SongEditing::Outcome applyLocal(QMusicInfo& song, const SongEdit& edit)
+{
+    LocalMusicInfo& local = *song.localInfo;
+    const QVector<qint32> left = untouched(local, edit);
     local.title = edit.title;
     local.artist = edit.artist;
     local.album = edit.album;
     local.genre = edit.genre;
     local.year = edit.year;
     local.trackNumber = edit.trackNumber;
-    // By one of our own. The tag object that stays with the song is left alone: it reads again when it is
-    // asked again.
-    if (const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()}) {
-        // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
-        tag->Open(local.filePath.toStdU32String().c_str());
-        if (SongEditing::writeTag(*tag, edit) == 0)
-            local.file = FileState::ofEntry(local.filePath);
-    }
+    SongEditing::Outcome outcome = saveLocal(song, edit, left);
     if (edit.newCoverPath.isEmpty())
-        return {};
+        return outcome;
     takeCover(local, edit.newCoverPath);
-    return {true, true};
+    outcome.coverChanged = outcome.coverUsed = true;
+    return outcome;
+}
+
+bool takeFileBack(LocalMusicInfo& local)
+{
+    LocalSongReader reader;
+    reader.begin();
+    const LocalSongReader::Song read = reader.read(local.filePath);
+    const std::unique_ptr<IAudioTag, ReleaseTag> tag(read.tag);
+    ::operator delete(read.decoder);
+    reader.finish();
+    if (!read.reason.isEmpty())
+        return false;
+    const LocalMusicInfo& file = *read.info->localInfo;
+    local.title = file.title;
+    local.artist = file.artist;
+    local.album = file.album;
+    local.genre = file.genre;
+    local.year = file.year;
+    local.trackNumber = file.trackNumber;
+    local.coverPath = file.coverPath;
+    *local.cover = *file.cover; // whoever waits for the song's cover has its place
+    local.file = file.file;
+    return true;
 }
 
 /// A copy of the text that lasts as long as the program: track records point at it from now on.
@@ -115,9 +192,42 @@ QByteArray currentLocation(quint64 persistentId)
     return QByteArray(buffers[5].data());
 }
 
+TrackTruth truthOf(const QMusicInfo& song)
+{
+    const iTunesTrackRecord& track = *song.track;
+    return {track.name, track.artist,      track.album,   track.genre,
+            track.year, track.trackNumber, song.coverPath};
+}
+
+bool takeLibraryBack(QMusicInfo& song)
+{
+    const std::unique_ptr<TrackTruth> truth = std::move(song.truth);
+    if (!truth)
+        return false;
+    iTunesTrackRecord& track = *song.track;
+    track.name = truth->name;
+    track.artist = truth->artist;
+    track.album = truth->album;
+    track.genre = truth->genre;
+    track.year = truth->year;
+    track.trackNumber = truth->trackNumber;
+    song.coverPath = truth->coverPath;
+    return true;
+}
+
+QVector<FootLines::SideEffect> sideEffects(const TrackTruth& before, const SongEdit& edit)
+{
+    using Effect = FootLines::SideEffect;
+    const QString genre = QString::fromUtf8(before.genre);
+    if (edit.genreChosen || genre == edit.genre)
+        return {};
+    return {Effect{Effect::Genre, genre, edit.genre}};
+}
+
 SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
 {
     iTunesTrackRecord& track = *song.track;
+    const TrackTruth before = song.truth ? *song.truth : truthOf(song);
     track.name = lastingCopy(edit.title.toUtf8());
     track.album = lastingCopy(edit.album.toUtf8());
     track.artist = lastingCopy(edit.artist.toUtf8());
@@ -135,7 +245,12 @@ SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
     const QByteArray location = currentLocation(id);
     if (!location.isEmpty() && !QByteArray(track.location).startsWith(location))
         track.location = lastingCopy(location);
-    return {failed == 0, failed == 0};
+    if (failed) {
+        song.truth = std::make_unique<TrackTruth>(before);
+        return {false, false, SaveProblem(iTunesMediaProblem()), iTunesLastEditProblem(), {}};
+    }
+    song.truth.reset();
+    return {true, true, SAVE_NO_PROBLEM, ITUNES_EDIT_DONE, sideEffects(before, edit)};
 }
 } // namespace
 
@@ -158,22 +273,49 @@ bool SongEditing::takesCoverOut(const QMusicInfo* song)
     return QIOrvoUtil::m_cleanMode && QIOrvoUtil::isImage(SongFields::coverPath(song));
 }
 
+qint64 SongEditing::largestCover(const QMusicInfo& song)
+{
+    const std::unique_ptr<IAudioTag, ReleaseTag> tag(CreateTag());
+    if (!tag || tag->Open(SongFields::audioPath(&song).toStdU32String().c_str()) != 0)
+        return std::numeric_limits<qint64>::max();
+    return LargestPictureFor(tag.get());
+}
+
 SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
 {
     if (QIOrvoUtil::m_cleanMode)
-        return song.localInfo ? applyLocal(*song.localInfo, edit) : Outcome();
+        return song.localInfo ? applyLocal(song, edit) : Outcome();
     return song.track ? applyToTrack(song, edit) : Outcome();
+}
+
+QString SongEditing::lineOf(const QMusicInfo& song, const Outcome& outcome)
+{
+    const QString name = SongFields::shownName(&song);
+    if (outcome.library != ITUNES_EDIT_DONE)
+        return FootLines::notSaved(name, outcome.library, outcome.file);
+    if (outcome.failed())
+        return FootLines::notSaved(name, outcome.file);
+    return outcome.file == SAVE_PICTURE_TOO_LARGE ? FootLines::savedWithoutCover(name)
+                                                  : FootLines::saved(name, outcome.alsoChanged);
+}
+
+bool SongEditing::takeBack(QMusicInfo& song)
+{
+    if (QIOrvoUtil::m_cleanMode)
+        return song.localInfo && takeFileBack(*song.localInfo);
+    return song.track && takeLibraryBack(song);
 }
 
 int SongEditing::writeTag(IAudioTag& tag, const SongEdit& edit)
 {
-    replaceText(tag, TAG_ARTIST, edit.artist);
-    replaceText(tag, TAG_TITLE, edit.title);
-    replaceText(tag, TAG_ALBUM, edit.album);
-    replaceText(tag, TAG_GENRE, edit.genre);
-    replaceText(tag, TAG_YEAR, QString::number(edit.year));
-    replaceText(tag, TAG_TRACK, QString::number(edit.trackNumber));
+    TagContent content;
+    content.title = edit.title;
+    content.artist = edit.artist;
+    content.album = edit.album;
+    content.genre = edit.genre;
+    content.year = QString::number(edit.year);
+    content.track = QString::number(edit.trackNumber);
     // Oddity 37: also without a chosen cover; saving then takes the picture out.
-    replacePicture(tag, wantedPicture(tag, edit));
-    return tag.Save();
+    content.picture = wantedPicture(tag, edit);
+    return content.save(tag);
 }

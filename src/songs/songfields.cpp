@@ -54,6 +54,12 @@ QString SongFields::title(const QMusicInfo* song)
         [](const LocalMusicInfo& local) { return local.title; });
 }
 
+QString SongFields::shownName(const QMusicInfo* song)
+{
+    const QString own = title(song);
+    return own.isEmpty() ? QFileInfo(audioPath(song)).fileName() : own;
+}
+
 QString SongFields::artist(const QMusicInfo* song)
 {
     return field(

@@ -12,6 +12,8 @@ namespace SongFields {
 bool available(const QMusicInfo* song);
 
 QString title(const QMusicInfo* song);
+/// The title, or the name of the file where there is none.
+QString shownName(const QMusicInfo* song);
 QString artist(const QMusicInfo* song);
 QString album(const QMusicInfo* song);
 QString genre(const QMusicInfo* song);

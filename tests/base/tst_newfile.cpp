@@ -52,13 +52,13 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
-    std::string m_error;
+    base::Failure m_error;
 };
 
 void TestNewFile::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    m_error.clear();
+    m_error = {};
     write("file", "old");
 }
 
@@ -68,7 +68,7 @@ void TestNewFile::aFileThatTakesNoPlaceGoes()
     QCOMPARE(names(), QStringList("file"));
     QCOMPARE(read("file"), QByteArray("old"));
     QVERIFY(!written("no such file", "new"));
-    QVERIFY(!m_error.empty());
+    QVERIFY(!m_error.text.empty());
 }
 
 void TestNewFile::aNewFileIsNobodyElses()
@@ -91,7 +91,7 @@ void TestNewFile::theOriginalIsReplacedWhileItIsAsItWas()
     file = written("file", "newer");
     write("file", "by another program");
     QCOMPARE(file->replaceOriginal(m_error), NewFile::Taking::ChangedMeanwhile);
-    QVERIFY(!m_error.empty());
+    QVERIFY(!m_error.text.empty());
     file.reset();
     QCOMPARE(read("file"), QByteArray("by another program"));
     QCOMPARE(names(), QStringList("file"));
@@ -172,7 +172,7 @@ void TestNewFile::anotherFileGetsNoFurtherName()
     write("file", "another");
     QVERIFY(!NewFile::linkOf(open, at("file"), at("other"), m_error));
     std::fclose(open);
-    QVERIFY(!m_error.empty());
+    QVERIFY(!m_error.text.empty());
     QCOMPARE(names(), QStringList("file"));
 }
 
@@ -183,7 +183,7 @@ void TestNewFile::aFileIsRenamedOverAnother()
     QCOMPARE(names(), QStringList("other"));
     QCOMPARE(read("other"), QByteArray("old"));
     QVERIFY(!base::renameFile(at("file"), at("other"), m_error));
-    QVERIFY(!m_error.empty());
+    QVERIFY(!m_error.text.empty());
 }
 
 void TestNewFile::onlyWhatASaveMadeIsALeftover()

@@ -17,6 +17,7 @@ private slots:
     void aFolderIsWalkedLevelByLevel();
     void upperCaseEndingsAreMusic();
     void windowsMediaIsPassedOver();
+    void windowsMediaIsFoundApart();
     void aFileIsTakenByItsNameAlone();
     void hiddenEntriesAreTaken();
     void unreadableAndUnwritableEntriesAreLeftOut();
@@ -78,6 +79,17 @@ void TestFileCollection::windowsMediaIsPassedOver()
     const QString song = make("song.wma");
     QVERIFY(found().isEmpty());
     QVERIFY(FileCollection::musicFilesUnder(song).isEmpty());
+}
+
+/// Whoever asks may take it all the same.
+void TestFileCollection::windowsMediaIsFoundApart()
+{
+    const QStringList media = {make("SONG.WMA"), make("folder/other.wma")};
+    const QString music = make("folder/song.mp3");
+    const FileCollection::Found found = FileCollection::filesUnder(m_folder->path());
+    QCOMPARE(found.music, QStringList(music));
+    QCOMPARE(found.windowsMedia, media);
+    QCOMPARE(FileCollection::filesUnder(media.first()).windowsMedia, media.mid(0, 1));
 }
 
 void TestFileCollection::aFileIsTakenByItsNameAlone()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dupmusicinfo.h"
+#include "owntrash.h"
 #include "qmusicinfo.h"
 #include "songfixtures.h"
 #include "songs/songremoval.h"
@@ -29,6 +30,8 @@ protected:
     DupMusicInfo* group(const QList<QMusicInfo*>& songs);
     SongLists lists() { return {&m_all, &m_groups, &m_undefined, &m_tags}; }
 
+    const OwnTrash m_bin;
+    std::unique_ptr<FileRemoval> m_removal;
     std::unique_ptr<QTemporaryDir> m_folder;
     Fixtures::ModeGuard m_mode{true};
     std::vector<std::unique_ptr<QMusicInfo>> m_songs;
@@ -54,6 +57,8 @@ inline void RemovalFixture::prepare()
     m_ownGroups.clear();
     m_songs.clear();
     m_folder = std::make_unique<QTemporaryDir>();
+    m_bin.empty();
+    m_removal = std::make_unique<FileRemoval>();
 }
 
 /// A song on a small file, in the list of all songs.

@@ -181,7 +181,7 @@ int TestClearingWords::cleared(QList<QMusicInfo*>& shown, const QList<QMusicInfo
     for (int position = shown.size() - 1; position >= 0; --position) {
         QMusicInfo* const next = shown.value(position);
         if (next && !kept.contains(next))
-            SongRemoval::removeOne(lists(), next, current, KeptFiles());
+            SongRemoval::removeOne(lists(), next, current, KeptFiles(), *m_removal);
     }
     SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));
     return before - m_all.size();

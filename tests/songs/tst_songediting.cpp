@@ -133,6 +133,12 @@ private slots:
     void whatWasHandedBackUnchangedStays_data();
     void whatWasHandedBackUnchangedStays();
     void aSongWithoutDataIsLeftAlone();
+    void whatElseASaveChangedIsKnown_data();
+    void whatElseASaveChangedIsKnown();
+    void whatTheUserChangedIsNoSurprise();
+    void aFailedSaveSaysWhy();
+    void aFailedEditIsTakenBack();
+    void whatCannotBeReadIsNotTakenBack();
 
 private:
     std::unique_ptr<QMusicInfo> songOn(const QString& path) const;
@@ -382,6 +388,124 @@ void TestSongEditing::aSongWithoutDataIsLeftAlone()
     const SongEditing::Outcome outcome = SongEditing::apply(song, sampleEdit());
     QVERIFY(!outcome.coverChanged && !outcome.coverUsed);
     QVERIFY(!song.localInfo);
+}
+
+void TestSongEditing::whatElseASaveChangedIsKnown_data()
+{
+    everyFormatTakesAnEdit_data();
+}
+
+namespace {
+/// As the panel hands a song back whose values nobody touched.
+SongEdit untouchedEdit(const LocalMusicInfo& local)
+{
+    SongEdit edit;
+    edit.title = local.title;
+    edit.artist = local.artist;
+    edit.album = local.album;
+    edit.genre = local.genre;
+    edit.year = int(local.year);
+    edit.trackNumber = int(local.trackNumber);
+    return edit;
+}
+} // namespace
+
+void TestSongEditing::whatElseASaveChangedIsKnown()
+{
+    using FootLines::SideEffect;
+    QFETCH(QString, kind);
+    const auto song = songOn(Fixtures::copyTone(kind, m_folder.path()));
+    LocalMusicInfo& local = *song->localInfo;
+    SongEdit edit = untouchedEdit(local);
+    edit.title = QStringLiteral("Midnight Ferry");
+    QVERIFY(SongEditing::apply(*song, edit).alsoChanged.isEmpty()); // nor do year and track come of nothing
+    edit = sampleEdit();
+    edit.genre = QStringLiteral("Électro");
+    edit.newCoverPath = Fixtures::saveBytes(Fixtures::jpeg(40, 40, 1), m_folder.filePath("cover.jpg"));
+    QVERIFY(SongEditing::apply(*song, edit).alsoChanged.isEmpty());
+
+    edit = untouchedEdit(local);
+    edit.genre = QStringLiteral("Pop");
+    edit.genreChosen = false;
+    AudioFile::write(local.filePath, {{TAG_ARTIST, QStringLiteral("Of another program")}});
+    const QVector<SideEffect> effects = SongEditing::apply(*song, edit).alsoChanged;
+    QCOMPARE(effects.size(), 3);
+    QCOMPARE(effects.at(0).field, SideEffect::Cover);
+    QCOMPARE(effects.at(1).field, SideEffect::Artist);
+    QCOMPARE(effects.at(1).before, QStringLiteral("Of another program"));
+    QCOMPARE(effects.at(1).after, edit.artist);
+    QCOMPARE(effects.at(2).field, SideEffect::Genre);
+    QCOMPARE(effects.at(2).before, QStringLiteral("Électro"));
+    QCOMPARE(effects.at(2).after, QStringLiteral("Pop"));
+    QVERIFY(SongEditing::apply(*song, edit).alsoChanged.isEmpty());
+}
+
+void TestSongEditing::whatTheUserChangedIsNoSurprise()
+{
+    const auto song = songOn(Fixtures::copyTone("mp3", m_folder.path()));
+    SongEditing::apply(*song, sampleEdit());
+    SongEdit edit;
+    edit.title = QStringLiteral("Midnight Ferry");
+    edit.genre = QStringLiteral("Pop");
+    edit.year = 1999;
+    edit.trackNumber = 9;
+    const SongEditing::Outcome outcome = SongEditing::apply(*song, edit);
+    QVERIFY(!outcome.failed());
+    QVERIFY(outcome.alsoChanged.isEmpty());
+    QCOMPARE(SongEditing::lineOf(*song, outcome), QStringLiteral("Saved \"Midnight Ferry\"."));
+}
+
+void TestSongEditing::aFailedSaveSaysWhy()
+{
+    const auto song = songOn(m_folder.filePath("gone.mp3"));
+    const LoggedLines lines;
+    SongEdit edit = sampleEdit();
+    SongEditing::Outcome outcome = SongEditing::apply(*song, edit);
+    QVERIFY(outcome.failed());
+    QCOMPARE(outcome.file, SAVE_FILE_GONE);
+    edit.title.clear(); // the file's name stands in
+    outcome = SongEditing::apply(*song, edit);
+    QCOMPARE(SongEditing::lineOf(*song, outcome),
+             QStringLiteral("\"gone.mp3\" could not be saved: the file is gone."));
+}
+
+void TestSongEditing::aFailedEditIsTakenBack()
+{
+    const QString path = Fixtures::copyTone("flac", m_folder.path());
+    const auto song = songOn(path);
+    SongEdit edit = sampleEdit();
+    edit.newCoverPath = Fixtures::saveBytes(Fixtures::jpeg(40, 40, 1), m_folder.filePath("cover.jpg"));
+    SongEditing::apply(*song, edit);
+    QFile::setPermissions(path, QFile::ReadOwner);
+    const LoggedLines lines;
+    SongEdit other = edit;
+    other.title = QStringLiteral("Midnight Ferry");
+    other.year = 1;
+    other.newCoverPath = Fixtures::saveBytes(Fixtures::jpeg(40, 40, 2), m_folder.filePath("other.jpg"));
+    QCOMPARE(SongEditing::apply(*song, other).file, SAVE_FILE_READ_ONLY);
+    QCOMPARE(song->localInfo->title, other.title);
+    QVERIFY(SongEditing::takeBack(*song));
+    const LocalMusicInfo& local = *song->localInfo;
+    QCOMPARE(local.title, edit.title);
+    QCOMPARE(local.artist, edit.artist);
+    QCOMPARE(local.album, edit.album);
+    QCOMPARE(local.genre, edit.genre);
+    QCOMPARE(local.year, qint64(edit.year));
+    QCOMPARE(local.trackNumber, qint64(edit.trackNumber));
+    QCOMPARE(Fixtures::readBytes(local.coverPath), Fixtures::readBytes(edit.newCoverPath));
+    QCOMPARE(local.file, FileState::ofEntry(path));
+    QVERIFY(!local.cover->isNull());
+}
+
+void TestSongEditing::whatCannotBeReadIsNotTakenBack()
+{
+    const auto song = songOn(m_folder.filePath("gone.mp3"));
+    const LoggedLines lines;
+    SongEditing::apply(*song, sampleEdit());
+    QVERIFY(!SongEditing::takeBack(*song));
+    QCOMPARE(song->localInfo->title, sampleEdit().title);
+    QMusicInfo none;
+    QVERIFY(!SongEditing::takeBack(none));
 }
 
 QTEST_MAIN(TestSongEditing)

@@ -38,6 +38,8 @@ private slots:
     void tracksNeedNoFiles();
     void noKeptFilesKeepNothing();
     void aFileIsRemoved();
+    void withoutATrashAFileIsDeletedForGood();
+    void whatComesBackTakesNoOthersPlace();
     void aLinkIsRemovedItself();
     void whatTookTheFilesPlaceStays_data();
     void whatTookTheFilesPlaceStays();
@@ -226,13 +228,54 @@ void TestSongRemoval::noKeptFilesKeepNothing()
 void TestSongRemoval::aFileIsRemoved()
 {
     const QMusicInfo* a = song("a");
-    SongRemoval::removeFile(*a, nullptr, KeptFiles());
+    SongRemoval::removeFile(*a, nullptr, KeptFiles(), *m_removal);
     QVERIFY(!QFile::exists(fileOf(a)));
+    QCOMPARE(m_removal->removed().trashed.size(), 1);
+    QCOMPARE(m_removal->removed().trashed.first().path, fileOf(a));
+    QCOMPARE(m_bin.files(), QStringList("a.mp3"));
     const LoggedLines lines;
-    SongRemoval::removeFile(*a, nullptr, KeptFiles());
+    SongRemoval::removeFile(*a, nullptr, KeptFiles(), *m_removal);
     const QStringList log = LoggedLines::take();
     QCOMPARE(log.size(), 1);
     QVERIFY(log.first().contains(fileOf(a)));
+    QCOMPARE(m_removal->removed().failed.size(), 1);
+}
+
+/// The path is free either way.
+void TestSongRemoval::withoutATrashAFileIsDeletedForGood()
+{
+    m_bin.spoil();
+    const QList<QMusicInfo*> songs = {song("a"), song("b"), song("c")};
+    QFile::remove(fileOf(songs[2]));
+    const LoggedLines lines;
+    for (const QMusicInfo* each : songs)
+        SongRemoval::removeFile(*each, nullptr, KeptFiles(), *m_removal);
+    QCOMPARE(LoggedLines::take().size(), 2); // the first that is deleted, and the one that was gone
+    QVERIFY(!QFile::exists(fileOf(songs[0])) && !QFile::exists(fileOf(songs[1])));
+    const RemovedFiles& removed = m_removal->removed();
+    QVERIFY(removed.trashed.isEmpty());
+    QCOMPARE(removed.deleted.size(), 2);
+    QCOMPARE(removed.deleted[1].path, fileOf(songs[1]));
+    QVERIFY(!removed.deleted[1].reason.isEmpty());
+    QCOMPARE(removed.failed.size(), 1);
+    QCOMPARE(removed.failed.first().path, fileOf(songs[2]));
+}
+
+void TestSongRemoval::whatComesBackTakesNoOthersPlace()
+{
+    const QMusicInfo* a = song("a");
+    SongRemoval::removeFile(*a, nullptr, KeptFiles(), *m_removal);
+    const RemovedFiles::Trashed gone = m_removal->removed().trashed.value(0);
+    Fixtures::saveBytes("other", fileOf(a));
+    FileReturn undo;
+    QVERIFY(!undo.bringBack(gone).isEmpty());
+    QCOMPARE(Fixtures::readBytes(fileOf(a)), QByteArray("other"));
+    QCOMPARE(m_bin.files(), QStringList("a.mp3"));
+    QVERIFY(QFile::remove(fileOf(a)));
+    QCOMPARE(undo.bringBack(gone), QString());
+    QCOMPARE(Fixtures::readBytes(fileOf(a)), QByteArray("a"));
+    QCOMPARE(FileState::ofEntry(fileOf(a)), a->localInfo->file);
+    QVERIFY(!undo.bringBack(gone).isEmpty());
 }
 
 void TestSongRemoval::aLinkIsRemovedItself()
@@ -244,7 +287,7 @@ void TestSongRemoval::aLinkIsRemovedItself()
     list(link);
     KeptFiles kept;
     kept.add(fileOf(a));
-    SongRemoval::removeFile(*link, nullptr, kept);
+    SongRemoval::removeFile(*link, nullptr, kept, *m_removal);
     QVERIFY(!QFileInfo(fileOf(link)).isSymLink());
     QVERIFY(QFile::exists(fileOf(a)));
 }
@@ -278,7 +321,7 @@ void TestSongRemoval::whatTookTheFilesPlaceStays()
         a->localInfo->file = FileState();
     }
     const LoggedLines lines;
-    SongRemoval::removeFile(*a, nullptr, KeptFiles());
+    SongRemoval::removeFile(*a, nullptr, KeptFiles(), *m_removal);
     const QStringList log = LoggedLines::take();
     QCOMPARE(log.size(), 1);
     QVERIFY(log.first().contains(fileOf(a)));
@@ -290,7 +333,7 @@ void TestSongRemoval::aHardLinkOrAnotherModeChangesNothing()
     QMusicInfo* a = song("a");
     std::filesystem::create_hard_link(fileOf(a).toStdString(), m_folder->filePath("hard").toStdString());
     QVERIFY(QFile::setPermissions(fileOf(a), QFile::ReadOwner));
-    SongRemoval::removeFile(*a, nullptr, KeptFiles());
+    SongRemoval::removeFile(*a, nullptr, KeptFiles(), *m_removal);
     QVERIFY(!QFile::exists(fileOf(a)));
 }
 
@@ -300,7 +343,7 @@ void TestSongRemoval::aFolderIsNeverRemoved()
     QFile::remove(fileOf(folder));
     QDir().mkdir(fileOf(folder));
     const LoggedLines lines;
-    SongRemoval::removeFile(*folder, nullptr, KeptFiles());
+    SongRemoval::removeFile(*folder, nullptr, KeptFiles(), *m_removal);
     QCOMPARE(LoggedLines::take().size(), 1);
     QVERIFY(QFileInfo(fileOf(folder)).isDir());
 }
@@ -315,7 +358,7 @@ void TestSongRemoval::aSharedFileStays()
     KeptFiles kept;
     kept.add(fileOf(a));
     const LoggedLines lines;
-    QVERIFY(SongRemoval::removeOne(lists(), again, 0, kept));
+    QVERIFY(SongRemoval::removeOne(lists(), again, 0, kept, *m_removal));
     const QStringList log = LoggedLines::take();
     QVERIFY(QFile::exists(fileOf(a)));
     QCOMPARE(log.size(), 1);

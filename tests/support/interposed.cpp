@@ -12,15 +12,20 @@ std::function<void()> beforeSync;
 std::function<void()> beforeLock;
 std::function<bool(int, off_t)> readFails;
 std::function<ssize_t(size_t)> copiesInKernel;
+std::function<bool()> writeFails;
+std::function<int(const char*)> accessFails;
 std::function<void(const char*)> beforeRemoval;
+std::function<void(const char*)> beforeMove;
 std::function<void()> pauses;
 
 Guard::~Guard()
 {
     beforeSync = beforeLock = pauses = nullptr;
-    beforeRemoval = nullptr;
+    beforeRemoval = beforeMove = nullptr;
     readFails = nullptr;
     copiesInKernel = nullptr;
+    writeFails = nullptr;
+    accessFails = nullptr;
 }
 } // namespace Interposed
 
@@ -47,6 +52,13 @@ int unlinkat(int folder, const char* name, int flags) noexcept
     return int(::syscall(SYS_unlinkat, folder, name, flags));
 }
 
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept
+{
+    if (Interposed::beforeMove)
+        Interposed::beforeMove(from);
+    return int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
 int usleep(useconds_t microseconds)
 {
     if (Interposed::pauses) {
@@ -64,6 +76,26 @@ ssize_t pread(int fd, void* bytes, size_t count, off_t offset)
         return -1;
     }
     return ::syscall(SYS_pread64, fd, bytes, count, offset);
+}
+
+ssize_t pwrite(int fd, const void* bytes, size_t count, off_t offset)
+{
+    if (Interposed::writeFails && Interposed::writeFails()) {
+        errno = ENOSPC;
+        return -1;
+    }
+    return ::syscall(SYS_pwrite64, fd, bytes, count, offset);
+}
+
+int faccessat(int folder, const char* name, int mode, int flags) noexcept
+{
+    const int reason = Interposed::accessFails ? Interposed::accessFails(name) : 0;
+    if (reason != 0) {
+        errno = reason;
+        return -1;
+    }
+    (void)flags; // the system's own call has none
+    return int(::syscall(SYS_faccessat, folder, name, mode));
 }
 
 ssize_t copy_file_range(int from, off_t* in, int to, off_t* out, size_t count, unsigned flags)

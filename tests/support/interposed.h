@@ -16,8 +16,14 @@ extern std::function<void()> beforeLock;
 extern std::function<bool(int fd, off_t offset)> readFails;
 /// How many bytes copying inside the kernel does; a negative number makes it fail as a broken disk does.
 extern std::function<ssize_t(size_t wanted)> copiesInKernel;
+/// Before bytes are written at an offset; true makes the call fail as a full disk does.
+extern std::function<bool()> writeFails;
+/// Before it is asked whether a name may be written; a number other than 0 is the system's reason not to.
+extern std::function<int(const char* name)> accessFails;
 /// Before a name is removed from an open folder.
 extern std::function<void(const char* name)> beforeRemoval;
+/// Before something moves to a name that has to be free.
+extern std::function<void(const char* name)> beforeMove;
 /// In place of a pause of microseconds.
 extern std::function<void()> pauses;
 

@@ -58,5 +58,8 @@ IAudioPlayer* CreatePlayer();
 /// Loads the module ahead, which takes longer than a user should wait for a song's first sound. Any thread,
 /// also while another creates a player. Of a missing module CreatePlayer tells again.
 void PreparePlayer();
+/// Whether a song that is played runs silently because there is no sound device, or none any more; that is
+/// known once it plays. False where silence was asked for. The rules of IAudioPlayer about threads hold.
+bool PlayerIsSilent(const IAudioPlayer* player);
 /// Ends the playback and frees the player, also while it plays; null is allowed.
 void DestroyPlayer(IAudioPlayer* player);

@@ -100,6 +100,12 @@ bool Playback::finished() const
     return hasEnded();
 }
 
+bool Playback::silent() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_silent;
+}
+
 std::int64_t Playback::duration() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -242,6 +248,7 @@ void Playback::look(const PlaybackEngine& engine)
     const bool atEnd = engine.atEnd();
     const std::optional<std::int64_t> position = engine.position();
     const std::lock_guard<std::mutex> lock(m_mutex);
+    m_silent = engine.isSilent();
     if (m_wishedTarget || m_target)
         return;
     if (position) {

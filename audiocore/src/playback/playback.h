@@ -37,6 +37,8 @@ public:
     bool finished() const;
     std::int64_t duration() const;
     std::int64_t position() const;
+    /// Whether there is no sound device for it.
+    bool silent() const;
 
 private:
     static void wake(void* playback) noexcept;
@@ -67,6 +69,7 @@ private:
     std::int64_t m_duration;
     std::int64_t m_position = 0;
     bool m_finished = false;
+    bool m_silent = false;
     std::optional<std::int64_t> m_target; ///< of the seek that is under way
 
     bool m_enginePlays = false; ///< of the thread alone

@@ -64,7 +64,11 @@ constexpr Option options[] = {
 /// What the engine runs at once for one song, and some more. It waits for ever when it cannot make one.
 constexpr int engineThreads = 8;
 
-void chooseOutput(mpv_handle* engine)
+constexpr const char* noOutput = "null";
+constexpr const char* outputProperty = "current-ao";
+
+/// Whether it is the one without sound.
+bool chooseOutput(mpv_handle* engine)
 {
     const char* output = std::getenv("MELODRIFT_AUDIO_OUTPUT");
     if (!output) {
@@ -72,10 +76,11 @@ void chooseOutput(mpv_handle* engine)
         // Tried in this order. The engine knows more; trying the last of those leaks memory every time.
         mpv_set_option_string(engine, "ao", "pipewire,pulse,alsa");
 #endif
-        return;
+        return false;
     }
-    if (std::strcmp(output, "null") == 0) {
-        mpv_set_option_string(engine, "ao", "null");
+    const bool silent = std::strcmp(output, noOutput) == 0;
+    if (silent) {
+        mpv_set_option_string(engine, "ao", noOutput);
         mpv_set_option_string(engine, "ao-null-buffer", "0.02");
     } else if (std::strncmp(output, "pcm:", 4) == 0) {
         mpv_set_option_string(engine, "ao", "pcm");
@@ -83,6 +88,7 @@ void chooseOutput(mpv_handle* engine)
     } else {
         base::logLine(output, "is no sound output for MELODRIFT_AUDIO_OUTPUT");
     }
+    return silent;
 }
 } // namespace
 
@@ -119,7 +125,7 @@ bool PlaybackEngine::start(SongSource& source, const char* container, void (*wak
     // Options that this build of the engine does not have are no loss: it lacks what they switch off.
     for (const Option& option : options)
         mpv_set_option_string(m_engine.get(), option.name, option.value);
-    chooseOutput(m_engine.get());
+    m_silenceWanted = chooseOutput(m_engine.get());
     if (mpv_set_option_string(m_engine.get(), "demuxer-lavf-format", container) < 0)
         return false;
     mpv_set_wakeup_callback(m_engine.get(), wake, context);
@@ -127,6 +133,7 @@ bool PlaybackEngine::start(SongSource& source, const char* container, void (*wak
     std::array<const char*, 3> load{"loadfile", address, nullptr};
     return address && mpv_initialize(m_engine.get()) == 0 &&
            mpv_observe_property(m_engine.get(), 0, "eof-reached", MPV_FORMAT_FLAG) == 0 &&
+           mpv_observe_property(m_engine.get(), 0, outputProperty, MPV_FORMAT_STRING) == 0 &&
            mpv_command(m_engine.get(), load.data()) == 0;
 }
 
@@ -151,10 +158,19 @@ PlaybackEngine::Event PlaybackEngine::nextEvent()
         case MPV_EVENT_END_FILE:
             m_error = mpv_error_string(static_cast<const mpv_event_end_file*>(event->data)->error);
             return Event::Broken;
+        case MPV_EVENT_PROPERTY_CHANGE:
+            noteOutput(*static_cast<const mpv_event_property*>(event->data));
+            break;
         default:
             break;
         }
     }
+}
+
+void PlaybackEngine::noteOutput(const mpv_event_property& output)
+{
+    if (output.format == MPV_FORMAT_STRING && std::strcmp(output.name, outputProperty) == 0)
+        m_silent = !m_silenceWanted && std::strcmp(*static_cast<char**>(output.data), noOutput) == 0;
 }
 
 void PlaybackEngine::setPaused(bool paused)

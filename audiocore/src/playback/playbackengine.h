@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+struct mpv_event_property;
 struct mpv_handle;
 
 namespace audiocore {
@@ -46,6 +47,8 @@ public:
     std::optional<std::int64_t> position() const;
     std::int64_t duration() const;
     bool atEnd() const;
+    /// Whether the song runs without a sound device, though nobody asked for that.
+    bool isSilent() const { return m_silent; }
 
 private:
     struct Destroy
@@ -54,11 +57,14 @@ private:
     };
 
     bool start(SongSource& source, const char* container, void (*wake)(void*), void* context);
+    void noteOutput(const mpv_event_property& output);
     std::optional<std::int64_t> milliseconds(const char* property) const;
 
     std::unique_ptr<mpv_handle, Destroy> m_engine;
     std::string m_error;
     bool m_toldStartError = false;
+    bool m_silenceWanted = false;
+    bool m_silent = false;
     bool m_seekIsAsked = false; ///< and has not begun
 };
 } // namespace audiocore

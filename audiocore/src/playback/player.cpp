@@ -100,6 +100,12 @@ private:
     std::shared_ptr<PlayerContent> content() const { return Players::instance().of(this); }
 };
 
+bool isSilent(const IAudioPlayer* player)
+{
+    const auto content = Players::instance().of(player);
+    return content->playback && content->playback->silent();
+}
+
 IAudioPlayer* makePlayer()
 {
     audiocore::setEngineLocale();
@@ -113,5 +119,5 @@ void destroyPlayer(IAudioPlayer* player)
 }
 } // namespace
 
-extern "C" ENGINE_DOOR const audiocore::EngineDoor<IAudioPlayer> melodriftPlayback;
-const audiocore::EngineDoor<IAudioPlayer> melodriftPlayback = {makePlayer, destroyPlayer};
+extern "C" ENGINE_DOOR const audiocore::PlaybackDoor melodriftPlayback;
+const audiocore::PlaybackDoor melodriftPlayback = {{makePlayer, destroyPlayer}, isSilent};

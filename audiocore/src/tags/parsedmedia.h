@@ -32,10 +32,10 @@ struct ParsedMedia
     AudioFormat format = AUDIO_FORMAT_UNKNOWN;
     const char* demuxer = ""; ///< FFmpeg's name of what opens it, for playing
     MpegStream properties;
-    std::int64_t audioBegin = 0;     ///< behind a tag at the file's beginning
-    std::vector<Item> items;         ///< texts by type, the picture last
-    TagContent content;              ///< what the items say
-    unsigned int largestPicture = 0; ///< bytes of one that may be written into it
+    std::int64_t audioBegin = 0;      ///< behind a tag at the file's beginning
+    std::vector<Item> items;          ///< texts by type, the picture last
+    TagContent content;               ///< what the items say
+    std::uint32_t largestPicture = 0; ///< bytes of what may be written into the file
 };
 
 /// Reads what is in the stream. Why there is nothing to be had, without its subject; empty on success. Throws

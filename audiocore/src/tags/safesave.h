@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audiocore/saveproblem.h"
 #include "tags/tagfields.h"
 
 #include <string>
@@ -9,6 +10,6 @@ namespace audiocore {
 /// place, so that whatever happens the file is the old one or the new one, whole. Nothing is written when the
 /// edits change nothing. What others write meanwhile is never undone: the save starts over, a few times, with
 /// the file as they left it. A picture that is too large for the file is left out, and the rest is saved.
-/// False when something was not saved, with one log line.
-bool saveEdits(const std::string& path, const TagEdits& edits);
+/// What was not saved has a problem, and one log line.
+SaveProblem saveEdits(const std::string& path, const TagEdits& edits);
 } // namespace audiocore

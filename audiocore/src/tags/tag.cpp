@@ -1,4 +1,5 @@
 #include "audiocore/iaudiotag.h"
+#include "audiocore/saveproblem.h"
 
 #include "base/log.h"
 #include "base/registry.h"
@@ -14,6 +15,7 @@ struct TagState
     std::string path; ///< empty while no file is open
     std::weak_ptr<const ParsedMedia> reading;
     std::unique_ptr<audiocore::TagEdits> edits;
+    SaveProblem problem = SAVE_NO_PROBLEM; ///< of the last save
 
     std::shared_ptr<const ParsedMedia> parsed()
     {
@@ -70,13 +72,14 @@ public:
     std::int32_t Save() override
     {
         const auto own = state();
+        own->problem = own->path.empty() ? SAVE_OTHER_PROBLEM : SAVE_NO_PROBLEM;
         if (own->path.empty())
             return 1;
         if (!own->edits)
             return 0;
-        const bool saved = audiocore::saveEdits(own->path, *own->edits);
+        own->problem = audiocore::saveEdits(own->path, *own->edits);
         own->reading.reset();
-        if (!saved)
+        if (own->problem != SAVE_NO_PROBLEM)
             return 1;
         own->edits.reset();
         return 0;
@@ -143,6 +146,17 @@ private:
     std::shared_ptr<TagState> state() const { return base::Registry<TagState>::instance().of(this); }
 };
 } // namespace
+
+SaveProblem SaveProblemOf(const IAudioTag* tag)
+{
+    return base::Registry<TagState>::instance().of(tag)->problem;
+}
+
+std::uint32_t LargestPictureFor(const IAudioTag* tag)
+{
+    const auto state = base::Registry<TagState>::instance().of(tag);
+    return state->path.empty() ? 0 : state->parsed()->largestPicture;
+}
 
 IAudioTag* CreateTag()
 {

@@ -13,6 +13,19 @@ void GetMusicInfo(iTunesTrackRecord** records, int* count);
 /// empty otherwise. UTF-8 for people, valid until the next call of GetMusicInfo. Any thread.
 const char* iTunesLibraryProblem();
 
+/// How a reading went.
+enum iTunesReading : int32_t {
+    ITUNES_READ = 0,       ///< there are tracks, or nothing was read yet
+    ITUNES_NO_LIBRARY = 1, ///< no library file was found
+    ITUNES_EMPTY = 2,      ///< it holds no track
+    ITUNES_BROKEN = 3,
+    ITUNES_UNREADABLE = 4 ///< it cannot be opened, or not be read to its end
+};
+/// Of the last call of GetMusicInfo. Any thread.
+iTunesReading iTunesLastReading();
+/// The line of the file where it is broken; 0 unless the last reading found it so. Any thread.
+uint64_t iTunesBrokenLine();
+
 /// Names the library file to use, UTF-8; null or empty: the one that the environment variable
 /// MELODRIFT_ITUNES_LIBRARY names, else the first of the usual ones. Holds from the next reading on; what is
 /// pending for another file is written first.

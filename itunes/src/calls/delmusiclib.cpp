@@ -57,5 +57,6 @@ void launchiTunes()
 
 unsigned char deleteMusic(uint64_t persistentId)
 {
-    return itunes::MusicLibrary::instance().remove(persistentId) ? 1 : 0;
+    itunes::lastResult() = {itunes::MusicLibrary::instance().remove(persistentId)};
+    return itunes::lastResult().problem == ITUNES_EDIT_DONE ? 1 : 0;
 }

@@ -14,6 +14,16 @@ const char* iTunesLibraryProblem()
     return MusicLibrary::instance().problem();
 }
 
+iTunesReading iTunesLastReading()
+{
+    return MusicLibrary::instance().lastReading().result;
+}
+
+uint64_t iTunesBrokenLine()
+{
+    return MusicLibrary::instance().lastReading().line;
+}
+
 void setITunesLibraryOption(const char* path)
 {
     MusicLibrary::instance().setOption(path ? path : "");

@@ -39,7 +39,8 @@ int set_trackWithPresistentID(EyeTunes* application, uint64_t persistentId, cons
     const itunes::TrackValues values{itunes::cleanText(name), itunes::cleanText(artist),
                                      itunes::cleanText(album), itunes::cleanLocalText(genre),
                                      std::max<int32_t>(year, 0)};
-    return MusicLibrary::instance().edit(persistentId, values, itunes::localPath(coverPath)) ? 0 : 1;
+    itunes::lastResult() = MusicLibrary::instance().edit(persistentId, values, itunes::localPath(coverPath));
+    return itunes::lastResult().problem == ITUNES_EDIT_DONE ? 0 : 1;
 }
 
 int get_trackWithPresistentID(EyeTunes* application, uint64_t persistentId, char* output1, char* output2,

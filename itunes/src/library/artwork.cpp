@@ -20,8 +20,8 @@ std::pair<std::size_t, std::size_t> keyOf(const std::vector<char>& picture)
 
 std::unique_ptr<NewFile> writtenFile(const std::vector<char>& bytes, const std::string& path)
 {
-    std::string error;
-    auto file = NewFile::forName(path, error);
+    base::Failure failure;
+    auto file = NewFile::forName(path, failure);
     return file && base::writeAt(file->file(), 0, bytes.data(), bytes.size()) == bytes.size()
                ? std::move(file)
                : nullptr;
@@ -66,11 +66,11 @@ std::optional<std::vector<char>> itunes::pictureFile(const std::string& path)
 bool Artwork::write(const std::vector<char>& picture, const std::string& path)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::string error;
+    base::Failure failure;
     std::unique_ptr<NewFile> file = linkTo(picture, path);
     if (!file)
         file = writtenFile(picture, path);
-    if (!file || file->takeName(path, error) != NewFile::Taking::Done)
+    if (!file || file->takeName(path, failure) != NewFile::Taking::Done)
         return false;
     m_files[keyOf(picture)] = path;
     return true;
@@ -81,8 +81,9 @@ std::unique_ptr<NewFile> Artwork::linkTo(const std::vector<char>& picture, const
     const auto known = m_files.find(keyOf(picture));
     if (known == m_files.end())
         return nullptr;
-    std::string error;
+    base::Failure failure;
     const File file(base::openFile(known->second, false));
-    return file && contentOf(file.get()) == picture ? NewFile::linkOf(file.get(), known->second, path, error)
-                                                    : nullptr;
+    return file && contentOf(file.get()) == picture
+               ? NewFile::linkOf(file.get(), known->second, path, failure)
+               : nullptr;
 }

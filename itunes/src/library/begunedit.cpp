@@ -38,7 +38,7 @@ Redone itunes::redoEdit(const std::string& libraryPath, const JournalRecord& edi
         return Redone::Not;
     }
     const std::optional<std::vector<char>> picture = pictureOf(edit.cover, mediaPath);
-    if (!writeTags(mediaPath, edit.edit, picture.value_or(std::vector<char>()))) {
+    if (writeTags(mediaPath, edit.edit, picture.value_or(std::vector<char>())) != SAVE_NO_PROBLEM) {
         reason = "its media file cannot be written";
         return Redone::Not;
     }

@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
+using base::Failure;
 using itunes::Journal;
 
 namespace {
@@ -33,38 +33,38 @@ bool Journal::isFull() const
     return m_records >= mostJournalRecords || m_end > largestJournal - 2 * roomStep;
 }
 
-bool Journal::open(JournalContent& content, std::string& error)
+bool Journal::open(JournalContent& content, Failure& failure)
 {
     constexpr int attempts = 10;
     for (int i = 0; i < attempts && !isOpen(); ++i) {
-        if (!openOnce(error))
+        if (!openOnce(failure))
             return false;
         if (!isTheFileAtItsPath()) {
             m_file.reset(); // its former owner has just removed it
-        } else if (!load(content, error)) {
+        } else if (!load(content, failure)) {
             m_file.reset();
             return false;
         }
     }
     if (!isOpen())
-        error = "other programs are changing the library";
+        failure = {"other programs are changing the library", Failure::Kind::InUse};
     return isOpen();
 }
 
-bool Journal::openOnce(std::string& error)
+bool Journal::openOnce(Failure& failure)
 {
-    if (!exists() && !base::createPrivate(m_path, m_library, error))
+    if (!exists() && !base::createPrivate(m_path, m_library, failure))
         return false;
     m_file.reset(base::openNoLink(m_path));
     if (!m_file) {
-        const std::string reason = errno == ELOOP ? "it is a link" : std::strerror(errno);
-        error = "the journal cannot be opened: " + reason;
+        const std::string what = "the journal cannot be opened: ";
+        failure = errno == ELOOP ? Failure{what + "it is a link"} : base::systemFailure(what);
         return false;
     }
     if (base::ownerOf(m_file.get(), m_library) == base::Owner::Other)
-        error = "the file at the journal's name belongs to another user";
+        failure = {"the file at the journal's name belongs to another user", Failure::Kind::InUse};
     else if (!base::lockFile(m_file.get()))
-        error = "another program is changing the library";
+        failure = {"another program is changing the library", Failure::Kind::InUse};
     else
         return true;
     m_file.reset();
@@ -79,47 +79,47 @@ bool Journal::isTheFileAtItsPath() const
            own.inode == there.inode;
 }
 
-bool Journal::load(JournalContent& content, std::string& error)
+bool Journal::load(JournalContent& content, Failure& failure)
 {
     base::FileState state;
     if (!base::stateOf(m_file.get(), state) || !state.regular || state.links > 1 ||
         state.size > largestJournal) {
-        error = "what is at the journal's name is no file that can be one";
+        failure = {"what is at the journal's name is no file that can be one"};
         return false;
     }
     std::string lines(std::size_t(state.size), '\0');
     if (base::readAt(m_file.get(), 0, lines.data(), lines.size()) != lines.size()) {
-        error = "the journal cannot be read to its end";
+        failure = {"the journal cannot be read to its end"};
         return false;
     }
     const JournalKind kind = journalKindOf(lines);
     if (kind == JournalKind::Other) {
-        error = "the file at the journal's name is no journal";
+        failure = {"the file at the journal's name is no journal"};
         return false;
     }
     // One of the library's owner only he can make so; he could block others in other ways, too.
     if (!base::makePrivate(m_file.get()) && isTheUsers()) {
-        error = "the journal cannot be kept from others";
+        failure = {"the journal cannot be kept from others"};
         return false;
     }
     m_room = m_end = m_begun = 0;
     m_records = 0;
     if (kind == JournalKind::Blank) {
-        error = "the journal cannot be written";
+        failure = {"the journal cannot be written"};
         return base::truncateTo(m_file.get(), 0);
     }
     JournalLines read;
     if (readJournal(std::move(lines), read))
-        return take(read, content, error);
-    error = "the journal holds more changes than any program leaves";
+        return take(read, content, failure);
+    failure = {"the journal holds more changes than any program leaves"};
     return false;
 }
 
-bool Journal::take(const JournalLines& lines, JournalContent& content, std::string& error)
+bool Journal::take(const JournalLines& lines, JournalContent& content, Failure& failure)
 {
     if (lines.damaged > 0 && !keepAside("the journal has damaged lines (" + std::to_string(lines.damaged) +
                                             "), their changes are lost",
-                                        error))
+                                        failure))
         return false;
     m_records = lines.records;
     m_end = std::int64_t(lines.end);
@@ -131,7 +131,7 @@ bool Journal::take(const JournalLines& lines, JournalContent& content, std::stri
     };
     if (!write(lines.mended.size() - 1, lines.mended.size()) || !write(lines.mendedBegin, lines.mendedEnd) ||
         !write(0, journalsFirstLine.size())) {
-        error = "the journal cannot be written";
+        failure = {"the journal cannot be written"};
         return false;
     }
     for (const auto& [id, change] : lines.content.changes)
@@ -140,12 +140,11 @@ bool Journal::take(const JournalLines& lines, JournalContent& content, std::stri
     return true;
 }
 
-bool Journal::keepAside(const std::string& reason, std::string& error) const
+bool Journal::keepAside(const std::string& reason, Failure& failure) const
 {
-    std::string failure;
     const std::string kept = base::keepFile(m_path, m_library, "journal-kept", failure);
     if (kept.empty()) {
-        error = "the journal cannot be kept aside: " + failure;
+        failure.text.insert(0, "the journal cannot be kept aside: ");
         return false;
     }
     base::logLine(m_library, reason + "; the journal is kept as " + kept);
@@ -153,8 +152,9 @@ bool Journal::keepAside(const std::string& reason, std::string& error) const
 }
 
 /// Line feeds lie ready behind the end: a file that does not grow is flushed ten times as fast.
-bool Journal::append(const JournalRecord& record, RecordState state)
+bool Journal::append(const JournalRecord& record, RecordState state, Failure& failure)
 {
+    errno = 0;
     const std::string lead(m_end > 0 ? "\n" : journalsFirstLine);
     const std::string line = lead + lineOf(record, state);
     const std::int64_t begin = m_end > 0 ? m_end - 1 : 0;
@@ -162,6 +162,8 @@ bool Journal::append(const JournalRecord& record, RecordState state)
     if (m_records >= mostJournalRecords || !makeRoom(end) ||
         base::writeAt(m_file.get(), begin, line.data(), line.size()) != line.size() ||
         !base::syncBytesToDevice(m_file.get())) {
+        const std::string what = "the journal cannot be written: ";
+        failure = errno != 0 ? base::systemFailure(what) : Failure{what + "it is full"};
         // What was answered with a failure must not count later.
         if (base::truncateTo(m_file.get(), m_end))
             m_room = m_end;
@@ -187,17 +189,17 @@ bool Journal::makeRoom(std::int64_t size)
     return true;
 }
 
-bool Journal::addDeletion(std::uint64_t id)
+bool Journal::addDeletion(std::uint64_t id, Failure& failure)
 {
     JournalRecord record;
     record.id = id;
     record.deletes = true;
-    return append(record, RecordState::Counts);
+    return append(record, RecordState::Counts, failure);
 }
 
-bool Journal::beginEdit(const JournalRecord& edit)
+bool Journal::beginEdit(const JournalRecord& edit, Failure& failure)
 {
-    return append(edit, RecordState::Begun);
+    return append(edit, RecordState::Begun, failure);
 }
 
 bool Journal::confirm()

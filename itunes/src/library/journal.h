@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/failure.h"
 #include "base/fileowner.h"
 #include "library/journallines.h"
 #include "library/journalrecord.h"
@@ -25,32 +26,32 @@ public:
     bool exists() const;
     /// Opens the journal, or makes it; what it holds is merged into the content. False with the reason, and
     /// nothing in the content; whatever is no journal stays as it is.
-    bool open(JournalContent& content, std::string& error);
+    bool open(JournalContent& content, base::Failure& failure);
     bool isOpen() const { return bool(m_file); }
     /// Whether it takes no more changes.
     bool isFull() const;
     /// Whether the user's own processes wrote it.
     bool isTheUsers() const { return base::ownerOf(m_file.get(), m_library) == base::Owner::User; }
 
-    /// Adds a change for good: it is on the disk when the call answers true.
-    bool addDeletion(std::uint64_t id);
+    /// Adds a change for good: it is on the disk when the call answers true. What is not added has a reason.
+    bool addDeletion(std::uint64_t id, base::Failure& failure);
     /// Adds an edit that does not count before confirm(), which can only fail when the disk does.
-    bool beginEdit(const JournalRecord& edit);
+    bool beginEdit(const JournalRecord& edit, base::Failure& failure);
     bool confirm();
     /// The edit was not made.
     bool cancel();
 
     /// Copies the journal to a name of its own and tells so in the log, with the reason.
-    bool keepAside(const std::string& reason, std::string& error) const;
+    bool keepAside(const std::string& reason, base::Failure& failure) const;
     /// All changes are in the library file.
     void remove();
 
 private:
-    bool openOnce(std::string& error);
-    bool load(JournalContent& content, std::string& error);
-    bool take(const JournalLines& lines, JournalContent& content, std::string& error);
+    bool openOnce(base::Failure& failure);
+    bool load(JournalContent& content, base::Failure& failure);
+    bool take(const JournalLines& lines, JournalContent& content, base::Failure& failure);
     bool isTheFileAtItsPath() const;
-    bool append(const JournalRecord& record, RecordState state);
+    bool append(const JournalRecord& record, RecordState state, base::Failure& failure);
     bool mark(RecordState state);
     bool makeRoom(std::int64_t size);
 

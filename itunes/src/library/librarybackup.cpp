@@ -10,6 +10,7 @@
 
 using itunes::LibraryBackup;
 namespace fs = std::filesystem;
+using base::Failure;
 using base::NewFile;
 
 namespace {
@@ -47,16 +48,17 @@ bool isCopyAt(std::FILE* copy, const std::string& path)
            first.size == second.size && holdTheSame(copy, file.get(), first.size);
 }
 
-bool holdsLibrary(std::FILE* file, std::string& error)
+bool holdsLibrary(std::FILE* file, Failure& failure)
 {
     itunes::LibraryVisitor nobody;
-    return itunes::walkFile(base::SystemFile(file), nobody, error);
+    return itunes::walkFile(base::SystemFile(file), nobody, failure);
 }
 
-bool isLibrary(const std::string& path, std::string& error)
+bool isLibrary(const std::string& path)
 {
-    const itunes::File file = itunes::openLibrary(path, error);
-    return file && holdsLibrary(file.get(), error);
+    Failure failure;
+    const itunes::File file = itunes::openLibrary(path, failure);
+    return file && holdsLibrary(file.get(), failure);
 }
 } // namespace
 
@@ -67,29 +69,29 @@ std::string LibraryBackup::backup(int number) const
     return number == 1 ? name : name + '-' + std::to_string(number);
 }
 
-LibraryBackup::Result LibraryBackup::keep(std::string& error)
+LibraryBackup::Result LibraryBackup::keep(Failure& failure)
 {
     if (!m_kept.empty())
         return Result::Kept;
     base::FileState before;
     if (base::stateOf(m_library, before) && before == m_broken) {
-        error = m_brokenReason; // thousands of changes may ask
+        failure = {m_brokenReason, Failure::Kind::NotSafe}; // thousands of changes may ask
         return Result::Broken;
     }
-    const auto copy = NewFile::beside(m_library, NewFile::Content::Copied, error);
+    const auto copy = NewFile::beside(m_library, NewFile::Content::Copied, failure);
     if (!copy)
         return Result::Failed;
-    if (!isWhole(*copy, error)) {
+    if (!isWhole(*copy, failure)) {
         m_broken = before;
-        m_brokenReason = error;
+        m_brokenReason = failure.text;
         return Result::Broken;
     }
-    return place(*copy, error) ? Result::Kept : Result::Failed;
+    return place(*copy, failure) ? Result::Kept : Result::Failed;
 }
 
-bool LibraryBackup::isWhole(const NewFile& copy, std::string& error) const
+bool LibraryBackup::isWhole(const NewFile& copy, Failure& failure) const
 {
-    return copy.original() == m_whole || holdsLibrary(copy.file(), error);
+    return copy.original() == m_whole || holdsLibrary(copy.file(), failure);
 }
 
 /// The file beside the library that is the same already; empty for none.
@@ -105,49 +107,48 @@ std::string LibraryBackup::keptEqual(const NewFile& copy) const
 }
 
 /// Makes the first version of a file that is older than the library; true when there is nothing to do.
-bool LibraryBackup::keepOlder(std::string& error) const
+bool LibraryBackup::keepOlder(Failure& failure) const
 {
-    std::string reason;
-    return !isFile(backup(1)) || !isLibrary(backup(1), reason) ||
-           !base::keepFile(backup(1), m_library, original, error).empty();
+    return !isFile(backup(1)) || !isLibrary(backup(1)) ||
+           !base::keepFile(backup(1), m_library, original, failure).empty();
 }
 
-bool LibraryBackup::place(NewFile& copy, std::string& error)
+bool LibraryBackup::place(NewFile& copy, Failure& failure)
 {
-    if (base::keptFiles(m_library, original).empty() && !keepOlder(error))
+    if (base::keptFiles(m_library, original).empty() && !keepOlder(failure))
         return false;
     if (base::keptFiles(m_library, original).empty()) {
-        m_kept = base::keepCopy(copy, m_library, original, error);
+        m_kept = base::keepCopy(copy, m_library, original, failure);
         return !m_kept.empty();
     }
     m_kept = keptEqual(copy);
     if (!m_kept.empty())
         return true;
-    if (!rotate(error) || copy.takeName(backup(1), error) != NewFile::Taking::Done)
+    if (!rotate(failure) || copy.takeName(backup(1), failure) != NewFile::Taking::Done)
         return false;
     m_kept = backup(1);
     return true;
 }
 
 /// Makes the newest one's name free. A kill in between leaves a gap, which the next run closes first.
-bool LibraryBackup::rotate(std::string& error) const
+bool LibraryBackup::rotate(Failure& failure) const
 {
     int gap = 1;
     while (gap < versions && isFile(backup(gap)))
         ++gap;
     for (int number = gap - 1; number >= 1; --number)
-        if (!base::renameFile(backup(number), backup(number + 1), error))
+        if (!base::renameFile(backup(number), backup(number + 1), failure))
             return false;
     return true;
 }
 
-bool LibraryBackup::flush(std::string& error)
+bool LibraryBackup::flush(Failure& failure)
 {
     if (!m_isFlushed) {
         const File kept(base::openNoLink(m_kept));
         m_isFlushed = !kept || base::syncToDevice(kept.get()); // the user may have removed it
     }
     if (!m_isFlushed)
-        error = "the backup cannot be written";
+        failure = {"the backup cannot be written"};
     return m_isFlushed;
 }

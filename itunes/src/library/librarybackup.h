@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/failure.h"
 #include "base/newfile.h"
 
 #include <string>
@@ -23,18 +24,18 @@ public:
     /// In this state the file was read whole: it need not be looked through again.
     void knowWhole(const base::FileState& state) { m_whole = state; }
     /// What is not kept has a reason.
-    Result keep(std::string& error);
+    Result keep(base::Failure& failure);
     /// Hands the copy to the device, which may take its time. Only after keep(), one call at a time, beside
     /// calls of the others.
-    bool flush(std::string& error);
+    bool flush(base::Failure& failure);
 
 private:
     std::string backup(int number) const;
-    bool isWhole(const base::NewFile& copy, std::string& error) const;
+    bool isWhole(const base::NewFile& copy, base::Failure& failure) const;
     std::string keptEqual(const base::NewFile& copy) const;
-    bool keepOlder(std::string& error) const;
-    bool place(base::NewFile& copy, std::string& error);
-    bool rotate(std::string& error) const;
+    bool keepOlder(base::Failure& failure) const;
+    bool place(base::NewFile& copy, base::Failure& failure);
+    bool rotate(base::Failure& failure) const;
 
     const std::string m_library;
     std::string m_kept; ///< the copy of this run; empty before there is one

@@ -1,5 +1,6 @@
 #include "library/librarycontents.h"
 
+#include "base/failure.h"
 #include "base/filebytes.h"
 #include "library/libraryreading.h"
 #include "library/librarywalk.h"
@@ -80,11 +81,11 @@ std::size_t LibraryContents::count(std::uint64_t id) const
     return std::size_t(last - first);
 }
 
-bool itunes::readContents(const base::FileBytes& library, LibraryContents& contents, std::string& error)
+bool itunes::readContents(const base::FileBytes& library, LibraryContents& contents, base::Failure& failure)
 {
     contents = LibraryContents();
     Identifiers identifiers(contents);
-    if (!walkFile(library, identifiers, error)) {
+    if (!walkFile(library, identifiers, failure)) {
         contents = LibraryContents();
         return false;
     }
@@ -92,10 +93,10 @@ bool itunes::readContents(const base::FileBytes& library, LibraryContents& conte
     return true;
 }
 
-bool itunes::readContents(std::FILE* library, LibraryContents& contents, std::string& error)
+bool itunes::readContents(std::FILE* library, LibraryContents& contents, base::Failure& failure)
 {
     base::FileState state;
-    if (!base::stateOf(library, state) || !readContents(base::SystemFile(library), contents, error))
+    if (!base::stateOf(library, state) || !readContents(base::SystemFile(library), contents, failure))
         return false;
     contents.state = state;
     return true;
@@ -104,10 +105,13 @@ bool itunes::readContents(std::FILE* library, LibraryContents& contents, std::st
 bool itunes::readLocation(const std::string& path, std::uint64_t id, std::string& location,
                           std::string& error)
 {
-    const File library = openLibrary(path, error);
+    base::Failure failure;
+    const File library = openLibrary(path, failure);
     LocationFinder finder(id);
-    if (!library || !walkFile(base::SystemFile(library.get()), finder, error))
+    if (!library || !walkFile(base::SystemFile(library.get()), finder, failure)) {
+        error = failure.text;
         return false;
+    }
     location = finder.found();
     return true;
 }

@@ -8,8 +8,9 @@
 #include <vector>
 
 namespace base {
+struct Failure;
 class FileBytes;
-}
+} // namespace base
 
 namespace itunes {
 /// Which tracks the library file holds in one of its states.
@@ -23,10 +24,11 @@ struct LibraryContents
     std::size_t count(std::uint64_t id) const;
 };
 
-/// False when the library is broken, with what and where. The state stays the caller's to fill in.
-bool readContents(const base::FileBytes& library, LibraryContents& contents, std::string& error);
+/// False when the library is broken, with what and where, or cannot be read to its end. The state stays the
+/// caller's to fill in.
+bool readContents(const base::FileBytes& library, LibraryContents& contents, base::Failure& failure);
 /// The same, and the state.
-bool readContents(std::FILE* library, LibraryContents& contents, std::string& error);
+bool readContents(std::FILE* library, LibraryContents& contents, base::Failure& failure);
 
 /// Where the library says that a track's file is, as it stands there; empty when there is no such track or
 /// several. False when the library cannot be read.

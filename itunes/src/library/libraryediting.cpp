@@ -1,5 +1,6 @@
 #include "library/libraryediting.h"
 
+#include "base/failure.h"
 #include "base/filebytes.h"
 #include "library/libraryreading.h"
 #include "xml/bytesource.h"
@@ -86,11 +87,11 @@ bool copySpliced(const base::FileBytes& from, base::FileBytes& to, const std::ve
 } // namespace
 
 bool itunes::findSplices(const base::FileBytes& library, const TrackChanges& changes, LibrarySplices& found,
-                         std::string& error)
+                         base::Failure& failure)
 {
     std::vector<Splice>& splices = found.all;
     EntrySplices entries(changes);
-    if (!walkFile(library, entries, error))
+    if (!walkFile(library, entries, failure))
         return false;
     splices = entries.splices();
     found.tracksLeft = entries.tracksLeft();
@@ -98,7 +99,7 @@ bool itunes::findSplices(const base::FileBytes& library, const TrackChanges& cha
     const std::unordered_set<std::uint64_t> deleted = entries.deleted();
     if (!deleted.empty()) {
         PlaylistSplices items(deleted);
-        if (!walkFile(library, items, error))
+        if (!walkFile(library, items, failure))
             return false;
         splices.insert(splices.end(), items.splices().begin(), items.splices().end());
     }

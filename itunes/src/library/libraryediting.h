@@ -9,8 +9,9 @@
 #include <vector>
 
 namespace base {
+struct Failure;
 class FileBytes;
-}
+} // namespace base
 
 /// Changing a library, wherever its bytes lie. Which file is changed and whose place the new one takes is the
 /// matter of `writeChanges` alone.
@@ -23,9 +24,9 @@ struct LibrarySplices
     std::size_t editsWithoutTrack = 0; ///< those that cannot be made
 };
 
-/// False when the library is broken, with what and where.
+/// False when the library is broken, with what and where, or cannot be read to its end.
 bool findSplices(const base::FileBytes& library, const TrackChanges& changes, LibrarySplices& found,
-                 std::string& error);
+                 base::Failure& failure);
 /// Writes the library with what has to change into the empty copy and hands that to its device; false with
 /// the reason.
 bool writeSpliced(const base::FileBytes& library, base::FileBytes& copy, const LibrarySplices& splices,

@@ -3,10 +3,10 @@
 #include "base/log.h"
 #include "base/newfile.h"
 #include "library/begunedit.h"
-#include "library/libraryreading.h"
 
 #include <exception>
 
+using base::Failure;
 using itunes::LibraryFile;
 
 namespace {
@@ -34,12 +34,12 @@ void LibraryFile::prepare()
         m_writing.askAtOnce();
 }
 
-std::unique_ptr<itunes::TrackStore> LibraryFile::read(std::string& error)
+std::unique_ptr<itunes::TrackStore> LibraryFile::read(ReadingFailure& failure)
 {
     base::FileState before;
     const TrackChanges changes = pending();
     const bool known = base::stateOf(m_path, before);
-    std::unique_ptr<TrackStore> store = readLibrary(m_path, changes, error);
+    std::unique_ptr<TrackStore> store = readLibrary(m_path, changes, failure);
     if (known && store) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_backup.knowWhole(before);
@@ -52,37 +52,37 @@ std::unique_ptr<itunes::TrackStore> LibraryFile::read(std::string& error)
 itunes::TrackChanges LibraryFile::pending()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::string error;
     if (!m_journal.isOpen() && m_journal.exists()) {
-        if (openJournal(error) || m_journal.isOpen())
+        Failure failure;
+        if (openJournal(failure) || m_journal.isOpen())
             m_writing.askAtOnce();
         else
-            report(error);
+            report(failure.text);
     }
     return m_content.changes;
 }
 
 /// False when the journal cannot be had, or an edit in it has to wait: then nothing may follow it.
-bool LibraryFile::openJournal(std::string& error)
+bool LibraryFile::openJournal(Failure& failure)
 {
-    return m_journal.open(m_content, error) && finishBegun(error);
+    return m_journal.open(m_content, failure) && finishBegun(failure);
 }
 
 /// Finishes what a killed process was at. What cannot be finished is kept aside; false when it has to wait.
-bool LibraryFile::finishBegun(std::string& error)
+bool LibraryFile::finishBegun(Failure& failure)
 {
     if (!m_content.begun)
         return true;
     std::string reason = "it was another user's";
     const Redone redone = m_journal.isTheUsers() ? redoEdit(m_path, *m_content.begun, reason) : Redone::Not;
     if (redone == Redone::NotYet) {
-        error = reason;
+        failure = {reason};
         return false;
     }
-    if (redone != Redone::Whole && !m_journal.keepAside("an edit was cut short: " + reason, error))
+    if (redone != Redone::Whole && !m_journal.keepAside("an edit was cut short: " + reason, failure))
         return false;
     if (!(redone == Redone::Not ? m_journal.cancel() : m_journal.confirm())) {
-        error = "the journal cannot be written";
+        failure = {"the journal cannot be written"};
         return false;
     }
     if (redone != Redone::Not)
@@ -92,79 +92,78 @@ bool LibraryFile::finishBegun(std::string& error)
     return true;
 }
 
-bool LibraryFile::remove(std::uint64_t id)
+iTunesEditProblem LibraryFile::remove(std::uint64_t id)
 {
     makeRoomInJournal();
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!beginChange())
-        return false;
-    if (!m_journal.addDeletion(id)) {
-        report("the journal cannot be written, the disk may be full");
-        return false;
-    }
+    Failure failure;
+    if (!beginChange(failure) || !m_journal.addDeletion(id, failure))
+        return refused(failure);
     mergeDeletion(m_content.changes, id);
     changed();
-    return true;
+    return ITUNES_EDIT_DONE;
 }
 
-bool LibraryFile::edit(const JournalRecord& edit, const std::function<bool()>& writeMedia)
+iTunesEditProblem LibraryFile::edit(const JournalRecord& edit, const std::function<bool()>& writeMedia)
 {
     makeRoomInJournal();
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::string error;
-    if (!holds(edit.id, error)) {
-        report(error);
-        return false;
+    Failure failure;
+    if (const iTunesEditProblem problem = findTrack(edit.id, failure)) {
+        report(failure.text);
+        return problem;
     }
-    if (edit.edit.isEmpty())
-        return writeMedia(); // the library has nothing to do with it
-    if (!beginChange())
-        return false;
-    if (!m_journal.beginEdit(edit)) {
-        report("the journal cannot be written, the disk may be full");
-        return false;
-    }
+    if (edit.edit.isEmpty()) // the library has nothing to do with it
+        return writeMedia() ? ITUNES_EDIT_DONE : ITUNES_MEDIA_NOT_SAVED;
+    if (!beginChange(failure) || !m_journal.beginEdit(edit, failure))
+        return refused(failure);
     if (!writeMedia()) {
         m_journal.cancel();
         m_writing.ask(); // takes the journal away when nothing else is in it
-        return false;
+        return ITUNES_MEDIA_NOT_SAVED;
     }
     if (!m_journal.confirm()) {
-        report("the journal cannot be written");
         m_content.begun = edit; // the media file has it: what hinders the disk may pass
         m_writing.ask();
-        return false;
+        return refused({"the journal cannot be written"});
     }
     mergeEdit(m_content.changes, edit.id, edit.edit);
     changed();
-    return true;
+    return ITUNES_EDIT_DONE;
+}
+
+iTunesEditProblem LibraryFile::refused(const Failure& failure) const
+{
+    report(failure.text);
+    return problemOf(failure.kind);
 }
 
 /// Whether the file holds the track, and only one of the identifier. Without another writer since the last
 /// look nothing is read.
-bool LibraryFile::holds(std::uint64_t id, std::string& error)
+iTunesEditProblem LibraryFile::findTrack(std::uint64_t id, Failure& failure)
 {
     base::FileState now;
     if (!base::stateOf(m_path, now) || !(now == m_contents.state)) {
-        const File library = openLibrary(m_path, error);
-        if (!library || !readContents(library.get(), m_contents, error))
-            return false;
+        const File library = openLibrary(m_path, failure);
+        if (!library)
+            return problemOf(failure.kind);
+        if (!readContents(library.get(), m_contents, failure))
+            return problemOf(failure.kind);
     }
     const std::size_t count = m_contents.count(id);
-    if (count != 1)
-        error = count == 0 ? "the track is no longer in it" : "several tracks have the identifier now";
-    return count == 1;
+    if (count == 1)
+        return ITUNES_EDIT_DONE;
+    failure = {count == 0 ? "the track is no longer in it" : "several tracks have the identifier now"};
+    return count == 0 ? ITUNES_TRACK_GONE : ITUNES_TRACK_AMBIGUOUS;
 }
 
 /// What has to be there before a change. A broken library needs no backup: it does not change until it is
 /// whole again.
-bool LibraryFile::beginChange()
+bool LibraryFile::beginChange(Failure& failure)
 {
-    std::string error;
     // Who holds the journal is the only one who makes backups.
-    if (openJournal(error) && m_backup.keep(error) != LibraryBackup::Result::Failed)
+    if (openJournal(failure) && m_backup.keep(failure) != LibraryBackup::Result::Failed)
         return true;
-    report(error);
     if (m_journal.isOpen() && m_content.changes.empty() && !m_content.begun)
         m_journal.remove();
     return false;
@@ -220,35 +219,36 @@ bool LibraryFile::tryToWrite()
 {
     const std::lock_guard<std::mutex> writing(m_writeMutex);
     Pending pending;
-    std::string error;
+    Failure failure;
     bool written = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_journal.isOpen())
             return true;
-        written = takePending(pending, error);
+        written = takePending(pending, failure);
     }
     Written result;
-    written = written && (pending.changes.empty() ||
-                          (m_backup.flush(error) && writeChanges(m_path, pending.changes, result, error)));
+    written =
+        written && (pending.changes.empty() ||
+                    (m_backup.flush(failure) && writeChanges(m_path, pending.changes, result, failure)));
     const std::lock_guard<std::mutex> lock(m_mutex);
-    written = written && finishWriting(pending, result, error);
-    if (!written && error != m_reportedFailure)
-        report("the changes wait in the journal: " + error);
-    m_reportedFailure = written ? std::string() : error;
+    written = written && finishWriting(pending, result, failure);
+    if (!written && failure.text != m_reportedFailure)
+        report("the changes wait in the journal: " + failure.text);
+    m_reportedFailure = written ? std::string() : failure.text;
     return written;
 }
 
-bool LibraryFile::takePending(Pending& pending, std::string& error)
+bool LibraryFile::takePending(Pending& pending, Failure& failure)
 {
-    if (!finishBegun(error))
+    if (!finishBegun(failure))
         return false;
     pending = {m_content.changes, m_revision};
-    return pending.changes.empty() || m_backup.keep(error) == LibraryBackup::Result::Kept;
+    return pending.changes.empty() || m_backup.keep(failure) == LibraryBackup::Result::Kept;
 }
 
 /// The journal goes, unless it holds more by now.
-bool LibraryFile::finishWriting(const Pending& pending, const Written& written, std::string& error)
+bool LibraryFile::finishWriting(const Pending& pending, const Written& written, Failure& failure)
 {
     if (written.contents.tracks > 0)
         m_contents = written.contents;
@@ -257,7 +257,7 @@ bool LibraryFile::finishWriting(const Pending& pending, const Written& written, 
     if (written.editsWithoutTrack > 0 &&
         !m_journal.keepAside("edits were not made (" + std::to_string(written.editsWithoutTrack) +
                                  "), their tracks are no longer in the library",
-                             error))
+                             failure))
         return false;
     m_journal.remove();
     m_content = JournalContent();

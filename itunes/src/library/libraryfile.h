@@ -1,8 +1,11 @@
 #pragma once
 
+#include "base/failure.h"
 #include "library/delayedwork.h"
+#include "library/editresult.h"
 #include "library/journal.h"
 #include "library/librarybackup.h"
+#include "library/libraryreading.h"
 #include "library/librarywrite.h"
 #include "library/trackedit.h"
 #include "library/trackstore.h"
@@ -30,12 +33,12 @@ public:
     /// Reads and writes in the background what an earlier run left.
     void prepare();
     /// The library with what its file does not hold yet; null with the reason when it cannot be read whole.
-    std::unique_ptr<TrackStore> read(std::string& error);
+    std::unique_ptr<TrackStore> read(ReadingFailure& failure);
 
-    bool remove(std::uint64_t id);
+    iTunesEditProblem remove(std::uint64_t id);
     /// The edit counts if `writeMedia`, which runs when the journal has it safely, succeeds. An edit of a
     /// track that is no longer in the file is refused before that.
-    bool edit(const JournalRecord& edit, const std::function<bool()>& writeMedia);
+    iTunesEditProblem edit(const JournalRecord& edit, const std::function<bool()>& writeMedia);
 
 private:
     /// What is to be written.
@@ -46,18 +49,19 @@ private:
     };
 
     TrackChanges pending();
-    bool openJournal(std::string& error);
-    bool finishBegun(std::string& error);
-    bool beginChange();
-    bool holds(std::uint64_t id, std::string& error);
+    bool openJournal(base::Failure& failure);
+    bool finishBegun(base::Failure& failure);
+    bool beginChange(base::Failure& failure);
+    iTunesEditProblem findTrack(std::uint64_t id, base::Failure& failure);
+    iTunesEditProblem refused(const base::Failure& failure) const;
     void makeRoomInJournal();
     void changed();
     void writeInBackground();
     bool writePending() noexcept;
     bool attempt(const std::function<bool()>& writing) noexcept;
     bool tryToWrite();
-    bool takePending(Pending& pending, std::string& error);
-    bool finishWriting(const Pending& pending, const Written& written, std::string& error);
+    bool takePending(Pending& pending, base::Failure& failure);
+    bool finishWriting(const Pending& pending, const Written& written, base::Failure& failure);
     void report(const std::string& error) const;
 
     const std::string m_path;

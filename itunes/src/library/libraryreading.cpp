@@ -6,8 +6,7 @@
 #include "library/trackreader.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
+#include <utility>
 #include <vector>
 
 using itunes::File;
@@ -42,60 +41,70 @@ Position positionOf(const base::FileBytes& file, std::uint64_t offset)
 }
 
 /// What the scanner found broken, with the line and the column of the file.
-std::string describeError(const base::FileBytes& file, const itunes::XmlScanner& scanner)
+itunes::ReadingFailure brokenAt(const base::FileBytes& file, const itunes::XmlScanner& scanner)
 {
     const Position position = positionOf(file, scanner.errorOffset());
-    return "line " + std::to_string(position.line) + ", column " + std::to_string(position.column) + ": " +
-           scanner.error();
+    const std::string text = "line " + std::to_string(position.line) + ", column " +
+                             std::to_string(position.column) + ": " + scanner.error();
+    return {{text, base::Failure::Kind::NotSafe}, position.line};
 }
 } // namespace
 
 const char* const itunes::notReadToItsEnd = "it cannot be read to its end";
 
-File itunes::openLibrary(const std::string& path, std::string& error)
+File itunes::openLibrary(const std::string& path, base::Failure& failure)
 {
     base::FileState state;
     File file(base::openFile(path, false));
     if (!file) {
-        error = std::strerror(errno);
+        failure = base::systemFailure();
         return nullptr;
     }
     if (!base::stateOf(file.get(), state) || !state.regular) {
-        error = "it is no file";
+        failure = {"it is no file"};
         return nullptr;
     }
     if (state.size > largestLibrary) {
-        error = "it is larger than 2 gigabytes";
+        failure = {"it is larger than 2 gigabytes"};
         return nullptr;
     }
     return file;
 }
 
-bool itunes::walkFile(const base::FileBytes& file, LibraryVisitor& visitor, std::string& error)
+bool itunes::walkFile(const base::FileBytes& file, LibraryVisitor& visitor, ReadingFailure& failure)
 {
     ByteSource source(file);
     XmlScanner scanner(source);
     const bool sound = walkLibrary(scanner, visitor);
     if (source.failed())
-        error = notReadToItsEnd;
+        failure.failure = {notReadToItsEnd};
     else if (!sound)
-        error = describeError(file, scanner);
+        failure = brokenAt(file, scanner);
     return sound && !source.failed();
 }
 
-std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const std::string& path, const TrackChanges& changes,
-                                                        std::string& error)
+bool itunes::walkFile(const base::FileBytes& file, LibraryVisitor& visitor, base::Failure& failure)
 {
-    const File file = openLibrary(path, error);
-    return file ? readLibrary(base::SystemFile(file.get()), changes, error) : nullptr;
+    ReadingFailure reading;
+    const bool whole = walkFile(file, visitor, reading);
+    if (!whole)
+        failure = reading.failure;
+    return whole;
+}
+
+std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const std::string& path, const TrackChanges& changes,
+                                                        ReadingFailure& failure)
+{
+    const File file = openLibrary(path, failure.failure);
+    return file ? readLibrary(base::SystemFile(file.get()), changes, failure) : nullptr;
 }
 
 std::unique_ptr<itunes::TrackStore> itunes::readLibrary(const base::FileBytes& file,
-                                                        const TrackChanges& changes, std::string& error)
+                                                        const TrackChanges& changes, ReadingFailure& failure)
 {
     auto store = std::make_unique<TrackStore>();
     TrackReader reader(*store, changes);
-    if (!walkFile(file, reader, error))
+    if (!walkFile(file, reader, failure))
         return nullptr;
     store->finish();
     return store;

@@ -1,10 +1,13 @@
 #include "library/mediatags.h"
 
 #include "audiocore/iaudiotag.h"
+#include "base/failure.h"
+#include "base/filebytes.h"
 #include "base/log.h"
 #include "base/platform.h"
 #include "base/text.h"
 
+#include <cerrno>
 #include <memory>
 
 namespace {
@@ -54,6 +57,20 @@ bool putPicture(IAudioTag& tag, std::vector<char> picture)
     const auto size = std::int32_t(picture.size());
     return tag.RemoveItem(TAG_PICTURE) == 0 && tag.SetItem({-1, TAG_PICTURE, 1, size, picture.data()}) == 0;
 }
+SaveProblem problemOfUnreadable(const std::string& mediaPath)
+{
+    const std::unique_ptr<base::SystemFile> file = base::SystemFile::open(mediaPath, false);
+    if (file)
+        return SAVE_NOT_SAFE; // there is one, without music that can be read
+    switch (base::kindOf(errno)) {
+    case base::Failure::Kind::Gone:
+        return SAVE_FILE_GONE;
+    case base::Failure::Kind::NoPermission:
+        return SAVE_NO_PERMISSION;
+    default:
+        return SAVE_OTHER_PROBLEM;
+    }
+}
 } // namespace
 
 std::vector<char> itunes::readPicture(const std::string& mediaPath)
@@ -62,14 +79,19 @@ std::vector<char> itunes::readPicture(const std::string& mediaPath)
     return tag ? pictureOf(*tag) : std::vector<char>();
 }
 
-bool itunes::writeTags(const std::string& mediaPath, const TrackEdit& edit, const std::vector<char>& picture)
+SaveProblem itunes::writeTags(const std::string& mediaPath, const TrackEdit& edit,
+                              const std::vector<char>& picture)
 {
     const Tag tag = openTag(mediaPath);
     if (!tag) {
         base::logLine(mediaPath, "the tag was not saved: there is no such music file");
-        return false;
+        return problemOfUnreadable(mediaPath);
     }
-    return putText(*tag, TAG_TITLE, edit.name) && putText(*tag, TAG_ARTIST, edit.artist) &&
-           putText(*tag, TAG_ALBUM, edit.album) && putText(*tag, TAG_GENRE, edit.genre) &&
-           putYear(*tag, edit.year) && putPicture(*tag, picture) && tag->Save() == 0;
+    const bool put = putText(*tag, TAG_TITLE, edit.name) && putText(*tag, TAG_ARTIST, edit.artist) &&
+                     putText(*tag, TAG_ALBUM, edit.album) && putText(*tag, TAG_GENRE, edit.genre) &&
+                     putYear(*tag, edit.year) && putPicture(*tag, picture);
+    if (!put)
+        return SAVE_OTHER_PROBLEM;
+    tag->Save();
+    return SaveProblemOf(tag.get());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audiocore/saveproblem.h"
 #include "library/trackedit.h"
 
 #include <string>
@@ -10,6 +11,6 @@ namespace itunes {
 std::vector<char> readPicture(const std::string& mediaPath);
 
 /// Puts what an edit changes into the tags of a media file, and the picture, unless it is empty or is in
-/// there already. False when the file is left as it was, which the log tells.
-bool writeTags(const std::string& mediaPath, const TrackEdit& edit, const std::vector<char>& picture);
+/// there already. What is left as it was has a problem, which the log tells.
+SaveProblem writeTags(const std::string& mediaPath, const TrackEdit& edit, const std::vector<char>& picture);
 } // namespace itunes

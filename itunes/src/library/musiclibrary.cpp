@@ -9,6 +9,19 @@
 using itunes::LibraryFile;
 using itunes::MusicLibrary;
 
+namespace {
+iTunesReading resultOf(const itunes::ReadingFailure& failure, const itunes::TrackStore* store,
+                       const std::string& path)
+{
+    if (store)
+        return store->count() > 0 ? ITUNES_READ : ITUNES_EMPTY;
+    base::FileState file;
+    if (failure.line > 0)
+        return base::stateOf(path, file) && file.size == 0 ? ITUNES_EMPTY : ITUNES_BROKEN;
+    return failure.failure.kind == base::Failure::Kind::Gone ? ITUNES_NO_LIBRARY : ITUNES_UNREADABLE;
+}
+} // namespace
+
 MusicLibrary& MusicLibrary::instance()
 {
     // Never destroyed, so that calls stay defined to the end of the process.
@@ -54,16 +67,25 @@ void MusicLibrary::read(iTunesTrackRecord** records, int* count)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_former = std::move(m_store);
-    m_problem.clear();
+    ReadingFailure failure;
     std::unique_ptr<TrackStore> store;
-    if (const std::shared_ptr<LibraryFile> library = currentFile()) {
-        store = library->read(m_problem);
+    const std::shared_ptr<LibraryFile> library = currentFile();
+    if (library) {
+        store = library->read(failure);
         if (!store)
-            base::logLine(library->path(), "the music library cannot be read: " + m_problem);
+            base::logLine(library->path(), "the music library cannot be read: " + failure.failure.text);
     }
+    m_problem = failure.failure.text;
+    m_reading = {library ? resultOf(failure, store.get(), library->path()) : ITUNES_NO_LIBRARY, failure.line};
     m_store = store ? std::move(store) : std::make_unique<TrackStore>();
     *records = m_store->records();
     *count = m_store->count();
+}
+
+MusicLibrary::Reading MusicLibrary::lastReading()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_reading;
 }
 
 const char* MusicLibrary::problem()
@@ -87,56 +109,67 @@ std::optional<std::string> MusicLibrary::locationOf(std::uint64_t id)
     return place->location;
 }
 
-std::optional<MusicLibrary::Access> MusicLibrary::accessTo(std::uint64_t id)
+std::optional<MusicLibrary::Access> MusicLibrary::accessTo(std::uint64_t id, iTunesEditProblem& problem)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     const TrackStore::Place* const place = m_store ? m_store->find(id) : nullptr;
     if (!place || !lastFile()) {
         base::logLine("the music library", "it holds no track under this identifier");
+        problem = ITUNES_TRACK_GONE;
         return std::nullopt;
     }
     if (m_store->isAmbiguous(id)) {
         base::logLine("the music library", "several tracks have this identifier, none was changed");
+        problem = ITUNES_TRACK_AMBIGUOUS;
         return std::nullopt;
     }
     return Access{m_file, m_store, place->location ? pathOf(place->location) : std::string(),
                   m_store->valuesOf(*place)};
 }
 
-bool MusicLibrary::edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath)
+itunes::EditResult MusicLibrary::edit(std::uint64_t id, const TrackValues& values,
+                                      const std::string& coverPath)
 {
-    const std::optional<Access> track = accessTo(id);
+    EditResult result;
+    const std::optional<Access> track = accessTo(id, result.problem);
     if (!track)
-        return false;
+        return result;
     if (track->mediaPath.empty()) {
         base::logLine("the music library", "the track has no file to edit");
-        return false;
+        return {ITUNES_TRACK_WITHOUT_FILE};
     }
     std::optional<std::vector<char>> picture = pictureFile(coverPath);
     if (!picture) {
         base::logLine(coverPath, "is no picture file that can be read, the track was not changed");
-        return false;
+        return {ITUNES_PICTURE_UNREADABLE};
     }
     if (!picture->empty() && !isPicture(*picture)) {
         base::logLine(coverPath, "is no picture, the track's artwork stays as it is");
         picture->clear();
     }
     const JournalRecord record{id, false, differenceOf(track->lastSeen, values), markOf(*picture, coverPath)};
-    if (!track->file->edit(record, [&] { return writeTags(track->mediaPath, record.edit, *picture); }))
-        return false;
+    result.problem = track->file->edit(record, [&] {
+        result.media = writeTags(track->mediaPath, record.edit, *picture);
+        return result.media == SAVE_NO_PROBLEM;
+    });
+    if (result.problem != ITUNES_EDIT_DONE)
+        return result;
     const std::lock_guard<std::mutex> lock(m_mutex);
     track->store->noteEdit(id, values);
-    return true;
+    return result;
 }
 
-bool MusicLibrary::remove(std::uint64_t id)
+iTunesEditProblem MusicLibrary::remove(std::uint64_t id)
 {
-    const std::optional<Access> track = accessTo(id);
-    if (!track || !track->file->remove(id))
-        return false;
+    iTunesEditProblem problem = ITUNES_EDIT_DONE;
+    const std::optional<Access> track = accessTo(id, problem);
+    if (track)
+        problem = track->file->remove(id);
+    if (problem != ITUNES_EDIT_DONE)
+        return problem;
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_store->forget(id);
-    return true;
+    return problem;
 }
 
 bool MusicLibrary::writeArtwork(std::uint64_t id, const std::string& path)

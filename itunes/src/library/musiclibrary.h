@@ -1,6 +1,8 @@
 #pragma once
 
+#include "itunes/itunesmusiclibrary.h"
 #include "library/artwork.h"
+#include "library/editresult.h"
 #include "library/libraryfile.h"
 #include "library/trackedit.h"
 #include "library/trackstore.h"
@@ -23,13 +25,19 @@ public:
     void read(iTunesTrackRecord** records, int* count);
     /// Of the last reading; empty when it went well. Valid until the next one.
     const char* problem();
+    struct Reading
+    {
+        iTunesReading result = ITUNES_READ;
+        std::uint64_t line = 0; ///< where the file is broken
+    };
+    Reading lastReading();
     void close();
 
     /// The location of a track with a file; nothing for another.
     std::optional<std::string> locationOf(std::uint64_t id);
     /// What the values say anew against what the caller has last seen is written, and nothing else.
-    bool edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath);
-    bool remove(std::uint64_t id);
+    EditResult edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath);
+    iTunesEditProblem remove(std::uint64_t id);
     bool writeArtwork(std::uint64_t id, const std::string& path);
 
 private:
@@ -44,7 +52,8 @@ private:
 
     std::shared_ptr<LibraryFile> currentFile();
     std::shared_ptr<LibraryFile> lastFile();
-    std::optional<Access> accessTo(std::uint64_t id);
+    /// Nothing with the problem, which the log tells.
+    std::optional<Access> accessTo(std::uint64_t id, iTunesEditProblem& problem);
 
     std::mutex m_mutex;
     std::string m_option;
@@ -53,6 +62,7 @@ private:
     std::shared_ptr<TrackStore> m_store;
     std::shared_ptr<TrackStore> m_former; ///< the views may still show it while a new reading begins
     std::string m_problem;
+    Reading m_reading;
     Artwork m_artwork;
 };
 } // namespace itunes

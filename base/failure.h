@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+namespace base {
+/// Why a file was not written: what the log says, and what a program can tell apart.
+struct Failure
+{
+    enum class Kind {
+        Other,
+        FileReadOnly,
+        FolderReadOnly,
+        DiskReadOnly,
+        NoPermission,
+        DiskFull,
+        Gone,             ///< there is no such file any more
+        ChangedMeanwhile, ///< by another program
+        NotSafe,          ///< the new file would not be what it should
+        InUse             ///< by another program, which keeps others out
+    };
+
+    std::string text;
+    Kind kind = Kind::Other;
+};
+
+/// What an error number of the system stands for.
+Failure::Kind kindOf(int errorNumber);
+/// What the system has just refused, by errno; its own words follow `what`.
+Failure systemFailure(const std::string& what = std::string());
+} // namespace base

@@ -1,0 +1,106 @@
+#include "fileadding.h"
+
+#include "intakedialogs.h"
+
+#include <QDebug>
+#include <QMimeData>
+#include <QUrl>
+
+#include <utility>
+
+int m_local_add_or_ScanAgain = 0;
+
+FileAdding::FileAdding(QWidget& window, QList<QMusicInfo*>& songs, QList<IAudioTag*>& tags,
+                       std::function<QString()> whyNot)
+    : m_window(window), m_songs(songs), m_tags(tags), m_whyNot(std::move(whyNot))
+{
+}
+
+QStringList FileAdding::pathsOf(const QMimeData& dropped)
+{
+    QStringList paths;
+    for (const QUrl& url : dropped.urls())
+        paths.append(url.toLocalFile());
+    return paths;
+}
+
+void FileAdding::takeDropped(const QStringList& paths)
+{
+    m_bWindowsMediaNamed = false;
+    take(paths);
+}
+
+void FileAdding::takeNamed(const QStringList& paths)
+{
+    m_bWindowsMediaNamed = true;
+    take(paths);
+}
+
+void FileAdding::find(const QString& path)
+{
+    const FileCollection::Found found = m_intake.collect(path, m_found.size());
+    m_found += found.music;
+    (m_bWindowsMediaNamed ? m_found : m_windowsMediaLeftOut) += found.windowsMedia;
+}
+
+void FileAdding::take(const QStringList& paths)
+{
+    const QString reason = m_whyNot();
+    if (!reason.isEmpty()) {
+        qWarning("%d dropped paths are not added: %s", paths.size(), qUtf8Printable(reason));
+        return;
+    }
+    m_found.clear();
+    m_windowsMediaLeftOut.clear();
+    for (const QString& path : paths)
+        find(path);
+    m_bFromDrop = true;
+    choose();
+    emit pathsTaken();
+}
+
+void FileAdding::choose()
+{
+    const bool fromDrop = std::exchange(m_bFromDrop, false);
+    if (!takesFiles())
+        return;
+    if (!fromDrop)
+        m_windowsMediaLeftOut.clear();
+    if (fromDrop && m_found.isEmpty()) {
+        emit told(IntakeDialogs::leftOut(0, {}, m_windowsMediaLeftOut, &m_window));
+        offerDialog();
+        return;
+    }
+    const QStringList files = fromDrop ? m_found : chosenFiles();
+    if (!files.isEmpty())
+        add(files);
+}
+
+/// What the user chooses; nothing where the mode went meanwhile.
+QStringList FileAdding::chosenFiles() const
+{
+    QStringList files = IntakeDialogs::chooseFiles(&m_window);
+    if (files.isEmpty() || takesFiles())
+        return files;
+    qWarning("%d chosen files are not added: the local mode is left", files.size());
+    return {};
+}
+
+void FileAdding::offerDialog()
+{
+    if (!m_intake.isStopped() && IntakeDialogs::offerChoice())
+        choose();
+}
+
+void FileAdding::add(const QStringList& files)
+{
+    m_bAdded = true;
+    m_local_add_or_ScanAgain = 1;
+    m_intake.add(files, m_songs, m_tags);
+    emit finished();
+    if (m_intake.isStopped())
+        return;
+    emit told(IntakeDialogs::leftOut(files.size(), m_intake.unreadable(), m_windowsMediaLeftOut, &m_window));
+    if (IntakeDialogs::offerScan() && takesFiles())
+        emit scanWanted();
+}
