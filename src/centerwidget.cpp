@@ -5,17 +5,14 @@
 #include "intakedialogs.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "showngroup.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
 #include "views/songcells.h"
 
-#include <QApplication>
-#include <QDragEnterEvent>
-#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 #include <QShortcut>
-#include <QTimer>
 
 CenterWidget::CenterWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
@@ -57,7 +54,7 @@ void CenterWidget::Init()
     // A key that is held does not take everything back.
     (new QShortcut(QKeySequence::Undo, this, SLOT(SlotUndo()), nullptr, Qt::WindowShortcut))
         ->setAutoRepeat(false);
-    ui->m_musicDetailedWidget->setHistory(&m_undo.history());
+    ui->m_musicDetailedWidget->setHistory(&m_foot.undo().history());
     setAcceptDrops(false);
 }
 
@@ -66,6 +63,7 @@ void CenterWidget::InitView()
     m_views = new SongViews(
         {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView},
         m_pAllMusicList, &m_classification.groups(), this);
+    m_shownGroup = std::make_unique<ShownGroup>(*ui->m_dupMusicDetailedWidget, *m_views, m_classification);
     m_pCurrentView = ui->m_allMusicListView;
 }
 
@@ -93,7 +91,12 @@ void CenterWidget::InitConnect()
     connect(&m_adding, &FileAdding::finished, this, &CenterWidget::emitIntakeFinished);
     connect(&m_adding, &FileAdding::pathsTaken, this, &CenterWidget::emitSetNavigViewBtn);
     connect(&m_adding, &FileAdding::scanWanted, this, &CenterWidget::SlotScanAddedFiles);
-    connect(&m_adding, &FileAdding::told, this, &CenterWidget::tell);
+    connect(&m_adding, &FileAdding::told, &m_foot, &CenterFoot::tell);
+    connect(&m_foot, &CenterFoot::told, this, &CenterWidget::emitTold);
+    connect(&m_foot, &CenterFoot::undoOffered, this, &CenterWidget::emitUndoOffered);
+    connect(&m_foot, &CenterFoot::undoChosen, this, &CenterWidget::SlotUndo);
+    connect(&m_foot, &CenterFoot::undone, this, &CenterWidget::showAfterUndo);
+    connect(&m_foot, &CenterFoot::groupChosen, this, &CenterWidget::showGroup);
     connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitTold, this, &CenterWidget::emitTold);
     connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitTold, this,
             &CenterWidget::emitTold);
@@ -161,10 +164,7 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
 {
     // Oddity 33: not kept from clicking, unlike the list of songs.
-    m_nCurrentDupRow = index.row();
-    m_views->selectGroup(index.row());
-    if (DupMusicInfo* group = SongViews::groupOf(index))
-        ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(&group->musicList);
+    m_shownGroup->show(index);
 }
 
 void CenterWidget::SlotDoubleClickAllMusicIndex(const QModelIndex& index)
@@ -217,8 +217,7 @@ void CenterWidget::ClearSelectedWidget()
     m_adding.intake().reader().forgetCovers();
     qDeleteAll(songs);
     // No panel shows one any more.
-    m_undo.forget();
-    offerUndo();
+    m_foot.forgetChanges();
 }
 
 void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
@@ -233,7 +232,7 @@ void CenterWidget::classify()
 {
     m_classification.collect(*m_pAllMusicList);
     emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
-    forgetShownGroup();
+    m_shownGroup->forget();
     m_classification.group();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
@@ -266,7 +265,7 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
         m_views->showSongs(&m_classification.undefinedSongs());
     selectShownSong();
     m_pCurrentView->verticalScrollBar()->setValue(scrolled);
-    offerUndo();
+    m_foot.offerUndo();
 }
 
 /// Models that were reset have forgotten it.
@@ -277,13 +276,6 @@ void CenterWidget::selectShownSong()
     const int row = songs.indexOf(ui->m_musicDetailedWidget->song());
     if (row >= 0)
         selectSong(row);
-}
-
-/// A group that fell to one song is none any more.
-bool CenterWidget::isShownGroupLeft() const
-{
-    const DupMusicInfo* group = m_classification.groups().value(int(m_nCurrentDupRow));
-    return group && ui->m_dupMusicDetailedWidget->shows(group->musicList);
 }
 
 void CenterWidget::selectSong(int row)
@@ -305,10 +297,7 @@ void CenterWidget::SlotEditedAgain()
 
 void CenterWidget::SlotGroupCleared()
 {
-    QVector<FootText::Link> links;
-    if (const int next = m_classification.rowAfter(int(m_nCurrentDupRow), isShownGroupLeft()); next >= 0)
-        links.append({QStringLiteral("Next group"), [this, next] { showGroup(next); }});
-    tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), links);
+    m_foot.tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), m_shownGroup->next());
 }
 
 void CenterWidget::showGroup(int row)
@@ -316,80 +305,38 @@ void CenterWidget::showGroup(int row)
     if (row >= m_classification.groups().size())
         return;
     emit emitChooseDuplicates();
-    markGroup(row);
-}
-
-/// As a click on it.
-void CenterWidget::markGroup(int row)
-{
-    SlotClickDupMusicIndex(m_views->view(true, m_bGridMode)->model()->index(row, 0));
-}
-
-void CenterWidget::tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links)
-{
-    m_undo.endDeletion(tally.files());
-    tell({tally.line(), tally.failed(), links});
-    offerUndo();
-}
-
-/// What has no words is no news.
-void CenterWidget::tell(const FootText& told)
-{
-    if (!told.text.isEmpty())
-        emit emitTold(told);
-}
-
-void CenterWidget::offerUndo()
-{
-    const QString change = m_undo.next();
-    emit emitUndoOffered(change.isEmpty()
-                             ? FootText::Link()
-                             : FootText::Link{QStringLiteral("Undo"), [this] { SlotUndo(); },
-                                              QStringLiteral("Takes back %1 (Ctrl+Z)").arg(change)});
+    m_shownGroup->show(row);
 }
 
 void CenterWidget::SlotUndo()
 {
-    if (ListsAreInUse() || m_undo.next().isEmpty())
-        return;
-    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
-    const SongUndo::Undone undone = m_undo.undo(songLists());
-    if (undone.edited || !undone.returned.isEmpty())
-        showAfterUndo(undone);
-    QApplication::restoreOverrideCursor();
-    tell({undone.line, undone.failed, {}});
-    offerUndo();
+    if (!ListsAreInUse())
+        m_foot.takeBack(songLists());
 }
 
 /// The view in force stays. Of groups the one is shown that songs came back to, else the one shown before.
 void CenterWidget::showAfterUndo(const SongUndo::Undone& undone)
 {
-    DuplicateMusicDetailedWidget* const panel = ui->m_dupMusicDetailedWidget;
-    const QList<QMusicInfo*> kept = panel->isVisible() ? panel->keptSongs() : QList<QMusicInfo*>();
-    const QList<QMusicInfo*> shown = undone.returned.isEmpty() ? kept : undone.returned;
+    const QList<QMusicInfo*> kept = m_shownGroup->keptSongs();
     if (undone.edited && undone.edited == ui->m_musicDetailedWidget->song())
         ui->m_musicDetailedWidget->showAnew();
     SlotMusicInfoHaveBeEdited();
     m_views->refreshGroups();
     showCurrentView();
     emitCounts();
-    const int row = shown.isEmpty() ? -1 : m_classification.rowOf(shown.first());
-    if (row < 0 || m_nViewKind != ViewDuplicates)
-        return;
-    markGroup(row);
-    panel->showKeeping(&m_classification.groups().at(row)->musicList, kept);
+    if (m_nViewKind == ViewDuplicates)
+        m_shownGroup->show(undone.returned.isEmpty() ? kept : undone.returned, kept);
 }
 
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    if (const auto removed = SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow,
+    if (const auto removed = SongRemoval::removeOne(songLists(), song, m_shownGroup->row(),
                                                     ui->m_dupMusicDetailedWidget->keptFiles(),
                                                     ui->m_dupMusicDetailedWidget->fileRemoval()))
-        m_undo.songsLeft({*removed});
+        m_foot.undo().songsLeft({*removed});
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
-    if (isShownGroupLeft())
-        m_views->selectGroup(int(m_nCurrentDupRow)); // models that were reset have forgotten it
+    m_shownGroup->markAnew();
     emitCounts();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
@@ -403,15 +350,15 @@ void CenterWidget::SlotDeleteAllDupMusic()
 
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
-    m_undo.songsLeft(m_deletion.finish());
+    m_foot.undo().songsLeft(m_deletion.finish());
     RemovalTally tally = ui->m_dupMusicDetailedWidget->takeTally();
     tally.add(m_deletion.takeTally());
     m_views->setGroupsEnabled(true);
-    forgetShownGroup();
+    m_shownGroup->forget();
     m_views->refreshGroups();
     m_views->refreshSongs();
     emitCounts();
-    tellOfDeletion(tally, {});
+    m_foot.tellOfDeletion(tally);
 }
 
 void CenterWidget::emitCounts()
@@ -422,15 +369,8 @@ void CenterWidget::emitCounts()
 
 void CenterWidget::clearClassification()
 {
-    forgetShownGroup();
+    m_shownGroup->forget();
     m_classification.clear();
-}
-
-/// Groups are about to go: the panel shows none of them any more.
-void CenterWidget::forgetShownGroup()
-{
-    ui->m_dupMusicDetailedWidget->hide();
-    ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(nullptr);
 }
 
 void CenterWidget::slotShowAllmusicView()
@@ -442,23 +382,12 @@ void CenterWidget::slotShowAllmusicView()
 
 void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!whyNoFiles().isEmpty()) {
-        event->ignore();
-        return;
-    }
-    event->accept();
-    if (event->mimeData()->hasFormat(QStringLiteral("text/uri-list")))
-        event->acceptProposedAction();
+    m_adding.greet(*event);
 }
 
 void CenterWidget::dropEvent(QDropEvent* event)
 {
-    const QStringList paths = FileAdding::pathsOf(*event->mimeData());
-    if (paths.isEmpty() || !whyNoFiles().isEmpty())
-        return;
-    event->acceptProposedAction();
-    // The source of the drag waits for this handler: it is let go before the long work starts.
-    QTimer::singleShot(0, this, [this, paths] { TakeDroppedPaths(paths); });
+    m_adding.receive(*event);
 }
 
 /// Files are local songs: of any other mode, and of one that is being left, they are none.

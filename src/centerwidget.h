@@ -1,5 +1,6 @@
 #pragma once
 
+#include "centerfoot.h"
 #include "common/footline.h"
 #include "dropzone.h"
 #include "fileadding.h"
@@ -17,6 +18,7 @@ class IAudioTag;
 class QAbstractItemView;
 class QModelIndex;
 class QShortcut;
+class ShownGroup;
 class SongViews;
 struct QMusicInfo;
 
@@ -130,12 +132,8 @@ private:
     void InitConnect();
 
     QString whyNoFiles() const;
-    void tell(const FootText& told);
-    void tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links);
-    void offerUndo();
     void showAfterUndo(const SongUndo::Undone& undone);
     void showGroup(int row);
-    void markGroup(int row);
 
     void display(bool grid);
     void switchView();
@@ -146,28 +144,26 @@ private:
     void emitCounts();
     void classify();
     void clearClassification();
-    void forgetShownGroup();
     void selectSong(int row);
     void selectShownSong();
-    bool isShownGroupLeft() const;
 
     std::unique_ptr<Ui::CenterWidget> ui;
     DropZone m_dropZone;
 
     int m_nViewKind = ViewAll;
     int m_nCurrentRow = 0;
-    qint64 m_nCurrentDupRow = 0;
     bool m_bGridMode = true;
     bool m_bForbidClick = false;
     QAbstractItemView* m_pCurrentView = nullptr;
     SongViews* m_views = nullptr;
+    std::unique_ptr<ShownGroup> m_shownGroup;
     QShortcut* m_openShortcut = nullptr;
 
     QList<QMusicInfo*> m_localMusicList;                     ///< owned
     QList<IAudioTag*> m_tagList;                             ///< one per local song, same index
     QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
     SongClassification m_classification;
-    SongUndo m_undo; ///< owns the songs that left the lists; panels may still show one
+    CenterFoot m_foot;
     GroupDeletion m_deletion;
 
     FileAdding m_adding;

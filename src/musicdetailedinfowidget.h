@@ -15,6 +15,7 @@ class ChangeHistory;
 class IdentifyThread;
 class KeepOffers;
 class SkinMovie;
+class SongLabels;
 struct QMusicInfo;
 
 namespace Ui {
@@ -98,13 +99,12 @@ private:
     void keepCover(bool keep);
     bool isOwnCoverKept() const;
     void offerToKeepCover();
-    void cacheEditorTexts();
     SongEdit editedSong() const;
     bool isEditing() const;
-    bool isInChangedEditor() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
     std::unique_ptr<SongEditors> m_editors;
+    std::unique_ptr<SongLabels> m_labels;
     KeepOffers* m_keepOffers = nullptr;
     SkinPicture m_face;
 
@@ -113,13 +113,8 @@ private:
     bool m_bIdentified = false;
     bool m_bIdentifying = false;    ///< from the start until the results are here, or nobody waits for them
     bool m_bIdentifyFailed = false; ///< since the editors were opened
-    QString m_strShownTitle;        ///< oddity 39: the labels show what was typed after an apply
-    QString m_strShownArtist;
-    QString m_strShownAlbum;
-    QString m_strShownGenre;
-    QString m_strShownYear;
-    QString m_strShownTrackNo;
-    QString m_strNewCoverPath; ///< chosen and not yet applied
+    SongEditors::Held m_typed;      ///< oddity 39: the labels show what was typed after an apply
+    QString m_strNewCoverPath;      ///< chosen and not yet applied
     CoverOrigin m_newCoverOrigin = CoverOrigin::Chosen;
     QMusicInfo* m_pMusicInfo = nullptr;
     ChangeHistory* m_history = nullptr; ///< not owned; may be null
