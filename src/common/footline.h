@@ -13,9 +13,15 @@ struct FootText
 {
     struct Link
     {
+        Link() = default;
+        Link(const QString& words, const std::function<void()>& action, const QString& hint = QString())
+            : caption(words), act(action), tip(hint)
+        {
+        }
+
         QString caption;
         std::function<void()> act;
-        QString tip = QString(); ///< of an offer
+        QString tip; ///< of an offer
     };
 
     QString text; ///< one line
