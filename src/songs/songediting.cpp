@@ -55,25 +55,6 @@ void takeCover(LocalMusicInfo& local, const QString& path)
     *local.cover = picture.isNull() ? CoverLoader::genericCover() : QPixmap::fromImage(picture);
 }
 
-constexpr int fields = TAG_PICTURE + 1;
-/// What a tag holds, by type; of a picture only that there is one.
-using Content = std::array<QString, fields>;
-
-Content contentOf(IAudioTag& tag)
-{
-    Content content;
-    const qint32 count = tag.GetItemCount();
-    for (qint32 i = 0; i < count; ++i) {
-        const TagItem item = tag.GetItem(i);
-        if (item.type < 0 || item.type >= fields || item.size <= 0)
-            continue;
-        content[size_t(item.type)] =
-            item.dataKind == 0 ? QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4)
-                               : QStringLiteral("picture");
-    }
-    return content;
-}
-
 /// Which fields the user left as the song showed them.
 QVector<qint32> untouched(const LocalMusicInfo& local, const SongEdit& edit)
 {
@@ -91,18 +72,18 @@ QVector<qint32> untouched(const LocalMusicInfo& local, const SongEdit& edit)
     return types;
 }
 
-QVector<FootLines::SideEffect> sideEffects(const QVector<qint32>& untouched, const Content& before,
-                                           const Content& after)
+QVector<FootLines::SideEffect> sideEffects(const QVector<qint32>& untouched, const TagContent& before,
+                                           const TagContent& after)
 {
     using Effect = FootLines::SideEffect;
     QVector<Effect> effects;
     for (const qint32 type : untouched) {
-        const QString& was = before[size_t(type)];
-        const QString& is = after[size_t(type)];
-        if (type == TAG_PICTURE && !was.isEmpty() && is.isEmpty())
-            effects.append({Effect::Cover, QString(), QString()});
-        else if (type != TAG_PICTURE && was != is)
-            effects.append({Effect::Field(Effect::Title + type), was, is});
+        if (type == TAG_PICTURE) {
+            if (!before.picture.isEmpty() && after.picture.isEmpty())
+                effects.append({Effect::Cover, QString(), QString()});
+        } else if (before.text(type) != after.text(type)) {
+            effects.append({Effect::Field(Effect::Title + type), before.text(type), after.text(type)});
+        }
     }
     return effects;
 }
@@ -120,15 +101,14 @@ SongEditing::Outcome saveLocal(QMusicInfo& song, const SongEdit& edit, const QVe
     }
     // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
     tag->Open(local.filePath.toStdU32String().c_str());
-    const Content before = contentOf(*tag);
-    const FileChanges::Before file = FileChanges::Before::of(local.filePath);
+    const FileChanges::Before before = FileChanges::Before::of(local.filePath);
     SongEditing::writeTag(*tag, edit);
     outcome.file = SaveProblemOf(tag.get());
     if (outcome.failed())
         return outcome;
     local.file = FileState::ofEntry(local.filePath);
-    outcome.alsoChanged = sideEffects(untouched, before, contentOf(*tag));
-    outcome.change = FileChanges::edit(file, &song);
+    outcome.alsoChanged = sideEffects(untouched, before.content, TagContent::of(*tag));
+    outcome.change = FileChanges::edit(before, &song);
     return outcome;
 }
 
