@@ -36,6 +36,7 @@ public:
     /// The true list itself while nothing narrows or orders it.
     QList<Record*>* list() { return m_isWhole ? m_source : &m_own; }
     const QList<Record*>* list() const { return m_isWhole ? m_source : &m_own; }
+    QList<Record*>* source() const { return m_source; }
     bool isWhole() const { return m_isWhole; }
     int count() const { return list() ? list()->size() : 0; }
     int countOfAll() const { return m_source ? m_source->size() : 0; }
@@ -74,6 +75,12 @@ public:
             if (found[std::size_t(row)])
                 m_own.append(m_source->at(row));
         }
+    }
+    /// Makes the first look for something a quick one.
+    void prepare(SongFind& find) const
+    {
+        if (m_source)
+            find.prepare(*m_source);
     }
     /// One left the true list: the same without it, and nothing is looked for or ordered again.
     void drop(const Record* record)

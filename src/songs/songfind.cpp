@@ -69,6 +69,14 @@ void SongFind::prepare(const QList<QMusicInfo*>& songs)
     m_texts.shrink_to_fit();
 }
 
+void SongFind::prepare(const QList<DupMusicInfo*>& groups)
+{
+    for (const DupMusicInfo* group : groups)
+        for (const QMusicInfo* song : group->musicList)
+            positionOf(song);
+    m_texts.shrink_to_fit();
+}
+
 std::size_t SongFind::memory() const
 {
     // A place in the table, and a node with a link in a block of the heap's.

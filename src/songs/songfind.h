@@ -26,6 +26,7 @@ public:
 
     /// Reads the texts of these songs ahead, which the first look at each takes time for.
     void prepare(const QList<QMusicInfo*>& songs);
+    void prepare(const QList<DupMusicInfo*>& groups);
     /// Songs were edited or went: texts are read anew.
     void forgetTexts();
     /// Bytes, of the folded texts alone and with what keeps them.
