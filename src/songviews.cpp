@@ -1,6 +1,7 @@
 #include "songviews.h"
 
 #include "collection/counttext.h"
+#include "common/sortheader.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
 #include "views/covergriddelegate.h"
@@ -22,6 +23,11 @@ void connectView(const QAbstractItemView* view, const QObject* receiver, const c
 {
     QObject::connect(view, SIGNAL(clicked(QModelIndex)), receiver, clicked);
     QObject::connect(view, SIGNAL(doubleClicked(QModelIndex)), receiver, doubleClicked);
+}
+
+void markOrder(const QTableView& table, const ShownOrder& order)
+{
+    static_cast<SortHeader*>(table.horizontalHeader())->mark(order.column, order.backwards);
 }
 } // namespace
 
@@ -51,6 +57,10 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
     m_widgets.songGrid->setItemDelegate(new CoverGridDelegate(this));
     m_widgets.groupGrid->setItemDelegate(new PaintDupNumberDelegate(this));
     m_widgets.songTable->setColumnWidth(0, titleColumnWidth);
+    connect(m_widgets.songTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
+            &SongViews::orderSongs);
+    connect(m_widgets.groupTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
+            &SongViews::orderGroups);
     for (QWidget* view : views)
         view->hide();
 }
@@ -148,6 +158,20 @@ void SongViews::find(const QString& typed)
     if (m_find.isActive())
         for (QAbstractItemView* view : all())
             view->scrollToTop();
+}
+
+void SongViews::orderSongs(int clicked)
+{
+    m_songs.orderBy(m_songs.order().afterClick(clicked), m_find);
+    markOrder(*m_widgets.songTable, m_songs.order());
+    giveSongsMarked();
+}
+
+void SongViews::orderGroups(int clicked)
+{
+    m_groups.orderBy(m_groups.order().afterClick(clicked), m_find);
+    markOrder(*m_widgets.groupTable, m_groups.order());
+    giveGroupsMarked();
 }
 
 /// Models that are reset forget the mark.

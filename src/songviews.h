@@ -91,6 +91,8 @@ private:
     void giveSongs();
     void giveGroups();
     void tellShown();
+    void orderSongs(int clicked);
+    void orderGroups(int clicked);
     void giveSongsMarked();
     void giveGroupsMarked();
 
