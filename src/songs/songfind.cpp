@@ -4,10 +4,16 @@
 #include "dupmusicinfo.h"
 #include "songs/songfields.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <string_view>
+
+namespace {
+QString fileName(const QMusicInfo* song)
+{
+    const QString path = SongFields::audioPath(song);
+    return path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+}
+} // namespace
 
 void SongFind::setTyped(const QString& typed)
 {
@@ -29,9 +35,8 @@ std::size_t SongFind::positionOf(const QMusicInfo* song)
         return m_next++;
     const auto [place, isNew] = m_positions.try_emplace(song, m_songs.size());
     if (isNew) {
-        for (const QString& text :
-             {SongFields::title(song), SongFields::artist(song), SongFields::album(song),
-              SongFields::genre(song), QFileInfo(SongFields::audioPath(song)).fileName()}) {
+        for (const QString& text : {SongFields::title(song), SongFields::artist(song),
+                                    SongFields::album(song), SongFields::genre(song), fileName(song)}) {
             TextFolding::append(m_texts, text);
             m_texts += '\n'; // which no word has
         }
