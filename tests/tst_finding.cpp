@@ -20,6 +20,7 @@ private slots:
     void whatIsTypedNarrowsTheView_data() { bothDisplays(); }
     void whatIsTypedNarrowsTheView();
     void theKeysGoThereAndBack();
+    void chosenButtonsKeepTheFocusFromTheField();
     void theCrossEmptiesTheField();
     void everyViewIsNarrowed();
     void nothingFoundIsSaidInTheMiddle();
@@ -89,6 +90,17 @@ void TestFinding::theKeysGoThereAndBack()
     QTest::keyClick(field(), Qt::Key_Escape);
     QVERIFY(!field()->hasFocus());
     QCOMPARE(field()->text(), QString());
+}
+
+void TestFinding::chosenButtonsKeepTheFocusFromTheField()
+{
+    add({tone("a", "One")});
+    QApplication::setActiveWindow(m_center.get());
+    for (const char* name : {"m_btnTableDisplay", "m_btnGridDisplay", "m_btnTableDisplay"}) {
+        m_center->findChild<QWidget*>(name)->setFocus();
+        QTest::mouseClick(m_center->findChild<QWidget*>(name), Qt::LeftButton); // which disables it
+        QVERIFY(!field()->hasFocus());
+    }
 }
 
 void TestFinding::theCrossEmptiesTheField()

@@ -45,6 +45,7 @@ FindField::FindField(QWidget* parent) : QLineEdit(parent), m_cross(new FindCross
 {
     setFont(Style::font(12));
     setFrame(false);
+    setFocusPolicy(Qt::ClickFocus);
     setTextMargins(glassRoom, 0, crossRoom, 0);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMaximumWidth(widest);

@@ -5,7 +5,8 @@
 class FindCross;
 
 /// A field for what is looked for, with a magnifier, and a cross to empty it. Escape empties it and gives the
-/// keys back to the window, Return gives them back alone.
+/// keys back to the window, Return gives them back alone. Takes the keys by a click or begin() alone: a
+/// button that is disabled by its click hands the focus on, and letters typed then are for what shows.
 class FindField : public QLineEdit
 {
     Q_OBJECT
