@@ -51,8 +51,9 @@ void FindStrip::clear()
 
 void FindStrip::tell(int found, int all)
 {
-    m_count->setText(m_field->text().trimmed().isEmpty()
-                         ? QString()
-                         : QStringLiteral("%1 of %2")
-                               .arg(CountText::number(quint64(found)), CountText::number(quint64(all))));
+    const bool looks = !m_field->text().trimmed().isEmpty();
+    const QString count =
+        QStringLiteral("%1 of %2").arg(CountText::number(quint64(found)), CountText::number(quint64(all)));
+    m_count->setText(looks ? count : QString());
+    m_field->setAccessibleDescription(m_count->text());
 }

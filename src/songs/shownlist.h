@@ -67,7 +67,7 @@ public:
         m_isWhole = !m_source || (m_order.isOwn() && !find.isActive());
         if (m_isWhole)
             return;
-        if (!m_order.isOwn() && m_rows.isEmpty())
+        if (!m_order.isOwn() && m_rows.size() != m_source->size())
             m_rows = orderedRows();
         const std::vector<bool> found = foundRows(find);
         for (int i = 0; i < m_source->size(); ++i) {
@@ -110,7 +110,7 @@ private:
 
     QList<Record*>* m_source = nullptr;
     QList<Record*> m_own;
-    QVector<int> m_rows; ///< of the true list, ordered; empty until they are
+    QVector<int> m_rows; ///< all of the true list, ordered; others until they are
     ShownOrder m_order;
     bool m_isWhole = true;
 };
