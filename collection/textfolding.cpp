@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace {
 /// Letters that Unicode does not take apart, and signs that keyboards have one of.
@@ -66,18 +67,30 @@ std::string foldedSlowly(const QString& text)
         folded.append(plain(character));
     return folded.toStdString();
 }
+
+/// Characters are folded one by one, and a collection has few different ones.
+const std::string& foldedCharacter(QChar character)
+{
+    thread_local std::unordered_map<char16_t, std::string> known;
+    const auto [place, isNew] = known.try_emplace(character.unicode());
+    if (isNew)
+        place->second = foldedSlowly(character);
+    return place->second;
+}
 } // namespace
 
 void TextFolding::append(std::string& folded, const QString& text)
 {
-    const auto isPlain = [](QChar character) { return character.unicode() < 0x80; };
-    if (!std::all_of(text.begin(), text.end(), isPlain)) {
+    if (std::any_of(text.begin(), text.end(), [](QChar unit) { return unit.isSurrogate(); })) {
         folded += foldedSlowly(text);
         return;
     }
     for (const QChar character : text) {
-        const char byte = character.toLatin1();
-        folded += byte >= 'A' && byte <= 'Z' ? char(byte - 'A' + 'a') : byte;
+        const char16_t unit = character.unicode();
+        if (unit >= 0x80)
+            folded += foldedCharacter(character);
+        else
+            folded += char(unit >= 'A' && unit <= 'Z' ? unit - 'A' + 'a' : unit);
     }
 }
 

@@ -2,6 +2,7 @@
 #include "dupmusicbarwidget.h"
 #include "dupmusicinfo.h"
 #include "findingfixture.h"
+#include "itunes/itunestrackrecord.h"
 #include "musicdetailedinfowidget.h"
 #include "qmusicinfo.h"
 
@@ -30,6 +31,7 @@ private slots:
     void theNextGroupIsTheOneThatShows();
     void clearingAllTakesGroupsThatAreNotFound();
     void whatComesBackIsFound();
+    void tracksAreFoundAsWell();
     void anotherModeEmptiesTheField();
     void everythingFitsAboveTheSmallestView();
 
@@ -255,6 +257,30 @@ void TestFinding::whatComesBackIsFound()
     QVERIFY(!view<QListView>("m_dupMusicListView")->currentIndex().isValid());
     QCOMPARE(m_center->findChild<DuplicateMusicDetailedWidget*>()->keptSongs().first()->localInfo->title,
              QString("Two"));
+}
+
+void TestFinding::tracksAreFoundAsWell()
+{
+    m_center->SwitchToiTunesCleanModel();
+    iTunesTrackRecord records[3] = {};
+    std::vector<std::unique_ptr<QMusicInfo>> songs;
+    QList<QMusicInfo*> list;
+    for (iTunesTrackRecord& record : records) {
+        record.name = songs.size() == 1 ? "Fjord" : "Ferry";
+        record.artist = record.album = record.genre = "x";
+        record.duration = 120000;
+        songs.push_back(std::make_unique<QMusicInfo>());
+        songs.back()->track = &record;
+        list.append(songs.back().get());
+    }
+    m_center->setMusicInfoList(&list);
+    type("ferry");
+    QCOMPARE(rows("m_allMusicListView"), QStringList({"Ferry", "Ferry"}));
+    m_center->slotShowDuplicateMusicView();
+    QCOMPARE(count(), QString("1 of 1"));
+    type("fjord");
+    QCOMPARE(count(), QString("0 of 1"));
+    m_center->SwitchToLocalCleanModel();
 }
 
 void TestFinding::anotherModeEmptiesTheField()
