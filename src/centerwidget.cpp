@@ -157,8 +157,9 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
         selectShownSong(); // the view has moved its mark by itself
         return;
     }
-    selectSong(index.row());
-    ui->m_musicDetailedWidget->SetMusicDetailedInfo(SongViews::songOf(index));
+    QMusicInfo* const song = SongViews::songOf(index);
+    m_nCurrentRow = m_views->selectSong(song);
+    ui->m_musicDetailedWidget->SetMusicDetailedInfo(song);
 }
 
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
@@ -274,13 +275,7 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
 /// Models that were reset have forgotten it.
 void CenterWidget::selectShownSong()
 {
-    selectSong(m_views->rowOf(ui->m_musicDetailedWidget->song()));
-}
-
-void CenterWidget::selectSong(int row)
-{
-    m_nCurrentRow = row;
-    m_views->selectSong(row);
+    m_nCurrentRow = m_views->selectSong(ui->m_musicDetailedWidget->song());
 }
 
 SongLists CenterWidget::songLists()

@@ -32,10 +32,9 @@ void ShownGroup::show(int row)
 void ShownGroup::show(DupMusicInfo* group)
 {
     m_nCurrentDupRow = m_songs.groups().indexOf(group);
-    const int row = m_views.rowOf(group);
+    const int row = m_views.selectGroup(group);
     if (row >= 0)
         m_shownRow = row;
-    m_views.selectGroup(row);
     if (group)
         m_panel.SetDuplicateMusicDetailedInfo(&group->musicList);
 }
@@ -52,7 +51,7 @@ void ShownGroup::show(const QList<QMusicInfo*>& songs, const QList<QMusicInfo*>&
 void ShownGroup::markAnew()
 {
     if (isLeft())
-        m_views.selectGroup(m_views.rowOf(m_songs.groups().at(int(m_nCurrentDupRow))));
+        m_views.selectGroup(m_songs.groups().at(int(m_nCurrentDupRow)));
 }
 
 void ShownGroup::forget()

@@ -67,6 +67,7 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
 
 void SongViews::showSongs(QList<QMusicInfo*>* songs)
 {
+    m_markedSong = nullptr;
     m_songs.show(songs, m_find);
     giveSongs();
 }
@@ -74,6 +75,7 @@ void SongViews::showSongs(QList<QMusicInfo*>* songs)
 void SongViews::showGroups(QList<DupMusicInfo*>* groups, int tableColumns)
 {
     m_groupColumns = tableColumns;
+    m_markedGroup = nullptr;
     m_groups.show(groups, m_find);
     giveGroups();
 }
@@ -177,16 +179,14 @@ void SongViews::orderGroups(int clicked)
 /// Models that are reset forget the mark.
 void SongViews::giveSongsMarked()
 {
-    const QMusicInfo* marked = songOf(m_widgets.songTable->currentIndex());
     giveSongs();
-    selectSong(m_songs.rowOf(marked));
+    selectSong(m_markedSong);
 }
 
 void SongViews::giveGroupsMarked()
 {
-    const DupMusicInfo* marked = groupOf(m_widgets.groupTable->currentIndex());
     giveGroups();
-    selectGroup(m_groups.rowOf(marked));
+    selectGroup(m_markedGroup);
 }
 
 void SongViews::connectSongs(const QObject* receiver, const char* clicked, const char* doubleClicked) const
@@ -201,16 +201,22 @@ void SongViews::connectGroups(const QObject* receiver, const char* clicked, cons
     connectView(m_widgets.groupTable, receiver, clicked, doubleClicked);
 }
 
-void SongViews::selectSong(int row)
+int SongViews::selectSong(const QMusicInfo* song)
 {
+    m_markedSong = song;
+    const int row = m_songs.rowOf(song);
     m_widgets.songGrid->setCurrentIndex(m_allMusicGridModel->index(row, 0));
     m_widgets.songTable->setCurrentIndex(m_allMusicTableModel->index(row, 0));
+    return row;
 }
 
-void SongViews::selectGroup(int row)
+int SongViews::selectGroup(const DupMusicInfo* group)
 {
+    m_markedGroup = group;
+    const int row = m_groups.rowOf(group);
     m_widgets.groupGrid->setCurrentIndex(m_dupMusicGridModel->index(row, 0));
     m_widgets.groupTable->setCurrentIndex(m_dupMusicTableModel->index(row, 0));
+    return row;
 }
 
 QMusicInfo* SongViews::songOf(const QModelIndex& index)

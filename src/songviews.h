@@ -55,16 +55,16 @@ public:
     void connectSongs(const QObject* receiver, const char* clicked, const char* doubleClicked) const;
     void connectGroups(const QObject* receiver, const char* clicked, const char* doubleClicked) const;
 
-    /// The row of a song or a group; -1 for one that does not show.
-    int rowOf(const QMusicInfo* song) const { return m_songs.rowOf(song); }
+    /// The row of a group; -1 for one that does not show.
     int rowOf(const DupMusicInfo* group) const { return m_groups.rowOf(group); }
     /// How many groups show, and which is at a row.
     int groupCount() const { return m_groups.count(); }
     DupMusicInfo* groupAt(int row) const { return m_groups.list()->at(row); }
 
-    /// Both views of the kind; none for -1.
-    void selectSong(int row);
-    void selectGroup(int row);
+    /// Marks it in both views of the kind, as soon as it shows; null for none. Forgotten with the list. The
+    /// row, or -1.
+    int selectSong(const QMusicInfo* song);
+    int selectGroup(const DupMusicInfo* group);
     /// Null for an index without one.
     static QMusicInfo* songOf(const QModelIndex& index);
     static DupMusicInfo* groupOf(const QModelIndex& index);
@@ -108,4 +108,6 @@ private:
     ShownList<DupMusicInfo> m_groups;
     int m_groupColumns = 0; ///< of the table
     bool m_groupsChosen = false;
+    const QMusicInfo* m_markedSong = nullptr; ///< whether it shows or not; may be gone
+    const DupMusicInfo* m_markedGroup = nullptr;
 };

@@ -163,6 +163,12 @@ void TestFinding::theMarkStaysWithItsSong()
     type("th");
     QVERIFY(!list->currentIndex().isValid());
     QVERIFY(m_center->findChild<MusicDetailedInfoWidget*>()->isVisible()); // it stays open
+    QTest::keyClick(field(), Qt::Key_Escape);
+    QCOMPARE(list->currentIndex().row(), 1);
+    m_center->slotShowUndefineMusicView();
+    m_center->slotShowAllmusicView();
+    type("t");
+    QVERIFY(!list->currentIndex().isValid()); // another view begins without one
 }
 
 void TestFinding::editsAreFound()
