@@ -86,7 +86,6 @@ std::size_t SongFind::memory() const
 {
     // A place in the table, and a node with a link in a block of the heap's.
     const std::size_t node = sizeof(void*) + sizeof(*m_positions.begin()) + sizeof(void*);
-    return m_texts.capacity() + m_ends.capacity() * sizeof(m_ends[0]) +
-           m_songs.capacity() * sizeof(m_songs[0]) + m_positions.bucket_count() * sizeof(void*) +
-           m_positions.size() * node;
+    return m_texts.capacity() + m_ends.capacity() * sizeof(m_ends[0]) + m_songs.capacity() * sizeof(void*) +
+           m_positions.bucket_count() * sizeof(void*) + m_positions.size() * node;
 }
