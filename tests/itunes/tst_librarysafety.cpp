@@ -33,6 +33,7 @@ private slots:
     void aReadOnlyLibraryFailsEveryChange();
     void aFullDiskFailsTheChange();
     void aFailingReadIsNotTheEndOfTheLibrary();
+    void whatWeWroteIsNotReadAgain();
     void aLinkToTheLibraryStaysALink();
     void manyDeletionsWriteTheFileAFewTimes();
     void callsFromManyThreadsAllArrive();
@@ -299,6 +300,29 @@ void TestLibrarySafety::aFailingReadIsNotTheEndOfTheLibrary()
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 2);
     closeITunesLibrary();
     QVERIFY(m_songs->content().endsWith("</plist>\n" + behind));
+}
+
+/// Taking its name is a change of a file, too; nobody else made it.
+void TestLibrarySafety::whatWeWroteIsNotReadAgain()
+{
+    m_songs->makeSongs(3, 1);
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), Edit()), 0);
+    QTRY_VERIFY(!QFile::exists(m_songs->journal()));
+    const Interposed::Guard guard;
+    const ino_t library = fileNumber(m_songs->path());
+    const std::thread::id self = std::this_thread::get_id();
+    int reads = 0;
+    Interposed::readFails = [&](int fd, off_t) {
+        struct stat read = {};
+        if (std::this_thread::get_id() == self && ::fstat(fd, &read) == 0 && read.st_ino == library)
+            ++reads;
+        return false;
+    };
+    Edit other;
+    other.name = "Another name";
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), other), 0);
+    QCOMPARE(reads, 0);
+    closeITunesLibrary();
 }
 
 void TestLibrarySafety::aLinkToTheLibraryStaysALink()
