@@ -23,6 +23,7 @@ private slots:
     void changesShowBeforeTheyAreWritten();
     void theFileIsWrittenWhenTheChangesPause();
     void oneBackupHoldsTheFileAsItWas();
+    void whatIsNoLibraryIsNoOlderBackup();
     void theBackupTakesThePlaceOfLinksAndPipes();
     void aFolderAtTheBackupsNameFailsTheChange();
     void anotherProgramsVersionIsTheBase();
@@ -97,6 +98,17 @@ void TestLibrarySafety::oneBackupHoldsTheFileAsItWas()
     closeITunesLibrary();
     QCOMPARE(contentOf(m_songs->originals().value(0)), before);
     QCOMPARE(QDir(m_songs->folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
+}
+
+void TestLibrarySafety::whatIsNoLibraryIsNoOlderBackup()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    Fixtures::writeLibrary(m_songs->backup(), "someone's notes");
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    QCOMPARE(m_songs->originals().size(), 1);
+    QCOMPARE(contentOf(m_songs->originals().first()), before);
+    QCOMPARE(contentOf(m_songs->backup()), QByteArray("someone's notes"));
 }
 
 void TestLibrarySafety::theBackupTakesThePlaceOfLinksAndPipes()
