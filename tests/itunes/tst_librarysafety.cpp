@@ -26,6 +26,7 @@ private slots:
     void whatIsNoLibraryIsNoOlderBackup();
     void theBackupTakesThePlaceOfLinksAndPipes();
     void aFolderAtTheBackupsNameFailsTheChange();
+    void aChangeThatFailsLeavesTheOthersWaiting();
     void anotherProgramsVersionIsTheBase();
     void aBrokenFileIsLeftAloneAndTheChangesWait();
     void aBrokenFileIsNoBackup_data();
@@ -148,6 +149,22 @@ void TestLibrarySafety::aFolderAtTheBackupsNameFailsTheChange()
     QVERIFY(QDir(m_songs->backup()).exists());
     QVERIFY(!QFile::exists(m_songs->journal()));
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+}
+
+void TestLibrarySafety::aChangeThatFailsLeavesTheOthersWaiting()
+{
+    const QByteArray left = m_songs->leftBy([this] { QCOMPARE(int(deleteMusic(m_songs->id(0))), 1); });
+    // Another program's version wants a backup of its own, and there is no room for it.
+    Fixtures::writeLibrary(m_songs->path(), m_songs->before + "\n");
+    Fixtures::writeLibrary(m_songs->journal(), left);
+    QVERIFY(QDir().mkpath(m_songs->backup() + "/full"));
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 0);
+    QVERIFY(QFile::exists(m_songs->journal()) ||
+            !m_songs->content().contains(Fixtures::itunesIdentifier(m_songs->id(0))));
+    QVERIFY(QDir(m_songs->backup()).removeRecursively());
+    closeITunesLibrary();
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 5);
+    AudioFile::takeLog();
 }
 
 void TestLibrarySafety::anotherProgramsVersionIsTheBase()
