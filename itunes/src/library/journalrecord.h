@@ -18,13 +18,20 @@ struct CoverMark
 
 CoverMark markOf(const std::vector<char>& picture, const std::string& path);
 
+enum class ChangeKind {
+    Edit,
+    Deletion,
+    Return ///< of tracks whose deletion is taken back
+};
+
 /// One change as the journal has it.
 struct JournalRecord
 {
-    std::uint64_t id = 0;
-    bool deletes = false;
+    std::uint64_t id = 0; ///< of a return the first one
+    ChangeKind kind = ChangeKind::Edit;
     TrackEdit edit;
     CoverMark cover;
+    std::vector<std::uint64_t> returned = {};
 };
 
 /// How far a change has come.

@@ -6,6 +6,8 @@
 #include "library/location.h"
 #include "library/mediatags.h"
 
+#include <algorithm>
+
 using itunes::LibraryFile;
 using itunes::MusicLibrary;
 
@@ -147,7 +149,8 @@ itunes::EditResult MusicLibrary::edit(std::uint64_t id, const TrackValues& value
         base::logLine(coverPath, "is no picture, the track's artwork stays as it is");
         picture->clear();
     }
-    const JournalRecord record{id, false, differenceOf(track->lastSeen, values), markOf(*picture, coverPath)};
+    const JournalRecord record{id, ChangeKind::Edit, differenceOf(track->lastSeen, values),
+                               markOf(*picture, coverPath)};
     result.problem = track->file->edit(record, [&] {
         result.media = writeTags(track->mediaPath, record.edit, *picture);
         return result.media == SAVE_NO_PROBLEM;
@@ -170,6 +173,34 @@ iTunesEditProblem MusicLibrary::remove(std::uint64_t id)
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_store->forget(id);
     return problem;
+}
+
+iTunesEditProblem MusicLibrary::bringBack(const TrackSet& ids)
+{
+    std::shared_ptr<LibraryFile> file;
+    std::shared_ptr<TrackStore> store;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        file = lastFile();
+        store = m_store;
+    }
+    const auto wasRead = [&store](std::uint64_t id) { return store->wasRead(id); };
+    if (!file || !store || !std::all_of(ids.begin(), ids.end(), wasRead)) {
+        base::logLine("the music library", "the deleted tracks are not known any more, none comes back");
+        return ITUNES_NOT_KEPT;
+    }
+    if (const iTunesEditProblem problem = file->bringBack(ids))
+        return problem;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    for (const std::uint64_t id : ids)
+        store->remember(id);
+    return ITUNES_EDIT_DONE;
+}
+
+std::size_t MusicLibrary::bytesKept()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_file ? m_file->bytesKept() : 0;
 }
 
 bool MusicLibrary::writeArtwork(std::uint64_t id, const std::string& path)

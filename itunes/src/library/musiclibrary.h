@@ -38,6 +38,10 @@ public:
     /// What the values say anew against what the caller has last seen is written, and nothing else.
     EditResult edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath);
     iTunesEditProblem remove(std::uint64_t id);
+    /// Takes the deletions of these tracks back, of all or of none.
+    iTunesEditProblem bringBack(const TrackSet& ids);
+    /// That is kept for taking changes back.
+    std::size_t bytesKept();
     bool writeArtwork(std::uint64_t id, const std::string& path);
 
 private:

@@ -32,7 +32,17 @@ TrackEdit itunes::differenceOf(const TrackValues& asRead, const TrackValues& wan
 
 void itunes::mergeDeletion(TrackChanges& changes, std::uint64_t id)
 {
-    changes[id] = {true, TrackEdit()};
+    changes[id].deleted = true;
+}
+
+void itunes::mergeReturn(TrackChanges& changes, std::uint64_t id)
+{
+    const auto change = changes.find(id);
+    if (change == changes.end())
+        return;
+    change->second.deleted = false;
+    if (change->second.edit.isEmpty())
+        changes.erase(change);
 }
 
 void itunes::mergeEdit(TrackChanges& changes, std::uint64_t id, const TrackEdit& edit)

@@ -1,0 +1,17 @@
+#include "itunes/takeback.h"
+
+#include "library/musiclibrary.h"
+
+using itunes::MusicLibrary;
+
+unsigned char takeBackDeletions(const uint64_t* persistentIds, uint64_t count)
+{
+    const itunes::TrackSet tracks(persistentIds, persistentIds + count);
+    itunes::lastResult() = {MusicLibrary::instance().bringBack(tracks)};
+    return itunes::lastResult().problem == ITUNES_EDIT_DONE ? 1 : 0;
+}
+
+uint64_t takeBackBytes()
+{
+    return MusicLibrary::instance().bytesKept();
+}
