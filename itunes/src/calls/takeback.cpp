@@ -11,6 +11,12 @@ unsigned char takeBackDeletions(const uint64_t* persistentIds, uint64_t count)
     return itunes::lastResult().problem == ITUNES_EDIT_DONE ? 1 : 0;
 }
 
+unsigned char takeBackEdit(uint64_t persistentId)
+{
+    itunes::lastResult() = MusicLibrary::instance().takeBackEdit(persistentId);
+    return itunes::lastResult().problem == ITUNES_EDIT_DONE ? 1 : 0;
+}
+
 uint64_t takeBackBytes()
 {
     return MusicLibrary::instance().bytesKept();

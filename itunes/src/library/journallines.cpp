@@ -46,6 +46,7 @@ void take(const JournalRecord& record, RecordState state, itunes::JournalContent
         return;
     switch (record.kind) {
     case ChangeKind::Edit:
+    case ChangeKind::Reversal:
         itunes::mergeEdit(content.changes, record.id, record.edit);
         break;
     case ChangeKind::Deletion:

@@ -18,7 +18,8 @@ namespace {
 constexpr char isSet = '=';
 constexpr std::size_t deleteFields = 2;    // word, identifier; or identifiers, of a return
 constexpr std::size_t wholeEditFields = 7; // word, identifier, four texts, year: all of them set
-constexpr std::size_t editFields = 9;      // the same, each set or not, and the picture's path and hash
+constexpr std::size_t editFields = 9; // the same, each set or not, and the picture's path and hash, or the
+                                      // media file's size and time
 
 std::string hexadecimal(std::uint64_t number)
 {
@@ -79,6 +80,10 @@ std::string contentOf(const JournalRecord& record)
         for (const std::uint64_t id : record.returned)
             content += (content.empty() ? "return\t" : " ") + hexadecimal(id);
         return content;
+    case ChangeKind::Reversal:
+        return "revert\t" + hexadecimal(record.id) + editFieldsOf(record.edit) + '\t' +
+               hexadecimal(std::uint64_t(record.media.size)) + '\t' +
+               hexadecimal(std::uint64_t(record.media.modified));
     case ChangeKind::Edit:
         break;
     }
@@ -156,12 +161,17 @@ bool readValues(const std::vector<std::string_view>& fields, bool marked, TrackE
 bool readEdit(const std::vector<std::string_view>& fields, JournalRecord& record)
 {
     // The shorter form is that of earlier versions.
-    const bool marked = fields[0] == "change" && fields.size() == editFields;
+    const bool marked = fields.size() == editFields && (fields[0] == "change" || fields[0] == "revert");
     if (!marked && (fields[0] != "edit" || fields.size() != wholeEditFields))
         return false;
     record.id = itunes::identifierOf(fields[1]);
-    if (marked)
+    if (fields[0] == "revert") {
+        record.kind = ChangeKind::Reversal;
+        record.media = {std::int64_t(itunes::identifierOf(fields[editFields - 2])),
+                        std::int64_t(itunes::identifierOf(fields[editFields - 1]))};
+    } else if (marked) {
         record.cover = {unquoted(fields[editFields - 2]), itunes::identifierOf(fields[editFields - 1])};
+    }
     return readValues(fields, marked, record.edit);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/platform.h"
 #include "library/trackedit.h"
 
 #include <cstdint>
@@ -18,8 +19,19 @@ struct CoverMark
 
 CoverMark markOf(const std::vector<char>& picture, const std::string& path);
 
+/// What tells whether a media file was written.
+struct MediaMark
+{
+    std::int64_t size = 0;
+    std::int64_t modified = 0;
+
+    static MediaMark of(const base::FileState& media) { return {media.size, media.modified}; }
+    bool operator==(const MediaMark& other) const { return size == other.size && modified == other.modified; }
+};
+
 enum class ChangeKind {
     Edit,
+    Reversal, ///< of an edit: what the library says again is not always what the media file does
     Deletion,
     Return ///< of tracks whose deletion is taken back
 };
@@ -31,6 +43,7 @@ struct JournalRecord
     ChangeKind kind = ChangeKind::Edit;
     TrackEdit edit;
     CoverMark cover;
+    MediaMark media; ///< of a reversal, before it
     std::vector<std::uint64_t> returned = {};
 };
 

@@ -83,13 +83,16 @@ bool LibraryFile::finishBegun(Failure& failure)
         failure = {reason};
         return false;
     }
-    if (redone != Redone::Whole && !m_journal.keepAside("an edit was cut short: " + reason, failure))
+    const bool done = redone == Redone::Whole || redone == Redone::WithoutPicture;
+    if (redone == Redone::NotBegun)
+        report(reason);
+    else if (redone != Redone::Whole && !m_journal.keepAside("an edit was cut short: " + reason, failure))
         return false;
-    if (!(redone == Redone::Not ? m_journal.cancel() : m_journal.confirm())) {
+    if (!(done ? m_journal.confirm() : m_journal.cancel())) {
         failure = {"the journal cannot be written"};
         return false;
     }
-    if (redone != Redone::Not)
+    if (done)
         mergeEdit(m_content.changes, m_content.begun->id, m_content.begun->edit);
     m_content.begun.reset();
     ++m_revision;
@@ -111,12 +114,18 @@ iTunesEditProblem LibraryFile::remove(std::uint64_t id)
 iTunesEditProblem LibraryFile::edit(const JournalRecord& edit, const std::function<bool()>& writeMedia)
 {
     makeRoomInJournal();
+    const bool reverses = edit.kind == ChangeKind::Reversal;
+    std::unique_lock<std::mutex> writing(m_writeMutex, std::defer_lock);
+    if (reverses)
+        writing.lock(); // a file that has just been replaced is nobody else's
     const std::lock_guard<std::mutex> lock(m_mutex);
     Failure failure;
     if (const iTunesEditProblem problem = findTrack(edit.id, failure)) {
         report(failure.text);
         return problem;
     }
+    if (reverses && !m_taken.isGoodFor(m_contents.state))
+        return refused(changedByOthers());
     if (edit.edit.isEmpty()) // the library has nothing to do with it
         return writeMedia() ? ITUNES_EDIT_DONE : ITUNES_MEDIA_NOT_SAVED;
     if (!beginChange(failure) || !m_journal.beginEdit(edit, failure))
@@ -144,7 +153,8 @@ iTunesEditProblem LibraryFile::bringBack(const TrackSet& tracks)
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (knowContents(failure))
             return refused(failure);
-        if (hold(tracks))
+        const auto isThere = [this](std::uint64_t id) { return m_contents.count(id) > 0; };
+        if (std::all_of(tracks.begin(), tracks.end(), isThere))
             return letStay(tracks, failure) ? ITUNES_EDIT_DONE : refused(failure);
     }
     // All come back at one stroke: none of them may be in the file when they do.
@@ -165,13 +175,6 @@ bool LibraryFile::putBack(const TrackSet& tracks, Failure& failure)
     m_taken.putBack(tracks, written.contents);
     m_contents = written.contents;
     return true;
-}
-
-/// Whether the file, whose contents are known, holds all of them.
-bool LibraryFile::hold(const TrackSet& tracks) const
-{
-    return std::all_of(tracks.begin(), tracks.end(),
-                       [this](std::uint64_t id) { return m_contents.count(id) > 0; });
 }
 
 /// Takes the deletions of these tracks out of the journal.
@@ -346,10 +349,7 @@ bool LibraryFile::writeWhatWaits(Failure& failure)
 /// Edits that a deletion came upon are made first: what is taken out is as its user had it.
 bool LibraryFile::write(const TrackChanges& changes, Written& written, Failure& failure)
 {
-    TrackChanges edits;
-    for (const auto& [id, change] : changes)
-        if (change.deleted && !change.edit.isEmpty())
-            edits[id].edit = change.edit;
+    const TrackChanges edits = editsOfDeleted(changes);
     if (!edits.empty() && !writeOnce(edits, written, failure))
         return false;
     return writeOnce(changes, written, failure);

@@ -40,7 +40,8 @@ public:
 
     iTunesEditProblem remove(std::uint64_t id);
     /// The edit counts if `writeMedia`, which runs when the journal has it safely, succeeds. An edit of a
-    /// track that is no longer in the file is refused before that.
+    /// track that is no longer in the file is refused before that, and a reversal where somebody else wrote
+    /// the file since it was read.
     iTunesEditProblem edit(const JournalRecord& edit, const std::function<bool()>& writeMedia);
 
     /// Takes the deletions of these tracks back, of all or of none. Those that wait leave the journal; what
@@ -59,7 +60,6 @@ private:
     };
 
     TrackChanges pending();
-    bool hold(const TrackSet& tracks) const;
     bool letStay(const TrackSet& tracks, base::Failure& failure);
     bool putBack(const TrackSet& tracks, base::Failure& failure);
     bool beginPutBack(const TrackSet& tracks, std::vector<Splice>& pieces, base::Failure& failure);

@@ -61,6 +61,7 @@ void noteNewName(const std::string& path, base::FileState& state)
         now.size == state.size && now.modified == state.modified)
         state = now;
 }
+
 bool write(const std::string& path, const Finding& find, itunes::Written& written, base::Failure& failure)
 {
     constexpr int attempts = 5;

@@ -69,6 +69,7 @@ void MusicLibrary::read(iTunesTrackRecord** records, int* count)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_former = std::move(m_store);
+    m_edits.forget();
     ReadingFailure failure;
     std::unique_ptr<TrackStore> store;
     const std::shared_ptr<LibraryFile> library = currentFile();
@@ -149,16 +150,59 @@ itunes::EditResult MusicLibrary::edit(std::uint64_t id, const TrackValues& value
         base::logLine(coverPath, "is no picture, the track's artwork stays as it is");
         picture->clear();
     }
-    const JournalRecord record{id, ChangeKind::Edit, differenceOf(track->lastSeen, values),
-                               markOf(*picture, coverPath)};
+    const JournalRecord record{
+        id, ChangeKind::Edit, differenceOf(track->lastSeen, values), markOf(*picture, coverPath), {}};
+    KeptEdit kept{id, track->lastSeen, differenceOf(values, track->lastSeen), track->mediaPath, {}, {}, {}};
     result.problem = track->file->edit(record, [&] {
-        result.media = writeTags(track->mediaPath, record.edit, *picture);
+        base::stateOf(kept.mediaPath, kept.before);
+        result.media = writeTags(kept.mediaPath, tagsOf(record.edit, std::move(*picture)), &kept.tags);
+        base::stateOf(kept.mediaPath, kept.after);
+        return result.media == SAVE_NO_PROBLEM;
+    });
+    if (result.problem == ITUNES_EDIT_DONE)
+        noteEdit(*track, values, std::move(kept));
+    return result;
+}
+
+void MusicLibrary::noteEdit(const Access& track, const TrackValues& values, KeptEdit edit)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    track.store->noteEdit(edit.id, values);
+    if (track.store == m_store)
+        m_edits.add(std::move(edit));
+}
+
+itunes::EditResult MusicLibrary::takeBackEdit(std::uint64_t id)
+{
+    std::optional<KeptEdit> kept;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        kept = m_edits.take(id);
+    }
+    if (!kept) {
+        base::logLine("the music library", "the edit is not known any more, it stays");
+        return {ITUNES_NOT_KEPT};
+    }
+    EditResult result;
+    const std::optional<Access> track = accessTo(id, result.problem);
+    base::FileState media;
+    if (!track)
+        return result;
+    if (!base::stateOf(kept->mediaPath, media) || !media.hasContentOf(kept->after)) {
+        base::logLine(kept->mediaPath, "an edit stays: another program changed the file since");
+        return {ITUNES_CHANGED_SINCE};
+    }
+    const JournalRecord record{id, ChangeKind::Reversal, kept->edit, {}, MediaMark::of(media)};
+    result.problem = track->file->edit(record, [&] {
+        result.media = writeTags(kept->mediaPath, kept->tags);
         return result.media == SAVE_NO_PROBLEM;
     });
     if (result.problem != ITUNES_EDIT_DONE)
         return result;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    track->store->noteEdit(id, values);
+    track->store->noteEdit(id, kept->values);
+    if (base::stateOf(kept->mediaPath, media))
+        m_edits.tookBack(*kept, media);
     return result;
 }
 
@@ -200,7 +244,7 @@ iTunesEditProblem MusicLibrary::bringBack(const TrackSet& ids)
 std::size_t MusicLibrary::bytesKept()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_file ? m_file->bytesKept() : 0;
+    return m_edits.bytes() + (m_file ? m_file->bytesKept() : 0);
 }
 
 bool MusicLibrary::writeArtwork(std::uint64_t id, const std::string& path)

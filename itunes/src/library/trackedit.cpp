@@ -45,6 +45,15 @@ void itunes::mergeReturn(TrackChanges& changes, std::uint64_t id)
         changes.erase(change);
 }
 
+TrackChanges itunes::editsOfDeleted(const TrackChanges& changes)
+{
+    TrackChanges edits;
+    for (const auto& [id, change] : changes)
+        if (change.deleted && !change.edit.isEmpty())
+            edits[id].edit = change.edit;
+    return edits;
+}
+
 void itunes::mergeEdit(TrackChanges& changes, std::uint64_t id, const TrackEdit& edit)
 {
     TrackChange& change = changes[id];

@@ -46,5 +46,7 @@ using TrackChanges = std::unordered_map<std::uint64_t, TrackChange>;
 /// The last edit of a field counts, and a deletion until it is taken back.
 void mergeDeletion(TrackChanges& changes, std::uint64_t id);
 void mergeReturn(TrackChanges& changes, std::uint64_t id);
+/// Those of tracks that are deleted, as if they were not.
+TrackChanges editsOfDeleted(const TrackChanges& changes);
 void mergeEdit(TrackChanges& changes, std::uint64_t id, const TrackEdit& edit);
 } // namespace itunes
