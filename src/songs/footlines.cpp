@@ -111,6 +111,10 @@ QString reasonOf(iTunesEditProblem problem, SaveProblem media)
         return QStringLiteral("the disk of the library is full");
     case ITUNES_LIBRARY_GONE:
         return QStringLiteral("the library file is gone");
+    case ITUNES_CHANGED_SINCE:
+        return QStringLiteral("another program changed it since");
+    case ITUNES_NOT_KEPT:
+        return QStringLiteral("it is too long ago");
     default:
         return QStringLiteral("the log tells why");
     }

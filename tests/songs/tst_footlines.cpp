@@ -151,6 +151,8 @@ void TestFootLines::aTrackThatWasNotSaved_data()
     row(ITUNES_LIBRARY_NO_PERMISSION, "you have no permission to change the library");
     row(ITUNES_LIBRARY_DISK_FULL, "the disk of the library is full");
     row(ITUNES_LIBRARY_GONE, "the library file is gone");
+    row(ITUNES_CHANGED_SINCE, "another program changed it since");
+    row(ITUNES_NOT_KEPT, "it is too long ago");
     row(ITUNES_LIBRARY_OTHER_PROBLEM, "the log tells why");
 }
 
