@@ -8,7 +8,6 @@
 #include <QGridLayout>
 
 namespace {
-constexpr int buttonHeight = 28;
 constexpr int arrowRoom = 40; ///< what a box needs beside its text
 constexpr int gap = 4;
 } // namespace
@@ -20,7 +19,8 @@ KeepOffers::KeepOffers(QWidget& cover, QComboBox& genreBox, const QGridLayout& f
 {
     const QRect place = cover.geometry();
     m_coverButton->setObjectName(QStringLiteral("m_btnKeepCover"));
-    m_coverButton->setGeometry(place.x(), place.bottom() + 1 - buttonHeight, place.width(), buttonHeight);
+    const int height = m_coverButton->sizeHint().height();
+    m_coverButton->setGeometry(place.x(), place.bottom() + 1 - height, place.width(), height);
     m_coverButton->setToolTip(QStringLiteral("Apply takes the cover out of the file unless it is kept"));
     m_coverButton->hide();
     connect(m_coverButton, &QAbstractButton::clicked, this, &KeepOffers::coverKept);

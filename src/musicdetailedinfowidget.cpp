@@ -15,6 +15,7 @@
 #include "ui_musicdetailedinfowidget.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStandardPaths>
@@ -335,12 +336,13 @@ void MusicDetailedInfoWidget::SlotChangeImage()
     const QString chosen = QFileDialog::getOpenFileName(
         this, QStringLiteral("Open File"), QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
         QStringLiteral("Images(*.png *.xpm *.jpg)"));
-    if (chosen.isEmpty() || m_pMusicInfo != song)
+    if (chosen.isEmpty() || !song || m_pMusicInfo != song)
         return;
-    const QString path = CoverChoice::embeddable(chosen);
-    if (path.isEmpty())
-        return;
-    takeNewCover(path, CoverOrigin::Chosen);
+    const CoverChoice::Choice choice = CoverChoice::embeddable(chosen, SongEditing::largestCover(*song));
+    if (choice.path.isEmpty())
+        emit emitTold({FootLines::coverNotTaken(QFileInfo(chosen).fileName(), choice.reason), true, {}});
+    else
+        takeNewCover(choice.path, CoverOrigin::Chosen);
 }
 
 void MusicDetailedInfoWidget::cacheEditorTexts()

@@ -9,6 +9,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <functional>
+
 /// Choosing a cover in the panel of one song.
 class TestCoverEditing : public SongPanelFixture
 {
@@ -27,9 +29,21 @@ private slots:
     void jpegAndPngAreEmbeddedAsTheyAre();
     void whatIsNoPictureIsNotTaken_data();
     void whatIsNoPictureIsNotTaken();
+    void whatIsTooLargeForTheFileIsNotTaken();
     void aChooserThatOutlivesItsSongChangesNothing();
     void theCoverIsClickableInEditModeOnly();
     void aCancelledChooserChangesNothing();
+
+private:
+    QVector<FootText> toldWhile(const std::function<void()>& act) const
+    {
+        QVector<FootText> told;
+        const auto connection = connect(m_panel.get(), &MusicDetailedInfoWidget::emitTold,
+                                        [&told](const FootText& text) { told.append(text); });
+        act();
+        disconnect(connection);
+        return told;
+    }
 };
 
 void TestCoverEditing::applyWithoutACoverTakesThePictureOut()
@@ -135,12 +149,35 @@ void TestCoverEditing::whatIsNoPictureIsNotTaken()
     click("m_btnEdit");
     choose(red);
     const LoggedLines lines;
-    choose(Fixtures::saveBytes(bytes, m_folder.filePath("broken.png")));
+    const QVector<FootText> told =
+        toldWhile([&] { choose(Fixtures::saveBytes(bytes, m_folder.filePath("broken.png"))); });
     QCOMPARE(LoggedLines::take().filter("broken.png").size(), 1);
+    QCOMPARE(told.size(), 1);
+    QVERIFY(told.first().failed);
+    QCOMPARE(told.first().text,
+             QString("\"broken.png\" is not taken as the cover: it holds no picture that can be shown."));
     const QPoint middle = child<QImageWidget>("currentImgWidget")->geometry().center();
     QCOMPARE(m_panel->grab().toImage().pixelColor(middle), QColor(220, 20, 30));
     click("m_btnApply");
     QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, Fixtures::readBytes(red));
+}
+
+void TestCoverEditing::whatIsTooLargeForTheFileIsNotTaken()
+{
+    constexpr int megabyte = 1024 * 1024;
+    m_song->localInfo->filePath = Fixtures::copyTone("flac", m_folder.path(), "large");
+    QByteArray bytes = Fixtures::jpeg(40, 40, 2);
+    const QByteArray small = bytes.append(15 * megabyte, 'x');
+    click("m_btnEdit");
+    QVERIFY(toldWhile([&] { choose(Fixtures::saveBytes(small, m_folder.filePath("small.jpg"))); }).isEmpty());
+    const QString large = Fixtures::saveBytes(bytes.append(megabyte, 'x'), m_folder.filePath("large.jpg"));
+    const QVector<FootText> told = toldWhile([&] { choose(large); });
+    QCOMPARE(told.size(), 1);
+    QCOMPARE(told.first().text,
+             QString("\"large.jpg\" is not taken as the cover: it is too large, the song's "
+                     "file takes a picture of 15.9 MB at most."));
+    click("m_btnApply");
+    QCOMPARE(AudioFile::read(m_song->localInfo->filePath).picture, small);
 }
 
 /// As when a mode switch that was begun before empties the lists meanwhile.

@@ -2,7 +2,6 @@
 
 #include "common/style.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace {
@@ -11,37 +10,15 @@ constexpr int margin = 6;
 constexpr qreal corner = 4;
 } // namespace
 
-OverlayButton::OverlayButton(QWidget* parent) : QAbstractButton(parent)
+OverlayButton::OverlayButton(QWidget* parent) : PaintedButton(parent)
 {
     setCheckable(true);
     setFont(Style::font(11));
-    setCursor(Qt::PointingHandCursor);
-    setFocusPolicy(Qt::TabFocus);
 }
 
 QSize OverlayButton::sizeHint() const
 {
     return {fontMetrics().horizontalAdvance(text()) + tickRoom + 2 * margin, 28};
-}
-
-void OverlayButton::enterEvent(QEvent* event)
-{
-    update();
-    QAbstractButton::enterEvent(event);
-}
-
-void OverlayButton::leaveEvent(QEvent* event)
-{
-    update();
-    QAbstractButton::leaveEvent(event);
-}
-
-void OverlayButton::keyPressEvent(QKeyEvent* event)
-{
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
 }
 
 /// What is checked is opaque enough for its caption on any picture, and so is the rest.

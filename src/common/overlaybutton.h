@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QAbstractButton>
+#include "common/paintedbutton.h"
 
 /// A button that lies over a picture and lets it shine through: checkable, with a tick once it is checked.
-class OverlayButton : public QAbstractButton
+class OverlayButton : public PaintedButton
 {
     Q_OBJECT
 
@@ -15,9 +15,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
-    void enterEvent(QEvent* event) override;
-    void leaveEvent(QEvent* event) override;
 
 private:
     QColor face() const;

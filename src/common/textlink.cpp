@@ -2,20 +2,17 @@
 
 #include "common/style.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace {
 constexpr int margin = 3; // for the mark of the focus
 }
 
-TextLink::TextLink(const QString& caption, QWidget* parent) : QAbstractButton(parent)
+TextLink::TextLink(const QString& caption, QWidget* parent) : PaintedButton(parent)
 {
     setText(caption);
     setAccessibleName(caption);
     setFont(Style::font(12));
-    setCursor(Qt::PointingHandCursor);
-    setFocusPolicy(Qt::TabFocus);
 }
 
 QSize TextLink::sizeHint() const
@@ -32,26 +29,6 @@ QString TextLink::shownText() const
         return fontMetrics().elidedText(text(), Qt::ElideRight, room);
     return text().left(blank) + QLatin1Char('\n') +
            fontMetrics().elidedText(text().mid(blank + 1), Qt::ElideRight, room);
-}
-
-void TextLink::enterEvent(QEvent* event)
-{
-    update();
-    QAbstractButton::enterEvent(event);
-}
-
-void TextLink::leaveEvent(QEvent* event)
-{
-    update();
-    QAbstractButton::leaveEvent(event);
-}
-
-void TextLink::keyPressEvent(QKeyEvent* event)
-{
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
 }
 
 void TextLink::paintEvent(QPaintEvent*)

@@ -5,6 +5,7 @@
 #include <QDebug>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QTemporaryFile>
 
@@ -29,26 +30,42 @@ QString savedAsPng(const QImage& picture)
     return file.fileName();
 }
 
-QString refused(const QString& path, const char* reason)
+CoverChoice::Choice refused(const QString& path, const QString& reason)
 {
-    qWarning("the cover %s is not taken: %s", qUtf8Printable(path), reason);
-    return QString();
+    qWarning("the cover %s is not taken: %s", qUtf8Printable(path), qUtf8Printable(reason));
+    return {QString(), reason};
+}
+
+/// "32", "0.5": rounded down, so that what is said to fit does.
+QString megabytes(qint64 bytes)
+{
+    return QString::number(double(bytes * 10 / (1024 * 1024)) / 10);
+}
+
+CoverChoice::Choice ifItFits(const QString& chosen, const QString& path, qint64 most)
+{
+    if (QFileInfo(path).size() <= most)
+        return {path, QString()};
+    return refused(chosen, QStringLiteral("it is too large, the song's file takes a picture of %1 MB at most")
+                               .arg(megabytes(most)));
 }
 } // namespace
 
-QString CoverChoice::embeddable(const QString& path)
+CoverChoice::Choice CoverChoice::embeddable(const QString& path, qint64 most)
 {
+    const QString noPicture = QStringLiteral("it holds no picture that can be shown");
     if (CoverLoader::pictureSize(path).isEmpty())
-        return refused(path, "it holds no picture");
+        return refused(path, noPicture);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return refused(path, qUtf8Printable(file.errorString()));
+        return refused(path, file.errorString());
     if (isEmbeddable(&file))
-        return path;
+        return ifItFits(path, path, most);
     file.seek(0);
     const QImage picture = CoverLoader::decode(&file, std::numeric_limits<int>::max());
     if (picture.isNull())
-        return refused(path, "it holds no picture");
+        return refused(path, noPicture);
     const QString png = savedAsPng(picture);
-    return png.isEmpty() ? refused(path, "no PNG of it can be written") : png;
+    return png.isEmpty() ? refused(path, QStringLiteral("no PNG of it can be written"))
+                         : ifItFits(path, png, most);
 }

@@ -155,6 +155,11 @@ QString FootLines::leftWithoutSaving(const QString& title)
     return QLatin1String("Left ") + quoted(title) + QLatin1String(" without saving.");
 }
 
+QString FootLines::coverNotTaken(const QString& fileName, const QString& reason)
+{
+    return quoted(fileName) + QLatin1String(" is not taken as the cover: ") + reason + QLatin1Char('.');
+}
+
 QString FootLines::notSaved(const QString& title, SaveProblem problem)
 {
     return notSavedFor(title, reasonOf(problem));

@@ -23,6 +23,8 @@ QString saved(const QString& title, const QVector<SideEffect>& alsoChanged = {})
 /// All but the cover, which was too large for the file.
 QString savedWithoutCover(const QString& title);
 QString leftWithoutSaving(const QString& title);
+/// Of a file that was chosen as the cover.
+QString coverNotTaken(const QString& fileName, const QString& reason);
 /// Of a local song.
 QString notSaved(const QString& title, SaveProblem problem);
 /// Of a track of the music library; `media` is the problem of its file, when it is that.

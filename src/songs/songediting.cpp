@@ -17,6 +17,7 @@
 
 #include <array>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -265,6 +266,14 @@ QStringList SongEditing::genres()
 bool SongEditing::takesCoverOut(const QMusicInfo* song)
 {
     return QIOrvoUtil::m_cleanMode && QIOrvoUtil::isImage(SongFields::coverPath(song));
+}
+
+qint64 SongEditing::largestCover(const QMusicInfo& song)
+{
+    const std::unique_ptr<IAudioTag, ReleaseTag> tag(CreateTag());
+    if (!tag || tag->Open(SongFields::audioPath(&song).toStdU32String().c_str()) != 0)
+        return std::numeric_limits<qint64>::max();
+    return LargestPictureFor(tag.get());
 }
 
 SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)

@@ -49,6 +49,9 @@ QStringList genres();
 /// Whether an apply without a chosen cover takes the song's own out of its file.
 bool takesCoverOut(const QMusicInfo* song);
 
+/// How many bytes a cover may have for the song's file. Without an answer there is no bound.
+qint64 largestCover(const QMusicInfo& song);
+
 /// Takes the edit over into the song, whatever becomes of saving it: to the file's tag in the local clean
 /// mode, through the iTunes library in the iTunes clean mode. A save that fails leaves the file or the
 /// library whole and is logged.

@@ -3,8 +3,7 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "foreignfixture.h"
-#include "identify/fingerprint.h"
-#include "playing.h"
+#include "playedandtold.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -141,19 +140,7 @@ void TestLastWay::theyAreReadAsOthersReadThem()
 void TestLastWay::theyArePlayedAndTold()
 {
     QFETCH(QString, file);
-    chooseOutput("null");
-    const Player player = opened(file);
-    QCOMPARE(player->GetState(), int(PLAYER_STATE_PAUSED));
-    QCOMPARE(player->GetDuration(), AudioFile::properties(file).duration);
-    player->Play();
-    QVERIFY(passes(*player, 100));
-    player->Seek(std::uint64_t(player->GetDuration() - 200));
-    QVERIFY(reaches(*player, PLAYER_STATE_FINISHED));
-    const audiocore::Cancellation never;
-    const audiocore::Fingerprint told = audiocore::fingerprintOf(file.toStdString(), never);
-    QVERIFY(told.result == audiocore::Decoding::Done);
-    QVERIFY(!told.text.empty());
-    QCOMPARE(int(told.milliseconds), player->GetDuration());
+    playedAndTold(file);
 }
 
 void TestLastWay::theyAreNotWritten()

@@ -2,9 +2,8 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
-#include "identify/fingerprint.h"
 #include "oggfixture.h"
-#include "playing.h"
+#include "playedandtold.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -42,7 +41,6 @@ private:
 
 namespace {
 const QString title = QStringLiteral("Vinterljus");
-constexpr int milliseconds = 3000;
 
 QByteArray ran(const QStringList& arguments)
 {
@@ -56,7 +54,11 @@ QByteArray ran(const QStringList& arguments)
 /// The music of all streams of sound, one behind the other.
 QByteArray decoded(const QString& path, int rate)
 {
-    return ran({"-i", path, "-map", "0:a:0", "-ac", "1", "-ar", QString::number(rate), "-f", "s16le", "-"});
+    // FFmpeg 7 has a decoder of its own for Speex, whose sound is twice as long.
+    const bool isSpeex = contentOf(path).left(100).contains("Speex   ");
+    const QStringList decoder = isSpeex ? QStringList{"-c:a", "libspeex"} : QStringList();
+    return ran(decoder + QStringList{"-i", path, "-map", "0:a:0", "-ac", "1", "-ar", QString::number(rate),
+                                     "-f", "s16le", "-"});
 }
 
 QByteArray tagged(const char* kind)
@@ -137,19 +139,7 @@ void TestOgg::allOfItIsRead()
 void TestOgg::itIsPlayedAndTold()
 {
     QFETCH(QString, file);
-    chooseOutput("null");
-    const Player player = opened(file);
-    QCOMPARE(player->GetState(), int(PLAYER_STATE_PAUSED));
-    QCOMPARE(player->GetDuration(), AudioFile::properties(file).duration);
-    player->Play();
-    QVERIFY(passes(*player, 100));
-    player->Seek(std::uint64_t(player->GetDuration() - 200));
-    QVERIFY(reaches(*player, PLAYER_STATE_FINISHED));
-    const audiocore::Cancellation never;
-    const audiocore::Fingerprint told = audiocore::fingerprintOf(file.toStdString(), never);
-    QVERIFY(told.result == audiocore::Decoding::Done);
-    QVERIFY(!told.text.empty());
-    QCOMPARE(int(told.milliseconds), player->GetDuration());
+    playedAndTold(file);
 }
 
 void TestOgg::aSaveKeepsTheSound_data()

@@ -89,6 +89,8 @@ private slots:
     void aFileThatIsGoneIsGone();
     void whatCannotBeWrittenSafelyIsNot();
     void aPictureThatIsTooLargeIsNamed();
+    void howLargeAPictureMayBeIsKnownBefore_data();
+    void howLargeAPictureMayBeIsKnownBefore();
     void theNextSaveAnswersForItself();
 
 private:
@@ -216,6 +218,33 @@ void TestSaveProblem::aPictureThatIsTooLargeIsNamed()
     picture.append(moreThanABlockHolds, 'x');
     tag->SetItem({-1, TAG_PICTURE, 1, picture.size(), picture.data()});
     QCOMPARE(saveTitle(*tag), SAVE_PICTURE_TOO_LARGE);
+}
+
+void TestSaveProblem::howLargeAPictureMayBeIsKnownBefore_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const QString& kind : Fixtures::formats())
+        QTest::newRow(qPrintable(kind)) << kind;
+}
+
+void TestSaveProblem::howLargeAPictureMayBeIsKnownBefore()
+{
+    QFETCH(QString, kind);
+    const Tag tag = opened(Fixtures::copyTone(kind, m_folder->path(), QStringLiteral("other")));
+    const std::uint32_t most = LargestPictureFor(tag.get());
+    QVERIFY(most > 8 * 1024 * 1024);
+    QByteArray picture = Fixtures::jpeg(60, 60, 1);
+    picture.append(int(most) + 1 - picture.size(), 'x');
+    tag->SetItem({-1, TAG_PICTURE, 1, picture.size(), picture.data()});
+    QCOMPARE(saveTitle(*tag), SAVE_PICTURE_TOO_LARGE);
+    if (kind == QLatin1String("flac")) { // writing so much takes a while
+        tag->SetItem({-1, TAG_PICTURE, 1, picture.size() - 1, picture.data()});
+        QCOMPARE(saveTitle(*tag), SAVE_NO_PROBLEM);
+    }
+    tag->Close();
+    QCOMPARE(LargestPictureFor(tag.get()), 0u);
+    QVERIFY(QFile::resize(m_song, 0));
+    QCOMPARE(LargestPictureFor(opened(m_song).get()), 0u);
 }
 
 void TestSaveProblem::theNextSaveAnswersForItself()

@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+Q_DECLARE_METATYPE(BestCopy::Sound)
+
 using BestCopy::Sound;
 
 namespace {
@@ -111,8 +113,6 @@ void TestBestCopy::oneCopyIsNotTheBest()
     QCOMPARE(BestCopy::find({}), -1);
     QCOMPARE(BestCopy::find({sound("FLAC", 900)}), -1);
 }
-
-Q_DECLARE_METATYPE(BestCopy::Sound)
 
 QTEST_APPLESS_MAIN(TestBestCopy)
 #include "tst_bestcopy.moc"

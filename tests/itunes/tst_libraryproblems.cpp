@@ -37,6 +37,7 @@ private slots:
     void aBrokenLibraryIsNamed();
     void aLibraryThatIsGoneIsNamed();
     void everyThreadHasItsOwnAnswer();
+    void whatCannotBeReadIsNotBroken();
     void aReadingTellsWhatItFound();
     void aReadingTellsWhereTheFileIsBroken();
 
@@ -206,6 +207,32 @@ void TestLibraryProblems::everyThreadHasItsOwnAnswer()
     other.join();
     QCOMPARE(others, ITUNES_EDIT_DONE);
     QCOMPARE(iTunesLastEditProblem(), ITUNES_TRACK_GONE);
+}
+
+/// As on a disk that fails: the next change may find it well again.
+void TestLibraryProblems::whatCannotBeReadIsNotBroken()
+{
+    struct stat library = {};
+    QCOMPARE(::stat(QFile::encodeName(m_songs->path()).constData(), &library), 0);
+    Fixtures::writeLibrary(m_songs->path(), m_songs->content()); // no longer as it was read
+    {
+        const Interposed::Guard guard;
+        Interposed::readFails = [&library](int fd, off_t) {
+            struct stat read = {};
+            return ::fstat(fd, &read) == 0 && read.st_ino == library.st_ino;
+        };
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY(LibraryCalls::edit(m_songs->id(0), Edit()) != 0);
+            QCOMPARE(iTunesLastEditProblem(), ITUNES_LIBRARY_OTHER_PROBLEM);
+        }
+        for (int i = 0; i < 2; ++i) {
+            LibraryCalls::read(m_songs->path());
+            QCOMPARE(iTunesLastReading(), ITUNES_UNREADABLE);
+            QCOMPARE(iTunesBrokenLine(), quint64(0));
+        }
+    }
+    LibraryCalls::read(m_songs->path());
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), Edit()), 0);
 }
 
 void TestLibraryProblems::aReadingTellsWhatItFound()

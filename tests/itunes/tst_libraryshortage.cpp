@@ -64,7 +64,7 @@ void TestLibraryShortage::withoutMemoryChangesWaitInTheJournal()
 {
     const QByteArray before = m_songs->content();
     {
-        const Shortage::OfMemory little(Whose::Others, 500000);
+        const Shortage::OfMemory little(Whose::Others, 4000);
         QVERIFY(deleteMusic(SongLibrary::id(0)) != 0);
         QTRY_COMPARE(Shortage::OfMemory::refused(), 1);
         QCOMPARE(m_songs->content(), before);

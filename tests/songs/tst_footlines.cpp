@@ -20,6 +20,7 @@ private slots:
     void whatElseASaveChanged();
     void longTextsAreCutShort();
     void aSongThatWasLeft();
+    void aCoverThatIsNotTaken();
     void aSaveThatFailed_data();
     void aSaveThatFailed();
     void aTrackThatWasNotSaved_data();
@@ -102,6 +103,12 @@ void TestFootLines::longTextsAreCutShort()
 void TestFootLines::aSongThatWasLeft()
 {
     QCOMPARE(FootLines::leftWithoutSaving(ferry), QString("Left \"Midnight Ferry\" without saving."));
+}
+
+void TestFootLines::aCoverThatIsNotTaken()
+{
+    QCOMPARE(FootLines::coverNotTaken("big.png", "it is too large"),
+             QString("\"big.png\" is not taken as the cover: it is too large."));
 }
 
 void TestFootLines::aSaveThatFailed_data()

@@ -110,13 +110,10 @@ inline QHash<QString, Heard> play(const QStringList& paths, const QString& folde
     for (int i = 0; i < paths.size(); ++i) {
         const QString number = QString::number(i);
         inputs << "-i" << paths.at(i);
-        outputs << "-map" << number + ":a"
-                << "-f"
-                << "md5" << answer(i, "sum") << "-map" << number + ":a"
-                << "-c"
-                << "copy"
-                << "-map_metadata" << number << "-f"
-                << "ffmetadata" << answer(i, "texts");
+        const QString sound = number + ":a";
+        outputs += QStringList{"-map", sound, "-f", "md5", answer(i, "sum")};
+        outputs += QStringList{"-map", sound, "-c", "copy", "-map_metadata", number};
+        outputs += QStringList{"-f", "ffmetadata", answer(i, "texts")};
     }
     outputOf("ffmpeg", QStringList{"-v", "error", "-y"} + inputs + outputs);
     QHash<QString, Heard> songs;

@@ -21,3 +21,7 @@ enum SaveProblem : std::int32_t {
 
 /// About the last Save of a tag object that was not closed since. The rules of IAudioTag about threads hold.
 SaveProblem SaveProblemOf(const IAudioTag* tag);
+
+/// How many bytes a picture may have for the file of an open tag object, to be saved in it; 0 where no file
+/// is open or the file holds no music. The rules of IAudioTag about threads hold.
+std::uint32_t LargestPictureFor(const IAudioTag* tag);

@@ -193,3 +193,15 @@ ByteVector audiocore::bytesOf(TagLib::File& file, const Mp4Atom& atom)
     file.seek(atom.begin);
     return file.readBlock(static_cast<size_t>(atom.size));
 }
+
+ByteVector audiocore::headOf(TagLib::File& file, const Mp4Atom* atom)
+{
+    constexpr std::int64_t enough = 64;
+    ByteVector head;
+    if (atom) {
+        file.seek(atom->content());
+        head = file.readBlock(size_t(std::min(enough, atom->end() - atom->content())));
+    }
+    head.resize(enough, '\0');
+    return head;
+}

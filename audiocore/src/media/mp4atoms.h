@@ -69,4 +69,7 @@ private:
 
 /// The atom with its head, as it stands in the file.
 TagLib::ByteVector bytesOf(TagLib::File& file, const Mp4Atom& atom);
+/// The first 64 bytes of what is in the atom, where its numbers are, filled up with zeros; of null zeros
+/// alone.
+TagLib::ByteVector headOf(TagLib::File& file, const Mp4Atom* atom);
 } // namespace audiocore

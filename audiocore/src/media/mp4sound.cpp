@@ -19,19 +19,6 @@ using audiocore::MpegStream;
 using TagLib::ByteVector;
 
 namespace {
-/// The first numbers in the atom, filled up with zeros.
-ByteVector headOf(TagLib::File& file, const Mp4Atom* atom)
-{
-    constexpr std::int64_t enough = 64;
-    ByteVector head;
-    if (atom) {
-        file.seek(atom->content());
-        head = file.readBlock(size_t(std::min(enough, atom->end() - atom->content())));
-    }
-    head.resize(enough, '\0');
-    return head;
-}
-
 /// How long something is, and in what parts of a second that is counted.
 struct Duration
 {

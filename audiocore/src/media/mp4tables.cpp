@@ -47,19 +47,6 @@ std::int64_t sumOf(TagLib::File& file, const Table& table, const ValueOf& valueO
     return sum;
 }
 
-/// The first bytes of what is in the atom, filled up with zeros.
-ByteVector headOf(TagLib::File& file, const Mp4Atom* atom)
-{
-    constexpr std::int64_t enough = 32;
-    ByteVector head;
-    if (atom) {
-        file.seek(atom->content());
-        head = file.readBlock(size_t(std::min(enough, atom->end() - atom->content())));
-    }
-    head.resize(enough, '\0');
-    return head;
-}
-
 std::uint32_t flagsOf(const ByteVector& head)
 {
     return head.toUInt(0u) & 0xFFFFFF;

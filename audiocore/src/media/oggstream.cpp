@@ -20,18 +20,17 @@ using TagLib::ByteVector;
 namespace {
 struct Codec
 {
-    OggCodec codec;
     std::string_view magic;
+    OggCodec codec;
     unsigned int size; ///< of the first packet, at least
 };
 
-constexpr Codec codecs[] = {{OggCodec::Vorbis, "\x01vorbis", 30},
-                            {OggCodec::Opus, "OpusHead", 19},
-                            {OggCodec::Flac,
-                             "\x7F"
+constexpr Codec codecs[] = {{"\x01vorbis", OggCodec::Vorbis, 30},
+                            {"OpusHead", OggCodec::Opus, 19},
+                            {"\x7F"
                              "FLAC",
-                             51},
-                            {OggCodec::Speex, "Speex   ", 72}};
+                             OggCodec::Flac, 51},
+                            {"Speex   ", OggCodec::Speex, 72}};
 
 OggCodec codecOf(const ByteVector& head)
 {

@@ -148,7 +148,12 @@ PlaybackEngine::Event PlaybackEngine::nextEvent()
             return Event::None;
         case MPV_EVENT_FILE_LOADED:
             return Event::Loaded;
+        case MPV_EVENT_SEEK:
+            m_seekIsAsked = false;
+            break;
         case MPV_EVENT_PLAYBACK_RESTART:
+            if (m_seekIsAsked)
+                break; // at where it was before, the song's begin as a rule
             return Event::Arrived;
         case MPV_EVENT_END_FILE:
             m_error = mpv_error_string(static_cast<const mpv_event_end_file*>(event->data)->error);
@@ -188,7 +193,8 @@ bool PlaybackEngine::seek(std::int64_t milliseconds)
     mpv_node command{};
     command.format = MPV_FORMAT_NODE_ARRAY;
     command.u.list = &list;
-    return mpv_command_node(m_engine.get(), &command, nullptr) == 0;
+    m_seekIsAsked = mpv_command_node(m_engine.get(), &command, nullptr) == 0;
+    return m_seekIsAsked;
 }
 
 std::optional<std::int64_t> PlaybackEngine::milliseconds(const char* property) const

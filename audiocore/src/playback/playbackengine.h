@@ -65,5 +65,6 @@ private:
     bool m_toldStartError = false;
     bool m_silenceWanted = false;
     bool m_silent = false;
+    bool m_seekIsAsked = false; ///< and has not begun
 };
 } // namespace audiocore

@@ -130,10 +130,15 @@ std::optional<CommentBytes::Bound> CommentBytes::boundOf(const ByteVector& comme
     return std::nullopt;
 }
 
+void CommentBytes::Bound::applyTo(ByteVector& comment) const
+{
+    std::copy(bytes.begin(), bytes.end(), comment.begin() + place);
+}
+
 void CommentBytes::boundFields(ByteVector& comment)
 {
     if (const std::optional<Bound> bound = boundOf(comment))
-        std::copy(bound->bytes.begin(), bound->bytes.end(), comment.begin() + bound->place);
+        bound->applyTo(comment);
 }
 
 std::string CommentBytes::text(int type) const

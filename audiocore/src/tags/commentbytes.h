@@ -20,6 +20,9 @@ public:
         unsigned int place; ///< of the bytes that are to be others
         TagLib::ByteVector bytes;
         unsigned int end; ///< of the fields that are told then
+
+        /// The comment has at least the bytes before `end`.
+        void applyTo(TagLib::ByteVector& comment) const;
     };
     /// Nothing for a comment that is in bounds.
     static std::optional<Bound> boundOf(const TagLib::ByteVector& comment);

@@ -91,7 +91,9 @@ void ForeignFile::read(TagReading& reading)
 std::unique_ptr<TaggedFile> audiocore::openLastWay(CheckedStream& stream, const FormatRow& row)
 {
     const std::optional<SoundView> view = SoundView::of(stream);
-    const auto* const door = view ? static_cast<const LastWayDoor*>(module.opened()) : nullptr;
+    if (!view)
+        return nullptr;
+    const auto* const door = static_cast<const LastWayDoor*>(module.opened());
     if (!door)
         return nullptr;
     ShownBytes bytes(stream, *view);

@@ -92,8 +92,8 @@ ByteVector oldTrack(Mp4File& file, const Mp4List& list)
 
 void replace(std::vector<Field>& fields, int type, const std::optional<Field>& field)
 {
-    audiocore::replaceFields(
-        fields, [type](const Field& old) { return old.type == type; }, field);
+    const auto isOld = [type](const Field& old) { return old.type == type; };
+    audiocore::replaceFields(fields, isOld, field);
 }
 
 /// A free item that has no value, and no more than a part of a name.

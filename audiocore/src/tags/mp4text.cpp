@@ -4,6 +4,7 @@
 #include "tags/tagtext.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <string_view>
 

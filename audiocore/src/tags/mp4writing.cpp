@@ -224,10 +224,10 @@ Step stepInTexts(Mp4File& file, const Mp4Atoms& atoms, const Mp4List& list, cons
     std::bitset<audiocore::textTypes> seen;
     for (const Mp4Item& item : list.items) {
         const auto type = size_t(item.type);
-        if (!edits.texts[type])
+        const std::optional<std::string>& text = edits.texts[type];
+        if (!text)
             continue;
-        const ByteVector bytes =
-            seen[type] ? ByteVector() : audiocore::editedText(file, item, *edits.texts[type]);
+        const ByteVector bytes = seen[type] ? ByteVector() : audiocore::editedText(file, item, *text);
         seen.set(type);
         if (bytes.isEmpty() || bytes.size() != item.atom.size || bytes != bytesOf(file, item.atom))
             return {true, put(file, atoms, placeOf(atoms, item.atom), bytes)};
@@ -241,8 +241,8 @@ Step nextStep(Mp4File& file, const TagEdits& edits)
     for (const Mp4List& list : audiocore::mp4Lists(file, atoms)) {
         if (list.own)
             continue;
-        const Step step = list.kind == Mp4List::Kind::Texts ? stepInTexts(file, atoms, list, edits)
-                                                            : stepInList(file, atoms, list, edits);
+        Step step = list.kind == Mp4List::Kind::Texts ? stepInTexts(file, atoms, list, edits)
+                                                      : stepInList(file, atoms, list, edits);
         if (step.isNeeded)
             return step;
     }

@@ -130,7 +130,7 @@ void OggTags::read(TagReading& reading)
     ByteVector comment = *m_comment;
     if (const std::optional<CommentBytes::Bound> bound = CommentBytes::boundOf(comment)) {
         comment = comment.mid(0, bound->end); // what is left out takes no memory once more
-        std::copy(bound->bytes.begin(), bound->bytes.end(), comment.begin() + bound->place);
+        bound->applyTo(comment);
     }
     TagLib::Ogg::XiphComment fields(comment);
     reading.add(&fields, [&comment] { return comment; });

@@ -57,6 +57,7 @@ bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
     parsed.demuxer = media.demuxer;
     parsed.properties = atLeastZero(properties);
     parsed.audioBegin = media.audioBegin;
+    parsed.largestPicture = media.file->largestPicture();
     addItems(parsed, audiocore::readTags(media));
     return true;
 }

@@ -29,8 +29,9 @@ struct ParsedMedia
     AudioFormat format = AUDIO_FORMAT_UNKNOWN;
     const char* demuxer = ""; ///< FFmpeg's name of what opens it, for playing
     MpegStream properties;
-    std::int64_t audioBegin = 0; ///< behind a tag at the file's beginning
-    std::vector<Item> items;     ///< texts by type, the picture last
+    std::int64_t audioBegin = 0;      ///< behind a tag at the file's beginning
+    std::uint32_t largestPicture = 0; ///< bytes of what may be written into the file
+    std::vector<Item> items;          ///< texts by type, the picture last
 };
 
 /// Reads the file, or hands out the last reading of it when the file did not change since; the readings

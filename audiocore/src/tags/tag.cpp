@@ -152,6 +152,12 @@ SaveProblem SaveProblemOf(const IAudioTag* tag)
     return base::Registry<TagState>::instance().of(tag)->problem;
 }
 
+std::uint32_t LargestPictureFor(const IAudioTag* tag)
+{
+    const auto state = base::Registry<TagState>::instance().of(tag);
+    return state->path.empty() ? 0 : state->parsed()->largestPicture;
+}
+
 IAudioTag* CreateTag()
 {
     return base::Registry<TagState>::instance().make<Tag>();

@@ -1,0 +1,56 @@
+#include "removalfixture.h"
+#include "songs/songclassification.h"
+
+/// What of the classification is asked behind it.
+class TestSongClassification : public RemovalFixture
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { start(); }
+    void init() { prepare(); }
+
+    void theRowBehindAGroup_data();
+    void theRowBehindAGroup();
+
+private:
+    static void describe(QMusicInfo* song, const QString& title)
+    {
+        song->localInfo->title = title;
+        song->localInfo->duration = 180000;
+    }
+};
+
+void TestSongClassification::theRowBehindAGroup_data()
+{
+    QTest::addColumn<int>("groups");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<bool>("isThere");
+    QTest::addColumn<int>("next");
+    QTest::newRow("the one behind it") << 3 << 0 << true << 1;
+    QTest::newRow("behind the last comes the first") << 3 << 2 << true << 0;
+    QTest::newRow("behind the only one comes none") << 1 << 0 << true << -1;
+    QTest::newRow("one that is gone gave its row to the next") << 3 << 1 << false << 1;
+    QTest::newRow("behind the last, which is gone, comes the first") << 3 << 3 << false << 0;
+    QTest::newRow("the only one left") << 1 << 0 << false << 0;
+    QTest::newRow("the only one left, before it") << 1 << 1 << false << 0;
+    QTest::newRow("none is left") << 0 << 0 << false << -1;
+}
+
+void TestSongClassification::theRowBehindAGroup()
+{
+    QFETCH(int, groups);
+    QFETCH(int, row);
+    QFETCH(bool, isThere);
+    for (int i = 0; i < groups; ++i)
+        for (const char* copy : {"a", "b"})
+            describe(song(QString::number(i) + copy), QString("Group %1").arg(i));
+    SongClassification classification;
+    classification.collect(m_all);
+    classification.group();
+    QCOMPARE(classification.groups().size(), groups);
+    QTEST(classification.rowAfter(row, isThere), "next");
+}
+
+QTEST_MAIN(TestSongClassification)
+#include "tst_songclassification.moc"
