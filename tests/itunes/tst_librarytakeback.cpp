@@ -5,9 +5,12 @@
 #include <QTextCodec>
 #include <QtTest>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <sys/resource.h>
+#include <thread>
+#include <vector>
 
 using Fixtures::ITunesTrack;
 using LibraryCalls::contentOf;
@@ -43,6 +46,7 @@ private slots:
     void atEveryStepTheLibraryIsTheOldOrTheNewOne_data();
     void atEveryStepTheLibraryIsTheOldOrTheNewOne();
     void whatIsKeptIsTold();
+    void otherThreadsGoOn();
 
 private:
     void remove(const Songs& songs);
@@ -438,6 +442,34 @@ void TestLibraryTakeBack::whatIsKeptIsTold()
     QVERIFY(takeBackBytes() < uint64_t(gone) * 3);
     QVERIFY(takeBack(songs));
     QCOMPARE(takeBackBytes(), uint64_t(0));
+}
+
+/// Their changes come into the journal while tracks go back into the file.
+void TestLibraryTakeBack::otherThreadsGoOn()
+{
+    constexpr int rounds = 8;
+    constexpr int each = 20;
+    m_songs->makeSongs(rounds * each + 10);
+    for (int round = 0; round < rounds; ++round) {
+        removeAndWrite({1, 3});
+        const int first = 10 + round * each;
+        std::thread deleting([first] {
+            for (int i = first; i < first + each; ++i)
+                deleteMusic(SongLibrary::id(i));
+        });
+        const bool isBack = takeBack({3, 1});
+        deleting.join();
+        QVERIFY(isBack);
+    }
+    closeITunesLibrary();
+    m_songs->tracks.resize(10);
+    for (Fixtures::ITunesPlaylist& playlist : m_songs->playlists) {
+        const auto isGone = [](int track) { return track >= Fixtures::itunesTrack(10).trackId; };
+        playlist.trackIds.erase(std::remove_if(playlist.trackIds.begin(), playlist.trackIds.end(), isGone),
+                                playlist.trackIds.end());
+    }
+    QVERIFY(m_songs->content() == m_songs->document());
+    QVERIFY(AudioFile::takeLog().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestLibraryTakeBack)
