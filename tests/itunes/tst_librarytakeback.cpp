@@ -10,6 +10,7 @@
 #include <memory>
 #include <sys/resource.h>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using Fixtures::ITunesTrack;
@@ -47,6 +48,7 @@ private slots:
     void atEveryStepTheLibraryIsTheOldOrTheNewOne();
     void whatIsKeptIsTold();
     void otherThreadsGoOn();
+    void aChangeInBetweenKeepsTheJournal();
 
 private:
     void remove(const Songs& songs);
@@ -470,6 +472,30 @@ void TestLibraryTakeBack::otherThreadsGoOn()
     }
     QVERIFY(m_songs->content() == m_songs->document());
     QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
+/// What waited is in the file by then, and in the journal still: it must not go once more.
+void TestLibraryTakeBack::aChangeInBetweenKeepsTheJournal()
+{
+    m_songs->makeSongs(8);
+    removeAndWrite({1, 2});
+    remove({3, 5});
+    bool isDeleted = false;
+    {
+        const Interposed::Guard guard;
+        Interposed::beforeSync = [&isDeleted] {
+            if (!std::exchange(isDeleted, true))
+                deleteMusic(SongLibrary::id(7));
+        };
+        QVERIFY(takeBack({1, 2, 3, 5}));
+    }
+    QVERIFY(isDeleted);
+    closeITunesLibrary();
+    for (Fixtures::ITunesPlaylist& playlist : m_songs->playlists)
+        playlist.trackIds.removeAll(m_songs->tracks.at(7).trackId);
+    m_songs->tracks.removeAt(7);
+    QVERIFY(m_songs->content() == m_songs->document());
+    QVERIFY(!QFile::exists(m_songs->journal()));
 }
 
 QTEST_GUILESS_MAIN(TestLibraryTakeBack)
