@@ -6,8 +6,10 @@ else()
   target_compile_options(melodrift_flags INTERFACE -Wall -Wextra -Wpedantic $<$<BOOL:${MELODRIFT_WERROR}>:-Werror>)
 endif()
 if(MELODRIFT_SANITIZE)
-  target_compile_options(melodrift_flags INTERFACE -fsanitize=${MELODRIFT_SANITIZE} -fno-omit-frame-pointer
-                                                   -fno-sanitize-recover=undefined)
+  target_compile_options(
+    melodrift_flags INTERFACE -fsanitize=${MELODRIFT_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined
+                              $<$<BOOL:$<TARGET_PROPERTY:MELODRIFT_OF_TESTS>>:-fno-sanitize=undefined>
+  )
   target_link_options(melodrift_flags INTERFACE -fsanitize=${MELODRIFT_SANITIZE})
 endif()
 
@@ -22,6 +24,12 @@ if(UNIX AND NOT APPLE)
     endif()
   endforeach()
 endif()
+
+# melodrift_is_of_tests(NAME): code that tests is compiled without the checks of undefined behaviour, which are there for
+# the code that is tested and take a third of the time.
+function(melodrift_is_of_tests name)
+  set_property(TARGET ${name} PROPERTY MELODRIFT_OF_TESTS ON)
+endfunction()
 
 # melodrift_lies_beside_the_program(NAME): a library that is loaded with the programs, or by them at its first use.
 function(melodrift_lies_beside_the_program name)
@@ -47,6 +55,7 @@ endfunction()
 # A test's own code need not be fast, but quick to build.
 function(melodrift_build_quickly name)
   target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-O0>)
+  melodrift_is_of_tests(${name})
 endfunction()
 
 # melodrift_test_headers(NAME LIBS HEADERS ...): what comes before every test of a kind, compiled once for all of them,

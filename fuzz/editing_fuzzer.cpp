@@ -15,11 +15,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iterator>
-#include <memory>
 #include <string>
 
 using audiocore::CheckedStream;
-using audiocore::NeededEdits;
 using audiocore::ParsedMedia;
 using audiocore::TagEdits;
 using base::MemoryFile;
@@ -73,33 +71,33 @@ void expectKept(const ParsedMedia& before, const ParsedMedia& after, const TagEd
             "the length is kept");
 }
 
-/// What the file needs of the edits; false where it cannot be edited.
-bool needed(MemoryFile& file, const TagEdits& edits, NeededEdits& result)
+/// False for what is no music.
+bool read(MemoryFile& file, ParsedMedia& media)
 {
-    std::string error;
     CheckedStream stream(file, "input", CheckedStream::Mode::Read);
-    const bool readable = audiocore::neededEdits(stream, edits, result, error);
-    promise(readable == error.empty(), "what is refused has a reason");
-    return readable;
+    return audiocore::readMedia(stream, media).empty();
 }
 
 void edit(const std::string& bytes, const TagEdits& edits)
 {
     MemoryFile original(bytes);
-    const std::shared_ptr<const ParsedMedia> before = audiocore::parsedMedia(original, "input");
-    NeededEdits wanted;
-    if (before->format == AUDIO_FORMAT_UNKNOWN || !needed(original, edits, wanted) || wanted.edits.isEmpty())
+    ParsedMedia before;
+    if (!read(original, before))
+        return;
+    const TagEdits wanted = audiocore::neededEdits(before, edits).edits;
+    if (wanted.isEmpty())
         return;
     MemoryFile copy(bytes, std::int64_t(bytes.size()) + growth);
     std::string error;
-    const bool done = audiocore::editCopy(copy, "input", wanted.edits, *before, error);
+    const bool done = audiocore::editCopy(copy, "input", wanted, before, error);
     promise(done == error.empty(), "what is not done has a reason");
     promise(original.bytes() == bytes, "the original stays as it is");
     if (!done)
         return;
-    expectKept(*before, *audiocore::parsedMedia(copy, "input"), wanted.edits);
-    NeededEdits further;
-    promise(needed(copy, edits, further) && further.edits.isEmpty(), "the same edits change nothing more");
+    ParsedMedia after;
+    promise(read(copy, after), "what was edited can be read");
+    expectKept(before, after, wanted);
+    promise(audiocore::neededEdits(after, edits).edits.isEmpty(), "the same edits change nothing more");
 }
 } // namespace
 

@@ -5,16 +5,14 @@
 #include "intakedialogs.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "showngroup.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
 #include "views/songcells.h"
 
-#include <QDragEnterEvent>
-#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 #include <QShortcut>
-#include <QTimer>
 
 CenterWidget::CenterWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
@@ -37,7 +35,6 @@ CenterWidget::~CenterWidget()
     m_views->showGroups(nullptr, SongCells::columnModeDupTable);
     m_adding.intake().reader().forgetCovers();
     qDeleteAll(m_localMusicList);
-    qDeleteAll(m_removedSongs);
 }
 
 void CenterWidget::Init()
@@ -54,6 +51,10 @@ void CenterWidget::Init()
     m_openShortcut =
         new QShortcut(QKeySequence::Open, this, SLOT(OnBtnOpenFile()), nullptr, Qt::WindowShortcut);
     m_openShortcut->setEnabled(false);
+    // A key that is held does not take everything back.
+    (new QShortcut(QKeySequence::Undo, this, SLOT(SlotUndo()), nullptr, Qt::WindowShortcut))
+        ->setAutoRepeat(false);
+    ui->m_musicDetailedWidget->setHistory(&m_foot.undo().history());
     setAcceptDrops(false);
 }
 
@@ -62,6 +63,7 @@ void CenterWidget::InitView()
     m_views = new SongViews(
         {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView},
         m_pAllMusicList, &m_classification.groups(), this);
+    m_shownGroup = std::make_unique<ShownGroup>(*ui->m_dupMusicDetailedWidget, *m_views, m_classification);
     m_pCurrentView = ui->m_allMusicListView;
 }
 
@@ -89,7 +91,12 @@ void CenterWidget::InitConnect()
     connect(&m_adding, &FileAdding::finished, this, &CenterWidget::emitIntakeFinished);
     connect(&m_adding, &FileAdding::pathsTaken, this, &CenterWidget::emitSetNavigViewBtn);
     connect(&m_adding, &FileAdding::scanWanted, this, &CenterWidget::SlotScanAddedFiles);
-    connect(&m_adding, &FileAdding::told, this, &CenterWidget::tell);
+    connect(&m_adding, &FileAdding::told, &m_foot, &CenterFoot::tell);
+    connect(&m_foot, &CenterFoot::told, this, &CenterWidget::emitTold);
+    connect(&m_foot, &CenterFoot::undoOffered, this, &CenterWidget::emitUndoOffered);
+    connect(&m_foot, &CenterFoot::undoChosen, this, &CenterWidget::SlotUndo);
+    connect(&m_foot, &CenterFoot::undone, this, &CenterWidget::showAfterUndo);
+    connect(&m_foot, &CenterFoot::groupChosen, this, &CenterWidget::showGroup);
     connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitTold, this, &CenterWidget::emitTold);
     connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitTold, this,
             &CenterWidget::emitTold);
@@ -157,10 +164,7 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
 {
     // Oddity 33: not kept from clicking, unlike the list of songs.
-    m_nCurrentDupRow = index.row();
-    m_views->selectGroup(index.row());
-    if (DupMusicInfo* group = SongViews::groupOf(index))
-        ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(&group->musicList);
+    m_shownGroup->show(index);
 }
 
 void CenterWidget::SlotDoubleClickAllMusicIndex(const QModelIndex& index)
@@ -213,7 +217,7 @@ void CenterWidget::ClearSelectedWidget()
     m_adding.intake().reader().forgetCovers();
     qDeleteAll(songs);
     // No panel shows one any more.
-    qDeleteAll(std::exchange(m_removedSongs, {}));
+    m_foot.forgetChanges();
 }
 
 void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
@@ -228,7 +232,7 @@ void CenterWidget::classify()
 {
     m_classification.collect(*m_pAllMusicList);
     emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
-    forgetShownGroup();
+    m_shownGroup->forget();
     m_classification.group();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
@@ -261,6 +265,7 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
         m_views->showSongs(&m_classification.undefinedSongs());
     selectShownSong();
     m_pCurrentView->verticalScrollBar()->setValue(scrolled);
+    m_foot.offerUndo();
 }
 
 /// Models that were reset have forgotten it.
@@ -271,13 +276,6 @@ void CenterWidget::selectShownSong()
     const int row = songs.indexOf(ui->m_musicDetailedWidget->song());
     if (row >= 0)
         selectSong(row);
-}
-
-/// A group that fell to one song is none any more.
-bool CenterWidget::isShownGroupLeft() const
-{
-    const DupMusicInfo* group = m_classification.groups().value(int(m_nCurrentDupRow));
-    return group && ui->m_dupMusicDetailedWidget->shows(group->musicList);
 }
 
 void CenterWidget::selectSong(int row)
@@ -299,10 +297,7 @@ void CenterWidget::SlotEditedAgain()
 
 void CenterWidget::SlotGroupCleared()
 {
-    QVector<FootText::Link> links;
-    if (const int next = m_classification.rowAfter(int(m_nCurrentDupRow), isShownGroupLeft()); next >= 0)
-        links.append({QStringLiteral("Next group"), [this, next] { showGroup(next); }});
-    tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), links);
+    m_foot.tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), m_shownGroup->next());
 }
 
 void CenterWidget::showGroup(int row)
@@ -310,32 +305,38 @@ void CenterWidget::showGroup(int row)
     if (row >= m_classification.groups().size())
         return;
     emit emitChooseDuplicates();
-    SlotClickDupMusicIndex(m_views->view(true, m_bGridMode)->model()->index(row, 0));
+    m_shownGroup->show(row);
 }
 
-void CenterWidget::tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links)
+void CenterWidget::SlotUndo()
 {
-    tell({tally.line(), tally.failed(), links});
-    if (!tally.files().isEmpty())
-        emit emitFilesRemoved(tally.files());
+    if (!ListsAreInUse())
+        m_foot.takeBack(songLists());
 }
 
-/// What has no words is no news.
-void CenterWidget::tell(const FootText& told)
+/// The view in force stays. Of groups the one is shown that songs came back to, else the one shown before.
+void CenterWidget::showAfterUndo(const SongUndo::Undone& undone)
 {
-    if (!told.text.isEmpty())
-        emit emitTold(told);
+    const QList<QMusicInfo*> kept = m_shownGroup->keptSongs();
+    if (undone.edited && undone.edited == ui->m_musicDetailedWidget->song())
+        ui->m_musicDetailedWidget->showAnew();
+    SlotMusicInfoHaveBeEdited();
+    m_views->refreshGroups();
+    showCurrentView();
+    emitCounts();
+    if (m_nViewKind == ViewDuplicates)
+        m_shownGroup->show(undone.returned.isEmpty() ? kept : undone.returned, kept);
 }
 
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    if (SongRemoval::removeOne(songLists(), song, m_nCurrentDupRow, ui->m_dupMusicDetailedWidget->keptFiles(),
-                               ui->m_dupMusicDetailedWidget->fileRemoval()))
-        m_removedSongs.append(song);
+    if (const auto removed = SongRemoval::removeOne(songLists(), song, m_shownGroup->row(),
+                                                    ui->m_dupMusicDetailedWidget->keptFiles(),
+                                                    ui->m_dupMusicDetailedWidget->fileRemoval()))
+        m_foot.undo().songsLeft({*removed});
     m_views->refreshSongs();
     slotShowDuplicateMusicView();
-    if (isShownGroupLeft())
-        m_views->selectGroup(int(m_nCurrentDupRow)); // models that were reset have forgotten it
+    m_shownGroup->markAnew();
     emitCounts();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
@@ -349,15 +350,15 @@ void CenterWidget::SlotDeleteAllDupMusic()
 
 void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
-    m_removedSongs += m_deletion.finish();
+    m_foot.undo().songsLeft(m_deletion.finish());
     RemovalTally tally = ui->m_dupMusicDetailedWidget->takeTally();
     tally.add(m_deletion.takeTally());
     m_views->setGroupsEnabled(true);
-    forgetShownGroup();
+    m_shownGroup->forget();
     m_views->refreshGroups();
     m_views->refreshSongs();
     emitCounts();
-    tellOfDeletion(tally, {});
+    m_foot.tellOfDeletion(tally);
 }
 
 void CenterWidget::emitCounts()
@@ -368,15 +369,8 @@ void CenterWidget::emitCounts()
 
 void CenterWidget::clearClassification()
 {
-    forgetShownGroup();
+    m_shownGroup->forget();
     m_classification.clear();
-}
-
-/// Groups are about to go: the panel shows none of them any more.
-void CenterWidget::forgetShownGroup()
-{
-    ui->m_dupMusicDetailedWidget->hide();
-    ui->m_dupMusicDetailedWidget->SetDuplicateMusicDetailedInfo(nullptr);
 }
 
 void CenterWidget::slotShowAllmusicView()
@@ -388,23 +382,12 @@ void CenterWidget::slotShowAllmusicView()
 
 void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!whyNoFiles().isEmpty()) {
-        event->ignore();
-        return;
-    }
-    event->accept();
-    if (event->mimeData()->hasFormat(QStringLiteral("text/uri-list")))
-        event->acceptProposedAction();
+    m_adding.greet(*event);
 }
 
 void CenterWidget::dropEvent(QDropEvent* event)
 {
-    const QStringList paths = FileAdding::pathsOf(*event->mimeData());
-    if (paths.isEmpty() || !whyNoFiles().isEmpty())
-        return;
-    event->acceptProposedAction();
-    // The source of the drag waits for this handler: it is let go before the long work starts.
-    QTimer::singleShot(0, this, [this, paths] { TakeDroppedPaths(paths); });
+    m_adding.receive(*event);
 }
 
 /// Files are local songs: of any other mode, and of one that is being left, they are none.

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "centerfoot.h"
 #include "common/footline.h"
 #include "dropzone.h"
 #include "fileadding.h"
 #include "groupdeletion.h"
 #include "songs/songclassification.h"
+#include "songs/songundo.h"
 
 #include <QList>
 #include <QStringList>
@@ -16,6 +18,7 @@ class IAudioTag;
 class QAbstractItemView;
 class QModelIndex;
 class QShortcut;
+class ShownGroup;
 class SongViews;
 struct QMusicInfo;
 
@@ -68,8 +71,6 @@ signals:
     void emitUndefinedMusicCount(int count);
     void emitDuplicateMusicCount(int groups);
     void emitMusicCount(int all, int undefined, int groups);
-    /// At the end of each deletion of files, of which clearing all groups is one.
-    void emitFilesRemoved(const RemovedFiles& files);
     void emitFinishScanninglocalMusic();
     void emitStartToPlayMusic(QMusicInfo* song);
     void emitSetNavigViewBtn();
@@ -80,6 +81,8 @@ signals:
     void emitIntakeFinished();
     /// For the foot of the window.
     void emitTold(const FootText& told);
+    /// What can be taken back now, for the foot of the window; without a caption there is nothing.
+    void emitUndoOffered(const FootText::Link& link);
     /// As a click on the row of duplicates in the navigation pane.
     void emitChooseDuplicates();
 
@@ -112,6 +115,8 @@ public slots:
     void SlotScanAddedFiles();
     /// The song of the panel is edited once more.
     void SlotEditedAgain();
+    /// Takes the newest change back, while nothing else is at the lists.
+    void SlotUndo();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -127,8 +132,7 @@ private:
     void InitConnect();
 
     QString whyNoFiles() const;
-    void tell(const FootText& told);
-    void tellOfDeletion(const RemovalTally& tally, const QVector<FootText::Link>& links);
+    void showAfterUndo(const SongUndo::Undone& undone);
     void showGroup(int row);
 
     void display(bool grid);
@@ -140,28 +144,26 @@ private:
     void emitCounts();
     void classify();
     void clearClassification();
-    void forgetShownGroup();
     void selectSong(int row);
     void selectShownSong();
-    bool isShownGroupLeft() const;
 
     std::unique_ptr<Ui::CenterWidget> ui;
     DropZone m_dropZone;
 
     int m_nViewKind = ViewAll;
     int m_nCurrentRow = 0;
-    qint64 m_nCurrentDupRow = 0;
     bool m_bGridMode = true;
     bool m_bForbidClick = false;
     QAbstractItemView* m_pCurrentView = nullptr;
     SongViews* m_views = nullptr;
+    std::unique_ptr<ShownGroup> m_shownGroup;
     QShortcut* m_openShortcut = nullptr;
 
     QList<QMusicInfo*> m_localMusicList;                     ///< owned
     QList<IAudioTag*> m_tagList;                             ///< one per local song, same index
     QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
     SongClassification m_classification;
-    QList<QMusicInfo*> m_removedSongs; ///< owned; out of every list, but panels may still show one
+    CenterFoot m_foot;
     GroupDeletion m_deletion;
 
     FileAdding m_adding;

@@ -29,7 +29,7 @@ void DeleteAllDupMusicThread::GetDupMusicBeDelete(QList<QMusicInfo*>* all, QList
     m_tally = RemovalTally();
 }
 
-QList<QMusicInfo*> DeleteAllDupMusicThread::takeRemovedSongs()
+QVector<RemovedSong> DeleteAllDupMusicThread::takeRemovedSongs()
 {
     return std::exchange(m_removedSongs, {});
 }

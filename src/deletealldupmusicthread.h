@@ -22,7 +22,7 @@ public:
     void GetDupMusicBeDelete(QList<QMusicInfo*>* all, QList<DupMusicInfo*>* groups,
                              QList<QMusicInfo*>* undefined, QList<IAudioTag*>* tags);
     /// The songs that the last run took out of the list of all songs; they are nobody's from then on.
-    QList<QMusicInfo*> takeRemovedSongs();
+    QVector<RemovedSong> takeRemovedSongs();
     /// What the last run did with their files or tracks.
     RemovalTally takeTally();
 
@@ -39,6 +39,6 @@ private:
     void deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done, FileRemoval& removal);
 
     SongLists m_lists;
-    QList<QMusicInfo*> m_removedSongs;
+    QVector<RemovedSong> m_removedSongs;
     RemovalTally m_tally;
 };

@@ -147,7 +147,7 @@ void DuplicateMusicDetailedWidget::deleteUncheckedSongs()
     if (m_listBarWidget.size() == 1)
         removeLastRow();
     else if (!rowsMatchSongs())
-        showRowsAnew(); // or the next deletion would take another row's song
+        showKeeping(m_pMusicList, keptSongs()); // or the next deletion would take another row's song
     else
         markBestRow();
     ui->m_scrollAreaWidget->show();
@@ -200,15 +200,12 @@ bool DuplicateMusicDetailedWidget::rowsMatchSongs() const
     return true;
 }
 
-/// What was marked to be kept stays marked.
-void DuplicateMusicDetailedWidget::showRowsAnew()
+void DuplicateMusicDetailedWidget::showKeeping(QList<QMusicInfo*>* list, const QList<QMusicInfo*>& kept)
 {
-    QSet<const QMusicInfo*> kept;
-    for (const QMusicInfo* song : keptSongs())
-        kept.insert(song);
-    SetDuplicateMusicDetailedInfo(m_pMusicList);
+    SetDuplicateMusicDetailedInfo(list);
+    const QSet<QMusicInfo*> marked(kept.begin(), kept.end());
     for (DupMusicbarWidget* row : qAsConst(m_listBarWidget))
-        if (!row->isKept() && kept.contains(row->song()))
+        if (!row->isKept() && marked.contains(row->song()))
             row->SlotOnBtnCheckBox();
 }
 

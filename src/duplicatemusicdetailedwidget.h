@@ -34,6 +34,8 @@ public:
     /// Shows a row for each song, the first one marked to be kept, and the panel; no list: forgets the group
     /// shown. The list and its songs must outlive their being shown.
     void SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list);
+    /// The same, and marks those of the songs to be kept, too.
+    void showKeeping(QList<QMusicInfo*>* list, const QList<QMusicInfo*>& kept);
     /// All groups, for what clearing them would do; they must outlive the panel, or be taken back (null).
     void setGroups(const QList<DupMusicInfo*>* groups) { m_groups = groups; }
     /// Whether the rows shown are those of this list.
@@ -82,7 +84,6 @@ private:
     bool rowsMatchSongs() const;
     void deleteUncheckedRows();
     void deleteUncheckedSongs();
-    void showRowsAnew();
     void showButtons(bool visible);
     void play(QMusicInfo* song, bool fromDupBar);
 

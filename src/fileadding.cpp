@@ -3,12 +3,25 @@
 #include "intakedialogs.h"
 
 #include <QDebug>
+#include <QDragEnterEvent>
 #include <QMimeData>
+#include <QTimer>
 #include <QUrl>
 
 #include <utility>
 
 int m_local_add_or_ScanAgain = 0;
+
+namespace {
+/// What a drop brings; an empty path for what is no file.
+QStringList pathsOf(const QMimeData& dropped)
+{
+    QStringList paths;
+    for (const QUrl& url : dropped.urls())
+        paths.append(url.toLocalFile());
+    return paths;
+}
+} // namespace
 
 FileAdding::FileAdding(QWidget& window, QList<QMusicInfo*>& songs, QList<IAudioTag*>& tags,
                        std::function<QString()> whyNot)
@@ -16,12 +29,25 @@ FileAdding::FileAdding(QWidget& window, QList<QMusicInfo*>& songs, QList<IAudioT
 {
 }
 
-QStringList FileAdding::pathsOf(const QMimeData& dropped)
+void FileAdding::greet(QDragEnterEvent& event) const
 {
-    QStringList paths;
-    for (const QUrl& url : dropped.urls())
-        paths.append(url.toLocalFile());
-    return paths;
+    if (!takesFiles()) {
+        event.ignore();
+        return;
+    }
+    event.accept();
+    if (event.mimeData()->hasFormat(QStringLiteral("text/uri-list")))
+        event.acceptProposedAction();
+}
+
+void FileAdding::receive(QDropEvent& event)
+{
+    const QStringList paths = pathsOf(*event.mimeData());
+    if (paths.isEmpty() || !takesFiles())
+        return;
+    event.acceptProposedAction();
+    // The source of the drag waits for this handler: it is let go before the long work starts.
+    QTimer::singleShot(0, this, [this, paths] { takeDropped(paths); });
 }
 
 void FileAdding::takeDropped(const QStringList& paths)

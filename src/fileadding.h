@@ -10,7 +10,8 @@
 #include <functional>
 
 class IAudioTag;
-class QMimeData;
+class QDragEnterEvent;
+class QDropEvent;
 struct QMusicInfo;
 
 /// What Start Scan does in the local mode: 0 opens the add-files dialog, 1 scans the files already added.
@@ -33,8 +34,10 @@ public:
     /// Whether files were ever added.
     bool hasAdded() const { return m_bAdded; }
 
-    /// What a drop brings; an empty path for what is no file.
-    static QStringList pathsOf(const QMimeData& dropped);
+    /// Whether what is dragged may be dropped.
+    void greet(QDragEnterEvent& event) const;
+    /// What is dropped is taken soon after the event, as takeDropped() does it.
+    void receive(QDropEvent& event);
     /// Files and folders; Windows Media files are only for who names them.
     void takeDropped(const QStringList& paths);
     void takeNamed(const QStringList& paths);

@@ -39,7 +39,7 @@ bool GroupDeletion::run(const SongLists& lists, QWidget& window)
     return true;
 }
 
-QList<QMusicInfo*> GroupDeletion::finish()
+QVector<RemovedSong> GroupDeletion::finish()
 {
     m_bDeleting = false;
     m_pWaitingDlg->finish();

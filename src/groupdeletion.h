@@ -26,7 +26,7 @@ public:
     /// From the beginning of a run to finish().
     bool isRunning() const { return m_bDeleting; }
     /// Closes the dialog. The songs that the run took out of the list of all songs, nobody's from then on.
-    QList<QMusicInfo*> finish();
+    QVector<RemovedSong> finish();
     /// What the run that was finished last did with their files or tracks.
     RemovalTally takeTally();
     /// Ends a run after the file at hand; the owner's slot runs as ever.

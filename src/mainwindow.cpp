@@ -150,6 +150,7 @@ void MainWindow::InitConnect()
     connect(center, SIGNAL(emitIntakeFinished()), this, SLOT(SlotIntakeFinished()));
     connect(center, &CenterWidget::emitChooseDuplicates, navigation, &NavigationWidget::OnBtnMusicDuplicate);
     connect(center, &CenterWidget::emitTold, ui->m_footLine, &FootLine::tell);
+    connect(center, &CenterWidget::emitUndoOffered, ui->m_footLine, &FootLine::offer);
 }
 
 void MainWindow::setTopImage(const QString& path)

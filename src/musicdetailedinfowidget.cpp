@@ -9,6 +9,8 @@
 #include "identifythread.h"
 #include "keepoffers.h"
 #include "loadplayerthread.h"
+#include "songlabels.h"
+#include "songs/changehistory.h"
 #include "songs/footlines.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
@@ -20,6 +22,8 @@
 #include <QPainter>
 #include <QStandardPaths>
 
+#include <utility>
+
 MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>()),
       m_face(SkinPicture::path("bg_right.png"))
@@ -28,6 +32,9 @@ MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     m_editors = std::make_unique<SongEditors>(SongEditors::Widgets{ui->m_lineTitle, ui->m_lineArtist,
                                                                    ui->m_lineAlbum, ui->m_lineYear,
                                                                    ui->m_lineTrackNo, ui->m_comboGenre});
+    m_labels = std::make_unique<SongLabels>(SongLabels::Widgets{ui->m_titleName, ui->m_artistName,
+                                                                ui->m_albumName, ui->m_yearNumber,
+                                                                ui->m_trackNoName, ui->m_genreName});
     InitBtn();
     InitConnect();
     HiddenLineEdit();
@@ -128,22 +135,36 @@ void MusicDetailedInfoWidget::forgetFormerSong()
     endIdentification();
 }
 
+void MusicDetailedInfoWidget::showAnew()
+{
+    if (isHidden()) // it is shown anew when it comes
+        return;
+    m_bNewSong = true;
+    if (!isEditing()) {
+        ShowMusicInfo();
+        return;
+    }
+    showTexts(); // as they are under the editors
+    m_bNewSong = false;
+    if (m_strNewCoverPath.isEmpty())
+        showCover(SongCover::shownPath(m_pMusicInfo));
+    offerToKeepCover();
+}
+
 void MusicDetailedInfoWidget::ShowMusicInfo()
 {
     showCover(SongCover::shownPath(m_pMusicInfo));
-    const bool own = !m_bNewSong;
-    ui->m_titleName->setText(own ? m_strShownTitle : SongFields::title(m_pMusicInfo));
-    ui->m_artistName->setText(own ? m_strShownArtist : SongFields::artist(m_pMusicInfo));
-    ui->m_albumName->setText(own ? m_strShownAlbum : SongFields::album(m_pMusicInfo));
-    ui->m_genreName->setText(own ? m_strShownGenre : SongFields::genre(m_pMusicInfo));
-    ui->m_yearNumber->setText(own ? m_strShownYear : QString::number(SongFields::year(m_pMusicInfo)));
-    ui->m_trackNoName->setText(own ? m_strShownTrackNo
-                                   : QString::number(SongFields::trackNumber(m_pMusicInfo)));
+    showTexts();
     m_bNewSong = false;
     showButtons(false);
     SetTextLabelAndLineState();
     ui->currentImgWidget->setEnabled(false);
     show();
+}
+
+void MusicDetailedInfoWidget::showTexts()
+{
+    m_labels->show(m_bNewSong ? SongEditors::of(m_pMusicInfo) : m_typed);
 }
 
 void MusicDetailedInfoWidget::showCover(const QString& path)
@@ -193,16 +214,13 @@ void MusicDetailedInfoWidget::showButtons(bool editing)
 void MusicDetailedInfoWidget::HiddenLineEdit()
 {
     m_keepOffers->end();
-    for (QLineEdit* editor : findChildren<QLineEdit*>())
-        editor->hide();
-    ui->m_comboGenre->hide();
+    m_editors->setVisible(false);
 }
 
 void MusicDetailedInfoWidget::SetTextLabelAndLineState()
 {
     HiddenLineEdit();
-    for (RetractLabel* label : findChildren<RetractLabel*>())
-        label->show();
+    m_labels->setVisible(true);
 }
 
 bool MusicDetailedInfoWidget::isEditing() const
@@ -214,11 +232,8 @@ void MusicDetailedInfoWidget::SlotOnBtnEdit()
 {
     m_bIdentifyFailed = false;
     m_editors->show(m_pMusicInfo);
-    for (RetractLabel* label : findChildren<RetractLabel*>())
-        label->hide();
-    for (QLineEdit* editor : findChildren<QLineEdit*>())
-        editor->show();
-    ui->m_comboGenre->show();
+    m_labels->setVisible(false);
+    m_editors->setVisible(true);
     ui->currentImgWidget->setToolTip(QStringLiteral("click to add cover"));
     ui->currentImgWidget->setEnabled(true);
     if (!m_strNewCoverPath.isEmpty())
@@ -345,27 +360,10 @@ void MusicDetailedInfoWidget::SlotChangeImage()
         takeNewCover(choice.path, CoverOrigin::Chosen);
 }
 
-void MusicDetailedInfoWidget::cacheEditorTexts()
-{
-    m_strShownTitle = ui->m_lineTitle->text();
-    m_strShownArtist = ui->m_lineArtist->text();
-    m_strShownAlbum = ui->m_lineAlbum->text();
-    m_strShownGenre = ui->m_comboGenre->currentText();
-    m_strShownYear = ui->m_lineYear->text();
-    m_strShownTrackNo = ui->m_lineTrackNo->text();
-}
-
 SongEdit MusicDetailedInfoWidget::editedSong() const
 {
-    SongEdit edit;
-    edit.title = m_strShownTitle;
-    edit.artist = m_strShownArtist;
-    edit.album = m_strShownAlbum;
-    edit.genre = m_strShownGenre;
-    edit.year = m_strShownYear.toInt();
-    edit.trackNumber = m_strShownTrackNo.toInt();
+    SongEdit edit = m_editors->edit();
     edit.newCoverPath = m_strNewCoverPath;
-    edit.genreChosen = m_editors->isGenreChanged();
     edit.coverKept = isOwnCoverKept();
     return edit;
 }
@@ -386,7 +384,7 @@ void MusicDetailedInfoWidget::takeBack(QMusicInfo* song)
         return;
     emit emitTold(FootText());
     if (song == m_pMusicInfo)
-        SetMusicDetailedInfo(song);
+        showAnew();
     emit emitMusicCoverHasChanged();
 }
 
@@ -394,8 +392,10 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
 {
     if (!m_pMusicInfo)
         return;
-    cacheEditorTexts();
-    const SongEditing::Outcome outcome = SongEditing::apply(*m_pMusicInfo, editedSong());
+    m_typed = m_editors->held();
+    SongEditing::Outcome outcome = SongEditing::apply(*m_pMusicInfo, editedSong());
+    if (m_history)
+        m_history->add(std::move(outcome.change));
     if (outcome.coverChanged)
         emit emitMusicCoverHasChanged();
     if (outcome.coverUsed)
@@ -420,15 +420,8 @@ void MusicDetailedInfoWidget::keyPressEvent(QKeyEvent* event)
     }
     if (!enter || ui->m_btnCancel->hasFocus())
         SlotOnBtnCancel();
-    else if (ui->m_btnApply->isEnabled() && (!m_bIdentifyFailed || isInChangedEditor()))
+    else if (ui->m_btnApply->isEnabled() && (!m_bIdentifyFailed || m_editors->isChangedIn(focusWidget())))
         SlotOnBtnApply();
-}
-
-bool MusicDetailedInfoWidget::isInChangedEditor() const
-{
-    if (const auto* editor = qobject_cast<QLineEdit*>(focusWidget()))
-        return editor->isModified();
-    return ui->m_comboGenre->hasFocus() && m_editors->isGenreChanged();
 }
 
 void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)

@@ -11,9 +11,11 @@
 
 #include <memory>
 
+class ChangeHistory;
 class IdentifyThread;
 class KeepOffers;
 class SkinMovie;
+class SongLabels;
 struct QMusicInfo;
 
 namespace Ui {
@@ -37,6 +39,10 @@ public:
     /// song must outlive its being shown.
     void SetMusicDetailedInfo(QMusicInfo* song);
     void ShowMusicInfo();
+    /// Where applies are noted, to be taken back; it must outlive them.
+    void setHistory(ChangeHistory* history) { m_history = history; }
+    /// Something else changed the song shown. An edit that is under way goes on.
+    void showAnew();
     /// The panel is about to be hidden: an edit that nobody applied is told of, and over.
     void leave();
     QMusicInfo* song() const { return m_pMusicInfo; }
@@ -84,6 +90,7 @@ private:
     void forgetFormerSong();
     void showButtons(bool editing);
     void showCover(const QString& path);
+    void showTexts();
     void tellOfLeaving();
     void editAgain(QMusicInfo* song, const SongEditors::Held& typed);
     void tellOfSave(const SongEditing::Outcome& outcome);
@@ -92,13 +99,12 @@ private:
     void keepCover(bool keep);
     bool isOwnCoverKept() const;
     void offerToKeepCover();
-    void cacheEditorTexts();
     SongEdit editedSong() const;
     bool isEditing() const;
-    bool isInChangedEditor() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
     std::unique_ptr<SongEditors> m_editors;
+    std::unique_ptr<SongLabels> m_labels;
     KeepOffers* m_keepOffers = nullptr;
     SkinPicture m_face;
 
@@ -107,15 +113,11 @@ private:
     bool m_bIdentified = false;
     bool m_bIdentifying = false;    ///< from the start until the results are here, or nobody waits for them
     bool m_bIdentifyFailed = false; ///< since the editors were opened
-    QString m_strShownTitle;        ///< oddity 39: the labels show what was typed after an apply
-    QString m_strShownArtist;
-    QString m_strShownAlbum;
-    QString m_strShownGenre;
-    QString m_strShownYear;
-    QString m_strShownTrackNo;
-    QString m_strNewCoverPath; ///< chosen and not yet applied
+    SongEditors::Held m_typed;      ///< oddity 39: the labels show what was typed after an apply
+    QString m_strNewCoverPath;      ///< chosen and not yet applied
     CoverOrigin m_newCoverOrigin = CoverOrigin::Chosen;
     QMusicInfo* m_pMusicInfo = nullptr;
+    ChangeHistory* m_history = nullptr; ///< not owned; may be null
     std::unique_ptr<SkinMovie> m_pMovie;
     QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves
     const QMusicInfo* m_pIdentifiedSong = nullptr; ///< what it works on; only compared

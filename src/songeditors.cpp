@@ -9,6 +9,7 @@
 #include <QIntValidator>
 #include <QLineEdit>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -47,17 +48,37 @@ SongEditors::SongEditors(const Widgets& widgets)
         "QComboBox:item:selected{background-color:rgb(212,240,247);}QMenu:icon{left:20px;height:20px}"));
 }
 
+SongEditors::Held SongEditors::of(const QMusicInfo* song)
+{
+    return {{SongFields::title(song), SongFields::artist(song), SongFields::album(song),
+             QString::number(SongFields::year(song)), QString::number(SongFields::trackNumber(song))},
+            SongFields::genre(song)};
+}
+
 void SongEditors::show(const QMusicInfo* song)
 {
-    fill({{SongFields::title(song), SongFields::artist(song), SongFields::album(song),
-           QString::number(SongFields::year(song)), QString::number(SongFields::trackNumber(song))},
-          SongFields::genre(song)});
+    fill(of(song));
     m_shown = held();
+}
+
+void SongEditors::setVisible(bool visible)
+{
+    for (QLineEdit* editor : m_lines)
+        editor->setVisible(visible);
+    m_genre->setVisible(visible);
 }
 
 bool SongEditors::isChanged() const
 {
     return held().texts != m_shown.texts || isGenreChanged();
+}
+
+bool SongEditors::isChangedIn(const QWidget* widget) const
+{
+    if (widget == m_genre)
+        return isGenreChanged();
+    const auto editor = std::find(m_lines.begin(), m_lines.end(), widget);
+    return editor != m_lines.end() && (*editor)->isModified();
 }
 
 SongEditors::Held SongEditors::held() const
@@ -67,6 +88,20 @@ SongEditors::Held SongEditors::held() const
         held.texts.append(editor->text());
     held.genre = m_genre->currentText();
     return held;
+}
+
+SongEdit SongEditors::edit() const
+{
+    const Held typed = held();
+    SongEdit edit;
+    edit.title = typed.texts.at(0);
+    edit.artist = typed.texts.at(1);
+    edit.album = typed.texts.at(2);
+    edit.year = typed.texts.at(3).toInt();
+    edit.trackNumber = typed.texts.at(4).toInt();
+    edit.genre = typed.genre;
+    edit.genreChosen = isGenreChanged();
+    return edit;
 }
 
 void SongEditors::fill(const Held& held)

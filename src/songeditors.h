@@ -6,7 +6,9 @@
 
 class QComboBox;
 class QLineEdit;
+class QWidget;
 struct QMusicInfo;
+struct SongEdit;
 
 /// The editors of a song's texts and numbers, which stay their panel's.
 class SongEditors
@@ -31,14 +33,21 @@ public:
     /// Gives the editors their look, their bounds and the list of genres.
     explicit SongEditors(const Widgets& widgets);
 
-    /// What an edit begins with: the song's own values. Oddity 36: a genre out of the list leaves the
-    /// selection as it was; an apply writes that one.
+    /// What an edit of the song begins with: its own values.
+    static Held of(const QMusicInfo* song);
+    /// Fills the editors with that. Oddity 36: a genre out of the list leaves the selection as it was; an
+    /// apply writes that one.
     void show(const QMusicInfo* song);
     /// Whether they hold something else than since then.
     bool isChanged() const;
     bool isGenreChanged() const { return held().genre != m_shown.genre; }
+    /// Whether the widget is one of these and the user changed what it holds.
+    bool isChangedIn(const QWidget* widget) const;
+    void setVisible(bool visible);
 
     Held held() const;
+    /// The same as an edit, to which the cover is to be added.
+    SongEdit edit() const;
     void fill(const Held& held);
     /// Puts what was identified into the editor of a type, a digit. Other types have none.
     void fill(QChar type, const QString& value);

@@ -38,7 +38,6 @@ private slots:
     void theSameFileTwiceStays();
     void aFileThatTookAnothersPlaceStays();
     void aKillLeavesEveryFileInItsPlaceOrInTheTrash();
-    void aGroupsFilesComeBack();
 };
 
 void TestDuplicateDeletion::clearingOneGroupDeletesItsUncheckedSongs()
@@ -227,25 +226,6 @@ void TestDuplicateDeletion::aFileThatTookAnothersPlaceStays()
              QStringList({"T000-00.mp3", "T000-02.mp3", "T001-00.mp3", "T001-01.mp3"}));
     QCOMPARE(allSongs().size(), 2); // the lists do not tell of it
     QVERIFY(groups().isEmpty());
-}
-
-/// What the deletion of one group tells is enough to take it back.
-void TestDuplicateDeletion::aGroupsFilesComeBack()
-{
-    makeGroups(m_folder->path(), {3});
-    const QStringList before = filesIn(m_folder->path());
-    add(m_folder->path());
-    openGroup(0);
-    QSignalSpy told(m_center.get(), SIGNAL(emitFilesRemoved(RemovedFiles)));
-    panel()->SlotDeleteSongWasSelected();
-    QCOMPARE(told.size(), 1);
-    const auto files = told.first().first().value<RemovedFiles>();
-    QCOMPARE(files.trashed.size(), 2);
-    QVERIFY(files.deleted.isEmpty() && files.failed.isEmpty());
-    FileReturn undo;
-    for (const RemovedFiles::Trashed& file : files.trashed)
-        QCOMPARE(undo.bringBack(file), QString());
-    QCOMPARE(filesIn(m_folder->path()), before);
 }
 
 /// Another process clears all groups and is killed at some moment.

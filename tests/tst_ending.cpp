@@ -363,6 +363,8 @@ int main(int argc, char* argv[])
         qAddPreRoutine(playScene);
         return runProgram(argc, argv);
     }
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM})
+        std::signal(signal, SIG_DFL); // a background job is started deaf to some, and would start its own so
     QCoreApplication application(argc, argv);
     TestEnding test;
     return QTest::qExec(&test, argc, argv);

@@ -1,44 +1,29 @@
 // What the foot of the window tells of what the user does.
-#include "common/footline.h"
 #include "common/retractlabel.h"
-#include "common/textlink.h"
-#include "duplicatemusicdetailedwidget.h"
 #include "dupmusicbarwidget.h"
-#include "itunesmodefixture.h"
-#include "musicdetailedinfowidget.h"
+#include "footfixture.h"
 #include "playsongwidget.h"
 
 #include <QComboBox>
 #include <QLabel>
 #include <QPlainTextEdit>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
-namespace {
-void setMode(const QString& path, mode_t mode)
-{
-    QCOMPARE(::chmod(QFile::encodeName(path).constData(), mode), 0);
-}
-} // namespace
-
-class TestWindowFoot : public ITunesFixture
+class TestWindowFoot : public FootFixture
 {
     Q_OBJECT
 
 private slots:
     void initTestCase() { start(); }
-    void init()
-    {
-        m_bin.empty();
-        prepare();
-    }
-    void cleanup();
+    void init() { prepareFoot(); }
+    void cleanup() { clearFoot(); }
 
     void theLineLiesInTheFootStrip();
     void aSaveIsTold();
     void whatElseASaveChangedIsTold();
     void aFailedSaveIsToldAndCanBeTakenBack();
+    void takingAFailedSaveBackShowsNoOtherPanel();
     void aSongThatIsLeftCanBeEditedAgain();
     void leavingByNavigationIsToldToo();
     void anUnchangedSongIsLeftSilently();
@@ -57,58 +42,7 @@ private slots:
     void tracksTakenOutAreTold();
     void whatNoProgramOpensIsTold();
     void aSongWithoutASoundDeviceIsTold();
-
-private:
-    FootLine* line() const { return part<FootLine>("m_footLine"); }
-    QString told() const { return line()->text(); }
-    QStringList links() const
-    {
-        QStringList captions;
-        for (const TextLink* link : line()->findChildren<TextLink*>())
-            if (!link->isHidden())
-                captions.append(link->text());
-        return captions;
-    }
-    void clickLink(const QString& caption) const
-    {
-        for (TextLink* link : line()->findChildren<TextLink*>())
-            if (!link->isHidden() && link->text() == caption) {
-                QTest::mouseClick(link, Qt::LeftButton);
-                return;
-            }
-        QFAIL("there is no such link");
-    }
-    const QWidget* panel() const { return part<MusicDetailedInfoWidget>("m_musicDetailedWidget"); }
-    void switchToLocal() const
-    {
-        click("m_btniTunesClean");
-        QTRY_VERIFY(part<QWidget>("m_btnLocalClean")->isVisible());
-    }
-    QString tone(const QString& name, const QString& title, const QString& genre = "Pop",
-                 const char* kind = "mp3") const
-    {
-        const QString path = Fixtures::copyTone(kind, m_folder->path(), name);
-        AudioFile::write(path, {{TAG_TITLE, title}, {TAG_ARTIST, "A"}, {TAG_ALBUM, "B"}, {TAG_GENRE, genre}});
-        return path;
-    }
-    void add(const QStringList& paths)
-    {
-        m_dialogs->expectButton("m_btnType");
-        part<CenterWidget>("m_middleMusicWidget")->TakeDroppedPaths(paths);
-    }
-    void edit(int row, const QString& title) const
-    {
-        clickRow("m_allMusicListView", row);
-        clickIn(panel(), "m_btnEdit");
-        type(panel(), "m_lineTitle", title);
-    }
 };
-
-void TestWindowFoot::cleanup()
-{
-    setMode(m_folder->path(), 0755);
-    clear();
-}
 
 void TestWindowFoot::theLineLiesInTheFootStrip()
 {
@@ -127,7 +61,7 @@ void TestWindowFoot::aSaveIsTold()
     QCOMPARE(told(), QString());
     clickIn(panel(), "m_btnApply");
     QCOMPARE(told(), QString("Saved \"Midnight Ferry\"."));
-    QCOMPARE(links(), QStringList());
+    QCOMPARE(links(), QStringList("Undo"));
 }
 
 void TestWindowFoot::whatElseASaveChangedIsTold()
@@ -173,6 +107,26 @@ void TestWindowFoot::aFailedSaveIsToldAndCanBeTakenBack()
     QCOMPARE(shown(), QString("Ferry"));
     QCOMPARE(listed(), QString("Ferry"));
     QCOMPARE(told(), QString());
+}
+
+void TestWindowFoot::takingAFailedSaveBackShowsNoOtherPanel()
+{
+    switchToLocal();
+    const QString path = tone("a", "Ferry");
+    QFile::copy(path, m_folder->filePath("b.mp3"));
+    add({m_folder->path()});
+    setMode(path, 0444);
+    edit(0, "Midnight Ferry");
+    clickIn(panel(), "m_btnApply");
+    edit(0, "Typed");
+    clickLink("Show what the file says");
+    QCOMPARE(panel()->findChild<QLineEdit*>("m_lineTitle")->text(), QString("Typed"));
+    QCOMPARE(songs().first()->localInfo->title, QString("Ferry"));
+    clickIn(panel(), "m_btnApply");
+    click("m_btnMusicDuplicate");
+    clickLink("Show what the file says");
+    QVERIFY(!panel()->isVisible());
+    QCOMPARE(songs().first()->localInfo->title, QString("Ferry"));
 }
 
 void TestWindowFoot::aSongThatIsLeftCanBeEditedAgain()
@@ -275,7 +229,7 @@ void TestWindowFoot::theNextGroupIsALinkAway()
     m_dialogs->expectButton("m_btnOK");
     clickIn(part<QWidget>("m_dupMusicDetailedWidget"), "m_btnClearOne");
     QCOMPARE(told(), QString("1 song moved to the trash."));
-    QCOMPARE(links(), QStringList());
+    QCOMPARE(links(), QStringList("Undo"));
 }
 
 void TestWindowFoot::aFileThatStaysIsTold()

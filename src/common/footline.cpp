@@ -45,11 +45,26 @@ void paintMark(QPainter& painter, const QPointF& centre)
 }
 } // namespace
 
-FootLine::FootLine(QWidget* parent) : QWidget(parent)
+FootLine::FootLine(QWidget* parent) : QWidget(parent), m_offer(new TextLink(QString(), this))
 {
     static const bool installed = (QAccessible::installFactory(statusOf), true);
     Q_UNUSED(installed)
     setFont(Style::font(12));
+    m_offer->hide();
+    connect(m_offer, &TextLink::clicked, this, [this] {
+        const std::function<void()> act = m_offered; // which may offer something else
+        act();
+    });
+}
+
+void FootLine::offer(const FootText::Link& link)
+{
+    m_offered = link.act;
+    m_offer->setText(link.caption);
+    m_offer->setAccessibleName(link.caption);
+    m_offer->setToolTip(link.tip.isEmpty() ? QString() : TextFit::tip(link.tip));
+    m_offer->setVisible(!link.caption.isEmpty());
+    place();
 }
 
 void FootLine::tell(const FootText& told)
@@ -80,6 +95,16 @@ void FootLine::makeLinks()
         m_links.append(link);
         link->show();
     }
+    if (!m_links.isEmpty())
+        setTabOrder(m_links.last(), m_offer);
+}
+
+QVector<TextLink*> FootLine::shownLinks() const
+{
+    QVector<TextLink*> links = m_links;
+    if (!m_offer->isHidden())
+        links.append(m_offer);
+    return links;
 }
 
 int FootLine::textLeft() const
@@ -90,13 +115,14 @@ int FootLine::textLeft() const
 void FootLine::place()
 {
     int room = width() - textLeft() - margin;
-    for (const TextLink* link : qAsConst(m_links))
+    const QVector<TextLink*> links = shownLinks();
+    for (const TextLink* link : links)
         room -= linkGap + link->sizeHint().width();
     const QFontMetrics metrics = fontMetrics();
     const auto fits = [&](const QString& candidate) { return metrics.horizontalAdvance(candidate) <= room; };
     m_shown = m_told.text.isEmpty() ? QString() : TextFit::elided(m_told.text, fits);
     int x = textLeft() + metrics.horizontalAdvance(m_shown);
-    for (TextLink* link : qAsConst(m_links)) {
+    for (TextLink* link : links) {
         const QSize size = link->sizeHint();
         x += linkGap;
         // As much above as below: its words stand on the line of the text.

@@ -13,8 +13,15 @@ struct FootText
 {
     struct Link
     {
+        Link() = default;
+        Link(const QString& words, const std::function<void()>& action, const QString& hint = QString())
+            : caption(words), act(action), tip(hint)
+        {
+        }
+
         QString caption;
         std::function<void()> act;
+        QString tip; ///< of an offer
     };
 
     QString text; ///< one line
@@ -35,6 +42,8 @@ public:
     /// Says this in place of what it said. A link may tell something else while it is clicked.
     void tell(const FootText& told);
     void clear() { tell(FootText()); }
+    /// A link that stands behind all others, whatever is told; one without a caption is none.
+    void offer(const FootText::Link& link);
     /// The whole text.
     const QString& text() const { return m_told.text; }
 
@@ -45,10 +54,13 @@ protected:
 
 private:
     void makeLinks();
+    QVector<TextLink*> shownLinks() const;
     void place();
     int textLeft() const;
 
     FootText m_told;
-    QString m_shown; ///< what of the text fits
-    QVector<TextLink*> m_links;
+    QString m_shown;            ///< what of the text fits
+    QVector<TextLink*> m_links; ///< of what is told
+    TextLink* m_offer;          ///< hidden while there is none
+    std::function<void()> m_offered;
 };

@@ -1,6 +1,7 @@
 #include "common/textlink.h"
 
 #include "common/style.h"
+#include "common/textfit.h"
 
 #include <QPainter>
 
@@ -24,11 +25,12 @@ QSize TextLink::sizeHint() const
 QString TextLink::shownText() const
 {
     const int room = width() - 2 * margin;
+    const QFontMetrics metrics = fontMetrics();
+    const auto fits = [&](const QString& words) { return metrics.horizontalAdvance(words) <= room; };
     const int blank = text().indexOf(QLatin1Char(' '));
-    if (blank < 0 || fontMetrics().horizontalAdvance(text()) <= room)
-        return fontMetrics().elidedText(text(), Qt::ElideRight, room);
-    return text().left(blank) + QLatin1Char('\n') +
-           fontMetrics().elidedText(text().mid(blank + 1), Qt::ElideRight, room);
+    if (blank < 0 || fits(text()))
+        return TextFit::elided(text(), fits);
+    return text().left(blank) + QLatin1Char('\n') + TextFit::elided(text().mid(blank + 1), fits);
 }
 
 void TextLink::paintEvent(QPaintEvent*)

@@ -39,7 +39,8 @@ CoverChoice::Choice refused(const QString& path, const QString& reason)
 /// "32", "0.5": rounded down, so that what is said to fit does.
 QString megabytes(qint64 bytes)
 {
-    return QString::number(double(bytes * 10 / (1024 * 1024)) / 10);
+    const qint64 tenths = bytes * 10 / (1024 * 1024);
+    return QString::number(double(tenths) / 10);
 }
 
 CoverChoice::Choice ifItFits(const QString& chosen, const QString& path, qint64 most)

@@ -1,68 +1,75 @@
 #pragma once
 
 #include "collection/fileremoval.h"
-#include "collection/filestate.h"
-#include "songs/tagcontent.h"
+#include "songs/songremoval.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
 #include <deque>
-#include <variant>
+#include <memory>
 
-/// The changes of songs' files that can be taken back, the newest one first. Works on files alone: what the
-/// lists and views show of them is the caller's. A step is forgotten once it was taken back, or could not be.
-/// One thread at a time; taking back a save or thousands of deletions waits for the disk.
+class ChangeHistory;
+struct FileState;
+struct QMusicInfo;
+
+/// What taking a change back came to.
+struct TakenBack
+{
+    enum class Kind { Nothing, Edit, Deletion };
+
+    Kind kind = Kind::Nothing;          ///< of the change; nothing where there was none
+    QStringList paths;                  ///< files that are again as they were
+    QVector<RemovedFiles::Told> failed; ///< files that were left as they are
+    QMusicInfo* song = nullptr;         ///< that was edited
+    QVector<RemovedSong> removed;       ///< songs that a deletion took out of the lists, in that order
+};
+
+/// A change that can be taken back, once. What the lists and views show of it is not its own: it hands back
+/// whom they show. Songs must outlive it.
+class Change
+{
+public:
+    virtual ~Change() = default;
+    Change(const Change&) = delete;
+    Change& operator=(const Change&) = delete;
+
+    /// What is not any more as the change left it stays as it is, and has a reason. Tells the older changes
+    /// which files came back. Waits for the disk.
+    virtual TakenBack takeBack(ChangeHistory& older) = 0;
+    /// What it was, in a few words, for a tool tip.
+    virtual QString name() const = 0;
+    /// Bytes of pictures that it keeps.
+    virtual qint64 pictureBytes() const { return 0; }
+    /// A newer change was taken back: the file that had been in the state `was` is so again, in the state
+    /// `is`.
+    virtual void fileCameBack(const QString& path, const FileState& was, const FileState& is);
+
+protected:
+    Change() = default;
+};
+
+/// The changes that can be taken back, the newest one first. One is forgotten once it was taken back, or
+/// could not be; the oldest ones make room. One thread at a time.
 class ChangeHistory
 {
 public:
     static constexpr int mostSteps = 100;
     static constexpr qint64 mostPictureBytes = 64ll * 1024 * 1024;
 
-    /// A song's file as it is before an edit.
-    struct Before
-    {
-        QString path;
-        FileState state;
-        TagContent content;
-
-        static Before of(const QString& path);
-    };
-
-    struct TakenBack
-    {
-        enum class Kind { Nothing, Edit, Deletion };
-
-        Kind kind = Kind::Nothing;          ///< of the step; nothing where there was none
-        QStringList paths;                  ///< files that are again as they were
-        QVector<RemovedFiles::Told> failed; ///< files that were left as they are
-        TagContent content;                 ///< what the file of an edit says again
-    };
-
-    /// After the edit. No step where the file is as it was.
-    void addEdit(const Before& before);
-    /// No step where nothing of it lies in the trash.
-    void addDeletion(const RemovedFiles& files);
-    bool isEmpty() const { return m_steps.empty(); }
-    int steps() const { return int(m_steps.size()); }
-    /// Takes the newest step back. A file that is gone, was written by others since, or whose path is taken,
-    /// is left as it is.
+    /// Null is none.
+    void add(std::unique_ptr<Change> change);
+    bool isEmpty() const { return m_changes.empty(); }
+    int steps() const { return int(m_changes.size()); }
+    /// Of the newest one; empty without one.
+    QString name() const { return isEmpty() ? QString() : m_changes.back()->name(); }
+    /// Takes the newest one back.
     TakenBack takeBack();
+    void fileCameBack(const QString& path, const FileState& was, const FileState& is);
     void forget();
 
 private:
-    struct Edit
-    {
-        Before before;
-        FileState after;
-    };
-    using Step = std::variant<Edit, RemovedFiles>;
-
-    void add(const Step& step);
-    TakenBack takeBackEdit(const Edit& edit);
-    static TakenBack takeBackDeletion(const RemovedFiles& files);
-
-    std::deque<Step> m_steps; ///< the newest last
+    std::deque<std::unique_ptr<Change>> m_changes; ///< the newest last
     qint64 m_pictureBytes = 0;
 };

@@ -56,33 +56,7 @@ QString told(const FootLines::SideEffect& effect)
     return its + QLatin1String(" changed from ") + before + QLatin1String(" to ") + after;
 }
 
-QString reasonOf(SaveProblem problem)
-{
-    switch (problem) {
-    case SAVE_FILE_READ_ONLY:
-        return QStringLiteral("the file is read-only");
-    case SAVE_FOLDER_READ_ONLY:
-        return QStringLiteral("the folder is read-only");
-    case SAVE_DISK_READ_ONLY:
-        return QStringLiteral("the disk is read-only");
-    case SAVE_NO_PERMISSION:
-        return QStringLiteral("you have no permission to write it");
-    case SAVE_DISK_FULL:
-        return QStringLiteral("the disk is full");
-    case SAVE_CHANGED_MEANWHILE:
-        return QStringLiteral("another program changed it meanwhile");
-    case SAVE_FILE_GONE:
-        return QStringLiteral("the file is gone");
-    case SAVE_NOT_SAFE:
-        return QStringLiteral("the file cannot be written safely");
-    case SAVE_PICTURE_TOO_LARGE:
-        return QStringLiteral("the new cover is too large for the file");
-    default:
-        return QStringLiteral("the log tells why");
-    }
-}
-
-QString reasonOf(iTunesEditProblem problem, SaveProblem media)
+QString libraryReasonOf(iTunesEditProblem problem, SaveProblem media)
 {
     switch (problem) {
     case ITUNES_TRACK_GONE:
@@ -94,7 +68,7 @@ QString reasonOf(iTunesEditProblem problem, SaveProblem media)
     case ITUNES_PICTURE_UNREADABLE:
         return QStringLiteral("the chosen picture cannot be read");
     case ITUNES_MEDIA_NOT_SAVED:
-        return reasonOf(media);
+        return FootLines::reasonOf(media);
     case ITUNES_LIBRARY_IN_USE:
         return QStringLiteral("another program is changing the library");
     case ITUNES_LIBRARY_BROKEN:
@@ -160,6 +134,32 @@ QString FootLines::coverNotTaken(const QString& fileName, const QString& reason)
     return quoted(fileName) + QLatin1String(" is not taken as the cover: ") + reason + QLatin1Char('.');
 }
 
+QString FootLines::reasonOf(SaveProblem problem)
+{
+    switch (problem) {
+    case SAVE_FILE_READ_ONLY:
+        return QStringLiteral("the file is read-only");
+    case SAVE_FOLDER_READ_ONLY:
+        return QStringLiteral("the folder is read-only");
+    case SAVE_DISK_READ_ONLY:
+        return QStringLiteral("the disk is read-only");
+    case SAVE_NO_PERMISSION:
+        return QStringLiteral("you have no permission to write it");
+    case SAVE_DISK_FULL:
+        return QStringLiteral("the disk is full");
+    case SAVE_CHANGED_MEANWHILE:
+        return QStringLiteral("another program changed it meanwhile");
+    case SAVE_FILE_GONE:
+        return QStringLiteral("the file is gone");
+    case SAVE_NOT_SAFE:
+        return QStringLiteral("the file cannot be written safely");
+    case SAVE_PICTURE_TOO_LARGE:
+        return QStringLiteral("the new cover is too large for the file");
+    default:
+        return QStringLiteral("the log tells why");
+    }
+}
+
 QString FootLines::notSaved(const QString& title, SaveProblem problem)
 {
     return notSavedFor(title, reasonOf(problem));
@@ -167,7 +167,7 @@ QString FootLines::notSaved(const QString& title, SaveProblem problem)
 
 QString FootLines::notSaved(const QString& title, iTunesEditProblem problem, SaveProblem media)
 {
-    return notSavedFor(title, reasonOf(problem, media));
+    return notSavedFor(title, libraryReasonOf(problem, media));
 }
 
 QString FootLines::deleted(const Deletion& deletion)
@@ -200,7 +200,43 @@ QString FootLines::takenOut(const TakingOut& takingOut)
         sentences.append(CountText::of(quint64(takingOut.stayed), "track", "tracks") +
                          QLatin1String(" could not be taken out of the library") +
                          whoStayed(takingOut.firstThatStayed,
-                                   reasonOf(takingOut.whyItStayed, SAVE_NO_PROBLEM), takingOut.stayed));
+                                   libraryReasonOf(takingOut.whyItStayed, SAVE_NO_PROBLEM),
+                                   takingOut.stayed));
+    return sentences.join(QLatin1Char(' '));
+}
+
+QString FootLines::nameOfEdit(const QString& title)
+{
+    return QLatin1String("the edit of ") + quoted(title);
+}
+
+QString FootLines::nameOfDeletion(int songs)
+{
+    return QLatin1String("the deletion of ") + CountText::of(quint64(songs), "song", "songs");
+}
+
+QString FootLines::editTakenBack(const QString& title)
+{
+    return QLatin1String("Took back ") + nameOfEdit(title) + QLatin1Char('.');
+}
+
+QString FootLines::editNotTakenBack(const QString& title, const QString& reason)
+{
+    return QLatin1String("The edit of ") + quoted(title) + QLatin1String(" cannot be taken back: ") + reason +
+           QLatin1Char('.');
+}
+
+QString FootLines::broughtBack(const Return& back)
+{
+    QStringList sentences;
+    if (back.songs > 0)
+        sentences.append(
+            CountText::of(quint64(back.songs), "song", "songs") +
+            QLatin1String(back.songs == 1 ? " is back from the trash." : " are back from the trash."));
+    if (back.stayed > 0)
+        sentences.append(CountText::of(quint64(back.stayed), "file", "files") +
+                         QLatin1String(" could not be brought back") +
+                         whoStayed(back.firstThatStayed, back.whyItStayed, back.stayed));
     return sentences.join(QLatin1Char(' '));
 }
 

@@ -25,6 +25,8 @@ QString savedWithoutCover(const QString& title);
 QString leftWithoutSaving(const QString& title);
 /// Of a file that was chosen as the cover.
 QString coverNotTaken(const QString& fileName, const QString& reason);
+/// In words, behind a colon.
+QString reasonOf(SaveProblem problem);
 /// Of a local song.
 QString notSaved(const QString& title, SaveProblem problem);
 /// Of a track of the music library; `media` is the problem of its file, when it is that.
@@ -52,6 +54,21 @@ struct TakingOut
 };
 /// Empty when nothing was taken out and nothing stayed.
 QString takenOut(const TakingOut& takingOut);
+
+/// What can be taken back: "the edit of ...", "the deletion of ...".
+QString nameOfEdit(const QString& title);
+QString nameOfDeletion(int songs);
+QString editTakenBack(const QString& title);
+QString editNotTakenBack(const QString& title, const QString& reason);
+/// What taking a deletion back did with the files of songs.
+struct Return
+{
+    int songs = 0;
+    int stayed = 0;          ///< files that should have come back
+    QString firstThatStayed; ///< its name
+    QString whyItStayed;
+};
+QString broughtBack(const Return& back);
 
 /// What came of adding files.
 struct Intake

@@ -52,3 +52,11 @@ int SongClassification::rowAfter(int row, bool isThere) const
     const int groups = m_dupMusicInfoList.size();
     return groups > int(isThere) ? (row + int(isThere)) % groups : -1;
 }
+
+int SongClassification::rowOf(QMusicInfo* song) const
+{
+    for (int row = 0; row < m_dupMusicInfoList.size(); ++row)
+        if (m_dupMusicInfoList.at(row)->musicList.contains(song))
+            return row;
+    return -1;
+}

@@ -30,6 +30,8 @@ public:
     /// The row of the group behind one, or behind where one was until it was none any more; behind the last
     /// comes the first. -1 when there is no other.
     int rowAfter(int row, bool isThere) const;
+    /// The row of the group that a song is in; -1 for none.
+    int rowOf(QMusicInfo* song) const;
 
 private:
     using Groups = std::vector<std::unique_ptr<DupMusicInfo>>;

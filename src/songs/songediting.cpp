@@ -9,6 +9,7 @@
 #include "itunes/tunesedit.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
+#include "songs/filechanges.h"
 #include "songs/localsongreader.h"
 #include "songs/songfields.h"
 #include "songs/tagcontent.h"
@@ -54,25 +55,6 @@ void takeCover(LocalMusicInfo& local, const QString& path)
     *local.cover = picture.isNull() ? CoverLoader::genericCover() : QPixmap::fromImage(picture);
 }
 
-constexpr int fields = TAG_PICTURE + 1;
-/// What a tag holds, by type; of a picture only that there is one.
-using Content = std::array<QString, fields>;
-
-Content contentOf(IAudioTag& tag)
-{
-    Content content;
-    const qint32 count = tag.GetItemCount();
-    for (qint32 i = 0; i < count; ++i) {
-        const TagItem item = tag.GetItem(i);
-        if (item.type < 0 || item.type >= fields || item.size <= 0)
-            continue;
-        content[size_t(item.type)] =
-            item.dataKind == 0 ? QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4)
-                               : QStringLiteral("picture");
-    }
-    return content;
-}
-
 /// Which fields the user left as the song showed them.
 QVector<qint32> untouched(const LocalMusicInfo& local, const SongEdit& edit)
 {
@@ -90,25 +72,26 @@ QVector<qint32> untouched(const LocalMusicInfo& local, const SongEdit& edit)
     return types;
 }
 
-QVector<FootLines::SideEffect> sideEffects(const QVector<qint32>& untouched, const Content& before,
-                                           const Content& after)
+QVector<FootLines::SideEffect> sideEffects(const QVector<qint32>& untouched, const TagContent& before,
+                                           const TagContent& after)
 {
     using Effect = FootLines::SideEffect;
     QVector<Effect> effects;
     for (const qint32 type : untouched) {
-        const QString& was = before[size_t(type)];
-        const QString& is = after[size_t(type)];
-        if (type == TAG_PICTURE && !was.isEmpty() && is.isEmpty())
-            effects.append({Effect::Cover, QString(), QString()});
-        else if (type != TAG_PICTURE && was != is)
-            effects.append({Effect::Field(Effect::Title + type), was, is});
+        if (type == TAG_PICTURE) {
+            if (!before.picture.isEmpty() && after.picture.isEmpty())
+                effects.append({Effect::Cover, QString(), QString()});
+        } else if (before.text(type) != after.text(type)) {
+            effects.append({Effect::Field(Effect::Title + type), before.text(type), after.text(type)});
+        }
     }
     return effects;
 }
 
-SongEditing::Outcome saveLocal(LocalMusicInfo& local, const SongEdit& edit, const QVector<qint32>& untouched)
+SongEditing::Outcome saveLocal(QMusicInfo& song, const SongEdit& edit, const QVector<qint32>& untouched)
 {
     SongEditing::Outcome outcome;
+    LocalMusicInfo& local = *song.localInfo;
     // By one of our own. The tag object that stays with the song is left alone: it reads again when it is
     // asked again.
     const std::unique_ptr<IAudioTag, ReleaseTag> tag{CreateTag()};
@@ -118,18 +101,20 @@ SongEditing::Outcome saveLocal(LocalMusicInfo& local, const SongEdit& edit, cons
     }
     // Also when it cannot be opened: it is the save that tells of the lost edit, every time.
     tag->Open(local.filePath.toStdU32String().c_str());
-    const Content before = contentOf(*tag);
-    const bool saved = SongEditing::writeTag(*tag, edit) == 0;
+    const FileChanges::Before before = FileChanges::Before::of(local.filePath);
+    SongEditing::writeTag(*tag, edit);
     outcome.file = SaveProblemOf(tag.get());
-    if (saved)
-        local.file = FileState::ofEntry(local.filePath);
-    if (saved)
-        outcome.alsoChanged = sideEffects(untouched, before, contentOf(*tag));
+    if (outcome.failed())
+        return outcome;
+    local.file = FileState::ofEntry(local.filePath);
+    outcome.alsoChanged = sideEffects(untouched, before.content, TagContent::of(*tag));
+    outcome.change = FileChanges::edit(before, &song);
     return outcome;
 }
 
-SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
+SongEditing::Outcome applyLocal(QMusicInfo& song, const SongEdit& edit)
 {
+    LocalMusicInfo& local = *song.localInfo;
     const QVector<qint32> left = untouched(local, edit);
     local.title = edit.title;
     local.artist = edit.artist;
@@ -137,7 +122,7 @@ SongEditing::Outcome applyLocal(LocalMusicInfo& local, const SongEdit& edit)
     local.genre = edit.genre;
     local.year = edit.year;
     local.trackNumber = edit.trackNumber;
-    SongEditing::Outcome outcome = saveLocal(local, edit, left);
+    SongEditing::Outcome outcome = saveLocal(song, edit, left);
     if (edit.newCoverPath.isEmpty())
         return outcome;
     takeCover(local, edit.newCoverPath);
@@ -279,7 +264,7 @@ qint64 SongEditing::largestCover(const QMusicInfo& song)
 SongEditing::Outcome SongEditing::apply(QMusicInfo& song, const SongEdit& edit)
 {
     if (QIOrvoUtil::m_cleanMode)
-        return song.localInfo ? applyLocal(*song.localInfo, edit) : Outcome();
+        return song.localInfo ? applyLocal(song, edit) : Outcome();
     return song.track ? applyToTrack(song, edit) : Outcome();
 }
 

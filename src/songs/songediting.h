@@ -2,11 +2,14 @@
 
 #include "audiocore/saveproblem.h"
 #include "itunes/editproblem.h"
+#include "songs/changehistory.h"
 #include "songs/footlines.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include <memory>
 
 class IAudioTag;
 struct LocalMusicInfo;
@@ -35,6 +38,7 @@ struct Outcome
     SaveProblem file = SAVE_NO_PROBLEM;
     iTunesEditProblem library = ITUNES_EDIT_DONE; ///< for a track; `file` is its media file's problem
     QVector<FootLines::SideEffect> alsoChanged;   ///< in the file, though the user did not touch it
+    std::unique_ptr<Change> change = nullptr;     ///< what takes it back; null where nothing was written
 
     /// Whether the song shows what is nowhere saved.
     bool failed() const

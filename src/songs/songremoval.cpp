@@ -8,9 +8,57 @@
 #include "songs/songfields.h"
 
 #include <QDebug>
-#include <QSet>
 
 #include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace {
+/// Out of the list of all songs, with their tags; the songs from the last one on.
+QVector<RemovedSong> takeOut(const SongLists& lists, const QSet<QMusicInfo*>& leaving)
+{
+    QList<QMusicInfo*> staying;
+    QList<IAudioTag*> stayingTags;
+    QVector<RemovedSong> removed;
+    for (int position = 0; position < lists.all->size(); ++position) {
+        QMusicInfo* const song = lists.all->at(position);
+        IAudioTag* const tag = lists.tags->value(position);
+        if (leaving.contains(song)) {
+            removed.append({song, tag, position});
+            continue;
+        }
+        staying.append(song);
+        if (position < lists.tags->size())
+            stayingTags.append(tag);
+    }
+    *lists.all = staying;
+    *lists.tags = stayingTags;
+    std::reverse(removed.begin(), removed.end());
+    return removed;
+}
+
+/// Into the list of all songs, with their tags; each has its place behind the one before it.
+void putIn(const SongLists& lists, const QVector<RemovedSong>& returning)
+{
+    const QList<QMusicInfo*> formerSongs = std::exchange(*lists.all, {});
+    const QList<IAudioTag*> formerTags = std::exchange(*lists.tags, {});
+    const auto append = [&lists](QMusicInfo* song, IAudioTag* tag) {
+        lists.all->append(song);
+        if (SongRemoval::songsAreFiles())
+            lists.tags->append(tag);
+    };
+    int former = 0;
+    const auto appendFormer = [&](int end) {
+        for (; former < formerSongs.size() && lists.all->size() < end; ++former)
+            append(formerSongs.at(former), formerTags.value(former));
+    };
+    for (const RemovedSong& song : returning) {
+        appendFormer(song.position);
+        append(song.song, song.tag);
+    }
+    appendFormer(std::numeric_limits<int>::max());
+}
+} // namespace
 
 bool SongRemoval::songsAreFiles()
 {
@@ -49,13 +97,15 @@ iTunesEditProblem SongRemoval::removeTrack(const QMusicInfo& song)
     return deleted ? ITUNES_EDIT_DONE : iTunesLastEditProblem();
 }
 
-bool SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup,
-                            const KeptFiles& kept, FileRemoval& removal)
+std::optional<RemovedSong> SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song,
+                                                  qint64 currentGroup, const KeptFiles& kept,
+                                                  FileRemoval& removal)
 {
-    const int position = lists.all->lastIndexOf(song);
-    if (songsAreFiles() && position >= 0) {
-        IAudioTag* tag = position < lists.tags->size() ? lists.tags->takeAt(position) : nullptr;
-        removeFile(*song, tag, kept, removal);
+    RemovedSong removed{song, nullptr, lists.all->lastIndexOf(song)};
+    if (songsAreFiles() && removed.position >= 0) {
+        if (removed.position < lists.tags->size())
+            removed.tag = lists.tags->takeAt(removed.position);
+        removeFile(*song, removed.tag, kept, removal);
     }
     lists.all->removeOne(song);
     lists.undefined->removeOne(song);
@@ -67,7 +117,7 @@ bool SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song, qint64 cur
         if (group.size() == 1)
             lists.groups->removeAt(int(currentGroup));
     }
-    return position >= 0;
+    return removed.position >= 0 ? std::make_optional(removed) : std::nullopt;
 }
 
 QVector<SongRemoval::Removal> SongRemoval::planOfAll(const QList<DupMusicInfo*>& groups)
@@ -79,29 +129,15 @@ QVector<SongRemoval::Removal> SongRemoval::planOfAll(const QList<DupMusicInfo*>&
     return plan;
 }
 
-QList<QMusicInfo*> SongRemoval::removeAll(const SongLists& lists, const QVector<Removal>& plan)
+QVector<RemovedSong> SongRemoval::removeAll(const SongLists& lists, const QVector<Removal>& plan)
 {
-    QSet<const QMusicInfo*> leaving;
+    QSet<QMusicInfo*> leaving;
     leaving.reserve(plan.size());
     for (const Removal& removal : plan)
         leaving.insert(removal.song);
 
-    QList<QMusicInfo*> staying;
-    QList<IAudioTag*> stayingTags;
-    QList<QMusicInfo*> removed;
-    for (int position = 0; position < lists.all->size(); ++position) {
-        QMusicInfo* song = lists.all->at(position);
-        if (leaving.contains(song)) {
-            removed.append(song);
-            continue;
-        }
-        staying.append(song);
-        if (position < lists.tags->size())
-            stayingTags.append(lists.tags->at(position));
-    }
-    *lists.all = staying;
-    *lists.tags = stayingTags;
-    const auto leaves = [&](const QMusicInfo* song) { return leaving.contains(song); };
+    const QVector<RemovedSong> removed = takeOut(lists, leaving);
+    const auto leaves = [&](QMusicInfo* song) { return leaving.contains(song); };
     lists.undefined->erase(std::remove_if(lists.undefined->begin(), lists.undefined->end(), leaves),
                            lists.undefined->end());
     for (DupMusicInfo* group : qAsConst(*lists.groups))
@@ -109,4 +145,22 @@ QList<QMusicInfo*> SongRemoval::removeAll(const SongLists& lists, const QVector<
             group->musicList.removeLast();
     lists.groups->clear();
     return removed;
+}
+
+/// The songs that left last come back first, and all at once those of which each has its place behind the one
+/// before it.
+void SongRemoval::putBack(const SongLists& lists, const QVector<RemovedSong>& removed,
+                          const QSet<QMusicInfo*>& away)
+{
+    const auto isNotBehind = [](const RemovedSong& a, const RemovedSong& b) {
+        return a.position >= b.position;
+    };
+    for (auto begin = removed.crbegin(); begin != removed.crend();) {
+        auto end = std::adjacent_find(begin, removed.crend(), isNotBehind);
+        end += end == removed.crend() ? 0 : 1;
+        putIn(lists, QVector<RemovedSong>(begin, end));
+        begin = end;
+    }
+    if (!away.isEmpty())
+        takeOut(lists, away);
 }

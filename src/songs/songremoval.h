@@ -5,7 +5,10 @@
 #include "itunes/editproblem.h"
 
 #include <QList>
+#include <QSet>
 #include <QVector>
+
+#include <optional>
 
 class IAudioTag;
 struct DupMusicInfo;
@@ -18,6 +21,14 @@ struct SongLists
     QList<DupMusicInfo*>* groups = nullptr;
     QList<QMusicInfo*>* undefined = nullptr;
     QList<IAudioTag*>* tags = nullptr; ///< local mode: one per song of `all`, same index
+};
+
+/// A song that left the lists, what it left there with, and its place.
+struct RemovedSong
+{
+    QMusicInfo* song = nullptr;
+    IAudioTag* tag = nullptr; ///< closed; null in the iTunes mode, and where none could be made
+    int position = 0;         ///< in the list of all songs, of which those before it had left already
 };
 
 /// Taking songs out of the collection: into the trash, off the disk or out of the iTunes library, and out of
@@ -36,10 +47,10 @@ iTunesEditProblem removeTrack(const QMusicInfo& song);
 
 /// Takes the song out of the lists of songs, and the last entry, whichever song that is, out of the group at
 /// `currentGroup`; a group that falls to one song leaves the list of groups. A song that is a file loses it
-/// first, as removeFile() does it; a song that is not in the list of all songs costs no file. Whether it was
-/// in that list.
-bool removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup, const KeptFiles& kept,
-               FileRemoval& removal);
+/// first, as removeFile() does it; a song that is not in the list of all songs costs no file. Nothing where
+/// it was not in that list.
+std::optional<RemovedSong> removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup,
+                                     const KeptFiles& kept, FileRemoval& removal);
 
 /// A song that is to go, and the first song of its group, which stays.
 struct Removal
@@ -52,6 +63,11 @@ struct Removal
 QVector<Removal> planOfAll(const QList<DupMusicInfo*>& groups);
 /// Takes the songs of the plan out of the lists and empties the list of groups; groups of two songs and more
 /// keep their first one. Takes as long as the lists are, however many songs go. The songs that were in the
-/// list of all songs.
-QList<QMusicInfo*> removeAll(const SongLists& lists, const QVector<Removal>& plan);
+/// list of all songs, from the last one on.
+QVector<RemovedSong> removeAll(const SongLists& lists, const QVector<Removal>& plan);
+
+/// Puts songs that left the list of all songs one after another back to their places there, their tags as
+/// well; undefined songs and groups are to be found anew. Those in `away` stay out. Takes as long as the list
+/// is for thousands of songs that left in the order of one deletion.
+void putBack(const SongLists& lists, const QVector<RemovedSong>& removed, const QSet<QMusicInfo*>& away);
 } // namespace SongRemoval

@@ -6,21 +6,21 @@
 
 namespace {
 /// Where the text of a type belongs; null for any other item.
-QString* textOf(TagContent& content, int type)
+QString TagContent::*placeOf(int type)
 {
     switch (type) {
     case TAG_TITLE:
-        return &content.title;
+        return &TagContent::title;
     case TAG_ARTIST:
-        return &content.artist;
+        return &TagContent::artist;
     case TAG_ALBUM:
-        return &content.album;
+        return &TagContent::album;
     case TAG_GENRE:
-        return &content.genre;
+        return &TagContent::genre;
     case TAG_YEAR:
-        return &content.year;
+        return &TagContent::year;
     case TAG_TRACK:
-        return &content.track;
+        return &TagContent::track;
     default:
         return nullptr;
     }
@@ -50,10 +50,16 @@ TagContent TagContent::of(IAudioTag& tag)
             continue;
         if (item.dataKind != 0)
             content.picture = QByteArray(static_cast<const char*>(item.data), item.size);
-        else if (QString* const text = textOf(content, item.type))
-            *text = QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4);
+        else if (QString TagContent::*const place = placeOf(item.type))
+            content.*place = QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4);
     }
     return content;
+}
+
+QString TagContent::text(int type) const
+{
+    QString TagContent::*const place = placeOf(type);
+    return place ? this->*place : QString();
 }
 
 int TagContent::save(IAudioTag& tag) const

@@ -18,6 +18,8 @@ struct TagContent
 
     /// What an open tag holds.
     static TagContent of(IAudioTag& tag);
+    /// Of one of the six types of texts (TagItemType); empty for any other.
+    QString text(int type) const;
     /// Puts it into an open tag in place of what that held, and saves the tag. The result of the save.
     int save(IAudioTag& tag) const;
 };

@@ -97,6 +97,7 @@ private slots:
     void oddHeadsAreRead_data();
     void oddHeadsAreRead();
     void framesWithoutARateAreNone();
+    void whatLooksLikeATagBetweenTheFramesIsNone();
 
 private:
     QString file(const QString& suffix, const QByteArray& bytes) const;
@@ -214,6 +215,22 @@ void TestAdts::framesWithoutARateAreNone()
 {
     const QByteArray bytes = changed(0, second, takeRateAway);
     QCOMPARE(AudioFile::properties(file("aac", bytes)).format, int(AUDIO_FORMAT_UNKNOWN));
+}
+
+/// It is neither read nor written into: an edit shows nothing of it.
+void TestAdts::whatLooksLikeATagBetweenTheFramesIsNone()
+{
+    const QByteArrayList frames = MediaBytes::adtsFrames(tone("aac"));
+    const QByteArray tag = MediaBytes::id3v2(MediaBytes::frame("TIT2", QByteArray("\0Title", 6)));
+    const QByteArray music = frames.mid(0, 5).join() + tag + frames.mid(5).join();
+    const QString path = file("aac", music);
+    QVERIFY(AudioFile::read(path).texts.isEmpty());
+
+    const QHash<int, QString> artist = {{TAG_ARTIST, QStringLiteral("Artist")}};
+    QCOMPARE(AudioFile::write(path, artist), 0);
+    QCOMPARE(AudioFile::read(path).texts, artist);
+    QVERIFY(contentOf(path).startsWith("ID3"));
+    QVERIFY(contentOf(path).endsWith(music));
 }
 
 QTEST_GUILESS_MAIN(TestAdts)

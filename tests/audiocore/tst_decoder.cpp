@@ -34,8 +34,8 @@ void TestDecoder::propertiesAreRight_data()
     for (auto code = codes.cbegin(); code != codes.cend(); ++code)
         QTest::newRow(qPrintable(code.key())) << code.key() << code.value() << 3000;
     for (const char* kind : {"mp3", "mp3novbr", "aac"})
-        QTest::addRow("%s, ten minutes", kind)
-            << QString::fromLatin1(kind) << codes.value(QLatin1String(kind)) << 600000;
+        QTest::addRow("%s, a long song", kind)
+            << QString::fromLatin1(kind) << codes.value(QLatin1String(kind)) << Fixtures::longSong;
 }
 
 void TestDecoder::propertiesAreRight()

@@ -3,10 +3,14 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "mediabytes.h"
+#include "oddid3v2.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+
+using OddId3v2::frame;
+using OddId3v2::text;
 
 namespace {
 QByteArray contentOf(const QString& path)
@@ -20,28 +24,6 @@ void write(const QString& path, const QByteArray& content)
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(content) != content.size())
         qFatal("cannot write %s", qUtf8Printable(path));
-}
-
-/// The ids are those of the newest versions; the oldest one's are its own.
-QByteArray frame(int version, const char* id, const QByteArray& body)
-{
-    if (version > 2)
-        return MediaBytes::frame(id, body, 0, char(version));
-    static const QHash<QByteArray, QByteArray> oldest = {
-        {"TIT2", "TT2"}, {"TPE1", "TP1"}, {"TALB", "TAL"}, {"TCOM", "TCM"}};
-    return oldest.value(id, QByteArray(id).left(3)) + MediaBytes::big32(quint32(body.size())).mid(1) + body;
-}
-
-QByteArray text(const char* value)
-{
-    return QByteArray(1, '\0') + value;
-}
-
-/// A frame of a composer that says to be so long.
-QByteArray frameOfSize(int version, int size)
-{
-    QByteArray bytes = frame(version, "TCOM", QByteArray(size, 'x'));
-    return bytes.left(bytes.size() - size) + text("Composer");
 }
 } // namespace
 
@@ -77,21 +59,8 @@ void TestId3v2::framesBehindOddOnesAreReadAndAllStay_data()
 {
     QTest::addColumn<int>("version");
     QTest::addColumn<QByteArray>("odd");
-    for (const int version : {2, 3, 4}) {
-        const auto row = [version](const char* name, const QByteArray& bytes) {
-            QTest::addRow("2.%d, %s", version, name) << version << bytes;
-        };
-        row("empty", frame(version, "TCOM", QByteArray()));
-        row("empty, of no known id", frame(version, "ZZZZ", QByteArray()));
-        row("an id beyond ASCII", frame(version, "T\xE9XX", text("Composer")));
-        row("an id in small letters", frame(version, "tcom", text("Composer")));
-        row("a space in the id", frame(version, "T OM", text("Composer")));
-        row("several", frame(version, "TCOM", QByteArray()) + frame(version, "\xFF\xFF\xFF\xFF", "x") +
-                           frame(version, "APIC", QByteArray()));
-    }
-    // The highest bits of its bytes say nothing in the newest version.
-    QTest::newRow("2.4, a size with high bits")
-        << 4 << QByteArray("T\xE9XX\x80\x80\x80\x85\0\0", 10) + QByteArray("\0abcd", 5);
+    for (const OddId3v2::Frames& odd : OddId3v2::passedOver())
+        QTest::newRow(odd.name) << odd.version << odd.bytes;
 }
 
 void TestId3v2::framesBehindOddOnesAreReadAndAllStay()
@@ -119,15 +88,8 @@ void TestId3v2::whatComesBehindTheLastFrameIsNotReadAndStays_data()
 {
     QTest::addColumn<int>("version");
     QTest::addColumn<QByteArray>("end");
-    for (const int version : {2, 3, 4}) {
-        const auto row = [version](const char* name, const QByteArray& bytes) {
-            QTest::addRow("2.%d, %s", version, name) << version << bytes;
-        };
-        row("a size beyond the tag's end", frameOfSize(version, 5000));
-        row("a size a little beyond the tag's end", frameOfSize(version, 100));
-        row("an id of zeros", QByteArray(version == 2 ? 6 : 10, '\0'));
-        row("words", "words that make no frame");
-    }
+    for (const OddId3v2::Frames& end : OddId3v2::ends())
+        QTest::newRow(end.name) << end.version << end.bytes;
 }
 
 void TestId3v2::whatComesBehindTheLastFrameIsNotReadAndStays()
@@ -162,9 +124,7 @@ void TestId3v2::aTagOfEmptyFramesAloneIsOne()
 void TestId3v2::aTagOfASizeThatNoneHasIsNone()
 {
     const QString path = song(frame(4, "TIT2", text("Title")), 4);
-    QByteArray content = contentOf(path);
-    constexpr int lastOfSize = 9;
-    content[lastOfSize] = char(content.at(lastOfSize) | 0x80);
+    const QByteArray content = OddId3v2::ofNoSize(contentOf(path));
     write(path, content);
     QVERIFY(AudioFile::read(path).texts.isEmpty());
     QCOMPARE(AudioFile::write(path, {{TAG_ARTIST, QStringLiteral("Artist")}}), 0);
@@ -176,10 +136,9 @@ void TestId3v2::aTagEndsWithItsChunk()
 {
     const QByteArray title = frame(4, "TIT2", text("Title"));
     const QByteArray behind = frame(4, "TPE1", text("Artist"));
-    const QByteArray tag = MediaBytes::id3v2(title + behind, 4).left(10 + title.size());
     const QString path = m_folder.filePath("song.wav");
     write(path, MediaBytes::withChunks(contentOf(Fixtures::tone(QStringLiteral("wav"), 1000)),
-                                       MediaBytes::chunk("id3 ", tag) + behind));
+                                       OddId3v2::chunkBefore(title, behind)));
     QCOMPARE(AudioFile::read(path).texts, (QHash<int, QString>{{TAG_TITLE, QStringLiteral("Title")}}));
 }
 

@@ -96,16 +96,16 @@ Work workOn(const QString& path, CheckedStream::Mode mode, const QByteArray& pic
     Work work;
     try {
         const bool writing = mode == CheckedStream::Mode::ReadWrite;
-        const audiocore::MediaFile media =
-            audiocore::openMedia(stream, writing ? audiocore::Purpose::Writing : audiocore::Purpose::Reading);
+        const audiocore::MediaFile media = audiocore::openMedia(stream);
         audiocore::TagEdits edits;
         for (auto& text : edits.texts)
             text = "7";
         edits.picture = TagLib::ByteVector(picture.constData(), unsigned(picture.size()));
+        audiocore::TagContent content;
         if (media.format != AUDIO_FORMAT_UNKNOWN)
-            audiocore::readTags(media);
+            content = audiocore::readTags(media);
         if (media.file && writing)
-            audiocore::writeTags(media, edits);
+            audiocore::writeTags(media, edits, content);
     } catch (const audiocore::EndlessReading&) {
         work.endless = true;
     }

@@ -234,11 +234,11 @@ void TestPlayerLimits::aFreshPlayerIsDestroyedAtOnce()
 {
     // Made before the clock runs: encoding the long one takes seconds.
     const QString brief = Fixtures::tone("wav", 60000);
-    const QString lengthy = Fixtures::tone("mp3novbr", 600000);
+    const QString lengthy = Fixtures::tone("mp3novbr", Fixtures::longSong);
     for (int i = 0; i < 20; ++i) {
         opening(brief);
         Player seeking = opening(lengthy);
-        seeking->Seek(590000);
+        seeking->Seek(Fixtures::longSong - 10000);
         seeking->Play();
         const qint64 end = millisecondsOf([&seeking] { seeking.reset(); });
         QVERIFY2(end <= stuckMilliseconds, qPrintable(QString::number(end)));

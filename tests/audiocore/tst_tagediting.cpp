@@ -3,14 +3,12 @@
 #include "audiofile.h"
 #include "base/filebytes.h"
 #include "fixtures.h"
-#include "media/checkedstream.h"
 #include "tags/parsedmedia.h"
 #include "tags/tagediting.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
 
-using audiocore::CheckedStream;
 using audiocore::ParsedMedia;
 using audiocore::TagEdits;
 using base::MemoryFile;
@@ -49,10 +47,7 @@ TagEdits editsOf(const QHash<int, QString>& texts, const QByteArray& picture)
 std::string edit(MemoryFile& file, const TagEdits& edits, const ParsedMedia& original)
 {
     std::string error;
-    audiocore::NeededEdits needed;
-    CheckedStream stream(file, "memory", CheckedStream::Mode::Read);
-    if (audiocore::neededEdits(stream, edits, needed, error))
-        audiocore::editCopy(file, "memory", needed.edits, original, error);
+    audiocore::editCopy(file, "memory", audiocore::neededEdits(original, edits).edits, original, error);
     return error;
 }
 } // namespace

@@ -8,9 +8,9 @@
 #include <unistd.h>
 
 #ifdef Q_OS_LINUX
-#include <sched.h>
+#include "ownmount.h"
+
 #include <sys/mount.h>
-#include <sys/wait.h>
 #endif
 
 using base::Trash;
@@ -63,19 +63,8 @@ void makeFolder(const QByteArray& path, mode_t mode = 0700)
 /// What a process answers that alone sees another disk at the folder. Negative where that cannot be had.
 int withADisk(const QByteArray& folder, const std::function<int()>& work)
 {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        constexpr int cannot = 99;
-        const int more = ::geteuid() == 0 ? 0 : CLONE_NEWUSER;
-        if (::unshare(CLONE_NEWNS | more) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("none", folder.constData(), "tmpfs", 0, "size=1m") != 0)
-            ::_exit(cannot);
-        ::_exit(work());
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) < 99 ? WEXITSTATUS(status) : -1;
+    const auto mount = [&folder] { return ::mount("none", folder.constData(), "tmpfs", 0, "size=1m") == 0; };
+    return withOwnMount(mount, work);
 }
 #endif
 } // namespace

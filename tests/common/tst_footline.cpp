@@ -4,9 +4,12 @@
 #include "restwatch.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QImage>
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <algorithm>
 
 namespace {
 /// What it says of a song whose title is long.
@@ -41,9 +44,11 @@ private slots:
     void aLinkActsByKeys();
     void aLinkMayTellSomethingElse();
     void linksStayWhole();
+    void aLinkOfItsOwnSizeShowsItsWholeCaption();
     void aLinkIsUnderlinedUnderTheMouseOnly();
     void itIsAStatus();
     void aWiderLineShowsMore();
+    void anOfferStandsBehindWhateverIsTold();
     void itRests();
 
 private:
@@ -171,7 +176,7 @@ void TestFootLine::aLinkMayTellSomethingElse()
     QTest::mouseClick(links().first(), Qt::LeftButton);
     QCOMPARE(m_clicked, QStringList("Again"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCOMPARE(m_line->findChildren<TextLink*>().size(), 1);
+    QCOMPARE(m_line->findChildren<TextLink*>().size(), 2); // with the place of an offer
 }
 
 void TestFootLine::linksStayWhole()
@@ -184,6 +189,23 @@ void TestFootLine::linksStayWhole()
         QVERIFY(m_line->rect().contains(link->geometry()));
     }
     QVERIFY(!links().at(0)->geometry().intersects(links().at(1)->geometry()));
+}
+
+/// Fonts have widths in fractions of points, which are rounded down as well as up.
+void TestFootLine::aLinkOfItsOwnSizeShowsItsWholeCaption()
+{
+    constexpr int more = 40;
+    for (const qreal spacing : {0.0, 0.05, 0.1, 0.15, 0.2, 0.25}) {
+        TextLink link("Show");
+        QFont font = link.font();
+        font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+        link.setFont(font);
+        const QSize size = link.sizeHint();
+        link.resize(size);
+        const QImage own = link.grab().toImage();
+        link.resize(size.width() + more, size.height());
+        QCOMPARE(own, link.grab().toImage().copy(QRect(QPoint(more / 2, 0), size)));
+    }
 }
 
 void TestFootLine::aLinkIsUnderlinedUnderTheMouseOnly()
@@ -221,6 +243,38 @@ void TestFootLine::aWiderLineShowsMore()
     m_line->resize(3000, 26);
     QCOMPARE(m_line->toolTip(), QString());
     QVERIFY(links().first()->x() > 500);
+}
+
+void TestFootLine::anOfferStandsBehindWhateverIsTold()
+{
+    const auto captions = [this] {
+        QStringList found;
+        QList<TextLink*> shown = links();
+        std::sort(shown.begin(), shown.end(), [](auto* a, auto* b) { return a->x() < b->x(); });
+        for (const TextLink* link : qAsConst(shown))
+            found.append(link->text());
+        return found;
+    };
+    m_line->offer({"Undo", [this] { m_clicked.append("Undo"); }, "Takes back <b>all</b>"});
+    QCOMPARE(captions(), QStringList("Undo"));
+    TextLink* const offer = links().first();
+    QVERIFY(offer->toolTip().contains("&lt;b&gt;all"));
+    m_line->tell(withLinks("2 songs moved to the trash.", {"Next group"}, &m_clicked));
+    QCOMPARE(captions(), QStringList({"Next group", "Undo"}));
+    QTest::mouseClick(offer, Qt::LeftButton);
+    QCOMPARE(m_clicked, QStringList("Undo"));
+    m_line->tell(withLinks(longText(), {"Edit again"}, &m_clicked));
+    QVERIFY(painted().right() < m_line->width() - 12);
+    QVERIFY(offer->geometry().right() <= m_line->width() - 12);
+    TextLink* const again = offer == links().first() ? links().last() : links().first();
+    again->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(again, Qt::Key_Tab); // in the order in which they stand
+    QCOMPARE(QApplication::focusWidget(), offer);
+    m_line->clear();
+    QCOMPARE(captions(), QStringList("Undo"));
+    m_line->offer({});
+    QCOMPARE(captions(), QStringList());
+    QVERIFY(painted().isNull());
 }
 
 void TestFootLine::itRests()

@@ -1,4 +1,5 @@
 #include "covers/coverloader.h"
+#include "fixtures.h"
 #include "qiorvoutil.h"
 #include "songfixtures.h"
 
@@ -29,6 +30,7 @@ private slots:
     void whatIsNoPictureIsNull();
     void scalesHugePicturesDown();
     void refusesPicturesBeyondTheLimitWithoutDecodingThem();
+    void aGifIsAsLargeAsItsScreen();
     void aLongThinPictureKeepsBothEdges();
     void aSquareIconHasThePicturesOwnSize();
     void anOblongIconIsStretchedWithoutSmoothing();
@@ -185,6 +187,14 @@ void TestCoverLoader::refusesPicturesBeyondTheLimitWithoutDecodingThem()
                             "00000000130b0000130b00000000000000000000");
     QVERIFY(CoverLoader::load(saveBytes(bmp + QByteArray(1000, 'x'), path("bmp"))).isNull());
     QCOMPARE(CoverLoader::icon(path("bmp")).pixmap(50, 50).size(), QSize(50, 50));
+}
+
+void TestCoverLoader::aGifIsAsLargeAsItsScreen()
+{
+    const QString wide = saveBytes(Fixtures::gif({3000, 300}), path("wide"));
+    QCOMPARE(CoverLoader::load(wide).width(), 2048);
+    QCOMPARE(CoverLoader::pictureSize(wide), QSize(3000, 300));
+    QVERIFY(CoverLoader::load(saveBytes(Fixtures::gif({16000, 16000}), path("vast"))).isNull());
 }
 
 void TestCoverLoader::aLongThinPictureKeepsBothEdges()

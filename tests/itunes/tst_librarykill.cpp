@@ -69,7 +69,7 @@ private:
 
 void TestLibraryKill::makeFresh()
 {
-    constexpr int songs = 2000;
+    constexpr int songs = 1000;
     m_songs.makeSongs(songs, editedSongs);
     for (const Fixtures::ITunesTrack& track : qAsConst(m_songs.tracks)) {
         m_left.insert(Fixtures::itunesIdentifier(track.persistentId));
@@ -216,7 +216,7 @@ void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
     int journals = 0;
     int writings = 0;
     for (int i = 0; i < kills; ++i) {
-        if (m_left.size() < 200)
+        if (m_left.size() < 100)
             makeFresh();
         // Alone, two at once, and one that is killed when it takes over what the first one left.
         const QString seed = QString::number(i);

@@ -4,14 +4,13 @@
 #include "owntrash.h"
 #include "songfixtures.h"
 #include "songs/changehistory.h"
+#include "songs/filechanges.h"
 
 #include <QDateTime>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
-
-using TakenBack = ChangeHistory::TakenBack;
 
 /// What is taken back, and what is left alone.
 class TestChangeHistory : public QObject
@@ -36,6 +35,9 @@ private slots:
     void thereIsAnEndToSteps();
     void thereIsAnEndToPictures();
     void everythingIsForgottenAtOnce();
+    void aCoverThatCannotBeWrittenBackStaysAway();
+    void changesHaveNames();
+    void whomAChangeWasAboutIsHandedBack();
 
 private:
     QString song(const char* kind = "mp3", const QString& name = "song") const;
@@ -76,7 +78,7 @@ QString TestChangeHistory::song(const char* kind, const QString& name) const
 /// As the panel does it: all texts are replaced, and the picture goes.
 void TestChangeHistory::edit(const QString& path, const QString& title)
 {
-    const ChangeHistory::Before before = ChangeHistory::Before::of(path);
+    const FileChanges::Before before = FileChanges::Before::of(path);
     const QByteArray none;
     AudioFile::write(path,
                      {{TAG_TITLE, title},
@@ -86,7 +88,7 @@ void TestChangeHistory::edit(const QString& path, const QString& title)
                       {TAG_YEAR, "0"},
                       {TAG_TRACK, "0"}},
                      &none);
-    m_history->addEdit(before);
+    m_history->add(FileChanges::edit(before, nullptr));
 }
 
 RemovedFiles TestChangeHistory::remove(const QStringList& paths) const
@@ -118,8 +120,6 @@ void TestChangeHistory::anEditIsTakenBack()
     QCOMPARE(taken.kind, TakenBack::Kind::Edit);
     QCOMPARE(taken.paths, QStringList(path));
     QVERIFY(taken.failed.isEmpty());
-    QCOMPARE(taken.content.title, QString("Old"));
-    QCOMPARE(taken.content.picture, before.picture);
     const AudioFile::Content after = AudioFile::read(path);
     QCOMPARE(after.texts, before.texts);
     QCOMPARE(after.picture, before.picture);
@@ -204,9 +204,9 @@ void TestChangeHistory::aFileThatCannotBeWrittenStays()
 void TestChangeHistory::whatChangedNothingIsNoStep()
 {
     const QString path = song();
-    m_history->addEdit(ChangeHistory::Before::of(path));
-    m_history->addEdit(ChangeHistory::Before::of(m_folder->filePath("nothing")));
-    m_history->addDeletion(RemovedFiles());
+    m_history->add(FileChanges::edit(FileChanges::Before::of(path), nullptr));
+    m_history->add(FileChanges::edit(FileChanges::Before::of(m_folder->filePath("nothing")), nullptr));
+    m_history->add(FileChanges::deletion(RemovedFiles(), {}));
     QVERIFY(m_history->isEmpty());
 }
 
@@ -216,7 +216,7 @@ void TestChangeHistory::aDeletionIsTakenBack()
     QList<QByteArray> contents;
     for (const QString& path : paths)
         contents.append(Fixtures::readBytes(path));
-    m_history->addDeletion(remove(paths));
+    m_history->add(FileChanges::deletion(remove(paths), {}));
     for (const QString& path : paths)
         QVERIFY(!QFile::exists(path));
     const TakenBack taken = m_history->takeBack();
@@ -236,7 +236,7 @@ void TestChangeHistory::whatCannotComeBackIsTold()
     RemovedFiles files = remove(paths.mid(0, 3));
     QVERIFY(QFile::remove(paths[3]));
     files.deleted.append({paths[3], "no trash"});
-    m_history->addDeletion(files);
+    m_history->add(FileChanges::deletion(files, {}));
     Fixtures::saveBytes("somebody's", paths[0]);
     QVERIFY(QFile::remove(m_bin.path("b.mp3")));
     const TakenBack taken = m_history->takeBack();
@@ -254,7 +254,7 @@ void TestChangeHistory::aDeletionForGoodIsNoStep()
 {
     m_bin.spoil();
     const QString path = song();
-    m_history->addDeletion(remove({path}));
+    m_history->add(FileChanges::deletion(remove({path}), {}));
     QVERIFY(!QFile::exists(path));
     QVERIFY(m_history->isEmpty());
 }
@@ -263,11 +263,11 @@ void TestChangeHistory::changesOfAllKindsAreTakenBackInTurn()
 {
     const QString path = song();
     edit(path, "1");
-    m_history->addDeletion(remove({path}));
+    m_history->add(FileChanges::deletion(remove({path}), {}));
     QCOMPARE(m_history->takeBack().kind, TakenBack::Kind::Deletion);
     QCOMPARE(titleOf(path), QString("1"));
     edit(path, "2");
-    m_history->addDeletion(remove({path}));
+    m_history->add(FileChanges::deletion(remove({path}), {}));
     for (const char* title : {"2", "1", "Old"}) {
         QCOMPARE(m_history->takeBack().paths, QStringList(path));
         QCOMPARE(titleOf(path), QString(title));
@@ -277,33 +277,33 @@ void TestChangeHistory::changesOfAllKindsAreTakenBackInTurn()
 void TestChangeHistory::thereIsAnEndToSteps()
 {
     const QString path = Fixtures::saveBytes("x", m_folder->filePath("file"));
-    ChangeHistory::Before before;
+    FileChanges::Before before;
     before.path = path;
     before.state = FileState::of(path);
     Fixtures::saveBytes("longer", path);
     for (int i = 0; i < ChangeHistory::mostSteps + 5; ++i)
-        m_history->addEdit(before);
+        m_history->add(FileChanges::edit(before, nullptr));
     QCOMPARE(m_history->steps(), ChangeHistory::mostSteps);
 }
 
 void TestChangeHistory::thereIsAnEndToPictures()
 {
     const QString path = Fixtures::saveBytes("x", m_folder->filePath("file"));
-    ChangeHistory::Before before;
+    FileChanges::Before before;
     before.path = path;
     before.state = FileState::of(path);
     Fixtures::saveBytes("longer", path);
     before.content.picture = QByteArray(int(ChangeHistory::mostPictureBytes / 4), 'x');
     for (int i = 0; i < 9; ++i)
-        m_history->addEdit(before);
+        m_history->add(FileChanges::edit(before, nullptr));
     QCOMPARE(m_history->steps(), 4);
     QVERIFY(QFile::remove(path));
     m_history->takeBack(); // and its picture is not counted any more
     Fixtures::saveBytes("longer", path);
-    m_history->addEdit(before);
+    m_history->add(FileChanges::edit(before, nullptr));
     QCOMPARE(m_history->steps(), 4);
     before.content.picture = QByteArray(int(ChangeHistory::mostPictureBytes + 1), 'x');
-    m_history->addEdit(before);
+    m_history->add(FileChanges::edit(before, nullptr));
     QVERIFY(m_history->isEmpty());
 }
 
@@ -311,12 +311,54 @@ void TestChangeHistory::everythingIsForgottenAtOnce()
 {
     const QString path = song();
     edit(path, "1");
-    m_history->addDeletion(remove({path}));
+    m_history->add(FileChanges::deletion(remove({path}), {}));
     m_history->forget();
     QVERIFY(m_history->isEmpty());
     QCOMPARE(m_history->takeBack().kind, TakenBack::Kind::Nothing);
     QVERIFY(!QFile::exists(path));
     QCOMPARE(m_bin.files().size(), 1);
+}
+
+/// A step back is whole, or none.
+void TestChangeHistory::aCoverThatCannotBeWrittenBackStaysAway()
+{
+    constexpr int moreThanAFileTakes = 40 * 1024 * 1024;
+    const QString path = song();
+    FileChanges::Before before = FileChanges::Before::of(path);
+    before.content.picture.append(moreThanAFileTakes, 'x');
+    edit(path, "New");
+    m_history->forget();
+    m_history->add(FileChanges::edit(before, nullptr));
+    const QByteArray bytes = Fixtures::readBytes(path);
+    const TakenBack taken = m_history->takeBack();
+    QCOMPARE(taken.failed.size(), 1);
+    QVERIFY(taken.paths.isEmpty());
+    QCOMPARE(Fixtures::readBytes(path), bytes);
+}
+
+void TestChangeHistory::changesHaveNames()
+{
+    QCOMPARE(m_history->name(), QString());
+    const QString path = song();
+    edit(path, "1");
+    QCOMPARE(m_history->name(), QString("the edit of \"song.mp3\""));
+    m_history->add(FileChanges::deletion(remove({path}), {}));
+    QCOMPARE(m_history->name(), QString("the deletion of 1 song"));
+    m_history->takeBack();
+    QCOMPARE(m_history->name(), QString("the edit of \"song.mp3\""));
+}
+
+void TestChangeHistory::whomAChangeWasAboutIsHandedBack()
+{
+    QMusicInfo* const own = reinterpret_cast<QMusicInfo*>(this); // not looked into
+    const QString path = song();
+    m_history->add(FileChanges::deletion(remove({path}), {{own, nullptr, 7}}));
+    const TakenBack taken = m_history->takeBack();
+    QCOMPARE(taken.removed.size(), 1);
+    QCOMPARE(taken.removed.first().song, own);
+    QCOMPARE(taken.removed.first().position, 7);
+    QVERIFY(m_history->isEmpty());
+    QCOMPARE(m_history->takeBack().removed.size(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestChangeHistory)

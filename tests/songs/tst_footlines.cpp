@@ -21,6 +21,7 @@ private slots:
     void longTextsAreCutShort();
     void aSongThatWasLeft();
     void aCoverThatIsNotTaken();
+    void whatIsTakenBack();
     void aSaveThatFailed_data();
     void aSaveThatFailed();
     void aTrackThatWasNotSaved_data();
@@ -109,6 +110,22 @@ void TestFootLines::aCoverThatIsNotTaken()
 {
     QCOMPARE(FootLines::coverNotTaken("big.png", "it is too large"),
              QString("\"big.png\" is not taken as the cover: it is too large."));
+}
+
+void TestFootLines::whatIsTakenBack()
+{
+    QCOMPARE(FootLines::nameOfEdit(ferry), QString("the edit of \"Midnight Ferry\""));
+    QCOMPARE(FootLines::nameOfDeletion(2000), QString("the deletion of 2,000 songs"));
+    QCOMPARE(FootLines::editTakenBack(ferry), QString("Took back the edit of \"Midnight Ferry\"."));
+    QCOMPARE(FootLines::editNotTakenBack(ferry, "the file is gone"),
+             QString("The edit of \"Midnight Ferry\" cannot be taken back: the file is gone."));
+    QCOMPARE(FootLines::broughtBack({1, 0, {}, {}}), QString("1 song is back from the trash."));
+    QCOMPARE(FootLines::broughtBack({1200, 0, {}, {}}), QString("1,200 songs are back from the trash."));
+    QCOMPARE(FootLines::broughtBack({0, 1, "b.mp3", "it is gone"}),
+             QString("1 file could not be brought back: \"b.mp3\" (it is gone)."));
+    QCOMPARE(FootLines::broughtBack({2, 3, "b.mp3", "it is gone"}),
+             QString("2 songs are back from the trash. 3 files could not be brought back: \"b.mp3\" (it is "
+                     "gone) and 2 more."));
 }
 
 void TestFootLines::aSaveThatFailed_data()
@@ -208,8 +225,9 @@ void TestFootLines::deletions()
 void TestFootLines::tracksTakenOut()
 {
     QCOMPARE(FootLines::takenOut({}), QString());
-    QCOMPARE(FootLines::takenOut({12}), QString("12 tracks taken out of the library; their files stay."));
-    QCOMPARE(FootLines::takenOut({1}), QString("1 track taken out of the library; its file stays."));
+    QCOMPARE(FootLines::takenOut({12, 0, {}}),
+             QString("12 tracks taken out of the library; their files stay."));
+    QCOMPARE(FootLines::takenOut({1, 0, {}}), QString("1 track taken out of the library; its file stays."));
     QCOMPARE(
         FootLines::takenOut({1, 1, ferry, ITUNES_LIBRARY_IN_USE}),
         QString("1 track taken out of the library; its file stays. 1 track could not be taken out of the "

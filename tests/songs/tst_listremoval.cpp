@@ -25,6 +25,8 @@ private slots:
     void everyGroupKeepsItsFirstSong();
     void smallGroupsAreTakenOutUntouched();
     void allAtOnceIsTheSameAsOneAfterTheOther();
+    void songsGoBackToTheirPlaces();
+    void aGreatDeletionGoesBackAtOnce();
 };
 
 void TestListRemoval::theLastEntryOfTheGroupGoes()
@@ -115,7 +117,7 @@ void TestListRemoval::everyGroupKeepsItsFirstSong()
     QCOMPARE(plan.at(1).song, groups.at(1)->musicList.at(2)); // from the last one on
     QCOMPARE(plan.at(2).song, groups.at(1)->musicList.at(1));
     QCOMPARE(plan.at(1).kept, firsts.at(1));
-    const QList<QMusicInfo*> removed = SongRemoval::removeAll(lists(), plan);
+    const QVector<RemovedSong> removed = SongRemoval::removeAll(lists(), plan);
     QCOMPARE(removed.size(), plan.size());
     QVERIFY(m_groups.isEmpty());
     QCOMPARE(m_all, firsts);
@@ -175,6 +177,63 @@ void TestListRemoval::allAtOnceIsTheSameAsOneAfterTheOther()
         QCOMPARE(m_undefined, undefined);
         QVERIFY(m_groups.isEmpty());
     }
+}
+
+void TestListRemoval::songsGoBackToTheirPlaces()
+{
+    std::mt19937 random(7);
+    for (int round = 0; round < 50; ++round) {
+        init();
+        for (int i = 0; i < 30; ++i)
+            song(QString::number(i));
+        for (IAudioTag*& tag : m_tags)
+            tag = CreateTag();
+        const QList<QMusicInfo*> all = m_all;
+        const QList<IAudioTag*> tags = m_tags;
+        QVector<RemovedSong> removed;
+        while (m_all.size() > 20) { // in whatever order
+            QMusicInfo* const next = m_all.at(int(random() % unsigned(m_all.size())));
+            removed.append(*SongRemoval::removeOne(lists(), next, -1, KeptFiles(), *m_removal));
+        }
+        for (int i = 0; i + 1 < m_all.size(); i += 3)
+            group({m_all.at(i), m_all.at(i + 1)});
+        removed += SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));
+        QCOMPARE(m_all.size(), 13);
+        QMusicInfo* const later = song("later");
+        QSet<QMusicInfo*> away;
+        QList<QMusicInfo*> back = all;
+        if (round % 2 == 1) {
+            away = {removed.at(3).song, removed.last().song};
+            back.removeOne(removed.at(3).song);
+            back.removeOne(removed.last().song);
+        }
+        SongRemoval::putBack(lists(), removed, away);
+        QCOMPARE(m_all, back + QList<QMusicInfo*>{later});
+        QCOMPARE(m_tags.size(), m_all.size());
+        for (int i = 0; i < back.size(); ++i)
+            QCOMPARE(m_tags.at(i), tags.at(all.indexOf(back.at(i))));
+        for (IAudioTag* tag : tags)
+            ::operator delete(tag);
+    }
+}
+
+/// By the thousand: not one after the other.
+void TestListRemoval::aGreatDeletionGoesBackAtOnce()
+{
+    const Fixtures::ModeGuard tracks(false);
+    constexpr int count = 60000;
+    std::vector<QMusicInfo> songs(count);
+    for (QMusicInfo& one : songs)
+        m_all.append(&one);
+    const QList<QMusicInfo*> all = m_all;
+    QList<QMusicInfo*> members = m_all;
+    group(members);
+    const QVector<RemovedSong> removed = SongRemoval::removeAll(lists(), SongRemoval::planOfAll(m_groups));
+    QCOMPARE(removed.size(), count - 1);
+    SongRemoval::putBack(lists(), removed, {});
+    QCOMPARE(m_all, all);
+    QVERIFY(m_tags.isEmpty()); // tracks have none
+    m_all.clear();
 }
 
 QTEST_MAIN(TestListRemoval)

@@ -2,14 +2,8 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "loggedlines.h"
-#include "songfixtures.h"
-#include "songs/songediting.h"
-#include "startup.h"
+#include "songeditingfixture.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -48,90 +42,24 @@ private:
         return 0;
     }
 };
-
-SongEdit sampleEdit()
-{
-    SongEdit edit;
-    edit.title = QStringLiteral("Nächte \U0001D11E");
-    edit.artist = QStringLiteral("Ida & Wren");
-    edit.album = QStringLiteral("潮");
-    edit.genre = QStringLiteral("Rock");
-    edit.year = 2012;
-    edit.trackNumber = 3;
-    return edit;
-}
-
-QByteArray outputOf(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    return process.waitForFinished(patience) ? process.readAllStandardOutput() : QByteArray();
-}
-
-/// The tags as ffprobe names them, in small letters, whether they belong to the file or its stream.
-QHash<QString, QString> independentTags(const QString& path)
-{
-    const QJsonObject answer =
-        QJsonDocument::fromJson(
-            outputOf(QStringLiteral("ffprobe"),
-                     {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_format"),
-                      QStringLiteral("-show_streams"), QStringLiteral("-of"), QStringLiteral("json"), path}))
-            .object();
-    QHash<QString, QString> tags;
-    const auto take = [&](const QJsonObject& from) {
-        const QJsonObject found = from.value(QLatin1String("tags")).toObject();
-        for (auto tag = found.begin(); tag != found.end(); ++tag) {
-            QString name = tag.key().toLower();
-            if (name == QLatin1String("wm/year") || name == QLatin1String("year"))
-                name = QStringLiteral("date");
-            tags.insert(name, tag.value().toString());
-        }
-    };
-    const QJsonArray streams = answer.value(QLatin1String("streams")).toArray();
-    for (int i = 0; i < streams.size(); ++i) {
-        const QJsonObject stream = streams.at(i).toObject();
-        if (stream.value(QLatin1String("codec_type")).toString() == QLatin1String("audio"))
-            take(stream);
-    }
-    take(answer.value(QLatin1String("format")).toObject());
-    return tags;
-}
-
-QByteArray independentPicture(const QString& path)
-{
-    return outputOf(QStringLiteral("ffmpeg"),
-                    {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
-                     QStringLiteral("-map"), QStringLiteral("0:v:0"), QStringLiteral("-c"),
-                     QStringLiteral("copy"), QStringLiteral("-f"), QStringLiteral("image2pipe"),
-                     QStringLiteral("-")});
-}
 } // namespace
 
-class TestSongEditing : public QObject
+class TestSongEditing : public SongEditingFixture
 {
     Q_OBJECT
 
-public:
-    static void initMain() { Startup::beforeApplication(); }
-
 private slots:
-    void initTestCase();
+    void initTestCase() { start(); }
 
     void itemsAreReplacedInTheirOrder();
     void aChosenPictureIsWrittenWhole();
     void anUnreadablePictureIsNone_data();
     void anUnreadablePictureIsNone();
-    void everyFormatTakesAnEdit_data();
-    void everyFormatTakesAnEdit();
-    void everyFormatTakesAnyNumber_data();
-    void everyFormatTakesAnyNumber();
     void everyFailedSaveIsLogged_data();
     void everyFailedSaveIsLogged();
     void theSongTakesTheEdit();
     void anEditedFileIsStillTheOneThatIsListed();
     void theCoverGetsItsPicture();
-    void whatWasHandedBackUnchangedStays_data();
-    void whatWasHandedBackUnchangedStays();
     void aSongWithoutDataIsLeftAlone();
     void whatElseASaveChangedIsKnown_data();
     void whatElseASaveChangedIsKnown();
@@ -139,27 +67,7 @@ private slots:
     void aFailedSaveSaysWhy();
     void aFailedEditIsTakenBack();
     void whatCannotBeReadIsNotTakenBack();
-
-private:
-    std::unique_ptr<QMusicInfo> songOn(const QString& path) const;
-
-    QTemporaryDir m_folder;
-    Fixtures::ModeGuard m_mode{true};
 };
-
-void TestSongEditing::initTestCase()
-{
-    Startup::afterApplication();
-    Fixtures::genericCover();
-}
-
-std::unique_ptr<QMusicInfo> TestSongEditing::songOn(const QString& path) const
-{
-    auto song = std::make_unique<QMusicInfo>();
-    song->localInfo = std::make_unique<LocalMusicInfo>();
-    song->localInfo->filePath = path;
-    return song;
-}
 
 void TestSongEditing::itemsAreReplacedInTheirOrder()
 {
@@ -208,83 +116,6 @@ void TestSongEditing::anUnreadablePictureIsNone()
     QVERIFY(tag.calls.contains(QStringLiteral("set -1/9/1 \"\"")));
     QCOMPARE(log.size(), 1);
     QVERIFY(log.first().contains(path));
-}
-
-void TestSongEditing::everyFormatTakesAnEdit_data()
-{
-    QTest::addColumn<QString>("kind");
-    for (const QString& kind : Fixtures::formats())
-        QTest::newRow(qPrintable(kind)) << kind;
-}
-
-void TestSongEditing::everyFormatTakesAnEdit()
-{
-    QFETCH(QString, kind);
-    const auto song = songOn(Fixtures::copyTone(kind, m_folder.path()));
-    const QByteArray picture = Fixtures::jpeg(100, 100, 1);
-    SongEdit edit = sampleEdit();
-    edit.newCoverPath = Fixtures::saveBytes(picture, m_folder.filePath("picture.jpg"));
-    const SongEditing::Outcome outcome = SongEditing::apply(*song, edit);
-    QVERIFY(outcome.coverChanged && outcome.coverUsed);
-
-    const AudioFile::Content ours = AudioFile::read(song->localInfo->filePath);
-    const QHash<QString, QString> theirs = independentTags(song->localInfo->filePath);
-    const struct
-    {
-        int type;
-        const char* name;
-        QString value;
-    } fields[] = {{TAG_TITLE, "title", edit.title}, {TAG_ARTIST, "artist", edit.artist},
-                  {TAG_ALBUM, "album", edit.album}, {TAG_GENRE, "genre", edit.genre},
-                  {TAG_YEAR, "date", "2012"},       {TAG_TRACK, "track", "3"}};
-    QStringList row;
-    for (const auto& field : fields) {
-        const QString other = theirs.value(QLatin1String(field.name));
-        QCOMPARE(ours.texts.value(field.type), field.value);
-        QCOMPARE(other, field.value);
-        row.append(QStringLiteral("%1: %2 | %3")
-                       .arg(QLatin1String(field.name), ours.texts.value(field.type), other));
-    }
-    QCOMPARE(ours.picture, picture);
-    QCOMPARE(independentPicture(song->localInfo->filePath), picture);
-    row.append(QStringLiteral("picture: %1 | %1 bytes").arg(picture.size()));
-    qInfo("%-5s read back by us | by ffprobe: %s", qPrintable(kind),
-          qUtf8Printable(row.join(QStringLiteral("; "))));
-}
-
-void TestSongEditing::everyFormatTakesAnyNumber_data()
-{
-    everyFormatTakesAnEdit_data();
-}
-
-/// Whatever the editors let through, from their least to their greatest.
-void TestSongEditing::everyFormatTakesAnyNumber()
-{
-    QFETCH(QString, kind);
-    const auto song = songOn(Fixtures::copyTone(kind, m_folder.path()));
-    SongEdit edit = sampleEdit();
-    SongEditing::apply(*song, edit);
-    const struct
-    {
-        int year;
-        int track;
-    } numbers[] = {{987, 9999}, {9999, 1}, {5, 10}, {12, 255}, {1000, 256}, {1, 999}};
-    for (const auto& number : numbers) {
-        edit.year = number.year;
-        edit.trackNumber = number.track;
-        SongEditing::apply(*song, edit);
-        QHash<int, QString> ours = AudioFile::read(song->localInfo->filePath).texts;
-        QCOMPARE(ours.value(TAG_YEAR), QString::number(number.year));
-        QCOMPARE(ours.value(TAG_TRACK), QString::number(number.track));
-        const QHash<QString, QString> theirs = independentTags(song->localInfo->filePath);
-        QCOMPARE(theirs.value(QStringLiteral("date")).toInt(), number.year);
-        QCOMPARE(theirs.value(QStringLiteral("track")).toInt(), number.track);
-        edit.title += QLatin1Char('+'); // what is handed back is not lost
-        SongEditing::apply(*song, edit);
-        ours = AudioFile::read(song->localInfo->filePath).texts;
-        QCOMPARE(ours.value(TAG_TITLE), edit.title);
-        QCOMPARE(ours.value(TAG_YEAR), QString::number(number.year));
-    }
 }
 
 void TestSongEditing::everyFailedSaveIsLogged_data()
@@ -361,27 +192,6 @@ void TestSongEditing::theCoverGetsItsPicture()
     QCOMPARE(Fixtures::pixels(*song->localInfo->cover), Fixtures::pixels(Fixtures::genericCover()));
 }
 
-void TestSongEditing::whatWasHandedBackUnchangedStays_data()
-{
-    everyFormatTakesAnEdit_data();
-}
-
-/// The whole song goes through the editors; of what was not typed anew the file keeps its own form.
-void TestSongEditing::whatWasHandedBackUnchangedStays()
-{
-    QFETCH(QString, kind);
-    const auto song = songOn(Fixtures::copyTone(kind, m_folder.path()));
-    SongEdit edit = sampleEdit();
-    SongEditing::apply(*song, edit);
-    const QHash<QString, QString> before = independentTags(song->localInfo->filePath);
-    edit.title = QStringLiteral("New");
-    SongEditing::apply(*song, edit);
-    QHash<QString, QString> after = independentTags(song->localInfo->filePath);
-    QCOMPARE(after.value(QStringLiteral("title")), QStringLiteral("New"));
-    after.insert(QStringLiteral("title"), before.value(QStringLiteral("title")));
-    QCOMPARE(after, before);
-}
-
 void TestSongEditing::aSongWithoutDataIsLeftAlone()
 {
     QMusicInfo song;
@@ -392,7 +202,7 @@ void TestSongEditing::aSongWithoutDataIsLeftAlone()
 
 void TestSongEditing::whatElseASaveChangedIsKnown_data()
 {
-    everyFormatTakesAnEdit_data();
+    everyFormat();
 }
 
 namespace {

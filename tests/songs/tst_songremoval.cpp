@@ -12,10 +12,9 @@
 #include <functional>
 
 #ifdef Q_OS_LINUX
-#include <sched.h>
+#include "ownmount.h"
+
 #include <sys/mount.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #endif
 
 /// Which files may go, and which stay.
@@ -136,19 +135,10 @@ static int withAMount(const QTemporaryDir& folder, const std::function<int()>& f
     QDir(folder.path()).mkdir("mounted");
     const QByteArray f = QFile::encodeName(folder.filePath("f"));
     const QByteArray mounted = QFile::encodeName(folder.filePath("mounted"));
-    const pid_t child = ::fork();
-    if (child == 0) {
-        constexpr int cannot = 99;
-        const int more = ::geteuid() == 0 ? 0 : CLONE_NEWUSER;
-        if (::unshare(CLONE_NEWNS | more) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount(f.constData(), mounted.constData(), nullptr, MS_BIND, nullptr) != 0)
-            ::_exit(cannot);
-        ::_exit(find());
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) < 99 ? WEXITSTATUS(status) : -1;
+    const auto mount = [&f, &mounted] {
+        return ::mount(f.constData(), mounted.constData(), nullptr, MS_BIND, nullptr) == 0;
+    };
+    return withOwnMount(mount, find);
 }
 #endif
 

@@ -1,5 +1,7 @@
 #include "fixtures.h"
 
+#include "mediabytes.h"
+
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
@@ -199,6 +201,13 @@ QByteArray Fixtures::silentApe(int milliseconds)
         put<quint64>(ape, 0);
     }
     return ape;
+}
+
+QByteArray Fixtures::gif(const QSize& screen)
+{
+    using MediaBytes::little;
+    return "GIF89a" + little(quint16(screen.width())) + little(quint16(screen.height())) +
+           QByteArray::fromHex("800000000000ffffff2c00000000010001000002024401003b");
 }
 
 QByteArray Fixtures::jpeg(int width, int height, int seed)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -27,6 +28,8 @@ QString suffixOf(const QString& kind);
 QString tone(const QString& kind);
 /// The same of another length.
 QString tone(const QString& kind, int milliseconds);
+/// Where the length is guessed from a file's beginning the guess is far off by then, in milliseconds.
+constexpr int longSong = 240000;
 /// Copies the tone of the kind to folder/name.suffix, writable; the new path.
 QString copyTone(const QString& kind, const QString& folder, const QString& name = QStringLiteral("song"));
 
@@ -35,4 +38,6 @@ QByteArray silentApe(int milliseconds);
 
 /// A JPEG picture of one colour pattern per seed.
 QByteArray jpeg(int width, int height, int seed);
+/// A GIF picture whose only frame is one pixel of a screen of this size.
+QByteArray gif(const QSize& screen);
 } // namespace Fixtures

@@ -5,11 +5,13 @@
 #include "mediabytes.h"
 #include "mp4fixture.h"
 #include "mp4kinds.h"
+#include "oddid3v2.h"
 #include "oggfixture.h"
 #include "seeds.h"
 #include "wavfixture.h"
 
 #include <QFile>
+#include <QHash>
 #include <QTemporaryDir>
 
 using namespace MediaBytes;
@@ -245,6 +247,35 @@ void addLastWay(QList<Seed>& seeds)
     seeds << Seed{"m4a", "bare", tone("m4a").replace(4, 4, "free")};
     seeds << Seed{"m4a", "movie", atoms().replace(4, 4, "wide")};
 }
+
+/// ID3v2 with empty and broken frames.
+void addOddId3v2(QList<Seed>& seeds)
+{
+    const auto asked = [](int version, const char* id, const char* value) {
+        return OddId3v2::frame(version, id, OddId3v2::text(value));
+    };
+    const auto add = [&seeds](const QString& name, const QByteArray& tag) {
+        seeds << Seed{"mp3", "id3v2." + name, tag + tone("mp3")};
+    };
+    QHash<int, QByteArray> passedOver;
+    for (const OddId3v2::Frames& odd : OddId3v2::passedOver())
+        passedOver[odd.version] += odd.bytes;
+    for (const int version : {2, 3, 4}) {
+        const QByteArray frames = asked(version, "TIT2", "Title") + passedOver.value(version) +
+                                  asked(version, "TPE1", "Artist") + OddId3v2::frame(version, "TALB", {});
+        add(QStringLiteral("%1, passed over").arg(version), id3v2(frames, char(version)));
+    }
+    for (const OddId3v2::Frames& end : OddId3v2::ends()) {
+        const QByteArray frames = asked(end.version, "TIT2", "Title") + end.bytes +
+                                  asked(end.version, "TPE1", "Artist") + QByteArray(30, '\0');
+        add(QString::fromLatin1(end.name.mid(2)), id3v2(frames, char(end.version)));
+    }
+    const QByteArray title = asked(4, "TIT2", "Title");
+    add(QStringLiteral("4, of empty frames"), id3v2(OddId3v2::frame(4, "TIT2", {})));
+    add(QStringLiteral("4, of no size"), OddId3v2::ofNoSize(id3v2(title)));
+    seeds << Seed{"wav", "id3v2 beyond its chunk",
+                  withChunks(tone("wav"), OddId3v2::chunkBefore(title, asked(4, "TPE1", "Artist")))};
+}
 } // namespace
 
 QList<Seed> Seeds::music()
@@ -267,7 +298,12 @@ QList<Seed> Seeds::musicFindings()
     const QString tagged = QStringLiteral("a tag over all of the music");
     const QByteArray noAttributes =
         asfObject("40A4D0D207E3D21197F000A0C95EA850", little(quint16(65535)) + QByteArray(12, '\0'));
-    return {{"ape", tagged, tagOverAll(tone("ape"))},
-            {"flac", tagged, tagOverAll(tone("flac"))},
-            {"wma", "attributes that are not there", withObject(tone("wma"), noAttributes)}};
+    const QByteArrayList aac = adtsFrames(tone("aac"));
+    QList<Seed> seeds = {
+        {"ape", tagged, tagOverAll(tone("ape"))},
+        {"flac", tagged, tagOverAll(tone("flac"))},
+        {"wma", "attributes that are not there", withObject(tone("wma"), noAttributes)},
+        {"aac", "id3v2 between its frames", aac.mid(0, 2).join() + id3v2(frames(3), 3) + aac.mid(2).join()}};
+    addOddId3v2(seeds);
+    return seeds;
 }

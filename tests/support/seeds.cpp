@@ -105,9 +105,9 @@ QList<Seed> covers()
             seeds << Seed{QString(), format, bytes};
     seeds << Seed{QString(), "grey.png", encoded(image.convertToFormat(QImage::Format_Grayscale8), "png")};
     seeds << Seed{QString(), "indexed.png", encoded(image.convertToFormat(QImage::Format_Indexed8), "png")};
-    seeds << Seed{
-        QString(), "gif",
-        QByteArray::fromHex("474946383961010001008000000000ffffff2c00000000010001000002024401003b")};
+    seeds << Seed{QString(), "gif", Fixtures::gif({1, 1})};
+    // The size of this one is told otherwise by its reader.
+    seeds << Seed{QString(), "a wide screen.gif", Fixtures::gif({3000, 34})};
     return seeds;
 }
 

@@ -50,13 +50,14 @@ public:
         return reinterpret_cast<const unsigned char*>(const_cast<const ByteVector&>(m_block).data()) +
                (position - m_start);
     }
-    /// Where the byte is next from `position` on; `last` where that is not in front of it.
-    long find(unsigned char byte, long position, long last)
+    /// Where next from `position` on a frame may begin; `last` where that is not in front of it.
+    long findSync(long position, long last)
     {
         while (const unsigned char* bytes = position < last ? at(position, 1) : nullptr) {
-            const long read = std::min(last, m_start + long(m_block.size())) - position;
-            if (const void* found = std::memchr(bytes, byte, std::size_t(read)))
-                return position + (static_cast<const unsigned char*>(found) - bytes);
+            const long inBlock = m_start + long(m_block.size()) - position;
+            const long read = std::min(last - position, inBlock);
+            if (const unsigned char* found = syncIn(bytes, bytes + read, bytes + inBlock))
+                return position + (found - bytes);
             position += read;
         }
         return last;
@@ -65,6 +66,18 @@ public:
 
 private:
     static constexpr unsigned long largestBlock = 128 * 1024;
+
+    /// In front of `end`, with the second byte told only where it is in front of `known`.
+    static const unsigned char* syncIn(const unsigned char* bytes, const unsigned char* end,
+                                       const unsigned char* known)
+    {
+        for (; bytes < end; ++bytes) {
+            bytes = static_cast<const unsigned char*>(std::memchr(bytes, 0xFF, std::size_t(end - bytes)));
+            if (!bytes || bytes + 1 == known || (bytes[1] & 0xE0) == 0xE0)
+                return bytes;
+        }
+        return nullptr;
+    }
 
     TagLib::IOStream& m_stream;
     const long m_end;
@@ -158,15 +171,9 @@ bool startsStream(Window& window, const Kind& kind, long position, int frames)
 long firstFrame(Window& window, const Kind& kind, long begin, long searchLength)
 {
     const long last = std::min(window.end(), begin + searchLength);
-    for (long position = begin; (position = window.find(0xFF, position, last)) < last; ++position) {
-        const unsigned char* sync = window.at(position, 2);
-        if (!sync)
-            return -1;
-        const bool mayBe = (sync[1] & 0xE0) == 0xE0;
-        if (mayBe &&
-            startsStream(window, kind, position, position - begin < nearby ? framesNearby : framesFarOff))
+    for (long position = begin; (position = window.findSync(position, last)) < last; ++position)
+        if (startsStream(window, kind, position, position - begin < nearby ? framesNearby : framesFarOff))
             return position;
-    }
     return -1;
 }
 

@@ -35,7 +35,7 @@ public:
     }
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
 {
     audiocore::TagScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);

@@ -74,13 +74,12 @@ public:
     {
         const auto& [kind, size, name] = m_lastReads;
         const bool value = kind.size == 2 && size.size == 4;
-        const bool bytes = value && kind.bytes.toUShort(0u, false) == unsigned(asf::Type::Bytes);
+        const bool bytes = value && kind.number == std::int64_t(asf::Type::Bytes);
         const bool text = length > largestNumber && !bytes;
         ByteVector block = text ? readText(stream, length) : readPlain(stream, length);
         if (block.size() == 2 && size.size == idSize && name.size == 8)
-            boundCount(block, asf::kindOf(size.bytes), name.bytes.toLongLong(0u, false),
-                       stream.length() - stream.tell());
-        m_lastReads = {size, name, {block.size(), block.size() <= largestNumber ? block : ByteVector()}};
+            boundCount(block, size.object, name.number, stream.length() - stream.tell());
+        m_lastReads = {size, name, told(block)};
         return block;
     }
 
@@ -90,9 +89,21 @@ private:
 
     struct LastRead
     {
-        unsigned int size;
-        ByteVector bytes; ///< of those that may be numbers
+        unsigned int size = 0;
+        std::int64_t number = 0;             ///< where it may be one
+        asf::Kind object = asf::Kind::Other; ///< where it may be an identifier
     };
+
+    static LastRead told(const ByteVector& block)
+    {
+        LastRead read;
+        read.size = block.size();
+        if (block.size() == idSize)
+            read.object = asf::kindOf(block);
+        else if (block.size() <= sizeof read.number)
+            read.number = block.toLongLong(0u, false);
+        return read;
+    }
 
     /// No more attributes than there is room for, in the object and in what is left of the file.
     static void boundCount(ByteVector& count, asf::Kind kind, std::int64_t objectSize, std::int64_t left)
@@ -123,7 +134,7 @@ private:
     std::array<LastRead, 3> m_lastReads{};
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
 {
     AsfScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);

@@ -124,7 +124,7 @@ class FlacScreen final : public audiocore::TagScreen
     int m_shown = flac::Padding; ///< the kind that the block has whose body is expected
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin, audiocore::Purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
 {
     FlacScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);

@@ -30,7 +30,7 @@ long behindId3v2(audiocore::CheckedStream& stream)
 }
 } // namespace
 
-MediaFile audiocore::openMedia(CheckedStream& stream, Purpose purpose)
+MediaFile audiocore::openMedia(CheckedStream& stream)
 {
     MediaFile media;
     media.audioBegin = behindId3v2(stream);
@@ -43,7 +43,7 @@ MediaFile audiocore::openMedia(CheckedStream& stream, Purpose purpose)
     media.format = row->format;
     media.demuxer = row->demuxer;
     if (row->tags)
-        media.file = row->tags->open(stream, media.audioBegin, purpose);
+        media.file = row->tags->open(stream, media.audioBegin);
     if (!media.file || !media.file->isMusic())
         media.file = openLastWay(stream, *row);
     return media.file ? std::move(media) : MediaFile();

@@ -19,5 +19,5 @@ struct MediaFile
 };
 
 /// The stream must outlive what is returned. The format is unknown when it holds no music.
-MediaFile openMedia(CheckedStream& stream, Purpose purpose);
+MediaFile openMedia(CheckedStream& stream);
 } // namespace audiocore

@@ -41,7 +41,7 @@ private:
 };
 
 /// Our own walk has bounds of its own: it needs no screen.
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long, audiocore::Purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
 {
     stream.seek(0);
     return std::make_unique<Mp4Tags>(stream);

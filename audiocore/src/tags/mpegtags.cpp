@@ -4,6 +4,7 @@
 #include "tags/tagkind.h"
 #include "tags/tagreading.h"
 #include "tags/tagscreen.h"
+#include "tags/tagsource.h"
 #include "tags/tagwriting.h"
 
 #include <taglib/apetag.h>
@@ -17,7 +18,6 @@ using audiocore::CheckedStream;
 using audiocore::FileEdits;
 using audiocore::MpegStream;
 using audiocore::Place;
-using audiocore::Purpose;
 using audiocore::TaggedFile;
 using audiocore::TagKind;
 using audiocore::TagRank;
@@ -69,7 +69,8 @@ private:
     const Measure m_measure;
 };
 
-/// Raw AAC without a tag, only to be read: the tag library would search it from one end to the other for one.
+/// Raw AAC without a tag at either end: the tag library would search it from one end to the other for one,
+/// and take what looks like it between the frames.
 class Untagged final : public TaggedFile
 {
 public:
@@ -79,7 +80,11 @@ public:
     MpegStream sound() override { return audiocore::measureAdts(m_stream, m_audioBegin); }
     void read(TagReading&) override {}
     unsigned int largestPicture() override { return audiocore::largestPicture; }
-    std::string write(const FileEdits&) override { return audiocore::cannotBeWritten; }
+    std::string write(const FileEdits& edits) override
+    {
+        audiocore::TagSource source(m_stream);
+        return writeFront(source, Place(), edits, TagRank::Own);
+    }
 
 private:
     CheckedStream& m_stream;
@@ -108,14 +113,14 @@ std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin, Measure
     return std::make_unique<MpegTags>(stream, audioBegin, measure);
 }
 
-std::unique_ptr<TaggedFile> openMp3(CheckedStream& stream, long audioBegin, Purpose)
+std::unique_ptr<TaggedFile> openMp3(CheckedStream& stream, long audioBegin)
 {
     return open(stream, audioBegin, audiocore::measureMp3);
 }
 
-std::unique_ptr<TaggedFile> openAdts(CheckedStream& stream, long audioBegin, Purpose purpose)
+std::unique_ptr<TaggedFile> openAdts(CheckedStream& stream, long audioBegin)
 {
-    if (purpose == Purpose::Reading && !hasTag(stream, audioBegin))
+    if (!hasTag(stream, audioBegin))
         return std::make_unique<Untagged>(stream, audioBegin);
     return open(stream, audioBegin, audiocore::measureAdts);
 }

@@ -155,7 +155,7 @@ std::string OggTags::write(const FileEdits& edits)
     return packet->write(pages) ? std::string() : audiocore::tooLarge;
 }
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin, audiocore::Purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
 {
     std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
     const OggStream* const music = audiocore::musicAmong(streams);

@@ -7,6 +7,7 @@
 #include "media/soundlimits.h"
 #include "tags/tagfields.h"
 
+#include <algorithm>
 #include <mutex>
 
 using audiocore::MpegStream;
@@ -27,15 +28,15 @@ LastReading& lastReading()
     return *reading;
 }
 
-void addItems(ParsedMedia& parsed, const audiocore::TagContent& content)
+void addItems(ParsedMedia& parsed)
 {
     for (int type = 0; type < audiocore::textTypes; ++type) {
-        const std::string& text = content.texts[size_t(type)];
+        const std::string& text = parsed.content.texts[size_t(type)];
         if (!text.empty())
             parsed.items.push_back({TagItemType(type), base::toUtf32(text), TagLib::ByteVector()});
     }
-    if (!content.picture.isEmpty())
-        parsed.items.push_back({TAG_PICTURE, std::u32string(), content.picture});
+    if (!parsed.content.picture.isEmpty())
+        parsed.items.push_back({TAG_PICTURE, std::u32string(), parsed.content.picture});
 }
 
 /// The tag library counts in numbers that a file can make overflow.
@@ -49,7 +50,7 @@ MpegStream atLeastZero(MpegStream properties)
 /// Fills in what the file holds; false when it holds no music.
 bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
 {
-    const audiocore::MediaFile media = audiocore::openMedia(stream, audiocore::Purpose::Reading);
+    const audiocore::MediaFile media = audiocore::openMedia(stream);
     const MpegStream properties = media.file ? media.file->sound() : MpegStream();
     if (!audiocore::isSampleRate(properties.sampleRate))
         return false;
@@ -57,32 +58,39 @@ bool readInto(ParsedMedia& parsed, audiocore::CheckedStream& stream)
     parsed.demuxer = media.demuxer;
     parsed.properties = atLeastZero(properties);
     parsed.audioBegin = media.audioBegin;
+    parsed.content = audiocore::readTags(media);
     parsed.largestPicture = media.file->largestPicture();
-    addItems(parsed, audiocore::readTags(media));
+    addItems(parsed);
     return true;
 }
 
 std::shared_ptr<const ParsedMedia> parse(audiocore::CheckedStream& stream, const std::string& path)
 {
     auto parsed = std::make_shared<ParsedMedia>();
-    if (!stream.isOpen()) {
-        base::logLine(path, "cannot be read: " + stream.openError());
-        return parsed;
-    }
+    std::string error;
     try {
-        const bool music = readInto(*parsed, stream);
-        if (stream.ranDry())
-            throw audiocore::EndlessReading();
-        if (music && !stream.readFailed())
-            return parsed;
-        base::logLine(path,
-                      stream.readFailed() ? "cannot be read to its end" : "holds no music that can be read");
+        error = audiocore::readMedia(stream, *parsed);
     } catch (const audiocore::EndlessReading& reason) {
-        base::logLine(path, reason.what());
+        error = reason.what();
     }
+    if (error.empty())
+        return parsed;
+    base::logLine(path, error);
     return std::make_shared<ParsedMedia>();
 }
 } // namespace
+
+std::string audiocore::readMedia(CheckedStream& stream, ParsedMedia& parsed)
+{
+    if (!stream.isOpen())
+        return "cannot be read: " + stream.openError();
+    const bool music = readInto(parsed, stream);
+    if (stream.ranDry())
+        throw EndlessReading();
+    if (stream.readFailed())
+        return "cannot be read to its end";
+    return music ? std::string() : "holds no music that can be read";
+}
 
 std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& path)
 {

@@ -3,6 +3,7 @@
 #include "audiocore/iaudiodecoder.h"
 #include "audiocore/tagitem.h"
 #include "media/mpegframes.h"
+#include "tags/tagfields.h"
 
 #include <taglib/tbytevector.h>
 
@@ -16,7 +17,9 @@ class FileBytes;
 }
 
 namespace audiocore {
-/// What one reading of a file gave, for its tag object and its decoder alike.
+class CheckedStream;
+
+/// What one reading of a file gave, for its tag object, its decoder and whoever edits it alike.
 struct ParsedMedia
 {
     struct Item
@@ -30,9 +33,14 @@ struct ParsedMedia
     const char* demuxer = ""; ///< FFmpeg's name of what opens it, for playing
     MpegStream properties;
     std::int64_t audioBegin = 0;      ///< behind a tag at the file's beginning
-    std::uint32_t largestPicture = 0; ///< bytes of what may be written into the file
     std::vector<Item> items;          ///< texts by type, the picture last
+    TagContent content;               ///< what the items say
+    std::uint32_t largestPicture = 0; ///< bytes of what may be written into the file
 };
+
+/// Reads what is in the stream. Why there is nothing to be had, without its subject; empty on success. Throws
+/// EndlessReading.
+std::string readMedia(CheckedStream& stream, ParsedMedia& parsed);
 
 /// Reads the file, or hands out the last reading of it when the file did not change since; the readings
 /// before the last one are forgotten, so that open objects cost nothing. Never null; a file that cannot be

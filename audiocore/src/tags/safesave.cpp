@@ -48,19 +48,18 @@ SaveProblem problemOf(Failure::Kind kind)
     }
 }
 
-/// False with the reason when the file is none that edits can be written into.
-bool neededEdits(const std::string& path, const ParsedMedia& media, const TagEdits& edits,
-                 NeededEdits& needed, Failure& failure)
+/// Reads the file as it is now; false with the reason when it cannot be read.
+bool readNow(const std::string& path, ParsedMedia& media, Failure& failure)
 {
     errno = 0;
     CheckedStream stream(path, CheckedStream::Mode::Read);
-    failure = {stream.openError(), base::kindOf(errno)};
-    if (!stream.isOpen())
+    if (!stream.isOpen()) {
+        failure = {stream.openError(), base::kindOf(errno)};
         return false;
-    failure = {audiocore::noMusic, Failure::Kind::NotSafe};
-    // What readers are shown nothing of is left alone: what is saved into it nobody would see.
-    return media.format != AUDIO_FORMAT_UNKNOWN &&
-           audiocore::neededEdits(stream, edits, needed, failure.text);
+    }
+    const std::string reason = audiocore::readMedia(stream, media);
+    failure = {"it " + reason, Failure::Kind::NotSafe};
+    return reason.empty();
 }
 
 /// Writes the changes of the file in that state, which was read as `original`. `target` is no link.
@@ -97,11 +96,14 @@ Outcome tryOnce(const std::string& path, const TagEdits& edits, NeededEdits& nee
     base::removeLeftovers(target);
     base::FileState before;
     base::stateOf(target, before);
-    const auto original = audiocore::parsedMedia(target);
+    // What readers are shown nothing of is left alone: what is saved into it nobody would see.
+    ParsedMedia original;
     Outcome outcome = Outcome::Failed;
-    if (neededEdits(target, *original, edits, needed, failure))
+    if (readNow(target, original, failure)) {
+        needed = audiocore::neededEdits(original, edits);
         outcome = needed.edits.isEmpty() ? Outcome::Saved
-                                         : saveChanges(target, before, *original, needed.edits, failure);
+                                         : saveChanges(target, before, original, needed.edits, failure);
+    }
     if (outcome == Outcome::Saved && !needed.edits.isEmpty())
         return outcome;
     // What was found, or hindered the save, may have been somebody else's writing.
@@ -125,7 +127,7 @@ SaveProblem audiocore::saveEdits(const std::string& path, const TagEdits& edits)
             failure = {"other programs keep changing the file", Failure::Kind::ChangedMeanwhile};
     } catch (const EndlessReading& reason) {
         outcome = Outcome::Failed;
-        failure = {reason.what(), Failure::Kind::NotSafe};
+        failure = {std::string("it ") + reason.what(), Failure::Kind::NotSafe};
     }
     if (outcome != Outcome::Saved) {
         base::logLine(path, "the tag was not saved: " + failure.text);

@@ -11,7 +11,6 @@ class FileBytes;
 /// Editing the tags of a file, wherever its bytes lie. Names, copies, locks and whose place a file takes are
 /// the matter of `saveEdits` alone.
 namespace audiocore {
-class CheckedStream;
 struct ParsedMedia;
 
 struct NeededEdits
@@ -20,16 +19,12 @@ struct NeededEdits
     std::string leftOut; ///< why the picture is not among them
 };
 
-/// The edits that the file needs and can take; false with a reason when it cannot be read. Throws
-/// EndlessReading.
-bool neededEdits(CheckedStream& stream, const TagEdits& edits, NeededEdits& needed, std::string& error);
+/// The edits that a file needs and can take that was read as `media`.
+NeededEdits neededEdits(const ParsedMedia& media, const TagEdits& edits);
 
 /// Edits the copy of a file that was read as `original`, and hands it to its device. True when the copy then
 /// reads as the edits want it and plays as the original does; otherwise false with a reason, and it may be
 /// half written. The path is for messages alone. Throws EndlessReading.
 bool editCopy(base::FileBytes& copy, const std::string& path, const TagEdits& edits,
               const ParsedMedia& original, std::string& error);
-
-/// What is said of a file that is none of ours.
-extern const char* const noMusic;
 } // namespace audiocore

@@ -15,11 +15,6 @@ class SoundView;
 class TagReading;
 struct FileEdits;
 
-enum class Purpose {
-    Reading,
-    Writing ///< also of a file without any tag; the tag library is shown all that it will write anew
-};
-
 /// A music file that lies open in a stream, together with what its format makes of its tags. The stream must
 /// outlive it. One thread.
 class TaggedFile
@@ -49,7 +44,7 @@ protected:
 struct TagKind
 {
     /// The music starts at `audioBegin`. Null when the tag library has nothing for what is in there.
-    std::unique_ptr<TaggedFile> (*open)(CheckedStream& stream, long audioBegin, Purpose purpose);
+    std::unique_ptr<TaggedFile> (*open)(CheckedStream& stream, long audioBegin);
     /// Makes its own tags look like something to pass over; those that any file may have already do. False
     /// when decoders must not see the file. Null where there is nothing to do.
     bool (*hide)(CheckedStream& stream, long audioBegin, SoundView& view);

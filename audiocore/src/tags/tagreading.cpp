@@ -4,12 +4,14 @@
 #include "tags/apebytes.h"
 #include "tags/commentbytes.h"
 #include "tags/id3v2bytes.h"
+#include "tags/id3v2frames.h"
 #include "tags/taglimits.h"
 
 #include <taglib/apetag.h>
 #include <taglib/asftag.h>
 #include <taglib/attachedpictureframe.h>
 #include <taglib/flacpicture.h>
+#include <taglib/id3v1genres.h>
 #include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/textidentificationframe.h>
@@ -17,20 +19,24 @@
 #include <taglib/xiphcomment.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
 #include <utility>
 
 using audiocore::PictureChoice;
 using audiocore::TagContent;
 using audiocore::TagReading;
 using TagLib::ByteVector;
-using TagLib::PropertyMap;
 using TagLib::String;
 using TagLib::StringList;
 
 namespace {
-const char* const propertyNames[audiocore::textTypes] = {"TITLE", "ARTIST", "ALBUM",
-                                                         "GENRE", "DATE",   "TRACKNUMBER"};
-const char* const id3v2Frames[audiocore::textTypes] = {"TIT2", "TPE1", "TALB", "TCON", "TDRC", "TRCK"};
+const String propertyNames[audiocore::textTypes] = {"TITLE", "ARTIST", "ALBUM",
+                                                    "GENRE", "DATE",   "TRACKNUMBER"};
+const String furtherYear = "YEAR";
+constexpr std::string_view id3v2Frames[audiocore::textTypes] = {"TIT2", "TPE1", "TALB",
+                                                                "TCON", "TDRC", "TRCK"};
 const char* const apeKeys[audiocore::textTypes] = {"TITLE", "ARTIST", "ALBUM", "GENRE", "YEAR", "TRACK"};
 const char* const apeFront = "COVER ART (FRONT)";
 
@@ -53,26 +59,57 @@ std::string withoutZeros(std::string text)
     return text;
 }
 
-StringList valuesIn(const PropertyMap& properties, int type)
+using Fields = TagLib::Map<String, StringList>;
+
+StringList valuesOf(const Fields& fields, const String& name)
 {
-    const StringList& values = properties[propertyNames[type]];
-    return values.isEmpty() && type == TAG_YEAR ? properties["YEAR"] : values;
+    const auto found = fields.find(name);
+    return found == fields.end() ? StringList() : found->second;
 }
 
-/// Only the frames in question: the others cost more than all the rest of reading.
-PropertyMap propertiesOf(const TagLib::ID3v2::Tag& tag)
+StringList valuesIn(const Fields& fields, int type)
 {
-    PropertyMap properties;
-    for (const char* id : id3v2Frames)
-        for (const TagLib::ID3v2::Frame* frame : tag.frameListMap()[id])
-            if (const auto* text = dynamic_cast<const TagLib::ID3v2::TextIdentificationFrame*>(frame))
-                properties.merge(text->asProperties());
-    return properties;
+    const StringList values = valuesOf(fields, propertyNames[type]);
+    return values.isEmpty() && type == TAG_YEAR ? valuesOf(fields, furtherYear) : values;
 }
+
+/// What the frames in question say, each looked at once: taking all for properties costs more than all the
+/// rest of reading.
+struct FrameTexts
+{
+    std::array<StringList, audiocore::textTypes> values;
+    std::array<bool, audiocore::textTypes> isThere{}; ///< whether there is such a frame, whatever it says
+
+    explicit FrameTexts(const TagLib::ID3v2::Tag& tag)
+    {
+        for (const TagLib::ID3v2::Frame* frame : tag.frameList()) {
+            const ByteVector id = frame->frameID();
+            for (std::size_t type = 0; type < values.size(); ++type)
+                if (audiocore::id3v2::viewOf(id) == id3v2Frames[type])
+                    take(type, *frame);
+        }
+    }
+    void take(std::size_t type, const TagLib::ID3v2::Frame& frame)
+    {
+        isThere[type] = true;
+        const auto* const text = dynamic_cast<const TagLib::ID3v2::TextIdentificationFrame*>(&frame);
+        if (!text)
+            return;
+        for (const String& value : text->fieldList())
+            values[type].append(type == TAG_GENRE ? genreOf(value) : value);
+    }
+    /// A number is one of those that ID3v1 has.
+    static String genreOf(const String& value)
+    {
+        bool isNumber = false;
+        const int number = value.toInt(&isNumber);
+        return isNumber ? TagLib::ID3v1::genre(number) : value;
+    }
+};
 
 void offer(PictureChoice& choice, const TagLib::ID3v2::Tag& tag)
 {
-    for (const TagLib::ID3v2::Frame* frame : tag.frameListMap()["APIC"])
+    for (const TagLib::ID3v2::Frame* frame : tag.frameList())
         if (const auto* picture = dynamic_cast<const TagLib::ID3v2::AttachedPictureFrame*>(frame))
             choice.offer(picture->picture(),
                          picture->type() == TagLib::ID3v2::AttachedPictureFrame::FrontCover);
@@ -109,10 +146,11 @@ void TagReading::add(const TagLib::ID3v2::Tag* tag, const Bytes& bytes)
 {
     if (!tag)
         return;
-    addProperties(propertiesOf(*tag));
+    const FrameTexts frames(*tag);
+    addTexts([&frames](int type) { return frames.values.at(std::size_t(type)); });
     offer(m_pictures, *tag);
-    const auto contains = [tag](const char* id) { return !tag->frameList(id).isEmpty(); };
-    if (isComplete() || (!hasUnread(contains, id3v2Frames) && tag->header()->majorVersion() != 2))
+    const auto contains = [&frames](int type) { return frames.isThere.at(std::size_t(type)); };
+    if (isComplete() || (!hasUnread(contains) && tag->header()->majorVersion() != 2))
         return;
     if (const auto again = parsed<Id3v2Bytes>(bytes()))
         addUnread([&again](int type) { return again->unreadText(type); });
@@ -124,8 +162,8 @@ void TagReading::add(const TagLib::APE::Tag* tag, const Bytes& bytes)
         return;
     addProperties(tag->properties());
     offer(m_pictures, *tag);
-    const auto contains = [tag](const char* key) { return tag->itemListMap().contains(key); };
-    if (!hasUnread(contains, apeKeys))
+    const auto contains = [tag](int type) { return tag->itemListMap().contains(apeKeys[type]); };
+    if (!hasUnread(contains))
         return;
     if (const auto again = parsed<ApeBytes>(bytes()))
         addUnread([&again](int type) { return again->text(type); });
@@ -135,7 +173,7 @@ void TagReading::add(TagLib::Ogg::XiphComment* tag, const Bytes& bytes)
 {
     if (!tag)
         return;
-    addProperties(tag->properties());
+    addProperties(tag->fieldListMap());
     addPictures(tag->pictureList());
     // The library leaves no trace of what it made nothing of.
     if (isComplete())
@@ -161,9 +199,9 @@ void TagReading::addTexts(const TagLib::Tag* tag)
         addProperties(tag->properties());
 }
 
-void TagReading::addProperties(const PropertyMap& properties)
+void TagReading::addProperties(const Fields& fields)
 {
-    addTexts([&properties](int type) { return valuesIn(properties, type); });
+    addTexts([&fields](int type) { return valuesIn(fields, type); });
 }
 
 void TagReading::addTexts(const std::function<StringList(int)>& valuesOf)
@@ -198,12 +236,12 @@ void TagReading::addUnread(const std::function<std::string(int)>& textOf)
     }
 }
 
-/// Whether the tag has a field, by its name, of a type that still has no text.
+/// Whether the tag contains a field of a type that still has no text.
 template <class Contains>
-bool TagReading::hasUnread(const Contains& contains, const char* const* names) const
+bool TagReading::hasUnread(const Contains& contains) const
 {
-    for (size_t type = 0; type < size_t(textTypes); ++type)
-        if (m_content.texts[type].empty() && contains(names[type]))
+    for (int type = 0; type < textTypes; ++type)
+        if (m_content.texts[size_t(type)].empty() && contains(type))
             return true;
     return false;
 }

@@ -4,13 +4,14 @@
 #include "tags/tagfields.h"
 
 #include <taglib/tlist.h>
+#include <taglib/tmap.h>
+#include <taglib/tstring.h>
 #include <taglib/tstringlist.h>
 
 #include <functional>
 #include <optional>
 
 namespace TagLib {
-class PropertyMap;
 class Tag;
 namespace APE {
 class Tag;
@@ -54,10 +55,11 @@ public:
     TagContent takeContent();
 
 private:
-    void addProperties(const TagLib::PropertyMap& properties);
+    /// By their names in capitals.
+    void addProperties(const TagLib::Map<TagLib::String, TagLib::StringList>& fields);
     void addUnread(const std::function<std::string(int)>& textOf);
     template <class Contains>
-    bool hasUnread(const Contains& contains, const char* const* names) const;
+    bool hasUnread(const Contains& contains) const;
     bool isComplete() const;
 
     TagContent m_content;

@@ -38,9 +38,9 @@ void writeOver(ByteVector& tag, unsigned int begin, unsigned int size, const std
 }
 } // namespace
 
-std::string audiocore::writeTags(const MediaFile& media, const TagEdits& edits)
+std::string audiocore::writeTags(const MediaFile& media, const TagEdits& edits, const TagContent& content)
 {
-    return media.file->write(editsFor(edits, readTags(media)));
+    return media.file->write(editsFor(edits, content));
 }
 
 std::string audiocore::writeFront(TagLib::File& file, const Place& place, const FileEdits& edits,

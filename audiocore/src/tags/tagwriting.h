@@ -9,9 +9,9 @@
 /// asfbytes. TagLib's writers were tried for it: they drop frames, atoms and encodings that no edit touched,
 /// and put fields into another order.
 namespace audiocore {
-/// Applies the edits to the file's tags and saves them. The file's tag objects are of no use afterwards. Why
-/// it did not work, empty on success; the file may be half written then.
-std::string writeTags(const MediaFile& media, const TagEdits& edits);
+/// Applies the edits to the file's tags, which say `content` now, and saves them. The file's tag objects are
+/// of no use afterwards. Why it did not work, empty on success; the file may be half written then.
+std::string writeTags(const MediaFile& media, const TagEdits& edits, const TagContent& content);
 
 // For the formats, to put their files together.
 

@@ -11,12 +11,12 @@
 #include "tags/taglimits.h"
 #include "tags/tagreading.h"
 #include "tags/tagscreen.h"
+#include "tags/tagsource.h"
 #include "tags/tagtext.h"
 #include "tags/tagwriting.h"
 
 #include <taglib/id3v2tag.h>
 #include <taglib/infotag.h>
-#include <taglib/tfile.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -42,17 +42,6 @@ using audiocore::WavChunks;
 using TagLib::ByteVector;
 
 namespace {
-/// What the tag library's reader of ID3v2 asks for; all else is our own.
-class TagSource final : public TagLib::File
-{
-public:
-    explicit TagSource(CheckedStream& stream) : File(&stream) {}
-
-    TagLib::Tag* tag() const override { return nullptr; }
-    TagLib::AudioProperties* audioProperties() const override { return nullptr; }
-    bool save() override { return false; }
-};
-
 /// Bytes that take the place of others.
 struct Splice
 {
@@ -85,7 +74,7 @@ private:
     const std::int64_t m_begin;
     const WavChunks m_chunks;
     const MpegStream m_sound;
-    TagSource m_source;
+    audiocore::TagSource m_source;
     std::unique_ptr<TagLib::ID3v2::Tag> m_id3v2;
     std::unique_ptr<TagLib::ID3v2::Tag> m_front; ///< before the file proper, where none is to be
 };
@@ -226,7 +215,7 @@ public:
     }
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin, audiocore::Purpose)
+std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
 {
     static const InfoText handler;
     static const bool installed = (TagLib::RIFF::Info::Tag::setStringHandler(&handler), true);

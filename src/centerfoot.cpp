@@ -1,0 +1,48 @@
+#include "centerfoot.h"
+
+#include "songs/removaltally.h"
+
+#include <QApplication>
+
+void CenterFoot::tell(const FootText& told)
+{
+    if (!told.text.isEmpty())
+        emit this->told(told);
+}
+
+void CenterFoot::tellOfDeletion(const RemovalTally& tally, int nextGroup)
+{
+    QVector<FootText::Link> links;
+    if (nextGroup >= 0)
+        links.append({QStringLiteral("Next group"), [this, nextGroup] { emit groupChosen(nextGroup); }});
+    m_undo.endDeletion(tally.files());
+    tell({tally.line(), tally.failed(), links});
+    offerUndo();
+}
+
+void CenterFoot::offerUndo()
+{
+    const QString change = m_undo.next();
+    emit undoOffered(change.isEmpty() ? FootText::Link()
+                                      : FootText::Link{QStringLiteral("Undo"), [this] { emit undoChosen(); },
+                                                       QStringLiteral("Takes back %1 (Ctrl+Z)").arg(change)});
+}
+
+void CenterFoot::takeBack(const SongLists& lists)
+{
+    if (m_undo.next().isEmpty())
+        return;
+    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
+    const SongUndo::Undone undone = m_undo.undo(lists);
+    if (undone.edited || !undone.returned.isEmpty())
+        emit this->undone(undone);
+    QApplication::restoreOverrideCursor();
+    tell({undone.line, undone.failed, {}});
+    offerUndo();
+}
+
+void CenterFoot::forgetChanges()
+{
+    m_undo.forget();
+    offerUndo();
+}

@@ -1,0 +1,103 @@
+#include "songs/songundo.h"
+
+#include "audiocore/iaudiotag.h"
+#include "collection/filestate.h"
+#include "qmusicinfo.h"
+#include "songs/filechanges.h"
+#include "songs/footlines.h"
+#include "songs/songediting.h"
+#include "songs/songfields.h"
+
+#include <QFileInfo>
+
+#include <utility>
+
+namespace {
+/// The songs whose files did not come back, and are not there in another way either.
+QSet<QMusicInfo*> songsAway(const TakenBack& taken)
+{
+    QSet<QString> paths;
+    for (const RemovedFiles::Told& file : taken.failed)
+        paths.insert(file.path);
+    QSet<QMusicInfo*> away;
+    for (const RemovedSong& removed : taken.removed) {
+        const QString& path = removed.song->localInfo->filePath;
+        if (paths.contains(path) || !FileState::ofEntry(path).exists())
+            away.insert(removed.song);
+    }
+    return away;
+}
+} // namespace
+
+void SongUndo::songsLeft(const QVector<RemovedSong>& songs)
+{
+    m_leaving += songs;
+    for (const RemovedSong& removed : songs)
+        m_left.insert(removed.song);
+}
+
+void SongUndo::endDeletion(const RemovedFiles& files)
+{
+    m_history.add(FileChanges::deletion(files, std::exchange(m_leaving, {})));
+}
+
+SongUndo::Undone SongUndo::undo(const SongLists& lists)
+{
+    const TakenBack taken = m_history.takeBack();
+    switch (taken.kind) {
+    case TakenBack::Kind::Edit:
+        return takenBackEdit(taken);
+    case TakenBack::Kind::Deletion:
+        return takenBackDeletion(taken, lists);
+    case TakenBack::Kind::Nothing:
+        break;
+    }
+    return Undone();
+}
+
+SongUndo::Undone SongUndo::takenBackEdit(const TakenBack& taken) const
+{
+    Undone undone;
+    if (taken.failed.isEmpty() && SongEditing::takeBack(*taken.song)) {
+        undone.line = FootLines::editTakenBack(SongFields::shownName(taken.song));
+        undone.edited = taken.song;
+        return undone;
+    }
+    const QString reason =
+        taken.failed.isEmpty() ? QStringLiteral("the file cannot be read") : taken.failed.first().reason;
+    undone.line = FootLines::editNotTakenBack(SongFields::shownName(taken.song), reason);
+    undone.failed = true;
+    return undone;
+}
+
+SongUndo::Undone SongUndo::takenBackDeletion(const TakenBack& taken, const SongLists& lists)
+{
+    Undone undone;
+    const QSet<QMusicInfo*> away = songsAway(taken);
+    SongRemoval::putBack(lists, taken.removed, away);
+    for (const RemovedSong& removed : taken.removed) {
+        if (away.contains(removed.song))
+            continue;
+        if (removed.tag)
+            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
+        m_left.remove(removed.song);
+        undone.returned.append(removed.song);
+    }
+    FootLines::Return told;
+    told.songs = taken.paths.size();
+    told.stayed = taken.failed.size();
+    if (told.stayed > 0) {
+        told.firstThatStayed = QFileInfo(taken.failed.first().path).fileName();
+        told.whyItStayed = taken.failed.first().reason;
+    }
+    undone.line = FootLines::broughtBack(told);
+    undone.failed = told.stayed > 0;
+    return undone;
+}
+
+void SongUndo::forget()
+{
+    m_history.forget();
+    m_leaving.clear();
+    qDeleteAll(std::exchange(m_left, {}));
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "songs/changehistory.h"
+
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QVector>
+
+/// Takes back what was done to songs, in their files and in the lists: the changes that can be taken back,
+/// and the songs that left the lists. One thread at a time.
+class SongUndo
+{
+public:
+    SongUndo() = default;
+    ~SongUndo() { forget(); }
+    SongUndo(const SongUndo&) = delete;
+    SongUndo& operator=(const SongUndo&) = delete;
+
+    ChangeHistory& history() { return m_history; }
+    /// What undo() takes back, in a few words; empty where there is nothing.
+    QString next() const { return m_history.name(); }
+
+    /// Songs that left the lists in the deletion under way, in this order; they belong here from now on.
+    void songsLeft(const QVector<RemovedSong>& songs);
+    /// All of it was one deletion.
+    void endDeletion(const RemovedFiles& files);
+
+    struct Undone
+    {
+        QString line; ///< what the foot of the window says of it; empty where there was nothing
+        bool failed = false;
+        QMusicInfo* edited = nullptr; ///< that is as it was before an edit
+        QList<QMusicInfo*> returned;  ///< that are in the lists again
+    };
+    /// Takes the newest change back. Undefined songs and groups are then to be found anew. GUI thread; waits
+    /// for the disk.
+    Undone undo(const SongLists& lists);
+    /// All changes, and frees the songs that left: no view or panel may show one.
+    void forget();
+
+private:
+    Undone takenBackEdit(const TakenBack& taken) const;
+    Undone takenBackDeletion(const TakenBack& taken, const SongLists& lists);
+
+    ChangeHistory m_history;
+    QVector<RemovedSong> m_leaving; ///< in the deletion under way
+    QSet<QMusicInfo*> m_left;       ///< owned
+};

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "common/footline.h"
+#include "common/textlink.h"
+#include "itunesmodefixture.h"
+#include "musicdetailedinfowidget.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+/// The window with real media files, and what its foot says of what is done with them.
+class FootFixture : public ITunesFixture
+{
+protected:
+    void prepareFoot()
+    {
+        m_bin.empty();
+        prepare();
+    }
+    void clearFoot()
+    {
+        setMode(m_folder->path(), 0755);
+        clear();
+    }
+    static void setMode(const QString& path, mode_t mode)
+    {
+        QCOMPARE(::chmod(QFile::encodeName(path).constData(), mode), 0);
+    }
+    FootLine* line() const { return part<FootLine>("m_footLine"); }
+    QString told() const { return line()->text(); }
+    QStringList links() const
+    {
+        QStringList captions;
+        for (const TextLink* link : line()->findChildren<TextLink*>())
+            if (!link->isHidden())
+                captions.append(link->text());
+        return captions;
+    }
+    void clickLink(const QString& caption) const
+    {
+        for (TextLink* link : line()->findChildren<TextLink*>())
+            if (!link->isHidden() && link->text() == caption) {
+                QTest::mouseClick(link, Qt::LeftButton);
+                return;
+            }
+        QFAIL("there is no such link");
+    }
+    const QWidget* panel() const { return part<MusicDetailedInfoWidget>("m_musicDetailedWidget"); }
+    void switchToLocal() const
+    {
+        click("m_btniTunesClean");
+        QTRY_VERIFY(part<QWidget>("m_btnLocalClean")->isVisible());
+    }
+    QString tone(const QString& name, const QString& title, const QString& genre = "Pop",
+                 const char* kind = "mp3") const
+    {
+        const QString path = Fixtures::copyTone(kind, m_folder->path(), name);
+        AudioFile::write(path, {{TAG_TITLE, title}, {TAG_ARTIST, "A"}, {TAG_ALBUM, "B"}, {TAG_GENRE, genre}});
+        return path;
+    }
+    void add(const QStringList& paths)
+    {
+        m_dialogs->expectButton("m_btnType");
+        part<CenterWidget>("m_middleMusicWidget")->TakeDroppedPaths(paths);
+    }
+    void edit(int row, const QString& title) const
+    {
+        clickRow("m_allMusicListView", row);
+        clickIn(panel(), "m_btnEdit");
+        type(panel(), "m_lineTitle", title);
+    }
+};
