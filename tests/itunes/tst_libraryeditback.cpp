@@ -32,7 +32,7 @@ private slots:
     void fieldsThatWereNotThereGoAgain();
     void editsComeBackOneAfterTheOther();
     void editAndDeletionComeBack();
-    void anEditOfNothingComesBack();
+    void anEditOfNothingIsNone();
     void theNextEditKnowsTheValues();
     void whatOthersWroteStays_data();
     void whatOthersWroteStays();
@@ -193,19 +193,24 @@ void TestLibraryEditBack::editAndDeletionComeBack()
     QVERIFY(AudioFile::read(m_songs->media(0)).texts.isEmpty());
 }
 
-/// It was answered as any other, and so is this.
-void TestLibraryEditBack::anEditOfNothingComesBack()
+/// The one before it is the last one still.
+void TestLibraryEditBack::anEditOfNothingIsNone()
 {
     m_songs->makeSongs(2, 1);
     const QByteArray before = m_songs->content();
     const ITunesTrack& track = m_songs->tracks.at(0);
     const Edit same{track.name, track.album, track.artist, track.genre, int(track.year), QString()};
-    QCOMPARE(LibraryCalls::edit(m_songs->id(0), same), 0);
-    QCOMPARE(int(takeBackEdit(m_songs->id(0))), 1);
     Edit picture = same;
     picture.cover = editWithCover(1).cover;
     QCOMPARE(LibraryCalls::edit(m_songs->id(0), picture), 0);
+    QVERIFY(canTakeBackEdit());
+    for (const Edit& nothing : {same, picture}) {
+        QCOMPARE(LibraryCalls::edit(m_songs->id(0), nothing), 0);
+        QVERIFY(!canTakeBackEdit());
+    }
     QCOMPARE(int(takeBackEdit(m_songs->id(0))), 1);
+    QVERIFY(!canTakeBackEdit());
+    QCOMPARE(int(takeBackEdit(m_songs->id(0))), 0);
     QVERIFY(AudioFile::read(m_songs->media(0)).picture.isEmpty());
     closeITunesLibrary();
     QCOMPARE(m_songs->content(), before);

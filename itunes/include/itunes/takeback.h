@@ -19,5 +19,9 @@ unsigned char takeBackDeletions(const uint64_t* persistentIds, uint64_t count);
 /// of pictures are kept). Any thread; takes as long as writing the media file.
 unsigned char takeBackEdit(uint64_t persistentId);
 
+/// Whether the last set_trackWithPresistentID on this thread left something for takeBackEdit: not where it
+/// failed, or where library and media file said already what they were to say.
+unsigned char canTakeBackEdit();
+
 /// The memory that takes what can be taken back, in bytes. Any thread.
 uint64_t takeBackBytes();

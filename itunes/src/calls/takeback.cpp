@@ -17,6 +17,11 @@ unsigned char takeBackEdit(uint64_t persistentId)
     return itunes::lastResult().problem == ITUNES_EDIT_DONE ? 1 : 0;
 }
 
+unsigned char canTakeBackEdit()
+{
+    return itunes::lastResult().isKept ? 1 : 0;
+}
+
 uint64_t takeBackBytes()
 {
     return MusicLibrary::instance().bytesKept();

@@ -159,8 +159,10 @@ itunes::EditResult MusicLibrary::edit(std::uint64_t id, const TrackValues& value
         base::stateOf(kept.mediaPath, kept.after);
         return result.media == SAVE_NO_PROBLEM;
     });
-    if (result.problem == ITUNES_EDIT_DONE)
-        noteEdit(*track, values, std::move(kept));
+    if (result.problem != ITUNES_EDIT_DONE || (record.edit.isEmpty() && kept.after.hasContentOf(kept.before)))
+        return result;
+    noteEdit(*track, values, std::move(kept));
+    result.isKept = true;
     return result;
 }
 
