@@ -52,6 +52,14 @@ protected:
         QVERIFY2(found, "there is no such link");
         QTest::mouseClick(found, Qt::LeftButton);
     }
+    /// As the window system tells it: the second press is the one of a double click.
+    void doubleClickLink(const QString& caption) const
+    {
+        const TextLink* const found = link(caption);
+        QVERIFY2(found, "there is no such link");
+        QTest::mouseDClick(m_window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                           found->mapTo(m_window.get(), QPoint(4, found->height() / 2)));
+    }
     const QWidget* panel() const { return part<MusicDetailedInfoWidget>("m_musicDetailedWidget"); }
     void switchToLocal() const
     {

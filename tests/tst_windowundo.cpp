@@ -19,6 +19,7 @@ private slots:
     void anEditIsTakenBack_data();
     void anEditIsTakenBack();
     void editsAreTakenBackOneAfterTheOther();
+    void aDoubleClickTakesBackOneStep();
     void aSongIsUndefinedAgain();
     void inAnEditorTheKeysAreTheEditors();
     void anEditUnderWayGoesOn();
@@ -107,6 +108,20 @@ void TestWindowUndo::editsAreTakenBackOneAfterTheOther()
             QCOMPARE(listed(), titles);
         }
     QCOMPARE(links(), QStringList());
+}
+
+void TestWindowUndo::aDoubleClickTakesBackOneStep()
+{
+    const QString path = tone("a", "0");
+    add({path});
+    for (const char* title : {"1", "2", "3"}) {
+        edit(0, title);
+        clickIn(panel(), "m_btnApply");
+    }
+    doubleClickLink("Undo");
+    QCOMPARE(titleOf(path), QString("2"));
+    clickLink("Undo");
+    QCOMPARE(titleOf(path), QString("1"));
 }
 
 void TestWindowUndo::aSongIsUndefinedAgain()
