@@ -47,6 +47,12 @@ bool putText(IAudioTag& tag, TagItemType type, const std::optional<std::string>&
            (size == 0 || tag.SetItem({-1, type, 0, size, characters.data()}) == 0);
 }
 
+/// A save would leave such a picture out, and write the texts.
+bool isTooLarge(IAudioTag& tag, const std::optional<std::vector<char>>& picture)
+{
+    return picture && picture->size() > LargestPictureFor(&tag) && *picture != pictureOf(tag);
+}
+
 bool putPicture(IAudioTag& tag, const std::optional<std::vector<char>>& picture)
 {
     if (!picture || *picture == pictureOf(tag))
@@ -129,6 +135,12 @@ SaveProblem itunes::writeTags(const std::string& mediaPath, const MediaTags& tag
     if (!tag) {
         base::logLine(mediaPath, "the tag was not saved: there is no such music file");
         return problemOfUnreadable(mediaPath);
+    }
+    if (isTooLarge(*tag, tags.picture)) {
+        base::logLine(mediaPath, "the tag was not saved: the picture has " +
+                                     std::to_string(tags.picture->size()) + " bytes, the file takes " +
+                                     std::to_string(LargestPictureFor(tag.get())) + " at the most");
+        return SAVE_PICTURE_TOO_LARGE;
     }
     if (former)
         *former = formerOf(*tag, tags);

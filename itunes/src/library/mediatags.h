@@ -26,7 +26,7 @@ struct MediaTags
 /// What an edit of a track puts there; an empty picture is none.
 MediaTags tagsOf(const TrackEdit& edit, std::vector<char> picture);
 
-/// Puts them into a media file. What is left as it was has a problem, which the log tells. `former` gets what
-/// the file said in the same fields; a picture that it has already is none of them.
+/// Puts them into a media file: all of them, or none. What is left as it was has a problem, which the log
+/// tells. `former` gets what the file said in the same fields; a picture that it has already is none of them.
 SaveProblem writeTags(const std::string& mediaPath, const MediaTags& tags, MediaTags* former = nullptr);
 } // namespace itunes
