@@ -114,11 +114,15 @@ void TestWindowUndo::aDoubleClickTakesBackOneStep()
 {
     const QString path = tone("a", "0");
     add({path});
-    for (const char* title : {"1", "2", "3"}) {
+    for (const char* title : {"1", "2", "3", "4"}) {
         edit(0, title);
         clickIn(panel(), "m_btnApply");
     }
+    clickLink("Undo");
+    QCOMPARE(titleOf(path), QString("3"));
+    const QRect place = link("Undo")->geometry();
     doubleClickLink("Undo");
+    QCOMPARE(link("Undo")->geometry(), place); // or the second press would be on something else
     QCOMPARE(titleOf(path), QString("2"));
     clickLink("Undo");
     QCOMPARE(titleOf(path), QString("1"));
