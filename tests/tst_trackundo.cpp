@@ -15,6 +15,8 @@ private slots:
 
     void anEditIsTakenBack_data();
     void anEditIsTakenBack();
+    void artworkThatCameAfterTheEditIsNotShown_data();
+    void artworkThatCameAfterTheEditIsNotShown();
     void editsAreTakenBackOneAfterTheOther();
     void aTrackIsUndefinedAgain();
     void anEditThatChangesNothingIsNoStep();
@@ -131,6 +133,35 @@ void TestTrackUndo::anEditIsTakenBack()
     QCOMPARE(songs().first()->coverPath, coverBefore);
     QCOMPARE(Fixtures::readBytes(coverBefore), mediaBefore.picture);
     QCOMPARE(closed(), before);
+}
+
+void TestTrackUndo::artworkThatCameAfterTheEditIsNotShown_data()
+{
+    QTest::addColumn<QByteArray>("artwork");
+    QTest::newRow("of a file with artwork") << Fixtures::jpeg(60, 60, 4);
+    QTest::newRow("of one without") << QByteArray();
+}
+
+/// The covers of a large library are fetched while the user edits already.
+void TestTrackUndo::artworkThatCameAfterTheEditIsNotShown()
+{
+    QFETCH(QByteArray, artwork);
+    addTrack(media("a", "Ferry", artwork), "Ferry");
+    makeLibrary();
+    const QString fetched = songs().first()->coverPath;
+    const QByteArray picture = Fixtures::jpeg(80, 80, 9);
+    edit(0, "Midnight Ferry");
+    part<MusicDetailedInfoWidget>("m_musicDetailedWidget")
+        ->SlotReceiveIdentifyCover(Fixtures::saveBytes(picture, m_folder->filePath("chosen.jpg")));
+    clickIn(panel(), "m_btnApply");
+    QFile::remove(fetched);
+    Fixtures::saveBytes(picture, fetched);
+    undo();
+    QCOMPARE(songs().first()->coverPath, fetched);
+    QCOMPARE(Fixtures::readBytes(fetched), artwork);
+    QCOMPARE(Fixtures::readBytes(m_folder->filePath("chosen.jpg")), picture);
+    apply(0, "Night Ferry"); // which sends it along
+    QCOMPARE(AudioFile::read(m_folder->filePath("a.mp3")).picture, artwork);
 }
 
 void TestTrackUndo::editsAreTakenBackOneAfterTheOther()

@@ -5,6 +5,7 @@
 #include "qmusicinfo.h"
 #include "songs/footlines.h"
 #include "songs/songfields.h"
+#include "songs/trackcover.h"
 
 #include <cstdint>
 #include <vector>
@@ -27,12 +28,16 @@ public:
         result.kind = TakenBack::Kind::Edit;
         result.song = m_song;
         const QString path = SongFields::audioPath(m_song);
-        if (!takeBackEdit(SongFields::persistentId(m_song))) {
+        const quint64 id = SongFields::persistentId(m_song);
+        if (!takeBackEdit(id)) {
             result.failed.append({path, lastReason()});
             return result;
         }
         result.paths.append(path);
         m_song->truth = std::make_unique<TrackTruth>(m_before);
+        // What lies there may have been fetched after the edit.
+        if (m_song->coverPath != m_before.coverPath && TrackCover::isOwn(m_before.coverPath, *m_song->track))
+            TrackCover::fetch(m_before.coverPath, id);
         return result;
     }
     QString name() const override { return FootLines::nameOfEdit(SongFields::shownName(m_song)); }
