@@ -45,11 +45,6 @@ private:
         return library();
     }
     const iTunesTrackRecord& record(int row) const { return *songs().at(row)->track; }
-    void apply(int row, const QString& title) const
-    {
-        edit(row, title);
-        clickIn(panel(), "m_btnApply");
-    }
 };
 
 void TestTrackUndo::collect()
@@ -172,19 +167,7 @@ void TestTrackUndo::editsAreTakenBackOneAfterTheOther()
     addTrack(other, "0");
     makeLibrary();
     const QByteArray before = library();
-    for (const char* title : {"1", "2"})
-        for (int row : {0, 1})
-            apply(row, title);
-    QStringList titles = {"2", "2"};
-    for (const char* title : {"1", "0"})
-        for (int row : {1, 0}) {
-            QCOMPARE(links(), QStringList("Undo"));
-            undo();
-            titles[row] = title;
-            QCOMPARE(QStringList({titleOf(path), titleOf(other)}), titles);
-            QCOMPARE(listed(), titles);
-        }
-    QCOMPARE(links(), QStringList());
+    editsGoBackInTurn(path, other);
     QCOMPARE(closed(), before);
 }
 

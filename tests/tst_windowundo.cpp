@@ -93,31 +93,15 @@ void TestWindowUndo::editsAreTakenBackOneAfterTheOther()
     const QString path = tone("a", "0");
     const QString other = tone("b", "0");
     add({path, other});
-    for (const char* title : {"1", "2"})
-        for (int row : {0, 1}) {
-            edit(row, title);
-            clickIn(panel(), "m_btnApply");
-        }
-    QStringList titles = {"2", "2"};
-    for (const char* title : {"1", "0"})
-        for (int row : {1, 0}) {
-            QCOMPARE(links(), QStringList("Undo"));
-            undo();
-            titles[row] = title;
-            QCOMPARE(QStringList({titleOf(path), titleOf(other)}), titles);
-            QCOMPARE(listed(), titles);
-        }
-    QCOMPARE(links(), QStringList());
+    editsGoBackInTurn(path, other);
 }
 
 void TestWindowUndo::aDoubleClickTakesBackOneStep()
 {
     const QString path = tone("a", "0");
     add({path});
-    for (const char* title : {"1", "2", "3", "4"}) {
-        edit(0, title);
-        clickIn(panel(), "m_btnApply");
-    }
+    for (const char* title : {"1", "2", "3", "4"})
+        apply(0, title);
     clickLink("Undo");
     QCOMPARE(titleOf(path), QString("3"));
     const QRect place = link("Undo")->geometry();

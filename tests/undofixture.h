@@ -13,6 +13,28 @@ protected:
         QApplication::setActiveWindow(m_window.get()); // as desktops do when a dialog has closed
         QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
     }
+    void apply(int row, const QString& title) const
+    {
+        edit(row, title);
+        clickIn(panel(), "m_btnApply");
+    }
+    /// Of two songs "0" with these files, each edited twice.
+    void editsGoBackInTurn(const QString& path, const QString& other) const
+    {
+        for (const char* title : {"1", "2"})
+            for (int row : {0, 1})
+                apply(row, title);
+        QStringList titles = {"2", "2"};
+        for (const char* title : {"1", "0"})
+            for (int row : {1, 0}) {
+                QCOMPARE(links(), QStringList("Undo"));
+                undo();
+                titles[row] = title;
+                QCOMPARE(QStringList({titleOf(path), titleOf(other)}), titles);
+                QCOMPARE(listed(), titles);
+            }
+        QCOMPARE(links(), QStringList());
+    }
     QWidget* groupPanel() const { return part<QWidget>("m_dupMusicDetailedWidget"); }
     /// Titles in the view of all songs.
     QStringList listed(const char* view = "m_allMusicListView") const

@@ -35,6 +35,7 @@ private:
     Edit asRead(int song) const;
     void otherProgramWrites() const { Fixtures::writeLibrary(m_songs->path(), m_songs->document()); }
     QByteArray changeAndClose(int song);
+    QByteArray leaveOlderBackup();
 
     std::unique_ptr<SongLibrary> m_songs;
 };
@@ -208,14 +209,21 @@ void TestLibrarySharing::theLastThreeVersionsAreKept()
     QCOMPARE(contentOf(m_songs->backup() + "-3"), found.at(3));
 }
 
-void TestLibrarySharing::theOldestBackupThereIsTheOriginal()
+/// Beside a library without an original, as earlier versions left it; what it holds.
+QByteArray TestLibrarySharing::leaveOlderBackup()
 {
     m_songs->makeSongs(5);
     const QByteArray first = m_songs->content();
     m_songs->tracks.removeLast();
     otherProgramWrites();
+    Fixtures::writeLibrary(m_songs->backup(), first);
+    return first;
+}
+
+void TestLibrarySharing::theOldestBackupThereIsTheOriginal()
+{
+    const QByteArray first = leaveOlderBackup();
     const QByteArray second = m_songs->content();
-    Fixtures::writeLibrary(m_songs->backup(), first); // as earlier versions left it
     QCOMPARE(changeAndClose(0), second);
     QCOMPARE(m_songs->originals().size(), 1);
     QCOMPARE(contentOf(m_songs->originals().first()), first);
@@ -225,12 +233,8 @@ void TestLibrarySharing::theOldestBackupThereIsTheOriginal()
 /// It may be the only copy of how all began.
 void TestLibrarySharing::aBackupThatCannotBeReadIsNotPassedOver()
 {
-    m_songs->makeSongs(5);
-    const QByteArray first = m_songs->content();
-    m_songs->tracks.removeLast();
-    otherProgramWrites();
+    const QByteArray first = leaveOlderBackup();
     const QByteArray second = m_songs->content();
-    Fixtures::writeLibrary(m_songs->backup(), first); // as earlier versions left it
     {
         const Interposed::Guard guard;
         Interposed::copiesInKernel = [](size_t) { return ssize_t(-1); };
