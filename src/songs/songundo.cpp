@@ -5,8 +5,10 @@
 #include "qmusicinfo.h"
 #include "songs/filechanges.h"
 #include "songs/footlines.h"
+#include "songs/removaltally.h"
 #include "songs/songediting.h"
 #include "songs/songfields.h"
+#include "songs/trackchanges.h"
 
 #include <QFileInfo>
 
@@ -36,9 +38,11 @@ void SongUndo::songsLeft(const QVector<RemovedSong>& songs)
         m_left.insert(removed.song);
 }
 
-void SongUndo::endDeletion(const RemovedFiles& files)
+void SongUndo::endDeletion(const RemovalTally& tally)
 {
-    m_history.add(FileChanges::deletion(files, std::exchange(m_leaving, {})));
+    const QVector<RemovedSong> songs = std::exchange(m_leaving, {});
+    m_history.add(FileChanges::deletion(tally.files(), songs));
+    m_history.add(TrackChanges::deletion(tally.tracks(), songs));
 }
 
 SongUndo::Undone SongUndo::undo(const SongLists& lists)
@@ -49,6 +53,8 @@ SongUndo::Undone SongUndo::undo(const SongLists& lists)
         return takenBackEdit(taken);
     case TakenBack::Kind::Deletion:
         return takenBackDeletion(taken, lists);
+    case TakenBack::Kind::TakingOut:
+        return takenBackTakingOut(taken, lists);
     case TakenBack::Kind::Nothing:
         break;
     }
@@ -73,16 +79,7 @@ SongUndo::Undone SongUndo::takenBackEdit(const TakenBack& taken) const
 SongUndo::Undone SongUndo::takenBackDeletion(const TakenBack& taken, const SongLists& lists)
 {
     Undone undone;
-    const QSet<QMusicInfo*> away = songsAway(taken);
-    SongRemoval::putBack(lists, taken.removed, away);
-    for (const RemovedSong& removed : taken.removed) {
-        if (away.contains(removed.song))
-            continue;
-        if (removed.tag)
-            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
-        m_left.remove(removed.song);
-        undone.returned.append(removed.song);
-    }
+    undone.returned = putBack(taken, lists, songsAway(taken));
     FootLines::Return told;
     told.songs = taken.paths.size();
     told.stayed = taken.failed.size();
@@ -93,6 +90,35 @@ SongUndo::Undone SongUndo::takenBackDeletion(const TakenBack& taken, const SongL
     undone.line = FootLines::broughtBack(told);
     undone.failed = told.stayed > 0;
     return undone;
+}
+
+/// All tracks are in the library again, or none is.
+SongUndo::Undone SongUndo::takenBackTakingOut(const TakenBack& taken, const SongLists& lists)
+{
+    Undone undone;
+    undone.failed = !taken.whyNoTrack.isEmpty();
+    undone.line = undone.failed ? FootLines::takingOutNotTakenBack(taken.tracks, taken.whyNoTrack)
+                                : FootLines::tracksBack(taken.tracks);
+    if (!undone.failed)
+        undone.returned = putBack(taken, lists, {});
+    return undone;
+}
+
+/// The songs that are in the lists again: all but those that stay away.
+QList<QMusicInfo*> SongUndo::putBack(const TakenBack& taken, const SongLists& lists,
+                                     const QSet<QMusicInfo*>& away)
+{
+    QList<QMusicInfo*> returned;
+    SongRemoval::putBack(lists, taken.removed, away);
+    for (const RemovedSong& removed : taken.removed) {
+        if (away.contains(removed.song))
+            continue;
+        if (removed.tag)
+            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
+        m_left.remove(removed.song);
+        returned.append(removed.song);
+    }
+    return returned;
 }
 
 void SongUndo::forget()

@@ -7,8 +7,10 @@
 #include <QString>
 #include <QVector>
 
-/// Takes back what was done to songs, in their files and in the lists: the changes that can be taken back,
-/// and the songs that left the lists. One thread at a time.
+class RemovalTally;
+
+/// Takes back what was done to songs, in their files, in the music library and in the lists: the changes that
+/// can be taken back, and the songs that left the lists. One thread at a time.
 class SongUndo
 {
 public:
@@ -24,7 +26,7 @@ public:
     /// Songs that left the lists in the deletion under way, in this order; they belong here from now on.
     void songsLeft(const QVector<RemovedSong>& songs);
     /// All of it was one deletion.
-    void endDeletion(const RemovedFiles& files);
+    void endDeletion(const RemovalTally& tally);
 
     struct Undone
     {
@@ -42,6 +44,8 @@ public:
 private:
     Undone takenBackEdit(const TakenBack& taken) const;
     Undone takenBackDeletion(const TakenBack& taken, const SongLists& lists);
+    Undone takenBackTakingOut(const TakenBack& taken, const SongLists& lists);
+    QList<QMusicInfo*> putBack(const TakenBack& taken, const SongLists& lists, const QSet<QMusicInfo*>& away);
 
     ChangeHistory m_history;
     QVector<RemovedSong> m_leaving; ///< in the deletion under way
