@@ -41,21 +41,43 @@ void SongUndo::endDeletion(const RemovedFiles& files)
     m_history.add(FileChanges::deletion(files, std::exchange(m_leaving, {})));
 }
 
-SongUndo::Undone SongUndo::undo(const SongLists& lists)
+void SongUndo::takeBack(const Progress& progress)
 {
-    const TakenBack taken = m_history.takeBack();
+    m_taken = TakenBack(); // or a fault on the way would take the last one for this one
+    m_taken = m_history.takeBack(progress);
+    m_away = songsAway(m_taken);
+    openTags();
+}
+
+/// Each reads its file.
+void SongUndo::openTags()
+{
+    for (const RemovedSong& removed : qAsConst(m_taken.removed))
+        if (removed.tag && !m_away.contains(removed.song))
+            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
+}
+
+SongUndo::Undone SongUndo::finish(const SongLists& lists)
+{
+    const TakenBack taken = std::exchange(m_taken, TakenBack());
     switch (taken.kind) {
     case TakenBack::Kind::Edit:
-        return takenBackEdit(taken);
+        return finishEdit(taken);
     case TakenBack::Kind::Deletion:
-        return takenBackDeletion(taken, lists);
+        return finishDeletion(taken, lists);
     case TakenBack::Kind::Nothing:
         break;
     }
     return Undone();
 }
 
-SongUndo::Undone SongUndo::takenBackEdit(const TakenBack& taken) const
+SongUndo::Undone SongUndo::undo(const SongLists& lists)
+{
+    takeBack();
+    return finish(lists);
+}
+
+SongUndo::Undone SongUndo::finishEdit(const TakenBack& taken) const
 {
     Undone undone;
     if (taken.failed.isEmpty() && SongEditing::takeBack(*taken.song)) {
@@ -70,16 +92,14 @@ SongUndo::Undone SongUndo::takenBackEdit(const TakenBack& taken) const
     return undone;
 }
 
-SongUndo::Undone SongUndo::takenBackDeletion(const TakenBack& taken, const SongLists& lists)
+SongUndo::Undone SongUndo::finishDeletion(const TakenBack& taken, const SongLists& lists)
 {
     Undone undone;
-    const QSet<QMusicInfo*> away = songsAway(taken);
+    const QSet<QMusicInfo*> away = std::exchange(m_away, {});
     SongRemoval::putBack(lists, taken.removed, away);
     for (const RemovedSong& removed : taken.removed) {
         if (away.contains(removed.song))
             continue;
-        if (removed.tag)
-            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
         m_left.remove(removed.song);
         undone.returned.append(removed.song);
     }
