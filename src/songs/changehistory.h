@@ -8,11 +8,20 @@
 #include <QVector>
 
 #include <deque>
+#include <functional>
 #include <memory>
 
 class ChangeHistory;
 struct FileState;
 struct QMusicInfo;
+
+/// Told how far a work of many files is, before each of them; false ends it there. On the thread that works.
+using Progress = std::function<bool(int done, int total)>;
+/// For work that nobody watches.
+inline bool goOn(int, int)
+{
+    return true;
+}
 
 /// What taking a change back came to.
 struct TakenBack
@@ -43,8 +52,8 @@ public:
     Change& operator=(const Change&) = delete;
 
     /// What is not any more as the change left it stays as it is, and has a reason. Tells the older changes
-    /// which files came back. Waits for the disk.
-    virtual TakenBack takeBack(ChangeHistory& older) = 0;
+    /// which files came back. Waits for the disk. Files that it did not come to stay as they are, too.
+    virtual TakenBack takeBack(ChangeHistory& older, const Progress& progress) = 0;
     /// What it was, in a few words, for a tool tip.
     virtual QString name() const = 0;
     /// Bytes of pictures that it keeps.
@@ -72,7 +81,7 @@ public:
     /// Of the newest one; empty without one.
     QString name() const { return isEmpty() ? QString() : m_changes.back()->name(); }
     /// Takes the newest one back.
-    TakenBack takeBack();
+    TakenBack takeBack(const Progress& progress = goOn);
     void fileCameBack(const QString& path, const FileState& was, const FileState& is);
     void forget();
 

@@ -45,23 +45,47 @@ void SongUndo::endDeletion(const RemovalTally& tally)
     m_history.add(TrackChanges::deletion(tally.tracks(), songs));
 }
 
-SongUndo::Undone SongUndo::undo(const SongLists& lists)
+void SongUndo::takeBack(const Progress& progress)
 {
-    const TakenBack taken = m_history.takeBack();
+    m_taken = TakenBack(); // or a fault on the way would take the last one for this one
+    m_taken = m_history.takeBack(progress);
+    if (m_taken.kind != TakenBack::Kind::Deletion)
+        return;
+    m_away = songsAway(m_taken);
+    openTags();
+}
+
+/// Each reads its file.
+void SongUndo::openTags()
+{
+    for (const RemovedSong& removed : qAsConst(m_taken.removed))
+        if (removed.tag && !m_away.contains(removed.song))
+            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
+}
+
+SongUndo::Undone SongUndo::finish(const SongLists& lists)
+{
+    const TakenBack taken = std::exchange(m_taken, TakenBack());
     switch (taken.kind) {
     case TakenBack::Kind::Edit:
-        return takenBackEdit(taken);
+        return finishEdit(taken);
     case TakenBack::Kind::Deletion:
-        return takenBackDeletion(taken, lists);
+        return finishDeletion(taken, lists);
     case TakenBack::Kind::TakingOut:
-        return takenBackTakingOut(taken, lists);
+        return finishTakingOut(taken, lists);
     case TakenBack::Kind::Nothing:
         break;
     }
     return Undone();
 }
 
-SongUndo::Undone SongUndo::takenBackEdit(const TakenBack& taken) const
+SongUndo::Undone SongUndo::undo(const SongLists& lists)
+{
+    takeBack();
+    return finish(lists);
+}
+
+SongUndo::Undone SongUndo::finishEdit(const TakenBack& taken) const
 {
     Undone undone;
     if (taken.failed.isEmpty() && SongEditing::takeBack(*taken.song)) {
@@ -76,10 +100,10 @@ SongUndo::Undone SongUndo::takenBackEdit(const TakenBack& taken) const
     return undone;
 }
 
-SongUndo::Undone SongUndo::takenBackDeletion(const TakenBack& taken, const SongLists& lists)
+SongUndo::Undone SongUndo::finishDeletion(const TakenBack& taken, const SongLists& lists)
 {
     Undone undone;
-    undone.returned = putBack(taken, lists, songsAway(taken));
+    undone.returned = putBack(taken, lists, std::exchange(m_away, {}));
     FootLines::Return told;
     told.songs = taken.paths.size();
     told.stayed = taken.failed.size();
@@ -93,7 +117,7 @@ SongUndo::Undone SongUndo::takenBackDeletion(const TakenBack& taken, const SongL
 }
 
 /// All tracks are in the library again, or none is.
-SongUndo::Undone SongUndo::takenBackTakingOut(const TakenBack& taken, const SongLists& lists)
+SongUndo::Undone SongUndo::finishTakingOut(const TakenBack& taken, const SongLists& lists)
 {
     Undone undone;
     undone.failed = !taken.whyNoTrack.isEmpty();
@@ -113,8 +137,6 @@ QList<QMusicInfo*> SongUndo::putBack(const TakenBack& taken, const SongLists& li
     for (const RemovedSong& removed : taken.removed) {
         if (away.contains(removed.song))
             continue;
-        if (removed.tag)
-            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
         m_left.remove(removed.song);
         returned.append(removed.song);
     }

@@ -35,19 +35,26 @@ public:
         QMusicInfo* edited = nullptr; ///< that is as it was before an edit
         QList<QMusicInfo*> returned;  ///< that are in the lists again
     };
-    /// Takes the newest change back. Undefined songs and groups are then to be found anew. GUI thread; waits
-    /// for the disk.
+    /// Takes the newest change back in the files or the music library alone; finish() is next. Waits for the
+    /// disk. Any thread.
+    void takeBack(const Progress& progress = goOn);
+    /// The same in songs and lists; undefined songs and groups are then to be found anew. GUI thread.
+    Undone finish(const SongLists& lists);
+    /// Both. GUI thread.
     Undone undo(const SongLists& lists);
     /// All changes, and frees the songs that left: no view or panel may show one.
     void forget();
 
 private:
-    Undone takenBackEdit(const TakenBack& taken) const;
-    Undone takenBackDeletion(const TakenBack& taken, const SongLists& lists);
-    Undone takenBackTakingOut(const TakenBack& taken, const SongLists& lists);
+    void openTags();
+    Undone finishEdit(const TakenBack& taken) const;
+    Undone finishDeletion(const TakenBack& taken, const SongLists& lists);
+    Undone finishTakingOut(const TakenBack& taken, const SongLists& lists);
     QList<QMusicInfo*> putBack(const TakenBack& taken, const SongLists& lists, const QSet<QMusicInfo*>& away);
 
     ChangeHistory m_history;
+    TakenBack m_taken;              ///< between takeBack() and finish()
+    QSet<QMusicInfo*> m_away;       ///< whose files did not come back then
     QVector<RemovedSong> m_leaving; ///< in the deletion under way
     QSet<QMusicInfo*> m_left;       ///< owned
 };

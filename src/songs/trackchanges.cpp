@@ -22,7 +22,7 @@ class Edit final : public Change
 public:
     Edit(const TrackTruth& before, QMusicInfo* song) : m_before(before), m_song(song) {}
 
-    TakenBack takeBack(ChangeHistory&) override
+    TakenBack takeBack(ChangeHistory&, const Progress&) override
     {
         TakenBack result;
         result.kind = TakenBack::Kind::Edit;
@@ -55,7 +55,7 @@ public:
     {
     }
 
-    TakenBack takeBack(ChangeHistory&) override
+    TakenBack takeBack(ChangeHistory&, const Progress&) override
     {
         TakenBack result;
         result.kind = TakenBack::Kind::TakingOut;

@@ -3,6 +3,7 @@
 
 #include <QtTest>
 
+using itunes::ChangeKind;
 using itunes::JournalKind;
 using itunes::JournalLines;
 using itunes::JournalRecord;
@@ -15,6 +16,8 @@ class TestJournalLines : public QObject
 private slots:
     void aLineSaysWhatWasWritten_data();
     void aLineSaysWhatWasWritten();
+    void aReturnNamesItsTracks();
+    void aReversalSaysHowTheMediaFileWas();
     void whatNoCallCanHaveSaidIsNoRecord_data();
     void whatNoCallCanHaveSaidIsNoRecord();
     void earlierLinesAreUnderstood();
@@ -33,7 +36,7 @@ JournalRecord deletion(std::uint64_t of = id)
 {
     JournalRecord record;
     record.id = of;
-    record.deletes = true;
+    record.kind = ChangeKind::Deletion;
     return record;
 }
 
@@ -98,7 +101,7 @@ void TestJournalLines::aLineSaysWhatWasWritten()
         QVERIFY(read);
         QVERIFY(read->second == state);
         const JournalRecord& record = read->first;
-        QVERIFY(!record.deletes);
+        QVERIFY(record.kind == ChangeKind::Edit);
         QCOMPARE(record.id, id);
         QCOMPARE(QString::fromStdString(record.edit.name.value_or("none")), name);
         QVERIFY(!record.edit.artist && !record.edit.album);
@@ -108,8 +111,34 @@ void TestJournalLines::aLineSaysWhatWasWritten()
         QCOMPARE(record.cover.hash, std::uint64_t(0xFE));
     }
     const auto deleted = itunes::recordOf(line(deletion()).substr(0, line(deletion()).size() - 1));
-    QVERIFY(deleted && deleted->first.deletes);
+    QVERIFY(deleted && deleted->first.kind == ChangeKind::Deletion);
     QCOMPARE(deleted->first.id, id);
+}
+
+void TestJournalLines::aReturnNamesItsTracks()
+{
+    JournalRecord record;
+    record.kind = ChangeKind::Return;
+    for (const std::size_t tracks : {1, 2, 300}) {
+        while (record.returned.size() < tracks)
+            record.returned.push_back(id + record.returned.size());
+        const auto read = itunes::recordOf(line(record).substr(0, line(record).size() - 1));
+        QVERIFY(read && read->first.kind == ChangeKind::Return);
+        QCOMPARE(read->first.id, id);
+        QVERIFY(read->first.returned == record.returned);
+    }
+}
+
+void TestJournalLines::aReversalSaysHowTheMediaFileWas()
+{
+    JournalRecord record = edit("Harbour");
+    record.kind = ChangeKind::Reversal;
+    record.media = {0x1234, -5};
+    const auto read = itunes::recordOf(line(record).substr(0, line(record).size() - 1));
+    QVERIFY(read && read->first.kind == ChangeKind::Reversal);
+    QCOMPARE(QString::fromStdString(read->first.edit.name.value_or("none")), QStringLiteral("Harbour"));
+    QVERIFY(read->first.media == record.media);
+    QVERIFY(read->first.cover.path.empty());
 }
 
 void TestJournalLines::whatNoCallCanHaveSaidIsNoRecord_data()
@@ -128,6 +157,13 @@ void TestJournalLines::whatNoCallCanHaveSaidIsNoRecord_data()
     row("a kind and an identifier", gone.substr(gone.find('\t')).insert(0, "change"));
     row("an identifier alone", gone.substr(gone.find('\t') + 1));
     row("a deletion with more", gone + "\tmore");
+    const std::string back = "return" + gone.substr(gone.find('\t'));
+    row("a return", back, true);
+    row("a return of two", back + " 00000000000000A2", true);
+    row("a return that ends in a blank", back + ' ');
+    row("a return of two without a blank", back + "_00000000000000A2");
+    row("a return of a short identifier", back.substr(0, back.size() - 16) + "A1 00000000000000A2");
+    row("a return of none among others", back + " 0000000000000000");
     row("another kind", "keep" + usual.substr(usual.find('\t')));
     row("another kind of little", "keep" + gone.substr(gone.find('\t')));
     row("no identifier", replaced(gone, "00000000000000A1", "0000000000000000"));
