@@ -253,6 +253,13 @@ void TestWorkerShortage::deletingWithoutAThreadDeletesNothing()
     QVERIFY(center.findChild<QListView*>("m_dupMusicListView")->isEnabled());
     center.SlotDeleteAllDupMusic(); // and again, when there are threads
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files).size(), 1);
+    {
+        const Shortage::OfThreads none;
+        center.SlotUndo(); // nobody is left without the files
+    }
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files).size(), 2);
+    QCOMPARE(center.ReturnDuplicateMusicCount(), 1);
+    QVERIFY(!center.ListsAreInUse());
     QIOrvoUtil::m_cleanMode = false;
 }
 

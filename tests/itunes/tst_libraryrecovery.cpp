@@ -41,6 +41,7 @@ private slots:
     void anEditThatWasBegunIsDone();
     void anEditThatCannotBeDoneIsKeptAside_data();
     void anEditThatCannotBeDoneIsKeptAside();
+    void nothingFollowsAnEditThatWaits();
     void anEditThatFailedIsNotDoneLater();
     void aJournalOfAnotherUserIsLeftAlone();
     void textsAreCheckedLikeAnyInput();
@@ -151,6 +152,31 @@ void TestLibraryRecovery::anEditThatCannotBeDoneIsKeptAside()
     QCOMPARE(m_songs->keptJournals().size(), 1);
     QCOMPARE(contentOf(m_songs->keptJournals().first()), left);
     QVERIFY(!AudioFile::takeLog().filter(m_songs->keptJournals().first()).isEmpty());
+}
+
+/// Behind an edit that was begun there is none: one with others behind it counts as failed.
+void TestLibraryRecovery::nothingFollowsAnEditThatWaits()
+{
+    const Interposed::Guard guard;
+    int writes = 0;
+    for (int failing = 0; failing <= writes; ++failing) {
+        m_songs = nullptr;
+        m_songs = std::make_unique<SongLibrary>();
+        leaveBegun(Edit());
+        const QByteArray left = contentOf(m_songs->journal());
+        QFile::remove(m_songs->journal());
+        QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+        Fixtures::writeLibrary(m_songs->journal(), left);
+        writes = 0;
+        Interposed::writeFails = [&writes, failing] { return writes++ == failing; };
+        deleteMusic(m_songs->id(2));
+        Interposed::writeFails = nullptr;
+        const QByteArray journal = m_songs->journalContent();
+        const int begun = journal.indexOf("\n?");
+        QVERIFY(begun < 0 || journal.lastIndexOf("delete") < begun);
+        closeITunesLibrary();
+    }
+    AudioFile::takeLog();
 }
 
 void TestLibraryRecovery::anEditThatFailedIsNotDoneLater()
