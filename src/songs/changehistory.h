@@ -32,6 +32,7 @@ struct TakenBack
     QStringList paths;                  ///< files that are again as they were
     QVector<RemovedFiles::Told> failed; ///< files that were left as they are
     QMusicInfo* song = nullptr;         ///< that was edited
+    int picturesLost = 0;               ///< of its file, which a save cannot put back beside the cover
     QVector<RemovedSong> removed;       ///< songs that a deletion took out of the lists, in that order
 };
 
