@@ -13,7 +13,7 @@ void CenterFoot::tellOfDeletion(const RemovalTally& tally, int nextGroup)
     QVector<FootText::Link> links;
     if (nextGroup >= 0)
         links.append({QStringLiteral("Next group"), [this, nextGroup] { emit groupChosen(nextGroup); }});
-    m_undo.endDeletion(tally.files());
+    m_undo.endDeletion(tally);
     tell({tally.line(), tally.failed(), links});
     offerUndo();
 }

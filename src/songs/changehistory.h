@@ -26,7 +26,12 @@ inline bool goOn(int, int)
 /// What taking a change back came to.
 struct TakenBack
 {
-    enum class Kind { Nothing, Edit, Deletion };
+    enum class Kind {
+        Nothing,
+        Edit,
+        Deletion, ///< of files
+        TakingOut ///< of tracks of the music library
+    };
 
     Kind kind = Kind::Nothing;          ///< of the change; nothing where there was none
     QStringList paths;                  ///< files that are again as they were
@@ -34,6 +39,8 @@ struct TakenBack
     QMusicInfo* song = nullptr;         ///< that was edited
     int picturesLost = 0;               ///< of its file, which a save cannot put back beside the cover
     QVector<RemovedSong> removed;       ///< songs that a deletion took out of the lists, in that order
+    int tracks = 0;                     ///< that a deletion took out of the music library
+    QString whyNoTrack;                 ///< the reason why none of them is back; empty where all are
 };
 
 /// A change that can be taken back, once. What the lists and views show of it is not its own: it hands back

@@ -5,8 +5,10 @@
 #include "qmusicinfo.h"
 #include "songs/filechanges.h"
 #include "songs/footlines.h"
+#include "songs/removaltally.h"
 #include "songs/songediting.h"
 #include "songs/songfields.h"
+#include "songs/trackchanges.h"
 
 #include <QFileInfo>
 
@@ -36,15 +38,19 @@ void SongUndo::songsLeft(const QVector<RemovedSong>& songs)
         m_left.insert(removed.song);
 }
 
-void SongUndo::endDeletion(const RemovedFiles& files)
+void SongUndo::endDeletion(const RemovalTally& tally)
 {
-    m_history.add(FileChanges::deletion(files, std::exchange(m_leaving, {})));
+    const QVector<RemovedSong> songs = std::exchange(m_leaving, {});
+    m_history.add(FileChanges::deletion(tally.files(), songs));
+    m_history.add(TrackChanges::deletion(tally.tracks(), songs));
 }
 
 void SongUndo::takeBack(const Progress& progress)
 {
     m_taken = TakenBack(); // or a fault on the way would take the last one for this one
     m_taken = m_history.takeBack(progress);
+    if (m_taken.kind != TakenBack::Kind::Deletion)
+        return;
     m_away = songsAway(m_taken);
     openTags();
 }
@@ -65,6 +71,8 @@ SongUndo::Undone SongUndo::finish(const SongLists& lists)
         return finishEdit(taken);
     case TakenBack::Kind::Deletion:
         return finishDeletion(taken, lists);
+    case TakenBack::Kind::TakingOut:
+        return finishTakingOut(taken, lists);
     case TakenBack::Kind::Nothing:
         break;
     }
@@ -95,14 +103,7 @@ SongUndo::Undone SongUndo::finishEdit(const TakenBack& taken) const
 SongUndo::Undone SongUndo::finishDeletion(const TakenBack& taken, const SongLists& lists)
 {
     Undone undone;
-    const QSet<QMusicInfo*> away = std::exchange(m_away, {});
-    SongRemoval::putBack(lists, taken.removed, away);
-    for (const RemovedSong& removed : taken.removed) {
-        if (away.contains(removed.song))
-            continue;
-        m_left.remove(removed.song);
-        undone.returned.append(removed.song);
-    }
+    undone.returned = putBack(taken, lists, std::exchange(m_away, {}));
     FootLines::Return told;
     told.songs = taken.paths.size();
     told.stayed = taken.failed.size();
@@ -113,6 +114,33 @@ SongUndo::Undone SongUndo::finishDeletion(const TakenBack& taken, const SongList
     undone.line = FootLines::broughtBack(told);
     undone.failed = told.stayed > 0;
     return undone;
+}
+
+/// All tracks are in the library again, or none is.
+SongUndo::Undone SongUndo::finishTakingOut(const TakenBack& taken, const SongLists& lists)
+{
+    Undone undone;
+    undone.failed = !taken.whyNoTrack.isEmpty();
+    undone.line = undone.failed ? FootLines::takingOutNotTakenBack(taken.tracks, taken.whyNoTrack)
+                                : FootLines::tracksBack(taken.tracks);
+    if (!undone.failed)
+        undone.returned = putBack(taken, lists, {});
+    return undone;
+}
+
+/// The songs that are in the lists again: all but those that stay away.
+QList<QMusicInfo*> SongUndo::putBack(const TakenBack& taken, const SongLists& lists,
+                                     const QSet<QMusicInfo*>& away)
+{
+    QList<QMusicInfo*> returned;
+    SongRemoval::putBack(lists, taken.removed, away);
+    for (const RemovedSong& removed : taken.removed) {
+        if (away.contains(removed.song))
+            continue;
+        m_left.remove(removed.song);
+        returned.append(removed.song);
+    }
+    return returned;
 }
 
 void SongUndo::forget()
