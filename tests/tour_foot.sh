@@ -109,17 +109,17 @@ foot_of_shortages() {
     program_path=$work/nothing start_with_songs "$width" "$height"
     key Return
     wait_dialog gone
+    key F1
+    picture "$name-foot-shortage-1-help"
     click 100 212
     click 270 200
     click $((left + 243)) 181 2
-    picture "$name-foot-shortage-1-sound"
+    picture "$name-foot-shortage-2-sound"
     xdotool windowclose "$(window_of_size 560 350)"
     wait_dialog gone
     click $((left + 240)) $((height - 57)) 1.5
-    picture "$name-foot-shortage-2-for-good"
+    picture "$name-foot-shortage-3-for-good"
     export XDG_DATA_HOME=$work/data MELODRIFT_AUDIO_OUTPUT=null
-    key F1
-    picture "$name-foot-shortage-3-help"
     stop_program
 }
 
