@@ -4,6 +4,7 @@
 # Prints the three counts at the end, and for every screen what share of a core the program takes while nothing
 # happens; fails where it is too much. Without files a small real collection is made.
 set -euo pipefail
+here=$(dirname "$(realpath "$0")")
 bin=$(realpath "$1")
 pictures=$2
 shift 2
@@ -29,9 +30,10 @@ start_display() {
     export XDG_RUNTIME_DIR=$work XDG_DATA_HOME=$work/data
 }
 
-# Starts the program and waits for its window.
+# Starts the program, which finds others by `program_path` if that is set, and waits for its window.
 start_program() {
-    (cd "$work" && mkdir -p flat && cd flat && exec "$bin/melodrift" "$@") >>"$log" 2>&1 &
+    (cd "$work" && mkdir -p flat && cd flat && exec env PATH="${program_path:-$PATH}" "$bin/melodrift" "$@") \
+        >>"$log" 2>&1 &
     program=$!
     window=$(main_window)
 }
@@ -370,49 +372,11 @@ during_intake() {
     picture_in_passing waiting 1
     wait_dialog gone
     picture cleared
-    stop_program
-}
-
-# What the foot of the window says of a file that is none, of edits and of a deletion.
-foot() {
-    local width=$1 height=$2 name=$3 left=$(($1 - 330))
-    rm -rf "$work/foot"
-    mkdir "$work/foot"
-    find -L "$work/copy" -name '*.mp3' -exec cp -t "$work/foot" {} +
-    cp "$(find "$work/foot" -name '*.mp3' -print -quit)" "$work/foot/copy.mp3"
-    echo "no music" >"$work/foot/broken.mp3"
-    start_program "$work/foot"
-    size "$width" "$height"
-    wait_dialog shown
-    picture "$name-foot-1-intake" stay
-    xdotool key Return
+    xdotool key ctrl+z
+    picture_in_passing taking-back 1
     wait_dialog gone
-    rest "$name, foot line"
-    retitle "$left" "Harbour Lights"
-    click $((left + 96)) 608
-    picture "$name-foot-2-saved"
-    chmod a-w "$work/foot"
-    retitle "$left" "Midnight Ferry"
-    click $((left + 96)) 608
-    picture "$name-foot-3-failed"
-    chmod u+w "$work/foot"
-    retitle "$left" "A title that nobody ever saved"
-    click 380 200
-    picture "$name-foot-4-left"
-    click 100 212
-    click 270 200
-    click $((left + 240)) $((height - 57)) 1.5
-    picture "$name-foot-5-deleted"
+    picture taken-back
     stop_program
-}
-
-# Types a title for the first song.
-retitle() {
-    click 270 200
-    click $(($1 + 96)) 608
-    xdotool key ctrl+a
-    xdotool type "$2"
-    sleep 0.3
 }
 
 # A large group, and the timers that every song played leaves running.
@@ -443,6 +407,7 @@ after_songs() {
     stop_program
 }
 
+. "$here/tour_foot.sh"
 start_display
 start_services
 export MELODRIFT_AUDIO_OUTPUT=null
@@ -473,6 +438,7 @@ for width in 1120 1000; do
     walk_library $width $height dense-${width}x$height "$work/Library.xml"
     flatten "$@"
     walk $width $height dense-${width}x$height
+    foot $width $height dense-${width}x$height
 done
 sed -n 's/^songs: /songs: /p' "$log" | head -n 1
 echo "pictures: $pictures"

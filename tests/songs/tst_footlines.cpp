@@ -53,6 +53,12 @@ void TestFootLines::whatElseASaveChanged_data()
     QTest::newRow("cover") << int(SideEffect::Cover) << ""
                            << ""
                            << "its cover was taken out";
+    QTest::newRow("another picture") << int(SideEffect::OtherPictures) << "1"
+                                     << ""
+                                     << "its other picture was taken out";
+    QTest::newRow("other pictures") << int(SideEffect::OtherPictures) << "1,200"
+                                    << ""
+                                    << "its 1,200 other pictures were taken out";
     QTest::newRow("genre") << int(SideEffect::Genre) << "Électro"
                            << "Pop"
                            << "its genre changed from Électro to Pop";
@@ -117,6 +123,10 @@ void TestFootLines::whatIsTakenBack()
     QCOMPARE(FootLines::nameOfEdit(ferry), QString("the edit of \"Midnight Ferry\""));
     QCOMPARE(FootLines::nameOfDeletion(2000), QString("the deletion of 2,000 songs"));
     QCOMPARE(FootLines::editTakenBack(ferry), QString("Took back the edit of \"Midnight Ferry\"."));
+    QCOMPARE(FootLines::editTakenBack(ferry, 1),
+             QString("Took back the edit of \"Midnight Ferry\"; 1 of its pictures stays out."));
+    QCOMPARE(FootLines::editTakenBack(ferry, 2),
+             QString("Took back the edit of \"Midnight Ferry\"; 2 of its pictures stay out."));
     QCOMPARE(FootLines::editNotTakenBack(ferry, "the file is gone"),
              QString("The edit of \"Midnight Ferry\" cannot be taken back: the file is gone."));
     QCOMPARE(FootLines::tracksBack(1), QString("1 track is back in the library."));
