@@ -147,7 +147,6 @@ private:
     void emitCounts();
     void classify();
     void clearClassification();
-    void selectSong(int row);
     void selectShownSong();
 
     std::unique_ptr<Ui::CenterWidget> ui;
