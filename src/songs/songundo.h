@@ -46,7 +46,7 @@ public:
     void forget();
 
 private:
-    void openTags();
+    void openTags(const Progress& progress);
     Undone finishEdit(const TakenBack& taken) const;
     Undone finishDeletion(const TakenBack& taken, const SongLists& lists);
     Undone finishTakingOut(const TakenBack& taken, const SongLists& lists);
