@@ -14,6 +14,8 @@
 #include <QHash>
 #include <QTemporaryDir>
 
+#include <limits>
+
 using namespace MediaBytes;
 using Seeds::Seed;
 
@@ -276,6 +278,14 @@ void addOddId3v2(QList<Seed>& seeds)
     seeds << Seed{"wav", "id3v2 beyond its chunk",
                   withChunks(tone("wav"), OddId3v2::chunkBefore(title, asked(4, "TPE1", "Artist")))};
 }
+/// The music ends long before it begins.
+QByteArray ofLowestPositions(const QByteArray& ogg)
+{
+    QList<Ogg::Page> pages = Ogg::pagesOf(ogg);
+    for (Ogg::Page& page : pages)
+        page.position = std::numeric_limits<qint64>::min();
+    return Ogg::bytesOf(pages);
+}
 } // namespace
 
 QList<Seed> Seeds::music()
@@ -304,6 +314,8 @@ QList<Seed> Seeds::musicFindings()
         {"flac", tagged, tagOverAll(tone("flac"))},
         {"wma", "attributes that are not there", withObject(tone("wma"), noAttributes)},
         {"aac", "id3v2 between its frames", aac.mid(0, 2).join() + id3v2(frames(3), 3) + aac.mid(2).join()}};
+    for (const char* kind : {"ogg", "opus", "oggflac"})
+        seeds << Seed{kind, "lowest positions", ofLowestPositions(tone(kind))};
     addOddId3v2(seeds);
     return seeds;
 }

@@ -67,7 +67,7 @@ Beginning beginningOf(CheckedStream& stream, const OggStream& music)
     std::int64_t played = samples ? 0 : first.position;
     for (; samples && packet && packets.page().place == first.place; packet = packets.next(mostHeaderBytes))
         played += samples(packets.bytesOf(*packet, 0, audiocore::packetBeginning));
-    return {std::max<std::int64_t>(first.position - played, 0), first.place};
+    return {std::max<std::int64_t>(checked::sum(first.position, -played), 0), first.place};
 }
 
 std::int64_t millisecondsOf(const OggStream& music, std::int64_t from, std::int64_t to)
