@@ -74,7 +74,7 @@ std::int64_t millisecondsOf(const OggStream& music, std::int64_t from, std::int6
 {
     constexpr unsigned int preSkipPlace = 10;
     const std::int64_t skipped = music.codec == OggCodec::Opus ? music.head.toUShort(preSkipPlace, false) : 0;
-    const std::int64_t samples = checked::sum(to, -from - skipped);
+    const std::int64_t samples = checked::sum(checked::sum(to, -from), -skipped);
     return checked::scaled(std::max<std::int64_t>(samples, 0), 1000, music.sampleRate());
 }
 
