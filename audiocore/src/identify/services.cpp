@@ -1,5 +1,7 @@
 #include "identify/services.h"
 
+#include "identify/keyfile.h"
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -32,6 +34,15 @@ std::string configured(const char* variable, const char* otherwise)
     return result;
 }
 
+/// Of the environment, of the user's file, or of the build.
+std::string applicationKey()
+{
+    std::string key = configured("MELODRIFT_ACOUSTID_KEY", "");
+    if (key.empty())
+        key = audiocore::keyInFile();
+    return key.empty() ? MELODRIFT_ACOUSTID_KEY : key;
+}
+
 bool asksToSlowDown(const HttpAnswer& answer)
 {
     return answer.outcome == HttpAnswer::Outcome::Answered && (answer.code == 503 || answer.code == 429);
@@ -42,8 +53,7 @@ ServiceAddresses audiocore::configuredAddresses()
 {
     return {configured("MELODRIFT_ACOUSTID_URL", "https://api.acoustid.org"),
             configured("MELODRIFT_MUSICBRAINZ_URL", "https://musicbrainz.org"),
-            configured("MELODRIFT_COVERART_URL", "https://coverartarchive.org"),
-            configured("MELODRIFT_ACOUSTID_KEY", MELODRIFT_ACOUSTID_KEY)};
+            configured("MELODRIFT_COVERART_URL", "https://coverartarchive.org"), applicationKey()};
 }
 
 HttpAnswer Service::ask(const HttpRequest& request, const Cancellation& cancellation) const

@@ -17,7 +17,7 @@ struct ServiceAddresses
 
 /// The public services, or those that the environment variables MELODRIFT_ACOUSTID_URL,
 /// MELODRIFT_MUSICBRAINZ_URL and MELODRIFT_COVERART_URL name; the key is MELODRIFT_ACOUSTID_KEY of the
-/// environment or of the build.
+/// environment, else of the user's file (keyfile.h), else of the build.
 ServiceAddresses configuredAddresses();
 
 /// One service: its pace and its manners.
