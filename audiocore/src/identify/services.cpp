@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 using audiocore::HttpAnswer;
+using audiocore::Patience;
 using audiocore::RateLimit;
 using audiocore::Service;
 using audiocore::ServiceAddresses;
@@ -74,5 +75,5 @@ Services audiocore::sharedServices()
     static auto* limits = new SharedLimits; // kept to the end of the process, for threads that outlive main
     static const HttpClient client;
     return {configuredAddresses(), Service(client, limits->acoustId), Service(client, limits->musicBrainz),
-            Service(client, limits->coverArt)};
+            Service(client, limits->coverArt), Patience()};
 }

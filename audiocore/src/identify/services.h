@@ -3,6 +3,7 @@
 #include "identify/httpclient.h"
 #include "identify/ratelimit.h"
 
+#include <chrono>
 #include <string>
 
 namespace audiocore {
@@ -37,6 +38,13 @@ private:
     RateLimit& m_limit;
 };
 
+/// How long an identification may take.
+struct Patience
+{
+    std::chrono::milliseconds decoding{12000}; ///< for the fingerprint
+    std::chrono::milliseconds inAll{28000};
+};
+
 /// All that an identification needs of the network.
 struct Services
 {
@@ -44,6 +52,7 @@ struct Services
     Service acoustId;
     Service musicBrainz;
     Service coverArt;
+    Patience patience;
 };
 
 /// The configured services with the limits that all identifications of the process share.
