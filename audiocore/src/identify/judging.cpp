@@ -167,6 +167,7 @@ const FoundRecording* audiocore::chooseFitting(const std::vector<FoundRecording>
                                                const SongHints& hints)
 {
     std::vector<double> fits;
+    fits.reserve(recordings.size());
     for (const FoundRecording& recording : recordings)
         fits.push_back(fitOf(recording, hints));
     const double most = fits.empty() ? 0 : *std::max_element(fits.begin(), fits.end());

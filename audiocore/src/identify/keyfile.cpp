@@ -3,11 +3,11 @@
 #include "base/fileowner.h"
 #include "base/log.h"
 #include "base/platform.h"
+#include "base/userfolder.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -18,20 +18,10 @@ struct CloseFile
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// What the variable names; empty for what is no absolute path.
-std::string folderOf(const char* variable)
-{
-    const char* const value = std::getenv(variable);
-    return value && *value == '/' ? value : std::string();
-}
-
 std::string keyPath()
 {
-    const std::string configuration = folderOf("XDG_CONFIG_HOME");
-    const std::string home = folderOf("HOME");
-    if (!configuration.empty())
-        return configuration + "/melodrift/acoustid-key";
-    return home.empty() ? home : home + "/.config/melodrift/acoustid-key";
+    const std::string configuration = base::userFolder("XDG_CONFIG_HOME", "/.config");
+    return configuration.empty() ? configuration : configuration + "/melodrift/acoustid-key";
 }
 
 bool isKey(const std::string& text)
