@@ -3,6 +3,8 @@
 #include "identify/foldedtext.h"
 
 #include <algorithm>
+#include <initializer_list>
+#include <iterator>
 #include <map>
 #include <vector>
 
