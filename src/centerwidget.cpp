@@ -65,6 +65,7 @@ void CenterWidget::InitView()
         m_pAllMusicList, &m_classification.groups(), this);
     m_shownGroup = std::make_unique<ShownGroup>(*ui->m_dupMusicDetailedWidget, *m_views, m_classification);
     m_pCurrentView = ui->m_allMusicListView;
+    ui->m_findStrip->setViews(*m_views);
 }
 
 void CenterWidget::InitConnect()
@@ -109,7 +110,7 @@ void CenterWidget::InitConnect()
 void CenterWidget::switchView()
 {
     m_pCurrentView->hide();
-    m_pCurrentView = m_views->view(m_nViewKind == ViewDuplicates, m_bGridMode);
+    m_pCurrentView = m_views->choose(m_nViewKind == ViewDuplicates, m_bGridMode);
     showCurrentView();
 }
 
@@ -141,7 +142,6 @@ void CenterWidget::slotShowDuplicateMusicView()
 {
     // Oddity 27: the model shows the same seven columns for 6 as for 7.
     m_views->showGroups(&m_classification.groups(), SongCells::columnModeTable);
-    m_views->refreshGroups();
     m_nViewKind = ViewDuplicates;
     switchView();
 }
@@ -157,8 +157,9 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
         selectShownSong(); // the view has moved its mark by itself
         return;
     }
-    selectSong(index.row());
-    ui->m_musicDetailedWidget->SetMusicDetailedInfo(SongViews::songOf(index));
+    QMusicInfo* const song = SongViews::songOf(index);
+    m_nCurrentRow = m_views->selectSong(song);
+    ui->m_musicDetailedWidget->SetMusicDetailedInfo(song);
 }
 
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
@@ -194,6 +195,7 @@ void CenterWidget::enterMode(bool local)
     ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
     SlotHiddenMusicDetailedWidget();
     ClearSelectedWidget();
+    ui->m_findStrip->clear();
     setAcceptDrops(local);
     m_openShortcut->setEnabled(local);
     QIOrvoUtil::m_cleanMode = local;
@@ -234,6 +236,7 @@ void CenterWidget::classify()
     emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
     m_shownGroup->forget();
     m_classification.group();
+    m_views->groupsChanged();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
 
@@ -259,6 +262,7 @@ void CenterWidget::setLocalMusicInfo()
 void CenterWidget::SlotMusicInfoHaveBeEdited()
 {
     const int scrolled = m_pCurrentView->verticalScrollBar()->value();
+    m_views->forgetTexts();
     m_views->refreshSongs();
     classify();
     if (m_nViewKind == ViewUndefined)
@@ -271,17 +275,7 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
 /// Models that were reset have forgotten it.
 void CenterWidget::selectShownSong()
 {
-    const QList<QMusicInfo*>& songs =
-        m_nViewKind == ViewUndefined ? m_classification.undefinedSongs() : *m_pAllMusicList;
-    const int row = songs.indexOf(ui->m_musicDetailedWidget->song());
-    if (row >= 0)
-        selectSong(row);
-}
-
-void CenterWidget::selectSong(int row)
-{
-    m_nCurrentRow = row;
-    m_views->selectSong(row);
+    m_nCurrentRow = m_views->selectSong(ui->m_musicDetailedWidget->song());
 }
 
 SongLists CenterWidget::songLists()
@@ -297,6 +291,9 @@ void CenterWidget::SlotEditedAgain()
 
 void CenterWidget::SlotGroupCleared()
 {
+    m_views->forgetTexts();
+    m_views->groupsChanged();
+    m_shownGroup->markAnew();
     m_foot.tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), m_shownGroup->next());
 }
 
@@ -311,7 +308,7 @@ void CenterWidget::showGroup(int row)
 void CenterWidget::SlotUndo()
 {
     if (!ListsAreInUse())
-        m_foot.takeBack(songLists());
+        m_foot.takeBack(songLists(), *window());
 }
 
 /// The view in force stays. Of groups the one is shown that songs came back to, else the one shown before.
@@ -330,12 +327,14 @@ void CenterWidget::showAfterUndo(const SongUndo::Undone& undone)
 
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
+    DupMusicInfo* const group = m_classification.groups().value(int(m_shownGroup->row()));
     if (const auto removed = SongRemoval::removeOne(songLists(), song, m_shownGroup->row(),
                                                     ui->m_dupMusicDetailedWidget->keptFiles(),
                                                     ui->m_dupMusicDetailedWidget->fileRemoval()))
         m_foot.undo().songsLeft({*removed});
-    m_views->refreshSongs();
-    slotShowDuplicateMusicView();
+    m_views->leave(song, m_classification.groups().contains(group) ? nullptr : group);
+    m_nViewKind = ViewDuplicates;
+    switchView();
     m_shownGroup->markAnew();
     emitCounts();
     emit emitDuplicateMusicCount(m_classification.groups().size());
@@ -355,6 +354,7 @@ void CenterWidget::SlotAllMusicInfoAfterDeleting()
     tally.add(m_deletion.takeTally());
     m_views->setGroupsEnabled(true);
     m_shownGroup->forget();
+    m_views->forgetTexts();
     m_views->refreshGroups();
     m_views->refreshSongs();
     emitCounts();
@@ -371,6 +371,8 @@ void CenterWidget::clearClassification()
 {
     m_shownGroup->forget();
     m_classification.clear();
+    m_views->forgetTexts();
+    m_views->groupsChanged();
 }
 
 void CenterWidget::slotShowAllmusicView()

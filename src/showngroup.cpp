@@ -5,12 +5,13 @@
 #include "songs/songclassification.h"
 #include "songviews.h"
 
-#include <QAbstractItemModel>
-#include <QAbstractItemView>
-
 int ShownGroup::next() const
 {
-    return m_songs.rowAfter(int(m_nCurrentDupRow), isLeft());
+    DupMusicInfo* const group = isLeft() ? m_songs.groups().at(int(m_nCurrentDupRow)) : nullptr;
+    const int row = group ? m_views.rowOf(group) : -1;
+    const int next =
+        SongClassification::rowAfter(row >= 0 ? row : m_shownRow, row >= 0, m_views.groupCount());
+    return next >= 0 ? m_songs.groups().indexOf(m_views.groupAt(next)) : -1;
 }
 
 QList<QMusicInfo*> ShownGroup::keptSongs() const
@@ -20,15 +21,22 @@ QList<QMusicInfo*> ShownGroup::keptSongs() const
 
 void ShownGroup::show(const QModelIndex& index)
 {
-    m_nCurrentDupRow = index.row();
-    m_views.selectGroup(index.row());
-    if (DupMusicInfo* group = SongViews::groupOf(index))
-        m_panel.SetDuplicateMusicDetailedInfo(&group->musicList);
+    show(SongViews::groupOf(index));
 }
 
 void ShownGroup::show(int row)
 {
-    show(m_views.view(true, true)->model()->index(row, 0));
+    show(m_songs.groups().value(row));
+}
+
+void ShownGroup::show(DupMusicInfo* group)
+{
+    m_nCurrentDupRow = m_songs.groups().indexOf(group);
+    const int row = m_views.selectGroup(group);
+    if (row >= 0)
+        m_shownRow = row;
+    if (group)
+        m_panel.SetDuplicateMusicDetailedInfo(&group->musicList);
 }
 
 void ShownGroup::show(const QList<QMusicInfo*>& songs, const QList<QMusicInfo*>& kept)
@@ -43,7 +51,7 @@ void ShownGroup::show(const QList<QMusicInfo*>& songs, const QList<QMusicInfo*>&
 void ShownGroup::markAnew()
 {
     if (isLeft())
-        m_views.selectGroup(int(m_nCurrentDupRow));
+        m_views.selectGroup(m_songs.groups().at(int(m_nCurrentDupRow)));
 }
 
 void ShownGroup::forget()

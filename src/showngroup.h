@@ -7,6 +7,7 @@ class DuplicateMusicDetailedWidget;
 class QModelIndex;
 class SongClassification;
 class SongViews;
+struct DupMusicInfo;
 struct QMusicInfo;
 
 /// The duplicate group that the panel shows and the views mark. GUI thread only.
@@ -19,14 +20,16 @@ public:
     {
     }
 
-    /// Of the group that was shown last, even if it is gone.
+    /// Of the group that was shown last, in the list of all groups, even if it is gone.
     qint64 row() const { return m_nCurrentDupRow; }
-    /// The row of the group behind it, or behind where it was; -1 when there is no other.
+    /// The group that shows behind it, or behind where it was, by its row in that list; -1 when there is no
+    /// other.
     int next() const;
     /// The songs that its panel, while in sight, is told to keep.
     QList<QMusicInfo*> keptSongs() const;
 
     void show(const QModelIndex& index);
+    /// By its row in the list of all groups, whether it is found or not.
     void show(int row);
     /// The group that the first of the songs is in, if it is in one, with those to be kept.
     void show(const QList<QMusicInfo*>& songs, const QList<QMusicInfo*>& kept);
@@ -36,10 +39,12 @@ public:
     void forget();
 
 private:
+    void show(DupMusicInfo* group);
     bool isLeft() const;
 
     DuplicateMusicDetailedWidget& m_panel;
     SongViews& m_views;
     const SongClassification& m_songs;
     qint64 m_nCurrentDupRow = 0;
+    int m_shownRow = 0; ///< in the views, where it was last
 };

@@ -269,6 +269,23 @@ walk_group() {
     picture "$name-group-6-cleared"
 }
 
+# The table of all songs: ordered by title and backwards, a find, and one that finds nothing; then as before.
+walk_finding() {
+    local name=$1
+    click 270 152
+    picture "$name-6-sorted"
+    click 270 152
+    picture "$name-6-sorted-backwards"
+    xdotool key ctrl+f
+    xdotool type "1"
+    picture "$name-6-found"
+    xdotool type " nowhere"
+    picture "$name-6-not-found"
+    rest "$name, nothing found"
+    xdotool key Escape
+    click 270 152
+}
+
 # One walk through the local workflow at a window size.
 walk() {
     local width=$1 height=$2 name=$3
@@ -296,6 +313,7 @@ walk() {
     click $((width - 355)) 121
     picture "$name-6-all-table"
     rest "$name, table"
+    walk_finding "$name"
     click 100 168
     picture "$name-7-undefined"
     click $((width - 385)) 121

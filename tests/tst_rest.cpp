@@ -18,6 +18,7 @@
 
 #include <QComboBox>
 #include <QDir>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
 #include <QMenuBar>
@@ -39,6 +40,7 @@ private slots:
     void theITunesModeAgain();
     void songsInTheGrid();
     void songsInTheTable();
+    void nothingFoundInOrder();
     void aSong();
     void editMode();
     void theGenres();
@@ -94,7 +96,7 @@ void TestRest::init()
     m_watch = std::make_unique<RestWatch>();
     m_window = makeProgramWindow();
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get(), patience));
 }
 
 void TestRest::cleanup()
@@ -117,7 +119,7 @@ void TestRest::showSongs() const
     part<CenterWidget>("m_middleMusicWidget")->TakeDroppedPaths({m_music.path()});
     QCOMPARE(part<QImageButton>("m_btnMusicAll")->btnText(), QString("All songs(53)"));
     m_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get(), patience));
 }
 
 void TestRest::showSong() const
@@ -160,7 +162,8 @@ bool TestRest::restsInDialog(const char* className, const std::function<void()>&
     bool rested = false;
     QTimer::singleShot(0, this, [&] {
         QWidget* const dialog = QApplication::activeModalWidget();
-        const bool opened = dialog && dialog->inherits(className) && QTest::qWaitForWindowActive(dialog);
+        const bool opened =
+            dialog && dialog->inherits(className) && QTest::qWaitForWindowActive(dialog, patience);
         rested = opened && m_watch->rests();
         if (dialog)
             dialog->close();
@@ -201,6 +204,18 @@ void TestRest::songsInTheTable()
     showSongs();
     click("m_btnTableDisplay");
     QVERIFY(part<QWidget>("m_allMusicTableView")->isVisible());
+    VERIFY_REST();
+}
+
+void TestRest::nothingFoundInOrder()
+{
+    showSongs();
+    click("m_btnTableDisplay");
+    auto* table = part<QTableView>("m_allMusicTableView");
+    QTest::mouseClick(table->horizontalHeader()->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(20, 10));
+    VERIFY_REST();
+    QTest::keyClicks(part<QLineEdit>("m_findField"), "nowhere");
+    QCOMPARE(table->model()->rowCount(), 0);
     VERIFY_REST();
 }
 
@@ -258,7 +273,7 @@ void TestRest::aPausedSong()
 void TestRest::aFinishedSong()
 {
     playFirstRow();
-    QTRY_VERIFY_WITH_TIMEOUT(player()->findChild<QImageButton*>("m_btnPlay")->isVisible(), 60000);
+    QTRY_VERIFY(player()->findChild<QImageButton*>("m_btnPlay")->isVisible());
     m_watch->setTimersAllowed();
     VERIFY_REST();
 }
