@@ -240,6 +240,12 @@ void CenterWidget::classify()
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
 
+void CenterWidget::ScanLocalMusic()
+{
+    m_foot.forgetSteps();
+    setLocalMusicInfo();
+}
+
 void CenterWidget::setLocalMusicInfo()
 {
     clearClassification();

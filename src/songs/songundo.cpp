@@ -146,9 +146,14 @@ QList<QMusicInfo*> SongUndo::putBack(const TakenBack& taken, const SongLists& li
     return returned;
 }
 
-void SongUndo::forget()
+void SongUndo::forgetChanges()
 {
     m_history.forget();
     m_leaving.clear();
+}
+
+void SongUndo::forget()
+{
+    forgetChanges();
     qDeleteAll(std::exchange(m_left, {}));
 }

@@ -42,6 +42,8 @@ public:
     Undone finish(const SongLists& lists);
     /// Both. GUI thread.
     Undone undo(const SongLists& lists);
+    /// All changes; the songs that left stay, since a panel may show one.
+    void forgetChanges();
     /// All changes, and frees the songs that left: no view or panel may show one.
     void forget();
 
