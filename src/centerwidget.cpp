@@ -299,7 +299,7 @@ void CenterWidget::SlotGroupCleared()
 {
     m_views->forgetTexts();
     m_views->groupsChanged();
-    m_shownGroup->markAnew();
+    m_shownGroup->markOrHide();
     m_foot.tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), m_shownGroup->next());
 }
 

@@ -188,6 +188,7 @@ void DuplicateMusicDetailedWidget::removeLastRow()
         return;
     deleteRow(0);
     m_listBarWidget.append(nullptr);
+    showButtons(false);
 }
 
 bool DuplicateMusicDetailedWidget::rowsMatchSongs() const
