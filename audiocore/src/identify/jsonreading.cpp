@@ -16,18 +16,17 @@ struct TooMuch
 };
 
 /// From the leaves on: what holds nothing ends without memory. As deep as parse() lets a value be.
-void clear(json::Value& value)
+void clear(json::Value& value) noexcept
 {
-    if (value.is_array()) {
-        auto& elements = value.get_ref<json::Value::array_t&>();
-        for (json::Value& element : elements)
+    if (auto* const elements = value.get_ptr<json::Value::array_t*>()) {
+        for (json::Value& element : *elements)
             clear(element);
-        elements.clear();
-    } else if (value.is_object()) {
-        auto& members = value.get_ref<json::Value::object_t&>();
-        for (auto& member : members)
+        elements->clear();
+    }
+    if (auto* const members = value.get_ptr<json::Value::object_t*>()) {
+        for (auto& member : *members)
             clear(member.second);
-        members.clear();
+        members->clear();
     }
 }
 } // namespace
