@@ -166,7 +166,7 @@ foot_of_drops() {
     stop_program
 }
 
-# Another run of the program, whose dialog to open files lies in the corner of the screen.
+# Another run of the program, which lies in the corner of the screen with its dialog to open files.
 offer_files() {
     start_program
     size 1000 700
@@ -175,7 +175,7 @@ offer_files() {
     wait_dialog shown
     offering=$program
     offer=$(xdotool search --all --onlyvisible --pid "$program" --name '^open$' | tail -n 1)
-    xdotool windowmove "$offer" 1300 850
+    xdotool windowmove "$window" 1300 850 windowmove "$offer" 1300 850
 }
 
 # Drags all that it offers onto the list of songs.
