@@ -129,7 +129,8 @@ std::unique_ptr<TrashFolder> TrashFolder::in(const Descriptor& folder, const std
     trash->m_notes = openFolderAt(folder.fd, "info");
     if (!isOwnAndWritable(trash->m_files, refusal) || !isOwnAndWritable(trash->m_notes, refusal))
         return nullptr;
-    const long most = ::fpathconf(trash->m_notes.fd, _PC_NAME_MAX);
+    const int notes = trash->m_notes.fd;
+    const long most = notes < 0 ? -1 : ::fpathconf(notes, _PC_NAME_MAX);
     trash->m_longestName = most > 0 ? std::min(std::size_t(most), longestName) : longestName;
     return trash;
 }
