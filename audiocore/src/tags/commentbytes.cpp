@@ -13,7 +13,7 @@ using TagLib::ByteVector;
 
 namespace {
 /// The first one is written.
-const std::vector<const char*> names[audiocore::textTypes] = {
+const std::vector<const char*> fieldNames[audiocore::textTypes] = {
     {"TITLE"}, {"ARTIST"}, {"ALBUM"}, {"GENRE"}, {"DATE", "YEAR"}, {"TRACKNUMBER", "TRACKNUM"}};
 const std::vector<const char*> pictureNames = {"METADATA_BLOCK_PICTURE", "COVERART", "COVERARTMIME"};
 
@@ -145,7 +145,7 @@ std::string CommentBytes::text(int type) const
 {
     std::string joined;
     for (const ByteVector& field : m_fields)
-        if (field.size() <= longestText && hasName(field, names[type]) && !valueOf(field).empty() &&
+        if (field.size() <= longestText && hasName(field, fieldNames[type]) && !valueOf(field).empty() &&
             (joined.empty() || type != TAG_TITLE))
             joined += (joined.empty() ? "" : "; ") + valueOf(field);
     return joined;
@@ -162,8 +162,8 @@ void CommentBytes::apply(const TagEdits& edits)
             value += totalOf(text(type));
         std::optional<ByteVector> replacement;
         if (!value.empty())
-            replacement = field(names[type].front(), ByteVector(value.data(), unsigned(value.size())));
-        const auto isOld = [type](const ByteVector& old) { return hasName(old, names[type]); };
+            replacement = field(fieldNames[type].front(), ByteVector(value.data(), unsigned(value.size())));
+        const auto isOld = [type](const ByteVector& old) { return hasName(old, fieldNames[type]); };
         replaceFields(m_fields, isOld, replacement);
     }
     if (!edits.picture)

@@ -155,7 +155,7 @@ std::string OggTags::write(const FileEdits& edits)
     return packet->write(pages) ? std::string() : audiocore::tooLarge;
 }
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
+std::unique_ptr<TaggedFile> openOgg(CheckedStream& stream, long audioBegin)
 {
     std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
     const OggStream* const music = audiocore::musicAmong(streams);
@@ -173,7 +173,7 @@ bool isOutOfBounds(const ByteVector& comment)
 
 /// Pages have checksums, so nothing can be shown otherwise: whether decoders may see the comments of all
 /// streams as they are.
-bool hide(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
+bool hideInOgg(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
 {
     const std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
     return std::none_of(streams.begin(), streams.end(), [&stream](const OggStream& one) {
@@ -185,5 +185,5 @@ bool hide(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
 } // namespace
 
 namespace audiocore {
-extern const TagKind oggTags{open, hide};
+extern const TagKind oggTags{openOgg, hideInOgg};
 } // namespace audiocore
