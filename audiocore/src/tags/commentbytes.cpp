@@ -113,12 +113,16 @@ std::optional<CommentBytes::Bound> CommentBytes::boundOf(const ByteVector& comme
     const unsigned int place = position;
     const unsigned int count = comment.toUInt(place, false);
     position += 4;
-    // What is in bounds even if none of it is a picture need not be gone through.
-    if (comment.size() + std::uint64_t(count) * costOfField <= mostTextBytes)
+    // What is in bounds even if none of it is a picture need not be gone through, unless it tells of more
+    // than there is.
+    if (comment.size() + std::uint64_t(count) * costOfField <= mostTextBytes &&
+        count <= (comment.size() - position) / 4)
         return std::nullopt;
     unsigned int left = mostTextBytes;
     for (unsigned int i = 0; i < count; ++i) {
         const unsigned int end = position;
+        if (end == comment.size()) // there the tag library would read none of them
+            return Bound{place, ByteVector::fromUInt(i, false), end};
         const std::optional<ByteVector> field = takeBlock(comment, position);
         if (!field)
             return std::nullopt;

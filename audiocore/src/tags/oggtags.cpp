@@ -165,10 +165,13 @@ std::unique_ptr<TaggedFile> openOgg(CheckedStream& stream, long audioBegin)
     return std::make_unique<OggTags>(stream, std::move(streams), found);
 }
 
-/// Where the first length makes no sense, decoders see no fields either.
+/// Where the first length makes no sense, decoders see no fields either; they see no more than there are.
 bool isOutOfBounds(const ByteVector& comment)
 {
-    return comment.size() > 8 && comment.toUInt(0u, false) < comment.size() && CommentBytes::boundOf(comment);
+    if (comment.size() <= 8 || comment.toUInt(0u, false) >= comment.size())
+        return false;
+    const std::optional<CommentBytes::Bound> bound = CommentBytes::boundOf(comment);
+    return bound && bound->end < comment.size();
 }
 
 /// Pages have checksums, so nothing can be shown otherwise: whether decoders may see the comments of all
