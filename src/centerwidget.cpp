@@ -1,6 +1,7 @@
 #include "centerwidget.h"
 
 #include "audiocore/iaudiotag.h"
+#include "centerkeys.h"
 #include "common/style.h"
 #include "intakedialogs.h"
 #include "qiorvoutil.h"
@@ -9,6 +10,7 @@
 #include "songviews.h"
 #include "ui_centerwidget.h"
 #include "views/songcells.h"
+#include "views/viewfocus.h"
 
 #include <QPainter>
 #include <QScrollBar>
@@ -65,6 +67,11 @@ void CenterWidget::InitView()
         m_pAllMusicList, &m_classification.groups(), this);
     m_shownGroup = std::make_unique<ShownGroup>(*ui->m_dupMusicDetailedWidget, *m_views, m_classification);
     m_pCurrentView = ui->m_allMusicListView;
+    m_viewFocus = new ViewFocus(m_views->all(), this);
+    setTabOrder(ui->m_btnTableDisplay, m_viewFocus);
+    m_keys = new CenterKeys(
+        {*m_views, *m_shownGroup, *ui->m_musicDetailedWidget, *ui->m_dupMusicDetailedWidget, *m_viewFocus},
+        this);
 }
 
 void CenterWidget::InitConnect()
@@ -72,6 +79,9 @@ void CenterWidget::InitConnect()
     connect(ui->m_btnGridDisplay, SIGNAL(clicked()), this, SLOT(OnBtnGridView()));
     connect(ui->m_btnTableDisplay, SIGNAL(clicked()), this, SLOT(OnBtnTableView()));
     connect(ui->m_btnOpen, SIGNAL(clicked()), this, SLOT(OnBtnOpenFile()));
+    connect(m_keys, &CenterKeys::navigationChosen, this, &CenterWidget::emitChooseRow);
+    connect(m_keys, &CenterKeys::told, &m_foot, &CenterFoot::tell);
+    connect(m_keys, &CenterKeys::displaySwitched, this, [this] { display(!m_bGridMode); });
     m_views->connectSongs(this, SLOT(SlotClickAllMusicIndex(QModelIndex)),
                           SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
     m_views->connectGroups(this, SLOT(SlotClickDupMusicIndex(QModelIndex)),
@@ -118,8 +128,14 @@ void CenterWidget::showCurrentView()
 {
     const bool dropZone = QIOrvoUtil::m_cleanMode && m_localMusicList.isEmpty();
     m_pCurrentView->setVisible(!dropZone);
+    m_viewFocus->follow(*m_pCurrentView);
     ui->m_btnOpen->lower();
     ui->m_btnOpen->setFocusPolicy(dropZone ? Qt::StrongFocus : Qt::NoFocus);
+}
+
+QWidget* CenterWidget::viewFocus() const
+{
+    return m_viewFocus;
 }
 
 void CenterWidget::display(bool grid)
@@ -164,6 +180,8 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
 {
     // Oddity 33: not kept from clicking, unlike the list of songs.
+    ui->m_musicDetailedWidget->leave(); // a song of the former group may be edited
+    ui->m_musicDetailedWidget->hide();
     m_shownGroup->show(index);
 }
 
@@ -190,6 +208,7 @@ void CenterWidget::SlotHiddenMusicDetailedWidget()
 void CenterWidget::enterMode(bool local)
 {
     m_pCurrentView->setVisible(!local);
+    m_viewFocus->follow(*m_pCurrentView);
     ui->m_btnOpen->setVisible(local);
     ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
     SlotHiddenMusicDetailedWidget();
@@ -234,6 +253,7 @@ void CenterWidget::classify()
     emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
     m_shownGroup->forget();
     m_classification.group();
+    m_views->refreshGroups(); // which may be in sight, a song of theirs having been edited
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
 

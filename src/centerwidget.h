@@ -14,12 +14,14 @@
 
 #include <memory>
 
+class CenterKeys;
 class IAudioTag;
 class QAbstractItemView;
 class QModelIndex;
 class QShortcut;
 class ShownGroup;
 class SongViews;
+class ViewFocus;
 struct QMusicInfo;
 
 namespace Ui {
@@ -62,6 +64,8 @@ public:
     /// emptied or filled by others, so switching modes waits for its end. The thread has ended its use once
     /// the waiting dialog closes, whenever it returns itself.
     bool ListsAreInUse() const { return m_adding.intake().isRunning() || m_deletion.isRunning(); }
+    /// What has the focus for the views.
+    QWidget* viewFocus() const;
     /// Ends a running intake for good, without its message; for when the window closes.
     void StopIntake() { m_adding.intake().stop(); }
 
@@ -85,6 +89,8 @@ signals:
     void emitUndoOffered(const FootText::Link& link);
     /// As a click on the row of duplicates in the navigation pane.
     void emitChooseDuplicates();
+    /// As a click on a row there, counted from the top.
+    void emitChooseRow(int row);
 
 public slots:
     void OnBtnGridView() { display(true); }
@@ -157,6 +163,8 @@ private:
     QAbstractItemView* m_pCurrentView = nullptr;
     SongViews* m_views = nullptr;
     std::unique_ptr<ShownGroup> m_shownGroup;
+    ViewFocus* m_viewFocus = nullptr;
+    CenterKeys* m_keys = nullptr;
     QShortcut* m_openShortcut = nullptr;
 
     QList<QMusicInfo*> m_localMusicList;                     ///< owned

@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "common/focusmark.h"
 #include "common/footline.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
@@ -11,6 +12,7 @@
 #include "itunes/delmusiclib.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "itunes/itunestrackrecord.h"
+#include "mainmenu.h"
 #include "navigationwidget.h"
 #include "paintcoverimagethread.h"
 #include "qiorvoutil.h"
@@ -21,7 +23,6 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
-#include <QMenuBar>
 #include <QPainter>
 #include <QTimer>
 #include <QUrl>
@@ -29,8 +30,6 @@
 namespace {
 constexpr int headerHeight = 102;
 constexpr int footerHeight = 26;
-constexpr int menuHeight = 20;
-constexpr int menuWidth = 320;
 constexpr int switchMilliseconds = 690;
 constexpr int tipsIndent = 6; // off the status disc
 constexpr int tipsGap = 6;    // to the start button
@@ -62,6 +61,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     Init();
     InitMainMenu();
     InitConnect();
+    ui->m_middleMusicWidget->viewFocus()->setFocus();
     launchiTunes();
     setMouseTracking(true);
 }
@@ -100,29 +100,8 @@ void MainWindow::Init()
 
 void MainWindow::InitMainMenu()
 {
-    // A bar of the window's own would push the header down; this one lies on the banner. On macOS it is the
-    // system's menu bar.
-    auto* bar = new QMenuBar(this);
-    bar->setObjectName(QStringLiteral("m_menuBar"));
-    bar->setStyleSheet(
-        QStringLiteral(
-            "QMenuBar{background:transparent;border:0}"
-            "QMenuBar::item{background:transparent;padding:1px 8px;margin:0;color:%1;border-radius:4px}"
-            "QMenuBar::item:selected{background:%2}"
-            "QMenuBar::item:pressed{background:%3}")
-            .arg(Style::menuText.name(), Style::menuHovered.name(), Style::menuPressed.name()));
-    const auto add = [this, bar](const QString& text, const char* icon, const char* slot) {
-        QMenu* menu = bar->addMenu(text);
-        QAction* action = menu->addAction(SkinPicture::icon(icon), text);
-        connect(action, SIGNAL(triggered()), this, slot);
-        return action;
-    };
-    add(QStringLiteral("Home"), "menu_home.png", SLOT(SlotHomeMenu()));
-    add(QStringLiteral("About"), "menu_about.png", SLOT(SlotAboutMenu()));
-    add(QStringLiteral("Help"), "menu_help.png", SLOT(SlotHelpMenu()))
-        ->setShortcut(QKeySequence::HelpContents);
-    add(QStringLiteral("Exit"), "menu_exit.png", SLOT(SlotExitMenu()))->setShortcut(QKeySequence::Quit);
-    bar->setGeometry(4, 0, menuWidth, menuHeight);
+    new MainMenu(this);
+    new FocusMark(this);
 }
 
 void MainWindow::InitConnect()
@@ -149,6 +128,7 @@ void MainWindow::InitConnect()
     connect(center, SIGNAL(emitIntakeProgress(int, int)), this, SLOT(SlotIntakeProgress(int, int)));
     connect(center, SIGNAL(emitIntakeFinished()), this, SLOT(SlotIntakeFinished()));
     connect(center, &CenterWidget::emitChooseDuplicates, navigation, &NavigationWidget::OnBtnMusicDuplicate);
+    connect(center, &CenterWidget::emitChooseRow, navigation, &NavigationWidget::choose);
     connect(center, &CenterWidget::emitTold, ui->m_footLine, &FootLine::tell);
     connect(center, &CenterWidget::emitUndoOffered, ui->m_footLine, &FootLine::offer);
 }
@@ -412,6 +392,17 @@ void MainWindow::resizeEvent(QResizeEvent* event)
     placeHeader();
     ui->m_footLine->setGeometry(0, height() - footerHeight, width(), footerHeight);
     ui->m_tipsLabel->setFont(tipsFont());
+}
+
+/// Beside Tab this is asked for when what has the focus is hidden or disabled, as a button that was pressed:
+/// then the focus goes to no other button, where the next press of a key would do something else.
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    QWidget* const focus = focusWidget();
+    if (!focus || (focus->isEnabled() && focus->isVisible()))
+        return QMainWindow::focusNextPrevChild(next);
+    ui->m_middleMusicWidget->viewFocus()->setFocus();
+    return true;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -25,8 +25,7 @@
 #include <utility>
 
 MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
-    : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>()),
-      m_face(SkinPicture::path("bg_right.png"))
+    : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>())
 {
     ui->setupUi(this);
     m_editors = std::make_unique<SongEditors>(SongEditors::Widgets{ui->m_lineTitle, ui->m_lineArtist,
@@ -113,11 +112,26 @@ void MusicDetailedInfoWidget::tellOfLeaving()
 void MusicDetailedInfoWidget::editAgain(QMusicInfo* song, const SongEditors::Held& typed)
 {
     SetMusicDetailedInfo(song);
-    SlotOnBtnEdit();
+    edit(song);
     m_editors->fill(typed);
     if (m_editors->held().genre != typed.genre)
         m_keepOffers->keepGenre(); // the song's own, which is not in the list
+}
+
+void MusicDetailedInfoWidget::edit(QMusicInfo* song)
+{
+    if (song != m_pMusicInfo || !isVisible())
+        SetMusicDetailedInfo(song);
+    if (!isEditing())
+        SlotOnBtnEdit();
+    ui->m_lineTitle->setFocus();
     emit emitEditedAgain();
+}
+
+void MusicDetailedInfoWidget::identify(QMusicInfo* song)
+{
+    edit(song);
+    IdentifyMusic();
 }
 
 /// What was identified is not about the song that comes.
@@ -414,27 +428,20 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
 void MusicDetailedInfoWidget::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool apply = enter && event->modifiers().testFlag(Qt::ControlModifier);
     if (!isEditing() || (!enter && event->key() != Qt::Key_Escape)) {
         QWidget::keyPressEvent(event);
         return;
     }
-    if (!enter || ui->m_btnCancel->hasFocus())
+    if (!enter || (!apply && ui->m_btnCancel->hasFocus()))
         SlotOnBtnCancel();
-    else if (ui->m_btnApply->isEnabled() && (!m_bIdentifyFailed || m_editors->isChangedIn(focusWidget())))
+    else if (ui->m_btnApply->isEnabled() &&
+             (apply || !m_bIdentifyFailed || m_editors->isChangedIn(focusWidget())))
         SlotOnBtnApply();
 }
 
 void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    // Where the face ends its flat colour goes on.
-    painter.fillRect(rect(), Style::panel);
-    painter.fillRect(0, 0, 1, height(), Style::line);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(QPointF(0, 0), m_face.image(painter));
-    const QRect fields = ui->gridLayoutWidget->geometry();
-    const int rows = ui->m_gridLayout->rowCount();
-    for (int row = 1; row <= rows; ++row)
-        painter.fillRect(fields.x() + 8, fields.y() + fields.height() * row / rows - 1, fields.width() - 16,
-                         1, Style::fieldLine);
+    m_face.paint(painter, rect(), ui->gridLayoutWidget->geometry(), ui->m_gridLayout->rowCount());
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/footline.h"
-#include "common/skinpicture.h"
+#include "detailface.h"
 #include "songeditors.h"
 #include "songs/songediting.h"
 
@@ -46,6 +46,12 @@ public:
     /// The panel is about to be hidden: an edit that nobody applied is told of, and over.
     void leave();
     QMusicInfo* song() const { return m_pMusicInfo; }
+    /// Shows the song in edit mode, if it is not already.
+    void edit(QMusicInfo* song);
+    /// The same, and has it identified.
+    void identify(QMusicInfo* song);
+    bool isEditing() const;
+    bool isIdentifying() const { return m_bIdentifying; }
 
 signals:
     /// After every apply.
@@ -56,7 +62,7 @@ signals:
     void emitForbidToClickView(bool forbid);
     /// For the foot of the window.
     void emitTold(const FootText& told);
-    /// The song that was left is in edit mode again.
+    /// A song is in edit mode that nobody clicked for it.
     void emitEditedAgain();
 
 public slots:
@@ -100,13 +106,12 @@ private:
     bool isOwnCoverKept() const;
     void offerToKeepCover();
     SongEdit editedSong() const;
-    bool isEditing() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
     std::unique_ptr<SongEditors> m_editors;
     std::unique_ptr<SongLabels> m_labels;
     KeepOffers* m_keepOffers = nullptr;
-    SkinPicture m_face;
+    DetailFace m_face;
 
     bool m_bNewSong = false;
     bool m_bFirstShow = true;

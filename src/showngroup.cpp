@@ -13,6 +13,15 @@ int ShownGroup::next() const
     return m_songs.rowAfter(int(m_nCurrentDupRow), isLeft());
 }
 
+int ShownGroup::rowBeside(int steps) const
+{
+    const QAbstractItemView* view = m_views.view(true, true);
+    const int marked = view->currentIndex().row();
+    // One that is gone has no mark: those behind it have moved up to where it was.
+    const int row = marked >= 0 ? marked + steps : int(m_nCurrentDupRow) + qMin(steps, 0);
+    return row < view->model()->rowCount() ? row : -1;
+}
+
 QList<QMusicInfo*> ShownGroup::keptSongs() const
 {
     return m_panel.isVisible() ? m_panel.keptSongs() : QList<QMusicInfo*>();

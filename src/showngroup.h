@@ -23,6 +23,8 @@ public:
     qint64 row() const { return m_nCurrentDupRow; }
     /// The row of the group behind it, or behind where it was; -1 when there is no other.
     int next() const;
+    /// The row of the views, as they show the groups, that lies so many steps from the group; -1 for none.
+    int rowBeside(int steps) const;
     /// The songs that its panel, while in sight, is told to keep.
     QList<QMusicInfo*> keptSongs() const;
 

@@ -1,5 +1,6 @@
 #include "songviews.h"
 
+#include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
 #include "views/covergriddelegate.h"
@@ -9,6 +10,8 @@
 
 #include <QListView>
 #include <QTableView>
+
+#include <algorithm>
 
 namespace {
 constexpr int titleColumnWidth = 500;
@@ -106,11 +109,32 @@ DupMusicInfo* SongViews::groupOf(const QModelIndex& index)
     return static_cast<DupMusicInfo*>(index.internalPointer());
 }
 
+QMusicInfo* SongViews::firstSongOf(const QAbstractItemView& view, const QModelIndex& index) const
+{
+    if (!showsGroups(view))
+        return songOf(index);
+    const DupMusicInfo* const group = groupOf(index);
+    return group ? group->musicList.value(0) : nullptr;
+}
+
 QAbstractItemView* SongViews::view(bool groups, bool grid) const
 {
     if (groups)
         return grid ? static_cast<QAbstractItemView*>(m_widgets.groupGrid) : m_widgets.groupTable;
     return grid ? static_cast<QAbstractItemView*>(m_widgets.songGrid) : m_widgets.songTable;
+}
+
+QAbstractItemView* SongViews::shownView() const
+{
+    const auto views = all();
+    const auto shown =
+        std::find_if(views.begin(), views.end(), [](const QWidget* view) { return !view->isHidden(); });
+    return shown == views.end() ? nullptr : *shown;
+}
+
+bool SongViews::showsGroups(const QAbstractItemView& view) const
+{
+    return &view == m_widgets.groupGrid || &view == m_widgets.groupTable;
 }
 
 std::array<QAbstractItemView*, 4> SongViews::all() const

@@ -50,8 +50,13 @@ public:
     /// Null for an index without one.
     static QMusicInfo* songOf(const QModelIndex& index);
     static DupMusicInfo* groupOf(const QModelIndex& index);
+    /// The song of an index of this view, of a group the first; null for an index without one.
+    QMusicInfo* firstSongOf(const QAbstractItemView& view, const QModelIndex& index) const;
 
     QAbstractItemView* view(bool groups, bool grid) const;
+    /// The one that is not hidden; null while none is to be seen.
+    QAbstractItemView* shownView() const;
+    bool showsGroups(const QAbstractItemView& view) const;
     std::array<QAbstractItemView*, 4> all() const;
     void setGroupsEnabled(bool enabled);
     /// Shows files of covers as they are now.

@@ -388,6 +388,42 @@ foot() {
     stop_program
 }
 
+# What keys show: the outline of what has them, menus, the bar of a row and the card.
+keys() {
+    local width=$1 height=$2 name=$3
+    start_program "$work/foot"
+    size "$width" "$height"
+    wait_dialog shown
+    xdotool key Return
+    wait_dialog gone
+    press Home Right
+    picture "$name-keys-1-view"
+    press Menu
+    picture "$name-keys-2-menu" stay
+    press Escape F2 Tab Tab Tab
+    picture "$name-keys-3-field"
+    press Escape Tab
+    picture "$name-keys-4-button"
+    press ctrl+3 Home alt+Down
+    picture "$name-keys-5-row"
+    press shift+F10
+    picture "$name-keys-6-row-menu" stay
+    press Escape ctrl+i
+    picture "$name-keys-7-card" stay
+    press Escape ctrl+g
+    picture "$name-keys-8-table"
+    rest "$name, keys"
+    stop_program
+}
+
+press() {
+    local each
+    for each in "$@"; do
+        xdotool key "$each"
+        sleep 0.3
+    done
+}
+
 # Types a title for the first song.
 retitle() {
     click 270 200
@@ -442,6 +478,7 @@ for width in 1120 1000; do
     flatten "$@"
     walk $width $height ${width}x$height
     foot $width $height ${width}x$height
+    keys $width $height ${width}x$height
 done
 "$bin/make_collection" "$work/large/0" 3000
 for copy in 1 2 3 4 5 6; do cp -r "$work/large/0" "$work/large/$copy"; done
@@ -455,6 +492,7 @@ for width in 1120 1000; do
     walk_library $width $height dense-${width}x$height "$work/Library.xml"
     flatten "$@"
     walk $width $height dense-${width}x$height
+    keys $width $height dense-${width}x$height
 done
 sed -n 's/^songs: /songs: /p' "$log" | head -n 1
 echo "pictures: $pictures"
