@@ -23,7 +23,7 @@ namespace {
 constexpr int cardLeftOfPointer = 300;
 constexpr int bestMarkSide = 14;
 constexpr int bestMarkGap = 5;
-constexpr int atHandWidth = 4;
+constexpr int atHandWidth = 6;
 
 /// Not by style sheets, which cost a group of thousands of rows seconds.
 void showLabel(RetractLabel* label, const QColor& colour, const QPoint& place)

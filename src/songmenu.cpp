@@ -90,14 +90,15 @@ void SongMenu::openFor(QAbstractItemView& view, const QModelIndex& index, const 
     const QPersistentModelIndex kept(index);
     const SongViews& views = m_parts.views;
     popUp({[&views, &view, kept] { return views.firstSongOf(view, kept); },
-           [&view, kept] { emit view.doubleClicked(kept); }},
+           [&view, kept] { emit view.doubleClicked(kept); }, true},
           place);
 }
 
 void SongMenu::openFor(DupMusicbarWidget& row, const QPoint& place)
 {
     const QPointer<DupMusicbarWidget> kept(&row);
-    popUp({[kept] { return kept ? kept->song() : nullptr; }, [kept] { kept->SlotOnBtnPlay(); }}, place);
+    popUp({[kept] { return kept ? kept->song() : nullptr; }, [kept] { kept->SlotOnBtnPlay(); }, false},
+          place);
 }
 
 void SongMenu::popUp(const Subject& subject, const QPoint& place)
@@ -116,7 +117,9 @@ void SongMenu::popUp(const Subject& subject, const QPoint& place)
                 act(song);
         });
     };
-    add(captionOf(QStringLiteral("Play"), Command::Play), [subject](QMusicInfo*) { subject.play(); });
+    const QString play = QStringLiteral("Play");
+    add(subject.playsByKey ? captionOf(play, Command::Play) : play,
+        [subject](QMusicInfo*) { subject.play(); });
     add(captionOf(QStringLiteral("Edit"), Command::Edit),
         [&details](QMusicInfo* song) { details.edit(song); });
     add(QStringLiteral("Identify"), [&details](QMusicInfo* song) {

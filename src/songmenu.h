@@ -47,6 +47,7 @@ private:
     {
         std::function<QMusicInfo*()> song; ///< null once it is gone
         std::function<void()> play;        ///< only while it is there
+        bool playsByKey;                   ///< for what the key plays
     };
 
     void openAt(const QPoint& place);

@@ -116,6 +116,7 @@ void TestSongMenu::aRowOfAGroupHasTheMenuToo()
     rightClick(rows().at(2)->findChild<QWidget*>("m_labelMusicName"), QPoint(5, 5));
     QVERIFY(menu());
     QCOMPARE(group()->rowAtHand(), rows().at(2));
+    QCOMPARE(menu()->actions().first()->text(), QString("Play")); // Enter plays the group's first song
     choose("Play");
     QVERIFY(rows().at(2)->findChild<QWidget*>("m_btnStopMusic")->isVisible());
     key(Qt::Key_Up, Qt::AltModifier);

@@ -1,6 +1,7 @@
 #include "common/focusmark.h"
 
 #include "common/keyuse.h"
+#include "common/stripbutton.h"
 #include "common/style.h"
 
 #include <QApplication>
@@ -11,7 +12,7 @@ namespace {
 constexpr int gap = 1; // between the shape and its outline
 constexpr int thickness = 2;
 constexpr int margin = gap + thickness;
-constexpr qreal corner = 6;
+constexpr qreal smallCorner = 4; // of fields, links and views
 } // namespace
 
 FocusMark::FocusMark(QWidget* window) : QWidget(window)
@@ -84,6 +85,8 @@ void FocusMark::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(Style::editorFocus, thickness));
+    const auto* const button = dynamic_cast<const StripButton*>(m_focus.data());
+    const qreal corner = button ? button->corner() : smallCorner;
     const qreal half = thickness / 2.0;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), corner, corner);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), corner + half, corner + half);
 }
