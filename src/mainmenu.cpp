@@ -25,8 +25,9 @@ MainMenu::MainMenu(MainWindow* window) : QMenuBar(window)
     add(QStringLiteral("Help"), "menu_help.png", window, SLOT(SlotHelpMenu()))
         ->setShortcut(QKeySequence::HelpContents);
     QAction* exit = add(QStringLiteral("Exit"), "menu_exit.png", window, SLOT(SlotExitMenu()));
-    exit->setShortcut(Qt::CTRL | Qt::Key_Q);           // which not every desktop has as its key for this
-    exit->setShortcutContext(Qt::ApplicationShortcut); // the playback window's, too
+    // Not every desktop has a key of its own for this. The playback window takes it, too.
+    exit->setShortcut(QStringLiteral("Ctrl+Q"));
+    exit->setShortcutContext(Qt::ApplicationShortcut);
     setGeometry(4, 0, menuWidth, menuHeight);
 }
 

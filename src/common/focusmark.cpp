@@ -71,7 +71,8 @@ QRect FocusMark::visiblePart() const
 
 void FocusMark::place()
 {
-    const bool wanted = m_focus && m_focus != parentWidget() && m_focus->isVisible();
+    const bool wanted =
+        m_focus && m_focus != parentWidget() && parentWidget()->isAncestorOf(m_focus) && m_focus->isVisible();
     const QRect part = wanted && KeyUse::instance().leads() ? visiblePart() : QRect();
     setVisible(!part.isEmpty());
     if (part.isEmpty())

@@ -5,6 +5,10 @@
 #include <algorithm>
 
 namespace {
+constexpr int shift = Qt::SHIFT;
+constexpr int ctrl = Qt::CTRL;
+constexpr int alt = Qt::ALT;
+
 /// The two Enter keys are one; digits may need Shift, and those of the number pad are digits.
 int keyOf(const QKeyEvent& event)
 {
@@ -30,22 +34,22 @@ const QVector<ViewKeys::Key>& ViewKeys::all()
         {Qt::Key_End, QStringLiteral("End"), Command::Move},
         {Qt::Key_Return, QStringLiteral("Enter"), Command::Play},
         {Qt::Key_Space, QStringLiteral("Space"), Command::ToggleKept},
-        {Qt::ALT | Qt::Key_Up, QStringLiteral("Alt+Up"), Command::FormerRow},
-        {Qt::ALT | Qt::Key_Down, QStringLiteral("Alt+Down"), Command::NextRow},
-        {Qt::CTRL | Qt::Key_Up, QStringLiteral("Ctrl+Up"), Command::FormerGroup},
-        {Qt::CTRL | Qt::Key_Down, QStringLiteral("Ctrl+Down"), Command::NextGroup},
+        {alt | Qt::Key_Up, QStringLiteral("Alt+Up"), Command::FormerRow},
+        {alt | Qt::Key_Down, QStringLiteral("Alt+Down"), Command::NextRow},
+        {ctrl | Qt::Key_Up, QStringLiteral("Ctrl+Up"), Command::FormerGroup},
+        {ctrl | Qt::Key_Down, QStringLiteral("Ctrl+Down"), Command::NextGroup},
         {Qt::Key_F2, QStringLiteral("F2"), Command::Edit},
-        {Qt::CTRL | Qt::Key_E, QStringLiteral("Ctrl+E"), Command::Edit},
-        {Qt::CTRL | Qt::Key_Return, QStringLiteral("Ctrl+Enter"), Command::Apply},
+        {ctrl | Qt::Key_E, QStringLiteral("Ctrl+E"), Command::Edit},
+        {ctrl | Qt::Key_Return, QStringLiteral("Ctrl+Enter"), Command::Apply},
         {Qt::Key_Escape, QStringLiteral("Esc"), Command::Cancel},
-        {Qt::CTRL | Qt::Key_1, QStringLiteral("Ctrl+1"), Command::ShowAll},
-        {Qt::CTRL | Qt::Key_2, QStringLiteral("Ctrl+2"), Command::ShowUndefined},
-        {Qt::CTRL | Qt::Key_3, QStringLiteral("Ctrl+3"), Command::ShowDuplicates},
-        {Qt::CTRL | Qt::Key_G, QStringLiteral("Ctrl+G"), Command::SwitchDisplay},
-        {Qt::CTRL | Qt::Key_I, QStringLiteral("Ctrl+I"), Command::ShowCard},
+        {ctrl | Qt::Key_1, QStringLiteral("Ctrl+1"), Command::ShowAll},
+        {ctrl | Qt::Key_2, QStringLiteral("Ctrl+2"), Command::ShowUndefined},
+        {ctrl | Qt::Key_3, QStringLiteral("Ctrl+3"), Command::ShowDuplicates},
+        {ctrl | Qt::Key_G, QStringLiteral("Ctrl+G"), Command::SwitchDisplay},
+        {ctrl | Qt::Key_I, QStringLiteral("Ctrl+I"), Command::ShowCard},
         {Qt::Key_Delete, QStringLiteral("Delete"), Command::Clear},
         {Qt::Key_Menu, QStringLiteral("Menu"), Command::OpenMenu},
-        {Qt::SHIFT | Qt::Key_F10, QStringLiteral("Shift+F10"), Command::OpenMenu},
+        {shift | Qt::Key_F10, QStringLiteral("Shift+F10"), Command::OpenMenu},
     };
     return keys;
 }
