@@ -15,6 +15,8 @@ struct Failure
         DiskFull,
         Gone,             ///< there is no such file any more
         ChangedMeanwhile, ///< by another program
+        ChangedSince,     ///< by another program, after the change that was to be taken back
+        NotKept,          ///< what was to be put back
         NotSafe,          ///< the new file would not be what it should
         InUse             ///< by another program, which keeps others out
     };

@@ -1,7 +1,9 @@
 // Reading generated music libraries of 10,000 and 100,000 songs, next to a bare pass of an XML parser over
-// the same bytes; and 10,000 deletions from 100,000 songs until they are in the file.
+// the same bytes; and 10,000 deletions from 100,000 songs until they are in the file, and until that is taken
+// back.
 #include "itunes/delmusiclib.h"
 #include "itunes/itunesmusiclibrary.h"
+#include "itunes/takeback.h"
 #include "itunesfixture.h"
 
 #include <benchmark/benchmark.h>
@@ -11,9 +13,13 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <set>
 #include <sys/stat.h>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -95,6 +101,53 @@ void read(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * QFileInfo(QFile::decodeName(path)).size());
 }
 
+/// Waits for the background to write what was deleted.
+void waitForWriting(const QByteArray& path)
+{
+    launchiTunes(); // without the pause
+    while (QFile::exists(QFile::decodeName(path) + ".melodrift-journal"))
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+/// 10,000 deletions that are in the file, or in the journal alone.
+void takingBack(benchmark::State& state)
+{
+    constexpr int songs = 100000;
+    constexpr int gone = 10000;
+    const bool written = state.range(0) != 0;
+    const QString copy = folder().filePath("Library.xml");
+    const QByteArray path = QFile::encodeName(copy);
+    for (auto _ : state) {
+        state.PauseTiming();
+        QFile::remove(copy);
+        QFile::copy(QFile::decodeName(libraryOf(songs)), copy);
+        setITunesLibraryOption(path.constData());
+        iTunesTrackRecord* records = nullptr;
+        int count = 0;
+        GetMusicInfo(&records, &count);
+        std::vector<uint64_t> ids;
+        for (int i = 0; i < gone; ++i) {
+            ids.push_back(std::strtoull(records[i * 10].persistentId, nullptr, 16));
+            deleteMusic(ids.back());
+        }
+        if (written)
+            waitForWriting(path);
+        state.counters["kept_MB"] = double(takeBackBytes()) / 1024 / 1024;
+        state.ResumeTiming();
+        if (takeBackDeletions(ids.data(), ids.size()) == 0)
+            state.SkipWithError("the songs did not come back");
+        state.PauseTiming();
+        closeITunesLibrary();
+        QFile before(QFile::decodeName(libraryOf(songs)));
+        QFile after(copy);
+        if (!before.open(QIODevice::ReadOnly) || !after.open(QIODevice::ReadOnly) ||
+            before.readAll() != after.readAll())
+            state.SkipWithError("the library is not as it was");
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * gone);
+}
+
 void deletions(benchmark::State& state)
 {
     constexpr int songs = 100000;
@@ -131,5 +184,12 @@ void deletions(benchmark::State& state)
 BENCHMARK(bareParser)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(read)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(deletions)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+BENCHMARK(takingBack)
+    ->ArgName("written")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(1);
 
 BENCHMARK_MAIN();

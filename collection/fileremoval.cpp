@@ -47,6 +47,9 @@ void FileRemoval::leave(const QString& path, const QString& reason)
 QString FileReturn::bringBack(const RemovedFiles::Trashed& file)
 {
     std::string error;
-    const bool done = m_trash.restore(file.file, error) == base::Trash::Restoring::Done;
-    return done ? QString() : QString::fromStdString(error);
+    if (m_trash.restore(file.file, error) == base::Trash::Restoring::Done)
+        return QString();
+    QString reason = QString::fromStdString(error);
+    qWarning("%s does not come back: %s", qUtf8Printable(file.path), qUtf8Printable(reason));
+    return reason;
 }

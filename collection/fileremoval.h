@@ -56,7 +56,7 @@ class FileReturn
 {
 public:
     /// Puts the file back where it was, if nothing stands there and nobody changed it since. The reason why
-    /// it is not back, and then nothing has changed; else empty.
+    /// it is not back, and then nothing has changed and the log has it in one line; else empty.
     QString bringBack(const RemovedFiles::Trashed& file);
 
 private:

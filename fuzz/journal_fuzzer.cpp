@@ -94,7 +94,7 @@ void readWhole(const std::string& bytes)
 
     itunes::JournalRecord record;
     record.id = 0xA1;
-    record.deletes = true;
+    record.kind = itunes::ChangeKind::Deletion;
     const std::string line = itunes::lineOf(record, RecordState::Counts);
     JournalLines longer;
     promise(itunes::readJournal(lines.mended.substr(0, lines.end) + line, longer) &&

@@ -5,6 +5,7 @@
 #include "library/libraryediting.h"
 #include "library/libraryreading.h"
 #include "library/localtext.h"
+#include "library/takenpieces.h"
 #include "promise.h"
 
 #include <expat.h>
@@ -74,6 +75,32 @@ itunes::TrackChanges changesOf(itunes::TrackStore& store, const itunes::TrackEdi
     return changes;
 }
 
+/// What goes comes back, byte for byte.
+void expectTakenBack(const MemoryFile& library, const itunes::TrackChanges& changes)
+{
+    std::string error;
+    base::Failure failure;
+    itunes::LibrarySplices splices;
+    itunes::TrackChanges deletions;
+    itunes::TrackSet tracks;
+    for (const auto& [id, change] : changes)
+        deletions[id].deleted = true;
+    promise(itunes::findSplices(library, deletions, splices, failure), "what was read can be deleted");
+    for (const itunes::Splice& splice : splices.all)
+        tracks.insert(splice.track);
+    MemoryFile copy{std::string()};
+    itunes::LibraryContents contents;
+    promise(itunes::writeSpliced(library, copy, splices, error), "what was read can be written");
+    itunes::TakenPieces taken;
+    taken.begin(contents.state);
+    taken.follow(contents.state, splices.all, contents);
+    itunes::LibrarySplices back;
+    back.all = taken.splicesFor(tracks);
+    MemoryFile again{std::string()};
+    promise(itunes::writeSpliced(copy, again, back, error) && again.bytes() == library.bytes(),
+            "what was deleted comes back byte for byte");
+}
+
 /// The library with the changes as it is written; as it is where there is nothing to write.
 MemoryFile changed(const MemoryFile& library, const itunes::TrackChanges& changes)
 {
@@ -101,6 +128,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const itunes::TrackChanges changes = changesOf(*store, editOf(data, size));
     const std::unique_ptr<itunes::TrackStore> promised = read(library, changes);
     promise(promised != nullptr, "what was read is read again");
+    expectTakenBack(library, changes);
     const MemoryFile copy = changed(library, changes);
     const std::unique_ptr<itunes::TrackStore> written = read(copy, {});
     promise(written != nullptr, "what was written can be read");

@@ -2,8 +2,6 @@
 
 #include "songs/removaltally.h"
 
-#include <QApplication>
-
 void CenterFoot::tell(const FootText& told)
 {
     if (!told.text.isEmpty())
@@ -15,7 +13,7 @@ void CenterFoot::tellOfDeletion(const RemovalTally& tally, int nextGroup)
     QVector<FootText::Link> links;
     if (nextGroup >= 0)
         links.append({QStringLiteral("Next group"), [this, nextGroup] { emit groupChosen(nextGroup); }});
-    m_undo.endDeletion(tally.files());
+    m_undo.endDeletion(tally);
     tell({tally.line(), tally.failed(), links});
     offerUndo();
 }
@@ -28,15 +26,16 @@ void CenterFoot::offerUndo()
                                                        QStringLiteral("Takes back %1 (Ctrl+Z)").arg(change)});
 }
 
-void CenterFoot::takeBack(const SongLists& lists)
+void CenterFoot::takeBack(const SongLists& lists, QWidget& window)
 {
     if (m_undo.next().isEmpty())
         return;
-    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
-    const SongUndo::Undone undone = m_undo.undo(lists);
+    m_work.run({"taking a change back", QStringLiteral("Taking back…"),
+                [this](const Progress& progress) { m_undo.takeBack(progress); }},
+               window);
+    const SongUndo::Undone undone = m_undo.finish(lists);
     if (undone.edited || !undone.returned.isEmpty())
         emit this->undone(undone);
-    QApplication::restoreOverrideCursor();
     tell({undone.line, undone.failed, {}});
     offerUndo();
 }

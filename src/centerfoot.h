@@ -2,6 +2,7 @@
 
 #include "common/footline.h"
 #include "songs/songundo.h"
+#include "waitedwork.h"
 
 #include <QObject>
 
@@ -23,8 +24,11 @@ public:
     /// Ends a deletion. The row of the group to go on with is -1 for none.
     void tellOfDeletion(const RemovalTally& tally, int nextGroup = -1);
     void offerUndo();
-    /// Takes the newest change back, if there is one, while the user waits.
-    void takeBack(const SongLists& lists);
+    /// Takes the newest change back, if there is one, while the user waits before the window. Returns when
+    /// all of it is told.
+    void takeBack(const SongLists& lists, QWidget& window);
+    /// Meanwhile the lists are to be left alone.
+    bool isTakingBack() const { return m_work.isRunning(); }
     /// Nothing can be taken back any more: no view or panel may show a song that left.
     void forgetChanges();
 
@@ -40,4 +44,5 @@ signals:
 
 private:
     SongUndo m_undo;
+    WaitedWork m_work;
 };

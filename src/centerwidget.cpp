@@ -331,7 +331,7 @@ void CenterWidget::showGroup(int row)
 void CenterWidget::SlotUndo()
 {
     if (!ListsAreInUse())
-        m_foot.takeBack(songLists());
+        m_foot.takeBack(songLists(), *window());
 }
 
 /// The view in force stays. Of groups the one is shown that songs came back to, else the one shown before.

@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QHash>
 
+#include <utility>
+
 namespace {
 constexpr int progressMilliseconds = 100;
 
@@ -36,6 +38,7 @@ QVector<RemovedSong> DeleteAllDupMusicThread::takeRemovedSongs()
 
 RemovalTally DeleteAllDupMusicThread::takeTally()
 {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return std::exchange(m_tally, RemovalTally());
 }
 
@@ -50,13 +53,26 @@ void DeleteAllDupMusicThread::run()
             deleteSongs(plan, done, removal);
         });
         plan.resize(done);
-        m_tally.addFiles(removal.removed());
-        const auto editLists = [this, &plan] { m_removedSongs += SongRemoval::removeAll(m_lists, plan); };
-        QMetaObject::invokeMethod(this, editLists,
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_tally.addFiles(removal.removed());
+            m_deleted = std::exchange(plan, {});
+        }
+        QMetaObject::invokeMethod(this, "editLists",
                                   thread() == QThread::currentThread() ? Qt::DirectConnection
                                                                        : Qt::BlockingQueuedConnection);
     }
     emit emitAllMusicInfo();
+}
+
+void DeleteAllDupMusicThread::editLists()
+{
+    QVector<SongRemoval::Removal> deleted;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_deleted.swap(deleted);
+    }
+    m_removedSongs += SongRemoval::removeAll(m_lists, deleted);
 }
 
 /// Counts in `done` how many of them it deleted: all, unless it was told to end.

@@ -5,6 +5,8 @@
 
 #include <QThread>
 
+#include <mutex>
+
 /// Reduces every duplicate group to its first song: deletes the others' files or tracks on a thread of its
 /// own and then takes them out of the lists.
 ///
@@ -35,10 +37,17 @@ signals:
 protected:
     void run() override;
 
+private slots:
+    void editLists();
+
 private:
     void deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done, FileRemoval& removal);
 
     SongLists m_lists;
     QVector<RemovedSong> m_removedSongs;
+    // What the thread hands over. Signals bring it in order already; the thread sanitizer sees no lock of the
+    // toolkit.
+    std::mutex m_mutex;
+    QVector<SongRemoval::Removal> m_deleted;
     RemovalTally m_tally;
 };

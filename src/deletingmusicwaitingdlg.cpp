@@ -15,8 +15,9 @@ constexpr int cornerRadius = 10;
 
 DeletingMusicWaitingDlg::DeletingMusicWaitingDlg(QWidget* parent)
     : QImageDialog(parent, Qt::Dialog | Qt::FramelessWindowHint),
-      ui(std::make_unique<Ui::DeletingMusicWaitingDlg>()), m_strProgress(QStringLiteral("Deleting…"))
+      ui(std::make_unique<Ui::DeletingMusicWaitingDlg>())
 {
+    setWork(QStringLiteral("Deleting…"));
     ui->setupUi(this);
     setWindowTitle(QStringLiteral("Melodrift"));
     setAttribute(Qt::WA_TranslucentBackground);
@@ -42,9 +43,16 @@ void DeletingMusicWaitingDlg::finish()
     close();
 }
 
+void DeletingMusicWaitingDlg::setWork(const QString& doing)
+{
+    m_strWork = doing;
+    m_strProgress = doing;
+    update();
+}
+
 void DeletingMusicWaitingDlg::showProgress(int done, int total)
 {
-    m_strProgress = QStringLiteral("Deleting… %1 of %2").arg(done).arg(total);
+    m_strProgress = QStringLiteral("%1 %2 of %3").arg(m_strWork).arg(done).arg(total);
     update();
 }
 

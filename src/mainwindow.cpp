@@ -18,6 +18,7 @@
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "songs/footlines.h"
+#include "songs/trackcover.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>
@@ -211,8 +212,7 @@ void MainWindow::tellOfReading()
 void MainWindow::takeTracks(int count)
 {
     qDeleteAll(std::exchange(m_musicList, {}));
-    // Oddity 23: no separator in between, the name is glued to the temporary path.
-    const QString folder = QDir::tempPath() + QLatin1String("imagefile");
+    const QString folder = TrackCover::folder();
     QDir().mkpath(folder);
     for (int i = 0; i < count; ++i) {
         iTunesTrackRecord* record = m_pTrackRecords + i;
@@ -221,7 +221,7 @@ void MainWindow::takeTracks(int count)
         auto* song = new QMusicInfo;
         m_musicList.append(song);
         song->track = record;
-        song->coverPath = folder + QLatin1Char('/') + QString::fromUtf8(record->persistentId);
+        song->coverPath = TrackCover::pathIn(folder, *record);
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QByteArray>
 #include <QList>
+#include <QString>
 #include <QThread>
 
 #include <vector>
@@ -34,11 +34,9 @@ protected:
 private:
     struct Track
     {
-        QByteArray coverPath;
+        QString coverPath;
         quint64 persistentId;
     };
-
-    static void fetchCover(const Track& track);
 
     std::vector<Track> m_tracks;
 };

@@ -4,8 +4,10 @@
 #include "common/textlink.h"
 #include "itunesmodefixture.h"
 #include "musicdetailedinfowidget.h"
+#include "playsongwidget.h"
 
 #include <QFile>
+#include <QLabel>
 
 #include <sys/stat.h>
 
@@ -37,20 +39,40 @@ protected:
                 captions.append(link->text());
         return captions;
     }
-    void clickLink(const QString& caption) const
+    TextLink* link(const QString& caption) const
     {
         for (TextLink* link : line()->findChildren<TextLink*>())
-            if (!link->isHidden() && link->text() == caption) {
-                QTest::mouseClick(link, Qt::LeftButton);
-                return;
-            }
-        QFAIL("there is no such link");
+            if (!link->isHidden() && link->text() == caption)
+                return link;
+        return nullptr;
+    }
+    void clickLink(const QString& caption) const
+    {
+        TextLink* const found = link(caption);
+        QVERIFY2(found, "there is no such link");
+        QTest::mouseClick(found, Qt::LeftButton);
+    }
+    /// As the window system tells it: the second press is the one of a double click.
+    void doubleClickLink(const QString& caption) const
+    {
+        const TextLink* const found = link(caption);
+        QVERIFY2(found, "there is no such link");
+        QTest::mouseDClick(m_window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                           found->mapTo(m_window.get(), QPoint(4, found->height() / 2)));
     }
     const QWidget* panel() const { return part<MusicDetailedInfoWidget>("m_musicDetailedWidget"); }
     void switchToLocal() const
     {
         click("m_btniTunesClean");
         QTRY_VERIFY(part<QWidget>("m_btnLocalClean")->isVisible());
+    }
+    /// How far the song is that plays.
+    static QString played()
+    {
+        for (const QWidget* window : QApplication::topLevelWidgets())
+            if (qobject_cast<const PlaySongWidget*>(window))
+                return window->findChild<QLabel*>("m_labelShowTime")->text();
+        return QString();
     }
     QString tone(const QString& name, const QString& title, const QString& genre = "Pop",
                  const char* kind = "mp3") const

@@ -188,7 +188,7 @@ void TestClearingAll::theAnimationMoves()
         if (++frames == 10)
             dialog.finish();
     });
-    QTimer::singleShot(10000, &dialog, &DeletingMusicWaitingDlg::finish);
+    QTimer::singleShot(patience, &dialog, &DeletingMusicWaitingDlg::finish);
     dialog.exec();
     QCOMPARE(frames, 10);
     QCOMPARE(dialog.findChild<QLabel*>("m_labMovie")->movie()->state(), QMovie::NotRunning);
@@ -265,7 +265,7 @@ void TestClearingAll::theThreadWithoutGroupsEndsAtOnce()
     QSignalSpy done(&thread, SIGNAL(emitAllMusicInfo()));
     thread.GetDupMusicBeDelete(&songs, &groups, &songs, &tags);
     thread.start();
-    QVERIFY(thread.wait(20000));
+    QVERIFY(thread.wait(patience));
     QCOMPARE(done.size(), 1);
 }
 

@@ -33,7 +33,7 @@ TestCommandLine::Answer TestCommandLine::ask(const QStringList& arguments)
     for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         run.unset(display);
     run.startMelodrift(arguments);
-    if (!run.process.waitForFinished(60000) || run.process.exitStatus() != QProcess::NormalExit)
+    if (!run.process.waitForFinished(patience) || run.process.exitStatus() != QProcess::NormalExit)
         return {-1, {}, run.process.readAllStandardError(), run.left()};
     return {run.process.exitCode(), run.process.readAllStandardOutput(), run.process.readAllStandardError(),
             run.left()};
@@ -102,11 +102,11 @@ void TestCommandLine::missingPathsAreNamedAndLeftOut()
     ProgramRun run;
     QVERIFY(QDir(run.path("")).mkdir("songs"));
     run.startMelodrift({"nowhere.mp3", "songs"});
-    QVERIFY(run.process.waitForStarted());
+    QVERIFY(run.process.waitForStarted(patience));
     run.process.setReadChannel(QProcess::StandardError);
-    QTRY_VERIFY_WITH_TIMEOUT(run.process.canReadLine(), 60000);
+    QTRY_VERIFY(run.process.canReadLine());
     QCOMPARE(run.process.readLine(), QByteArray("melodrift: no such file or folder: nowhere.mp3\n"));
-    QTRY_VERIFY_WITH_TIMEOUT(!run.left().isEmpty(), 60000); // it goes on
+    QTRY_VERIFY(!run.left().isEmpty()); // it goes on
     QCOMPARE(run.process.state(), QProcess::Running);
 }
 

@@ -206,7 +206,7 @@ private:
 bool TestEnding::endedBy(int signal)
 {
     QProcess& process = m_run->process;
-    process.waitForFinished(60000);
+    process.waitForFinished(patience);
     const bool asItShould = process.state() == QProcess::NotRunning &&
                             process.exitStatus() == QProcess::CrashExit && process.exitCode() == signal &&
                             m_run->left().isEmpty();
@@ -218,7 +218,7 @@ bool TestEnding::endedBy(int signal)
 
 bool TestEnding::isReady()
 {
-    return QTest::qWaitFor([this] { return m_run->process.canReadLine(); }, 60000) &&
+    return QTest::qWaitFor([this] { return m_run->process.canReadLine(); }, patience) &&
            m_run->process.readLine() == "ready\n";
 }
 
@@ -233,7 +233,7 @@ void TestEnding::theWindowsEndLeavesNothing()
 {
     QFETCH(QByteArray, scene);
     play(scene);
-    QVERIFY(m_run->process.waitForFinished(60000));
+    QVERIFY(m_run->process.waitForFinished(patience));
     QCOMPARE(m_run->process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_run->process.exitCode(), 0);
     QCOMPARE(m_run->left(), QStringList());
@@ -251,7 +251,7 @@ void TestEnding::eachSignalEndsTheProgram()
 {
     QFETCH(int, signal);
     m_run->startMelodrift();
-    QTRY_VERIFY_WITH_TIMEOUT(!m_run->left().isEmpty(), 60000);
+    QTRY_VERIFY(!m_run->left().isEmpty());
     QCOMPARE(::kill(pid_t(m_run->process.processId()), signal), 0);
     QVERIFY(endedBy(signal));
 }
@@ -261,7 +261,7 @@ void TestEnding::ignoredSignalsStayIgnored()
     m_run->start("sh",
                  {"-c", "trap '' HUP; exec \"$0\"",
                   QStandardPaths::findExecutable("melodrift", {QCoreApplication::applicationDirPath()})});
-    QTRY_VERIFY_WITH_TIMEOUT(!m_run->left().isEmpty(), 60000);
+    QTRY_VERIFY(!m_run->left().isEmpty());
     QCOMPARE(::kill(pid_t(m_run->process.processId()), SIGHUP), 0);
     m_run->process.terminate();
     QVERIFY(endedBy(SIGTERM)); // the first that came would show

@@ -280,7 +280,7 @@ void TestIdentifyPanel::cancelEndsItWithoutAWord()
 void TestIdentifyPanel::aLateResultStillFillsTheEditors()
 {
     click("m_btnIdentify");
-    QVERIFY(m_panel->findChild<IdentifyThread*>()->wait(20000)); // and its results are on their way
+    QVERIFY(m_panel->findChild<IdentifyThread*>()->wait(patience)); // and its results are on their way
     click("m_btnCancel");
     QTRY_COMPARE(typed("m_lineTitle"), QStringLiteral("Midnight Ferry"));
     QVERIFY(!child<QWidget>("m_lineTitle")->isVisible());
@@ -333,7 +333,7 @@ void TestIdentifyPanel::resultsOnTheirWayLockNothingForAnotherSong()
     other->localInfo->title = QStringLiteral("Other");
     QSignalSpy forbidden(m_panel.get(), SIGNAL(emitForbidToClickView(bool)));
     click("m_btnIdentify");
-    QVERIFY(m_panel->findChild<IdentifyThread*>()->wait(20000));
+    QVERIFY(m_panel->findChild<IdentifyThread*>()->wait(patience));
     m_panel->SetMusicDetailedInfo(anySong ? other.get() : nullptr);
     QTRY_VERIFY(m_panel->findChildren<IdentifyThread*>().isEmpty());
     QCOMPARE(forbidden.last().first().toBool(), false);

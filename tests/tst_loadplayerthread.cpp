@@ -30,7 +30,7 @@ void TestLoadPlayerThread::thePlayerComesWithTheFirstSongShown()
     panel.SetMusicDetailedInfo(&song->info);
     // The song is to be seen first.
     QCOMPARE(loadedBy("self", {player}), QStringList());
-    QTRY_COMPARE_WITH_TIMEOUT(loadedBy("self", {player}), QStringList{player}, patience);
+    QTRY_COMPARE(loadedBy("self", {player}), QStringList{player});
 }
 
 QTEST_MAIN(TestLoadPlayerThread)

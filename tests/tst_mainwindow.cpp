@@ -266,7 +266,7 @@ void TestMainWindow::nothingIsTakenInOnceTheModeIsLeft()
     switchToLocal();
     auto* center = part<CenterWidget>("m_middleMusicWidget");
     m_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get(), patience));
     bool opened = false;
     m_dialogs->expect([&](QWidget* dialog) { // chooses once the other mode is in force
         opened = true;

@@ -92,11 +92,11 @@ void TestPrivateFolder::theNextStartRemovesWhatAKilledRunLeft()
 {
     constexpr int covers = 10000;
     m_run->startMelodrift();
-    QTRY_VERIFY_WITH_TIMEOUT(!m_run->left().isEmpty(), 60000);
+    QTRY_VERIFY(!m_run->left().isEmpty());
     const QString folder = m_run->left().first();
-    QTRY_VERIFY_WITH_TIMEOUT(isThere(m_run->temporary() + '/' + folder + "/tmp"), 60000);
+    QTRY_VERIFY(isThere(m_run->temporary() + '/' + folder + "/tmp"));
     m_run->process.kill();
-    QVERIFY(m_run->process.waitForFinished());
+    QVERIFY(m_run->process.waitForFinished(patience));
     for (int i = 0; i < covers; ++i)
         make(folder + QStringLiteral("/tmplocalImage/tempstr%1").arg(i));
     QCOMPARE(m_run->left(), QStringList(folder));
@@ -104,20 +104,20 @@ void TestPrivateFolder::theNextStartRemovesWhatAKilledRunLeft()
     m_run->startMelodrift();
     QElapsedTimer clock;
     clock.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!m_run->left().contains(folder), 60000);
+    QTRY_VERIFY(!m_run->left().contains(folder));
     qInfo("%d covers were gone %lld ms after the start", covers, clock.elapsed());
-    QTRY_COMPARE_WITH_TIMEOUT(m_run->left().size(), 1, 60000);
+    QTRY_COMPARE(m_run->left().size(), 1);
     m_run->process.terminate();
-    QVERIFY(m_run->process.waitForFinished());
+    QVERIFY(m_run->process.waitForFinished(patience));
     QCOMPARE(m_run->left(), QStringList());
 }
 
 void TestPrivateFolder::foldersOfRunningProgramsStay()
 {
     m_run->startMelodrift();
-    QTRY_VERIFY_WITH_TIMEOUT(!m_run->left().isEmpty(), 60000);
+    QTRY_VERIFY(!m_run->left().isEmpty());
     const QString theirs = m_run->left().first();
-    QTRY_VERIFY_WITH_TIMEOUT(isThere(m_run->temporary() + '/' + theirs + "/tmp"), 60000);
+    QTRY_VERIFY(isThere(m_run->temporary() + '/' + theirs + "/tmp"));
     const QString cover = make(theirs + "/tmplocalImage/tempstr1");
     {
         const PrivateFolder first(m_run->temporary());
@@ -207,7 +207,7 @@ void TestPrivateFolder::programsThatAreStartedFindNoFolderWhereThereWasNone()
     QCOMPARE(qgetenv("TMPDIR"), QByteArray("/private/tmp"));
     // As the desktop's services start a browser.
     QVERIFY(QProcess::startDetached("sh", {"-c", program.arg(note)}));
-    QTRY_VERIFY_WITH_TIMEOUT(isThere(note), 60000);
+    QTRY_VERIFY(isThere(note));
     QFile said(note);
     QVERIFY(said.open(QIODevice::ReadOnly));
     QCOMPARE(said.readAll(), "none " + qgetenv("HOME"));

@@ -94,7 +94,7 @@ void TestRest::init()
     m_watch = std::make_unique<RestWatch>();
     m_window = makeProgramWindow();
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get(), patience));
 }
 
 void TestRest::cleanup()
@@ -117,7 +117,7 @@ void TestRest::showSongs() const
     part<CenterWidget>("m_middleMusicWidget")->TakeDroppedPaths({m_music.path()});
     QCOMPARE(part<QImageButton>("m_btnMusicAll")->btnText(), QString("All songs(53)"));
     m_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get(), patience));
 }
 
 void TestRest::showSong() const
@@ -160,7 +160,8 @@ bool TestRest::restsInDialog(const char* className, const std::function<void()>&
     bool rested = false;
     QTimer::singleShot(0, this, [&] {
         QWidget* const dialog = QApplication::activeModalWidget();
-        const bool opened = dialog && dialog->inherits(className) && QTest::qWaitForWindowActive(dialog);
+        const bool opened =
+            dialog && dialog->inherits(className) && QTest::qWaitForWindowActive(dialog, patience);
         rested = opened && m_watch->rests();
         if (dialog)
             dialog->close();
@@ -258,7 +259,7 @@ void TestRest::aPausedSong()
 void TestRest::aFinishedSong()
 {
     playFirstRow();
-    QTRY_VERIFY_WITH_TIMEOUT(player()->findChild<QImageButton*>("m_btnPlay")->isVisible(), 60000);
+    QTRY_VERIFY(player()->findChild<QImageButton*>("m_btnPlay")->isVisible());
     m_watch->setTimersAllowed();
     VERIFY_REST();
 }

@@ -70,7 +70,7 @@ void TestStartup::programsThatAreStartedFindTheUsersFolder()
     FolderOpener::open(folder.path());
     qputenv("PATH", path);
     QFile note(folder.filePath("note"));
-    QTRY_VERIFY_WITH_TIMEOUT(note.exists(), 60000);
+    QTRY_VERIFY(note.exists());
     QVERIFY(note.open(QIODevice::ReadOnly));
     QCOMPARE(QString::fromUtf8(note.readAll()), s_usersFolder);
     QVERIFY(QDir::tempPath() != s_usersFolder);

@@ -1,13 +1,11 @@
 #pragma once
 
-#include "base/picturelimits.h"
-
 #include <QSize>
 
+class QImageReader;
+
 namespace PictureLimits {
-/// Whether the picture counts as none.
-inline bool hasTooMany(const QSize& pixels)
-{
-    return qint64(pixels.width()) * pixels.height() > base::mostPixels;
-}
+/// The pixels of the picture that the reader is about to make; empty when there is none, it does not say, or
+/// it has too many and so counts as none.
+QSize readableSize(QImageReader& reader);
 } // namespace PictureLimits

@@ -23,7 +23,7 @@ QString existingFile(QString path)
 
 QImage bounded(QImageReader& reader)
 {
-    return PictureLimits::hasTooMany(reader.size()) ? QImage() : reader.read();
+    return PictureLimits::readableSize(reader).isEmpty() ? QImage() : reader.read();
 }
 } // namespace
 

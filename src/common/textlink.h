@@ -2,8 +2,9 @@
 
 #include "common/paintedbutton.h"
 
-/// A caption that is clicked like a link, underlined under the mouse. Where it does not fit in one line, its
-/// first word stands above the others, and what is too long even so ends in "...".
+/// A caption that is clicked like a link, underlined under the mouse. A double click is one click. Where it
+/// does not fit in one line, its first word stands above the others, and what is too long even so ends in
+/// "...".
 class TextLink : public PaintedButton
 {
     Q_OBJECT
@@ -14,6 +15,7 @@ public:
     QSize sizeHint() const override;
 
 protected:
+    void mouseDoubleClickEvent(QMouseEvent*) override {} // one wish, not two
     void paintEvent(QPaintEvent* event) override;
 
 private:

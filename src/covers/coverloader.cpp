@@ -9,13 +9,11 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QImageReader>
-#include <QtEndian>
 
 #include <memory>
 
 namespace {
 constexpr int remembered = 20000; // files whose picture size is known
-constexpr int gifHead = 10;
 
 /// A picture of a file, made for one edge in pixels.
 using PictureKey = QPair<FileState, int>;
@@ -74,27 +72,11 @@ QSize boundedSize(const QSize& size, int edge)
     return size.scaled(edge, edge, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
-/// Where the bytes begin a GIF, the size of the screen that its frames are put on: the reader tells another
-/// one where that is much larger than the first frame, and makes a picture of it nevertheless.
-QSize screenOfGif(const QByteArray& bytes)
-{
-    constexpr int sizePlace = 6;
-    if (!bytes.startsWith("GIF8") || bytes.size() < gifHead)
-        return {};
-    const char* const size = bytes.constData() + sizePlace;
-    return {qFromLittleEndian<quint16>(size), qFromLittleEndian<quint16>(size + sizeof(quint16))};
-}
-
-/// The size of what the reader is about to read; empty when that is nothing, too much, or of unknown size.
+/// The size of the picture, which its content tells the kind of; empty when there is none to read.
 QSize readableSize(QImageReader& reader)
 {
-    const QSize screen = screenOfGif(reader.device()->peek(gifHead));
     reader.setDecideFormatFromContent(true);
-    const QSize told = reader.size();
-    const QSize size = told.expandedTo(screen);
-    if (told.isEmpty() || PictureLimits::hasTooMany(size))
-        return {};
-    return size;
+    return PictureLimits::readableSize(reader);
 }
 
 QImage read(QImageReader& reader, const QSize& size, int edge)

@@ -16,14 +16,14 @@ void ChangeHistory::add(std::unique_ptr<Change> change)
     }
 }
 
-TakenBack ChangeHistory::takeBack()
+TakenBack ChangeHistory::takeBack(const Progress& progress)
 {
     if (m_changes.empty())
         return TakenBack();
     const std::unique_ptr<Change> newest = std::move(m_changes.back());
     m_changes.pop_back();
     m_pictureBytes -= newest->pictureBytes();
-    return newest->takeBack(*this);
+    return newest->takeBack(*this, progress);
 }
 
 void ChangeHistory::fileCameBack(const QString& path, const FileState& was, const FileState& is)

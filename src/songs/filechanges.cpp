@@ -32,7 +32,7 @@ public:
     {
     }
 
-    TakenBack takeBack(ChangeHistory& older) override
+    TakenBack takeBack(ChangeHistory& older, const Progress&) override
     {
         TakenBack result;
         result.kind = TakenBack::Kind::Edit;
@@ -59,20 +59,25 @@ public:
     }
 
 private:
-    /// The reason why not; else empty.
+    /// The reason why not, which the log has then, too; else empty.
     QString restore() const
     {
         const FileState now = FileState::of(m_before.path);
         if (!now.exists())
-            return QStringLiteral("the file is gone");
+            return logged(QStringLiteral("the file is gone"));
         if (!isUntouched(m_after, now))
-            return QStringLiteral("another program changed the file since");
+            return logged(QStringLiteral("another program changed the file since"));
         const Tag tag = openTag(m_before.path);
         if (tag && m_before.content.picture.size() > qint64(LargestPictureFor(tag.get())))
-            return QStringLiteral("its cover is larger than what can be written");
+            return logged(QStringLiteral("its cover is larger than what can be written"));
         if (tag && m_before.content.save(*tag) == 0)
             return QString();
         return FootLines::reasonOf(tag ? SaveProblemOf(tag.get()) : SAVE_OTHER_PROBLEM);
+    }
+    const QString& logged(const QString& reason) const
+    {
+        qWarning("%s: the edit is not taken back: %s", qUtf8Printable(m_before.path), qUtf8Printable(reason));
+        return reason;
     }
 
     const FileChanges::Before m_before;
@@ -85,14 +90,17 @@ class Deletion final : public Change
 public:
     Deletion(const RemovedFiles& files, const QVector<RemovedSong>& songs) : m_files(files), m_songs(songs) {}
 
-    TakenBack takeBack(ChangeHistory&) override
+    TakenBack takeBack(ChangeHistory&, const Progress& progress) override
     {
         TakenBack result;
         result.kind = TakenBack::Kind::Deletion;
         result.removed = m_songs;
         FileReturn back;
-        for (const RemovedFiles::Trashed& file : m_files.trashed) {
-            const QString reason = back.bringBack(file);
+        bool goesOn = true;
+        for (int i = 0; i < m_files.trashed.size(); ++i) {
+            const RemovedFiles::Trashed& file = m_files.trashed.at(i);
+            goesOn = goesOn && progress(i, m_files.trashed.size());
+            const QString reason = goesOn ? back.bringBack(file) : QStringLiteral("the program was ended");
             if (reason.isEmpty())
                 result.paths.append(file.path);
             else

@@ -56,40 +56,6 @@ QString told(const FootLines::SideEffect& effect)
     return its + QLatin1String(" changed from ") + before + QLatin1String(" to ") + after;
 }
 
-QString libraryReasonOf(iTunesEditProblem problem, SaveProblem media)
-{
-    switch (problem) {
-    case ITUNES_TRACK_GONE:
-        return QStringLiteral("the track is no longer in the library");
-    case ITUNES_TRACK_AMBIGUOUS:
-        return QStringLiteral("several tracks of the library have its identifier");
-    case ITUNES_TRACK_WITHOUT_FILE:
-        return QStringLiteral("the track has no file on this computer");
-    case ITUNES_PICTURE_UNREADABLE:
-        return QStringLiteral("the chosen picture cannot be read");
-    case ITUNES_MEDIA_NOT_SAVED:
-        return FootLines::reasonOf(media);
-    case ITUNES_LIBRARY_IN_USE:
-        return QStringLiteral("another program is changing the library");
-    case ITUNES_LIBRARY_BROKEN:
-        return QStringLiteral("the library file is broken");
-    case ITUNES_LIBRARY_READ_ONLY:
-        return QStringLiteral("the library file is read-only");
-    case ITUNES_LIBRARY_FOLDER_READ_ONLY:
-        return QStringLiteral("the folder of the library is read-only");
-    case ITUNES_LIBRARY_DISK_READ_ONLY:
-        return QStringLiteral("the disk of the library is read-only");
-    case ITUNES_LIBRARY_NO_PERMISSION:
-        return QStringLiteral("you have no permission to change the library");
-    case ITUNES_LIBRARY_DISK_FULL:
-        return QStringLiteral("the disk of the library is full");
-    case ITUNES_LIBRARY_GONE:
-        return QStringLiteral("the library file is gone");
-    default:
-        return QStringLiteral("the log tells why");
-    }
-}
-
 QString notSavedFor(const QString& title, const QString& reason)
 {
     return quoted(title) + QLatin1String(" could not be saved: ") + reason + QLatin1Char('.');
@@ -156,6 +122,44 @@ QString FootLines::reasonOf(SaveProblem problem)
     }
 }
 
+QString FootLines::reasonOf(iTunesEditProblem problem, SaveProblem media)
+{
+    switch (problem) {
+    case ITUNES_TRACK_GONE:
+        return QStringLiteral("the track is no longer in the library");
+    case ITUNES_TRACK_AMBIGUOUS:
+        return QStringLiteral("several tracks of the library have its identifier");
+    case ITUNES_TRACK_WITHOUT_FILE:
+        return QStringLiteral("the track has no file on this computer");
+    case ITUNES_PICTURE_UNREADABLE:
+        return QStringLiteral("the chosen picture cannot be read");
+    case ITUNES_MEDIA_NOT_SAVED:
+        return reasonOf(media);
+    case ITUNES_LIBRARY_IN_USE:
+        return QStringLiteral("another program is changing the library");
+    case ITUNES_LIBRARY_BROKEN:
+        return QStringLiteral("the library file is broken");
+    case ITUNES_LIBRARY_READ_ONLY:
+        return QStringLiteral("the library file is read-only");
+    case ITUNES_LIBRARY_FOLDER_READ_ONLY:
+        return QStringLiteral("the folder of the library is read-only");
+    case ITUNES_LIBRARY_DISK_READ_ONLY:
+        return QStringLiteral("the disk of the library is read-only");
+    case ITUNES_LIBRARY_NO_PERMISSION:
+        return QStringLiteral("you have no permission to change the library");
+    case ITUNES_LIBRARY_DISK_FULL:
+        return QStringLiteral("the disk of the library is full");
+    case ITUNES_LIBRARY_GONE:
+        return QStringLiteral("the library file is gone");
+    case ITUNES_CHANGED_SINCE:
+        return QStringLiteral("another program made changes since");
+    case ITUNES_NOT_KEPT:
+        return QStringLiteral("it is too long ago");
+    default:
+        return QStringLiteral("the log tells why");
+    }
+}
+
 QString FootLines::notSaved(const QString& title, SaveProblem problem)
 {
     return notSavedFor(title, reasonOf(problem));
@@ -163,7 +167,7 @@ QString FootLines::notSaved(const QString& title, SaveProblem problem)
 
 QString FootLines::notSaved(const QString& title, iTunesEditProblem problem, SaveProblem media)
 {
-    return notSavedFor(title, libraryReasonOf(problem, media));
+    return notSavedFor(title, reasonOf(problem, media));
 }
 
 QString FootLines::deleted(const Deletion& deletion)
@@ -196,8 +200,7 @@ QString FootLines::takenOut(const TakingOut& takingOut)
         sentences.append(CountText::of(quint64(takingOut.stayed), "track", "tracks") +
                          QLatin1String(" could not be taken out of the library") +
                          whoStayed(takingOut.firstThatStayed,
-                                   libraryReasonOf(takingOut.whyItStayed, SAVE_NO_PROBLEM),
-                                   takingOut.stayed));
+                                   reasonOf(takingOut.whyItStayed, SAVE_NO_PROBLEM), takingOut.stayed));
     return sentences.join(QLatin1Char(' '));
 }
 
@@ -209,6 +212,11 @@ QString FootLines::nameOfEdit(const QString& title)
 QString FootLines::nameOfDeletion(int songs)
 {
     return QLatin1String("the deletion of ") + CountText::of(quint64(songs), "song", "songs");
+}
+
+QString FootLines::nameOfTakingOut(int tracks)
+{
+    return QLatin1String("the deletion of ") + CountText::of(quint64(tracks), "track", "tracks");
 }
 
 QString FootLines::editTakenBack(const QString& title)
@@ -234,6 +242,18 @@ QString FootLines::broughtBack(const Return& back)
                          QLatin1String(" could not be brought back") +
                          whoStayed(back.firstThatStayed, back.whyItStayed, back.stayed));
     return sentences.join(QLatin1Char(' '));
+}
+
+QString FootLines::tracksBack(int tracks)
+{
+    return CountText::of(quint64(tracks), "track", "tracks") +
+           QLatin1String(tracks == 1 ? " is back in the library." : " are back in the library.");
+}
+
+QString FootLines::takingOutNotTakenBack(int tracks, const QString& reason)
+{
+    return QLatin1String("The deletion of ") + CountText::of(quint64(tracks), "track", "tracks") +
+           QLatin1String(" cannot be taken back: ") + reason + QLatin1Char('.');
 }
 
 QString FootLines::takenIn(const Intake& intake)

@@ -27,9 +27,11 @@ QString leftWithoutSaving(const QString& title);
 QString coverNotTaken(const QString& fileName, const QString& reason);
 /// In words, behind a colon.
 QString reasonOf(SaveProblem problem);
+/// The same of a track of the music library; `media` is the problem of its file, when it is that.
+QString reasonOf(iTunesEditProblem problem, SaveProblem media);
 /// Of a local song.
 QString notSaved(const QString& title, SaveProblem problem);
-/// Of a track of the music library; `media` is the problem of its file, when it is that.
+/// Of a track of the music library.
 QString notSaved(const QString& title, iTunesEditProblem problem, SaveProblem media);
 
 /// What a deletion did with the files of songs. Counts are of songs.
@@ -58,6 +60,7 @@ QString takenOut(const TakingOut& takingOut);
 /// What can be taken back: "the edit of ...", "the deletion of ...".
 QString nameOfEdit(const QString& title);
 QString nameOfDeletion(int songs);
+QString nameOfTakingOut(int tracks);
 QString editTakenBack(const QString& title);
 QString editNotTakenBack(const QString& title, const QString& reason);
 /// What taking a deletion back did with the files of songs.
@@ -69,6 +72,9 @@ struct Return
     QString whyItStayed;
 };
 QString broughtBack(const Return& back);
+/// Of tracks that were taken out of the music library: all are in it again, or none is.
+QString tracksBack(int tracks);
+QString takingOutNotTakenBack(int tracks, const QString& reason);
 
 /// What came of adding files.
 struct Intake

@@ -26,6 +26,7 @@ void RemovalTally::addTrack(const QMusicInfo& song, iTunesEditProblem problem)
 {
     if (problem == ITUNES_EDIT_DONE) {
         ++m_tracks.tracks;
+        m_removedTracks.append(SongFields::persistentId(&song));
         return;
     }
     if (m_tracks.stayed++ > 0)
@@ -42,6 +43,7 @@ void RemovalTally::add(const RemovalTally& other)
         m_tracks.whyItStayed = other.m_tracks.whyItStayed;
     }
     m_tracks.tracks += other.m_tracks.tracks;
+    m_removedTracks += other.m_removedTracks;
     m_tracks.stayed += other.m_tracks.stayed;
 }
 

@@ -16,6 +16,8 @@ public:
 
     /// What became of the files.
     const RemovedFiles& files() const { return m_files; }
+    /// The tracks that are out of the library, by persistent identifier.
+    const QVector<quint64>& tracks() const { return m_removedTracks; }
     /// Empty when there is nothing to tell.
     QString line() const;
     /// Whether anything stayed that should have gone.
@@ -24,4 +26,5 @@ public:
 private:
     RemovedFiles m_files;
     FootLines::TakingOut m_tracks;
+    QVector<quint64> m_removedTracks;
 };

@@ -13,6 +13,7 @@
 #include "songs/localsongreader.h"
 #include "songs/songfields.h"
 #include "songs/tagcontent.h"
+#include "songs/trackchanges.h"
 
 #include <QFile>
 
@@ -230,7 +231,12 @@ SongEditing::Outcome applyToTrack(QMusicInfo& song, const SongEdit& edit)
         return {false, false, SaveProblem(iTunesMediaProblem()), iTunesLastEditProblem(), {}};
     }
     song.truth.reset();
-    return {true, true, SAVE_NO_PROBLEM, ITUNES_EDIT_DONE, sideEffects(before, edit)};
+    return {true,
+            true,
+            SAVE_NO_PROBLEM,
+            ITUNES_EDIT_DONE,
+            sideEffects(before, edit),
+            TrackChanges::edit(before, &song)};
 }
 } // namespace
 

@@ -5,8 +5,10 @@
 #include "qmusicinfo.h"
 #include "songs/filechanges.h"
 #include "songs/footlines.h"
+#include "songs/removaltally.h"
 #include "songs/songediting.h"
 #include "songs/songfields.h"
+#include "songs/trackchanges.h"
 
 #include <QFileInfo>
 
@@ -36,26 +38,54 @@ void SongUndo::songsLeft(const QVector<RemovedSong>& songs)
         m_left.insert(removed.song);
 }
 
-void SongUndo::endDeletion(const RemovedFiles& files)
+void SongUndo::endDeletion(const RemovalTally& tally)
 {
-    m_history.add(FileChanges::deletion(files, std::exchange(m_leaving, {})));
+    const QVector<RemovedSong> songs = std::exchange(m_leaving, {});
+    m_history.add(FileChanges::deletion(tally.files(), songs));
+    m_history.add(TrackChanges::deletion(tally.tracks(), songs));
 }
 
-SongUndo::Undone SongUndo::undo(const SongLists& lists)
+void SongUndo::takeBack(const Progress& progress)
 {
-    const TakenBack taken = m_history.takeBack();
+    m_taken = TakenBack(); // or a fault on the way would take the last one for this one
+    m_taken = m_history.takeBack(progress);
+    if (m_taken.kind != TakenBack::Kind::Deletion)
+        return;
+    m_away = songsAway(m_taken);
+    openTags();
+}
+
+/// Each reads its file.
+void SongUndo::openTags()
+{
+    for (const RemovedSong& removed : qAsConst(m_taken.removed))
+        if (removed.tag && !m_away.contains(removed.song))
+            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
+}
+
+SongUndo::Undone SongUndo::finish(const SongLists& lists)
+{
+    const TakenBack taken = std::exchange(m_taken, TakenBack());
     switch (taken.kind) {
     case TakenBack::Kind::Edit:
-        return takenBackEdit(taken);
+        return finishEdit(taken);
     case TakenBack::Kind::Deletion:
-        return takenBackDeletion(taken, lists);
+        return finishDeletion(taken, lists);
+    case TakenBack::Kind::TakingOut:
+        return finishTakingOut(taken, lists);
     case TakenBack::Kind::Nothing:
         break;
     }
     return Undone();
 }
 
-SongUndo::Undone SongUndo::takenBackEdit(const TakenBack& taken) const
+SongUndo::Undone SongUndo::undo(const SongLists& lists)
+{
+    takeBack();
+    return finish(lists);
+}
+
+SongUndo::Undone SongUndo::finishEdit(const TakenBack& taken) const
 {
     Undone undone;
     if (taken.failed.isEmpty() && SongEditing::takeBack(*taken.song)) {
@@ -70,19 +100,10 @@ SongUndo::Undone SongUndo::takenBackEdit(const TakenBack& taken) const
     return undone;
 }
 
-SongUndo::Undone SongUndo::takenBackDeletion(const TakenBack& taken, const SongLists& lists)
+SongUndo::Undone SongUndo::finishDeletion(const TakenBack& taken, const SongLists& lists)
 {
     Undone undone;
-    const QSet<QMusicInfo*> away = songsAway(taken);
-    SongRemoval::putBack(lists, taken.removed, away);
-    for (const RemovedSong& removed : taken.removed) {
-        if (away.contains(removed.song))
-            continue;
-        if (removed.tag)
-            removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
-        m_left.remove(removed.song);
-        undone.returned.append(removed.song);
-    }
+    undone.returned = putBack(taken, lists, std::exchange(m_away, {}));
     FootLines::Return told;
     told.songs = taken.paths.size();
     told.stayed = taken.failed.size();
@@ -93,6 +114,33 @@ SongUndo::Undone SongUndo::takenBackDeletion(const TakenBack& taken, const SongL
     undone.line = FootLines::broughtBack(told);
     undone.failed = told.stayed > 0;
     return undone;
+}
+
+/// All tracks are in the library again, or none is.
+SongUndo::Undone SongUndo::finishTakingOut(const TakenBack& taken, const SongLists& lists)
+{
+    Undone undone;
+    undone.failed = !taken.whyNoTrack.isEmpty();
+    undone.line = undone.failed ? FootLines::takingOutNotTakenBack(taken.tracks, taken.whyNoTrack)
+                                : FootLines::tracksBack(taken.tracks);
+    if (!undone.failed)
+        undone.returned = putBack(taken, lists, {});
+    return undone;
+}
+
+/// The songs that are in the lists again: all but those that stay away.
+QList<QMusicInfo*> SongUndo::putBack(const TakenBack& taken, const SongLists& lists,
+                                     const QSet<QMusicInfo*>& away)
+{
+    QList<QMusicInfo*> returned;
+    SongRemoval::putBack(lists, taken.removed, away);
+    for (const RemovedSong& removed : taken.removed) {
+        if (away.contains(removed.song))
+            continue;
+        m_left.remove(removed.song);
+        returned.append(removed.song);
+    }
+    return returned;
 }
 
 void SongUndo::forget()

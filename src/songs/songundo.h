@@ -7,8 +7,10 @@
 #include <QString>
 #include <QVector>
 
-/// Takes back what was done to songs, in their files and in the lists: the changes that can be taken back,
-/// and the songs that left the lists. One thread at a time.
+class RemovalTally;
+
+/// Takes back what was done to songs, in their files, in the music library and in the lists: the changes that
+/// can be taken back, and the songs that left the lists. One thread at a time.
 class SongUndo
 {
 public:
@@ -24,7 +26,7 @@ public:
     /// Songs that left the lists in the deletion under way, in this order; they belong here from now on.
     void songsLeft(const QVector<RemovedSong>& songs);
     /// All of it was one deletion.
-    void endDeletion(const RemovedFiles& files);
+    void endDeletion(const RemovalTally& tally);
 
     struct Undone
     {
@@ -33,17 +35,26 @@ public:
         QMusicInfo* edited = nullptr; ///< that is as it was before an edit
         QList<QMusicInfo*> returned;  ///< that are in the lists again
     };
-    /// Takes the newest change back. Undefined songs and groups are then to be found anew. GUI thread; waits
-    /// for the disk.
+    /// Takes the newest change back in the files or the music library alone; finish() is next. Waits for the
+    /// disk. Any thread.
+    void takeBack(const Progress& progress = goOn);
+    /// The same in songs and lists; undefined songs and groups are then to be found anew. GUI thread.
+    Undone finish(const SongLists& lists);
+    /// Both. GUI thread.
     Undone undo(const SongLists& lists);
     /// All changes, and frees the songs that left: no view or panel may show one.
     void forget();
 
 private:
-    Undone takenBackEdit(const TakenBack& taken) const;
-    Undone takenBackDeletion(const TakenBack& taken, const SongLists& lists);
+    void openTags();
+    Undone finishEdit(const TakenBack& taken) const;
+    Undone finishDeletion(const TakenBack& taken, const SongLists& lists);
+    Undone finishTakingOut(const TakenBack& taken, const SongLists& lists);
+    QList<QMusicInfo*> putBack(const TakenBack& taken, const SongLists& lists, const QSet<QMusicInfo*>& away);
 
     ChangeHistory m_history;
+    TakenBack m_taken;              ///< between takeBack() and finish()
+    QSet<QMusicInfo*> m_away;       ///< whose files did not come back then
     QVector<RemovedSong> m_leaving; ///< in the deletion under way
     QSet<QMusicInfo*> m_left;       ///< owned
 };

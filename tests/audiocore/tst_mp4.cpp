@@ -26,7 +26,7 @@ bool ffmpeg(const QStringList& arguments, QByteArray* output = nullptr)
     QProcess process;
     process.start(QStringLiteral("ffmpeg"),
                   QStringList{QStringLiteral("-v"), QStringLiteral("error")} + arguments);
-    const bool done = process.waitForFinished(60000) && process.exitCode() == 0;
+    const bool done = process.waitForFinished(patience) && process.exitCode() == 0;
     if (output)
         *output = process.readAllStandardOutput();
     return done;

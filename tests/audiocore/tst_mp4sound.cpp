@@ -2,17 +2,14 @@
 #include "fixtures.h"
 #include "mp4fixture.h"
 #include "mp4judges.h"
+#include "playedandtold.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
 
-namespace {
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+using Playing::contentOf;
 
+namespace {
 /// The bits that are written as zeros and ones, with zeros up to so many bytes.
 QByteArray bytesOf(const QByteArray& written, int size)
 {
@@ -95,6 +92,8 @@ private slots:
     void isToldAsByOthers();
     void aSecondBandDoublesTheRate_data();
     void aSecondBandDoublesTheRate();
+    void everyKindIsPlayedAndTold_data();
+    void everyKindIsPlayedAndTold();
     void theFirstTrackOfSoundCounts_data();
     void theFirstTrackOfSoundCounts();
     void lengthsThatNobodySaysAreCounted_data();
@@ -103,6 +102,7 @@ private slots:
 private:
     QString file(const QByteArray& content) const;
     QString made(const QString& name, const QStringList& arguments) const;
+    QString ofTwoBands() const;
     void addMade(const char* name, const char* options) const;
 
     QTemporaryDir m_folder;
@@ -112,9 +112,7 @@ private:
 QString TestMp4Sound::file(const QByteArray& content) const
 {
     const QString path = m_folder.filePath(QStringLiteral("%1.m4a").arg(++m_files));
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qUtf8Printable(path));
+    Playing::setContent(path, content);
     return path;
 }
 
@@ -126,6 +124,15 @@ QString TestMp4Sound::made(const QString& name, const QStringList& arguments) co
     if (!ffmpeg.waitForFinished(patience) || ffmpeg.exitCode() != 0)
         qFatal("%s: %s", qUtf8Printable(name), ffmpeg.readAllStandardError().constData());
     return path;
+}
+
+/// A song that doubles its rate by a second band and says so nowhere in front.
+QString TestMp4Sound::ofTwoBands() const
+{
+    const QString stream = made("plain.aac", {"-i", Fixtures::tone("mp4half"), "-c", "copy"});
+    const QString changed = m_folder.filePath("second.aac");
+    Playing::setContent(changed, withSecondBands(contentOf(stream)));
+    return made("unsaid.m4a", {"-i", changed, "-c", "copy"});
 }
 
 void TestMp4Sound::addMade(const char* name, const char* options) const
@@ -193,12 +200,7 @@ void TestMp4Sound::aSecondBandDoublesTheRate_data()
     add("unsaid, and not there", simple, 22050);
     QTest::newRow("unsaid, and not there, whatever the description says")
         << file(described(configured(plain, simple), 44100)) << 22050;
-    const QString stream = made("plain.aac", {"-i", Fixtures::tone("mp4half"), "-c", "copy"});
-    QFile changed(m_folder.filePath("second.aac"));
-    QVERIFY(changed.open(QIODevice::WriteOnly));
-    changed.write(withSecondBands(contentOf(stream)));
-    changed.close();
-    const QString unsaid = made("unsaid.m4a", {"-i", changed.fileName(), "-c", "copy"});
+    const QString unsaid = ofTwoBands();
     QTest::newRow("unsaid") << unsaid << 44100;
     QTest::newRow("unsaid even by the description") << file(described(contentOf(unsaid), 22050)) << 44100;
 }
@@ -209,6 +211,22 @@ void TestMp4Sound::aSecondBandDoublesTheRate()
     QFETCH(int, rate);
     QCOMPARE(AudioFile::properties(path).sampleRate, rate);
     QCOMPARE(Mp4Judges::ffmpeg(path).rate, rate);
+}
+
+void TestMp4Sound::everyKindIsPlayedAndTold_data()
+{
+    QTest::addColumn<QString>("path");
+    for (const QString& kind : Fixtures::mp4Kinds() + QStringList{"mp4half", "mp4fragments"})
+        QTest::newRow(qPrintable(kind)) << Fixtures::tone(kind);
+    QTest::newRow("two bands") << ofTwoBands();
+    QTest::newRow("two bands, as the head says")
+        << file(configured(contentOf(Fixtures::tone("mp4half")), "00101 0111 0010 0100 00010 000"));
+}
+
+void TestMp4Sound::everyKindIsPlayedAndTold()
+{
+    QFETCH(QString, path);
+    playedAndTold(path);
 }
 
 void TestMp4Sound::theFirstTrackOfSoundCounts_data()

@@ -49,7 +49,7 @@ QByteArray ran(const QStringList& arguments)
 {
     QProcess ffmpeg;
     ffmpeg.start("ffmpeg", QStringList{"-v", "error", "-y"} + arguments);
-    if (!ffmpeg.waitForFinished(60000))
+    if (!ffmpeg.waitForFinished(patience))
         qFatal("ffmpeg does not end");
     return ffmpeg.readAllStandardOutput();
 }

@@ -64,8 +64,8 @@ void TestPlayerShortage::howeverFewThreadsThereAreTheProgramGoesOn()
         player->Play();
         player->Seek(500);
         const auto failed = [&player] { return player->GetState() == PLAYER_STATE_EMPTY; };
-        QVERIFY(
-            QTest::qWaitFor([&player, &failed] { return failed() || player->GetPosition() > 500; }, 60000));
+        QVERIFY(QTest::qWaitFor([&player, &failed] { return failed() || player->GetPosition() > 500; },
+                                patience));
         refused = Shortage::OfThreads::refused();
         QCOMPARE(failed(), refused > 0);
         QCOMPARE(AudioFile::takeLog().size(), refused > 0 ? 1 : 0);
@@ -84,8 +84,8 @@ void TestPlayerShortage::whicheverMemoryIsRefusedTheProgramGoesOn()
         const Player player = opened(Fixtures::tone("mp3"));
         player->Play();
         const auto failed = [&player] { return player->GetState() == PLAYER_STATE_EMPTY; };
-        QVERIFY(
-            QTest::qWaitFor([&player, &failed] { return failed() || player->GetPosition() > 100; }, 60000));
+        QVERIFY(QTest::qWaitFor([&player, &failed] { return failed() || player->GetPosition() > 100; },
+                                patience));
         refused = Shortage::OfMemory::refused();
         if (failed())
             QCOMPARE(AudioFile::takeLog().size(), 1);

@@ -66,6 +66,7 @@ private slots:
     void ofSeveralTitlesTheFirstIsReadAndAllStay_data();
     void ofSeveralTitlesTheFirstIsReadAndAllStay();
     void theYearIsFourDigitsOfWhateverDate();
+    void aYearMayStandUnderItsOwnName();
     void aShortYearStandsAlone_data();
     void aShortYearStandsAlone();
     void theTrackIsTheNumberBeforeTheSlash();
@@ -169,6 +170,18 @@ void TestTag::theYearIsFourDigitsOfWhateverDate()
         QVERIFY(file.save());
         QCOMPARE(AudioFile::read(path).texts.value(TAG_YEAR), QStringLiteral("2012"));
     }
+}
+
+void TestTag::aYearMayStandUnderItsOwnName()
+{
+    const QString path = Fixtures::copyTone(QStringLiteral("flac"), m_folder.path());
+    TagLib::FLAC::File file(native(path).c_str());
+    file.xiphComment(true)->addField("YEAR", "1987", true);
+    QVERIFY(file.save());
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_YEAR), QStringLiteral("1987"));
+    file.xiphComment(true)->addField("DATE", "2012", true);
+    QVERIFY(file.save());
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_YEAR), QStringLiteral("2012"));
 }
 
 void TestTag::aShortYearStandsAlone_data()

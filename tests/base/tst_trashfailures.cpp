@@ -224,9 +224,11 @@ void TestTrashFailures::aShortageIsNoReasonToDelete()
 {
     TrashedFile taken;
     const std::string path = write("a.mp3", "music");
-    whenOpeningFolder = [] { return EMFILE; };
-    QCOMPARE(take(path, taken), Trash::Taking::Failed);
-    nothingHappened();
+    for (const int shortage : {EMFILE, ENFILE, ENOMEM, EIO, EINTR}) {
+        whenOpeningFolder = [shortage] { return shortage; };
+        QCOMPARE(take(path, taken), Trash::Taking::Failed);
+        nothingHappened();
+    }
     whenOpeningFolder = nullptr;
     whenOpening = [] { return EMFILE; };
     QCOMPARE(take(path, taken), Trash::Taking::Failed);

@@ -105,6 +105,9 @@ void TestClassification::groupsTheExamples_data()
         << Groups{{0, 3, 5}, {1, 2, 4}};
     QTest::newRow("all 64 bits of a duration count")
         << QStringList{"A", "A"} << Durations{7, 7 + (quint64(1) << 32)} << Groups();
+    // Their lowest bits are what a hash has of them, and where they are looked for.
+    QTest::newRow("durations that a table finds at one place")
+        << QStringList{"A", "A"} << Durations{7, 7 + (quint64(1) << 36)} << Groups();
 }
 
 void TestClassification::groupsTheExamples()

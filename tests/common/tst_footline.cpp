@@ -85,7 +85,7 @@ void TestFootLine::init()
     m_line->setPalette(palette);
     m_line->resize(500, 26);
     m_line->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_line.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(m_line.get(), patience));
     m_clicked.clear();
 }
 
@@ -155,7 +155,7 @@ void TestFootLine::aLinkActsByKeys()
 {
     m_line->tell(withLinks("Left.", {"Edit again"}, &m_clicked));
     m_line->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_line.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_line.get(), patience));
     QTest::mouseClick(links().first(), Qt::LeftButton);
     QVERIFY(!links().first()->hasFocus());
     QTest::keyClick(m_line.get(), Qt::Key_Tab);

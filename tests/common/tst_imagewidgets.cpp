@@ -1,7 +1,11 @@
 #include "common/qimagebutton.h"
 #include "common/qimagedialog.h"
 #include "common/qimagewidget.h"
+#include "common/skinpicture.h"
+#include "fixtures.h"
 
+#include <QFile>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -40,6 +44,7 @@ private slots:
     void aDialogTakesTheSizeOfItsFace();
     void aDialogMovesByItsTitleBandOnlyWhenEnabled();
     void aWidgetShowsItsPictureScaled();
+    void aPictureBeyondTheLimitIsNone();
     void aWidgetReportsEveryPress();
     void aGrabbedWidgetFollowsThePointer();
     void theApplicationPathIsKnownOnceAWidgetWasMade();
@@ -285,6 +290,20 @@ void TestImageWidgets::aWidgetShowsItsPictureScaled()
     const QImage shown = sized.grab().toImage();
     QCOMPARE(shown.pixel(3, 15), cellColours[0]);
     QCOMPARE(shown.pixel(47, 15), cellColours[3]);
+}
+
+void TestImageWidgets::aPictureBeyondTheLimitIsNone()
+{
+    const auto size = [this](const QSize& screen) {
+        QFile file(path("screen.gif"));
+        file.open(QIODevice::WriteOnly);
+        file.write(Fixtures::gif(screen));
+        file.close();
+        return SkinPicture(file.fileName()).size();
+    };
+    QCOMPARE(size({3000, 300}), QSize(3000, 300));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("screen.gif does not load")));
+    QVERIFY(size({16000, 16000}).isEmpty());
 }
 
 void TestImageWidgets::aWidgetReportsEveryPress()

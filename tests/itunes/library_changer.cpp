@@ -2,8 +2,10 @@
 //     library_changer LIBRARY SEED
 // Says each answered change in a line: "D identifier", or "E identifier name". Two edits of three put a
 // picture into the song as well: cover0.jpg or cover1.jpg beside the library, by the number that ends the
-// name. A change that is refused is left out, for another copy may be at work.
+// name. Some edits are taken back, which counts as an edit to the name before. A change that is refused is
+// left out, for another copy may be at work.
 #include "audiocore/log.h"
+#include "itunes/takeback.h"
 #include "librarycalls.h"
 
 #include <QFileInfo>
@@ -25,8 +27,11 @@ int main(int argc, char* argv[])
     std::mt19937 random(unsigned(std::stoul(argv[2])));
     std::vector<QByteArray> ids;
     ids.reserve(std::size_t(reading.count));
-    for (int i = 0; i < reading.count; ++i)
+    QHash<QByteArray, QByteArray> names;
+    for (int i = 0; i < reading.count; ++i) {
         ids.emplace_back(reading.records[i].persistentId);
+        names.insert(ids.back(), reading.records[i].name);
+    }
     for (unsigned n = 0; ids.size() > 4; ++n) {
         // The first songs have media files; they are edited, the others deleted.
         const bool edits = random() % 4 == 0;
@@ -41,10 +46,15 @@ int main(int argc, char* argv[])
             closeITunesLibrary();
             continue;
         }
-        if (edits)
+        if (edits) {
             std::printf("E %s %s\n", ids[at].constData(), edit.name.constData());
-        else
+            if (random() % 3 == 0 && takeBackEdit(id) != 0)
+                std::printf("E %s %s\n", ids[at].constData(), names.value(ids[at]).constData());
+            else
+                names.insert(ids[at], edit.name);
+        } else {
             std::printf("D %s\n", ids[at].constData());
+        }
         if (!edits)
             ids.erase(ids.begin() + std::ptrdiff_t(at));
         // Sometimes the changes pause, and the library is written.

@@ -1,3 +1,4 @@
+#include "itunes/takeback.h"
 #include "songlibrary.h"
 
 #include <QFileInfo>
@@ -27,6 +28,8 @@ private slots:
     void aJournalThatIsLeftIsApplied();
     void aTornLineIsNoChange();
     void aTornLineIsForgottenByTheNextChange();
+    void aTornReturnBringsNothingBack();
+    void earlierJournalsCount();
     void aDamagedLineIsToldAndKept();
     void aJournalThatCannotBeReadWaits();
     void anEditThatFailedIsNoDamage();
@@ -130,6 +133,41 @@ void TestLibraryJournal::aTornLineIsForgottenByTheNextChange()
     QCOMPARE(m_songs->countWith(next), 5);
     closeITunesLibrary();
     QVERIFY(AudioFile::takeLog().isEmpty());
+}
+
+void TestLibraryJournal::aTornReturnBringsNothingBack()
+{
+    const std::vector<uint64_t> ids = {SongLibrary::id(1), SongLibrary::id(2), SongLibrary::id(4)};
+    const QByteArray whole = m_songs->leftBy([&] {
+        for (const uint64_t id : ids)
+            QCOMPARE(int(deleteMusic(id)), 1);
+        QCOMPARE(int(takeBackDeletions(ids.data(), ids.size())), 1);
+    });
+    const int begin = whole.lastIndexOf('+');
+    QVERIFY(whole.mid(begin).startsWith("+return\t"));
+    for (int size = begin; size <= whole.size(); ++size) {
+        QCOMPARE(m_songs->countWith(whole.left(size)), size < whole.trimmed().size() ? 3 : 6);
+        closeITunesLibrary();
+    }
+    QVERIFY(m_songs->keptJournals().isEmpty());
+}
+
+void TestLibraryJournal::earlierJournalsCount()
+{
+    const QByteArray left = m_songs->leftBy([this] { deleteMusic(m_songs->id(1)); });
+    for (const char version : {'1', '2'}) {
+        QByteArray earlier = left;
+        earlier[int(qstrlen("melodrift journal "))] = version;
+        QCOMPARE(m_songs->countWith(earlier), 5);
+        closeITunesLibrary();
+        QVERIFY(!QFile::exists(m_songs->journal()));
+    }
+    QByteArray later = left;
+    later[int(qstrlen("melodrift journal "))] = '4';
+    QCOMPARE(m_songs->countWith(later), 6);
+    closeITunesLibrary();
+    QCOMPARE(contentOf(m_songs->journal()), later);
+    AudioFile::takeLog();
 }
 
 /// Whoever takes what a failing disk gives for the whole journal loses the changes in it.

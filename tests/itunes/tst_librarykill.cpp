@@ -47,6 +47,8 @@ class TestLibraryKill : public QObject
 private slots:
     void aKillLosesNoAnsweredChangeAndNoLibrary();
     void programsThatBeginAtOnceLoseNoAnsweredChange();
+    void deletionsThatAreTakenBackAreBackOrNot_data();
+    void deletionsThatAreTakenBackAreBackOrNot();
 
 private:
     void makeFresh();
@@ -289,6 +291,65 @@ void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
         QCOMPARE(LibraryCalls::read(songs.path()).count, programs - gone.size());
     }
     QVERIFY2(answered >= rounds, qPrintable(QString::number(answered)));
+}
+
+void TestLibraryKill::deletionsThatAreTakenBackAreBackOrNot_data()
+{
+    QTest::addColumn<int>("written");
+    QTest::newRow("from the file") << 300;
+    QTest::newRow("from the journal") << 0;
+    QTest::newRow("from both") << 200;
+}
+
+/// The library is the old one or the new one, whole; what was answered is the new one.
+void TestLibraryKill::deletionsThatAreTakenBackAreBackOrNot()
+{
+    QFETCH(int, written);
+    constexpr int kills = sanitized ? 10 : 40;
+    constexpr int songs = 2000;
+    constexpr int gone = 300;
+    SongLibrary library;
+    library.makeSongs(songs);
+    const QByteArray whole = library.content();
+    QByteArrayList ids;
+    for (int i = 0; i < songs; i += songs / gone)
+        if (ids.size() < gone)
+            ids.append(Fixtures::itunesIdentifier(SongLibrary::id(i)));
+    for (const QByteArray& id : qAsConst(ids))
+        QCOMPARE(int(deleteMusic(id.toULongLong(nullptr, 16))), 1);
+    closeITunesLibrary();
+    const QByteArray without = library.content();
+
+    int back = 0;
+    int answered = 0;
+    for (int i = 0; i < kills; ++i) {
+        Fixtures::writeLibrary(library.path(), whole);
+        QProcess restorer;
+        restorer.start(QCoreApplication::applicationDirPath() + "/library_restorer",
+                       {library.path(), ids.join(','), QString::number(written)});
+        QVERIFY(restorer.waitForReadyRead(patience));
+        ::usleep(useconds_t(m_random.bounded(written > 0 ? 60000 : 3000)));
+        restorer.kill();
+        restorer.waitForFinished(patience);
+        const QByteArray output = restorer.readAllStandardOutput();
+        QVERIFY2(output.startsWith("deleted\n"), output.constData());
+        const bool isAnswered = output.endsWith("back\n");
+        const int count = LibraryCalls::read(library.path()).count;
+        closeITunesLibrary();
+        QVERIFY2(count == songs || (count == songs - gone && !isAnswered),
+                 qPrintable(QString::number(count)));
+        QVERIFY(library.content() == (count == songs ? whole : without));
+        QVERIFY(!QFile::exists(library.journal()));
+        QVERIFY(library.keptJournals().isEmpty());
+        back += count == songs;
+        answered += isAnswered;
+    }
+    qInfo("%d of %d kills left the tracks in the library, %d of them after the answer", back, kills,
+          answered);
+    LibraryCalls::read(library.path());
+    QCOMPARE(int(deleteMusic(SongLibrary::id(1))), 1);
+    closeITunesLibrary();
+    QVERIFY2(library.temporaries().isEmpty(), qPrintable(library.temporaries().join(' ')));
 }
 
 QTEST_GUILESS_MAIN(TestLibraryKill)

@@ -29,6 +29,7 @@ private slots:
     void aTrackWithoutAFileIsNamed();
     void theMediaFilesReasonIsHandedOn();
     void aPictureThatCannotBeReadIsNamed();
+    void aPictureThatIsTooLargeKeepsTheTexts();
     void whatIsReadOnlyIsNamed();
     void aReadOnlyDiskIsNamed();
     void whoMayNotWriteHearsSo();
@@ -132,6 +133,29 @@ void TestLibraryProblems::aPictureThatCannotBeReadIsNamed()
     QVERIFY(QFile::resize(edit.cover, tooLarge));
     QVERIFY(LibraryCalls::edit(m_songs->id(0), edit) != 0);
     QCOMPARE(iTunesLastEditProblem(), ITUNES_PICTURE_UNREADABLE);
+}
+
+/// An edit is made whole or not at all.
+void TestLibraryProblems::aPictureThatIsTooLargeKeepsTheTexts()
+{
+    constexpr int tooLarge = 33 * 1024 * 1024;
+    const QByteArray library = m_songs->content();
+    const QByteArray media = LibraryCalls::contentOf(m_songs->media(0));
+    Edit edit;
+    edit.cover = Fixtures::writeLibrary(m_songs->inFolder("cover.jpg"),
+                                        Fixtures::jpeg(40, 40, 1).append(tooLarge, 'x'));
+    AudioFile::takeLog();
+    QVERIFY(LibraryCalls::edit(m_songs->id(0), edit) != 0);
+    QCOMPARE(iTunesLastEditProblem(), ITUNES_MEDIA_NOT_SAVED);
+    QCOMPARE(iTunesMediaProblem(), int(SAVE_PICTURE_TOO_LARGE));
+    const QStringList log = AudioFile::takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY2(log.first().contains("song0.mp3") && log.first().contains("at the most"),
+             qPrintable(log.first()));
+    QCOMPARE(LibraryCalls::contentOf(m_songs->media(0)), media);
+    closeITunesLibrary();
+    QCOMPARE(m_songs->content(), library);
+    QVERIFY(!QFile::exists(m_songs->journal()));
 }
 
 void TestLibraryProblems::whatIsReadOnlyIsNamed()

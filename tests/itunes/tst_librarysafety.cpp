@@ -23,8 +23,10 @@ private slots:
     void changesShowBeforeTheyAreWritten();
     void theFileIsWrittenWhenTheChangesPause();
     void oneBackupHoldsTheFileAsItWas();
+    void whatIsNoLibraryIsNoOlderBackup();
     void theBackupTakesThePlaceOfLinksAndPipes();
     void aFolderAtTheBackupsNameFailsTheChange();
+    void aChangeThatFailsLeavesTheOthersWaiting();
     void anotherProgramsVersionIsTheBase();
     void aBrokenFileIsLeftAloneAndTheChangesWait();
     void aBrokenFileIsNoBackup_data();
@@ -33,6 +35,7 @@ private slots:
     void aReadOnlyLibraryFailsEveryChange();
     void aFullDiskFailsTheChange();
     void aFailingReadIsNotTheEndOfTheLibrary();
+    void whatWeWroteIsNotReadAgain();
     void aLinkToTheLibraryStaysALink();
     void manyDeletionsWriteTheFileAFewTimes();
     void callsFromManyThreadsAllArrive();
@@ -98,6 +101,17 @@ void TestLibrarySafety::oneBackupHoldsTheFileAsItWas()
     QCOMPARE(QDir(m_songs->folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
+void TestLibrarySafety::whatIsNoLibraryIsNoOlderBackup()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    Fixtures::writeLibrary(m_songs->backup(), "someone's notes");
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    QCOMPARE(m_songs->originals().size(), 1);
+    QCOMPARE(contentOf(m_songs->originals().first()), before);
+    QCOMPARE(contentOf(m_songs->backup()), QByteArray("someone's notes"));
+}
+
 void TestLibrarySafety::theBackupTakesThePlaceOfLinksAndPipes()
 {
     const QString precious = Fixtures::writeLibrary(m_songs->inFolder("precious"), "precious");
@@ -135,6 +149,22 @@ void TestLibrarySafety::aFolderAtTheBackupsNameFailsTheChange()
     QVERIFY(QDir(m_songs->backup()).exists());
     QVERIFY(!QFile::exists(m_songs->journal()));
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 3);
+}
+
+void TestLibrarySafety::aChangeThatFailsLeavesTheOthersWaiting()
+{
+    const QByteArray left = m_songs->leftBy([this] { QCOMPARE(int(deleteMusic(m_songs->id(0))), 1); });
+    // Another program's version wants a backup of its own, and there is no room for it.
+    Fixtures::writeLibrary(m_songs->path(), m_songs->before + "\n");
+    Fixtures::writeLibrary(m_songs->journal(), left);
+    QVERIFY(QDir().mkpath(m_songs->backup() + "/full"));
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 0);
+    QVERIFY(QFile::exists(m_songs->journal()) ||
+            !m_songs->content().contains(Fixtures::itunesIdentifier(m_songs->id(0))));
+    QVERIFY(QDir(m_songs->backup()).removeRecursively());
+    closeITunesLibrary();
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 5);
+    AudioFile::takeLog();
 }
 
 void TestLibrarySafety::anotherProgramsVersionIsTheBase()
@@ -299,6 +329,29 @@ void TestLibrarySafety::aFailingReadIsNotTheEndOfTheLibrary()
     QCOMPARE(LibraryCalls::read(m_songs->path()).count, 2);
     closeITunesLibrary();
     QVERIFY(m_songs->content().endsWith("</plist>\n" + behind));
+}
+
+/// Taking its name is a change of a file, too; nobody else made it.
+void TestLibrarySafety::whatWeWroteIsNotReadAgain()
+{
+    m_songs->makeSongs(3, 1);
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), Edit()), 0);
+    QTRY_VERIFY(!QFile::exists(m_songs->journal()));
+    const Interposed::Guard guard;
+    const ino_t library = fileNumber(m_songs->path());
+    const std::thread::id self = std::this_thread::get_id();
+    int reads = 0;
+    Interposed::readFails = [&](int fd, off_t) {
+        struct stat read = {};
+        if (std::this_thread::get_id() == self && ::fstat(fd, &read) == 0 && read.st_ino == library)
+            ++reads;
+        return false;
+    };
+    Edit other;
+    other.name = "Another name";
+    QCOMPARE(LibraryCalls::edit(m_songs->id(0), other), 0);
+    QCOMPARE(reads, 0);
+    closeITunesLibrary();
 }
 
 void TestLibrarySafety::aLinkToTheLibraryStaysALink()

@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <QtTest>
 
+#include <functional>
 #include <memory>
 
 using LibraryCalls::contentOf;
@@ -26,12 +27,15 @@ private slots:
     void theOriginalIsKeptForGood();
     void theLastThreeVersionsAreKept();
     void theOldestBackupThereIsTheOriginal();
+    void aBackupThatCannotBeReadIsNotPassedOver();
+    void aCopyThatCannotBeReadIsNotBroken();
     void twoCopiesKeepOneOriginal();
 
 private:
     Edit asRead(int song) const;
     void otherProgramWrites() const { Fixtures::writeLibrary(m_songs->path(), m_songs->document()); }
     QByteArray changeAndClose(int song);
+    QByteArray leaveOlderBackup();
 
     std::unique_ptr<SongLibrary> m_songs;
 };
@@ -46,6 +50,12 @@ void TestLibrarySharing::cleanup()
     closeITunesLibrary();
     QVERIFY2(m_songs->temporaries().isEmpty(), qPrintable(m_songs->temporaries().join(' ')));
     m_songs.reset();
+}
+
+/// Whether the file that is open has such a path.
+static bool isOpen(int fd, const std::function<bool(const QString& path)>& wanted)
+{
+    return wanted(QFile::symLinkTarget(QString("/proc/self/fd/%1").arg(fd)));
 }
 
 /// What a caller sends that changes nothing.
@@ -151,7 +161,7 @@ void TestLibrarySharing::withoutAnotherWriterNothingIsReadAgain()
     const auto bytesRead = [] { return contentOf("/proc/self/io").split('\n').value(0).mid(7).toLongLong(); };
     m_songs->makeSongs(5000, 2);
     QCOMPARE(LibraryCalls::edit(m_songs->id(0), Edit()), 0);
-    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(m_songs->journal()), 10000);
+    QTRY_VERIFY(!QFile::exists(m_songs->journal()));
     const qint64 before = bytesRead();
     QCOMPARE(LibraryCalls::edit(m_songs->id(1), Edit()), 0);
     const qint64 read = bytesRead() - before;
@@ -199,18 +209,70 @@ void TestLibrarySharing::theLastThreeVersionsAreKept()
     QCOMPARE(contentOf(m_songs->backup() + "-3"), found.at(3));
 }
 
-void TestLibrarySharing::theOldestBackupThereIsTheOriginal()
+/// Beside a library without an original, as earlier versions left it; what it holds.
+QByteArray TestLibrarySharing::leaveOlderBackup()
 {
     m_songs->makeSongs(5);
     const QByteArray first = m_songs->content();
     m_songs->tracks.removeLast();
     otherProgramWrites();
+    Fixtures::writeLibrary(m_songs->backup(), first);
+    return first;
+}
+
+void TestLibrarySharing::theOldestBackupThereIsTheOriginal()
+{
+    const QByteArray first = leaveOlderBackup();
     const QByteArray second = m_songs->content();
-    Fixtures::writeLibrary(m_songs->backup(), first); // as earlier versions left it
     QCOMPARE(changeAndClose(0), second);
     QCOMPARE(m_songs->originals().size(), 1);
     QCOMPARE(contentOf(m_songs->originals().first()), first);
     QCOMPARE(contentOf(m_songs->backup()), second);
+}
+
+/// It may be the only copy of how all began.
+void TestLibrarySharing::aBackupThatCannotBeReadIsNotPassedOver()
+{
+    const QByteArray first = leaveOlderBackup();
+    const QByteArray second = m_songs->content();
+    {
+        const Interposed::Guard guard;
+        Interposed::copiesInKernel = [](size_t) { return ssize_t(-1); };
+        Interposed::readFails = [this](int fd, off_t) {
+            return isOpen(fd, [this](const QString& path) { return path == m_songs->backup(); });
+        };
+        AudioFile::takeLog();
+        QVERIFY(changeAndClose(0).isEmpty());
+        const QStringList log = AudioFile::takeLog();
+        QCOMPARE(log.size(), 1);
+        QVERIFY2(log.first().contains("its former backup cannot be kept"), qPrintable(log.first()));
+    }
+    QVERIFY(m_songs->originals().isEmpty());
+    QCOMPARE(contentOf(m_songs->backup()), first);
+    QCOMPARE(m_songs->content(), second);
+    QCOMPARE(changeAndClose(0), second);
+    QCOMPARE(contentOf(m_songs->originals().value(0)), first);
+}
+
+/// The library that it was made of may be whole, and the next look finds it so.
+void TestLibrarySharing::aCopyThatCannotBeReadIsNotBroken()
+{
+    m_songs->makeSongs(5);
+    otherProgramWrites(); // no longer as it was read
+    const QByteArray before = m_songs->content();
+    {
+        const Interposed::Guard guard;
+        Interposed::readFails = [](int fd, off_t) {
+            return isOpen(fd, [](const QString& path) { return path.contains("/.melodrift"); });
+        };
+        QCOMPARE(int(deleteMusic(m_songs->id(0))), 0);
+    }
+    QVERIFY(!QFile::exists(m_songs->journal()));
+    QCOMPARE(m_songs->content(), before);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    closeITunesLibrary();
+    QCOMPARE(LibraryCalls::read(m_songs->path()).count, 4);
+    QCOMPARE(contentOf(m_songs->originals().value(0)), before);
 }
 
 void TestLibrarySharing::twoCopiesKeepOneOriginal()
@@ -222,11 +284,11 @@ void TestLibrarySharing::twoCopiesKeepOneOriginal()
     const QString gate = Fixtures::writeLibrary(m_songs->inFolder("gate"), "");
     other.start(QCoreApplication::applicationDirPath() + "/library_starter",
                 {m_songs->path(), gate, Fixtures::itunesIdentifier(m_songs->id(1))});
-    QVERIFY(other.waitForStarted());
+    QVERIFY(other.waitForStarted(patience));
     closeITunesLibrary();
-    QVERIFY(other.waitForReadyRead(30000));
+    QVERIFY(other.waitForReadyRead(patience));
     other.closeWriteChannel();
-    QVERIFY(other.waitForFinished());
+    QVERIFY(other.waitForFinished(patience));
     QVERIFY(!changeAndClose(2).isEmpty());
     QCOMPARE(m_songs->originals().size(), 1);
     QCOMPARE(contentOf(m_songs->originals().first()), first);

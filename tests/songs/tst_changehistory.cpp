@@ -1,6 +1,7 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
+#include "loggedlines.h"
 #include "owntrash.h"
 #include "songfixtures.h"
 #include "songs/changehistory.h"
@@ -178,7 +179,9 @@ void TestChangeHistory::whatOthersChangedStays()
     }
     file.close();
     const QByteArray bytes = Fixtures::readBytes(path);
+    const LoggedLines log;
     const TakenBack taken = m_history->takeBack();
+    QCOMPARE(LoggedLines::take().size(), 1);
     QCOMPARE(taken.kind, TakenBack::Kind::Edit);
     QVERIFY(taken.paths.isEmpty());
     QCOMPARE(taken.failed.size(), 1);
@@ -239,7 +242,9 @@ void TestChangeHistory::whatCannotComeBackIsTold()
     m_history->add(FileChanges::deletion(files, {}));
     Fixtures::saveBytes("somebody's", paths[0]);
     QVERIFY(QFile::remove(m_bin.path("b.mp3")));
+    const LoggedLines log;
     const TakenBack taken = m_history->takeBack();
+    QCOMPARE(LoggedLines::take().size(), 2); // the last one was told when it was deleted
     QCOMPARE(taken.paths, QStringList(paths[2]));
     QCOMPARE(taken.failed.size(), 3);
     for (int i = 0; i < 3; ++i) {

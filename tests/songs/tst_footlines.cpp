@@ -119,6 +119,10 @@ void TestFootLines::whatIsTakenBack()
     QCOMPARE(FootLines::editTakenBack(ferry), QString("Took back the edit of \"Midnight Ferry\"."));
     QCOMPARE(FootLines::editNotTakenBack(ferry, "the file is gone"),
              QString("The edit of \"Midnight Ferry\" cannot be taken back: the file is gone."));
+    QCOMPARE(FootLines::tracksBack(1), QString("1 track is back in the library."));
+    QCOMPARE(FootLines::tracksBack(1200), QString("1,200 tracks are back in the library."));
+    QCOMPARE(FootLines::takingOutNotTakenBack(2, "it is too long ago"),
+             QString("The deletion of 2 tracks cannot be taken back: it is too long ago."));
     QCOMPARE(FootLines::broughtBack({1, 0, {}, {}}), QString("1 song is back from the trash."));
     QCOMPARE(FootLines::broughtBack({1200, 0, {}, {}}), QString("1,200 songs are back from the trash."));
     QCOMPARE(FootLines::broughtBack({0, 1, "b.mp3", "it is gone"}),
@@ -175,6 +179,8 @@ void TestFootLines::aTrackThatWasNotSaved_data()
     row(ITUNES_LIBRARY_NO_PERMISSION, "you have no permission to change the library");
     row(ITUNES_LIBRARY_DISK_FULL, "the disk of the library is full");
     row(ITUNES_LIBRARY_GONE, "the library file is gone");
+    row(ITUNES_CHANGED_SINCE, "another program made changes since");
+    row(ITUNES_NOT_KEPT, "it is too long ago");
     row(ITUNES_LIBRARY_OTHER_PROBLEM, "the log tells why");
 }
 

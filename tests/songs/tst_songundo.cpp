@@ -3,6 +3,7 @@
 #include "fixtures.h"
 #include "removalfixture.h"
 #include "songs/filechanges.h"
+#include "songs/removaltally.h"
 #include "songs/songediting.h"
 #include "songs/songundo.h"
 
@@ -40,7 +41,9 @@ private:
     void remove(QMusicInfo* song);
     void endDeletion()
     {
-        m_undo->endDeletion(m_removal->removed());
+        RemovalTally tally;
+        tally.addFiles(m_removal->removed());
+        m_undo->endDeletion(tally);
         m_removal = std::make_unique<FileRemoval>();
     }
 

@@ -75,6 +75,7 @@ QList<Seed> journals()
     const QByteArray deletion = "delete\t00000000000000A1";
     return {{QString(), "lines", '?' + change + "\n+" + edit + "\n\n+" + deletion + '\n'},
             {QString(), "open", '+' + deletion + "\n-" + edit + "\n?" + change},
+            {QString(), "return", '+' + deletion + "\n+return\t00000000000000A1 00000000000000B2\n"},
             {QString(), "former", "melodrift journal 1\n+" + edit + "\tbroken\n"},
             {QString(), "blank", "melodrift jou" + QByteArray(20, '\0')}};
 }

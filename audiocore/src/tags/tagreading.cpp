@@ -34,7 +34,6 @@ using TagLib::StringList;
 namespace {
 const String propertyNames[audiocore::textTypes] = {"TITLE", "ARTIST", "ALBUM",
                                                     "GENRE", "DATE",   "TRACKNUMBER"};
-const String furtherYear = "YEAR";
 constexpr std::string_view id3v2Frames[audiocore::textTypes] = {"TIT2", "TPE1", "TALB",
                                                                 "TCON", "TDRC", "TRCK"};
 const char* const apeKeys[audiocore::textTypes] = {"TITLE", "ARTIST", "ALBUM", "GENRE", "YEAR", "TRACK"};
@@ -65,12 +64,6 @@ StringList valuesOf(const Fields& fields, const String& name)
 {
     const auto found = fields.find(name);
     return found == fields.end() ? StringList() : found->second;
-}
-
-StringList valuesIn(const Fields& fields, int type)
-{
-    const StringList values = valuesOf(fields, propertyNames[type]);
-    return values.isEmpty() && type == TAG_YEAR ? valuesOf(fields, furtherYear) : values;
 }
 
 /// What the frames in question say, each looked at once: taking all for properties costs more than all the
@@ -201,7 +194,7 @@ void TagReading::addTexts(const TagLib::Tag* tag)
 
 void TagReading::addProperties(const Fields& fields)
 {
-    addTexts([&fields](int type) { return valuesIn(fields, type); });
+    addTexts([&fields](int type) { return valuesOf(fields, propertyNames[type]); });
 }
 
 void TagReading::addTexts(const std::function<StringList(int)>& valuesOf)

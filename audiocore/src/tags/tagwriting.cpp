@@ -97,7 +97,7 @@ void audiocore::writeId3v1(TagLib::File& file, const FileEdits& edits)
     // A comment that is as long as can be leaves no room for a track.
     if (const auto& edit = edits.further.texts[TAG_TRACK]; edit && tag[int(commentEnd)] == 0) {
         const int track = edit->empty() ? 0 : std::stoi(edit->substr(0, 6));
-        tag[int(commentEnd) + 1] = track < 256 ? char(track) : '\0';
+        tag[int(commentEnd) + 1] = track <= 255 ? char(track) : '\0';
     }
     putAt(file, place, tag);
 }

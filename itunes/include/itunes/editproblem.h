@@ -18,10 +18,13 @@ enum iTunesEditProblem : int32_t {
     ITUNES_LIBRARY_NO_PERMISSION = 11, ///< others may write, this user may not
     ITUNES_LIBRARY_DISK_FULL = 12,
     ITUNES_LIBRARY_GONE = 13,
-    ITUNES_LIBRARY_OTHER_PROBLEM = 14 ///< only the log tells
+    ITUNES_LIBRARY_OTHER_PROBLEM = 14, ///< only the log tells
+    ITUNES_CHANGED_SINCE = 15,         ///< by another program, after what was to be taken back
+    ITUNES_NOT_KEPT = 16               ///< what was to be taken back is not known any more
 };
 
-/// About the last call of set_trackWithPresistentID or deleteMusic on this thread.
+/// About the last call of set_trackWithPresistentID, deleteMusic, takeBackEdit or takeBackDeletions on this
+/// thread.
 iTunesEditProblem iTunesLastEditProblem();
 /// The audio core's reason (SaveProblem) of an ITUNES_MEDIA_NOT_SAVED; 0 otherwise.
 int32_t iTunesMediaProblem();

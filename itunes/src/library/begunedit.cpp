@@ -1,5 +1,6 @@
 #include "library/begunedit.h"
 
+#include "base/platform.h"
 #include "library/artwork.h"
 #include "library/librarycontents.h"
 #include "library/location.h"
@@ -8,7 +9,10 @@
 #include <optional>
 #include <vector>
 
+using itunes::ChangeKind;
 using itunes::CoverMark;
+using itunes::JournalRecord;
+using itunes::MediaMark;
 using itunes::Redone;
 
 namespace {
@@ -25,6 +29,19 @@ std::optional<std::vector<char>> pictureOf(const CoverMark& cover, const std::st
         return std::vector<char>();
     return std::nullopt;
 }
+
+/// A media file is written at one stroke: what is not as it was says again what it said.
+Redone redoReversal(const JournalRecord& reversal, const std::string& mediaPath, std::string& reason)
+{
+    base::FileState media;
+    if (!base::stateOf(mediaPath, media)) {
+        reason = "its media file is gone";
+        return Redone::Not;
+    }
+    const bool isUnwritten = MediaMark::of(media) == reversal.media;
+    reason = isUnwritten ? "an edit was not taken back any more" : std::string();
+    return isUnwritten ? Redone::NotBegun : Redone::Whole;
+}
 } // namespace
 
 Redone itunes::redoEdit(const std::string& libraryPath, const JournalRecord& edit, std::string& reason)
@@ -37,8 +54,10 @@ Redone itunes::redoEdit(const std::string& libraryPath, const JournalRecord& edi
         reason = "its track is no longer in the library";
         return Redone::Not;
     }
+    if (edit.kind == ChangeKind::Reversal)
+        return redoReversal(edit, mediaPath, reason);
     const std::optional<std::vector<char>> picture = pictureOf(edit.cover, mediaPath);
-    if (writeTags(mediaPath, edit.edit, picture.value_or(std::vector<char>())) != SAVE_NO_PROBLEM) {
+    if (writeTags(mediaPath, tagsOf(edit.edit, picture.value_or(std::vector<char>()))) != SAVE_NO_PROBLEM) {
         reason = "its media file cannot be written";
         return Redone::Not;
     }

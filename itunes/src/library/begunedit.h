@@ -9,6 +9,7 @@ enum class Redone {
     Whole,
     WithoutPicture, ///< that is nowhere any more
     Not,            ///< it cannot be done
+    NotBegun,       ///< a reversal that came to nothing: everything is as it was before
     NotYet          ///< the library cannot be read at the moment
 };
 

@@ -20,6 +20,10 @@ iTunesEditProblem itunes::problemOf(Failure::Kind kind)
     case Failure::Kind::InUse:
     case Failure::Kind::ChangedMeanwhile:
         return ITUNES_LIBRARY_IN_USE;
+    case Failure::Kind::ChangedSince:
+        return ITUNES_CHANGED_SINCE;
+    case Failure::Kind::NotKept:
+        return ITUNES_NOT_KEPT;
     case Failure::Kind::NotSafe:
         return ITUNES_LIBRARY_BROKEN;
     default:

@@ -10,6 +10,7 @@ struct EditResult
 {
     iTunesEditProblem problem = ITUNES_EDIT_DONE;
     SaveProblem media = SAVE_NO_PROBLEM; ///< of the media file, when that is the problem
+    bool isKept = false;                 ///< an edit, for taking it back
 };
 
 /// What a failure of the library file, or of the journal beside it, is to the caller of a change.

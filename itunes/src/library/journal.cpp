@@ -193,7 +193,15 @@ bool Journal::addDeletion(std::uint64_t id, Failure& failure)
 {
     JournalRecord record;
     record.id = id;
-    record.deletes = true;
+    record.kind = ChangeKind::Deletion;
+    return append(record, RecordState::Counts, failure);
+}
+
+bool Journal::addReturn(const std::vector<std::uint64_t>& ids, Failure& failure)
+{
+    JournalRecord record;
+    record.kind = ChangeKind::Return;
+    record.returned = ids;
     return append(record, RecordState::Counts, failure);
 }
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace itunes {
 /// Keeps the changes that were answered but are not in the library file yet in a small file beside it, one
@@ -35,6 +36,8 @@ public:
 
     /// Adds a change for good: it is on the disk when the call answers true. What is not added has a reason.
     bool addDeletion(std::uint64_t id, base::Failure& failure);
+    /// The deletions of these tracks count no more: of all of them or, where the call fails, of none.
+    bool addReturn(const std::vector<std::uint64_t>& ids, base::Failure& failure);
     /// Adds an edit that does not count before confirm(), which can only fail when the disk does.
     bool beginEdit(const JournalRecord& edit, base::Failure& failure);
     bool confirm();

@@ -1,22 +1,30 @@
 #include "library/journallines.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
+using itunes::ChangeKind;
 using itunes::JournalKind;
 using itunes::JournalLines;
 using itunes::JournalRecord;
 using itunes::RecordState;
 
 namespace {
-constexpr std::string_view formerFirstLine = "melodrift journal 1\n";
+/// That of today and those of earlier versions, all of one size.
+constexpr std::string_view firstLines[] = {itunes::journalsFirstLine, "melodrift journal 2\n",
+                                           "melodrift journal 1\n"};
+
+bool beginsFirstLine(std::string_view bytes)
+{
+    return std::any_of(std::begin(firstLines), std::end(firstLines),
+                       [bytes](std::string_view line) { return line.substr(0, bytes.size()) == bytes; });
+}
 
 bool isBlank(std::string_view bytes)
 {
     const std::size_t last = bytes.find_last_not_of(std::string_view("\n\0", 2));
-    const std::string_view begun = bytes.substr(0, last == std::string_view::npos ? 0 : last + 1);
-    return itunes::journalsFirstLine.substr(0, begun.size()) == begun ||
-           formerFirstLine.substr(0, begun.size()) == begun;
+    return beginsFirstLine(bytes.substr(0, last == std::string_view::npos ? 0 : last + 1));
 }
 
 /// Line feeds take the place of what is not whole.
@@ -36,10 +44,19 @@ void take(const JournalRecord& record, RecordState state, itunes::JournalContent
         content.begun = record;
     if (state != RecordState::Counts)
         return;
-    if (record.deletes)
-        itunes::mergeDeletion(content.changes, record.id);
-    else
+    switch (record.kind) {
+    case ChangeKind::Edit:
+    case ChangeKind::Reversal:
         itunes::mergeEdit(content.changes, record.id, record.edit);
+        break;
+    case ChangeKind::Deletion:
+        itunes::mergeDeletion(content.changes, record.id);
+        break;
+    case ChangeKind::Return:
+        for (const std::uint64_t id : record.returned)
+            itunes::mergeReturn(content.changes, id);
+        break;
+    }
 }
 } // namespace
 
@@ -47,8 +64,9 @@ JournalKind itunes::journalKindOf(std::string_view bytes)
 {
     if (isBlank(bytes))
         return JournalKind::Blank;
-    const std::string_view begin = bytes.substr(0, journalsFirstLine.size());
-    return begin == journalsFirstLine || begin == formerFirstLine ? JournalKind::Journal : JournalKind::Other;
+    const bool isWhole = bytes.size() >= journalsFirstLine.size();
+    return isWhole && beginsFirstLine(bytes.substr(0, journalsFirstLine.size())) ? JournalKind::Journal
+                                                                                 : JournalKind::Other;
 }
 
 bool itunes::readJournal(std::string bytes, JournalLines& lines)

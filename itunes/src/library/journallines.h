@@ -20,7 +20,7 @@ struct JournalContent
 
 /// More than any program leaves; so many are read in a moment and in little memory.
 constexpr std::size_t mostJournalRecords = 100000;
-constexpr std::string_view journalsFirstLine = "melodrift journal 2\n";
+constexpr std::string_view journalsFirstLine = "melodrift journal 3\n";
 
 enum class JournalKind {
     Blank, ///< nothing was ever answered in it: a kill or a power cut came before the first line was there

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <limits>
 
+using itunes::ChangeKind;
 using itunes::CoverMark;
 using itunes::JournalRecord;
 using itunes::RecordState;
@@ -15,9 +16,10 @@ using itunes::TrackEdit;
 
 namespace {
 constexpr char isSet = '=';
-constexpr std::size_t deleteFields = 2;    // word, identifier
+constexpr std::size_t deleteFields = 2;    // word, identifier; or identifiers, of a return
 constexpr std::size_t wholeEditFields = 7; // word, identifier, four texts, year: all of them set
-constexpr std::size_t editFields = 9;      // the same, each set or not, and the picture's path and hash
+constexpr std::size_t editFields = 9; // the same, each set or not, and the picture's path and hash, or the
+                                      // media file's size and time
 
 std::string hexadecimal(std::uint64_t number)
 {
@@ -60,6 +62,33 @@ std::string unquoted(std::string_view text)
 std::string field(const std::optional<std::string>& text)
 {
     return text ? '\t' + (isSet + quoted(*text)) : "\t";
+}
+
+std::string editFieldsOf(const TrackEdit& edit)
+{
+    return field(edit.name) + field(edit.artist) + field(edit.album) + field(edit.genre) +
+           (edit.year ? '\t' + (isSet + std::to_string(*edit.year)) : "\t");
+}
+
+std::string contentOf(const JournalRecord& record)
+{
+    std::string content;
+    switch (record.kind) {
+    case ChangeKind::Deletion:
+        return "delete\t" + hexadecimal(record.id);
+    case ChangeKind::Return:
+        for (const std::uint64_t id : record.returned)
+            content += (content.empty() ? "return\t" : " ") + hexadecimal(id);
+        return content;
+    case ChangeKind::Reversal:
+        return "revert\t" + hexadecimal(record.id) + editFieldsOf(record.edit) + '\t' +
+               hexadecimal(std::uint64_t(record.media.size)) + '\t' +
+               hexadecimal(std::uint64_t(record.media.modified));
+    case ChangeKind::Edit:
+        break;
+    }
+    return "change\t" + hexadecimal(record.id) + editFieldsOf(record.edit) + '\t' +
+           quoted(record.cover.path) + '\t' + hexadecimal(record.cover.hash);
 }
 
 /// Up to so many: what is behind them stays in the last one.
@@ -115,7 +144,7 @@ bool readField(std::string_view text, bool marked, std::optional<std::string_vie
     return true;
 }
 
-bool readEdit(const std::vector<std::string_view>& fields, bool marked, TrackEdit& edit)
+bool readValues(const std::vector<std::string_view>& fields, bool marked, TrackEdit& edit)
 {
     std::size_t at = 2;
     for (std::optional<std::string>* text : {&edit.name, &edit.artist, &edit.album, &edit.genre}) {
@@ -128,6 +157,46 @@ bool readEdit(const std::vector<std::string_view>& fields, bool marked, TrackEdi
     std::optional<std::string_view> year;
     return readField(fields[at], marked, year) && (!year || readYear(*year, edit.year));
 }
+
+bool readEdit(const std::vector<std::string_view>& fields, JournalRecord& record)
+{
+    // The shorter form is that of earlier versions.
+    const bool marked = fields.size() == editFields && (fields[0] == "change" || fields[0] == "revert");
+    if (!marked && (fields[0] != "edit" || fields.size() != wholeEditFields))
+        return false;
+    record.id = itunes::identifierOf(fields[1]);
+    if (fields[0] == "revert") {
+        record.kind = ChangeKind::Reversal;
+        record.media = {std::int64_t(itunes::identifierOf(fields[editFields - 2])),
+                        std::int64_t(itunes::identifierOf(fields[editFields - 1]))};
+    } else if (marked) {
+        record.cover = {unquoted(fields[editFields - 2]), itunes::identifierOf(fields[editFields - 1])};
+    }
+    return readValues(fields, marked, record.edit);
+}
+
+/// A change of tracks that says nothing but which ones.
+bool readTracks(const std::vector<std::string_view>& fields, JournalRecord& record)
+{
+    constexpr std::size_t digits = 16;
+    if (fields[0] == "delete") {
+        record.kind = ChangeKind::Deletion;
+        record.id = itunes::identifierOf(fields[1]);
+        return true;
+    }
+    record.kind = ChangeKind::Return;
+    for (std::string_view ids = fields[1];; ids.remove_prefix(digits + 1)) {
+        record.returned.push_back(itunes::identifierOf(ids.substr(0, digits)));
+        if (record.returned.back() == 0)
+            return false;
+        if (ids.size() <= digits)
+            break;
+        if (ids[digits] != ' ')
+            return false;
+    }
+    record.id = record.returned.front();
+    return fields[0] == "return";
+}
 } // namespace
 
 CoverMark itunes::markOf(const std::vector<char>& picture, const std::string& path)
@@ -139,14 +208,7 @@ CoverMark itunes::markOf(const std::vector<char>& picture, const std::string& pa
 
 std::string itunes::lineOf(const JournalRecord& record, RecordState state)
 {
-    std::string content = (record.deletes ? "delete\t" : "change\t") + hexadecimal(record.id);
-    if (!record.deletes) {
-        const TrackEdit& edit = record.edit;
-        content += field(edit.name) + field(edit.artist) + field(edit.album) + field(edit.genre);
-        content += edit.year ? '\t' + (isSet + std::to_string(*edit.year)) : "\t";
-        content += '\t' + quoted(record.cover.path) + '\t' + hexadecimal(record.cover.hash);
-    }
-    return withChecksum(char(state) + content) + '\n';
+    return withChecksum(char(state) + contentOf(record)) + '\n';
 }
 
 std::string itunes::withChecksum(const std::string& line)
@@ -161,16 +223,8 @@ std::optional<std::pair<JournalRecord, RecordState>> itunes::recordOf(std::strin
         return std::nullopt;
     const std::vector<std::string_view> fields = fieldsOf(contentOf(line), editFields + 1);
     JournalRecord record;
-    record.id = fields.size() < deleteFields ? 0 : identifierOf(fields[1]);
-    if (record.id == 0)
+    const bool read = fields.size() == deleteFields ? readTracks(fields, record) : readEdit(fields, record);
+    if (!read || record.id == 0)
         return std::nullopt;
-    record.deletes = fields[0] == "delete" && fields.size() == deleteFields;
-    // The shorter form is that of earlier versions.
-    const bool marked = fields[0] == "change" && fields.size() == editFields;
-    const bool edits = marked || (fields[0] == "edit" && fields.size() == wholeEditFields);
-    if (edits ? !readEdit(fields, marked, record.edit) : !record.deletes)
-        return std::nullopt;
-    if (marked)
-        record.cover = {unquoted(fields[editFields - 2]), identifierOf(fields[editFields - 1])};
     return std::make_pair(std::move(record), *state);
 }

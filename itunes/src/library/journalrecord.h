@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/platform.h"
 #include "library/trackedit.h"
 
 #include <cstdint>
@@ -18,13 +19,32 @@ struct CoverMark
 
 CoverMark markOf(const std::vector<char>& picture, const std::string& path);
 
+/// What tells whether a media file was written.
+struct MediaMark
+{
+    std::int64_t size = 0;
+    std::int64_t modified = 0;
+
+    static MediaMark of(const base::FileState& media) { return {media.size, media.modified}; }
+    bool operator==(const MediaMark& other) const { return size == other.size && modified == other.modified; }
+};
+
+enum class ChangeKind {
+    Edit,
+    Reversal, ///< of an edit: what the library says again is not always what the media file does
+    Deletion,
+    Return ///< of tracks whose deletion is taken back
+};
+
 /// One change as the journal has it.
 struct JournalRecord
 {
-    std::uint64_t id = 0;
-    bool deletes = false;
+    std::uint64_t id = 0; ///< of a return the first one
+    ChangeKind kind = ChangeKind::Edit;
     TrackEdit edit;
     CoverMark cover;
+    MediaMark media; ///< of a reversal, before it
+    std::vector<std::uint64_t> returned = {};
 };
 
 /// How far a change has come.

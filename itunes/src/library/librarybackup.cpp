@@ -54,11 +54,12 @@ bool holdsLibrary(std::FILE* file, Failure& failure)
     return itunes::walkFile(base::SystemFile(file), nobody, failure);
 }
 
-bool isLibrary(const std::string& path)
+/// What cannot be read at the moment may be whole.
+bool isBroken(const std::string& path)
 {
     Failure failure;
     const itunes::File file = itunes::openLibrary(path, failure);
-    return file && holdsLibrary(file.get(), failure);
+    return file && !holdsLibrary(file.get(), failure) && failure.kind == Failure::Kind::NotSafe;
 }
 } // namespace
 
@@ -82,6 +83,8 @@ LibraryBackup::Result LibraryBackup::keep(Failure& failure)
     if (!copy)
         return Result::Failed;
     if (!isWhole(*copy, failure)) {
+        if (failure.kind != Failure::Kind::NotSafe)
+            return Result::Failed;
         m_broken = before;
         m_brokenReason = failure.text;
         return Result::Broken;
@@ -109,8 +112,11 @@ std::string LibraryBackup::keptEqual(const NewFile& copy) const
 /// Makes the first version of a file that is older than the library; true when there is nothing to do.
 bool LibraryBackup::keepOlder(Failure& failure) const
 {
-    return !isFile(backup(1)) || !isLibrary(backup(1)) ||
-           !base::keepFile(backup(1), m_library, original, failure).empty();
+    if (!isFile(backup(1)) || isBroken(backup(1)) ||
+        !base::keepFile(backup(1), m_library, original, failure).empty())
+        return true;
+    failure.text = "its former backup cannot be kept: " + failure.text;
+    return false;
 }
 
 bool LibraryBackup::place(NewFile& copy, Failure& failure)

@@ -3,11 +3,11 @@
 #include "base/failure.h"
 #include "base/filebytes.h"
 #include "library/libraryreading.h"
+#include "library/takenpieces.h"
 #include "xml/bytesource.h"
 
 #include <algorithm>
 #include <string_view>
-#include <unordered_set>
 
 using itunes::ByteSource;
 using itunes::Splice;
@@ -52,31 +52,80 @@ private:
     bool m_whole = true;
 };
 
-bool copySpliced(const base::FileBytes& from, base::FileBytes& to, const std::vector<Splice>& splices,
+/// Copies a library block by block, with the splices in it.
+class SplicedCopy
+{
+public:
+    SplicedCopy(BlockWriter& writer, std::vector<Splice>& splices)
+        : m_writer(writer), m_splices(splices), m_next(splices.begin())
+    {
+    }
+
+    void add(std::string_view block)
+    {
+        while (!block.empty()) {
+            const bool copies = m_next == m_splices.end() || m_at < m_next->old.begin;
+            const std::string_view part = block.substr(0, copies ? untilNext() : replaced());
+            if (copies)
+                m_writer.add(part);
+            else
+                pass(part);
+            m_at += part.size();
+            block.remove_prefix(part.size());
+        }
+    }
+
+private:
+    std::size_t untilNext() const
+    {
+        return m_next == m_splices.end() ? std::string_view::npos : std::size_t(m_next->old.begin - m_at);
+    }
+    /// How many bytes of the library are left that the next splice takes the place of. Its text is written.
+    std::size_t replaced()
+    {
+        if (!m_isWritten)
+            m_writer.add(m_next->text);
+        m_isWritten = true;
+        return m_next->old.end > m_at ? std::size_t(m_next->old.end - m_at) : 0;
+    }
+    void pass(std::string_view part)
+    {
+        if (m_next->track != 0)
+            keep(part);
+        if (m_at + part.size() < m_next->old.end)
+            return;
+        ++m_next;
+        m_isWritten = false;
+    }
+    void keep(std::string_view part)
+    {
+        if (m_kept > itunes::mostTakenBytes)
+            return;
+        m_kept += part.size();
+        m_next->taken += part;
+        if (m_kept > itunes::mostTakenBytes)
+            for (Splice& splice : m_splices)
+                splice.taken = std::string();
+    }
+
+    BlockWriter& m_writer;
+    std::vector<Splice>& m_splices;
+    std::vector<Splice>::iterator m_next;
+    bool m_isWritten = false; ///< the text of the next one
+    std::uint64_t m_at = 0;
+    std::size_t m_kept = 0;
+};
+
+bool copySpliced(const base::FileBytes& from, base::FileBytes& to, std::vector<Splice>& splices,
                  std::string& error)
 {
     ByteSource source(from);
     BlockWriter writer(to, source.encoding());
+    SplicedCopy copy(writer, splices);
     std::vector<char> block(source.roomForAll(blockSize));
-    std::uint64_t begin = 0; // of the block
-    std::uint64_t done = 0;
-    auto splice = splices.begin();
     for (std::size_t got = source.read(block.data(), block.size()); got > 0;
-         got = source.read(block.data(), block.size())) {
-        const std::uint64_t end = begin + got;
-        const auto copyTo = [&](std::uint64_t place) {
-            if (place > done)
-                writer.add({block.data() + (done - begin), std::size_t(place - done)});
-            done = std::max(done, place);
-        };
-        for (; splice != splices.end() && splice->old.begin < end; ++splice) {
-            copyTo(splice->old.begin);
-            writer.add(source.isDeclaredOther() ? itunes::inReferences(splice->text) : splice->text);
-            done = std::max(done, splice->old.end);
-        }
-        copyTo(end);
-        begin = end;
-    }
+         got = source.read(block.data(), block.size()))
+        copy.add({block.data(), got});
     const bool written = writer.finish();
     if (source.failed())
         error = itunes::notReadToItsEnd;
@@ -96,21 +145,24 @@ bool itunes::findSplices(const base::FileBytes& library, const TrackChanges& cha
     splices = entries.splices();
     found.tracksLeft = entries.tracksLeft();
     found.editsWithoutTrack = entries.editsWithoutTrack();
-    const std::unordered_set<std::uint64_t> deleted = entries.deleted();
+    const auto deleted = entries.deleted();
     if (!deleted.empty()) {
         PlaylistSplices items(deleted);
         if (!walkFile(library, items, failure))
             return false;
         splices.insert(splices.end(), items.splices().begin(), items.splices().end());
     }
+    if (ByteSource(library).isDeclaredOther())
+        for (Splice& splice : splices)
+            splice.text = inReferences(splice.text);
     // New fields behind the same place keep their order.
     std::stable_sort(splices.begin(), splices.end(),
                      [](const Splice& a, const Splice& b) { return a.old.begin < b.old.begin; });
     return true;
 }
 
-bool itunes::writeSpliced(const base::FileBytes& library, base::FileBytes& copy,
-                          const LibrarySplices& splices, std::string& error)
+bool itunes::writeSpliced(const base::FileBytes& library, base::FileBytes& copy, LibrarySplices& splices,
+                          std::string& error)
 {
     return copySpliced(library, copy, splices.all, error);
 }

@@ -19,7 +19,7 @@ namespace itunes {
 /// What has to change in a library, in its order.
 struct LibrarySplices
 {
-    std::vector<Splice> all;
+    std::vector<Splice> all; ///< their texts are such as the library's encoding takes
     std::uint64_t tracksLeft = 0;
     std::size_t editsWithoutTrack = 0; ///< those that cannot be made
 };
@@ -28,8 +28,8 @@ struct LibrarySplices
 bool findSplices(const base::FileBytes& library, const TrackChanges& changes, LibrarySplices& found,
                  base::Failure& failure);
 /// Writes the library with what has to change into the empty copy and hands that to its device; false with
-/// the reason.
-bool writeSpliced(const base::FileBytes& library, base::FileBytes& copy, const LibrarySplices& splices,
+/// the reason. The splices then have what was taken out of tracks, unless that is more than anybody keeps.
+bool writeSpliced(const base::FileBytes& library, base::FileBytes& copy, LibrarySplices& splices,
                   std::string& error);
 /// Whether the copy, by what was read of it, holds the tracks that are left: the library is not given up for
 /// less. False with the reason.

@@ -4,6 +4,7 @@
 #include "base/newfile.h"
 #include "library/begunedit.h"
 
+#include <algorithm>
 #include <exception>
 
 using base::Failure;
@@ -36,14 +37,17 @@ void LibraryFile::prepare()
 
 std::unique_ptr<itunes::TrackStore> LibraryFile::read(ReadingFailure& failure)
 {
+    const std::lock_guard<std::mutex> writing(m_writeMutex); // what was read is what is written next
     base::FileState before;
     const TrackChanges changes = pending();
     const bool known = base::stateOf(m_path, before);
     std::unique_ptr<TrackStore> store = readLibrary(m_path, changes, failure);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_taken.forget();
     if (known && store) {
-        const std::lock_guard<std::mutex> lock(m_mutex);
         m_backup.knowWhole(before);
         m_contents = {before, store->identifiers(), 0};
+        m_taken.begin(before);
     }
     return store;
 }
@@ -79,13 +83,16 @@ bool LibraryFile::finishBegun(Failure& failure)
         failure = {reason};
         return false;
     }
-    if (redone != Redone::Whole && !m_journal.keepAside("an edit was cut short: " + reason, failure))
+    const bool done = redone == Redone::Whole || redone == Redone::WithoutPicture;
+    if (redone == Redone::NotBegun)
+        report(reason);
+    else if (redone != Redone::Whole && !m_journal.keepAside("an edit was cut short: " + reason, failure))
         return false;
-    if (!(redone == Redone::Not ? m_journal.cancel() : m_journal.confirm())) {
+    if (!(done ? m_journal.confirm() : m_journal.cancel())) {
         failure = {"the journal cannot be written"};
         return false;
     }
-    if (redone != Redone::Not)
+    if (done)
         mergeEdit(m_content.changes, m_content.begun->id, m_content.begun->edit);
     m_content.begun.reset();
     ++m_revision;
@@ -107,12 +114,18 @@ iTunesEditProblem LibraryFile::remove(std::uint64_t id)
 iTunesEditProblem LibraryFile::edit(const JournalRecord& edit, const std::function<bool()>& writeMedia)
 {
     makeRoomInJournal();
+    const bool reverses = edit.kind == ChangeKind::Reversal;
+    std::unique_lock<std::mutex> writing(m_writeMutex, std::defer_lock);
+    if (reverses)
+        writing.lock(); // a file that has just been replaced is nobody else's
     const std::lock_guard<std::mutex> lock(m_mutex);
     Failure failure;
     if (const iTunesEditProblem problem = findTrack(edit.id, failure)) {
         report(failure.text);
         return problem;
     }
+    if (reverses && !m_taken.isGoodFor(m_contents.state))
+        return refused(changedByOthers());
     if (edit.edit.isEmpty()) // the library has nothing to do with it
         return writeMedia() ? ITUNES_EDIT_DONE : ITUNES_MEDIA_NOT_SAVED;
     if (!beginChange(failure) || !m_journal.beginEdit(edit, failure))
@@ -132,24 +145,107 @@ iTunesEditProblem LibraryFile::edit(const JournalRecord& edit, const std::functi
     return ITUNES_EDIT_DONE;
 }
 
+iTunesEditProblem LibraryFile::bringBack(const TrackSet& tracks)
+{
+    const std::lock_guard<std::mutex> writing(m_writeMutex);
+    Failure failure;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (knowContents(failure))
+            return refused(failure);
+        const auto isThere = [this](std::uint64_t id) { return m_contents.count(id) > 0; };
+        if (std::all_of(tracks.begin(), tracks.end(), isThere))
+            return letStay(tracks, failure) ? ITUNES_EDIT_DONE : refused(failure);
+    }
+    // All come back at one stroke: none of them may be in the file when they do.
+    const bool done = writeWhatWaits(failure) && putBack(tracks, failure);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    leaveEmptyJournal();
+    return done ? ITUNES_EDIT_DONE : refused(failure);
+}
+
+bool LibraryFile::putBack(const TrackSet& tracks, Failure& failure)
+{
+    std::vector<Splice> pieces;
+    Written written;
+    if (!beginPutBack(tracks, pieces, failure) || !m_backup.flush(failure) ||
+        !writeBack(m_path, m_taken, pieces, written, failure))
+        return false;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_taken.putBack(tracks, written.contents);
+    m_contents = written.contents;
+    return true;
+}
+
+/// Takes the deletions of these tracks out of the journal.
+bool LibraryFile::letStay(const TrackSet& tracks, Failure& failure)
+{
+    std::vector<std::uint64_t> waiting;
+    for (const std::uint64_t id : tracks) {
+        const auto change = m_content.changes.find(id);
+        if (change != m_content.changes.end() && change->second.deleted)
+            waiting.push_back(id);
+    }
+    if (waiting.empty())
+        return true;
+    if (!m_journal.addReturn(waiting, failure))
+        return false;
+    for (const std::uint64_t id : waiting)
+        mergeReturn(m_content.changes, id);
+    changed();
+    return true;
+}
+
+/// What has to be there before tracks go back into the file; finds what goes back.
+bool LibraryFile::beginPutBack(const TrackSet& tracks, std::vector<Splice>& pieces, Failure& failure)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    base::FileState now;
+    if (!base::stateOf(m_path, now)) {
+        failure = base::systemFailure();
+        return false;
+    }
+    if (!m_taken.isGoodFor(now)) {
+        failure = changedByOthers();
+        return false;
+    }
+    pieces = m_taken.splicesFor(tracks);
+    if (pieces.empty()) {
+        failure = {"what was taken out of it is not kept any more", Failure::Kind::NotKept};
+        return false;
+    }
+    // Changes that came meanwhile hold up the journal, which has the deletions still.
+    return beginChange(failure) && letStay(tracks, failure);
+}
+
+std::size_t LibraryFile::bytesKept()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_taken.bytes();
+}
+
 iTunesEditProblem LibraryFile::refused(const Failure& failure) const
 {
     report(failure.text);
     return problemOf(failure.kind);
 }
 
-/// Whether the file holds the track, and only one of the identifier. Without another writer since the last
-/// look nothing is read.
-iTunesEditProblem LibraryFile::findTrack(std::uint64_t id, Failure& failure)
+/// Looks which tracks the file holds. Without another writer since the last look nothing is read.
+iTunesEditProblem LibraryFile::knowContents(Failure& failure)
 {
     base::FileState now;
-    if (!base::stateOf(m_path, now) || !(now == m_contents.state)) {
-        const File library = openLibrary(m_path, failure);
-        if (!library)
-            return problemOf(failure.kind);
-        if (!readContents(library.get(), m_contents, failure))
-            return problemOf(failure.kind);
-    }
+    if (base::stateOf(m_path, now) && now == m_contents.state)
+        return ITUNES_EDIT_DONE;
+    const File library = openLibrary(m_path, failure);
+    return library && readContents(library.get(), m_contents, failure) ? ITUNES_EDIT_DONE
+                                                                       : problemOf(failure.kind);
+}
+
+/// Whether the file holds the track, and only one of the identifier.
+iTunesEditProblem LibraryFile::findTrack(std::uint64_t id, Failure& failure)
+{
+    if (const iTunesEditProblem problem = knowContents(failure))
+        return problem;
     const std::size_t count = m_contents.count(id);
     if (count == 1)
         return ITUNES_EDIT_DONE;
@@ -164,9 +260,14 @@ bool LibraryFile::beginChange(Failure& failure)
     // Who holds the journal is the only one who makes backups.
     if (openJournal(failure) && m_backup.keep(failure) != LibraryBackup::Result::Failed)
         return true;
+    leaveEmptyJournal();
+    return false;
+}
+
+void LibraryFile::leaveEmptyJournal()
+{
     if (m_journal.isOpen() && m_content.changes.empty() && !m_content.begun)
         m_journal.remove();
-    return false;
 }
 
 /// A full journal goes into the library first. Where that fails, the change does.
@@ -218,8 +319,19 @@ bool LibraryFile::attempt(const std::function<bool()>& writing) noexcept
 bool LibraryFile::tryToWrite()
 {
     const std::lock_guard<std::mutex> writing(m_writeMutex);
-    Pending pending;
     Failure failure;
+    const bool written = writeWhatWaits(failure);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (!written && failure.text != m_reportedFailure)
+        report("the changes wait in the journal: " + failure.text);
+    m_reportedFailure = written ? std::string() : failure.text;
+    return written;
+}
+
+/// With the mutex of writing held.
+bool LibraryFile::writeWhatWaits(Failure& failure)
+{
+    Pending pending;
     bool written = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -228,15 +340,31 @@ bool LibraryFile::tryToWrite()
         written = takePending(pending, failure);
     }
     Written result;
-    written =
-        written && (pending.changes.empty() ||
-                    (m_backup.flush(failure) && writeChanges(m_path, pending.changes, result, failure)));
+    written = written && (pending.changes.empty() ||
+                          (m_backup.flush(failure) && write(pending.changes, result, failure)));
     const std::lock_guard<std::mutex> lock(m_mutex);
-    written = written && finishWriting(pending, result, failure);
-    if (!written && failure.text != m_reportedFailure)
-        report("the changes wait in the journal: " + failure.text);
-    m_reportedFailure = written ? std::string() : failure.text;
-    return written;
+    return written && finishWriting(pending, result, failure);
+}
+
+/// Edits that a deletion came upon are made first: what is taken out is as its user had it.
+bool LibraryFile::write(const TrackChanges& changes, Written& written, Failure& failure)
+{
+    const TrackChanges edits = editsOfDeleted(changes);
+    if (!edits.empty() && !writeOnce(edits, written, failure))
+        return false;
+    return writeOnce(changes, written, failure);
+}
+
+bool LibraryFile::writeOnce(const TrackChanges& changes, Written& written, Failure& failure)
+{
+    if (!writeChanges(m_path, changes, written, failure))
+        return false;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (!written.replaced)
+        return true;
+    m_taken.follow(written.before, written.splices, written.contents);
+    m_contents = written.contents;
+    return true;
 }
 
 bool LibraryFile::takePending(Pending& pending, Failure& failure)
@@ -250,8 +378,6 @@ bool LibraryFile::takePending(Pending& pending, Failure& failure)
 /// The journal goes, unless it holds more by now.
 bool LibraryFile::finishWriting(const Pending& pending, const Written& written, Failure& failure)
 {
-    if (written.contents.tracks > 0)
-        m_contents = written.contents;
     if (pending.revision != m_revision)
         return true;
     if (written.editsWithoutTrack > 0 &&

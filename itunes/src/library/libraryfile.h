@@ -6,7 +6,9 @@
 #include "library/journal.h"
 #include "library/librarybackup.h"
 #include "library/libraryreading.h"
+#include "library/librarysplices.h"
 #include "library/librarywrite.h"
+#include "library/takenpieces.h"
 #include "library/trackedit.h"
 #include "library/trackstore.h"
 
@@ -14,6 +16,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace itunes {
 /// Changes one library file without ever losing it: a change is in the journal when it is answered, and the
@@ -37,8 +40,16 @@ public:
 
     iTunesEditProblem remove(std::uint64_t id);
     /// The edit counts if `writeMedia`, which runs when the journal has it safely, succeeds. An edit of a
-    /// track that is no longer in the file is refused before that.
+    /// track that is no longer in the file is refused before that, and a reversal where somebody else wrote
+    /// the file since it was read.
     iTunesEditProblem edit(const JournalRecord& edit, const std::function<bool()>& writeMedia);
+
+    /// Takes the deletions of these tracks back, of all or of none. Those that wait leave the journal; what
+    /// was taken out of the file goes back into it before the answer, unless somebody else wrote the file
+    /// since.
+    iTunesEditProblem bringBack(const TrackSet& tracks);
+    /// That is kept for it, in bytes.
+    std::size_t bytesKept();
 
 private:
     /// What is to be written.
@@ -49,10 +60,15 @@ private:
     };
 
     TrackChanges pending();
+    bool letStay(const TrackSet& tracks, base::Failure& failure);
+    bool putBack(const TrackSet& tracks, base::Failure& failure);
+    bool beginPutBack(const TrackSet& tracks, std::vector<Splice>& pieces, base::Failure& failure);
     bool openJournal(base::Failure& failure);
     bool finishBegun(base::Failure& failure);
     bool beginChange(base::Failure& failure);
+    iTunesEditProblem knowContents(base::Failure& failure);
     iTunesEditProblem findTrack(std::uint64_t id, base::Failure& failure);
+    void leaveEmptyJournal();
     iTunesEditProblem refused(const base::Failure& failure) const;
     void makeRoomInJournal();
     void changed();
@@ -60,6 +76,9 @@ private:
     bool writePending() noexcept;
     bool attempt(const std::function<bool()>& writing) noexcept;
     bool tryToWrite();
+    bool writeWhatWaits(base::Failure& failure);
+    bool write(const TrackChanges& changes, Written& written, base::Failure& failure);
+    bool writeOnce(const TrackChanges& changes, Written& written, base::Failure& failure);
     bool takePending(Pending& pending, base::Failure& failure);
     bool finishWriting(const Pending& pending, const Written& written, base::Failure& failure);
     void report(const std::string& error) const;
@@ -71,6 +90,7 @@ private:
     Journal m_journal;
     JournalContent m_content; ///< what the journal holds
     LibraryContents m_contents;
+    TakenPieces m_taken;           ///< changes with both mutexes held
     unsigned m_revision = 0;       ///< counts the changes
     int m_failures = 0;            ///< of writings since the last change
     std::string m_reportedFailure; ///< of the last writing

@@ -25,7 +25,7 @@ Position positionOf(const base::FileBytes& file, std::uint64_t offset)
 {
     itunes::ByteSource source(file);
     Position position;
-    std::vector<char> block(64 * 1024);
+    std::vector<char> block(source.roomForAll(64 * 1024));
     for (std::size_t got = 1; got > 0 && offset > 0; offset -= got) {
         got = source.read(block.data(), block.size());
         got = std::size_t(std::min<std::uint64_t>(got, offset));

@@ -64,13 +64,13 @@ void EntrySplices::trackEnds(const Span& whole)
         return;
     }
     ++m_gone;
-    m_deleted.insert(m_trackId);
-    m_splices.push_back({whole, std::string()});
+    m_deleted[m_trackId] = m_id;
+    m_splices.push_back({whole, std::string(), m_id, true});
 }
 
-std::unordered_set<std::uint64_t> EntrySplices::deleted() const
+std::unordered_map<std::uint64_t, std::uint64_t> EntrySplices::deleted() const
 {
-    std::unordered_set<std::uint64_t> numbers = m_deleted;
+    std::unordered_map<std::uint64_t, std::uint64_t> numbers = m_deleted;
     for (const std::uint64_t number : m_staying)
         numbers.erase(number);
     return numbers;
@@ -125,6 +125,7 @@ void EntrySplices::put(Field field, const char* key, const std::string& wanted, 
 
 void PlaylistSplices::playlistItem(std::uint64_t trackId, const Span& whole)
 {
-    if (m_trackIds.count(trackId) > 0)
-        m_splices.push_back({whole, std::string()});
+    const auto track = m_tracks.find(trackId);
+    if (track != m_tracks.end())
+        m_splices.push_back({whole, std::string(), track->second});
 }

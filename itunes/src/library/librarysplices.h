@@ -5,6 +5,7 @@
 
 #include <array>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -14,6 +15,9 @@ struct Splice
 {
     Span old;
     std::string text;
+    std::uint64_t track = 0; ///< persistent identifier of the one whose entry, or place in a playlist, goes
+    bool isEntry = false;
+    std::string taken = {}; ///< what stood there of that track, once the library is written
 };
 
 /// Finds what has to change in a library for some changes of tracks: their entries, and nothing else. What
@@ -28,9 +32,9 @@ public:
     void trackEnds(const Span& whole) override;
 
     const std::vector<Splice>& splices() const { return m_splices; }
-    /// Numbers of the tracks whose entries go, without those that a track which stays has as well: its places
-    /// in the playlists cannot be told from the other's.
-    std::unordered_set<std::uint64_t> deleted() const;
+    /// Persistent identifiers of the tracks whose entries go, by their numbers; without the numbers that a
+    /// track which stays has as well: its places in the playlists cannot be told from the other's.
+    std::unordered_map<std::uint64_t, std::uint64_t> deleted() const;
     std::uint64_t tracksLeft() const { return m_tracks - m_gone; }
     /// How many of the edits are of no track that is there.
     std::size_t editsWithoutTrack() const;
@@ -53,7 +57,7 @@ private:
 
     const TrackChanges& m_changes;
     std::vector<Splice> m_splices;
-    std::unordered_set<std::uint64_t> m_deleted;
+    std::unordered_map<std::uint64_t, std::uint64_t> m_deleted;
     std::unordered_set<std::uint64_t> m_edited; ///< persistent identifiers
     std::vector<std::uint64_t> m_staying;
     std::uint64_t m_tracks = 0;
@@ -67,11 +71,14 @@ private:
     std::string m_lead;
 };
 
-/// Finds the places of tracks in the playlists.
+/// Finds the places of tracks in the playlists. They are given as EntrySplices tells those that go.
 class PlaylistSplices final : public LibraryVisitor
 {
 public:
-    explicit PlaylistSplices(const std::unordered_set<std::uint64_t>& trackIds) : m_trackIds(trackIds) {}
+    explicit PlaylistSplices(const std::unordered_map<std::uint64_t, std::uint64_t>& tracks)
+        : m_tracks(tracks)
+    {
+    }
 
     bool wantsPlaylists() const override { return true; }
     void playlistItem(std::uint64_t trackId, const Span& whole) override;
@@ -79,7 +86,7 @@ public:
     const std::vector<Splice>& splices() const { return m_splices; }
 
 private:
-    const std::unordered_set<std::uint64_t>& m_trackIds;
+    const std::unordered_map<std::uint64_t, std::uint64_t>& m_tracks;
     std::vector<Splice> m_splices;
 };
 } // namespace itunes

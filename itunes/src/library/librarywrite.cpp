@@ -5,23 +5,30 @@
 #include "base/newfile.h"
 #include "library/libraryediting.h"
 #include "library/libraryreading.h"
+#include "library/takenpieces.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
 
 using base::NewFile;
 
 namespace {
 enum class Outcome { Done, Failed, ChangedMeanwhile };
 
-Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, itunes::Written& result,
-                base::Failure& failure)
+/// What has to change in the library, which is in this state; false with the reason.
+using Finding = std::function<bool(const base::FileBytes& library, const base::FileState& state,
+                                   itunes::LibrarySplices& splices, base::Failure& failure)>;
+
+Outcome tryOnce(const std::string& path, const Finding& find, itunes::Written& result, base::Failure& failure)
 {
     result = itunes::Written();
     itunes::File library = itunes::openLibrary(path, failure);
-    base::FileState before;
-    if (!library || !base::stateOf(library.get(), before))
+    if (!library || !base::stateOf(library.get(), result.before))
         return Outcome::Failed;
     itunes::LibrarySplices splices;
     const base::SystemFile old(library.get());
-    if (!itunes::findSplices(old, changes, splices, failure))
+    if (!find(old, result.before, splices, failure))
         return Outcome::Failed;
     result.editsWithoutTrack = splices.editsWithoutTrack;
     if (splices.all.empty())
@@ -30,7 +37,7 @@ Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, it
     const auto made = NewFile::beside(path, NewFile::Content::Empty, failure);
     if (!made)
         return Outcome::Failed;
-    if (made->original() != before)
+    if (made->original() != result.before)
         return Outcome::ChangedMeanwhile;
     base::SystemFile copy(made->file());
     if (!itunes::writeSpliced(old, copy, splices, failure.text) ||
@@ -39,6 +46,8 @@ Outcome tryOnce(const std::string& path, const itunes::TrackChanges& changes, it
         return Outcome::Failed;
     library.reset(); // what is open cannot be replaced everywhere
     const NewFile::Taking taking = made->replaceOriginal(failure);
+    result.replaced = taking == NewFile::Taking::Done;
+    result.splices = std::move(splices.all);
     return taking == NewFile::Taking::Done               ? Outcome::Done
            : taking == NewFile::Taking::ChangedMeanwhile ? Outcome::ChangedMeanwhile
                                                          : Outcome::Failed;
@@ -52,15 +61,13 @@ void noteNewName(const std::string& path, base::FileState& state)
         now.size == state.size && now.modified == state.modified)
         state = now;
 }
-} // namespace
 
-bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, Written& written,
-                          base::Failure& failure)
+bool write(const std::string& path, const Finding& find, itunes::Written& written, base::Failure& failure)
 {
     constexpr int attempts = 5;
     base::removeLeftovers(path);
     for (int i = 0; i < attempts; ++i) {
-        const Outcome outcome = tryOnce(path, changes, written, failure);
+        const Outcome outcome = tryOnce(path, find, written, failure);
         if (outcome == Outcome::Done)
             noteNewName(path, written.contents.state);
         if (outcome != Outcome::ChangedMeanwhile)
@@ -68,4 +75,38 @@ bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, 
     }
     failure = {"another program keeps changing the file", base::Failure::Kind::ChangedMeanwhile};
     return false;
+}
+} // namespace
+
+bool itunes::writeChanges(const std::string& path, const TrackChanges& changes, Written& written,
+                          base::Failure& failure)
+{
+    const auto find = [&changes](const base::FileBytes& library, const base::FileState&,
+                                 LibrarySplices& splices, base::Failure& reason) {
+        return findSplices(library, changes, splices, reason);
+    };
+    return write(path, find, written, failure);
+}
+
+bool itunes::writeBack(const std::string& path, const TakenPieces& taken, const std::vector<Splice>& pieces,
+                       Written& written, base::Failure& failure)
+{
+    const auto find = [&](const base::FileBytes&, const base::FileState& state, LibrarySplices& splices,
+                          base::Failure& reason) {
+        if (!taken.isGoodFor(state)) {
+            reason = changedByOthers();
+            return false;
+        }
+        splices.all = pieces;
+        const auto isEntry = [](const Splice& piece) { return piece.isEntry; };
+        splices.tracksLeft =
+            taken.tracks() + std::uint64_t(std::count_if(pieces.begin(), pieces.end(), isEntry));
+        return true;
+    };
+    return write(path, find, written, failure);
+}
+
+base::Failure itunes::changedByOthers()
+{
+    return {"another program changed it since", base::Failure::Kind::ChangedSince};
 }

@@ -1,19 +1,25 @@
 #pragma once
 
+#include "base/failure.h"
+#include "base/platform.h"
 #include "library/librarycontents.h"
+#include "library/librarysplices.h"
 #include "library/trackedit.h"
 
+#include <cstddef>
 #include <string>
-
-namespace base {
-struct Failure;
-} // namespace base
+#include <vector>
 
 namespace itunes {
+class TakenPieces;
+
 /// What came of a writing.
 struct Written
 {
-    LibraryContents contents;          ///< of the new file; without tracks when the old one was left alone
+    bool replaced = false;             ///< the old file was left alone otherwise; then only the edits count
+    base::FileState before;            ///< of the old file
+    LibraryContents contents;          ///< of the new file
+    std::vector<Splice> splices;       ///< with what was taken out of the old one
     std::size_t editsWithoutTrack = 0; ///< those that could not be made
 };
 
@@ -22,4 +28,10 @@ struct Written
 /// file that says already what it should is left alone. False with the reason: the file is as it was.
 bool writeChanges(const std::string& path, const TrackChanges& changes, Written& written,
                   base::Failure& failure);
+/// Puts back into the library file what was taken out of it for some tracks, in the same way. The file has to
+/// be in the state that the pieces are of.
+bool writeBack(const std::string& path, const TakenPieces& taken, const std::vector<Splice>& pieces,
+               Written& written, base::Failure& failure);
+/// Why a change of the file as we left it cannot be taken back.
+base::Failure changedByOthers();
 } // namespace itunes

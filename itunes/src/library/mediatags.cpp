@@ -9,8 +9,10 @@
 
 #include <cerrno>
 #include <memory>
+#include <utility>
 
 namespace {
+using itunes::MediaTags;
 using Tag = std::unique_ptr<IAudioTag, ReleaseTag>;
 
 /// Null when the file cannot be read.
@@ -45,18 +47,56 @@ bool putText(IAudioTag& tag, TagItemType type, const std::optional<std::string>&
            (size == 0 || tag.SetItem({-1, type, 0, size, characters.data()}) == 0);
 }
 
-bool putYear(IAudioTag& tag, const std::optional<std::int32_t>& year)
+/// A save would leave such a picture out, and write the texts.
+bool isTooLarge(IAudioTag& tag, const std::optional<std::vector<char>>& picture)
 {
-    return !year || putText(tag, TAG_YEAR, *year ? std::to_string(*year) : std::string());
+    return picture && picture->size() > LargestPictureFor(&tag) && *picture != pictureOf(tag);
 }
 
-bool putPicture(IAudioTag& tag, std::vector<char> picture)
+bool putPicture(IAudioTag& tag, const std::optional<std::vector<char>>& picture)
 {
-    if (picture.empty() || picture == pictureOf(tag))
+    if (!picture || *picture == pictureOf(tag))
         return true;
-    const auto size = std::int32_t(picture.size());
-    return tag.RemoveItem(TAG_PICTURE) == 0 && tag.SetItem({-1, TAG_PICTURE, 1, size, picture.data()}) == 0;
+    std::vector<char> bytes = *picture;
+    const auto size = std::int32_t(bytes.size());
+    return tag.RemoveItem(TAG_PICTURE) == 0 &&
+           (size == 0 || tag.SetItem({-1, TAG_PICTURE, 1, size, bytes.data()}) == 0);
 }
+
+std::string textOf(IAudioTag& tag, TagItemType type)
+{
+    const std::int32_t count = tag.GetItemCount();
+    for (std::int32_t i = 0; i < count; ++i) {
+        const TagItem item = tag.GetItem(i);
+        if (item.type == type && item.size > 0)
+            return base::toUtf8(
+                       {static_cast<const char32_t*>(item.data), std::size_t(item.size) / sizeof(char32_t)})
+                .value_or(std::string());
+    }
+    return std::string();
+}
+
+/// What the tag says where the other has something to say.
+MediaTags formerOf(IAudioTag& tag, const MediaTags& tags)
+{
+    MediaTags former;
+    const auto take = [&tag](TagItemType type, const std::optional<std::string>& text,
+                             std::optional<std::string>& into) {
+        if (text)
+            into = textOf(tag, type);
+    };
+    take(TAG_TITLE, tags.name, former.name);
+    take(TAG_ARTIST, tags.artist, former.artist);
+    take(TAG_ALBUM, tags.album, former.album);
+    take(TAG_GENRE, tags.genre, former.genre);
+    take(TAG_YEAR, tags.year, former.year);
+    if (tags.picture)
+        former.picture = pictureOf(tag);
+    if (former.picture == tags.picture)
+        former.picture.reset();
+    return former;
+}
+
 SaveProblem problemOfUnreadable(const std::string& mediaPath)
 {
     const std::unique_ptr<base::SystemFile> file = base::SystemFile::open(mediaPath, false);
@@ -79,17 +119,34 @@ std::vector<char> itunes::readPicture(const std::string& mediaPath)
     return tag ? pictureOf(*tag) : std::vector<char>();
 }
 
-SaveProblem itunes::writeTags(const std::string& mediaPath, const TrackEdit& edit,
-                              const std::vector<char>& picture)
+itunes::MediaTags itunes::tagsOf(const TrackEdit& edit, std::vector<char> picture)
+{
+    MediaTags tags{edit.name, edit.artist, edit.album, edit.genre, {}, {}};
+    if (edit.year)
+        tags.year = *edit.year ? std::to_string(*edit.year) : std::string();
+    if (!picture.empty())
+        tags.picture = std::move(picture);
+    return tags;
+}
+
+SaveProblem itunes::writeTags(const std::string& mediaPath, const MediaTags& tags, MediaTags* former)
 {
     const Tag tag = openTag(mediaPath);
     if (!tag) {
         base::logLine(mediaPath, "the tag was not saved: there is no such music file");
         return problemOfUnreadable(mediaPath);
     }
-    const bool put = putText(*tag, TAG_TITLE, edit.name) && putText(*tag, TAG_ARTIST, edit.artist) &&
-                     putText(*tag, TAG_ALBUM, edit.album) && putText(*tag, TAG_GENRE, edit.genre) &&
-                     putYear(*tag, edit.year) && putPicture(*tag, picture);
+    if (isTooLarge(*tag, tags.picture)) {
+        base::logLine(mediaPath, "the tag was not saved: the picture has " +
+                                     std::to_string(tags.picture->size()) + " bytes, the file takes " +
+                                     std::to_string(LargestPictureFor(tag.get())) + " at the most");
+        return SAVE_PICTURE_TOO_LARGE;
+    }
+    if (former)
+        *former = formerOf(*tag, tags);
+    const bool put = putText(*tag, TAG_TITLE, tags.name) && putText(*tag, TAG_ARTIST, tags.artist) &&
+                     putText(*tag, TAG_ALBUM, tags.album) && putText(*tag, TAG_GENRE, tags.genre) &&
+                     putText(*tag, TAG_YEAR, tags.year) && putPicture(*tag, tags.picture);
     if (!put)
         return SAVE_OTHER_PROBLEM;
     tag->Save();

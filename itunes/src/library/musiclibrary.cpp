@@ -6,6 +6,8 @@
 #include "library/location.h"
 #include "library/mediatags.h"
 
+#include <algorithm>
+
 using itunes::LibraryFile;
 using itunes::MusicLibrary;
 
@@ -67,6 +69,7 @@ void MusicLibrary::read(iTunesTrackRecord** records, int* count)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_former = std::move(m_store);
+    m_edits.forget();
     ReadingFailure failure;
     std::unique_ptr<TrackStore> store;
     const std::shared_ptr<LibraryFile> library = currentFile();
@@ -147,15 +150,61 @@ itunes::EditResult MusicLibrary::edit(std::uint64_t id, const TrackValues& value
         base::logLine(coverPath, "is no picture, the track's artwork stays as it is");
         picture->clear();
     }
-    const JournalRecord record{id, false, differenceOf(track->lastSeen, values), markOf(*picture, coverPath)};
+    const JournalRecord record{
+        id, ChangeKind::Edit, differenceOf(track->lastSeen, values), markOf(*picture, coverPath), {}};
+    KeptEdit kept{id, track->lastSeen, differenceOf(values, track->lastSeen), track->mediaPath, {}, {}, {}};
     result.problem = track->file->edit(record, [&] {
-        result.media = writeTags(track->mediaPath, record.edit, *picture);
+        base::stateOf(kept.mediaPath, kept.before);
+        result.media = writeTags(kept.mediaPath, tagsOf(record.edit, std::move(*picture)), &kept.tags);
+        base::stateOf(kept.mediaPath, kept.after);
+        return result.media == SAVE_NO_PROBLEM;
+    });
+    if (result.problem != ITUNES_EDIT_DONE || (record.edit.isEmpty() && kept.after.hasContentOf(kept.before)))
+        return result;
+    noteEdit(*track, values, std::move(kept));
+    result.isKept = true;
+    return result;
+}
+
+void MusicLibrary::noteEdit(const Access& track, const TrackValues& values, KeptEdit edit)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    track.store->noteEdit(edit.id, values);
+    if (track.store == m_store)
+        m_edits.add(std::move(edit));
+}
+
+itunes::EditResult MusicLibrary::takeBackEdit(std::uint64_t id)
+{
+    std::optional<KeptEdit> kept;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        kept = m_edits.take(id);
+    }
+    if (!kept) {
+        base::logLine("the music library", "the edit is not known any more, it stays");
+        return {ITUNES_NOT_KEPT};
+    }
+    EditResult result;
+    const std::optional<Access> track = accessTo(id, result.problem);
+    base::FileState media;
+    if (!track)
+        return result;
+    if (!base::stateOf(kept->mediaPath, media) || !media.hasContentOf(kept->after)) {
+        base::logLine(kept->mediaPath, "an edit stays: another program changed the file since");
+        return {ITUNES_CHANGED_SINCE};
+    }
+    const JournalRecord record{id, ChangeKind::Reversal, kept->edit, {}, MediaMark::of(media)};
+    result.problem = track->file->edit(record, [&] {
+        result.media = writeTags(kept->mediaPath, kept->tags);
         return result.media == SAVE_NO_PROBLEM;
     });
     if (result.problem != ITUNES_EDIT_DONE)
         return result;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    track->store->noteEdit(id, values);
+    track->store->noteEdit(id, kept->values);
+    if (base::stateOf(kept->mediaPath, media))
+        m_edits.tookBack(*kept, media);
     return result;
 }
 
@@ -170,6 +219,34 @@ iTunesEditProblem MusicLibrary::remove(std::uint64_t id)
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_store->forget(id);
     return problem;
+}
+
+iTunesEditProblem MusicLibrary::bringBack(const TrackSet& ids)
+{
+    std::shared_ptr<LibraryFile> file;
+    std::shared_ptr<TrackStore> store;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        file = lastFile();
+        store = m_store;
+    }
+    const auto wasRead = [&store](std::uint64_t id) { return store->wasRead(id); };
+    if (!file || !store || !std::all_of(ids.begin(), ids.end(), wasRead)) {
+        base::logLine("the music library", "the deleted tracks are not known any more, none comes back");
+        return ITUNES_NOT_KEPT;
+    }
+    if (const iTunesEditProblem problem = file->bringBack(ids))
+        return problem;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    for (const std::uint64_t id : ids)
+        store->remember(id);
+    return ITUNES_EDIT_DONE;
+}
+
+std::size_t MusicLibrary::bytesKept()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_edits.bytes() + (m_file ? m_file->bytesKept() : 0);
 }
 
 bool MusicLibrary::writeArtwork(std::uint64_t id, const std::string& path)

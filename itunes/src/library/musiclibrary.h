@@ -3,6 +3,7 @@
 #include "itunes/itunesmusiclibrary.h"
 #include "library/artwork.h"
 #include "library/editresult.h"
+#include "library/keptedits.h"
 #include "library/libraryfile.h"
 #include "library/trackedit.h"
 #include "library/trackstore.h"
@@ -37,7 +38,13 @@ public:
     std::optional<std::string> locationOf(std::uint64_t id);
     /// What the values say anew against what the caller has last seen is written, and nothing else.
     EditResult edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath);
+    /// Takes the last edit of the track back that is kept.
+    EditResult takeBackEdit(std::uint64_t id);
     iTunesEditProblem remove(std::uint64_t id);
+    /// Takes the deletions of these tracks back, of all or of none.
+    iTunesEditProblem bringBack(const TrackSet& ids);
+    /// That is kept for taking changes back.
+    std::size_t bytesKept();
     bool writeArtwork(std::uint64_t id, const std::string& path);
 
 private:
@@ -54,6 +61,7 @@ private:
     std::shared_ptr<LibraryFile> lastFile();
     /// Nothing with the problem, which the log tells.
     std::optional<Access> accessTo(std::uint64_t id, iTunesEditProblem& problem);
+    void noteEdit(const Access& track, const TrackValues& values, KeptEdit edit);
 
     std::mutex m_mutex;
     std::string m_option;
@@ -63,6 +71,7 @@ private:
     std::shared_ptr<TrackStore> m_former; ///< the views may still show it while a new reading begins
     std::string m_problem;
     Reading m_reading;
+    KeptEdits m_edits; ///< of m_store
     Artwork m_artwork;
 };
 } // namespace itunes

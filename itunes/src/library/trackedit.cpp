@@ -32,7 +32,26 @@ TrackEdit itunes::differenceOf(const TrackValues& asRead, const TrackValues& wan
 
 void itunes::mergeDeletion(TrackChanges& changes, std::uint64_t id)
 {
-    changes[id] = {true, TrackEdit()};
+    changes[id].deleted = true;
+}
+
+void itunes::mergeReturn(TrackChanges& changes, std::uint64_t id)
+{
+    const auto change = changes.find(id);
+    if (change == changes.end())
+        return;
+    change->second.deleted = false;
+    if (change->second.edit.isEmpty())
+        changes.erase(change);
+}
+
+TrackChanges itunes::editsOfDeleted(const TrackChanges& changes)
+{
+    TrackChanges edits;
+    for (const auto& [id, change] : changes)
+        if (change.deleted && !change.edit.isEmpty())
+            edits[id].edit = change.edit;
+    return edits;
 }
 
 void itunes::mergeEdit(TrackChanges& changes, std::uint64_t id, const TrackEdit& edit)

@@ -33,7 +33,7 @@ struct TrackEdit
 /// What the wanted values say anew against those that were read.
 TrackEdit differenceOf(const TrackValues& asRead, const TrackValues& wanted);
 
-/// The change of one track.
+/// The change of one track. One that is deleted keeps the edit that came before.
 struct TrackChange
 {
     bool deleted = false;
@@ -43,7 +43,10 @@ struct TrackChange
 /// By persistent identifier.
 using TrackChanges = std::unordered_map<std::uint64_t, TrackChange>;
 
-/// The last edit of a field counts, and a deletion for good.
+/// The last edit of a field counts, and a deletion until it is taken back.
 void mergeDeletion(TrackChanges& changes, std::uint64_t id);
+void mergeReturn(TrackChanges& changes, std::uint64_t id);
+/// Those of tracks that are deleted, as if they were not.
+TrackChanges editsOfDeleted(const TrackChanges& changes);
 void mergeEdit(TrackChanges& changes, std::uint64_t id, const TrackEdit& edit);
 } // namespace itunes

@@ -85,9 +85,33 @@ std::vector<std::uint64_t> TrackStore::identifiers() const
     return ids;
 }
 
+std::pair<std::size_t, std::size_t> TrackStore::placesOf(std::uint64_t id) const
+{
+    const auto first = std::lower_bound(m_places.begin(), m_places.end(), id, before);
+    const auto last =
+        std::find_if(first, m_places.end(), [id](const Place& place) { return place.id != id; });
+    return {std::size_t(first - m_places.begin()), std::size_t(last - m_places.begin())};
+}
+
+void TrackStore::setGone(std::uint64_t id, bool gone)
+{
+    const auto [first, last] = placesOf(id);
+    for (std::size_t at = first; at < last; ++at)
+        m_places[at].gone = gone;
+}
+
 void TrackStore::forget(std::uint64_t id)
 {
-    auto found = std::lower_bound(m_places.begin(), m_places.end(), id, before);
-    for (; found != m_places.end() && found->id == id; ++found)
-        found->gone = true;
+    setGone(id, true);
+}
+
+void TrackStore::remember(std::uint64_t id)
+{
+    setGone(id, false);
+}
+
+bool TrackStore::wasRead(std::uint64_t id) const
+{
+    const auto [first, last] = placesOf(id);
+    return first < last;
 }

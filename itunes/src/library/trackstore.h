@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace itunes {
@@ -56,6 +57,9 @@ public:
     /// Whether several tracks have the identifier: find() answers one of them.
     bool isAmbiguous(std::uint64_t id) const;
     void forget(std::uint64_t id);
+    /// Whether it was read, forgotten or not.
+    bool wasRead(std::uint64_t id) const;
+    void remember(std::uint64_t id);
 
     /// What the caller last saw of a track that is there: as it was read, or as he has had it written since.
     TrackValues valuesOf(const Place& place) const;
@@ -64,6 +68,9 @@ public:
     std::vector<std::uint64_t> identifiers() const;
 
 private:
+    std::pair<std::size_t, std::size_t> placesOf(std::uint64_t id) const;
+    void setGone(std::uint64_t id, bool gone);
+
     std::vector<iTunesTrackRecord> m_records;
     std::vector<Place> m_places; ///< by identifier
     std::unordered_map<std::uint64_t, TrackValues> m_edited;

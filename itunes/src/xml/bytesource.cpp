@@ -122,8 +122,9 @@ void ByteSource::fill()
     m_raw.erase(m_raw.begin(), m_raw.begin() + std::ptrdiff_t(m_at));
     m_at = 0;
     const std::size_t left = m_raw.size();
-    m_raw.resize(left + rawBlock);
-    m_raw.resize(left + readBytes(m_raw.data() + left, rawBlock));
+    const std::size_t block = roomForAll(rawBlock);
+    m_raw.resize(left + block);
+    m_raw.resize(left + readBytes(m_raw.data() + left, block));
 }
 
 unsigned ByteSource::unitAt(std::size_t index) const
