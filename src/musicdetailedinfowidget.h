@@ -3,6 +3,7 @@
 #include "common/footline.h"
 #include "common/skinpicture.h"
 #include "songeditors.h"
+#include "songs/identifywords.h"
 #include "songs/songediting.h"
 
 #include <QPointer>
@@ -121,4 +122,5 @@ private:
     std::unique_ptr<SkinMovie> m_pMovie;
     QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves
     const QMusicInfo* m_pIdentifiedSong = nullptr; ///< what it works on; only compared
+    IdentifyWords m_identifyWords;
 };

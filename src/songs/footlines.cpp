@@ -309,9 +309,16 @@ QString FootLines::nothingScanned(iTunesReading found, quint64 line)
     return QString();
 }
 
-QString FootLines::identifiedBySound()
+QString FootLines::identified(int status)
 {
-    return QStringLiteral("Identified by sound.");
+    return status == IDENTIFY_FOUND_BY_TAGS ? QStringLiteral("Identified by its tags: please check.")
+                                            : QStringLiteral("Identified by sound.");
+}
+
+QString FootLines::keyOffer()
+{
+    return QStringLiteral(
+        "With a free key from https://acoustid.org/new-application songs are identified by their sound.");
 }
 
 QString FootLines::notIdentified(int status)
@@ -326,8 +333,7 @@ QString FootLines::notIdentified(int status)
     case IDENTIFY_TOO_SHORT:
         return QStringLiteral("Not identified: the song is too short.");
     case IDENTIFY_NO_KEY:
-        return QStringLiteral("Not identified: there is no application key. Get one at "
-                              "https://acoustid.org/new-application and set MELODRIFT_ACOUSTID_KEY.");
+        return QStringLiteral("Not identified: the services know no song that fits its tags.");
     case IDENTIFY_BAD_ADDRESS:
         return QStringLiteral("Not identified: the address of a service is not safe.");
     case IDENTIFY_NO_CONNECTION:
@@ -339,7 +345,7 @@ QString FootLines::notIdentified(int status)
     case IDENTIFY_NO_MEMORY:
         return QStringLiteral("Not identified: there is not enough memory.");
     case IDENTIFY_FOUND:
-    case IDENTIFY_FOUND_NO_PICTURE:
+    case IDENTIFY_FOUND_BY_TAGS:
     case IDENTIFY_CANCELLED:
         return QString();
     default:

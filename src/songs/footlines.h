@@ -95,8 +95,11 @@ QString noSoundDevice();
 /// broken; 0 when that is not known.
 QString nothingScanned(iTunesReading found, quint64 line = 0);
 
-QString identifiedBySound();
+/// `status` is the identifier's (IdentifyStatus), one that found something.
+QString identified(int status);
 /// `status` is the identifier's (IdentifyStatus); empty for one that tells of no failure, or of what the
 /// user did himself.
 QString notIdentified(int status);
+/// What a key for identifying by sound would add, and where to get one.
+QString keyOffer();
 } // namespace FootLines
