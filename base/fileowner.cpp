@@ -21,6 +21,12 @@ Owner base::ownerOf(std::FILE* file, const std::string& libraryPath)
     return Owner::User;
 }
 
+bool base::isUsersAlone(std::FILE* file)
+{
+    (void)file;
+    return true;
+}
+
 bool base::createPrivate(const std::string& path, const std::string& libraryPath, Failure& failure)
 {
     return base::createLike(libraryPath, path, failure);
@@ -42,6 +48,13 @@ Owner base::ownerOf(std::FILE* file, const std::string& libraryPath)
         return Owner::User;
     const bool same = ::stat(libraryPath.c_str(), &library) == 0 && status.st_uid == library.st_uid;
     return same ? Owner::LibraryOwner : Owner::Other;
+}
+
+bool base::isUsersAlone(std::FILE* file)
+{
+    struct stat status = {};
+    return ::fstat(::fileno(file), &status) == 0 && status.st_uid == ::geteuid() &&
+           (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
 bool base::createPrivate(const std::string& path, const std::string& libraryPath, Failure& failure)

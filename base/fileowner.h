@@ -16,6 +16,8 @@ enum class Owner {
 
 Owner ownerOf(std::FILE* file, const std::string& libraryPath);
 
+/// Whether the file is the user's own, and nobody else may write into it.
+bool isUsersAlone(std::FILE* file);
 /// Makes an empty file that nobody but its owner can ever open, unless there is something at the path, a link
 /// included; that stays as it is. False with the reason when there is nothing afterwards.
 bool createPrivate(const std::string& path, const std::string& libraryPath, Failure& failure);

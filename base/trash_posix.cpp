@@ -1,9 +1,9 @@
 #include "base/trash.h"
 
 #include "base/trashfolder_posix.h"
+#include "base/userfolder.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <set>
@@ -17,21 +17,11 @@ using base::Trash;
 using base::TrashFolder;
 
 namespace {
-/// The value, if it is an absolute path.
-std::string folderOfVariable(const char* name)
-{
-    const char* const value = std::getenv(name);
-    return value && *value == '/' ? value : std::string();
-}
-
 /// Empty where the user has no place for it.
 std::string usersTrash()
 {
-    const std::string data = folderOfVariable("XDG_DATA_HOME");
-    const std::string home = folderOfVariable("HOME");
-    if (!data.empty())
-        return data + "/Trash";
-    return home.empty() ? home : home + "/.local/share/Trash";
+    const std::string data = base::userFolder("XDG_DATA_HOME", "/.local/share");
+    return data.empty() ? data : data + "/Trash";
 }
 
 std::string above(const std::string& folder)

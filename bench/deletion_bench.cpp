@@ -10,6 +10,7 @@
 #include "qmusicinfo.h"
 #include "songs/changehistory.h"
 #include "songs/filechanges.h"
+#include "songs/removaltally.h"
 #include "songs/songundo.h"
 #include "startup.h"
 
@@ -168,8 +169,11 @@ void takeAllBack(benchmark::State& state)
             SongRemoval::removeFile(*one.song, nullptr, KeptFiles(), *removal);
         SongUndo undo;
         undo.songsLeft(SongRemoval::removeAll(lists, plan));
-        undo.endDeletion(removal->removed());
+        RemovalTally tally;
+        tally.addFiles(removal->removed());
         removal.reset();
+        undo.endDeletion(tally);
+        tally = RemovalTally();
         state.counters["bytes a song"] = (usedMemory() - before) / duplicates;
         measure(state, [&] { undo.undo(lists); });
         if (collection.all.size() != count)

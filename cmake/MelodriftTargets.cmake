@@ -110,7 +110,8 @@ endfunction()
 # melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [PROGRAMS ...] [READS_SOURCES | READS FOLDER ...] [SECONDS N]
 # [PARTS N]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets, or looks at sources,
 # or at those folders alone. The longest begin first, so that none is waited for alone; one that runs in parts takes
-# "--part K N" (tests/parts.h).
+# "--part K N" (tests/parts.h). One that starts no thread says so by the library single_threaded, which holds it to that:
+# the thread sanitizer runs the others.
 function(melodrift_add_test name)
   cmake_parse_arguments(ARG "READS_SOURCES" "SECONDS;PARTS" "SOURCES;LIBS;PROGRAMS;READS" ${ARGN})
   add_executable(${name} ${name}.cpp ${ARG_SOURCES})
@@ -144,15 +145,22 @@ function(melodrift_add_test name)
   endif()
   melodrift_set_test_environment(${tests})
   set_tests_properties(${tests} PROPERTIES COST "0${ARG_SECONDS}")
+  if(NOT "single_threaded" IN_LIST ARG_LIBS)
+    set_tests_properties(${tests} PROPERTIES LABELS threads)
+  elseif(MELODRIFT_SANITIZE STREQUAL "thread")
+    set_property(TARGET ${name} PROPERTY EXCLUDE_FROM_ALL ON)
+  endif()
 endfunction()
 
 # melodrift_test_on_dense_screen(NAME [FUNCTION ...]): the same program, or these of its tests, once more, on a screen of
 # two pixels to the point.
 function(melodrift_test_on_dense_screen name)
   melodrift_run_as_test(${name}_2x ${name} ${ARGN})
-  foreach(property ENVIRONMENT TIMEOUT SKIP_RETURN_CODE)
+  foreach(property ENVIRONMENT TIMEOUT SKIP_RETURN_CODE LABELS)
     get_test_property(${name} ${property} value)
-    set_tests_properties(${name}_2x PROPERTIES ${property} "${value}")
+    if(value)
+      set_tests_properties(${name}_2x PROPERTIES ${property} "${value}")
+    endif()
   endforeach()
   set_property(TEST ${name}_2x APPEND PROPERTY ENVIRONMENT QT_SCALE_FACTOR=2)
 endfunction()

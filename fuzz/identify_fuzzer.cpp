@@ -3,12 +3,15 @@
 #include "base/text.h"
 #include "identify/acoustid.h"
 #include "identify/coverart.h"
+#include "identify/judging.h"
 #include "identify/musicbrainz.h"
+#include "identify/recordingquery.h"
 
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace musicbrainz = audiocore::musicbrainz;
 
@@ -44,6 +47,22 @@ void checkRelease(const std::optional<musicbrainz::Release>& release)
         check(*text);
     checkIdentifier(release->id);
 }
+/// What a search found is bounded, and so is how well it fits.
+void checkFound(const musicbrainz::FoundRecording& found, const audiocore::SongHints& hints)
+{
+    for (const std::string& text : {found.title, found.credit, found.comment})
+        check(text);
+    for (const std::vector<std::string>* const texts : {&found.artists, &found.albums})
+        for (const std::string& text : *texts)
+            check(text);
+    if (found.id.empty() || found.title.empty() || found.milliseconds < 0)
+        std::abort();
+    checkIdentifier(found.id);
+    checkRelease(found.release);
+    const double fit = audiocore::fitOf(found, hints);
+    if (!(fit >= 0 && fit <= 1))
+        std::abort();
+}
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -65,6 +84,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         musicbrainz::readTracks(*release, answer, recording.id);
         checkRelease(release);
     }
+    const audiocore::SongHints hints = {{answer.substr(0, 1000), recording.artist, recording.title}, 200000};
+    const musicbrainz::Search search = musicbrainz::readSearch(answer);
+    for (const musicbrainz::FoundRecording& found : search.recordings)
+        checkFound(found, hints);
+    const musicbrainz::FoundRecording* const chosen = audiocore::chooseFitting(search.recordings, hints);
+    if (chosen && audiocore::fitOf(*chosen, hints) < 0.84)
+        std::abort();
+    if (audiocore::recordingQuery(hints).size() > 5000)
+        std::abort();
     check(musicbrainz::readError(answer));
     audiocore::coverart::isPicture(answer);
     return 0;

@@ -9,6 +9,7 @@
 #include "showngroup.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
+#include "viewinsight.h"
 #include "views/songcells.h"
 #include "views/viewfocus.h"
 
@@ -44,7 +45,6 @@ void CenterWidget::Init()
     ui->m_btnGridDisplay->setBtnImage(SkinPicture::path("button_preview_left.png"));
     ui->m_btnTableDisplay->setBtnImage(SkinPicture::path("button_preview_right.png"));
     ui->m_btnOpen->setBtnImage(SkinPicture::path("button_open.png"));
-    ui->m_btnGridDisplay->setEnabled(false);
     ui->m_btnOpen->hide();
     ui->m_backgroundImageWidget->SetImageBackgroud(SkinPicture::path("bg_right_nofile.png"), true);
     ui->m_musicDetailedWidget->hide();
@@ -66,12 +66,12 @@ void CenterWidget::InitView()
         {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView},
         m_pAllMusicList, &m_classification.groups(), this);
     m_shownGroup = std::make_unique<ShownGroup>(*ui->m_dupMusicDetailedWidget, *m_views, m_classification);
-    m_pCurrentView = ui->m_allMusicListView;
-    m_viewFocus = new ViewFocus(m_views->all(), this);
-    setTabOrder(ui->m_btnTableDisplay, m_viewFocus);
-    m_keys = new CenterKeys(
-        {*m_views, *m_shownGroup, *ui->m_musicDetailedWidget, *ui->m_dupMusicDetailedWidget, *m_viewFocus},
-        this);
+    m_inSight = std::make_unique<ViewInSight>(
+        *m_views, ViewInSight::Buttons{*ui->m_btnGridDisplay, *ui->m_btnTableDisplay}, this);
+    m_keys = new CenterKeys({*m_views, *m_shownGroup, *ui->m_musicDetailedWidget,
+                             *ui->m_dupMusicDetailedWidget, m_inSight->focus()},
+                            this);
+    ui->m_findStrip->setViews(*m_views, m_inSight->focus());
 }
 
 void CenterWidget::InitConnect()
@@ -81,7 +81,7 @@ void CenterWidget::InitConnect()
     connect(ui->m_btnOpen, SIGNAL(clicked()), this, SLOT(OnBtnOpenFile()));
     connect(m_keys, &CenterKeys::navigationChosen, this, &CenterWidget::emitChooseRow);
     connect(m_keys, &CenterKeys::told, &m_foot, &CenterFoot::tell);
-    connect(m_keys, &CenterKeys::displaySwitched, this, [this] { display(!m_bGridMode); });
+    connect(m_keys, &CenterKeys::displaySwitched, this, [this] { display(!m_inSight->isGrid()); });
     m_views->connectSongs(this, SLOT(SlotClickAllMusicIndex(QModelIndex)),
                           SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
     m_views->connectGroups(this, SLOT(SlotClickDupMusicIndex(QModelIndex)),
@@ -118,8 +118,7 @@ void CenterWidget::InitConnect()
 
 void CenterWidget::switchView()
 {
-    m_pCurrentView->hide();
-    m_pCurrentView = m_views->view(m_nViewKind == ViewDuplicates, m_bGridMode);
+    m_inSight->choose(m_nViewKind == ViewDuplicates);
     showCurrentView();
 }
 
@@ -127,22 +126,19 @@ void CenterWidget::switchView()
 void CenterWidget::showCurrentView()
 {
     const bool dropZone = QIOrvoUtil::m_cleanMode && m_localMusicList.isEmpty();
-    m_pCurrentView->setVisible(!dropZone);
-    m_viewFocus->follow(*m_pCurrentView);
+    m_inSight->setVisible(!dropZone);
     ui->m_btnOpen->lower();
     ui->m_btnOpen->setFocusPolicy(dropZone ? Qt::StrongFocus : Qt::NoFocus);
 }
 
 QWidget* CenterWidget::viewFocus() const
 {
-    return m_viewFocus;
+    return &m_inSight->focus();
 }
 
 void CenterWidget::display(bool grid)
 {
-    m_bGridMode = grid;
-    ui->m_btnGridDisplay->setEnabled(!grid);
-    ui->m_btnTableDisplay->setEnabled(grid);
+    m_inSight->setGrid(grid);
     switchView();
 }
 
@@ -157,7 +153,6 @@ void CenterWidget::slotShowDuplicateMusicView()
 {
     // Oddity 27: the model shows the same seven columns for 6 as for 7.
     m_views->showGroups(&m_classification.groups(), SongCells::columnModeTable);
-    m_views->refreshGroups();
     m_nViewKind = ViewDuplicates;
     switchView();
 }
@@ -173,8 +168,9 @@ void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
         selectShownSong(); // the view has moved its mark by itself
         return;
     }
-    selectSong(index.row());
-    ui->m_musicDetailedWidget->SetMusicDetailedInfo(SongViews::songOf(index));
+    QMusicInfo* const song = SongViews::songOf(index);
+    m_nCurrentRow = m_views->selectSong(song);
+    ui->m_musicDetailedWidget->SetMusicDetailedInfo(song);
 }
 
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
@@ -207,12 +203,12 @@ void CenterWidget::SlotHiddenMusicDetailedWidget()
 
 void CenterWidget::enterMode(bool local)
 {
-    m_pCurrentView->setVisible(!local);
-    m_viewFocus->follow(*m_pCurrentView);
+    m_inSight->setVisible(!local);
     ui->m_btnOpen->setVisible(local);
     ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
     SlotHiddenMusicDetailedWidget();
     ClearSelectedWidget();
+    ui->m_findStrip->clear();
     setAcceptDrops(local);
     m_openShortcut->setEnabled(local);
     QIOrvoUtil::m_cleanMode = local;
@@ -253,7 +249,7 @@ void CenterWidget::classify()
     emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
     m_shownGroup->forget();
     m_classification.group();
-    m_views->refreshGroups(); // which may be in sight, a song of theirs having been edited
+    m_views->refreshGroups();
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
 
@@ -278,30 +274,22 @@ void CenterWidget::setLocalMusicInfo()
 
 void CenterWidget::SlotMusicInfoHaveBeEdited()
 {
-    const int scrolled = m_pCurrentView->verticalScrollBar()->value();
+    QScrollBar* const bar = m_inSight->view().verticalScrollBar();
+    const int scrolled = bar->value();
+    m_views->forgetTexts();
     m_views->refreshSongs();
     classify();
     if (m_nViewKind == ViewUndefined)
         m_views->showSongs(&m_classification.undefinedSongs());
     selectShownSong();
-    m_pCurrentView->verticalScrollBar()->setValue(scrolled);
+    bar->setValue(scrolled);
     m_foot.offerUndo();
 }
 
 /// Models that were reset have forgotten it.
 void CenterWidget::selectShownSong()
 {
-    const QList<QMusicInfo*>& songs =
-        m_nViewKind == ViewUndefined ? m_classification.undefinedSongs() : *m_pAllMusicList;
-    const int row = songs.indexOf(ui->m_musicDetailedWidget->song());
-    if (row >= 0)
-        selectSong(row);
-}
-
-void CenterWidget::selectSong(int row)
-{
-    m_nCurrentRow = row;
-    m_views->selectSong(row);
+    m_nCurrentRow = m_views->selectSong(ui->m_musicDetailedWidget->song());
 }
 
 SongLists CenterWidget::songLists()
@@ -317,6 +305,9 @@ void CenterWidget::SlotEditedAgain()
 
 void CenterWidget::SlotGroupCleared()
 {
+    m_views->forgetTexts();
+    m_views->refreshGroups();
+    m_shownGroup->markAnew();
     m_foot.tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), m_shownGroup->next());
 }
 
@@ -341,7 +332,6 @@ void CenterWidget::showAfterUndo(const SongUndo::Undone& undone)
     if (undone.edited && undone.edited == ui->m_musicDetailedWidget->song())
         ui->m_musicDetailedWidget->showAnew();
     SlotMusicInfoHaveBeEdited();
-    m_views->refreshGroups();
     showCurrentView();
     emitCounts();
     if (m_nViewKind == ViewDuplicates)
@@ -350,12 +340,14 @@ void CenterWidget::showAfterUndo(const SongUndo::Undone& undone)
 
 void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
+    DupMusicInfo* const group = m_classification.groups().value(int(m_shownGroup->row()));
     if (const auto removed = SongRemoval::removeOne(songLists(), song, m_shownGroup->row(),
                                                     ui->m_dupMusicDetailedWidget->keptFiles(),
                                                     ui->m_dupMusicDetailedWidget->fileRemoval()))
         m_foot.undo().songsLeft({*removed});
-    m_views->refreshSongs();
-    slotShowDuplicateMusicView();
+    m_views->leave(song, m_classification.groups().contains(group) ? nullptr : group);
+    m_nViewKind = ViewDuplicates;
+    switchView();
     m_shownGroup->markAnew();
     emitCounts();
     emit emitDuplicateMusicCount(m_classification.groups().size());
@@ -375,6 +367,7 @@ void CenterWidget::SlotAllMusicInfoAfterDeleting()
     tally.add(m_deletion.takeTally());
     m_views->setGroupsEnabled(true);
     m_shownGroup->forget();
+    m_views->forgetTexts();
     m_views->refreshGroups();
     m_views->refreshSongs();
     emitCounts();
@@ -391,6 +384,8 @@ void CenterWidget::clearClassification()
 {
     m_shownGroup->forget();
     m_classification.clear();
+    m_views->forgetTexts();
+    m_views->refreshGroups();
 }
 
 void CenterWidget::slotShowAllmusicView()

@@ -16,12 +16,11 @@
 
 class CenterKeys;
 class IAudioTag;
-class QAbstractItemView;
 class QModelIndex;
 class QShortcut;
 class ShownGroup;
 class SongViews;
-class ViewFocus;
+class ViewInSight;
 struct QMusicInfo;
 
 namespace Ui {
@@ -153,7 +152,6 @@ private:
     void emitCounts();
     void classify();
     void clearClassification();
-    void selectSong(int row);
     void selectShownSong();
 
     std::unique_ptr<Ui::CenterWidget> ui;
@@ -161,12 +159,10 @@ private:
 
     int m_nViewKind = ViewAll;
     int m_nCurrentRow = 0;
-    bool m_bGridMode = true;
     bool m_bForbidClick = false;
-    QAbstractItemView* m_pCurrentView = nullptr;
     SongViews* m_views = nullptr;
+    std::unique_ptr<ViewInSight> m_inSight;
     std::unique_ptr<ShownGroup> m_shownGroup;
-    ViewFocus* m_viewFocus = nullptr;
     CenterKeys* m_keys = nullptr;
     QShortcut* m_openShortcut = nullptr;
 

@@ -2,6 +2,7 @@
 
 #include "covers/coverloader.h"
 #include "dupmusicinfo.h"
+#include "songs/songcolumns.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "views/songcells.h"
@@ -19,7 +20,7 @@ QVariant DupMusicListModel::displayed(const DupMusicInfo& group, int column) con
     // Oddity 29: an empty title stays empty here.
     if (isGrid())
         return SongFields::title(group.musicList.first());
-    if (column == SongCells::ColumnDuplicates)
+    if (column == SongColumns::ColumnDuplicates)
         return group.musicList.size();
     return SongCells::text(group.musicList.first(), column);
 }

@@ -17,7 +17,7 @@ std::atomic<quint64> coverNumber{10000};
 
 bool isFound(int status)
 {
-    return status == IDENTIFY_FOUND || status == IDENTIFY_FOUND_NO_PICTURE;
+    return status == IDENTIFY_FOUND || status == IDENTIFY_FOUND_BY_TAGS;
 }
 
 bool isText(const TagItem& item)
@@ -64,10 +64,17 @@ int IdentifyThread::status() const
     return m_nStatus;
 }
 
-void IdentifyThread::noteStatus(int status)
+bool IdentifyThread::hasKey() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_bHasKey;
+}
+
+void IdentifyThread::noteEnd(int status, bool hasKey)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_nStatus = status;
+    m_bHasKey = hasKey;
 }
 
 /// Makes the identifier and opens the file; false when there is nothing to run.
@@ -98,7 +105,7 @@ void IdentifyThread::identify()
         return;
     }
     m_pIdentifier->Identify(1, 1, 3);
-    noteStatus(m_pIdentifier->GetStatus());
+    noteEnd(m_pIdentifier->GetStatus(), IdentifiesBySound());
     if (!isFound(status())) {
         m_pIdentifier->Close();
         emit emitFailToIdentify();

@@ -27,6 +27,8 @@ public:
     bool isCancelled() const;
     /// How the last run ended (IdentifyStatus).
     int status() const;
+    /// Whether there was a key to identify by sound with.
+    bool hasKey() const;
 
 signals:
     /// One text for each item found: the item's type as one digit, and its value.
@@ -41,7 +43,7 @@ protected:
 private:
     void identify();
     bool prepare();
-    void noteStatus(int status);
+    void noteEnd(int status, bool hasKey);
     QStringList takeItems();
     void takeCover(const TagItem& item);
 
@@ -50,4 +52,5 @@ private:
     IAudioIdentifier* m_pIdentifier = nullptr; ///< made by the first run; guarded by the mutex
     bool m_bCancelled = false;                 ///< guarded by the mutex
     int m_nStatus = 0;                         ///< guarded by the mutex
+    bool m_bHasKey = false;                    ///< guarded by the mutex
 };

@@ -332,8 +332,8 @@ void MusicDetailedInfoWidget::SlotReceiveIdentifyInfo(const QStringList& info)
         if (!element.isEmpty())
             m_editors->fill(element.at(0), element.mid(1));
     m_bIdentified = true;
-    if (m_bIdentifying)
-        emit emitTold({FootLines::identifiedBySound(), false, {}});
+    if (m_bIdentifying && m_pIdentifyThread)
+        emit emitTold(m_identifyWords.of(m_pIdentifyThread->status(), m_pIdentifyThread->hasKey()));
     endIdentification();
 }
 
@@ -354,7 +354,8 @@ void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
     // Who cancelled knows.
     if (worker && worker->isCancelled())
         return;
-    emit emitTold({FootLines::notIdentified(worker ? worker->status() : IDENTIFY_NOT_RUN), true, {}});
+    emit emitTold(
+        m_identifyWords.of(worker ? worker->status() : IDENTIFY_NOT_RUN, worker && worker->hasKey()));
     MessageDialog::notify(QStringLiteral("Identify failed! You can edit the music information manually."),
                           "button_ok.png");
 }

@@ -3,6 +3,7 @@
 #include "common/footline.h"
 #include "detailface.h"
 #include "songeditors.h"
+#include "songs/identifywords.h"
 #include "songs/songediting.h"
 
 #include <QPointer>
@@ -126,4 +127,5 @@ private:
     std::unique_ptr<SkinMovie> m_pMovie;
     QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves
     const QMusicInfo* m_pIdentifiedSong = nullptr; ///< what it works on; only compared
+    IdentifyWords m_identifyWords;
 };

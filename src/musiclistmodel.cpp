@@ -1,6 +1,7 @@
 #include "musiclistmodel.h"
 
 #include "common/style.h"
+#include "songs/songcolumns.h"
 #include "views/songcells.h"
 
 #include <QBrush>
@@ -16,7 +17,7 @@ void MusicListModel::setDataSourceList(QList<QMusicInfo*>* list, int columnMode,
 QVariant MusicListModel::foreground(const QMusicInfo& song, int column) const
 {
     // Oddity 28: column 6 is red in every row, for it never has a value.
-    const bool red = column <= SongCells::ColumnDuplicates && SongCells::isEmpty(&song, column);
+    const bool red = column <= SongColumns::ColumnDuplicates && SongCells::isEmpty(&song, column);
     return red ? QBrush(Style::undefinedText) : QVariant();
 }
 

@@ -5,21 +5,23 @@
 #include "songs/songclassification.h"
 #include "songviews.h"
 
-#include <QAbstractItemModel>
 #include <QAbstractItemView>
 
 int ShownGroup::next() const
 {
-    return m_songs.rowAfter(int(m_nCurrentDupRow), isLeft());
+    DupMusicInfo* const group = isLeft() ? m_songs.groups().at(int(m_nCurrentDupRow)) : nullptr;
+    const int row = group ? m_views.rowOf(group) : -1;
+    const int next =
+        SongClassification::rowAfter(row >= 0 ? row : m_views.groupPlace(), row >= 0, m_views.groupCount());
+    return next >= 0 ? m_songs.groups().indexOf(m_views.groupAt(next)) : -1;
 }
 
 int ShownGroup::rowBeside(int steps) const
 {
-    const QAbstractItemView* view = m_views.view(true, true);
-    const int marked = view->currentIndex().row();
+    const int marked = m_views.view(true, true)->currentIndex().row();
     // One that is gone has no mark: those behind it have moved up to where it was.
-    const int row = marked >= 0 ? marked + steps : int(m_nCurrentDupRow) + qMin(steps, 0);
-    return row < view->model()->rowCount() ? row : -1;
+    const int row = marked >= 0 ? marked + steps : m_views.groupPlace() + qMin(steps, 0);
+    return row < m_views.groupCount() ? row : -1;
 }
 
 QList<QMusicInfo*> ShownGroup::keptSongs() const
@@ -29,15 +31,20 @@ QList<QMusicInfo*> ShownGroup::keptSongs() const
 
 void ShownGroup::show(const QModelIndex& index)
 {
-    m_nCurrentDupRow = index.row();
-    m_views.selectGroup(index.row());
-    if (DupMusicInfo* group = SongViews::groupOf(index))
-        m_panel.SetDuplicateMusicDetailedInfo(&group->musicList);
+    show(SongViews::groupOf(index));
 }
 
 void ShownGroup::show(int row)
 {
-    show(m_views.view(true, true)->model()->index(row, 0));
+    show(m_songs.groups().value(row));
+}
+
+void ShownGroup::show(DupMusicInfo* group)
+{
+    m_nCurrentDupRow = m_songs.groups().indexOf(group);
+    m_views.selectGroup(group);
+    if (group)
+        m_panel.SetDuplicateMusicDetailedInfo(&group->musicList);
 }
 
 void ShownGroup::show(const QList<QMusicInfo*>& songs, const QList<QMusicInfo*>& kept)
@@ -52,7 +59,7 @@ void ShownGroup::show(const QList<QMusicInfo*>& songs, const QList<QMusicInfo*>&
 void ShownGroup::markAnew()
 {
     if (isLeft())
-        m_views.selectGroup(int(m_nCurrentDupRow));
+        m_views.selectGroup(m_songs.groups().at(int(m_nCurrentDupRow)));
 }
 
 void ShownGroup::forget()

@@ -7,6 +7,7 @@ class DuplicateMusicDetailedWidget;
 class QModelIndex;
 class SongClassification;
 class SongViews;
+struct DupMusicInfo;
 struct QMusicInfo;
 
 /// The duplicate group that the panel shows and the views mark. GUI thread only.
@@ -19,9 +20,10 @@ public:
     {
     }
 
-    /// Of the group that was shown last, even if it is gone.
+    /// Of the group that was shown last, in the list of all groups, even if it is gone.
     qint64 row() const { return m_nCurrentDupRow; }
-    /// The row of the group behind it, or behind where it was; -1 when there is no other.
+    /// The group that shows behind it, or behind where it was, by its row in that list; -1 when there is no
+    /// other.
     int next() const;
     /// The row of the views, as they show the groups, that lies so many steps from the group; -1 for none.
     int rowBeside(int steps) const;
@@ -29,6 +31,7 @@ public:
     QList<QMusicInfo*> keptSongs() const;
 
     void show(const QModelIndex& index);
+    /// By its row in the list of all groups, whether it is found or not.
     void show(int row);
     /// The group that the first of the songs is in, if it is in one, with those to be kept.
     void show(const QList<QMusicInfo*>& songs, const QList<QMusicInfo*>& kept);
@@ -38,6 +41,7 @@ public:
     void forget();
 
 private:
+    void show(DupMusicInfo* group);
     bool isLeft() const;
 
     DuplicateMusicDetailedWidget& m_panel;

@@ -1,11 +1,14 @@
 #include "songviews.h"
 
+#include "collection/counttext.h"
+#include "common/sortheader.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
 #include "views/covergriddelegate.h"
 #include "views/paintdupnumberdelegate.h"
 #include "views/songcells.h"
+#include "views/viewnotice.h"
 #include "views/viewsetup.h"
 
 #include <QListView>
@@ -22,6 +25,11 @@ void connectView(const QAbstractItemView* view, const QObject* receiver, const c
     QObject::connect(view, SIGNAL(clicked(QModelIndex)), receiver, clicked);
     QObject::connect(view, SIGNAL(doubleClicked(QModelIndex)), receiver, doubleClicked);
 }
+
+void markOrder(const QTableView& table, const ShownOrder& order)
+{
+    static_cast<SortHeader*>(table.horizontalHeader())->mark(order.column, order.backwards);
+}
 } // namespace
 
 SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<DupMusicInfo*>* groups,
@@ -30,6 +38,9 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
       m_allMusicTableModel(new MusicListModel(this)), m_dupMusicGridModel(new DupMusicListModel(this)),
       m_dupMusicTableModel(new DupMusicListModel(this))
 {
+    const auto views = all();
+    std::transform(views.begin(), views.end(), m_notices.begin(),
+                   [](QAbstractItemView* view) { return new ViewNotice(view); });
     // Before the views, which measure columns that are there.
     showSongs(songs);
     showGroups(groups, SongCells::columnModeDupTable);
@@ -47,32 +58,131 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
     m_widgets.songGrid->setItemDelegate(new CoverGridDelegate(this));
     m_widgets.groupGrid->setItemDelegate(new PaintDupNumberDelegate(this));
     m_widgets.songTable->setColumnWidth(0, titleColumnWidth);
-    for (QWidget* view : all())
+    connect(m_widgets.songTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
+            &SongViews::orderSongs);
+    connect(m_widgets.groupTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
+            &SongViews::orderGroups);
+    for (QWidget* view : views)
         view->hide();
 }
 
 void SongViews::showSongs(QList<QMusicInfo*>* songs)
 {
-    m_allMusicGridModel->setDataSourceList(songs, SongCells::columnModeGrid, false);
-    m_allMusicTableModel->setDataSourceList(songs, SongCells::columnModeTable, false);
+    m_markedSong = nullptr;
+    m_songs.show(songs, m_find);
+    giveSongs();
 }
 
 void SongViews::showGroups(QList<DupMusicInfo*>* groups, int tableColumns)
 {
-    m_dupMusicGridModel->setDupMusicDataSource(groups, SongCells::columnModeGrid, false);
-    m_dupMusicTableModel->setDupMusicDataSource(groups, tableColumns, false);
+    m_groupColumns = tableColumns;
+    m_markedGroup = nullptr;
+    m_groups.show(groups, m_find);
+    giveGroups();
+}
+
+void SongViews::giveSongs()
+{
+    m_allMusicGridModel->setDataSourceList(m_songs.list(), SongCells::columnModeGrid, false);
+    m_allMusicTableModel->setDataSourceList(m_songs.list(), SongCells::columnModeTable, false);
+    tellShown();
+}
+
+void SongViews::giveGroups()
+{
+    m_dupMusicGridModel->setDupMusicDataSource(m_groups.list(), SongCells::columnModeGrid, false);
+    m_dupMusicTableModel->setDupMusicDataSource(m_groups.list(), m_groupColumns, false);
+    tellShown();
+}
+
+/// Of the kind in sight: the other is made anew before it is shown.
+void SongViews::tellShown()
+{
+    const int found = m_groupsChosen ? m_groups.count() : m_songs.count();
+    const int all = m_groupsChosen ? m_groups.countOfAll() : m_songs.countOfAll();
+    QString heading;
+    QString line;
+    if (m_find.isActive() && found == 0 && all > 0) {
+        heading = (m_groupsChosen ? QStringLiteral("No group has “%1”") : QStringLiteral("No song has “%1”"))
+                      .arg(m_typed.simplified());
+        line = QStringLiteral("Empty the field above to see all %1 again.")
+                   .arg(m_groupsChosen ? CountText::of(quint64(all), "group", "groups")
+                                       : CountText::of(quint64(all), "song", "songs"));
+    }
+    for (ViewNotice* notice : m_notices)
+        notice->say(heading, line);
+    emit listShown(found, all);
 }
 
 void SongViews::refreshSongs()
 {
-    m_allMusicGridModel->refresh();
-    m_allMusicTableModel->refresh();
+    showSongs(m_songs.source());
 }
 
 void SongViews::refreshGroups()
 {
-    m_dupMusicGridModel->refresh();
-    m_dupMusicTableModel->refresh();
+    showGroups(m_groups.source(), m_groupColumns);
+}
+
+void SongViews::leave(const QMusicInfo* song, const DupMusicInfo* group)
+{
+    m_songs.drop(song);
+    if (group)
+        m_groups.drop(group);
+    giveSongs();
+    giveGroups();
+}
+
+void SongViews::prepareFind()
+{
+    if (m_groupsChosen)
+        m_groups.prepare(m_find);
+    else
+        m_songs.prepare(m_find);
+}
+
+void SongViews::find(const QString& typed)
+{
+    m_typed = typed;
+    m_find.setTyped(typed);
+    m_groupPlace = 0;
+    if (m_groupsChosen) {
+        m_groups.narrow(m_find);
+        giveGroupsMarked();
+    } else {
+        m_songs.narrow(m_find);
+        giveSongsMarked();
+    }
+    if (m_find.isActive())
+        for (QAbstractItemView* view : all())
+            view->scrollToTop();
+}
+
+void SongViews::orderSongs(int clicked)
+{
+    m_songs.orderBy(m_songs.order().afterClick(clicked), m_find);
+    markOrder(*m_widgets.songTable, m_songs.order());
+    giveSongsMarked();
+}
+
+void SongViews::orderGroups(int clicked)
+{
+    m_groups.orderBy(m_groups.order().afterClick(clicked), m_find);
+    markOrder(*m_widgets.groupTable, m_groups.order());
+    giveGroupsMarked();
+}
+
+/// Models that are reset forget the mark.
+void SongViews::giveSongsMarked()
+{
+    giveSongs();
+    selectSong(m_markedSong);
+}
+
+void SongViews::giveGroupsMarked()
+{
+    giveGroups();
+    selectGroup(m_markedGroup);
 }
 
 void SongViews::connectSongs(const QObject* receiver, const char* clicked, const char* doubleClicked) const
@@ -87,16 +197,24 @@ void SongViews::connectGroups(const QObject* receiver, const char* clicked, cons
     connectView(m_widgets.groupTable, receiver, clicked, doubleClicked);
 }
 
-void SongViews::selectSong(int row)
+int SongViews::selectSong(const QMusicInfo* song)
 {
+    m_markedSong = song;
+    const int row = m_songs.rowOf(song);
     m_widgets.songGrid->setCurrentIndex(m_allMusicGridModel->index(row, 0));
     m_widgets.songTable->setCurrentIndex(m_allMusicTableModel->index(row, 0));
+    return row;
 }
 
-void SongViews::selectGroup(int row)
+int SongViews::selectGroup(const DupMusicInfo* group)
 {
+    m_markedGroup = group;
+    const int row = m_groups.rowOf(group);
+    if (row >= 0)
+        m_groupPlace = row;
     m_widgets.groupGrid->setCurrentIndex(m_dupMusicGridModel->index(row, 0));
     m_widgets.groupTable->setCurrentIndex(m_dupMusicTableModel->index(row, 0));
+    return row;
 }
 
 QMusicInfo* SongViews::songOf(const QModelIndex& index)
@@ -122,6 +240,13 @@ QAbstractItemView* SongViews::view(bool groups, bool grid) const
     if (groups)
         return grid ? static_cast<QAbstractItemView*>(m_widgets.groupGrid) : m_widgets.groupTable;
     return grid ? static_cast<QAbstractItemView*>(m_widgets.songGrid) : m_widgets.songTable;
+}
+
+QAbstractItemView* SongViews::choose(bool groups, bool grid)
+{
+    m_groupsChosen = groups;
+    tellShown();
+    return view(groups, grid);
 }
 
 QAbstractItemView* SongViews::shownView() const

@@ -4,6 +4,7 @@
 # Prints the three counts at the end, and for every screen what share of a core the program takes while nothing
 # happens; fails where it is too much. Without files a small real collection is made.
 set -euo pipefail
+here=$(dirname "$(realpath "$0")")
 bin=$(realpath "$1")
 pictures=$2
 shift 2
@@ -29,9 +30,10 @@ start_display() {
     export XDG_RUNTIME_DIR=$work XDG_DATA_HOME=$work/data
 }
 
-# Starts the program and waits for its window.
+# Starts the program, which finds others by `program_path` if that is set, and waits for its window.
 start_program() {
-    (cd "$work" && mkdir -p flat && cd flat && exec "$bin/melodrift" "$@") >>"$log" 2>&1 &
+    (cd "$work" && mkdir -p flat && cd flat && exec env PATH="${program_path:-$PATH}" "$bin/melodrift" "$@") \
+        >>"$log" 2>&1 &
     program=$!
     window=$(main_window)
 }
@@ -269,6 +271,23 @@ walk_group() {
     picture "$name-group-6-cleared"
 }
 
+# The table of all songs: ordered by title and backwards, a find, and one that finds nothing; then as before.
+walk_finding() {
+    local name=$1
+    click 270 152
+    picture "$name-6-sorted"
+    click 270 152
+    picture "$name-6-sorted-backwards"
+    xdotool key ctrl+f
+    xdotool type "1"
+    picture "$name-6-found"
+    xdotool type " nowhere"
+    picture "$name-6-not-found"
+    rest "$name, nothing found"
+    xdotool key Escape
+    click 270 152
+}
+
 # One walk through the local workflow at a window size.
 walk() {
     local width=$1 height=$2 name=$3
@@ -296,6 +315,7 @@ walk() {
     click $((width - 355)) 121
     picture "$name-6-all-table"
     rest "$name, table"
+    walk_finding "$name"
     click 100 168
     picture "$name-7-undefined"
     click $((width - 385)) 121
@@ -352,85 +372,11 @@ during_intake() {
     picture_in_passing waiting 1
     wait_dialog gone
     picture cleared
-    stop_program
-}
-
-# What the foot of the window says of a file that is none, of edits and of a deletion.
-foot() {
-    local width=$1 height=$2 name=$3 left=$(($1 - 330))
-    rm -rf "$work/foot"
-    mkdir "$work/foot"
-    find -L "$work/copy" -name '*.mp3' -exec cp -t "$work/foot" {} +
-    cp "$(find "$work/foot" -name '*.mp3' -print -quit)" "$work/foot/copy.mp3"
-    echo "no music" >"$work/foot/broken.mp3"
-    start_program "$work/foot"
-    size "$width" "$height"
-    wait_dialog shown
-    picture "$name-foot-1-intake" stay
-    xdotool key Return
+    xdotool key ctrl+z
+    picture_in_passing taking-back 1
     wait_dialog gone
-    rest "$name, foot line"
-    retitle "$left" "Harbour Lights"
-    click $((left + 96)) 608
-    picture "$name-foot-2-saved"
-    chmod a-w "$work/foot"
-    retitle "$left" "Midnight Ferry"
-    click $((left + 96)) 608
-    picture "$name-foot-3-failed"
-    chmod u+w "$work/foot"
-    retitle "$left" "A title that nobody ever saved"
-    click 380 200
-    picture "$name-foot-4-left"
-    click 100 212
-    click 270 200
-    click $((left + 240)) $((height - 57)) 1.5
-    picture "$name-foot-5-deleted"
+    picture taken-back
     stop_program
-}
-
-# What keys show: the outline of what has them, menus, the bar of a row and the card.
-keys() {
-    local width=$1 height=$2 name=$3
-    start_program "$work/foot"
-    size "$width" "$height"
-    wait_dialog shown
-    xdotool key Return
-    wait_dialog gone
-    press Home Right
-    picture "$name-keys-1-view"
-    press Menu
-    picture "$name-keys-2-menu" stay
-    press Escape F2 Tab Tab Tab
-    picture "$name-keys-3-field"
-    press Escape Tab
-    picture "$name-keys-4-button"
-    press ctrl+3 Home alt+Down
-    picture "$name-keys-5-row"
-    press shift+F10
-    picture "$name-keys-6-row-menu" stay
-    press Escape ctrl+i
-    picture "$name-keys-7-card" stay
-    press Escape ctrl+g
-    picture "$name-keys-8-table"
-    rest "$name, keys"
-    stop_program
-}
-
-press() {
-    local each
-    for each in "$@"; do
-        xdotool key "$each"
-        sleep 0.3
-    done
-}
-
-# Types a title for the first song.
-retitle() {
-    click 270 200
-    click $(($1 + 96)) 608
-    xdotool key ctrl+a
-    xdotool type "$2"
-    sleep 0.3
 }
 
 # A large group, and the timers that every song played leaves running.
@@ -461,6 +407,8 @@ after_songs() {
     stop_program
 }
 
+. "$here/tour_foot.sh"
+. "$here/tour_keys.sh"
 start_display
 start_services
 export MELODRIFT_AUDIO_OUTPUT=null
@@ -492,6 +440,7 @@ for width in 1120 1000; do
     walk_library $width $height dense-${width}x$height "$work/Library.xml"
     flatten "$@"
     walk $width $height dense-${width}x$height
+    foot $width $height dense-${width}x$height
     keys $width $height dense-${width}x$height
 done
 sed -n 's/^songs: /songs: /p' "$log" | head -n 1

@@ -18,6 +18,7 @@
 
 #include <QComboBox>
 #include <QDir>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
 #include <QMenuBar>
@@ -39,6 +40,7 @@ private slots:
     void theITunesModeAgain();
     void songsInTheGrid();
     void songsInTheTable();
+    void nothingFoundInOrder();
     void aSong();
     void editMode();
     void theGenres();
@@ -202,6 +204,18 @@ void TestRest::songsInTheTable()
     showSongs();
     click("m_btnTableDisplay");
     QVERIFY(part<QWidget>("m_allMusicTableView")->isVisible());
+    VERIFY_REST();
+}
+
+void TestRest::nothingFoundInOrder()
+{
+    showSongs();
+    click("m_btnTableDisplay");
+    auto* table = part<QTableView>("m_allMusicTableView");
+    QTest::mouseClick(table->horizontalHeader()->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(20, 10));
+    VERIFY_REST();
+    QTest::keyClicks(part<QLineEdit>("m_findField"), "nowhere");
+    QCOMPARE(table->model()->rowCount(), 0);
     VERIFY_REST();
 }
 

@@ -113,6 +113,9 @@ const Caption captions[] = {
     {"src/mainmenu.cpp", "Style::menuText", Style::menuText, "#DCEFFA"},
     {"src/views/viewsetup.cpp", "Style::text.name()", Style::text, Style::header}, // column titles
     {"src/views/viewsetup.cpp", "QPalette::Text, Style::text", Style::text, Style::stripe},
+    {"src/views/viewnotice.cpp", "Style::muted", Style::muted, "#FFFFFF"},
+    {"src/findstrip.cpp", "Style::muted", Style::muted, "#FFFFFF"},
+    {"src/common/findfield.cpp", "PlaceholderText, Style::muted", Style::muted, "#FFFFFF"},
     {"src/deletingmusicwaitingdlg.cpp", "Style::text", Style::text, "#FFFFFF"},
     {"src/deletedupmusicinfodlg.cpp", "Style::dangerText", Style::dangerText, "#FDFEFF"},
     {"src/deletedupmusicinfodlg.cpp", "Style::muted", Style::muted, "#FDFEFF"},

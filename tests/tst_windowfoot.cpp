@@ -31,6 +31,7 @@ private slots:
     void theNextGroupIsALinkAway();
     void aFileThatStaysIsTold();
     void anIntakeTellsWhatItLeftOut();
+    void aDropOfNothingElseIsTold();
     void namedPathsTakeWindowsMedia();
     void aSwitchEmptiesTheLine();
     void aScanWithoutALibraryIsTold();
@@ -268,6 +269,16 @@ void TestWindowFoot::anIntakeTellsWhatItLeftOut()
     QCOMPARE(QApplication::clipboard()->text(), list->toPlainText());
     QTest::keyClick(list, Qt::Key_Escape);
     QTRY_VERIFY(!m_window->findChild<QPlainTextEdit*>("m_list"));
+}
+
+void TestWindowFoot::aDropOfNothingElseIsTold()
+{
+    switchToLocal();
+    const QString path = tone("b", "Windows", "Pop", "wma");
+    m_dialogs->expect([](QWidget* offer) { offer->close(); });
+    part<CenterWidget>("m_middleMusicWidget")->TakeDroppedPaths({path});
+    QCOMPARE(told(), QString("1 WMA file was left out (add it with Ctrl+O)."));
+    QCOMPARE(links(), QStringList("Show"));
 }
 
 void TestWindowFoot::namedPathsTakeWindowsMedia()

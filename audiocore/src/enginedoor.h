@@ -6,6 +6,7 @@
 #define ENGINE_DOOR
 #endif
 
+class IAudioIdentifier;
 class IAudioPlayer;
 
 namespace audiocore {
@@ -20,5 +21,10 @@ struct EngineDoor
 struct PlaybackDoor : EngineDoor<IAudioPlayer>
 {
     bool (*isSilent)(const IAudioPlayer*);
+};
+
+struct IdentifyDoor : EngineDoor<IAudioIdentifier>
+{
+    bool (*hasKey)();
 };
 } // namespace audiocore

@@ -35,7 +35,8 @@ private:
 
 EngineModule<IAudioPlayer, audiocore::PlaybackDoor> playback("melodrift-playback", "melodriftPlayback",
                                                              "playing a song");
-EngineModule<IAudioIdentifier> identify("melodrift-identify", "melodriftIdentify", "identifying a song");
+EngineModule<IAudioIdentifier, audiocore::IdentifyDoor> identify("melodrift-identify", "melodriftIdentify",
+                                                                 "identifying a song");
 } // namespace
 
 IAudioPlayer* CreatePlayer()
@@ -62,6 +63,12 @@ void DestroyPlayer(IAudioPlayer* player)
 IAudioIdentifier* CreateIdentifier()
 {
     return identify.make();
+}
+
+bool IdentifiesBySound()
+{
+    const audiocore::IdentifyDoor* const door = identify.openedBefore();
+    return door && door->hasKey();
 }
 
 void DestroyIdentifier(IAudioIdentifier* identifier)

@@ -37,6 +37,7 @@ struct TakenBack
     QStringList paths;                  ///< files that are again as they were
     QVector<RemovedFiles::Told> failed; ///< files that were left as they are
     QMusicInfo* song = nullptr;         ///< that was edited
+    int picturesLost = 0;               ///< of its file, which a save cannot put back beside the cover
     QVector<RemovedSong> removed;       ///< songs that a deletion took out of the lists, in that order
     int tracks = 0;                     ///< that a deletion took out of the music library
     QString whyNoTrack;                 ///< the reason why none of them is back; empty where all are

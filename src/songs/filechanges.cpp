@@ -37,7 +37,7 @@ public:
         TakenBack result;
         result.kind = TakenBack::Kind::Edit;
         result.song = m_song;
-        const QString reason = restore();
+        const QString reason = restore(result.picturesLost);
         if (!reason.isEmpty()) {
             result.failed.append({m_before.path, reason});
             return result;
@@ -60,7 +60,7 @@ public:
 
 private:
     /// The reason why not, which the log has then, too; else empty.
-    QString restore() const
+    QString restore(int& picturesLost) const
     {
         const FileState now = FileState::of(m_before.path);
         if (!now.exists())
@@ -70,9 +70,18 @@ private:
         const Tag tag = openTag(m_before.path);
         if (tag && m_before.content.picture.size() > qint64(LargestPictureFor(tag.get())))
             return logged(QStringLiteral("its cover is larger than what can be written"));
-        if (tag && m_before.content.save(*tag) == 0)
+        if (tag && save(*tag) == 0) {
+            picturesLost = m_before.content.pictures - TagContent::of(*tag).pictures;
             return QString();
+        }
         return FootLines::reasonOf(tag ? SaveProblemOf(tag.get()) : SAVE_OTHER_PROBLEM);
+    }
+    /// Several pictures that the edit left in the file stay there.
+    int save(IAudioTag& tag) const
+    {
+        const TagContent& before = m_before.content;
+        const bool stayed = before.pictures > 1 && TagContent::of(tag).pictures == before.pictures;
+        return stayed ? before.saveTexts(tag) : before.save(tag);
     }
     const QString& logged(const QString& reason) const
     {

@@ -36,6 +36,7 @@ QString nameOf(FootLines::SideEffect::Field field)
     case FootLines::SideEffect::Year:
         return QStringLiteral("year");
     case FootLines::SideEffect::Track:
+    case FootLines::SideEffect::OtherPictures:
         break;
     }
     return QStringLiteral("track number");
@@ -44,6 +45,10 @@ QString nameOf(FootLines::SideEffect::Field field)
 /// "its genre changed from Électro to Pop".
 QString told(const FootLines::SideEffect& effect)
 {
+    if (effect.field == FootLines::SideEffect::OtherPictures)
+        return effect.before == QLatin1String("1")
+                   ? QStringLiteral("its other picture was taken out")
+                   : QStringLiteral("its %1 other pictures were taken out").arg(effect.before);
     const QString its = QLatin1String("its ") + nameOf(effect.field);
     const QString before = cut(effect.before, longestValue);
     const QString after = cut(effect.after, longestValue);
@@ -219,9 +224,14 @@ QString FootLines::nameOfTakingOut(int tracks)
     return QLatin1String("the deletion of ") + CountText::of(quint64(tracks), "track", "tracks");
 }
 
-QString FootLines::editTakenBack(const QString& title)
+QString FootLines::editTakenBack(const QString& title, int picturesLost)
 {
-    return QLatin1String("Took back ") + nameOfEdit(title) + QLatin1Char('.');
+    QString lost;
+    if (picturesLost > 0)
+        lost = QStringLiteral("; %1 of its pictures %2 out")
+                   .arg(CountText::number(quint64(picturesLost)),
+                        QLatin1String(picturesLost == 1 ? "stays" : "stay"));
+    return QLatin1String("Took back ") + nameOfEdit(title) + lost + QLatin1Char('.');
 }
 
 QString FootLines::editNotTakenBack(const QString& title, const QString& reason)
@@ -299,9 +309,16 @@ QString FootLines::nothingScanned(iTunesReading found, quint64 line)
     return QString();
 }
 
-QString FootLines::identifiedBySound()
+QString FootLines::identified(int status)
 {
-    return QStringLiteral("Identified by sound.");
+    return status == IDENTIFY_FOUND_BY_TAGS ? QStringLiteral("Identified by its tags: please check.")
+                                            : QStringLiteral("Identified by sound.");
+}
+
+QString FootLines::keyOffer()
+{
+    return QStringLiteral(
+        "With a free key from https://acoustid.org/new-application songs are identified by their sound.");
 }
 
 QString FootLines::notIdentified(int status)
@@ -316,8 +333,7 @@ QString FootLines::notIdentified(int status)
     case IDENTIFY_TOO_SHORT:
         return QStringLiteral("Not identified: the song is too short.");
     case IDENTIFY_NO_KEY:
-        return QStringLiteral("Not identified: there is no application key. Get one at "
-                              "https://acoustid.org/new-application and set MELODRIFT_ACOUSTID_KEY.");
+        return QStringLiteral("Not identified: the services know no song that fits its tags.");
     case IDENTIFY_BAD_ADDRESS:
         return QStringLiteral("Not identified: the address of a service is not safe.");
     case IDENTIFY_NO_CONNECTION:
@@ -329,7 +345,7 @@ QString FootLines::notIdentified(int status)
     case IDENTIFY_NO_MEMORY:
         return QStringLiteral("Not identified: there is not enough memory.");
     case IDENTIFY_FOUND:
-    case IDENTIFY_FOUND_NO_PICTURE:
+    case IDENTIFY_FOUND_BY_TAGS:
     case IDENTIFY_CANCELLED:
         return QString();
     default:

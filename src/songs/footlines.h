@@ -12,10 +12,10 @@ namespace FootLines {
 /// A field that a save changed in the file though the user did not touch it.
 struct SideEffect
 {
-    enum Field { Cover, Title, Artist, Album, Genre, Year, Track };
+    enum Field { Cover, Title, Artist, Album, Genre, Year, Track, OtherPictures };
 
     Field field;
-    QString before; ///< empty for a field that was not there; no text for covers
+    QString before; ///< empty for a field that was not there; no text for covers, a number for other pictures
     QString after;  ///< empty for a field that went
 };
 
@@ -61,7 +61,8 @@ QString takenOut(const TakingOut& takingOut);
 QString nameOfEdit(const QString& title);
 QString nameOfDeletion(int songs);
 QString nameOfTakingOut(int tracks);
-QString editTakenBack(const QString& title);
+/// So many pictures did not come back.
+QString editTakenBack(const QString& title, int picturesLost = 0);
 QString editNotTakenBack(const QString& title, const QString& reason);
 /// What taking a deletion back did with the files of songs.
 struct Return
@@ -94,8 +95,11 @@ QString noSoundDevice();
 /// broken; 0 when that is not known.
 QString nothingScanned(iTunesReading found, quint64 line = 0);
 
-QString identifiedBySound();
+/// `status` is the identifier's (IdentifyStatus), one that found something.
+QString identified(int status);
 /// `status` is the identifier's (IdentifyStatus); empty for one that tells of no failure, or of what the
 /// user did himself.
 QString notIdentified(int status);
+/// What a key for identifying by sound would add, and where to get one.
+QString keyOffer();
 } // namespace FootLines

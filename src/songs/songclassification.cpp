@@ -47,10 +47,9 @@ void SongClassification::group()
     }
 }
 
-int SongClassification::rowAfter(int row, bool isThere) const
+int SongClassification::rowAfter(int row, bool isThere, int rows)
 {
-    const int groups = m_dupMusicInfoList.size();
-    return groups > int(isThere) ? (row + int(isThere)) % groups : -1;
+    return rows > int(isThere) ? (row + int(isThere)) % rows : -1;
 }
 
 int SongClassification::rowOf(QMusicInfo* song) const

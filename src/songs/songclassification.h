@@ -27,9 +27,9 @@ public:
     const QList<QMusicInfo*>& undefinedSongs() const { return m_undefinedMusicList; }
     QList<DupMusicInfo*>& groups() { return m_dupMusicInfoList; }
     const QList<DupMusicInfo*>& groups() const { return m_dupMusicInfoList; }
-    /// The row of the group behind one, or behind where one was until it was none any more; behind the last
+    /// The row behind one, or behind where one was until it was none any more, of so many; behind the last
     /// comes the first. -1 when there is no other.
-    int rowAfter(int row, bool isThere) const;
+    static int rowAfter(int row, bool isThere, int rows);
     /// The row of the group that a song is in; -1 for none.
     int rowOf(QMusicInfo* song) const;
 

@@ -2,6 +2,7 @@
 
 #include "audiocore/iaudiotag.h"
 #include "audiocore/saveproblem.h"
+#include "collection/counttext.h"
 #include "covers/coverloader.h"
 #include "itunes/editproblem.h"
 #include "itunes/eyetunes.h"
@@ -17,6 +18,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <array>
 #include <deque>
 #include <limits>
@@ -78,10 +80,13 @@ QVector<FootLines::SideEffect> sideEffects(const QVector<qint32>& untouched, con
 {
     using Effect = FootLines::SideEffect;
     QVector<Effect> effects;
+    const int others = before.pictures - std::max(after.pictures, 1);
     for (const qint32 type : untouched) {
         if (type == TAG_PICTURE) {
-            if (!before.picture.isEmpty() && after.picture.isEmpty())
+            if (before.pictures > 0 && after.pictures == 0)
                 effects.append({Effect::Cover, QString(), QString()});
+            if (others > 0)
+                effects.append({Effect::OtherPictures, CountText::number(quint64(others)), QString()});
         } else if (before.text(type) != after.text(type)) {
             effects.append({Effect::Field(Effect::Title + type), before.text(type), after.text(type)});
         }

@@ -89,7 +89,7 @@ SongUndo::Undone SongUndo::finishEdit(const TakenBack& taken) const
 {
     Undone undone;
     if (taken.failed.isEmpty() && SongEditing::takeBack(*taken.song)) {
-        undone.line = FootLines::editTakenBack(SongFields::shownName(taken.song));
+        undone.line = FootLines::editTakenBack(SongFields::shownName(taken.song), taken.picturesLost);
         undone.edited = taken.song;
         return undone;
     }

@@ -1,6 +1,7 @@
 #include "songs/tagcontent.h"
 
 #include "audiocore/iaudiotag.h"
+#include "audiocore/saveproblem.h"
 
 #include <string>
 
@@ -33,6 +34,16 @@ void replaceText(IAudioTag& tag, qint32 type, const QString& text)
     tag.SetItem({-1, type, 0, qint32(wide.size() * sizeof(char32_t)), wide.data()});
 }
 
+void replaceTexts(IAudioTag& tag, const TagContent& content)
+{
+    replaceText(tag, TAG_ARTIST, content.artist);
+    replaceText(tag, TAG_TITLE, content.title);
+    replaceText(tag, TAG_ALBUM, content.album);
+    replaceText(tag, TAG_GENRE, content.genre);
+    replaceText(tag, TAG_YEAR, content.year);
+    replaceText(tag, TAG_TRACK, content.track);
+}
+
 void replacePicture(IAudioTag& tag, QByteArray picture)
 {
     tag.RemoveItem(TAG_PICTURE);
@@ -43,6 +54,7 @@ void replacePicture(IAudioTag& tag, QByteArray picture)
 TagContent TagContent::of(IAudioTag& tag)
 {
     TagContent content;
+    content.pictures = int(PicturesIn(&tag));
     const int count = tag.GetItemCount();
     for (int i = 0; i < count; ++i) {
         const TagItem item = tag.GetItem(i);
@@ -64,12 +76,13 @@ QString TagContent::text(int type) const
 
 int TagContent::save(IAudioTag& tag) const
 {
-    replaceText(tag, TAG_ARTIST, artist);
-    replaceText(tag, TAG_TITLE, title);
-    replaceText(tag, TAG_ALBUM, album);
-    replaceText(tag, TAG_GENRE, genre);
-    replaceText(tag, TAG_YEAR, year);
-    replaceText(tag, TAG_TRACK, track);
+    replaceTexts(tag, *this);
     replacePicture(tag, picture);
+    return tag.Save();
+}
+
+int TagContent::saveTexts(IAudioTag& tag) const
+{
+    replaceTexts(tag, *this);
     return tag.Save();
 }

@@ -15,6 +15,7 @@ struct TagContent
     QString year;       ///< decimal
     QString track;      ///< decimal
     QByteArray picture; ///< the bytes of its file; empty without one; of several the last one, as in lists
+    int pictures = 0;   ///< in its file; a save leaves one at the most
 
     /// What an open tag holds.
     static TagContent of(IAudioTag& tag);
@@ -22,4 +23,6 @@ struct TagContent
     QString text(int type) const;
     /// Puts it into an open tag in place of what that held, and saves the tag. The result of the save.
     int save(IAudioTag& tag) const;
+    /// The same without the picture.
+    int saveTexts(IAudioTag& tag) const;
 };

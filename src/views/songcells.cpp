@@ -2,45 +2,22 @@
 
 #include "common/style.h"
 #include "covers/coverloader.h"
+#include "songs/songcolumns.h"
 #include "songs/songfields.h"
 
 #include <QBrush>
 #include <QIcon>
 
-namespace {
-/// The column's value as text, empty for an empty value.
-QString value(const QMusicInfo* song, int column)
-{
-    const auto number = [](quint64 n) { return n == 0 ? QString() : QString::number(n); };
-    switch (column) {
-    case SongCells::ColumnTitle:
-        return SongFields::title(song);
-    case SongCells::ColumnArtist:
-        return SongFields::artist(song);
-    case SongCells::ColumnAlbum:
-        return SongFields::album(song);
-    case SongCells::ColumnGenre:
-        return SongFields::genre(song);
-    case SongCells::ColumnYear:
-        return number(SongFields::year(song));
-    case SongCells::ColumnTrack:
-        return number(SongFields::trackNumber(song));
-    default:
-        return QString();
-    }
-}
-} // namespace
-
 bool SongCells::isEmpty(const QMusicInfo* song, int column)
 {
-    return value(song, column).isEmpty();
+    return SongColumns::text(song, column).isEmpty();
 }
 
 QVariant SongCells::text(const QMusicInfo* song, int column)
 {
-    if (column < ColumnTitle || column > ColumnTrack)
+    if (column < SongColumns::ColumnTitle || column > SongColumns::ColumnTrack)
         return QVariant();
-    const QString shown = value(song, column);
+    const QString shown = SongColumns::text(song, column);
     return shown.isEmpty() ? QStringLiteral("unknown") : shown;
 }
 

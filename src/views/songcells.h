@@ -10,16 +10,6 @@ constexpr int columnModeGrid = 1;
 constexpr int columnModeTable = 6;
 constexpr int columnModeDupTable = 7;
 
-enum Column {
-    ColumnTitle,
-    ColumnArtist,
-    ColumnAlbum,
-    ColumnGenre,
-    ColumnYear,
-    ColumnTrack,
-    ColumnDuplicates
-};
-
 /// Whether the song's value of a column is the empty text or the number 0; a column without a value is empty.
 bool isEmpty(const QMusicInfo* song, int column);
 /// The value as a table shows it, "unknown" for an empty one; invalid for columns without a value.

@@ -1,5 +1,6 @@
 #include "views/viewsetup.h"
 
+#include "common/sortheader.h"
 #include "common/style.h"
 
 #include <QHeaderView>
@@ -33,6 +34,7 @@ void ViewSetup::table(QTableView* view)
 {
     view->setFrameShape(QFrame::NoFrame);
     view->setShowGrid(false);
+    view->setHorizontalHeader(new SortHeader(view));
     view->verticalHeader()->hide();
     view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view->setSelectionBehavior(QAbstractItemView::SelectRows);

@@ -158,6 +158,10 @@ void TestMp4Tags::aNewListTakesOverWhatOthersSay()
     QCOMPARE(other.texts.value(QString::fromLatin1("\251nam")), QStringLiteral("New"));
     QCOMPARE(other.texts.value(QString::fromLatin1("\251ART")), QStringLiteral("Singer"));
     QCOMPARE(other.texts.value(QString::fromLatin1("\251day")), QStringLiteral("1999"));
+    QVERIFY(!contentOf(path).contains("Old"));
+    // What the list needs around it is there from now on.
+    QCOMPARE(AudioFile::write(path, {{TAG_ALBUM, QStringLiteral("Album")}}), 0);
+    QCOMPARE(contentOf(path).count("mdirappl"), 1);
 }
 
 void TestMp4Tags::oldEncodingsAreRead()

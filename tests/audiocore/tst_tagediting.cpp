@@ -5,9 +5,15 @@
 #include "fixtures.h"
 #include "tags/parsedmedia.h"
 #include "tags/tagediting.h"
+#include "tags/tagreading.h"
+
+#include <taglib/id3v2tag.h>
+#include <taglib/textidentificationframe.h>
 
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <optional>
 
 using audiocore::ParsedMedia;
 using audiocore::TagEdits;
@@ -22,6 +28,7 @@ private slots:
     void memoryGetsTheBytesOfTheFile();
     void whatPlaysOtherwiseIsRefused();
     void aFullMemoryIsToldAsAFullDisk();
+    void bytesAreAskedForWhereTheyTellMore();
 
 private:
     QTemporaryDir m_folder;
@@ -93,6 +100,23 @@ void TestTagEditing::aFullMemoryIsToldAsAFullDisk()
     const auto original = audiocore::parsedMedia(memory, "memory");
     QCOMPARE(edit(memory, editsOf({{TAG_TITLE, QStringLiteral("T")}}, QByteArray()), *original),
              std::string("the new file cannot be written, the disk may be full"));
+}
+
+void TestTagEditing::bytesAreAskedForWhereTheyTellMore()
+{
+    const auto asked = [](const TagLib::ID3v2::Tag& tag) {
+        int times = 0;
+        audiocore::TagReading().add(&tag, [&times] {
+            ++times;
+            return std::nullopt;
+        });
+        return times;
+    };
+    TagLib::ID3v2::Tag tag;
+    tag.setTitle("T");
+    QCOMPARE(asked(tag), 0);
+    tag.addFrame(new TagLib::ID3v2::TextIdentificationFrame("TPE1", TagLib::String::UTF8)); // says nothing
+    QCOMPARE(asked(tag), 1);
 }
 
 QTEST_GUILESS_MAIN(TestTagEditing)

@@ -2,10 +2,7 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "playing.h"
-
-#include <taglib/attachedpictureframe.h>
-#include <taglib/id3v2tag.h>
-#include <taglib/mpegfile.h>
+#include "severalpictures.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -18,30 +15,17 @@ QByteArray pictureOf(int bytes)
     return "\x89PNG\r\n\x1a\n" + QByteArray(bytes - 8, 'p');
 }
 
-TagLib::ID3v2::AttachedPictureFrame* frame(const QByteArray& bytes, int type)
-{
-    auto* made = new TagLib::ID3v2::AttachedPictureFrame;
-    made->setType(TagLib::ID3v2::AttachedPictureFrame::Type(type));
-    made->setMimeType("image/png");
-    made->setPicture(TagLib::ByteVector(bytes.constData(), unsigned(bytes.size())));
-    return made;
-}
-
 /// An MP3 with these pictures: the front cover, the back cover.
 QString songWith(const QString& folder, const QByteArrayList& pictures)
 {
     const QString path = Fixtures::copyTone(QStringLiteral("mp3"), folder);
-    TagLib::MPEG::File file(QFile::encodeName(path).constData());
-    for (int i = 0; i < pictures.size(); ++i)
-        file.ID3v2Tag(true)->addFrame(frame(pictures.at(i), 3 + i));
-    file.save();
+    SeveralPictures::add(path, pictures);
     return path;
 }
 
 int picturesIn(const QString& path)
 {
-    TagLib::MPEG::File file(QFile::encodeName(path).constData());
-    return int(file.ID3v2Tag(true)->frameList("APIC").size());
+    return SeveralPictures::countIn(path);
 }
 
 void verifyPlays(const QString& path)

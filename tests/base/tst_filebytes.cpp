@@ -1,4 +1,5 @@
 #include "base/filebytes.h"
+#include "base/platform.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -20,6 +21,9 @@ private slots:
     void aFileIsMadeShorterAndLonger_data() { addKinds(); }
     void aFileIsMadeShorterAndLonger();
     void whatIsNoFileHasNoSize();
+    void holesAreToldAndMade();
+    void aFileIsLockedOnce();
+    void statesAreTheSameInAllOrNot();
     void aFullMemoryIsLikeAFullDisk();
 
 private:
@@ -89,6 +93,61 @@ void TestFileBytes::whatIsNoFileHasNoSize()
     QVERIFY(!SystemFile::open(m_folder.filePath("nowhere").toStdString(), false));
     const auto folder = SystemFile::open(m_folder.path().toStdString(), false);
     QVERIFY(!folder || !folder->size());
+}
+
+void TestFileBytes::holesAreToldAndMade()
+{
+    constexpr qint64 block = 64 * 1024;
+    QFile sparse(m_folder.filePath("sparse"));
+    QVERIFY(sparse.open(QIODevice::WriteOnly) && sparse.resize(8 * block));
+    QVERIFY(sparse.seek(4 * block) && sparse.write("data", 4) == 4);
+    sparse.close();
+    const auto file = SystemFile::open(sparse.fileName().toStdString(), true);
+    QVERIFY(file);
+    if (!file->isHole(0, block))
+        QSKIP("holes are not told here");
+    QVERIFY(file->isHole(block, 3 * block));
+    QVERIFY(!file->isHole(block, 3 * block + 1));
+    QVERIFY(!file->isHole(4 * block, 1));
+    QVERIFY(file->isHole(5 * block, block));
+    QVERIFY(file->isHole(100 * block, block));
+    QVERIFY(file->makeHole(4 * block, block));
+    QVERIFY(file->isHole(0, 8 * block));
+    QCOMPARE(qint64(file->size().value_or(-1)), 8 * block);
+    QVERIFY(file->makeHole(8 * block, block));
+    QCOMPARE(qint64(file->size().value_or(-1)), 9 * block);
+}
+
+void TestFileBytes::aFileIsLockedOnce()
+{
+    const std::string path = m_folder.filePath("locked").toStdString();
+    QFile made(m_folder.filePath("locked"));
+    QVERIFY(made.open(QIODevice::WriteOnly));
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> one(base::openFile(path, true), std::fclose);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> other(base::openFile(path, true), std::fclose);
+    QVERIFY(one && other);
+    QVERIFY(base::lockFile(one.get()));
+    QVERIFY(!base::lockFile(other.get()));
+}
+
+void TestFileBytes::statesAreTheSameInAllOrNot()
+{
+    base::FileState state;
+    QVERIFY(!base::stateOf(m_folder.filePath("nowhere").toStdString(), state));
+    state.device = 1;
+    state.inode = 2;
+    state.size = 3;
+    state.modified = 4;
+    state.changed = 5;
+    QVERIFY(state == base::FileState(state));
+    std::vector<base::FileState> others(5, state);
+    others[0].device = 9;
+    others[1].inode = 9;
+    others[2].size = 9;
+    others[3].modified = 9;
+    others[4].changed = 9;
+    for (const base::FileState& other : others)
+        QVERIFY(!(state == other));
 }
 
 void TestFileBytes::aFullMemoryIsLikeAFullDisk()

@@ -1,10 +1,12 @@
 #include "base/newfile.h"
 #include "base/newfilename.h"
+#include "interposed.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cerrno>
 #include <sys/stat.h>
 
 using base::NewFile;
@@ -22,6 +24,7 @@ private slots:
     void anyNameIsTaken();
     void aFreeNameIsNoOthers_data();
     void aFreeNameIsNoOthers();
+    void aFreeNameNeedsNoFurtherNames();
     void aFurtherNameIsOneOfTheSameFile();
     void anotherFileGetsNoFurtherName();
     void aFileIsRenamedOverAnother();
@@ -147,6 +150,22 @@ void TestNewFile::aFreeNameIsNoOthers()
     QCOMPARE(read("kept"), before);
     QCOMPARE(read("kept-2"), QByteArray("new"));
     QVERIFY(!names().first().startsWith('.'));
+}
+
+/// Not every disk knows them.
+void TestNewFile::aFreeNameNeedsNoFurtherNames()
+{
+    const Interposed::Guard guard;
+    Interposed::linkFails = [] { return EPERM; };
+    write("kept", "kept");
+    {
+        const auto file = written("file", "new");
+        QCOMPARE(file->takeFreeName(at("kept"), m_error), NewFile::Taking::NameTaken);
+        QCOMPARE(file->takeFreeName(at("kept-2"), m_error), NewFile::Taking::Done);
+    }
+    QCOMPARE(names(), QStringList({"file", "kept", "kept-2"}));
+    QCOMPARE(read("kept"), QByteArray("kept"));
+    QCOMPARE(read("kept-2"), QByteArray("new"));
 }
 
 void TestNewFile::aFurtherNameIsOneOfTheSameFile()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
 #include "identify/identification.h"
@@ -21,6 +22,23 @@ constexpr int songMilliseconds = 20000;
 inline QString song()
 {
     return Fixtures::tone("flac", songMilliseconds);
+}
+
+/// A song in the folder with what the server's recording is called.
+inline QString taggedSong(const QString& folder,
+                          const QHash<int, QString>& texts = {{TAG_TITLE, "Midnight Ferry"},
+                                                              {TAG_ARTIST, "Ida Marlowe"},
+                                                              {TAG_ALBUM, "Paper Lanterns"}})
+{
+    QString path = Fixtures::copyTone("flac", folder);
+    AudioFile::write(path, texts);
+    return path;
+}
+
+inline audiocore::Services withoutKey(audiocore::Services services)
+{
+    services.addresses.key.clear();
+    return services;
 }
 
 inline Identification identify(const audiocore::Services& services, const QString& path = song())

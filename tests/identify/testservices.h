@@ -19,7 +19,8 @@ public:
         return {{m_address, m_address, m_address, "testkey"},
                 {client(IdentifyServer::AcoustId), m_acoustId},
                 {client(IdentifyServer::MusicBrainz), m_musicBrainz},
-                {client(IdentifyServer::CoverArt), m_coverArt}};
+                {client(IdentifyServer::CoverArt), m_coverArt},
+                m_patience};
     }
 
     /// Lets this service, and no other, take a third of a second at most. Whatever of MusicBrainz is named:
@@ -29,6 +30,7 @@ public:
         const bool metadata = service != IdentifyServer::AcoustId && service != IdentifyServer::CoverArt;
         m_hurried = metadata ? IdentifyServer::MusicBrainz : service;
     }
+    void setPatience(const audiocore::Patience& patience) { m_patience = patience; }
     void holdMusicBrainz(std::chrono::seconds time) { m_musicBrainz.holdFor(time); }
 
 private:
@@ -36,6 +38,7 @@ private:
     const audiocore::HttpClient m_patient;
     const audiocore::HttpClient m_impatient{{std::chrono::seconds(10), std::chrono::milliseconds(300)}};
     std::optional<IdentifyServer::Service> m_hurried;
+    audiocore::Patience m_patience{std::chrono::hours(1), std::chrono::hours(1)}; // on a busy machine
     audiocore::RateLimit m_acoustId{std::chrono::seconds(0)};
     audiocore::RateLimit m_musicBrainz{std::chrono::seconds(0)};
     audiocore::RateLimit m_coverArt{std::chrono::seconds(0)};

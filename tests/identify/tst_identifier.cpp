@@ -5,6 +5,7 @@
 #include "identifyserver.h"
 #include "vtableslot.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <thread>
@@ -31,6 +32,7 @@ private slots:
     void init();
     void operationsStandAtTheirSlots();
     void itemsComeInTheOrderOfTheirTypes();
+    void whatTheNameSaysIsFoundAsWell();
     void absentItemsAreOfSizeZero();
     void nothingIsFoundBeforeIdentify();
     void closingDropsTheItems();
@@ -87,6 +89,22 @@ void TestIdentifier::itemsComeInTheOrderOfTheirTypes()
     QCOMPARE(QByteArray(static_cast<const char*>(picture.data), picture.size), IdentifyServer::picture());
     for (const int none : {-1, 6, 7, 8, 10, 1000})
         QCOMPARE(identifier->GetItem(none).size, 0);
+    DestroyIdentifier(identifier);
+}
+
+void TestIdentifier::whatTheNameSaysIsFoundAsWell()
+{
+    IdentifyServer server;
+    server.setAnswer(IdentifyServer::AcoustId, IdentifyServer::emptyLookupAnswer());
+    server.putIntoEnvironment();
+    const QTemporaryDir folder;
+    const QString path = Fixtures::copyTone("mp3", folder.path(), "Ida Marlowe - Midnight Ferry");
+    IAudioIdentifier* identifier = CreateIdentifier();
+    QVERIFY(IdentifiesBySound());
+    identifier->Open(path.toStdU32String().c_str());
+    QCOMPARE(identifier->Identify(1, 1, 3), 0);
+    QCOMPARE(identifier->GetStatus(), 4);
+    QCOMPARE(textOf(identifier->GetItem(TAG_ALBUM)), QString("Paper Lanterns"));
     DestroyIdentifier(identifier);
 }
 

@@ -7,6 +7,7 @@
 #include "nameserver.h"
 #include "testservices.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <functional>
@@ -78,6 +79,7 @@ private slots:
     void whileDecoding();
     void whileATransferIsUnderWay_data();
     void whileATransferIsUnderWay();
+    void whileSearching();
     void whileWaitingForTheTurn();
     void whileSlowingDown();
     void whileTheNameIsResolved();
@@ -121,6 +123,20 @@ void TestIdentifyCancel::whileATransferIsUnderWay()
     cancelOften(shortSong(), services.all(), [&server, service](int i) {
         QVERIFY(server.waitForRequests(IdentifyServer::Service(service), i + 1));
     });
+}
+
+void TestIdentifyCancel::whileSearching()
+{
+    const QTemporaryDir folder;
+    const QString path = Fixtures::copyTone("flac", folder.path());
+    AudioFile::write(path, {{TAG_TITLE, "Midnight Ferry"}, {TAG_ARTIST, "Ida Marlowe"}});
+    IdentifyServer server;
+    server.setManner(IdentifyServer::Search, Manner::Silent);
+    TestServices services(server);
+    audiocore::Services keyless = services.all();
+    keyless.addresses.key.clear();
+    cancelOften(path.toStdString(), keyless,
+                [&server](int i) { QVERIFY(server.waitForRequests(IdentifyServer::Search, i + 1)); });
 }
 
 void TestIdentifyCancel::whileWaitingForTheTurn()

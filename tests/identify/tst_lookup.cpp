@@ -155,12 +155,17 @@ void TestLookup::textsAreCleanedAndBounded()
 {
     const json::Value value = {{"blanks", "  two\nlines\t\u0007 "},
                                {"zero", std::string("a\0b", 3)},
-                               {"long", std::string(5000, 'x')},
+                               {"long", "  " + std::string(5000, 'x')},
+                               {"wide", std::string(500, ' ') + "\u00e9" + std::string(999, 'x') + "yz"},
+                               {"controls", "a\u0085b\u2028c\u009b\u202Ed\u202C\u2066e\u2069\uFEFF"},
                                {"number", 7},
                                {"only", " \n "}};
     QCOMPARE(text(json::text(value, "blanks")), QString("two lines"));
     QCOMPARE(text(json::text(value, "zero")), QString("a b"));
-    for (const char* none : {"long", "number", "only", "missing"})
+    QCOMPARE(text(json::text(value, "long")), QString(1000, 'x'));
+    QCOMPARE(text(json::text(value, "wide")), QString(QChar(0xE9)) + QString(999, 'x'));
+    QCOMPARE(text(json::text(value, "controls")), QString("a b c de"));
+    for (const char* none : {"number", "only", "missing"})
         QCOMPARE(text(json::text(value, none)), QString());
 }
 

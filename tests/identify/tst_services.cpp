@@ -22,6 +22,7 @@ void TestServiceAddresses::init()
     for (const char* name : {"MELODRIFT_ACOUSTID_URL", "MELODRIFT_MUSICBRAINZ_URL", "MELODRIFT_COVERART_URL",
                              "MELODRIFT_ACOUSTID_KEY"})
         qunsetenv(name);
+    qputenv("XDG_CONFIG_HOME", "/nowhere"); // with a key of the user's
 }
 
 void TestServiceAddresses::thePublicServicesAreAskedByHttps()

@@ -143,7 +143,7 @@ void TestXml::attributesAreTold_data()
     for (const char* text : {"", " ", " a='b'", "\ta=\"b\"\n", " a = 'b' c:d='' ", " a='\"'"})
         QTest::addRow("<%s>", text) << true;
     for (const char* text :
-         {"a='b'", " a", " a=", " a=b", " a='b", " a='b'c='d'", " ='b'", " 1='b'", " a 'b'", " '"})
+         {"a='b'", " a", " a=", " a=b", " a/'b'", " a='b", " a='b'c='d'", " ='b'", " 1='b'", " a 'b'", " '"})
         QTest::addRow("<%s>", text) << false;
 }
 

@@ -3,6 +3,7 @@
 #include "fixtures.h"
 #include "loggedlines.h"
 #include "owntrash.h"
+#include "severalpictures.h"
 #include "songfixtures.h"
 #include "songs/changehistory.h"
 #include "songs/filechanges.h"
@@ -37,6 +38,8 @@ private slots:
     void thereIsAnEndToPictures();
     void everythingIsForgottenAtOnce();
     void aCoverThatCannotBeWrittenBackStaysAway();
+    void picturesThatDoNotComeBackAreTold();
+    void severalPicturesThatWereLeftStay();
     void changesHaveNames();
     void whomAChangeWasAboutIsHandedBack();
 
@@ -339,6 +342,36 @@ void TestChangeHistory::aCoverThatCannotBeWrittenBackStaysAway()
     QCOMPARE(taken.failed.size(), 1);
     QVERIFY(taken.paths.isEmpty());
     QCOMPARE(Fixtures::readBytes(path), bytes);
+}
+
+/// A save puts one back, the cover.
+void TestChangeHistory::picturesThatDoNotComeBackAreTold()
+{
+    const QString path = song();
+    const QByteArray cover = AudioFile::read(path).picture;
+    SeveralPictures::add(path, {cover + 'b', cover + 'c'});
+    QCOMPARE(SeveralPictures::countIn(path), 3);
+    edit(path, "New");
+    QCOMPARE(SeveralPictures::countIn(path), 0);
+    const TakenBack taken = m_history->takeBack();
+    QVERIFY(taken.failed.isEmpty());
+    QCOMPARE(taken.picturesLost, 2);
+    QCOMPARE(SeveralPictures::countIn(path), 1);
+}
+
+/// As when the new one was too large for the file.
+void TestChangeHistory::severalPicturesThatWereLeftStay()
+{
+    const QString path = song();
+    SeveralPictures::add(path, {Fixtures::jpeg(40, 40, 1)});
+    const FileChanges::Before before = FileChanges::Before::of(path);
+    AudioFile::write(path, {{TAG_TITLE, "New"}});
+    m_history->add(FileChanges::edit(before, nullptr));
+    const TakenBack taken = m_history->takeBack();
+    QVERIFY(taken.failed.isEmpty());
+    QCOMPARE(taken.picturesLost, 0);
+    QCOMPARE(titleOf(path), QString("Old"));
+    QCOMPARE(SeveralPictures::countIn(path), 2);
 }
 
 void TestChangeHistory::changesHaveNames()

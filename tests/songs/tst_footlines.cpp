@@ -1,5 +1,6 @@
 #include "audiocore/iaudioidentifier.h"
 #include "songs/footlines.h"
+#include "songs/identifywords.h"
 
 #include <QtTest>
 
@@ -35,6 +36,7 @@ private slots:
     void scansThatFoundNothing();
     void identifications_data();
     void identifications();
+    void whatAKeyAddsIsSaidOnce();
 };
 
 void TestFootLines::aSavedSong()
@@ -53,6 +55,12 @@ void TestFootLines::whatElseASaveChanged_data()
     QTest::newRow("cover") << int(SideEffect::Cover) << ""
                            << ""
                            << "its cover was taken out";
+    QTest::newRow("another picture") << int(SideEffect::OtherPictures) << "1"
+                                     << ""
+                                     << "its other picture was taken out";
+    QTest::newRow("other pictures") << int(SideEffect::OtherPictures) << "1,200"
+                                    << ""
+                                    << "its 1,200 other pictures were taken out";
     QTest::newRow("genre") << int(SideEffect::Genre) << "Électro"
                            << "Pop"
                            << "its genre changed from Électro to Pop";
@@ -117,6 +125,10 @@ void TestFootLines::whatIsTakenBack()
     QCOMPARE(FootLines::nameOfEdit(ferry), QString("the edit of \"Midnight Ferry\""));
     QCOMPARE(FootLines::nameOfDeletion(2000), QString("the deletion of 2,000 songs"));
     QCOMPARE(FootLines::editTakenBack(ferry), QString("Took back the edit of \"Midnight Ferry\"."));
+    QCOMPARE(FootLines::editTakenBack(ferry, 1),
+             QString("Took back the edit of \"Midnight Ferry\"; 1 of its pictures stays out."));
+    QCOMPARE(FootLines::editTakenBack(ferry, 2),
+             QString("Took back the edit of \"Midnight Ferry\"; 2 of its pictures stay out."));
     QCOMPARE(FootLines::editNotTakenBack(ferry, "the file is gone"),
              QString("The edit of \"Midnight Ferry\" cannot be taken back: the file is gone."));
     QCOMPARE(FootLines::tracksBack(1), QString("1 track is back in the library."));
@@ -294,7 +306,7 @@ void TestFootLines::identifications_data()
     QTest::newRow("no file") << int(IDENTIFY_NO_FILE) << "cannot be read";
     QTest::newRow("no audio") << int(IDENTIFY_NO_AUDIO) << "no sound";
     QTest::newRow("too short") << int(IDENTIFY_TOO_SHORT) << "too short";
-    QTest::newRow("no key") << int(IDENTIFY_NO_KEY) << "https://acoustid.org/new-application";
+    QTest::newRow("no key") << int(IDENTIFY_NO_KEY) << "fits its tags";
     QTest::newRow("bad address") << int(IDENTIFY_BAD_ADDRESS) << "not safe";
     QTest::newRow("no network") << int(IDENTIFY_NO_CONNECTION) << "no connection";
     QTest::newRow("refused") << int(IDENTIFY_REFUSED) << "refused";
@@ -310,9 +322,26 @@ void TestFootLines::identifications()
     const QString line = FootLines::notIdentified(status);
     QVERIFY2(line.startsWith("Not identified: ") && line.contains(says) && line.endsWith('.'),
              qPrintable(line));
-    QCOMPARE(FootLines::identifiedBySound(), QString("Identified by sound."));
-    for (const int silent : {IDENTIFY_FOUND, IDENTIFY_FOUND_NO_PICTURE, IDENTIFY_CANCELLED})
+    QCOMPARE(FootLines::identified(IDENTIFY_FOUND), QString("Identified by sound."));
+    QCOMPARE(FootLines::identified(IDENTIFY_FOUND_BY_TAGS), QString("Identified by its tags: please check."));
+    for (const int silent : {IDENTIFY_FOUND, IDENTIFY_FOUND_BY_TAGS, IDENTIFY_CANCELLED})
         QCOMPARE(FootLines::notIdentified(silent), QString());
+}
+
+void TestFootLines::whatAKeyAddsIsSaidOnce()
+{
+    const QString offer = FootLines::keyOffer();
+    QVERIFY(offer.contains("https://acoustid.org/new-application") && offer.endsWith('.'));
+    for (const int status : {IDENTIFY_FOUND_BY_TAGS, IDENTIFY_NO_KEY}) {
+        IdentifyWords words;
+        QCOMPARE(words.of(IDENTIFY_FOUND_BY_TAGS, true).text, FootLines::identified(IDENTIFY_FOUND_BY_TAGS));
+        QVERIFY(!words.of(IDENTIFY_NO_CONNECTION, false).text.contains(offer));
+        const FootText first = words.of(status, false);
+        QVERIFY2(first.text.endsWith(' ' + offer), qPrintable(first.text));
+        QCOMPARE(first.failed, status == IDENTIFY_NO_KEY);
+        for (const int later : {IDENTIFY_FOUND_BY_TAGS, IDENTIFY_NO_KEY})
+            QVERIFY(!words.of(later, false).text.contains(offer));
+    }
 }
 
 QTEST_APPLESS_MAIN(TestFootLines)

@@ -2,6 +2,7 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "loggedlines.h"
+#include "severalpictures.h"
 #include "songeditingfixture.h"
 
 #include <QTemporaryDir>
@@ -63,6 +64,7 @@ private slots:
     void aSongWithoutDataIsLeftAlone();
     void whatElseASaveChangedIsKnown_data();
     void whatElseASaveChangedIsKnown();
+    void picturesThatGoAreKnown();
     void whatTheUserChangedIsNoSurprise();
     void aFailedSaveSaysWhy();
     void aFailedEditIsTakenBack();
@@ -248,6 +250,31 @@ void TestSongEditing::whatElseASaveChangedIsKnown()
     QCOMPARE(effects.at(2).before, QStringLiteral("Électro"));
     QCOMPARE(effects.at(2).after, QStringLiteral("Pop"));
     QVERIFY(SongEditing::apply(*song, edit).alsoChanged.isEmpty());
+}
+
+/// Of a file with more pictures than the one that is shown.
+void TestSongEditing::picturesThatGoAreKnown()
+{
+    using FootLines::SideEffect;
+    const QByteArray front = Fixtures::jpeg(40, 40, 1);
+    const auto song = songOn(Fixtures::copyTone("mp3", m_folder.path()));
+    const QString& path = song->localInfo->filePath;
+    SongEdit edit = untouchedEdit(*song->localInfo);
+    SeveralPictures::add(path, {front, front + 'b', front + 'c'});
+    QVector<SideEffect> effects = SongEditing::apply(*song, edit).alsoChanged;
+    QCOMPARE(effects.size(), 2);
+    QCOMPARE(effects.at(0).field, SideEffect::Cover);
+    QCOMPARE(effects.at(1).field, SideEffect::OtherPictures);
+    QCOMPARE(effects.at(1).before, QString("2"));
+
+    SeveralPictures::add(path, {front, front + 'b'});
+    edit.newCoverPath = Fixtures::saveBytes(front, m_folder.filePath("kept.jpg"));
+    edit.coverKept = true;
+    effects = SongEditing::apply(*song, edit).alsoChanged;
+    QCOMPARE(effects.size(), 1);
+    QCOMPARE(effects.at(0).field, SideEffect::OtherPictures);
+    QCOMPARE(effects.at(0).before, QString("1"));
+    QCOMPARE(SeveralPictures::countIn(path), 1);
 }
 
 void TestSongEditing::whatTheUserChangedIsNoSurprise()

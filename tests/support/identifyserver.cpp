@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -45,6 +46,8 @@ IdentifyServer::Service serviceOf(const QByteArray& target)
         return IdentifyServer::Releases;
     if (target.startsWith("/ws/2/release/"))
         return IdentifyServer::ReleaseTracks;
+    if (target.startsWith("/ws/2/recording?"))
+        return IdentifyServer::Search;
     return target.startsWith("/ws/2/") ? IdentifyServer::MusicBrainz : IdentifyServer::CoverArt;
 }
 
@@ -95,6 +98,14 @@ QJsonArray mediaArray(const QJsonArray& tracks, int offset)
                         {"track-count", 12},
                         {"track-offset", offset},
                         {"tracks", tracks}}};
+}
+
+/// The middle of the lengths that a search asks for; 0 when it asks for none.
+qint64 lengthSearched(const QByteArray& target)
+{
+    static const QRegularExpression range("dur:\\[(\\d+) TO (\\d+)\\]");
+    const auto found = range.match(QUrl::fromPercentEncoding(target));
+    return (found.captured(1).toLongLong() + found.captured(2).toLongLong()) / 2;
 }
 
 QByteArray toJson(const QJsonObject& object)
@@ -165,6 +176,12 @@ void IdentifyServer::setReleases(const QVector<Release>& releases)
     m_releases = releases;
     std::sort(m_releases.begin(), m_releases.end(),
               [](const Release& one, const Release& other) { return one.id < other.id; });
+}
+
+void IdentifyServer::setReplay(const QHash<QByteArray, QByteArray>& answers)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_replay = answers;
 }
 
 void IdentifyServer::setRetryAfter(const QByteArray& value)
@@ -255,6 +272,9 @@ IdentifyServer::Manner IdentifyServer::note(const Request& request)
     m_requests.append(request);
     m_came.notify_all();
     Behaviour& behaviour = m_behaviours[request.service];
+    if (!m_replay.isEmpty() && request.service != CoverArt &&
+        !m_replay.contains(QByteArray::fromPercentEncoding(request.target)))
+        return Manner::NotFound;
     if (behaviour.times == 0)
         return Manner::Proper;
     if (behaviour.times > 0)
@@ -265,7 +285,8 @@ IdentifyServer::Manner IdentifyServer::note(const Request& request)
 QByteArray IdentifyServer::properAnswer(const Request& request) const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const QByteArray own = m_behaviours.value(request.service).answer;
+    const QByteArray own = m_replay.value(QByteArray::fromPercentEncoding(request.target),
+                                          m_behaviours.value(request.service).answer);
     if (!own.isNull())
         return own;
     switch (request.service) {
@@ -277,6 +298,8 @@ QByteArray IdentifyServer::properAnswer(const Request& request) const
         return pageOfReleases(request);
     case ReleaseTracks:
         return releaseWithTracks(request);
+    case Search:
+        return searchAnswer(lengthSearched(request.target));
     default:
         return picture();
     }
@@ -424,43 +447,4 @@ bool IdentifyServer::send(int connection, const QByteArray& bytes) const
         done += int(std::max<ssize_t>(sent, 0));
     }
     return done == bytes.size();
-}
-
-QByteArray IdentifyServer::picture()
-{
-    static const QByteArray jpeg = Fixtures::jpeg(500, 500, 7);
-    return jpeg;
-}
-
-QByteArray IdentifyServer::identifier(int number)
-{
-    return QByteArray::number(number).rightJustified(8, '0') + "-2b5b-4fd5-a0c8-2b4a0b9f4a4e";
-}
-
-QByteArray IdentifyServer::lookupAnswer(const QByteArray& seconds)
-{
-    return R"({"status": "ok", "results": [{"id": "9ff43b6a-4f16-427c-93c2-92307ca505e0", "score": 0.982341,
-        "recordings": [{"id": "cd2e7c47-16f5-46c6-a37c-a1eb7bf599ff", "title": "Midnight Ferry", "sources": 12,
-        "duration": )" +
-           seconds +
-           R"(, "artists": [{"id": "6d7b7cd4-254b-4c25-83f6-dd20f98ceacd", "name": "Ida Marlowe"}]}]}]})";
-}
-
-QByteArray IdentifyServer::recordingAnswer()
-{
-    return R"({"id": "cd2e7c47-16f5-46c6-a37c-a1eb7bf599ff", "title": "Midnight Ferry", "length": 20000,
-        "disambiguation": "", "video": false, "first-release-date": "2012-03-05",
-        "genres": [{"id": "911c7bbb-172d-4df8-9478-dbff4296e791", "name": "pop", "count": 4, "disambiguation": ""},
-                   {"id": "ceeaa283-5d7b-4202-8d1d-e25d116b2a18", "name": "alternative rock", "count": 1}],
-        "artist-credit": [{"name": "Ida Marlowe", "joinphrase": " feat. ", "artist": {"name": "Ida Marlowe",
-                           "sort-name": "Marlowe, Ida", "id": "6d7b7cd4-254b-4c25-83f6-dd20f98ceacd"}},
-                          {"name": "The Salt Choir", "joinphrase": "", "artist": {"name": "The Salt Choir",
-                           "sort-name": "Salt Choir, The", "id": "10adbe5e-a2c0-4bf3-8249-2b4cbf6e6ca8"}}],
-        "releases": [{"id": "22d6b8a1-2b5b-4fd5-a0c8-2b4a0b9f4a4e", "title": "Paper Lanterns", "status": "Official",
-            "date": "2012-03-05", "country": "GB", "quality": "normal",
-            "release-group": {"id": "97ab4a4a-2c1d-4e12-9a3c-3e5a2f0a6f9d", "title": "Paper Lanterns",
-                "primary-type": "Album", "secondary-types": [], "first-release-date": "2012-03-05"},
-            "media": [{"position": 1, "format": "CD", "title": "", "track-count": 11, "track-offset": 3,
-                "tracks": [{"id": "f9a1d9c5-3d0e-4e0a-8c0b-6e1f0a9b5d11", "position": 4, "number": "4",
-                            "title": "Midnight Ferry", "length": 20000}]}]}]})";
 }

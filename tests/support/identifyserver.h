@@ -18,9 +18,9 @@
 class IdentifyServer
 {
 public:
-    /// MusicBrainz answers about a recording, Releases with the list of all its releases, page by page, and
-    /// ReleaseTracks about one of them.
-    enum Service { AcoustId, MusicBrainz, Releases, ReleaseTracks, CoverArt };
+    /// MusicBrainz answers about a recording, Releases with the list of all its releases, page by page,
+    /// ReleaseTracks about one of them, and Search with the recordings that there are by what is known.
+    enum Service { AcoustId, MusicBrainz, Releases, ReleaseTracks, CoverArt, Search };
     enum class Manner {
         Proper,
         Silent,          ///< takes the request and says nothing
@@ -70,10 +70,12 @@ public:
 
     /// What a service says when it is Proper. Without any: "Midnight Ferry" by "Ida Marlowe feat. The Salt
     /// Choir", a recording of just the length asked for, track 4 of "Paper Lanterns", 2012, "pop", and
-    /// picture().
+    /// picture(). Search finds it by whatever.
     void setAnswer(Service service, const QByteArray& body);
     /// Puts the recording on these releases, for all that MusicBrainz answers.
     void setReleases(const QVector<Release>& releases);
+    /// Answers these targets, decoded as they are here, and of AcoustID and MusicBrainz no others.
+    void setReplay(const QHash<QByteArray, QByteArray>& answers);
     /// How a service behaves in the next `times` requests, Proper afterwards; times < 0: from now on.
     void setManner(Service service, Manner manner, int times = -1);
     /// The waiting time that goes with SlowDown; empty for none.
@@ -90,6 +92,9 @@ public:
     static QByteArray identifier(int number);
     /// An answer that names one recording of the length.
     static QByteArray lookupAnswer(const QByteArray& seconds);
+    static QByteArray searchAnswer(qint64 milliseconds);
+    /// An answer that names none.
+    static QByteArray emptyLookupAnswer() { return R"({"status": "ok", "results": []})"; }
 
 private:
     struct Behaviour
@@ -117,7 +122,8 @@ private:
     QList<Request> m_requests;
     QHash<int, Behaviour> m_behaviours;
     QByteArray m_retryAfter = "1";
-    QVector<Release> m_releases; ///< by their identifiers
+    QHash<QByteArray, QByteArray> m_replay; ///< by target
+    QVector<Release> m_releases;            ///< by their identifiers
     std::atomic<bool> m_stopping{false};
     int m_socket = -1;
     int m_port = 0;

@@ -16,6 +16,7 @@ std::function<bool()> writeFails;
 std::function<int(const char*)> accessFails;
 std::function<void(const char*)> beforeRemoval;
 std::function<void(const char*)> beforeMove;
+std::function<int()> linkFails;
 std::function<void()> pauses;
 
 Guard::~Guard()
@@ -26,6 +27,7 @@ Guard::~Guard()
     copiesInKernel = nullptr;
     writeFails = nullptr;
     accessFails = nullptr;
+    linkFails = nullptr;
 }
 } // namespace Interposed
 
@@ -57,6 +59,15 @@ int renameat2(int fromFolder, const char* from, int toFolder, const char* to, un
     if (Interposed::beforeMove)
         Interposed::beforeMove(from);
     return int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
+int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept
+{
+    if (const int reason = Interposed::linkFails ? Interposed::linkFails() : 0) {
+        errno = reason;
+        return -1;
+    }
+    return int(::syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
 }
 
 int usleep(useconds_t microseconds)

@@ -24,6 +24,8 @@ extern std::function<int(const char* name)> accessFails;
 extern std::function<void(const char* name)> beforeRemoval;
 /// Before something moves to a name that has to be free.
 extern std::function<void(const char* name)> beforeMove;
+/// Before a file gets a further name; a number other than 0 is the system's reason not to.
+extern std::function<int()> linkFails;
 /// In place of a pause of microseconds.
 extern std::function<void()> pauses;
 

@@ -123,6 +123,11 @@ QList<Seed> answers()
              R"( [{"name": "pop", "count": 3}], "releases": [{"id":)"
              R"( "22d6b8a1-2b5b-4fd5-a0c8-2b4a0b9f4a4f", "title": "Album", "status": "Official", "date":)"
              R"( "1998", "release-group": {"primary-type": "Album", "secondary-types": []}}]})"},
+            {QString(), "search",
+             R"({"recordings": [{"id": "22d6b8a1-2b5b-4fd5-a0c8-2b4a0b9f4a4e", "title": "Song", "score": 90,)"
+             R"( "length": 200000, "disambiguation": "live", "artist-credit": [{"name": "A", "artist":)"
+             R"( {"sort-name": "A, The", "aliases": [{"name": "B"}]}}], "releases": [{"title": "Album",)"
+             R"( "release-group": {"secondary-types": ["Live"]}}]}]})"},
             {QString(), "tracks",
              R"({"media": [{"position": 1, "tracks": [{"position": 3, "recording": {"id":)"
              R"( "22d6b8a1-2b5b-4fd5-a0c8-2b4a0b9f4a4e"}}]}]})"}};

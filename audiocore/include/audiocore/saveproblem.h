@@ -25,3 +25,7 @@ SaveProblem SaveProblemOf(const IAudioTag* tag);
 /// How many bytes a picture may have for the file of an open tag object, to be saved in it; 0 where no file
 /// is open or the file holds no music. The rules of IAudioTag about threads hold.
 std::uint32_t LargestPictureFor(const IAudioTag* tag);
+
+/// How many pictures, of whatever kind, the file of an open tag object holds, of which GetItem tells one and
+/// a save leaves one at the most; 0 where no file is open. The rules of IAudioTag about threads hold.
+std::uint32_t PicturesIn(const IAudioTag* tag);

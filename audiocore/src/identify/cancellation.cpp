@@ -1,5 +1,7 @@
 #include "identify/cancellation.h"
 
+#include <algorithm>
+
 using audiocore::Cancellation;
 
 void Cancellation::cancel()
@@ -19,12 +21,21 @@ void Cancellation::clear()
 
 bool Cancellation::isCancelled() const
 {
+    if (m_with)
+        return m_with->isCancelled() || Clock::now() >= m_end;
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_cancelled;
 }
 
+bool Cancellation::hasExpired() const
+{
+    return m_with && !m_with->isCancelled() && Clock::now() >= m_end;
+}
+
 bool Cancellation::sleepUntil(Clock::time_point time) const
 {
+    if (m_with)
+        return m_with->sleepUntil(std::min(time, m_end)) && !isCancelled();
     std::unique_lock<std::mutex> lock(m_mutex);
     return !m_changed.wait_until(lock, time, [this] { return m_cancelled; });
 }

@@ -11,13 +11,22 @@ class Cancellation
 public:
     using Clock = std::chrono::steady_clock;
 
+    Cancellation() = default;
+    /// Is cancelled with the other, which outlives it and through which alone it is, and when the time has
+    /// come.
+    Cancellation(const Cancellation& with, Clock::time_point end) : m_with(&with), m_end(end) {}
+
     void cancel();
     void clear();
     bool isCancelled() const;
+    /// Whether only the time cancelled it.
+    bool hasExpired() const;
     /// Sleeps until the time has come, or until cancelled; false when cancelled.
     bool sleepUntil(Clock::time_point time) const;
 
 private:
+    const Cancellation* const m_with = nullptr;
+    const Clock::time_point m_end;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
     bool m_cancelled = false;

@@ -1,10 +1,13 @@
 #include "identify/identification.h"
 
 #include "base/log.h"
+#include "base/platform.h"
 #include "base/text.h"
 #include "identify/acoustid.h"
 #include "identify/coverart.h"
+#include "identify/judging.h"
 #include "identify/musicbrainz.h"
+#include "identify/recordingquery.h"
 
 using audiocore::Cancellation;
 using audiocore::Decoding;
@@ -29,11 +32,31 @@ struct Failure
     std::string reason; ///< for the log, empty when the reason is there already
 };
 
-Fingerprint fingerprint(const std::string& path, const Cancellation& cancellation)
+/// Whether a failure was for want of time, and no user's wish.
+bool isLate(const Failure& failure, const Cancellation& cancellation)
 {
-    Fingerprint result = audiocore::fingerprintOf(path, cancellation);
+    return failure.status == IDENTIFY_CANCELLED && cancellation.hasExpired();
+}
+
+bool isFile(const std::string& path)
+{
+    std::FILE* const file = base::openFile(path, false);
+    if (!file)
+        return false;
+    base::FileState state;
+    const bool regular = base::stateOf(file, state) && state.regular;
+    std::fclose(file);
+    return regular;
+}
+
+Fingerprint fingerprint(const std::string& path, const Services& services, const Cancellation& cancellation)
+{
+    const Cancellation limited(cancellation, Cancellation::Clock::now() + services.patience.decoding);
+    Fingerprint result = audiocore::fingerprintOf(path, limited);
     switch (result.result) {
     case Decoding::Cancelled:
+        if (limited.hasExpired())
+            throw Failure{IDENTIFY_NO_AUDIO, "decoding it takes too long"};
         throw Failure{IDENTIFY_CANCELLED, ""};
     case Decoding::Unreadable:
         throw Failure{IDENTIFY_NO_FILE, ""};
@@ -80,7 +103,7 @@ void refuse(const char* name, const HttpAnswer& answer, const std::string& error
     throw Failure{IDENTIFY_NOT_UNDERSTOOD, std::string(name) + "'s answer makes no sense"};
 }
 
-/// The identifier of the file's recording.
+/// The identifier of the recording that sounds like it.
 std::string lookUp(const Services& services, const Fingerprint& fingerprint, const Cancellation& cancellation)
 {
     namespace acoustid = audiocore::acoustid;
@@ -128,9 +151,9 @@ void takeBestRelease(std::optional<musicbrainz::Release>& best, const Services& 
     }
 }
 
-/// Chooses among all the releases of a recording whose answer does not name them all.
-void chooseAmongAll(musicbrainz::Recording& recording, const Services& services, const std::string& id,
-                    const Cancellation& cancellation)
+/// Puts the best of all releases of a recording into it, whose answer does not name them all.
+void takeBestOfAll(musicbrainz::Recording& recording, const Services& services, const std::string& id,
+                   const Cancellation& cancellation)
 {
     using musicbrainz::ReleaseFilter;
     std::optional<musicbrainz::Release> best = recording.release;
@@ -140,12 +163,24 @@ void chooseAmongAll(musicbrainz::Recording& recording, const Services& services,
         takeBestRelease(best, services, id, ReleaseFilter::None, pagesLeft, cancellation);
     if (!best || (recording.release && best->id == recording.release->id))
         return;
-    recording.release = best;
     if (!best->id.empty() &&
         !musicbrainz::readTracks(
-            *recording.release,
+            *best,
             metadata(services, musicbrainz::releaseRequest(services.addresses, best->id), cancellation), id))
         failToUnderstand("MusicBrainz");
+    recording.release = best;
+}
+
+/// The same; where that would take too long, the best of those named stays.
+void chooseAmongAll(musicbrainz::Recording& recording, const Services& services, const std::string& id,
+                    const Cancellation& cancellation)
+{
+    try {
+        takeBestOfAll(recording, services, id, cancellation);
+    } catch (const Failure& failure) {
+        if (!isLate(failure, cancellation))
+            throw;
+    }
 }
 
 musicbrainz::Recording describe(const Services& services, const std::string& id,
@@ -193,27 +228,76 @@ void addTexts(Identification& found, const musicbrainz::Recording& recording)
 void addPicture(Identification& found, const std::string& path, const Services& services,
                 const std::string& release, const Cancellation& cancellation)
 {
-    found.status = IDENTIFY_FOUND;
     try {
         found.picture = picture(services, release, cancellation);
     } catch (const Failure& failure) {
-        if (failure.status == IDENTIFY_CANCELLED)
+        const bool late = isLate(failure, cancellation);
+        if (failure.status == IDENTIFY_CANCELLED && !late)
             throw;
-        base::logLine(path, "is identified without its picture: " + failure.reason);
-        found.status = IDENTIFY_FOUND_NO_PICTURE;
+        base::logLine(path, "is identified without its picture: " +
+                                (late ? "the services take too long" : failure.reason));
+    }
+}
+
+/// The identifier of the recording by its sound.
+std::string recordingBySound(const std::string& path, const Services& services,
+                             const Cancellation& cancellation)
+{
+    if (services.addresses.key.empty())
+        throw Failure{IDENTIFY_NO_KEY, "there is no application key for AcoustID"};
+    return lookUp(services, fingerprint(path, services, cancellation), cancellation);
+}
+
+/// The identifier of the recording by what the file says of itself; empty when none fits.
+std::string recordingByTags(const std::string& path, const Services& services,
+                            const Cancellation& cancellation)
+{
+    const audiocore::SongHints hints = audiocore::hintsOf(path);
+    const std::string query = audiocore::recordingQuery(hints);
+    if (query.empty())
+        return std::string();
+    const musicbrainz::Search search = musicbrainz::readSearch(
+        metadata(services, musicbrainz::searchRequest(services.addresses, query), cancellation));
+    if (!search.understood)
+        failToUnderstand("MusicBrainz");
+    const musicbrainz::FoundRecording* const found = audiocore::chooseFitting(search.recordings, hints);
+    return found ? found->id : std::string();
+}
+
+/// Whether a failure of identifying by sound leaves the other way open.
+bool leavesTags(const Failure& failure)
+{
+    return failure.status == IDENTIFY_NO_KEY || failure.status == IDENTIFY_NO_AUDIO ||
+           failure.status == IDENTIFY_TOO_SHORT || failure.status == IDENTIFY_NO_MATCH;
+}
+
+/// The identifier of the recording; notes by the status which way it was found.
+std::string recordingOf(const std::string& path, const Services& services, const Cancellation& cancellation,
+                        IdentifyStatus& status)
+{
+    status = IDENTIFY_FOUND;
+    try {
+        return recordingBySound(path, services, cancellation);
+    } catch (const Failure& failure) {
+        if (!leavesTags(failure))
+            throw;
+        status = IDENTIFY_FOUND_BY_TAGS;
+        std::string recording = recordingByTags(path, services, cancellation);
+        if (!recording.empty())
+            return recording;
+        if (failure.reason.empty())
+            throw;
+        throw Failure{failure.status, failure.reason + ", and no known recording fits what its tags say"};
     }
 }
 
 Identification identify(const std::string& path, const Services& services, const Cancellation& cancellation)
 {
-    if (path.empty())
-        throw Failure{IDENTIFY_NO_FILE, "no file is open"};
-    if (services.addresses.key.empty())
-        throw Failure{IDENTIFY_NO_KEY,
-                      "MELODRIFT_ACOUSTID_KEY names no application key for the lookup service"};
-    const std::string id = lookUp(services, fingerprint(path, cancellation), cancellation);
-    const musicbrainz::Recording recording = describe(services, id, cancellation);
+    if (path.empty() || !isFile(path))
+        throw Failure{IDENTIFY_NO_FILE, path.empty() ? "no file is open" : "it is no file that can be read"};
     Identification found;
+    const std::string id = recordingOf(path, services, cancellation, found.status);
+    const musicbrainz::Recording recording = describe(services, id, cancellation);
     addTexts(found, recording);
     addPicture(found, path, services, recording.release ? recording.release->id : "", cancellation);
     return found;
@@ -223,13 +307,16 @@ Identification identify(const std::string& path, const Services& services, const
 Identification audiocore::identifyFile(const std::string& path, const Services& services,
                                        const Cancellation& cancellation)
 {
+    const Cancellation limited(cancellation, Cancellation::Clock::now() + services.patience.inAll);
     try {
-        return identify(path, services, cancellation);
+        return identify(path, services, limited);
     } catch (const Failure& failure) {
-        if (!failure.reason.empty() && failure.status != IDENTIFY_CANCELLED)
-            base::logLine(path.empty() ? "a file" : path, "is not identified: " + failure.reason);
+        const bool late = isLate(failure, limited);
+        const std::string reason = late ? "the services take too long" : failure.reason;
         Identification found;
-        found.status = failure.status;
+        found.status = late ? IDENTIFY_NO_CONNECTION : failure.status;
+        if (!reason.empty() && found.status != IDENTIFY_CANCELLED)
+            base::logLine(path.empty() ? "a file" : path, "is not identified: " + reason);
         return found;
     }
 }

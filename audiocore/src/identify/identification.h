@@ -16,7 +16,9 @@ struct Identification
     std::string picture;                             ///< the picture file's bytes, empty when absent
 };
 
-/// Identifies the file at the path; returns soon after a cancellation. Failures are logged.
+/// Identifies the file at the path by its sound, or else, where there is no key for that or nothing that
+/// sounds, or nobody knows the sound, by what it says of itself. Returns soon after a cancellation, and when
+/// the services' patience is at its end. Failures are logged.
 Identification identifyFile(const std::string& path, const Services& services,
                             const Cancellation& cancellation);
 } // namespace audiocore

@@ -43,7 +43,7 @@ public:
         const auto own = job();
         own->run();
         const IdentifyStatus status = own->found().status;
-        return status == IDENTIFY_FOUND || status == IDENTIFY_FOUND_NO_PICTURE ? 0 : 1;
+        return status == IDENTIFY_FOUND || status == IDENTIFY_FOUND_BY_TAGS ? 0 : 1;
     }
     std::int32_t Cancel() override
     {
@@ -79,7 +79,12 @@ void destroyIdentifier(IAudioIdentifier* identifier)
     if (identifier && Jobs::instance().forget(identifier))
         ::operator delete(identifier);
 }
+
+bool hasKey()
+{
+    return !audiocore::configuredAddresses().key.empty();
+}
 } // namespace
 
-extern "C" ENGINE_DOOR const audiocore::EngineDoor<IAudioIdentifier> melodriftIdentify;
-const audiocore::EngineDoor<IAudioIdentifier> melodriftIdentify = {makeIdentifier, destroyIdentifier};
+extern "C" ENGINE_DOOR const audiocore::IdentifyDoor melodriftIdentify;
+const audiocore::IdentifyDoor melodriftIdentify = {{makeIdentifier, destroyIdentifier}, hasKey};

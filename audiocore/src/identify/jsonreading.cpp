@@ -1,6 +1,7 @@
 #include "identify/jsonreading.h"
 
-#include <algorithm>
+#include "identify/cleantext.h"
+
 #include <cctype>
 #include <cmath>
 
@@ -9,16 +10,10 @@ namespace json = audiocore::json;
 namespace {
 constexpr int deepest = 32;
 constexpr int mostValues = 500000;
-constexpr std::size_t longestText = 4096;
 
 struct TooMuch
 {
 };
-
-bool isControl(char c)
-{
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-}
 } // namespace
 
 std::optional<json::Value> json::parse(const std::string& text)
@@ -54,20 +49,10 @@ const std::vector<json::Value>& json::elements(const Value& array)
     return array.is_array() ? array.get_ref<const std::vector<Value>&>() : none;
 }
 
-std::string json::cleaned(std::string text)
-{
-    if (text.size() > longestText)
-        return std::string();
-    std::replace_if(text.begin(), text.end(), isControl, ' ');
-    text.erase(0, text.find_first_not_of(' '));
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
-}
-
 std::string json::text(const Value& object, const char* name)
 {
     const Value& value = member(object, name);
-    return value.is_string() ? cleaned(value.get_ref<const std::string&>()) : std::string();
+    return value.is_string() ? cleanText(value.get_ref<const std::string&>()) : std::string();
 }
 
 std::optional<double> json::number(const Value& object, const char* name)

@@ -17,9 +17,7 @@ std::optional<Value> parse(const std::string& text);
 const Value& member(const Value& object, const char* name);
 /// The elements of an array; none when it is none.
 const std::vector<Value>& elements(const Value& array);
-/// The text on one line without blanks around it; empty when it is longer than any real one.
-std::string cleaned(std::string text);
-/// A text member, cleaned.
+/// A text member, clean.
 std::string text(const Value& object, const char* name);
 /// A finite number member.
 std::optional<double> number(const Value& object, const char* name);

@@ -1,17 +1,26 @@
 #include "identify/musicbrainz.h"
 
 #include "base/text.h"
+#include "identify/address.h"
+#include "identify/cleantext.h"
 #include "identify/genre.h"
 #include "identify/jsonreading.h"
+
+#include <algorithm>
 
 namespace json = audiocore::json;
 namespace musicbrainz = audiocore::musicbrainz;
 
+using musicbrainz::FoundRecording;
 using musicbrainz::Release;
 
 namespace {
 constexpr std::size_t largestAnswer = 10 * 1024 * 1024;
 constexpr std::size_t mostNamedReleases = 25; // with their recording
+constexpr std::size_t mostFound = 50;         // recordings, of those that a search finds
+constexpr std::size_t mostNames = 20;         // of an artist
+constexpr std::size_t mostAlbums = 100;       // of a recording
+constexpr double longestMilliseconds = 1e9;
 
 /// The lower, the better.
 enum class ReleaseKind { Album, OtherAlbum, Other, Compilation };
@@ -76,7 +85,7 @@ std::string artistOf(const json::Value& entry)
         if (join.is_string())
             credit += join.get_ref<const std::string&>(); // with the blanks around it
     }
-    return json::cleaned(credit);
+    return audiocore::cleanText(credit);
 }
 
 std::string genreOf(const json::Value& release)
@@ -118,6 +127,59 @@ std::optional<Release> bestOf(const std::vector<json::Value>& releases)
         if (!json::text(value, "title").empty())
             musicbrainz::takeBetter(best, releaseOf(value));
     return best;
+}
+
+void addText(std::vector<std::string>& texts, std::size_t most, const std::string& text)
+{
+    if (!text.empty() && texts.size() < most && std::find(texts.begin(), texts.end(), text) == texts.end())
+        texts.push_back(text);
+}
+
+/// The first artist by all of his names, the first two together, and so on.
+std::vector<std::string> artistsOf(const json::Value& recording)
+{
+    std::vector<std::string> names;
+    std::string together;
+    for (const json::Value& credit : json::elements(json::member(recording, "artist-credit"))) {
+        const bool isFirst = together.empty();
+        const json::Value& artist = json::member(credit, "artist");
+        together += (isFirst ? "" : " ") + json::text(credit, "name");
+        together = audiocore::cleanText(together); // of many, the first ones
+        addText(names, mostNames, together);
+        if (!isFirst)
+            continue;
+        addText(names, mostNames, json::text(artist, "name"));
+        addText(names, mostNames, json::text(artist, "sort-name"));
+        for (const json::Value& alias : json::elements(json::member(artist, "aliases")))
+            addText(names, mostNames, json::text(alias, "name"));
+    }
+    return names;
+}
+
+bool isOfConcert(const json::Value& release)
+{
+    const json::Value& group = json::member(release, "release-group");
+    const std::vector<json::Value>& types = json::elements(json::member(group, "secondary-types"));
+    return std::find(types.begin(), types.end(), "Live") != types.end();
+}
+
+FoundRecording foundRecording(const json::Value& value)
+{
+    const std::vector<json::Value>& releases = json::elements(json::member(value, "releases"));
+    FoundRecording found;
+    found.id = json::identifier(value, "id");
+    found.title = json::text(value, "title");
+    found.credit = artistOf(value);
+    found.artists = artistsOf(value);
+    found.comment = json::text(value, "disambiguation");
+    found.score = std::clamp(json::number(value, "score").value_or(0), 0.0, 100.0) / 100;
+    found.milliseconds =
+        std::int64_t(std::clamp(json::number(value, "length").value_or(0), 0.0, longestMilliseconds));
+    for (const json::Value& release : releases)
+        addText(found.albums, mostAlbums, json::text(release, "title"));
+    found.isLive = !releases.empty() && std::all_of(releases.begin(), releases.end(), isOfConcert);
+    found.release = bestOf(releases);
+    return found;
 }
 
 audiocore::HttpRequest get(const audiocore::ServiceAddresses& addresses, const std::string& what)
@@ -167,6 +229,27 @@ musicbrainz::Recording musicbrainz::readRecording(const std::string& answer)
     recording.release = bestOf(releases);
     recording.hasMoreReleases = releases.size() >= mostNamedReleases;
     return recording;
+}
+
+audiocore::HttpRequest musicbrainz::searchRequest(const ServiceAddresses& addresses, const std::string& query)
+{
+    return get(addresses, "recording?query=" + percentEncoded(query) + "&limit=" + std::to_string(mostFound));
+}
+
+musicbrainz::Search musicbrainz::readSearch(const std::string& answer)
+{
+    Search search;
+    const std::optional<json::Value> root = json::parse(answer);
+    if (!root)
+        return search;
+    const json::Value& recordings = json::member(*root, "recordings");
+    search.understood = recordings.is_array();
+    for (const json::Value& recording : json::elements(recordings)) {
+        FoundRecording found = foundRecording(recording);
+        if (!found.id.empty() && !found.title.empty() && search.recordings.size() < mostFound)
+            search.recordings.push_back(std::move(found));
+    }
+    return search;
 }
 
 audiocore::HttpRequest musicbrainz::releasesRequest(const ServiceAddresses& addresses,

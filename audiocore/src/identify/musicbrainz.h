@@ -3,11 +3,14 @@
 #include "identify/httpclient.h"
 #include "identify/services.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
+#include <vector>
 
-/// The MusicBrainz web service: a recording's identifier in, its texts out.
+/// The MusicBrainz web service: a recording's identifier in, its texts out; and which recordings there are by
+/// the texts that one knows.
 ///
 /// The answer about a recording names 25 of its releases at most, just any of them. Songs that are on more
 /// take further requests: for all the releases, page by page, and for the tracks of the chosen one.
@@ -46,6 +49,28 @@ struct Recording
     std::string genre() const;
 };
 
+/// A recording that a search found.
+struct FoundRecording
+{
+    std::string id;    ///< never empty
+    std::string title; ///< never empty
+    std::string credit;
+    /// Whom else a file may name: the first artist by all of his names, the first two together, and so on.
+    std::vector<std::string> artists;
+    std::string comment;             ///< tells it from others of its title, as "live, 1985-07-13"
+    double score = 0;                ///< the service's, 0 to 1
+    std::int64_t milliseconds = 0;   ///< 0 when unknown
+    std::vector<std::string> albums; ///< the titles of its releases
+    bool isLive = false;             ///< all of its releases are recordings of concerts
+    std::optional<Release> release;  ///< the best of those named
+};
+
+struct Search
+{
+    bool understood = false;
+    std::vector<FoundRecording> recordings; ///< those with an identifier and a title
+};
+
 /// A part of the list of a recording's releases.
 struct ReleasePage
 {
@@ -57,6 +82,10 @@ struct ReleasePage
 
 HttpRequest recordingRequest(const ServiceAddresses& addresses, const std::string& recording);
 Recording readRecording(const std::string& answer);
+
+/// The query is in the syntax of the search.
+HttpRequest searchRequest(const ServiceAddresses& addresses, const std::string& query);
+Search readSearch(const std::string& answer);
 
 enum class ReleaseFilter { Official, None };
 HttpRequest releasesRequest(const ServiceAddresses& addresses, const std::string& recording,

@@ -1,9 +1,12 @@
 #include "identify/services.h"
 
+#include "identify/keyfile.h"
+
 #include <algorithm>
 #include <cstdlib>
 
 using audiocore::HttpAnswer;
+using audiocore::Patience;
 using audiocore::RateLimit;
 using audiocore::Service;
 using audiocore::ServiceAddresses;
@@ -32,6 +35,15 @@ std::string configured(const char* variable, const char* otherwise)
     return result;
 }
 
+/// Of the environment, of the user's file, or of the build.
+std::string applicationKey()
+{
+    std::string key = configured("MELODRIFT_ACOUSTID_KEY", "");
+    if (key.empty())
+        key = audiocore::keyInFile();
+    return key.empty() ? MELODRIFT_ACOUSTID_KEY : key;
+}
+
 bool asksToSlowDown(const HttpAnswer& answer)
 {
     return answer.outcome == HttpAnswer::Outcome::Answered && (answer.code == 503 || answer.code == 429);
@@ -42,8 +54,7 @@ ServiceAddresses audiocore::configuredAddresses()
 {
     return {configured("MELODRIFT_ACOUSTID_URL", "https://api.acoustid.org"),
             configured("MELODRIFT_MUSICBRAINZ_URL", "https://musicbrainz.org"),
-            configured("MELODRIFT_COVERART_URL", "https://coverartarchive.org"),
-            configured("MELODRIFT_ACOUSTID_KEY", MELODRIFT_ACOUSTID_KEY)};
+            configured("MELODRIFT_COVERART_URL", "https://coverartarchive.org"), applicationKey()};
 }
 
 HttpAnswer Service::ask(const HttpRequest& request, const Cancellation& cancellation) const
@@ -64,5 +75,5 @@ Services audiocore::sharedServices()
     static auto* limits = new SharedLimits; // kept to the end of the process, for threads that outlive main
     static const HttpClient client;
     return {configuredAddresses(), Service(client, limits->acoustId), Service(client, limits->musicBrainz),
-            Service(client, limits->coverArt)};
+            Service(client, limits->coverArt), Patience()};
 }

@@ -3,6 +3,7 @@
 #include "identify/httpclient.h"
 #include "identify/ratelimit.h"
 
+#include <chrono>
 #include <string>
 
 namespace audiocore {
@@ -17,7 +18,7 @@ struct ServiceAddresses
 
 /// The public services, or those that the environment variables MELODRIFT_ACOUSTID_URL,
 /// MELODRIFT_MUSICBRAINZ_URL and MELODRIFT_COVERART_URL name; the key is MELODRIFT_ACOUSTID_KEY of the
-/// environment or of the build.
+/// environment, else of the user's file (keyfile.h), else of the build.
 ServiceAddresses configuredAddresses();
 
 /// One service: its pace and its manners.
@@ -37,6 +38,13 @@ private:
     RateLimit& m_limit;
 };
 
+/// How long an identification may take.
+struct Patience
+{
+    std::chrono::milliseconds decoding{12000}; ///< for the fingerprint
+    std::chrono::milliseconds inAll{28000};
+};
+
 /// All that an identification needs of the network.
 struct Services
 {
@@ -44,6 +52,7 @@ struct Services
     Service acoustId;
     Service musicBrainz;
     Service coverArt;
+    Patience patience;
 };
 
 /// The configured services with the limits that all identifications of the process share.

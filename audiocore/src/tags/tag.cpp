@@ -158,6 +158,12 @@ std::uint32_t LargestPictureFor(const IAudioTag* tag)
     return state->path.empty() ? 0 : state->parsed()->largestPicture;
 }
 
+std::uint32_t PicturesIn(const IAudioTag* tag)
+{
+    const auto state = base::Registry<TagState>::instance().of(tag);
+    return state->path.empty() ? 0 : std::uint32_t(state->parsed()->content.pictures);
+}
+
 IAudioTag* CreateTag()
 {
     return base::Registry<TagState>::instance().make<Tag>();

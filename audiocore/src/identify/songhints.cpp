@@ -1,0 +1,71 @@
+#include "identify/songhints.h"
+
+#include "identify/cleantext.h"
+#include "identify/foldedtext.h"
+#include "tags/parsedmedia.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+using audiocore::SongNames;
+
+namespace {
+bool isOneOf(const std::u32string& text, std::initializer_list<const char32_t*> texts)
+{
+    return std::any_of(texts.begin(), texts.end(), [&text](const char32_t* one) { return text == one; });
+}
+
+bool isTrackNumber(const std::u32string& folded)
+{
+    const std::vector<std::u32string> words = audiocore::wordsOf(folded);
+    return words.size() == 2 &&
+           isOneOf(words[0], {U"track", U"audiotrack", U"titel", U"spur", U"piste", U"pista"}) &&
+           words[1].find_first_not_of(U"0123456789") == std::u32string::npos;
+}
+
+void clearIf(bool saysNothing, std::string& text)
+{
+    if (saysNothing)
+        text.clear();
+}
+
+SongNames withoutPlaceholders(SongNames names)
+{
+    const std::u32string title = audiocore::folded(names.title);
+    clearIf(isTrackNumber(title) || isOneOf(title, {U"unknown", U"unknown title", U"untitled"}), names.title);
+    clearIf(isOneOf(audiocore::folded(names.artist),
+                    {U"unknown", U"unknown artist", U"various", U"various artists", U"va", U"compilations"}),
+            names.artist);
+    clearIf(isOneOf(audiocore::folded(names.album), {U"unknown", U"unknown album", U"untitled"}),
+            names.album);
+    return names;
+}
+
+bool areSame(const std::string& one, const std::string& other)
+{
+    return !one.empty() && audiocore::folded(one) == audiocore::folded(other);
+}
+} // namespace
+
+SongNames audiocore::completed(const SongNames& tagged, const std::string& path)
+{
+    SongNames names = withoutPlaceholders(tagged);
+    if (!names.title.empty() && !names.artist.empty())
+        return names;
+    SongNames guess = withoutPlaceholders(namesInPath(path));
+    if (areSame(names.artist, guess.title) || areSame(names.title, guess.artist)) // "Title - Artist"
+        std::swap(guess.title, guess.artist);
+    for (std::string SongNames::*const name : {&SongNames::title, &SongNames::artist, &SongNames::album})
+        if ((names.*name).empty())
+            names.*name = guess.*name;
+    return names;
+}
+
+audiocore::SongHints audiocore::hintsOf(const std::string& path)
+{
+    const auto media = parsedMedia(path);
+    const auto& texts = media->content.texts;
+    const auto text = [&texts](TagItemType type) { return cleanText(texts[std::size_t(type)]); };
+    return {completed({text(TAG_TITLE), text(TAG_ARTIST), text(TAG_ALBUM)}, path),
+            media->properties.milliseconds};
+}
