@@ -29,6 +29,7 @@ private slots:
     void theFieldKeepsItsKeys();
     void leftBehindTheFieldLieTheViews_data();
     void leftBehindTheFieldLieTheViews();
+    void aPressOnAHeaderLeavesTheField();
     void tabReachesTheField();
     void chosenButtonsDoNotLeadIntoTheField();
 
@@ -261,6 +262,16 @@ void TestFindingKeys::leftBehindTheFieldLieTheViews()
     key(Qt::Key_End);
     QCOMPARE(shownTitle(), QString("Cove"));
     QVERIFY(m_played.isEmpty());
+}
+
+void TestFindingKeys::aPressOnAHeaderLeavesTheField()
+{
+    fill(true, {"Anchor", "Beacon"});
+    showTable(true);
+    openField();
+    const QHeaderView* header = part<QTableView>("m_allMusicTableView")->horizontalHeader();
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(20, 10));
+    QVERIFY(viewFocus()->hasFocus());
 }
 
 void TestFindingKeys::tabReachesTheField()

@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QEvent>
+#include <QHeaderView>
 
 namespace {
 constexpr QRect nowhere(-2, -2, 1, 1);
@@ -17,6 +18,8 @@ ViewFocus::ViewFocus(const std::array<QAbstractItemView*, 4>& views, QWidget* pa
     for (QAbstractItemView* view : views) {
         view->installEventFilter(this);
         view->viewport()->installEventFilter(this);
+        for (const QHeaderView* header : view->findChildren<QHeaderView*>())
+            header->viewport()->installEventFilter(this);
     }
 }
 
