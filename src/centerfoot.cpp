@@ -40,6 +40,12 @@ void CenterFoot::takeBack(const SongLists& lists, QWidget& window)
     offerUndo();
 }
 
+void CenterFoot::forgetSteps()
+{
+    m_undo.forgetChanges();
+    offerUndo();
+}
+
 void CenterFoot::forgetChanges()
 {
     m_undo.forget();

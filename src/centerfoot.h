@@ -29,7 +29,9 @@ public:
     void takeBack(const SongLists& lists, QWidget& window);
     /// Meanwhile the lists are to be left alone.
     bool isTakingBack() const { return m_work.isRunning(); }
-    /// Nothing can be taken back any more: no view or panel may show a song that left.
+    /// Nothing can be taken back any more.
+    void forgetSteps();
+    /// The same, and frees the songs that left: no view or panel may show one.
     void forgetChanges();
 
 signals:

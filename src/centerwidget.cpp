@@ -253,6 +253,12 @@ void CenterWidget::classify()
     emit emitDuplicateMusicCount(m_classification.groups().size());
 }
 
+void CenterWidget::ScanLocalMusic()
+{
+    m_foot.forgetSteps();
+    setLocalMusicInfo();
+}
+
 void CenterWidget::setLocalMusicInfo()
 {
     clearClassification();
@@ -307,7 +313,7 @@ void CenterWidget::SlotGroupCleared()
 {
     m_views->forgetTexts();
     m_views->refreshGroups();
-    m_shownGroup->markAnew();
+    m_shownGroup->markOrHide();
     m_foot.tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), m_shownGroup->next());
 }
 

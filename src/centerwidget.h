@@ -41,6 +41,8 @@ public:
     void setMusicInfoList(QList<QMusicInfo*>* list);
     /// Classifies the local songs added so far.
     void setLocalMusicInfo();
+    /// The same because the user asks for it: what was done before cannot be taken back any more.
+    void ScanLocalMusic();
     int ReturnUndefinedMusicCount() const { return m_classification.undefinedSongs().size(); }
     /// Oddity 11: the number of groups, not of songs.
     int ReturnDuplicateMusicCount() const { return m_classification.groups().size(); }

@@ -169,7 +169,7 @@ void MainWindow::OnBtnStartScan()
         return;
     if (QIOrvoUtil::m_cleanMode) {
         if (m_local_add_or_ScanAgain == 1)
-            ui->m_middleMusicWidget->setLocalMusicInfo();
+            ui->m_middleMusicWidget->ScanLocalMusic();
         else if (m_local_add_or_ScanAgain == 0)
             ui->m_middleMusicWidget->OnBtnOpenFile();
     } else {

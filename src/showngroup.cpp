@@ -62,6 +62,13 @@ void ShownGroup::markAnew()
         m_views.selectGroup(m_songs.groups().at(int(m_nCurrentDupRow)));
 }
 
+void ShownGroup::markOrHide()
+{
+    markAnew();
+    if (!isLeft())
+        m_panel.hide();
+}
+
 void ShownGroup::forget()
 {
     m_panel.hide();

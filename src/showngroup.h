@@ -37,6 +37,9 @@ public:
     void show(const QList<QMusicInfo*>& songs, const QList<QMusicInfo*>& kept);
     /// Models that were reset have forgotten which it is.
     void markAnew();
+    /// The same once songs are gone; where the group is gone with them the column says that nothing is
+    /// selected.
+    void markOrHide();
     /// Groups are about to go: the panel shows none of them any more.
     void forget();
 

@@ -41,7 +41,7 @@ start_program() {
 main_window() {
     local id width
     for _ in $(seq 100); do
-        for id in $(xdotool search --onlyvisible --name '^Melodrift$' 2>/dev/null); do
+        for id in $(xdotool search --all --onlyvisible --pid "$program" --name '^Melodrift$' 2>/dev/null); do
             width=$(xdotool getwindowgeometry --shell "$id" | sed -n 's/^WIDTH=//p')
             [ "$width" -ge 900 ] && { echo "$id"; return; }
         done

@@ -3,18 +3,26 @@
 # What the foot of the window tells at a window size.
 foot() {
     foot_of_songs "$@"
+    foot_of_covers "$@"
+    foot_of_drops "$@"
     foot_of_deletions "$@"
+    foot_of_groups "$@"
     foot_of_shortages "$@"
     foot_of_libraries "$@"
 }
 
-# Songs, one of them twice, and a file that is none; all are taken in.
-start_with_songs() {
+# Songs, one of them twice, and a file that is none.
+gather_songs() {
     rm -rf "$work/foot"
     mkdir "$work/foot"
     find -L "$work/copy" -name '*.mp3' -exec cp -t "$work/foot" {} +
     cp "$(find "$work/foot" -name '*.mp3' -print -quit)" "$work/foot/copy.mp3"
     echo "no music" >"$work/foot/broken.mp3"
+}
+
+# All are taken in.
+start_with_songs() {
+    gather_songs
     start_program "$work/foot"
     size "$1" "$2"
     wait_dialog shown
@@ -68,6 +76,14 @@ foot_of_songs() {
     stop_program
 }
 
+# Clears the group that shows.
+clear_group() {
+    click $(($1 + 80)) $(($2 - 57))
+    wait_dialog shown
+    click_in "$(window_of_size 441 145)" 247 116
+    wait_dialog gone
+}
+
 # Deletions of one group and of all, and what cannot go or come back.
 foot_of_deletions() {
     local width=$1 height=$2 name=$3 left=$(($1 - 330)) file
@@ -77,10 +93,7 @@ foot_of_deletions() {
     click 100 212
     click 270 200
     find "$work/foot" -name '*.mp3' >"$work/before"
-    click $((left + 80)) $((height - 57))
-    wait_dialog shown
-    click_in "$(window_of_size 441 145)" 247 116
-    wait_dialog gone
+    clear_group "$left" "$height"
     picture "$name-foot-deletion-1-group"
     key ctrl+z
     picture "$name-foot-deletion-2-taken-back"
@@ -98,6 +111,110 @@ foot_of_deletions() {
     click 270 200
     click $((left + 240)) $((height - 57)) 1.5
     picture "$name-foot-deletion-5-stayed"
+    stop_program
+}
+
+# Pictures that are no cover: one that is none, and one that the song's file has no room for.
+foot_of_covers() {
+    local width=$1 height=$2 name=$3 left=$(($1 - 330))
+    echo "no picture" >"$work/No picture.png"
+    convert -size 400x400 xc:teal "$work/Large picture.png"
+    truncate -s 1G "$work/Large picture.png"
+    start_with_songs "$width" "$height"
+    key Return
+    wait_dialog gone
+    click 270 200
+    click $((left + 96)) 608
+    choose_cover "$left" "$work/No picture.png"
+    picture "$name-foot-cover-1-none"
+    choose_cover "$left" "$work/Large picture.png"
+    picture "$name-foot-cover-2-large"
+    stop_program
+}
+
+choose_cover() {
+    click $(($1 + 165)) 230
+    wait_dialog shown
+    xdotool type "$2"
+    key Return
+    wait_dialog gone
+}
+
+# A drop of Windows Media files, which are left out where nobody named them, and what "Show" tells of them.
+foot_of_drops() {
+    local width=$1 height=$2 name=$3 offering offer
+    rm -rf "$work/flat"
+    mkdir "$work/flat"
+    find -L "$work/copy" -name '*.mp3' -exec cp -t "$work/flat" {} \; -quit
+    find -L "$work/copy" -name '*.wma' -exec cp -t "$work/flat" {} +
+    echo "no music" >"$work/flat/broken.mp3"
+    offer_files
+    start_program
+    xdotool windowmove "$window" 0 0
+    size "$width" "$height"
+    click $((width - 70)) 52 1.2
+    drop_offered
+    wait_dialog shown
+    kill "$offering"
+    wait "$offering" || true
+    key Return
+    wait_dialog gone
+    picture "$name-foot-drop-1-left-out"
+    click 463 $((height - 13))
+    picture "$name-foot-drop-2-list"
+    rest "$name, list of files"
+    stop_program
+}
+
+# Another run of the program, which lies in the corner of the screen with its dialog to open files.
+offer_files() {
+    start_program
+    size 1000 700
+    click 930 52 1.2
+    xdotool key ctrl+o
+    wait_dialog shown
+    offering=$program
+    offer=$(xdotool search --all --onlyvisible --pid "$program" --name '^open$' | tail -n 1)
+    xdotool windowmove "$window" 1300 850 windowmove "$offer" 1300 850
+}
+
+# Drags all that it offers onto the list of songs.
+drop_offered() {
+    xdotool windowactivate --sync "$offer"
+    click_in "$offer" 300 200
+    key ctrl+a
+    xdotool mousemove --window "$offer" $((160 * scale)) $((68 * scale)) mousedown 1
+    xdotool mousemove_relative -- -60 -60
+    sleep 0.3
+    xdotool mousemove --window "$window" $((320 * scale)) $((400 * scale))
+    sleep 0.3
+    xdotool mousemove_relative 9 9
+    sleep 0.3
+    xdotool mouseup 1
+}
+
+# The next group is a link away until there is none; what came of the last one is a column as at the start.
+foot_of_groups() {
+    local width=$1 height=$2 name=$3 left=$(($1 - 330)) song
+    rm -rf "$work/foot"
+    mkdir "$work/foot"
+    find -L "$work/copy" -name '*.mp3' | sort | head -n 2 | while read -r song; do
+        cp "$song" "$work/foot"
+        cp "$song" "$work/foot/again $(basename "$song")"
+    done
+    start_program "$work/foot"
+    size "$width" "$height"
+    wait_dialog shown
+    key Return
+    wait_dialog gone
+    click 100 212
+    click 270 200
+    clear_group "$left" "$height"
+    picture "$name-foot-groups-1-next"
+    click 206 $((height - 13))
+    picture "$name-foot-groups-2-shown"
+    clear_group "$left" "$height"
+    picture "$name-foot-groups-3-none"
     stop_program
 }
 

@@ -35,6 +35,7 @@ private slots:
     void marksHoldOverRepeatedDeletions_data();
     void marksHoldOverRepeatedDeletions();
     void theGroupShownStaysSelected();
+    void aGroupThatIsGoneLeavesItsPanel();
     void theSameFileTwiceStays();
     void aFileThatTookAnothersPlaceStays();
     void aKillLeavesEveryFileInItsPlaceOrInTheTrash();
@@ -193,6 +194,22 @@ void TestDuplicateDeletion::theGroupShownStaysSelected()
     openGroup(2);
     panel()->SlotDeleteSongWasSelected(); // the last group leaves the list, and no other is shown instead
     QVERIFY(!m_center->findChild<QListView*>("m_dupMusicListView")->currentIndex().isValid());
+}
+
+void TestDuplicateDeletion::aGroupThatIsGoneLeavesItsPanel()
+{
+    makeGroups(m_folder->path(), {3, 2});
+    add(m_folder->path());
+    openGroup(0);
+    rows().at(1)->SlotOnBtnCheckBox(); // kept, as the first one is
+    panel()->SlotDeleteSongWasSelected();
+    QVERIFY(panel()->isVisible());
+    for (const int left : {1, 0}) {
+        openGroup(0);
+        panel()->SlotDeleteSongWasSelected();
+        QCOMPARE(groups().size(), left);
+        QVERIFY(panel()->isHidden()); // the column says that nothing is selected
+    }
 }
 
 void TestDuplicateDeletion::theSameFileTwiceStays()

@@ -87,7 +87,7 @@ void TestUndoingAll::theWindowAnswersMeanwhile()
     QString firstWords;
     m_dialogs->expect([&](QWidget*) {
         firstWords = waitingDialog().text();
-        QTRY_COMPARE(waitingDialog().text(), QString("Taking back… 1 of 3")); // the event loop runs
+        QTRY_COMPARE(waitingDialog().text(), QString("Taking back… 0 of 3")); // the event loop runs
         HeldAtAFailure::letGo();
     });
     m_center->SlotUndo();

@@ -32,7 +32,8 @@ private slots:
     void whatStandsAtThePathStays();
     void aFileThatCannotBeWrittenStays();
     void whatPlaysPlaysOn();
-    void scansAndIntakesForgetNothing();
+    void anIntakeForgetsNothing();
+    void aScanForgetsAll();
     void aSwitchForgetsAll();
     void withoutAChangeTheKeysDoNothing();
     void theOfferNamesTheChange();
@@ -349,7 +350,7 @@ void TestWindowUndo::whatPlaysPlaysOn()
 }
 
 /// A song that came meanwhile stands behind them.
-void TestWindowUndo::scansAndIntakesForgetNothing()
+void TestWindowUndo::anIntakeForgetsNothing()
 {
     copies("One", 3);
     add({m_folder->path()});
@@ -359,12 +360,27 @@ void TestWindowUndo::scansAndIntakesForgetNothing()
     QTemporaryDir elsewhere;
     const QString later = Fixtures::copyTone("flac", elsewhere.path(), "later");
     add({later});
-    click("m_btnStarScan");
     QCOMPARE(songs().size(), 2);
     all.append(songs().last());
     undo();
     QCOMPARE(songs(), all);
     QCOMPARE(files().size(), 3);
+}
+
+void TestWindowUndo::aScanForgetsAll()
+{
+    copies("One", 3);
+    add({m_folder->path()});
+    clickRow("m_allMusicListView", 2); // whose panel is told of it once it has left
+    openGroup(0);
+    clearGroup();
+    QVERIFY(links().contains("Undo"));
+    click("m_btnStarScan");
+    QVERIFY(!links().contains("Undo"));
+    undo();
+    QCOMPARE(songs().size(), 1);
+    QCOMPARE(files().size(), 1);
+    QCOMPARE(m_bin.files().size(), 2);
 }
 
 void TestWindowUndo::aSwitchForgetsAll()

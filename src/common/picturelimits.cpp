@@ -2,8 +2,8 @@
 
 #include "base/picturelimits.h"
 
-#include <QIODevice>
 #include <QImageReader>
+#include <QIODevice>
 #include <QtEndian>
 
 namespace {

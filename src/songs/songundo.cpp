@@ -48,19 +48,22 @@ void SongUndo::endDeletion(const RemovalTally& tally)
 void SongUndo::takeBack(const Progress& progress)
 {
     m_taken = TakenBack(); // or a fault on the way would take the last one for this one
-    m_taken = m_history.takeBack(progress);
+    m_taken = m_history.takeBack([&progress](int done, int total) { return progress(done / 2, total); });
     if (m_taken.kind != TakenBack::Kind::Deletion)
         return;
     m_away = songsAway(m_taken);
-    openTags();
+    openTags(progress);
 }
 
-/// Each reads its file.
-void SongUndo::openTags()
+/// Each reads its file, which is the other half of the work.
+void SongUndo::openTags(const Progress& progress)
 {
-    for (const RemovedSong& removed : qAsConst(m_taken.removed))
+    const int songs = m_taken.removed.size();
+    for (int i = 0; i < songs && progress((songs + i) / 2, songs); ++i) {
+        const RemovedSong& removed = m_taken.removed.at(i);
         if (removed.tag && !m_away.contains(removed.song))
             removed.tag->Open(removed.song->localInfo->filePath.toStdU32String().c_str());
+    }
 }
 
 SongUndo::Undone SongUndo::finish(const SongLists& lists)
@@ -143,9 +146,14 @@ QList<QMusicInfo*> SongUndo::putBack(const TakenBack& taken, const SongLists& li
     return returned;
 }
 
-void SongUndo::forget()
+void SongUndo::forgetChanges()
 {
     m_history.forget();
     m_leaving.clear();
+}
+
+void SongUndo::forget()
+{
+    forgetChanges();
     qDeleteAll(std::exchange(m_left, {}));
 }

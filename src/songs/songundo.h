@@ -42,11 +42,13 @@ public:
     Undone finish(const SongLists& lists);
     /// Both. GUI thread.
     Undone undo(const SongLists& lists);
+    /// All changes; the songs that left stay, since a panel may show one.
+    void forgetChanges();
     /// All changes, and frees the songs that left: no view or panel may show one.
     void forget();
 
 private:
-    void openTags();
+    void openTags(const Progress& progress);
     Undone finishEdit(const TakenBack& taken) const;
     Undone finishDeletion(const TakenBack& taken, const SongLists& lists);
     Undone finishTakingOut(const TakenBack& taken, const SongLists& lists);

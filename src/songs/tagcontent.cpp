@@ -7,21 +7,22 @@
 
 namespace {
 /// Where the text of a type belongs; null for any other item.
-QString TagContent::*placeOf(int type)
+template <typename Content>
+auto placeIn(Content& content, int type) -> decltype(&content.title)
 {
     switch (type) {
     case TAG_TITLE:
-        return &TagContent::title;
+        return &content.title;
     case TAG_ARTIST:
-        return &TagContent::artist;
+        return &content.artist;
     case TAG_ALBUM:
-        return &TagContent::album;
+        return &content.album;
     case TAG_GENRE:
-        return &TagContent::genre;
+        return &content.genre;
     case TAG_YEAR:
-        return &TagContent::year;
+        return &content.year;
     case TAG_TRACK:
-        return &TagContent::track;
+        return &content.track;
     default:
         return nullptr;
     }
@@ -62,16 +63,16 @@ TagContent TagContent::of(IAudioTag& tag)
             continue;
         if (item.dataKind != 0)
             content.picture = QByteArray(static_cast<const char*>(item.data), item.size);
-        else if (QString TagContent::*const place = placeOf(item.type))
-            content.*place = QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4);
+        else if (QString* const place = placeIn(content, item.type))
+            *place = QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4);
     }
     return content;
 }
 
 QString TagContent::text(int type) const
 {
-    QString TagContent::*const place = placeOf(type);
-    return place ? this->*place : QString();
+    const QString* const place = placeIn(*this, type);
+    return place ? *place : QString();
 }
 
 int TagContent::save(IAudioTag& tag) const

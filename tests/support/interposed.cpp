@@ -8,21 +8,24 @@
 #include <unistd.h>
 
 namespace Interposed {
-std::function<void()> beforeSync;
-std::function<void()> beforeLock;
-std::function<bool(int, off_t)> readFails;
-std::function<ssize_t(size_t)> copiesInKernel;
-std::function<bool()> writeFails;
-std::function<int(const char*)> accessFails;
-std::function<void(const char*)> beforeRemoval;
-std::function<void(const char*)> beforeMove;
-std::function<int()> linkFails;
-std::function<void()> pauses;
+Step<void()> beforeSync;
+Step<void()> beforeLock;
+Step<bool(int, off_t)> readFails;
+Step<ssize_t(size_t)> copiesInKernel;
+Step<bool()> writeFails;
+Step<int(const char*)> accessFails;
+Step<void(const char*)> beforeRemoval;
+Step<void(const char*)> beforeMove;
+Step<int()> linkFails;
+Step<void()> pauses;
 
 Guard::~Guard()
 {
-    beforeSync = beforeLock = pauses = nullptr;
-    beforeRemoval = beforeMove = nullptr;
+    beforeSync = nullptr;
+    beforeLock = nullptr;
+    pauses = nullptr;
+    beforeRemoval = nullptr;
+    beforeMove = nullptr;
     readFails = nullptr;
     copiesInKernel = nullptr;
     writeFails = nullptr;
@@ -35,35 +38,37 @@ extern "C" {
 int fsync(int fd)
 {
     struct stat status = {};
-    if (Interposed::beforeSync && ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode))
-        Interposed::beforeSync();
+    const auto step = Interposed::beforeSync.get();
+    if (step && ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode))
+        step();
     return int(::syscall(SYS_fsync, fd));
 }
 
 int flock(int fd, int operation) noexcept
 {
-    if (Interposed::beforeLock)
-        Interposed::beforeLock();
+    if (const auto step = Interposed::beforeLock.get())
+        step();
     return int(::syscall(SYS_flock, fd, operation));
 }
 
 int unlinkat(int folder, const char* name, int flags) noexcept
 {
-    if (Interposed::beforeRemoval)
-        Interposed::beforeRemoval(name);
+    if (const auto step = Interposed::beforeRemoval.get())
+        step(name);
     return int(::syscall(SYS_unlinkat, folder, name, flags));
 }
 
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept
 {
-    if (Interposed::beforeMove)
-        Interposed::beforeMove(from);
+    if (const auto step = Interposed::beforeMove.get())
+        step(from);
     return int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
 }
 
 int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept
 {
-    if (const int reason = Interposed::linkFails ? Interposed::linkFails() : 0) {
+    const auto step = Interposed::linkFails.get();
+    if (const int reason = step ? step() : 0) {
         errno = reason;
         return -1;
     }
@@ -72,8 +77,8 @@ int linkat(int fromFolder, const char* from, int toFolder, const char* to, int f
 
 int usleep(useconds_t microseconds)
 {
-    if (Interposed::pauses) {
-        Interposed::pauses();
+    if (const auto step = Interposed::pauses.get()) {
+        step();
         return 0;
     }
     const timespec pause = {time_t(microseconds / 1000000), long(microseconds % 1000000) * 1000};
@@ -82,7 +87,8 @@ int usleep(useconds_t microseconds)
 
 ssize_t pread(int fd, void* bytes, size_t count, off_t offset)
 {
-    if (Interposed::readFails && Interposed::readFails(fd, offset)) {
+    const auto step = Interposed::readFails.get();
+    if (step && step(fd, offset)) {
         errno = EIO;
         return -1;
     }
@@ -91,7 +97,8 @@ ssize_t pread(int fd, void* bytes, size_t count, off_t offset)
 
 ssize_t pwrite(int fd, const void* bytes, size_t count, off_t offset)
 {
-    if (Interposed::writeFails && Interposed::writeFails()) {
+    const auto step = Interposed::writeFails.get();
+    if (step && step()) {
         errno = ENOSPC;
         return -1;
     }
@@ -100,7 +107,8 @@ ssize_t pwrite(int fd, const void* bytes, size_t count, off_t offset)
 
 int faccessat(int folder, const char* name, int mode, int flags) noexcept
 {
-    const int reason = Interposed::accessFails ? Interposed::accessFails(name) : 0;
+    const auto step = Interposed::accessFails.get();
+    const int reason = step ? step(name) : 0;
     if (reason != 0) {
         errno = reason;
         return -1;
@@ -111,7 +119,8 @@ int faccessat(int folder, const char* name, int mode, int flags) noexcept
 
 ssize_t copy_file_range(int from, off_t* in, int to, off_t* out, size_t count, unsigned flags)
 {
-    const ssize_t most = Interposed::copiesInKernel ? Interposed::copiesInKernel(count) : ssize_t(count);
+    const auto step = Interposed::copiesInKernel.get();
+    const ssize_t most = step ? step(count) : ssize_t(count);
     if (most < 0) {
         errno = EIO;
         return -1;

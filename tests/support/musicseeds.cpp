@@ -14,6 +14,8 @@
 #include <QHash>
 #include <QTemporaryDir>
 
+#include <limits>
+
 using namespace MediaBytes;
 using Seeds::Seed;
 
@@ -276,6 +278,14 @@ void addOddId3v2(QList<Seed>& seeds)
     seeds << Seed{"wav", "id3v2 beyond its chunk",
                   withChunks(tone("wav"), OddId3v2::chunkBefore(title, asked(4, "TPE1", "Artist")))};
 }
+/// All pages of the music at one position.
+QByteArray positioned(const QByteArray& ogg, qint64 position)
+{
+    QList<Ogg::Page> pages = Ogg::pagesOf(ogg);
+    for (Ogg::Page& page : pages)
+        page.position = position;
+    return Ogg::bytesOf(pages);
+}
 } // namespace
 
 QList<Seed> Seeds::music()
@@ -304,6 +314,12 @@ QList<Seed> Seeds::musicFindings()
         {"flac", tagged, tagOverAll(tone("flac"))},
         {"wma", "attributes that are not there", withObject(tone("wma"), noAttributes)},
         {"aac", "id3v2 between its frames", aac.mid(0, 2).join() + id3v2(frames(3), 3) + aac.mid(2).join()}};
+    using Position = std::numeric_limits<qint64>;
+    for (const char* kind : {"ogg", "opus", "oggflac"})
+        seeds << Seed{kind, "lowest positions", positioned(tone(kind), Position::min())};
+    QByteArray skipping = tone("opus");
+    skipping.replace(skipping.indexOf("OpusHead") + 10, 2, QByteArray(2, '\xFF'));
+    seeds << Seed{"opus", "skips more than it has", positioned(skipping, Position::max())};
     addOddId3v2(seeds);
     return seeds;
 }

@@ -29,15 +29,19 @@ inline quint32 checksum(const QByteArray& bytes)
     return sum;
 }
 
+template <typename Number>
+QByteArray littleEndian(Number number)
+{
+    const Number stored = qToLittleEndian(number);
+    return {reinterpret_cast<const char*>(&stored), int(sizeof stored)};
+}
+
 inline QByteArray bytesOf(const Page& page)
 {
-    QByteArray bytes = QByteArray("OggS\0", 5) + page.flags + QByteArray(20, '\0') + char(page.sizes.size()) +
-                       page.sizes + page.body;
-    qToLittleEndian(page.position, bytes.data() + 6);
-    qToLittleEndian(page.serial, bytes.data() + 14);
-    qToLittleEndian(page.number, bytes.data() + 18);
-    qToLittleEndian(checksum(bytes), bytes.data() + 22);
-    return bytes;
+    const QByteArray head = QByteArray("OggS\0", 5) + page.flags + littleEndian(page.position) +
+                            littleEndian(page.serial) + littleEndian(page.number);
+    const QByteArray tail = char(page.sizes.size()) + page.sizes + page.body;
+    return head + littleEndian(checksum(head + QByteArray(4, '\0') + tail)) + tail;
 }
 
 inline QByteArray bytesOf(const QList<Page>& pages)

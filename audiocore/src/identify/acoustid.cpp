@@ -57,15 +57,15 @@ audiocore::HttpRequest acoustid::lookupRequest(const ServiceAddresses& addresses
 acoustid::Lookup acoustid::readLookup(const std::string& answer)
 {
     Lookup lookup;
-    const std::optional<json::Value> root = json::parse(answer);
+    const std::optional<json::Document> root = json::parse(answer);
     if (!root)
         return lookup;
-    const std::string status = json::text(*root, "status");
-    const json::Value& results = json::member(*root, "results");
+    const std::string status = json::text(root->value(), "status");
+    const json::Value& results = json::member(root->value(), "results");
     lookup.refused = status == "error";
     lookup.understood = lookup.refused || (status == "ok" && results.is_array());
     if (lookup.refused)
-        lookup.error = json::text(json::member(*root, "error"), "message");
+        lookup.error = json::text(json::member(root->value(), "error"), "message");
     if (status != "ok")
         return lookup;
     for (const json::Value& result : json::elements(results))

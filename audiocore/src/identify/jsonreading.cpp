@@ -14,9 +14,29 @@ constexpr int mostValues = 500000;
 struct TooMuch
 {
 };
+
+/// From the leaves on: what holds nothing ends without memory. As deep as parse() lets a value be.
+void clear(json::Value& value) noexcept
+{
+    if (auto* const elements = value.get_ptr<json::Value::array_t*>()) {
+        for (json::Value& element : *elements)
+            clear(element);
+        elements->clear();
+    }
+    if (auto* const members = value.get_ptr<json::Value::object_t*>()) {
+        for (auto& member : *members)
+            clear(member.second);
+        members->clear();
+    }
+}
 } // namespace
 
-std::optional<json::Value> json::parse(const std::string& text)
+json::Document::~Document()
+{
+    clear(m_value);
+}
+
+std::optional<json::Document> json::parse(const std::string& text)
 {
     int values = 0;
     const auto bound = [&values](int depth, Value::parse_event_t, Value&) {
@@ -28,7 +48,7 @@ std::optional<json::Value> json::parse(const std::string& text)
         Value value = Value::parse(text, bound, false);
         if (value.is_discarded())
             return std::nullopt;
-        return value;
+        return Document(std::move(value));
     } catch (const TooMuch&) {
         return std::nullopt;
     }

@@ -4,14 +4,32 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// Reading of JSON that nobody vouches for: what is absent or of another type reads as nothing.
 namespace audiocore::json {
 using Value = nlohmann::json;
 
+/// What was parsed. Its end takes no memory: that of a whole value does, and ends the program where there is
+/// none.
+class Document
+{
+public:
+    explicit Document(Value value) : m_value(std::move(value)) {}
+    Document(Document&&) = default;
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+    ~Document();
+
+    const Value& value() const { return m_value; }
+
+private:
+    Value m_value;
+};
+
 /// Nothing for what is no JSON, or nested deeper or made of more values than any real answer.
-std::optional<Value> parse(const std::string& text);
+std::optional<Document> parse(const std::string& text);
 
 /// The member of that name; null when there is none.
 const Value& member(const Value& object, const char* name);

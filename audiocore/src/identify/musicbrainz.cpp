@@ -215,17 +215,17 @@ audiocore::HttpRequest musicbrainz::recordingRequest(const ServiceAddresses& add
 musicbrainz::Recording musicbrainz::readRecording(const std::string& answer)
 {
     Recording recording;
-    const std::optional<json::Value> root = json::parse(answer);
+    const std::optional<json::Document> root = json::parse(answer);
     if (!root)
         return recording;
-    const std::vector<json::Value>& releases = json::elements(json::member(*root, "releases"));
-    recording.id = json::identifier(*root, "id");
-    recording.title = json::text(*root, "title");
+    const std::vector<json::Value>& releases = json::elements(json::member(root->value(), "releases"));
+    recording.id = json::identifier(root->value(), "id");
+    recording.title = json::text(root->value(), "title");
     recording.understood = !recording.title.empty();
-    recording.artist = artistOf(*root);
-    recording.firstYear = base::yearOf(json::text(*root, "first-release-date"));
-    recording.ownGenre = mostVotedGenre(*root);
-    recording.artistGenre = artistGenreOf(*root);
+    recording.artist = artistOf(root->value());
+    recording.firstYear = base::yearOf(json::text(root->value(), "first-release-date"));
+    recording.ownGenre = mostVotedGenre(root->value());
+    recording.artistGenre = artistGenreOf(root->value());
     recording.release = bestOf(releases);
     recording.hasMoreReleases = releases.size() >= mostNamedReleases;
     return recording;
@@ -239,10 +239,10 @@ audiocore::HttpRequest musicbrainz::searchRequest(const ServiceAddresses& addres
 musicbrainz::Search musicbrainz::readSearch(const std::string& answer)
 {
     Search search;
-    const std::optional<json::Value> root = json::parse(answer);
+    const std::optional<json::Document> root = json::parse(answer);
     if (!root)
         return search;
-    const json::Value& recordings = json::member(*root, "recordings");
+    const json::Value& recordings = json::member(root->value(), "recordings");
     search.understood = recordings.is_array();
     for (const json::Value& recording : json::elements(recordings)) {
         FoundRecording found = foundRecording(recording);
@@ -264,13 +264,13 @@ audiocore::HttpRequest musicbrainz::releasesRequest(const ServiceAddresses& addr
 musicbrainz::ReleasePage musicbrainz::readReleases(const std::string& answer)
 {
     ReleasePage page;
-    const std::optional<json::Value> root = json::parse(answer);
+    const std::optional<json::Document> root = json::parse(answer);
     if (!root)
         return page;
-    const json::Value& releases = json::member(*root, "releases");
+    const json::Value& releases = json::member(root->value(), "releases");
     page.understood = releases.is_array();
     page.releases = json::elements(releases).size();
-    page.all = json::number(*root, "release-count").value_or(0);
+    page.all = json::number(root->value(), "release-count").value_or(0);
     page.best = bestOf(json::elements(releases));
     return page;
 }
@@ -283,11 +283,11 @@ audiocore::HttpRequest musicbrainz::releaseRequest(const ServiceAddresses& addre
 
 bool musicbrainz::readTracks(Release& release, const std::string& answer, const std::string& recording)
 {
-    const std::optional<json::Value> root = json::parse(answer);
-    if (!root || json::text(*root, "title").empty())
+    const std::optional<json::Document> root = json::parse(answer);
+    if (!root || json::text(root->value(), "title").empty())
         return false;
-    release.genre = genreOf(*root);
-    release.track = trackOn(*root, [&recording](const json::Value& track) {
+    release.genre = genreOf(root->value());
+    release.track = trackOn(root->value(), [&recording](const json::Value& track) {
         return json::identifier(json::member(track, "recording"), "id") == recording;
     });
     return true;
@@ -301,6 +301,6 @@ void musicbrainz::takeBetter(std::optional<Release>& best, const std::optional<R
 
 std::string musicbrainz::readError(const std::string& answer)
 {
-    const std::optional<json::Value> root = json::parse(answer);
-    return root ? json::text(*root, "error") : std::string();
+    const std::optional<json::Document> root = json::parse(answer);
+    return root ? json::text(root->value(), "error") : std::string();
 }

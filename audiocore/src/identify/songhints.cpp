@@ -45,6 +45,12 @@ bool areSame(const std::string& one, const std::string& other)
 {
     return !one.empty() && audiocore::folded(one) == audiocore::folded(other);
 }
+
+void fill(std::string& text, const std::string& guessed)
+{
+    if (text.empty())
+        text = guessed;
+}
 } // namespace
 
 SongNames audiocore::completed(const SongNames& tagged, const std::string& path)
@@ -55,9 +61,9 @@ SongNames audiocore::completed(const SongNames& tagged, const std::string& path)
     SongNames guess = withoutPlaceholders(namesInPath(path));
     if (areSame(names.artist, guess.title) || areSame(names.title, guess.artist)) // "Title - Artist"
         std::swap(guess.title, guess.artist);
-    for (std::string SongNames::*const name : {&SongNames::title, &SongNames::artist, &SongNames::album})
-        if ((names.*name).empty())
-            names.*name = guess.*name;
+    fill(names.title, guess.title);
+    fill(names.artist, guess.artist);
+    fill(names.album, guess.album);
     return names;
 }
 

@@ -67,14 +67,14 @@ Beginning beginningOf(CheckedStream& stream, const OggStream& music)
     std::int64_t played = samples ? 0 : first.position;
     for (; samples && packet && packets.page().place == first.place; packet = packets.next(mostHeaderBytes))
         played += samples(packets.bytesOf(*packet, 0, audiocore::packetBeginning));
-    return {std::max<std::int64_t>(first.position - played, 0), first.place};
+    return {std::max<std::int64_t>(checked::sum(first.position, -played), 0), first.place};
 }
 
 std::int64_t millisecondsOf(const OggStream& music, std::int64_t from, std::int64_t to)
 {
     constexpr unsigned int preSkipPlace = 10;
     const std::int64_t skipped = music.codec == OggCodec::Opus ? music.head.toUShort(preSkipPlace, false) : 0;
-    const std::int64_t samples = checked::sum(to, -from - skipped);
+    const std::int64_t samples = checked::sum(checked::sum(to, -from), -skipped);
     return checked::scaled(std::max<std::int64_t>(samples, 0), 1000, music.sampleRate());
 }
 
