@@ -95,6 +95,8 @@ void MainWindow::Init()
     ui->m_tipsLabel->setPalette(palette);
     // Where the header's boxes meet in a small window, the start button stays clickable.
     ui->m_btnStarScan->raise();
+    setTabOrder(ui->m_btnStarScan, ui->m_btniTunesClean);
+    setTabOrder(ui->m_btniTunesClean, ui->m_btnLocalClean);
     placeHeader();
     showStart(iTunesTips());
 }
