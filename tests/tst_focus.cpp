@@ -212,6 +212,9 @@ void TestFocus::forTheMouseThereIsNoOutline()
     QVERIFY(markOf(m_window.get())->isVisible());
     KeysFixture::clickRow("m_allMusicListView", 0);
     QVERIFY(!markOf(m_window.get())->isVisible());
+    for (const int modifier : {Qt::Key_Control, Qt::Key_Shift, Qt::Key_Alt})
+        key(modifier);
+    QVERIFY(!markOf(m_window.get())->isVisible());
     key(Qt::Key_Home);
     QVERIFY(markOf(m_window.get())->isVisible());
 }
