@@ -1,14 +1,13 @@
 #include "dupmusicbarwidget.h"
 
 #include "collection/timetext.h"
-#include "common/screenplace.h"
+#include "common/keyuse.h"
 #include "common/skinlabel.h"
 #include "common/style.h"
 #include "common/textfit.h"
 #include "folderopener.h"
 #include "qiorvoutil.h"
 #include "showmusicinfowidget.h"
-#include "songs/footlines.h"
 #include "songs/songfields.h"
 #include "songs/songtip.h"
 #include "ui_dupmusicbarwidget.h"
@@ -24,6 +23,7 @@ namespace {
 constexpr int cardLeftOfPointer = 300;
 constexpr int bestMarkSide = 14;
 constexpr int bestMarkGap = 5;
+constexpr int atHandWidth = 6;
 
 /// Not by style sheets, which cost a group of thousands of rows seconds.
 void showLabel(RetractLabel* label, const QColor& colour, const QPoint& place)
@@ -110,6 +110,22 @@ void DupMusicbarWidget::setBest(bool best)
         m_pBestMark->setVisible(best);
 }
 
+void DupMusicbarWidget::setAtHand(bool atHand)
+{
+    m_bAtHand = atHand;
+    update();
+}
+
+QWidget* DupMusicbarWidget::putInTabOrder(QWidget* former)
+{
+    for (QWidget* button :
+         {ui->m_btnIsDeleta, ui->m_btnPlayMusic, ui->m_btnStopMusic, ui->m_btnShowInfo, ui->m_btnOpenPath}) {
+        setTabOrder(former, button);
+        former = button;
+    }
+    return former;
+}
+
 void DupMusicbarWidget::makeBestMark()
 {
     m_pBestMark = new SkinLabel(this);
@@ -147,21 +163,27 @@ void DupMusicbarWidget::SlotOnBtnPause()
 
 void DupMusicbarWidget::SlotOnBtnOpenPath()
 {
-    if (!FolderOpener::open(FolderOpener::folderOf(SongFields::location(m_pMusicInfo))))
-        emit emitTold({FootLines::noOpener(FootLines::Opened::Folder), true, {}});
+    const FootText told = FolderOpener::show(SongFields::location(m_pMusicInfo));
+    if (!told.text.isEmpty())
+        emit emitTold(told);
 }
 
 void DupMusicbarWidget::SlotOnBtnShowInfo()
 {
+    showCard(QCursor::pos());
+}
+
+QPoint DupMusicbarWidget::cardPlace() const
+{
+    return ui->m_btnShowInfo->mapToGlobal(ui->m_btnShowInfo->rect().center());
+}
+
+void DupMusicbarWidget::showCard(const QPoint& pointer)
+{
     m_pShowInfoWidget = std::make_unique<ShowMusicInfoWidget>(this);
     m_pShowInfoWidget->setMusicInfo(m_pMusicInfo);
-    const QPoint pointer = QCursor::pos();
     m_ptCursor = {pointer.x(), pointer.y()};
-    const QPoint corner(pointer.x() - cardLeftOfPointer, pointer.y());
-    m_pShowInfoWidget->move(
-        ScreenPlace::inside(QRect(corner, m_pShowInfoWidget->size()), ScreenPlace::availableAt(pointer)));
-    m_pShowInfoWidget->activateWindow();
-    m_pShowInfoWidget->show();
+    m_pShowInfoWidget->showAt(pointer - QPoint(cardLeftOfPointer, 0), pointer);
 }
 
 /// The tip is made when it is asked for.
@@ -179,4 +201,6 @@ void DupMusicbarWidget::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(rect(), Style::groupRow);
     painter.fillRect(0, height() - 1, width(), 1, Style::divider);
+    if (m_bAtHand && KeyUse::instance().leads())
+        painter.fillRect(0, 0, atHandWidth, height() - 1, Style::markChosen);
 }

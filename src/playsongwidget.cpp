@@ -233,7 +233,9 @@ void PlaySongWidget::closeEvent(QCloseEvent* event)
 
 void PlaySongWidget::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() != Qt::Key_Space || event->isAutoRepeat())
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else if (event->key() != Qt::Key_Space || event->isAutoRepeat())
         QImageWidget::keyPressEvent(event);
     else if (ui->m_btnPause->isHidden())
         SlotOnBtnPlay();

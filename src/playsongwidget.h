@@ -12,8 +12,8 @@ namespace Ui {
 class PlaySongWidget;
 }
 
-/// A small window that plays one song at a time. Space plays and pauses. Closing it pauses; the song stays
-/// loaded.
+/// A small window that plays one song at a time. Space plays and pauses, Escape closes it. Closing it pauses;
+/// the song stays loaded.
 class PlaySongWidget : public QImageWidget
 {
     Q_OBJECT

@@ -2,6 +2,7 @@
 
 #include "collection/counttext.h"
 #include "common/sortheader.h"
+#include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
 #include "views/covergriddelegate.h"
@@ -123,12 +124,6 @@ void SongViews::refreshGroups()
     showGroups(m_groups.source(), m_groupColumns);
 }
 
-void SongViews::groupsChanged()
-{
-    if (!m_groups.isWhole())
-        refreshGroups();
-}
-
 void SongViews::leave(const QMusicInfo* song, const DupMusicInfo* group)
 {
     m_songs.drop(song);
@@ -150,6 +145,7 @@ void SongViews::find(const QString& typed)
 {
     m_typed = typed;
     m_find.setTyped(typed);
+    m_groupPlace = 0;
     if (m_groupsChosen) {
         m_groups.narrow(m_find);
         giveGroupsMarked();
@@ -214,6 +210,8 @@ int SongViews::selectGroup(const DupMusicInfo* group)
 {
     m_markedGroup = group;
     const int row = m_groups.rowOf(group);
+    if (row >= 0)
+        m_groupPlace = row;
     m_widgets.groupGrid->setCurrentIndex(m_dupMusicGridModel->index(row, 0));
     m_widgets.groupTable->setCurrentIndex(m_dupMusicTableModel->index(row, 0));
     return row;
@@ -229,6 +227,14 @@ DupMusicInfo* SongViews::groupOf(const QModelIndex& index)
     return static_cast<DupMusicInfo*>(index.internalPointer());
 }
 
+QMusicInfo* SongViews::firstSongOf(const QAbstractItemView& view, const QModelIndex& index) const
+{
+    if (!showsGroups(view))
+        return songOf(index);
+    const DupMusicInfo* const group = groupOf(index);
+    return group ? group->musicList.value(0) : nullptr;
+}
+
 QAbstractItemView* SongViews::view(bool groups, bool grid) const
 {
     if (groups)
@@ -241,6 +247,19 @@ QAbstractItemView* SongViews::choose(bool groups, bool grid)
     m_groupsChosen = groups;
     tellShown();
     return view(groups, grid);
+}
+
+QAbstractItemView* SongViews::shownView() const
+{
+    const auto views = all();
+    const auto shown =
+        std::find_if(views.begin(), views.end(), [](const QWidget* view) { return !view->isHidden(); });
+    return shown == views.end() ? nullptr : *shown;
+}
+
+bool SongViews::showsGroups(const QAbstractItemView& view) const
+{
+    return &view == m_widgets.groupGrid || &view == m_widgets.groupTable;
 }
 
 std::array<QAbstractItemView*, 4> SongViews::all() const

@@ -110,7 +110,7 @@ const Caption captions[] = {
     {"src/navigationbutton.cpp", "Style::chosen", Style::chosen, "#E0F1FB"},
     {"src/common/footline.cpp", "Style::text", Style::text, "#E0EEF7"},
     {"src/common/textlink.cpp", "Style::chosen", Style::chosen, "#E0EEF7"},
-    {"src/mainwindow.cpp", "Style::menuText", Style::menuText, "#DCEFFA"},
+    {"src/mainmenu.cpp", "Style::menuText", Style::menuText, "#DCEFFA"},
     {"src/views/viewsetup.cpp", "Style::text.name()", Style::text, Style::header}, // column titles
     {"src/views/viewsetup.cpp", "QPalette::Text, Style::text", Style::text, Style::stripe},
     {"src/views/viewnotice.cpp", "Style::muted", Style::muted, "#FFFFFF"},
