@@ -65,12 +65,15 @@ void CenterWidget::InitView()
     m_views = new SongViews(
         {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView},
         m_pAllMusicList, &m_classification.groups(), this);
+    m_empty = new EmptyViews(*m_views, this, [this] { return emptyState(); });
+    connect(m_empty, &EmptyViews::libraryChosen, this, &CenterWidget::clearClassification);
     m_shownGroup = std::make_unique<ShownGroup>(*ui->m_dupMusicDetailedWidget, *m_views, m_classification);
     m_inSight = std::make_unique<ViewInSight>(
         *m_views, ViewInSight::Buttons{*ui->m_btnGridDisplay, *ui->m_btnTableDisplay}, this);
     m_keys = new CenterKeys({*m_views, *m_shownGroup, *ui->m_musicDetailedWidget,
                              *ui->m_dupMusicDetailedWidget, m_inSight->focus()},
                             this);
+    setTabOrder(&m_inSight->focus(), &m_empty->button());
     ui->m_findStrip->setViews(*m_views, m_inSight->focus());
 }
 
@@ -213,6 +216,7 @@ void CenterWidget::enterMode(bool local)
     m_openShortcut->setEnabled(local);
     QIOrvoUtil::m_cleanMode = local;
     m_bLeavingMode = false;
+    m_empty->update();
     update();
 }
 
@@ -296,6 +300,20 @@ void CenterWidget::SlotMusicInfoHaveBeEdited()
 void CenterWidget::selectShownSong()
 {
     m_nCurrentRow = m_views->selectSong(ui->m_musicDetailedWidget->song());
+}
+
+EmptyViews::State CenterWidget::emptyState() const
+{
+    EmptyViews::State state;
+    if (!m_pAllMusicList->isEmpty())
+        state.place = EmptyViews::State::Songs;
+    else if (QIOrvoUtil::m_cleanMode)
+        state.place = EmptyViews::State::DropZone;
+    if (m_nViewKind != ViewAll)
+        state.view =
+            m_nViewKind == ViewDuplicates ? EmptyTexts::View::Duplicates : EmptyTexts::View::Undefined;
+    state.isScanned = m_classification.isDone();
+    return state;
 }
 
 SongLists CenterWidget::songLists()
@@ -445,4 +463,6 @@ void CenterWidget::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     DropZone::placeButton(*ui->m_btnOpen, size());
+    const int top = ui->horizontalLayout_2->geometry().bottom() + 1;
+    m_empty->setPlace({0, top, ui->verticalLayoutWidget->x(), height() - top});
 }

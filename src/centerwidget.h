@@ -3,6 +3,7 @@
 #include "centerfoot.h"
 #include "common/footline.h"
 #include "dropzone.h"
+#include "emptyviews.h"
 #include "fileadding.h"
 #include "groupdeletion.h"
 #include "songs/songclassification.h"
@@ -150,6 +151,7 @@ private:
     void showCurrentView();
     void enterMode(bool local);
 
+    EmptyViews::State emptyState() const;
     SongLists songLists();
     void emitCounts();
     void classify();
@@ -163,6 +165,7 @@ private:
     int m_nCurrentRow = 0;
     bool m_bForbidClick = false;
     SongViews* m_views = nullptr;
+    EmptyViews* m_empty = nullptr;
     std::unique_ptr<ViewInSight> m_inSight;
     std::unique_ptr<ShownGroup> m_shownGroup;
     CenterKeys* m_keys = nullptr;
