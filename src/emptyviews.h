@@ -5,12 +5,12 @@
 
 #include <QObject>
 
-#include <functional>
-
+class ModeSongs;
 class QImageButton;
 class QRect;
 class QWidget;
 class SongViews;
+class ViewInSight;
 class ViewNotice;
 
 /// Says in the middle of the content area why the view there has nothing to show: that nothing is found, that
@@ -21,25 +21,20 @@ class EmptyViews : public QObject
     Q_OBJECT
 
 public:
-    /// What the area is at.
-    struct State
+    struct Parts
     {
-        enum Place { DropZone, Library, Songs }; ///< without songs there is either of the former
-
-        Place place = Library;
-        EmptyTexts::View view = EmptyTexts::View::All;
-        bool isScanned = false;
+        SongViews& views; ///< what they show is followed
+        const ModeSongs& songs;
+        const ViewInSight& inSight;
     };
 
-    /// What the views show is followed; all else is asked of `state`. The views are children of the area.
-    EmptyViews(SongViews& views, QWidget* area, std::function<State()> state);
+    /// The area holds the views and owns this.
+    EmptyViews(const Parts& parts, QWidget* area);
 
-    QWidget& button() const;
     /// Where the views are.
     void setPlace(const QRect& place);
-    /// After a change of state.
+    /// After a change of the mode.
     void update();
-
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
@@ -48,20 +43,20 @@ signals:
 
 private:
     void follow(int found, int all);
-    EmptyText text(const State& state);
-    EmptyText libraryText(const State& state);
+    bool isAtLibrary() const;
+    EmptyText text() const;
+    EmptyText libraryText() const;
     void lookAgain();
     void take(const LibrarySight& sight);
     void choose();
 
-    SongViews& m_views;
-    const std::function<State()> m_state;
+    const Parts m_parts;
     QImageButton* m_button;
     ViewNotice* m_notice;
     LibraryLook m_look;
     LibrarySight m_library;
     bool m_isLibraryKnown = false;
-    bool m_isAtLibrary = false;
+    bool m_wasAtLibrary = false;
     bool m_looksAgain = false; ///< after the look that goes on
     int m_found = 0;
     int m_all = 0;

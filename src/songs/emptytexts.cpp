@@ -46,18 +46,18 @@ EmptyText EmptyTexts::notFound(const QString& typed, int all, bool groups)
             false};
 }
 
-EmptyText EmptyTexts::notScanned(View view)
+EmptyText EmptyTexts::notScanned(bool groups)
 {
-    const QString what = view == View::Duplicates
+    const QString what = groups
                              ? QStringLiteral("Press Start Scan to find songs that are there more than once.")
                              : QStringLiteral("Press Start Scan to find songs that lack a title, an artist, "
                                               "an album or a genre.");
     return {QStringLiteral("Not scanned yet"), {{what}}, EmptyText::Picture::Scan, false};
 }
 
-EmptyText EmptyTexts::tidy(View view)
+EmptyText EmptyTexts::tidy(bool groups)
 {
-    if (view == View::Duplicates)
+    if (groups)
         return {QStringLiteral("No duplicates. Well tidied."),
                 {{QStringLiteral("No two songs have the same title and length.")}},
                 EmptyText::Picture::Tidy,

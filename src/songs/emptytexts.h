@@ -23,16 +23,14 @@ struct EmptyText
     bool offersLibrary = false; ///< another library file can be chosen
 };
 
-/// The words for it.
+/// The words for it; `groups` is for the view of duplicates.
 namespace EmptyTexts {
-enum class View { All, Undefined, Duplicates };
-
 /// Nothing has the words that are looked for, of so many songs or groups.
 EmptyText notFound(const QString& typed, int all, bool groups);
 /// Of songs that were added and not scanned yet.
-EmptyText notScanned(View view);
+EmptyText notScanned(bool groups);
 /// After a scan: there is nothing to tidy.
-EmptyText tidy(View view);
+EmptyText tidy(bool groups);
 
 /// Of a library that is still being looked for.
 EmptyText looking();

@@ -47,6 +47,8 @@ ViewNotice::ViewNotice(QWidget& button, QWidget* parent) : QWidget(parent), m_bu
 
 void ViewNotice::say(const EmptyText& text)
 {
+    if (text.heading.isEmpty() && m_text.heading.isEmpty())
+        return;
     m_text = text;
     QStringList said(text.heading);
     for (const EmptyText::Line& line : text.lines)

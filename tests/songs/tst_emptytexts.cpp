@@ -3,8 +3,6 @@
 
 #include <QtTest>
 
-using EmptyTexts::View;
-
 namespace {
 QStringList linesOf(const EmptyText& text)
 {
@@ -53,8 +51,8 @@ void TestEmptyTexts::nothingIsFound()
 
 void TestEmptyTexts::nothingIsScanned()
 {
-    for (const View view : {View::Undefined, View::Duplicates}) {
-        const EmptyText text = EmptyTexts::notScanned(view);
+    for (const bool groups : {false, true}) {
+        const EmptyText text = EmptyTexts::notScanned(groups);
         QCOMPARE(text.heading, QString("Not scanned yet"));
         QVERIFY(linesOf(text).first().startsWith("Press Start Scan to find songs "));
         QVERIFY(text.picture == EmptyText::Picture::Scan);
@@ -63,9 +61,9 @@ void TestEmptyTexts::nothingIsScanned()
 
 void TestEmptyTexts::allIsTidy()
 {
-    QCOMPARE(EmptyTexts::tidy(View::Duplicates).heading, QString("No duplicates. Well tidied."));
-    QCOMPARE(EmptyTexts::tidy(View::Undefined).heading, QString("No undefined songs. Well tagged."));
-    QVERIFY(EmptyTexts::tidy(View::Undefined).picture == EmptyText::Picture::Tidy);
+    QCOMPARE(EmptyTexts::tidy(true).heading, QString("No duplicates. Well tidied."));
+    QCOMPARE(EmptyTexts::tidy(false).heading, QString("No undefined songs. Well tagged."));
+    QVERIFY(EmptyTexts::tidy(false).picture == EmptyText::Picture::Tidy);
 }
 
 void TestEmptyTexts::theLibraryThatWillBeRead()
