@@ -3,6 +3,7 @@
 #include "centerchanges.h"
 #include "centerkeys.h"
 #include "common/style.h"
+#include "emptyviews.h"
 #include "intakedialogs.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
@@ -72,9 +73,11 @@ void CenterWidget::InitView()
     m_inSight = std::make_unique<ViewInSight>(
         *m_views, ViewInSight::Buttons{*ui->m_btnGridDisplay, *ui->m_btnTableDisplay, *ui->m_btnOpen},
         [this] { return QIOrvoUtil::m_cleanMode && m_songs.local().isEmpty(); }, this);
+    m_empty = new EmptyViews({*m_views, m_songs, *m_inSight}, this);
     m_keys = new CenterKeys({*m_views, *m_shownGroup, details, rows, m_inSight->focus()}, this);
     m_changes = new CenterChanges(
         {m_songs, *m_views, *m_inSight, *m_shownGroup, details, rows, m_deletion, m_foot}, this);
+    connect(m_empty, &EmptyViews::libraryChosen, m_changes, &CenterChanges::clearClassification);
     ui->m_findStrip->setViews(*m_views, m_inSight->focus());
 }
 
@@ -227,6 +230,7 @@ void CenterWidget::enterMode(bool local)
     m_openShortcut->setEnabled(local);
     QIOrvoUtil::m_cleanMode = local;
     m_bLeavingMode = false;
+    m_empty->update();
     update();
 }
 
@@ -353,4 +357,6 @@ void CenterWidget::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     DropZone::placeButton(*ui->m_btnOpen, size());
+    const int top = ui->horizontalLayout_2->geometry().bottom() + 1;
+    m_empty->setPlace({0, top, ui->verticalLayoutWidget->x(), height() - top});
 }

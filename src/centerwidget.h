@@ -15,6 +15,7 @@
 
 class CenterChanges;
 class CenterKeys;
+class EmptyViews;
 class QModelIndex;
 class QShortcut;
 class ShownGroup;
@@ -147,6 +148,7 @@ private:
 
     bool m_bForbidClick = false;
     SongViews* m_views = nullptr;
+    EmptyViews* m_empty = nullptr;
     std::unique_ptr<ViewInSight> m_inSight;
     std::unique_ptr<ShownGroup> m_shownGroup;
     CenterKeys* m_keys = nullptr;

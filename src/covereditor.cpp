@@ -2,15 +2,14 @@
 
 #include "common/qimagewidget.h"
 #include "covers/coverchoice.h"
+#include "filechoice.h"
 #include "keepoffers.h"
 #include "songs/footlines.h"
 #include "songs/songcover.h"
 #include "songs/songediting.h"
 #include "songs/songfields.h"
 
-#include <QFileDialog>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 CoverEditor::CoverEditor(QImageWidget& picture, KeepOffers& offers) : m_picture(picture), m_offers(offers)
 {
@@ -83,10 +82,7 @@ void CoverEditor::offerToKeep()
 void CoverEditor::choose(QWidget* panel)
 {
     const QMusicInfo* const song = m_pSong; // only compared: a mode switch may take it meanwhile
-    const QString chosen =
-        QFileDialog::getOpenFileName(panel, QStringLiteral("Open File"),
-                                     QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
-                                     QStringLiteral("Images(*.png *.xpm *.jpg)"));
+    const QString chosen = FileChoice::picture(panel);
     if (chosen.isEmpty() || !song || m_pSong != song)
         return;
     const CoverChoice::Choice choice = CoverChoice::embeddable(chosen, SongEditing::largestCover(*song));

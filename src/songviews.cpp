@@ -1,6 +1,5 @@
 #include "songviews.h"
 
-#include "collection/counttext.h"
 #include "common/sortheader.h"
 #include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
@@ -8,7 +7,6 @@
 #include "views/covergriddelegate.h"
 #include "views/paintdupnumberdelegate.h"
 #include "views/songcells.h"
-#include "views/viewnotice.h"
 #include "views/viewsetup.h"
 
 #include <QListView>
@@ -38,9 +36,6 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
       m_allMusicTableModel(new MusicListModel(this)), m_dupMusicGridModel(new DupMusicListModel(this)),
       m_dupMusicTableModel(new DupMusicListModel(this))
 {
-    const auto views = all();
-    std::transform(views.begin(), views.end(), m_notices.begin(),
-                   [](QAbstractItemView* view) { return new ViewNotice(view); });
     // Before the views, which measure columns that are there.
     showSongs(songs);
     showGroups(groups, SongCells::columnModeDupTable);
@@ -62,7 +57,7 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
             &SongViews::orderSongs);
     connect(m_widgets.groupTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
             &SongViews::orderGroups);
-    for (QWidget* view : views)
+    for (QWidget* view : all())
         view->hide();
 }
 
@@ -100,17 +95,6 @@ void SongViews::tellShown()
 {
     const int found = m_groupsChosen ? m_groups.count() : m_songs.count();
     const int all = m_groupsChosen ? m_groups.countOfAll() : m_songs.countOfAll();
-    QString heading;
-    QString line;
-    if (m_find.isActive() && found == 0 && all > 0) {
-        heading = (m_groupsChosen ? QStringLiteral("No group has “%1”") : QStringLiteral("No song has “%1”"))
-                      .arg(m_typed.simplified());
-        line = QStringLiteral("Empty the field above to see all %1 again.")
-                   .arg(m_groupsChosen ? CountText::of(quint64(all), "group", "groups")
-                                       : CountText::of(quint64(all), "song", "songs"));
-    }
-    for (ViewNotice* notice : m_notices)
-        notice->say(heading, line);
     emit listShown(found, all);
 }
 

@@ -13,7 +13,6 @@ class QAbstractItemView;
 class QListView;
 class QModelIndex;
 class QTableView;
-class ViewNotice;
 struct DupMusicInfo;
 struct QMusicInfo;
 
@@ -80,6 +79,8 @@ public:
     QAbstractItemView* shownView() const;
     bool showsGroups(const QAbstractItemView& view) const;
     std::array<QAbstractItemView*, 4> all() const;
+    /// The words of find(), in one line.
+    QString lookedFor() const { return m_typed.simplified(); }
     void setGroupsEnabled(bool enabled);
     /// Shows files of covers as they are now.
     void repaintCovers();
@@ -108,7 +109,6 @@ private:
     MusicListModel* m_allMusicTableModel;
     DupMusicListModel* m_dupMusicGridModel;
     DupMusicListModel* m_dupMusicTableModel;
-    std::array<ViewNotice*, 4> m_notices; ///< as the views in all()
     SongFind m_find;
     QString m_typed;
     ShownList<QMusicInfo> m_songs;

@@ -39,7 +39,7 @@ void ViewInSight::showAs(bool grid)
 
 void ViewInSight::showAnew()
 {
-    const bool drops = m_dropsAreSeen();
+    const bool drops = dropsAreSeen();
     setVisible(!drops);
     m_buttons.open.lower();
     m_buttons.open.setFocusPolicy(drops ? Qt::StrongFocus : Qt::NoFocus);

@@ -28,6 +28,7 @@ public:
     ViewFocus& focus() const { return *m_focus; }
     Kind kind() const { return m_kind; }
     bool isGrid() const { return m_isGrid; }
+    bool dropsAreSeen() const { return m_dropsAreSeen(); }
 
     /// The view of the kind, which has its list already.
     void show(Kind kind);
