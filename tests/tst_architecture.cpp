@@ -62,7 +62,7 @@ const QVector<Room>& rooms()
          {"base", "itunes/include", "audiocore/include", "itunes/src/xml"},
          qt + '|' + engines},
         {"itunes/src/calls", {"base", "itunes/include", "itunes/src/library"}, qt + '|' + engines},
-        {"collection", {"base"}, widgets + '|' + engines},
+        {"collection", {"base", "audiocore/include"}, widgets + '|' + engines},
         {"src/common", {"base", "forms"}, engines},
         {"src/covers", {"collection", "src/common"}, engines},
         {"records", {"collection", "src/common", "src/covers"}, engines},
@@ -183,7 +183,8 @@ void TestArchitecture::everyRoomIncludesWhatItMay()
     QStringList wrong;
     int files = 0;
     for (const QString& top :
-         {QString("base"), QString("audiocore"), QString("itunes"), QString("collection"), QString("src")})
+         {QString("base"), QString("audiocore"), QString("itunes"), QString("collection"),
+          QString("src")})
         for (const QString& path : filesIn(top, {"*.h", "*.cpp"})) {
             if (roomOf(path) != room.folder)
                 continue;
