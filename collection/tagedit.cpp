@@ -5,7 +5,6 @@
 #include "collection/saveproblemtext.h"
 #include "collection/songfile.h"
 
-#include <algorithm>
 #include <memory>
 
 namespace {
@@ -56,9 +55,5 @@ QByteArray CoverFile::read(const std::string& path)
 
 bool CoverFile::isPicture(const QByteArray& bytes)
 {
-    const auto kinds = {QByteArray("\xFF\xD8\xFF"), QByteArray("\x89PNG\r\n\x1A\n"), QByteArray("GIF87a"),
-                        QByteArray("GIF89a"), QByteArray("BM")};
-    return std::any_of(kinds.begin(), kinds.end(),
-                       [&bytes](const QByteArray& kind) { return bytes.startsWith(kind); }) ||
-           (bytes.startsWith("RIFF") && bytes.mid(8, 4) == "WEBP");
+    return bytes.startsWith("\xFF\xD8\xFF") || bytes.startsWith("\x89PNG\r\n\x1A\n");
 }

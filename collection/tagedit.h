@@ -22,6 +22,6 @@ struct TagEdit
 namespace CoverFile {
 /// The bytes of the picture that lists show of a song; empty without one, and for a file that cannot be read.
 QByteArray read(const std::string& path);
-/// Whether the bytes begin as those of a picture do: JPEG, PNG, GIF, BMP, WebP.
+/// Whether the bytes begin as a picture of the kinds that songs carry: JPEG or PNG.
 bool isPicture(const QByteArray& bytes);
 } // namespace CoverFile
