@@ -33,6 +33,14 @@ std::string Json::list(const std::vector<std::string>& values)
     return json + ']';
 }
 
+Json& Json::members(const Json& other)
+{
+    if (!m_members.empty() && !other.m_members.empty())
+        m_members += ',';
+    m_members += other.m_members;
+    return *this;
+}
+
 Json& Json::value(const char* name, const std::string& json)
 {
     if (!m_members.empty())

@@ -16,6 +16,8 @@ public:
     Json& flag(const char* name, bool value);
     /// Any value that is JSON already.
     Json& value(const char* name, const std::string& json);
+    /// Those of another object.
+    Json& members(const Json& other);
     /// The bytes of a path; what is no UTF-8 is U+FFFD in it, and a member NAME_base64 has all its bytes.
     Json& path(const char* name, const std::string& bytes);
 

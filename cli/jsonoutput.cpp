@@ -11,10 +11,11 @@ void JsonOutput::begin(const char* command, const char* list)
         m_console.write("{\"command\":" + Json::quoted(command) + ",\"" + list + "\":[");
 }
 
-void JsonOutput::item(const char* type, Json& json)
+void JsonOutput::item(const char* type, const Json& json)
 {
     if (m_form == Order::Form::Lines) {
-        m_console.writeLine(json.text("type", std::string(type)).object());
+        Json line;
+        m_console.writeLine(line.text("type", std::string(type)).members(json).object());
         return;
     }
     m_console.write((m_hasItems ? ",\n" : "\n") + json.object());

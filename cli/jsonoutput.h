@@ -17,7 +17,7 @@ public:
     /// `list` is what the document calls its list: of failures, when it is "failed".
     void begin(const char* command, const char* list);
     /// A member of the list; in a line its `type` says what it is.
-    void item(const char* type, Json& json);
+    void item(const char* type, const Json& json);
     void failed(const std::string& path, const std::string& reason);
     /// With what the run counted.
     void end(const Json& counts, bool isInterrupted);

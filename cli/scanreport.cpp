@@ -45,10 +45,8 @@ public:
             count(field.toStdString());
         if (song.coverBytes == 0)
             count("cover");
-        if (m_order.form == Order::Form::Lines) {
-            Json json = JsonOutput::song(song);
-            m_json.item("song", json);
-        }
+        if (m_order.form == Order::Form::Lines)
+            m_json.item("song", JsonOutput::song(song));
     }
     void end(const Tally& tally, bool isInterrupted) override
     {

@@ -20,8 +20,7 @@ public:
             writeText(song);
             return;
         }
-        Json json = JsonOutput::song(song);
-        m_json.item("song", json);
+        m_json.item("song", JsonOutput::song(song));
     }
     void end(const Tally& tally, bool isInterrupted) override
     {

@@ -28,8 +28,7 @@ public:
             writeRow(missing.join(QLatin1String(", ")), m_console.shown(song.path));
             return;
         }
-        Json json = JsonOutput::song(song);
-        m_json.item("song", json);
+        m_json.item("song", JsonOutput::song(song));
     }
     void end(const Tally& tally, bool isInterrupted) override
     {

@@ -56,14 +56,14 @@ void TestSameGroups::initTestCase()
     m_intake->add(m_intake->collect(m_run.path("m"), 0).music, m_songs, m_tags);
     m_classes.collect(m_songs);
     m_classes.group();
-    QVERIFY(!m_classes.m_dupMusicInfoList.isEmpty());
+    QVERIFY(!m_classes.groups().isEmpty());
 }
 
 void TestSameGroups::groupsAreTheSame()
 {
     const Fixtures::ModeGuard local(true);
     QList<QStringList> window;
-    for (const DupMusicInfo* group : m_classes.m_dupMusicInfoList) {
+    for (const DupMusicInfo* group : m_classes.groups()) {
         window.append(QStringList());
         for (const QMusicInfo* song : group->musicList)
             window.last().append(song->localInfo->filePath);
@@ -81,7 +81,7 @@ void TestSameGroups::groupsAreTheSame()
 void TestSameGroups::undefinedSongsAreTheSame()
 {
     QStringList window;
-    for (const QMusicInfo* song : m_classes.m_undefinedMusicList)
+    for (const QMusicInfo* song : m_classes.undefinedSongs())
         window.append(song->localInfo->filePath);
     QStringList told;
     const QJsonObject document = m_run.ask({"undefined", "--json", m_run.path("m")}).document();
