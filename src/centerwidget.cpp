@@ -228,6 +228,7 @@ void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
     m_pAllMusicList = list;
     slotShowAllmusicView();
     classify();
+    logCounts();
 }
 
 void CenterWidget::classify()
@@ -259,10 +260,15 @@ void CenterWidget::setLocalMusicInfo()
     m_classification.collect(*m_pAllMusicList);
     m_classification.group();
     m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
-    qInfo("songs: %d, undefined: %d, duplicate groups: %d", m_pAllMusicList->size(),
-          m_classification.undefinedSongs().size(), m_classification.groups().size());
+    logCounts();
     emitCounts();
     emit emitFinishScanninglocalMusic();
+}
+
+void CenterWidget::logCounts() const
+{
+    qInfo("songs: %d, undefined: %d, duplicate groups: %d", m_pAllMusicList->size(),
+          m_classification.undefinedSongs().size(), m_classification.groups().size());
 }
 
 void CenterWidget::SlotMusicInfoHaveBeEdited()

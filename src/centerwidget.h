@@ -148,6 +148,7 @@ private:
     SongLists songLists();
     void emitCounts();
     void classify();
+    void logCounts() const;
     void clearClassification();
     void selectShownSong();
 

@@ -107,7 +107,7 @@ void Startup::beforeCommandLine()
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 #endif
     QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(MELODRIFT_VERSION));
 }
 
 void Startup::beforeApplication()
@@ -122,6 +122,7 @@ void Startup::beforeApplication()
     // Nothing is drawn by OpenGL, whose libraries take half of the memory at the start.
     if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
         OwnEnvironment::set("QT_XCB_GL_INTEGRATION", "none");
+    QGuiApplication::setDesktopFileName(QStringLiteral("melodrift"));
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 }

@@ -94,6 +94,7 @@ const QMap<QString, QStringList>& testedRooms()
         {"tests/common", {"src/common", "records"}}, // by the fixtures that all these share
         {"tests/covers", {"src/covers", "records"}},
         {"tests/songs", {"src/songs"}},
+        {"tests/packaging", {"collection"}}, // formats, by what desktops call them
     };
     return all;
 }
