@@ -3,6 +3,7 @@
 #include "audiocore/log.h"
 #include "common/style.h"
 #include "common/workers.h"
+#include "desktopscale.h"
 #include "ownenvironment.h"
 #include "privatefolder.h"
 
@@ -114,6 +115,8 @@ void Startup::beforeApplication()
 {
     beforeCommandLine();
     makeTemporaryFilesPrivate();
+    if (const qreal scale = DesktopScale::ofDesktop(); scale > 1)
+        OwnEnvironment::set("QT_SCALE_FACTOR", QByteArray::number(scale));
     if (!qEnvironmentVariableIsSet("QT_FONT_DPI")) {
         OwnEnvironment::set("QT_FONT_DPI", "72");
         // Else scaled screens would only ever raise the resolution, back to 96.
