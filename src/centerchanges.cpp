@@ -38,9 +38,15 @@ void CenterChanges::classifyLocal()
     songs.collect(m_parts.songs.all());
     songs.group();
     m_parts.views.showGroups(&songs.groups(), SongCells::columnModeDupTable);
+    logCounts();
+    tellCounts();
+}
+
+void CenterChanges::logCounts() const
+{
+    const SongClassification& songs = m_parts.songs.classification();
     qInfo("songs: %d, undefined: %d, duplicate groups: %d", m_parts.songs.all().size(),
           songs.undefinedSongs().size(), songs.groups().size());
-    tellCounts();
 }
 
 void CenterChanges::clearClassification()

@@ -42,6 +42,7 @@ public:
     void classify();
     /// Those of the local mode.
     void classifyLocal();
+    void logCounts() const;
     void clearClassification();
 
     /// By the panel of one song.

@@ -257,6 +257,7 @@ void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
     m_songs.use(*list);
     slotShowAllmusicView();
     m_changes->classify();
+    m_changes->logCounts();
 }
 
 void CenterWidget::ScanLocalMusic()

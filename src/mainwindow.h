@@ -32,8 +32,8 @@ public:
     void setFootImage(const QString& path);
     void setBackgroundImage(const QString& path);
 
-    /// Switches to the local mode as the switch button does and then takes the files and folders in as a drop
-    /// does.
+    /// Switches to the local mode as the switch button does and then takes the files and folders, if any, in
+    /// as a drop does.
     void OpenInLocalMode(const QStringList& paths);
 
 public slots:

@@ -3,6 +3,7 @@
 #include "audiocore/log.h"
 #include "common/style.h"
 #include "common/workers.h"
+#include "desktopscale.h"
 #include "ownenvironment.h"
 #include "privatefolder.h"
 
@@ -107,13 +108,15 @@ void Startup::beforeCommandLine()
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 #endif
     QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(MELODRIFT_VERSION));
 }
 
 void Startup::beforeApplication()
 {
     beforeCommandLine();
     makeTemporaryFilesPrivate();
+    if (const qreal scale = DesktopScale::ofDesktop(); scale > 1)
+        OwnEnvironment::set("QT_SCALE_FACTOR", QByteArray::number(scale));
     if (!qEnvironmentVariableIsSet("QT_FONT_DPI")) {
         OwnEnvironment::set("QT_FONT_DPI", "72");
         // Else scaled screens would only ever raise the resolution, back to 96.
@@ -122,6 +125,7 @@ void Startup::beforeApplication()
     // Nothing is drawn by OpenGL, whose libraries take half of the memory at the start.
     if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
         OwnEnvironment::set("QT_XCB_GL_INTEGRATION", "none");
+    QGuiApplication::setDesktopFileName(QStringLiteral("melodrift"));
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 }
