@@ -85,6 +85,7 @@ private:
     void goTo(const QWidget* focus);
     void hideRows();
     void clearRows();
+    QWidget* placeOfRowsInTabOrder() const;
     DupMusicbarWidget* addRow(QMusicInfo* song);
     void markBestRow();
     QList<QMusicInfo*> songsOfRows(bool kept) const;
