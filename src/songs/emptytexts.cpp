@@ -48,10 +48,9 @@ EmptyText EmptyTexts::notFound(const QString& typed, int all, bool groups)
 
 EmptyText EmptyTexts::notScanned(bool groups)
 {
-    const QString what = groups
-                             ? QStringLiteral("Press Start Scan to find songs that are there more than once.")
-                             : QStringLiteral("Press Start Scan to find songs that lack a title, an artist, "
-                                              "an album or a genre.");
+    const QString what =
+        groups ? QStringLiteral("Press Start Scan to find songs that are there more than once.")
+               : QStringLiteral("Press Start Scan to find songs without a title, artist, album or genre.");
     return {QStringLiteral("Not scanned yet"), {{what}}, EmptyText::Picture::Scan, false};
 }
 
