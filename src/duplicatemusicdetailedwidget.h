@@ -87,6 +87,7 @@ private:
     void clearRows();
     DupMusicbarWidget* addRow(QMusicInfo* song);
     void markBestRow();
+    void countRows();
     QList<QMusicInfo*> songsOfRows(bool kept) const;
     bool userAgrees();
     void deleteRow(int position);

@@ -1,0 +1,68 @@
+#include "common/accessiblepanel.h"
+
+#include <QMenu>
+#include <QVariant>
+
+#include <algorithm>
+
+namespace {
+/// Windows and menus stand beside the window that they belong to.
+bool isPartOf(const QObject* object)
+{
+    return object->isWidgetType() && !static_cast<const QWidget*>(object)->isWindow() &&
+           !qobject_cast<const QMenu*>(object);
+}
+
+bool speaks(QWidget* widget)
+{
+    if (widget->isHidden())
+        return false;
+    const QAccessibleInterface* const part = QAccessible::queryAccessibleInterface(widget);
+    return part && part->role() != QAccessible::NoRole;
+}
+} // namespace
+
+bool AccessiblePanel::holdsWidgets(const QWidget& widget)
+{
+    return std::any_of(widget.children().begin(), widget.children().end(), isPartOf);
+}
+
+QList<QWidget*> AccessiblePanel::parts() const
+{
+    QList<QWidget*> parts;
+    for (QObject* object : widget()->children())
+        if (isPartOf(object) && speaks(static_cast<QWidget*>(object)))
+            parts.append(static_cast<QWidget*>(object));
+    return parts;
+}
+
+int AccessiblePanel::childCount() const
+{
+    return parts().size();
+}
+
+QAccessibleInterface* AccessiblePanel::child(int index) const
+{
+    return QAccessible::queryAccessibleInterface(parts().value(index));
+}
+
+int AccessiblePanel::indexOfChild(const QAccessibleInterface* child) const
+{
+    return child ? parts().indexOf(qobject_cast<QWidget*>(child->object())) : -1;
+}
+
+QAccessible::Role AccessiblePanel::role() const
+{
+    const QVariant given = widget()->property(roleProperty);
+    if (given.isValid())
+        return QAccessible::Role(given.toInt());
+    if (widget()->isWindow())
+        return widget()->windowType() == Qt::Dialog ? QAccessible::Dialog : QAccessible::Window;
+    if (!widget()->accessibleName().isEmpty())
+        return QAccessible::Grouping;
+    const QObjectList& children = widget()->children();
+    const bool hasParts = std::any_of(children.begin(), children.end(), [](QObject* object) {
+        return isPartOf(object) && speaks(static_cast<QWidget*>(object));
+    });
+    return hasParts ? QAccessible::Client : QAccessible::NoRole;
+}
