@@ -3,19 +3,17 @@
 #include "common/footline.h"
 #include "detailface.h"
 #include "songeditors.h"
-#include "songs/identifywords.h"
 #include "songs/songediting.h"
 
-#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 
 #include <memory>
 
 class ChangeHistory;
-class IdentifyThread;
+class CoverEditor;
 class KeepOffers;
-class SkinMovie;
+class SongIdentification;
 class SongLabels;
 struct QMusicInfo;
 
@@ -52,7 +50,7 @@ public:
     /// The same, and has it identified.
     void identify(QMusicInfo* song);
     bool isEditing() const;
-    bool isIdentifying() const { return m_bIdentifying; }
+    bool isIdentifying() const;
 
 signals:
     /// After every apply.
@@ -83,49 +81,34 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    /// Where a new cover comes from: the user, or, for this song alone, an identification or the song itself.
-    enum class CoverOrigin { Chosen, Identified, Own };
-
     void InitBtn();
     void InitConnect();
     void HiddenLineEdit();
     void SetTextLabelAndLineState();
     void ShowAllTextLabelAndLineEind();
     void IdentifyMusic();
-    void endIdentification();
-    bool isStale(const QObject* worker) const;
     void forgetFormerSong();
     void showButtons(bool editing);
-    void showCover(const QString& path);
     void showTexts();
     void tellOfLeaving();
     void editAgain(QMusicInfo* song, const SongEditors::Held& typed);
     void tellOfSave(const SongEditing::Outcome& outcome);
     void takeBack(QMusicInfo* song);
-    void takeNewCover(const QString& path, CoverOrigin origin);
-    void keepCover(bool keep);
-    bool isOwnCoverKept() const;
-    void offerToKeepCover();
     SongEdit editedSong() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
     std::unique_ptr<SongEditors> m_editors;
     std::unique_ptr<SongLabels> m_labels;
     KeepOffers* m_keepOffers = nullptr;
+    std::unique_ptr<CoverEditor> m_cover;
+    std::unique_ptr<SongIdentification> m_identification;
     DetailFace m_face;
 
     bool m_bNewSong = false;
     bool m_bFirstShow = true;
     bool m_bIdentified = false;
-    bool m_bIdentifying = false;    ///< from the start until the results are here, or nobody waits for them
     bool m_bIdentifyFailed = false; ///< since the editors were opened
     SongEditors::Held m_typed;      ///< oddity 39: the labels show what was typed after an apply
-    QString m_strNewCoverPath;      ///< chosen and not yet applied
-    CoverOrigin m_newCoverOrigin = CoverOrigin::Chosen;
     QMusicInfo* m_pMusicInfo = nullptr;
     ChangeHistory* m_history = nullptr; ///< not owned; may be null
-    std::unique_ptr<SkinMovie> m_pMovie;
-    QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves
-    const QMusicInfo* m_pIdentifiedSong = nullptr; ///< what it works on; only compared
-    IdentifyWords m_identifyWords;
 };

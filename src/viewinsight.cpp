@@ -5,9 +5,12 @@
 
 #include <QAbstractItemView>
 
-ViewInSight::ViewInSight(SongViews& views, const Buttons& buttons, QWidget* area)
-    : m_views(views), m_buttons(buttons), m_view(views.view(false, true)),
-      m_focus(new ViewFocus(views.all(), area))
+#include <utility>
+
+ViewInSight::ViewInSight(SongViews& views, const Buttons& buttons, std::function<bool()> dropsAreSeen,
+                         QWidget* area)
+    : m_views(views), m_buttons(buttons), m_dropsAreSeen(std::move(dropsAreSeen)),
+      m_view(views.view(false, true)), m_focus(new ViewFocus(views.all(), area))
 {
     QWidget::setTabOrder(&m_buttons.table, m_focus);
     setGrid(true);
@@ -20,10 +23,26 @@ void ViewInSight::setGrid(bool grid)
     m_buttons.table.setEnabled(grid);
 }
 
-void ViewInSight::choose(bool groups)
+void ViewInSight::show(Kind kind)
 {
+    m_kind = kind;
     m_view->hide();
-    m_view = m_views.choose(groups, m_isGrid);
+    m_view = m_views.choose(kind == Kind::Duplicates, m_isGrid);
+    showAnew();
+}
+
+void ViewInSight::showAs(bool grid)
+{
+    setGrid(grid);
+    show(m_kind);
+}
+
+void ViewInSight::showAnew()
+{
+    const bool drops = m_dropsAreSeen();
+    setVisible(!drops);
+    m_buttons.open.lower();
+    m_buttons.open.setFocusPolicy(drops ? Qt::StrongFocus : Qt::NoFocus);
 }
 
 void ViewInSight::setVisible(bool visible)

@@ -1,39 +1,49 @@
 #pragma once
 
+#include <functional>
+
 class QAbstractItemView;
 class QWidget;
 class SongViews;
 class ViewFocus;
 
-/// Which of the four views shows, by the buttons that choose between grid and table; with it goes what has
-/// the focus for views. GUI thread only.
+/// Which of the four views shows, by what is chosen in the navigation pane and by the buttons that choose
+/// between grid and table; with it goes what has the focus for views. GUI thread only.
 class ViewInSight
 {
 public:
+    enum class Kind { All, Undefined, Duplicates };
     struct Buttons
     {
         QWidget& grid;
         QWidget& table;
+        QWidget& open; ///< files, where they are dropped
     };
 
     /// The grid of songs, hidden. The area holds the views and the buttons, and owns what has the focus; all
-    /// must outlive this.
-    ViewInSight(SongViews& views, const Buttons& buttons, QWidget* area);
+    /// must outlive this. While there are no songs the place where files are dropped may be what is seen.
+    ViewInSight(SongViews& views, const Buttons& buttons, std::function<bool()> dropsAreSeen, QWidget* area);
 
     QAbstractItemView& view() const { return *m_view; }
     ViewFocus& focus() const { return *m_focus; }
+    Kind kind() const { return m_kind; }
     bool isGrid() const { return m_isGrid; }
 
-    /// Of either kind, from the next time on that one is chosen.
-    void setGrid(bool grid);
-    /// Hides the view in sight in favour of that of groups or of songs, which is hidden yet.
-    void choose(bool groups);
+    /// The view of the kind, which has its list already.
+    void show(Kind kind);
+    void showAs(bool grid);
+    /// The same view, or the place where files are dropped.
+    void showAnew();
     void setVisible(bool visible);
 
 private:
+    void setGrid(bool grid);
+
     SongViews& m_views;
     Buttons m_buttons;
+    std::function<bool()> m_dropsAreSeen;
     QAbstractItemView* m_view;
     ViewFocus* m_focus;
+    Kind m_kind = Kind::All;
     bool m_isGrid = true;
 };

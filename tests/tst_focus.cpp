@@ -23,6 +23,8 @@ private slots:
     void aPressOnAViewTakesIt();
     void whatHasItIsOutlined_data();
     void whatHasItIsOutlined();
+    void fieldsHaveARingOfTheirOwn_data();
+    void fieldsHaveARingOfTheirOwn();
     void theOutlineMovesNothing();
     void theOutlineFollowsARowThatScrolls();
     void forTheMouseThereIsNoOutline();
@@ -91,7 +93,7 @@ void TestFocus::whatHasItIsOutlined_data()
 {
     QTest::addColumn<QString>("name");
     for (const char* name : {"m_viewFocus", "m_btnStarScan", "m_btnLocalClean", "m_btnMusicDuplicate",
-                             "m_btnTableDisplay", "m_lineTitle", "m_comboGenre", "m_btnApply", "m_btnCancel"})
+                             "m_btnTableDisplay", "m_comboGenre", "m_btnApply", "m_btnCancel"})
         QTest::newRow(name) << name;
 }
 
@@ -109,6 +111,38 @@ void TestFocus::whatHasItIsOutlined()
     const QImage picture = m_window->grab().toImage();
     const QPoint middle(outline().center().x(), outline().bottom());
     QCOMPARE(QColor(picture.pixel(middle * picture.devicePixelRatio())), Style::editorFocus);
+}
+
+void TestFocus::fieldsHaveARingOfTheirOwn_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"m_findField", "m_lineTitle", "m_lineYear"})
+        QTest::newRow(name) << name;
+}
+
+/// One, and no outline around it.
+void TestFocus::fieldsHaveARingOfTheirOwn()
+{
+    QFETCH(QString, name);
+    fill(true, {"Anchor"});
+    key(Qt::Key_Home);
+    key(Qt::Key_F2);
+    auto* field = m_window->findChild<QLineEdit*>(name);
+    field->setFocus();
+    key(Qt::Key_End);
+    const QRect place = placeOf(field).adjusted(0, 0, 0, 4);
+    const QImage picture = m_window->grab().toImage();
+    const auto isBlue = [&](int y) {
+        return QColor(picture.pixel(QPoint(place.center().x(), y) * picture.devicePixelRatio())) ==
+               Style::editorFocus;
+    };
+    QList<int> blue;
+    for (int y = place.center().y(); y <= place.bottom(); ++y)
+        if (isBlue(y))
+            blue.append(y);
+    QCOMPARE(blue.size(), 2);
+    QCOMPARE(blue.last() - blue.first(), 1);
+    QVERIFY(!markOf(m_window.get())->isVisible());
 }
 
 void TestFocus::theOutlineMovesNothing()

@@ -6,13 +6,20 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QLineEdit>
 #include <QPainter>
 
 namespace {
 constexpr int gap = 1; // between the shape and its outline
 constexpr int thickness = 2;
 constexpr int margin = gap + thickness;
-constexpr qreal smallCorner = 4; // of fields, links and views
+constexpr qreal smallCorner = 4; // of boxes, links and views
+
+/// A field has a ring of its own, for the mouse as well.
+bool showsItself(const QWidget* widget)
+{
+    return qobject_cast<const QLineEdit*>(widget);
+}
 } // namespace
 
 FocusMark::FocusMark(QWidget* window) : QWidget(window)
@@ -21,7 +28,7 @@ FocusMark::FocusMark(QWidget* window) : QWidget(window)
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
-        follow(now && now->window() == parentWidget() ? now : nullptr);
+        follow(now && now->window() == parentWidget() && !showsItself(now) ? now : nullptr);
     });
     connect(&KeyUse::instance(), &KeyUse::changed, this, &FocusMark::place);
 }

@@ -3,8 +3,8 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Lies over a window and outlines whatever in it has the focus, while the user works by keys. Moves nothing
-/// and hears nothing of the mouse.
+/// Lies over a window and outlines whatever in it has the focus, while the user works by keys; but for
+/// fields, which show it themselves. Moves nothing and hears nothing of the mouse.
 class FocusMark : public QWidget
 {
     Q_OBJECT
