@@ -18,7 +18,8 @@ bool speaks(QWidget* widget)
     if (widget->isHidden())
         return false;
     const QAccessibleInterface* const part = QAccessible::queryAccessibleInterface(widget);
-    return part && part->role() != QAccessible::NoRole;
+    const auto* const perhaps = dynamic_cast<const CanBeSilent*>(part);
+    return part && (!perhaps || !perhaps->isSilent());
 }
 } // namespace
 
@@ -58,11 +59,15 @@ QAccessible::Role AccessiblePanel::role() const
         return QAccessible::Role(given.toInt());
     if (widget()->isWindow())
         return widget()->windowType() == Qt::Dialog ? QAccessible::Dialog : QAccessible::Window;
-    if (!widget()->accessibleName().isEmpty())
-        return QAccessible::Grouping;
+    return widget()->accessibleName().isEmpty() ? QAccessible::Client : QAccessible::Grouping;
+}
+
+bool AccessiblePanel::isSilent() const
+{
+    if (role() != QAccessible::Client)
+        return false;
     const QObjectList& children = widget()->children();
-    const bool hasParts = std::any_of(children.begin(), children.end(), [](QObject* object) {
+    return std::none_of(children.begin(), children.end(), [](QObject* object) {
         return isPartOf(object) && speaks(static_cast<QWidget*>(object));
     });
-    return hasParts ? QAccessible::Client : QAccessible::NoRole;
 }

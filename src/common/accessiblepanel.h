@@ -1,10 +1,11 @@
 #pragma once
 
+#include "common/canbesilent.h"
+
 #include <QAccessibleWidget>
 
-/// A window, or a part of one that holds others: those that show and have something to say. What has nothing
-/// to say itself has no role.
-class AccessiblePanel : public QAccessibleWidget
+/// A window, or a part of one that holds others: those that show and have something to say.
+class AccessiblePanel : public QAccessibleWidget, public CanBeSilent
 {
 public:
     using QAccessibleWidget::QAccessibleWidget;
@@ -17,6 +18,7 @@ public:
     QAccessibleInterface* child(int index) const override;
     int indexOfChild(const QAccessibleInterface* child) const override;
     QAccessible::Role role() const override;
+    bool isSilent() const override;
 
 private:
     QList<QWidget*> parts() const;

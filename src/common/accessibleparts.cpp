@@ -19,16 +19,21 @@ QString AccessibleText::shown() const
 {
     if (const auto* whole = qobject_cast<const RetractLabel*>(label()))
         return whole->getName();
-    const QString text = label()->text();
+    QString text = label()->text();
+    if (label()->buddy())
+        text.remove(QLatin1Char('&')); // which marks a letter
     const bool isRich = label()->textFormat() == Qt::RichText ||
                         (label()->textFormat() == Qt::AutoText && Qt::mightBeRichText(text));
     return isRich ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
 }
 
+bool AccessibleText::isSilent() const
+{
+    return text(QAccessible::Name).isEmpty();
+}
+
 QAccessible::Role AccessibleText::role() const
 {
-    if (text(QAccessible::Name).isEmpty())
-        return QAccessible::NoRole;
     return shown().isEmpty() ? QAccessible::Graphic : QAccessible::StaticText;
 }
 
@@ -55,10 +60,13 @@ bool AccessiblePicture::takesPresses() const
     return widget()->isEnabled() && !widget()->toolTip().isEmpty();
 }
 
+bool AccessiblePicture::isSilent() const
+{
+    return text(QAccessible::Name).isEmpty();
+}
+
 QAccessible::Role AccessiblePicture::role() const
 {
-    if (text(QAccessible::Name).isEmpty())
-        return QAccessible::NoRole;
     return takesPresses() ? QAccessible::PushButton : QAccessible::Graphic;
 }
 

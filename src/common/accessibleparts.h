@@ -1,16 +1,19 @@
 #pragma once
 
+#include "common/canbesilent.h"
+
 #include <QAccessibleWidget>
 
 class QLabel;
 class qSliderCtrl;
 
-/// A label by its whole text, or by the name of its picture. Without either it has no role.
-class AccessibleText : public QAccessibleWidget
+/// A label by its whole text, or by the name of its picture. Without either it is silent.
+class AccessibleText : public QAccessibleWidget, public CanBeSilent
 {
 public:
     explicit AccessibleText(QLabel* label);
 
+    bool isSilent() const override;
     QAccessible::Role role() const override;
     QString text(QAccessible::Text which) const override;
     QVector<QPair<QAccessibleInterface*, QAccessible::Relation>>
@@ -21,13 +24,14 @@ private:
     QString shown() const;
 };
 
-/// A picture with a name; one without has no role. Where a tool tip says what a press does, it can be
+/// A picture with a name; one without is silent. Where a tool tip says what a press does, it can be
 /// pressed.
-class AccessiblePicture : public QAccessibleWidget
+class AccessiblePicture : public QAccessibleWidget, public CanBeSilent
 {
 public:
     using QAccessibleWidget::QAccessibleWidget;
 
+    bool isSilent() const override;
     QAccessible::Role role() const override;
     QStringList actionNames() const override;
     void doAction(const QString& name) override;

@@ -57,11 +57,11 @@ QString SpokenWords::ofCopy(const QMusicInfo* song, const QString& format, bool 
 
 QString SpokenWords::ofList(List list, int shown, int all)
 {
-    const QString count = list == List::Groups ? CountText::of(quint64(all), "group", "groups")
-                                               : CountText::of(quint64(all), "song", "songs");
-    const char* const name = list == List::AllSongs         ? "All songs, "
-                             : list == List::UndefinedSongs ? "Undefined songs, "
-                                                            : "Duplicate songs, ";
+    const QString count = list == List::Duplicates ? CountText::of(quint64(all), "group", "groups")
+                                                   : CountText::of(quint64(all), "song", "songs");
+    const char* const name = list == List::All         ? "All songs, "
+                             : list == List::Undefined ? "Undefined songs, "
+                                                       : "Duplicate songs, ";
     const QString found =
         shown == all ? QString() : CountText::number(quint64(shown)) + QLatin1String(" of ");
     return QLatin1String(name) + found + count;

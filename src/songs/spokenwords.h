@@ -17,7 +17,7 @@ QString of(const DupMusicInfo* group);
 /// second, best sound of this group".
 QString ofCopy(const QMusicInfo* song, const QString& format, bool kept, bool best);
 
-enum class List { AllSongs, UndefinedSongs, Groups };
+enum class List { All, Undefined, Duplicates };
 /// What a list shows, and how many: "All songs, 95,650 songs", or "All songs, 12 of 95,650 songs".
 QString ofList(List list, int shown, int all);
 } // namespace SpokenWords

@@ -109,6 +109,7 @@ void AccessibleSong::doAction(const QString& name)
         QAbstractItemView* const view = focus->view();
         if (!wanted.isValid() || !view || view->model() != wanted.model() || !view->isEnabled())
             return;
+        focus->activateWindow();
         focus->setFocus(Qt::OtherFocusReason);
         emit(name == playAction() ? view->doubleClicked(wanted) : view->clicked(wanted));
     });

@@ -1,27 +1,43 @@
 #include "views/accessiblesongs.h"
 
+#include "common/canbesilent.h"
 #include "views/accessiblesong.h"
 #include "views/viewfocus.h"
 
 #include <QAbstractItemView>
+#include <QTableView>
 
 namespace {
 /// A view that something else has the focus for, and which is heard of by that. What the view tells of its
-/// list concerns that, too.
-class SilentView : public QAccessibleWidget
+/// songs and its list concerns that, too.
+class SilentView : public QAccessibleWidget, public CanBeSilent
 {
 public:
-    explicit SilentView(QWidget* view) : QAccessibleWidget(view, QAccessible::NoRole) {}
+    using QAccessibleWidget::QAccessibleWidget;
 
+    bool isSilent() const override { return true; }
     int childCount() const override { return 0; }
     int indexOfChild(const QAccessibleInterface*) const override { return -1; }
-    QAccessibleInterface* child(int) const override { return nullptr; }
+    /// The song that the view means by this number; of a view out of sight the view, which nobody hears.
+    QAccessibleInterface* child(int index) const override
+    {
+        const auto* const table = qobject_cast<const QTableView*>(widget());
+        const int row = table ? index / (table->model()->columnCount() + 1) - 1 : index; // headers count
+        const ViewFocus* const focus = ViewFocus::of(view());
+        QAccessibleInterface* const song = focus && focus->view() == &view() ? list()->child(row) : nullptr;
+        return song ? song : QAccessible::queryAccessibleInterface(widget());
+    }
     void* interface_cast(QAccessible::InterfaceType type) override
     {
-        QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(
-            ViewFocus::of(*static_cast<const QAbstractItemView*>(widget())));
-        return type == QAccessible::TableInterface && list ? list->tableInterface()
-                                                           : QAccessibleWidget::interface_cast(type);
+        return type == QAccessible::TableInterface && list() ? list()->tableInterface()
+                                                             : QAccessibleWidget::interface_cast(type);
+    }
+
+private:
+    const QAbstractItemView& view() const { return *static_cast<const QAbstractItemView*>(widget()); }
+    QAccessibleInterface* list() const
+    {
+        return QAccessible::queryAccessibleInterface(ViewFocus::of(view()));
     }
 };
 

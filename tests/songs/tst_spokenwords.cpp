@@ -111,12 +111,12 @@ void TestSpokenWords::aListSaysWhatAndHowMany_data()
     QTest::addColumn<int>("shown");
     QTest::addColumn<int>("all");
     QTest::addColumn<QString>("words");
-    QTest::newRow("all songs") << int(List::AllSongs) << 95650 << 95650 << "All songs, 95,650 songs";
-    QTest::newRow("found") << int(List::AllSongs) << 12 << 95650 << "All songs, 12 of 95,650 songs";
-    QTest::newRow("nothing found") << int(List::AllSongs) << 0 << 7 << "All songs, 0 of 7 songs";
-    QTest::newRow("one") << int(List::UndefinedSongs) << 1 << 1 << "Undefined songs, 1 song";
-    QTest::newRow("none") << int(List::UndefinedSongs) << 0 << 0 << "Undefined songs, 0 songs";
-    QTest::newRow("groups") << int(List::Groups) << 2 << 30 << "Duplicate songs, 2 of 30 groups";
+    QTest::newRow("all songs") << int(List::All) << 95650 << 95650 << "All songs, 95,650 songs";
+    QTest::newRow("found") << int(List::All) << 12 << 95650 << "All songs, 12 of 95,650 songs";
+    QTest::newRow("nothing found") << int(List::All) << 0 << 7 << "All songs, 0 of 7 songs";
+    QTest::newRow("one") << int(List::Undefined) << 1 << 1 << "Undefined songs, 1 song";
+    QTest::newRow("none") << int(List::Undefined) << 0 << 0 << "Undefined songs, 0 songs";
+    QTest::newRow("groups") << int(List::Duplicates) << 2 << 30 << "Duplicate songs, 2 of 30 groups";
 }
 
 void TestSpokenWords::aListSaysWhatAndHowMany()

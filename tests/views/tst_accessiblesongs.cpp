@@ -49,6 +49,7 @@ private slots:
     void theListHasWhatTheViewShows();
     void aListOfManyIsNotWalked();
     void theViewsThemselvesTellNothing();
+    void whatAViewTellsOfASongConcernsTheSong();
     void aHiddenViewHasNoItems();
     void theMarkedSongIsSelected();
     void theMarkedSongHasTheFocusOfTheList();
@@ -144,12 +145,27 @@ void TestAccessibleSongs::aListOfManyIsNotWalked()
 void TestAccessibleSongs::theViewsThemselvesTellNothing()
 {
     for (QWidget* view : {static_cast<QWidget*>(m_grid), static_cast<QWidget*>(m_table)}) {
-        QCOMPARE(of(view)->role(), QAccessible::NoRole);
+        QCOMPARE(of(view)->role(), QAccessible::Client);
         QCOMPARE(of(view)->childCount(), 0);
     }
     QListView other; // nothing has the focus for it
     other.setModel(m_songs.get());
     QCOMPARE(of(&other)->role(), QAccessible::List);
+}
+
+/// As the views tell it, a table with its headers.
+void TestAccessibleSongs::whatAViewTellsOfASongConcernsTheSong()
+{
+    QAccessibleEvent inGrid(m_grid, QAccessible::SelectionAdd);
+    inGrid.setChild(4);
+    QCOMPARE(inGrid.accessibleInterface(), list()->child(4));
+    QAccessibleEvent inTable(m_table, QAccessible::SelectionAdd);
+    inTable.setChild((4 + 1) * 2 + 1);
+    QCOMPARE(inTable.accessibleInterface(), of(m_table)); // out of sight
+    m_grid->hide();
+    m_table->show();
+    m_focus->follow(*m_table);
+    QCOMPARE(inTable.accessibleInterface(), list()->child(4));
 }
 
 void TestAccessibleSongs::aHiddenViewHasNoItems()
