@@ -76,6 +76,7 @@ void PlaySongWidget::SetMusicPlayInfo(QMusicInfo* song, bool fromDupBar)
 
 void PlaySongWidget::showSong(const QMusicInfo* song)
 {
+    setAccessibleName(QStringLiteral("Playing ") + SongFields::shownName(song));
     ui->m_coverWidget->SetImageBackgroud(SongCover::shownPath(song), true);
     ui->m_labelName->setText(SongFields::artist(song));
     ui->m_labelTitle->setText(SongFields::title(song));

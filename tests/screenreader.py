@@ -20,6 +20,8 @@ from gi.repository import GLib  # noqa: E402
 PATIENCE = 300  # seconds: only what never comes takes so long
 WALKED = 100  # items of a list
 
+KEYS = {"Up": 0xff52, "Home": 0xff50, "End": 0xff57, "space": 0x20}
+
 heard = []  # what would be read out, since it was last asked for
 
 
@@ -109,6 +111,10 @@ def act(part, name="Press"):
     names = [action.getName(i) for i in range(action.nActions)]
     assert name in names, f"{part.name!r} has no action {name}: {names}"
     action.doAction(names.index(name))
+
+
+def key(name):
+    pyatspi.Registry.generateKeyboardEvent(KEYS[name], None, pyatspi.KEY_SYM)
 
 
 def press(name, where=None):
@@ -241,8 +247,11 @@ def scene_announcements(folder):
     hears(LAMP)
     wait("the song has the focus", lambda: songs.getChildAtIndex(3).getState().contains(pyatspi.STATE_FOCUSED))
     assert songs.getChildAtIndex(3).getState().contains(pyatspi.STATE_SELECTED)
-    act(songs.getChildAtIndex(0))
+    key("Up")
+    key("Home")
     hears(FERRY)
+    key("End")
+    hears("nameless.mp3, unknown title")
     type_into("Find songs", "lamp")
     hears("All songs, 1 of 5 songs")
     found = shows("All songs, 1 of 5 songs", LAMP)
@@ -256,6 +265,15 @@ def scene_announcements(folder):
     press("Pause")
     slider.queryValue().currentValue = 0
     hears("Position: 0 seconds of 3 seconds")
+
+    type_into("Find songs", "")
+    press("Duplicate songs(1)")
+    groups = shows("Duplicate songs, 1 group", f"{FERRY}, 3 songs")
+    act(groups.getChildAtIndex(0), "SetFocus")
+    get("list", "Songs of this group, 3 songs")
+    heard.clear()
+    key("space")
+    hears("To be deleted: Midnight Ferry, MP3")
 
 
 def main():

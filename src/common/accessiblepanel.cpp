@@ -71,3 +71,20 @@ bool AccessiblePanel::isSilent() const
         return isPartOf(object) && speaks(static_cast<QWidget*>(object));
     });
 }
+
+QList<QAccessibleInterface*> AccessibleProgram::windows() const
+{
+    QList<QAccessibleInterface*> shown;
+    for (int i = 0; i < QAccessibleApplication::childCount(); ++i) {
+        QAccessibleInterface* const window = QAccessibleApplication::child(i);
+        const auto* const widget = window ? qobject_cast<const QWidget*>(window->object()) : nullptr;
+        if (window && !(widget && widget->isHidden()))
+            shown.append(window);
+    }
+    return shown;
+}
+
+int AccessibleProgram::indexOfChild(const QAccessibleInterface* child) const
+{
+    return windows().indexOf(const_cast<QAccessibleInterface*>(child)); // only compared
+}

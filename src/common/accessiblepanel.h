@@ -23,3 +23,15 @@ public:
 private:
     QList<QWidget*> parts() const;
 };
+
+/// The program by its windows that show.
+class AccessibleProgram : public QAccessibleApplication
+{
+public:
+    int childCount() const override { return windows().size(); }
+    QAccessibleInterface* child(int index) const override { return windows().value(index); }
+    int indexOfChild(const QAccessibleInterface* child) const override;
+
+private:
+    QList<QAccessibleInterface*> windows() const;
+};

@@ -16,6 +16,8 @@ bool isGoing(const QWidget& widget)
 /// Asked for the class of the object and those that it derives from, until one is known.
 QAccessibleInterface* partOf(const QString& className, QObject* object)
 {
+    if (className == QLatin1String("QApplication"))
+        return new AccessibleProgram;
     auto* const widget = qobject_cast<QWidget*>(object);
     if (!widget || isGoing(*widget))
         return nullptr;

@@ -4,6 +4,7 @@
 #include "views/viewfocus.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QTimer>
 
 AccessibleSong::AccessibleSong(ViewFocus* focus, int row) : m_focus(focus), m_row(row) {}
@@ -107,7 +108,8 @@ void AccessibleSong::doAction(const QString& name)
         return;
     QTimer::singleShot(0, m_focus, [focus, wanted, name] {
         QAbstractItemView* const view = focus->view();
-        if (!wanted.isValid() || !view || view->model() != wanted.model() || !view->isEnabled())
+        if (!wanted.isValid() || !view || view->model() != wanted.model() || !view->isEnabled() ||
+            QApplication::activeModalWidget()) // a question waits for its answer
             return;
         focus->activateWindow();
         focus->setFocus(Qt::OtherFocusReason);

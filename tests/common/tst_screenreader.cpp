@@ -27,6 +27,7 @@ private slots:
     void aHiddenPanelTakesItsPartsAlong();
     void aPanelWithANameIsAGroup();
     void windowsAndDialogsSayWhatTheyAre();
+    void theProgramHasTheWindowsThatShow();
     void aRoleThatIsGivenCounts();
     void aTextThatDoesNotFitIsWhole();
     void aRichTextIsReadWithoutItsMarks();
@@ -125,6 +126,24 @@ void TestScreenReader::windowsAndDialogsSayWhatTheyAre()
     QCOMPARE(of(&window)->role(), QAccessible::Window);
     QCOMPARE(of(&window)->childCount(), 1);
     QCOMPARE(of(&window)->child(0), of(central));
+}
+
+void TestScreenReader::theProgramHasTheWindowsThatShow()
+{
+    QAccessibleInterface* const program = of(qApp);
+    QCOMPARE(program->role(), QAccessible::Application);
+    QCOMPARE(program->childCount(), 0);
+    QDialog dialog;
+    m_panel->show();
+    dialog.show();
+    QCOMPARE(program->childCount(), 2);
+    QVERIFY(program->indexOfChild(of(&dialog)) >= 0);
+    QCOMPARE(of(m_panel.get())->parent(), program);
+    dialog.hide();
+    QCOMPARE(program->childCount(), 1);
+    QCOMPARE(program->child(0), of(m_panel.get()));
+    QCOMPARE(program->child(1), nullptr);
+    QCOMPARE(program->indexOfChild(of(&dialog)), -1);
 }
 
 void TestScreenReader::aRoleThatIsGivenCounts()
