@@ -192,8 +192,10 @@ void CenterKeys::showCard(QAbstractItemView& view)
     DupMusicbarWidget* const row = m_parts.views.showsGroups(view) ? m_parts.rows.rowAtHand() : nullptr;
     QMusicInfo* const song = songAtHand(view);
     if (row) {
+        m_parts.rows.moveRowAtHand(0);
         row->showCard(row->cardPlace());
     } else if (song) {
+        view.scrollTo(view.currentIndex());
         const QPoint place = view.viewport()->mapToGlobal(view.visualRect(view.currentIndex()).center());
         delete m_card;
         m_card = new ShowMusicInfoWidget(&view);

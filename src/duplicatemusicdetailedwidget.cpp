@@ -54,8 +54,10 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
     clearRows();
     if (!m_pMusicList)
         return;
+    QWidget* formerInTabOrder = placeOfRowsInTabOrder();
     for (QMusicInfo* song : qAsConst(*m_pMusicList)) {
         DupMusicbarWidget* row = addRow(song);
+        formerInTabOrder = row->putInTabOrder(formerInTabOrder);
         if (m_listBarWidget.size() == 1)
             row->SlotOnBtnCheckBox(); // the first song is kept unless the user wants otherwise
     }
@@ -79,6 +81,16 @@ void DuplicateMusicDetailedWidget::clearRows()
     qDeleteAll(m_listBarWidget);
     m_listBarWidget.clear();
     m_pCurPlayBar = nullptr; // what it started plays on
+}
+
+/// They come before what clears them, though they are made later.
+QWidget* DuplicateMusicDetailedWidget::placeOfRowsInTabOrder() const
+{
+    QWidget* former = ui->m_btnClearOne;
+    do
+        former = former->previousInFocusChain();
+    while (former->focusPolicy() == Qt::NoFocus); // of which no order can be made
+    return former;
 }
 
 DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)
