@@ -48,7 +48,7 @@ void forget(QHash<int, QAccessible::Id>& items)
     items.clear();
 }
 
-QAccessibleInterface* partOf(const QString& className, QObject* object)
+QAccessibleInterface* songsOrSilence(const QString& className, QObject* object)
 {
     if (className == QLatin1String("ViewFocus"))
         return new AccessibleSongs(static_cast<ViewFocus*>(object));
@@ -61,7 +61,7 @@ QAccessibleInterface* partOf(const QString& className, QObject* object)
 
 void AccessibleSongs::install()
 {
-    QAccessible::installFactory(partOf); // which counts once
+    QAccessible::installFactory(songsOrSilence); // which counts once
 }
 
 AccessibleSongs::AccessibleSongs(ViewFocus* focus) : QAccessibleWidget(focus, QAccessible::List) {}
