@@ -1,7 +1,9 @@
 #include "duplicatemusicdetailedwidget.h"
 
+#include "collection/counttext.h"
 #include "common/keyuse.h"
 #include "common/screenplace.h"
+#include "common/screenreader.h"
 #include "common/style.h"
 #include "common/textfit.h"
 #include "dupmusicbarwidget.h"
@@ -27,6 +29,7 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     ui->scrollArea->viewport()->setAutoFillBackground(false);
     ui->m_scrollAreaWidget->setAutoFillBackground(false);
     ui->scrollArea->setFocusPolicy(Qt::NoFocus); // keys go from row to row
+    ScreenReader::setRole(*ui->verticalLayoutWidget_2, QAccessible::List);
     ui->m_btnClearOne->setBtnImage(SkinPicture::path("btn_clearduplicate.png"));
     ui->m_btnClearAll->setBtnImage(SkinPicture::path("btn_ClearAll.png"));
     ui->m_btnClearOne->setChangesFiles(true);
@@ -112,6 +115,15 @@ void DuplicateMusicDetailedWidget::markBestRow()
     const int best = BestSong::positionIn(*m_pMusicList);
     for (int position = 0; position < m_listBarWidget.size(); ++position)
         m_listBarWidget.at(position)->setBest(position == best);
+    countRows();
+}
+
+/// For those who hear it.
+void DuplicateMusicDetailedWidget::countRows()
+{
+    const int count = m_listBarWidget.size() - m_listBarWidget.count(nullptr);
+    ui->verticalLayoutWidget_2->setAccessibleName(QStringLiteral("Songs of this group, ") +
+                                                  CountText::of(quint64(count), "song", "songs"));
 }
 
 DupMusicbarWidget* DuplicateMusicDetailedWidget::rowAtHand() const
@@ -152,6 +164,7 @@ void DuplicateMusicDetailedWidget::moveRowAtHand(int steps)
         return;
     setRowAtHand(row);
     ui->scrollArea->ensureWidgetVisible(row, 0, 0);
+    ScreenReader::announce(*row);
 }
 
 void DuplicateMusicDetailedWidget::clear()
@@ -255,6 +268,7 @@ void DuplicateMusicDetailedWidget::removeLastRow()
         return;
     deleteRow(0);
     m_listBarWidget.append(nullptr);
+    countRows();
     showButtons(false);
 }
 

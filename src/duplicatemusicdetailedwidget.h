@@ -88,6 +88,7 @@ private:
     QWidget* placeOfRowsInTabOrder() const;
     DupMusicbarWidget* addRow(QMusicInfo* song);
     void markBestRow();
+    void countRows();
     QList<QMusicInfo*> songsOfRows(bool kept) const;
     bool userAgrees();
     void deleteRow(int position);

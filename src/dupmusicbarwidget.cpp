@@ -2,6 +2,7 @@
 
 #include "collection/timetext.h"
 #include "common/keyuse.h"
+#include "common/screenreader.h"
 #include "common/skinlabel.h"
 #include "common/style.h"
 #include "common/textfit.h"
@@ -10,6 +11,7 @@
 #include "showmusicinfowidget.h"
 #include "songs/songfields.h"
 #include "songs/songtip.h"
+#include "songs/spokenwords.h"
 #include "ui_dupmusicbarwidget.h"
 
 #include <QCursor>
@@ -45,6 +47,7 @@ DupMusicbarWidget::DupMusicbarWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DupMusicbarWidget>())
 {
     ui->setupUi(this);
+    ScreenReader::setRole(*this, QAccessible::ListItem);
     InitButtons();
     showLabel(ui->m_labelMusicName, Style::ink, QPoint(38, 7));
     showLabel(ui->m_labelMusicArtist, Style::text, QPoint(38, 37));
@@ -83,6 +86,14 @@ void DupMusicbarWidget::SetDupMusicInfo(QMusicInfo* song)
     // Oddity 10: in the iTunes mode the label keeps the form's text, whatever the file is.
     if (QIOrvoUtil::m_cleanMode && SongFields::available(m_pMusicInfo))
         ui->m_labelMusicFormat->setText(SongFields::kind(m_pMusicInfo));
+    tellState();
+}
+
+/// To those who hear it.
+void DupMusicbarWidget::tellState()
+{
+    const bool best = m_pBestMark && !m_pBestMark->isHidden();
+    setAccessibleName(SpokenWords::ofCopy(m_pMusicInfo, ui->m_labelMusicFormat->getName(), m_bChecked, best));
 }
 
 QString DupMusicbarWidget::ConvertTime(long long milliseconds) const
@@ -108,6 +119,7 @@ void DupMusicbarWidget::setBest(bool best)
         makeBestMark();
     if (m_pBestMark)
         m_pBestMark->setVisible(best);
+    tellState();
 }
 
 void DupMusicbarWidget::setAtHand(bool atHand)
@@ -146,6 +158,7 @@ void DupMusicbarWidget::SlotOnBtnCheckBox()
     ui->m_btnIsDeleta->setBtnImage(
         SkinPicture::path(m_bChecked ? "btn_checkbox_no.png" : "btn_checkbox_yes.png"));
     m_bChecked = !m_bChecked;
+    tellState();
     update();
 }
 

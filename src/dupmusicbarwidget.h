@@ -73,6 +73,7 @@ private:
 
     void InitButtons();
     void makeBestMark();
+    void tellState();
 
     std::unique_ptr<Ui::DupMusicbarWidget> ui;
     bool m_bChecked = false;

@@ -35,6 +35,7 @@ void ShowMusicInfoWidget::Init()
 
 void ShowMusicInfoWidget::setMusicInfo(QMusicInfo* song)
 {
+    setAccessibleName(QStringLiteral("About ") + SongFields::shownName(song));
     ui->m_coverWidget->SetImageBackgroud(SongCover::shownPath(song), true);
     ui->m_labName->setText(SongFields::title(song));
     ui->m_labArtist->setText(SongFields::artist(song));

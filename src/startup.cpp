@@ -1,6 +1,7 @@
 #include "startup.h"
 
 #include "audiocore/log.h"
+#include "common/screenreader.h"
 #include "common/style.h"
 #include "common/workers.h"
 #include "desktopscale.h"
@@ -141,6 +142,7 @@ void Startup::afterApplication()
     std::setlocale(LC_NUMERIC, "C");
     SetAudioCoreLogSink([](const char* line) { qWarning("%s", line); });
     Workers::fillToolkitPool();
+    ScreenReader::install();
     chooseFonts();
     chooseColours();
     // The text cursor stands still: a blinking one has its window painted for as long as an editor is open.

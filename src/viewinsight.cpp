@@ -13,6 +13,9 @@ ViewInSight::ViewInSight(SongViews& views, const Buttons& buttons, std::function
       m_view(views.view(false, true)), m_focus(new ViewFocus(views.all(), area))
 {
     QWidget::setTabOrder(&m_buttons.table, m_focus);
+    QObject::connect(&m_views, &SongViews::listShown, m_focus,
+                     [this](int shown, int all) { name(shown, all); });
+    m_views.choose(false, true);
     setGrid(true);
 }
 
@@ -21,6 +24,12 @@ void ViewInSight::setGrid(bool grid)
     m_isGrid = grid;
     m_buttons.grid.setEnabled(!grid);
     m_buttons.table.setEnabled(grid);
+}
+
+/// To those who hear it.
+void ViewInSight::name(int shown, int all) const
+{
+    m_focus->setAccessibleName(SpokenWords::ofList(m_kind, shown, all));
 }
 
 void ViewInSight::show(Kind kind)

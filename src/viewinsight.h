@@ -1,5 +1,7 @@
 #pragma once
 
+#include "songs/spokenwords.h"
+
 #include <functional>
 
 class QAbstractItemView;
@@ -8,11 +10,12 @@ class SongViews;
 class ViewFocus;
 
 /// Which of the four views shows, by what is chosen in the navigation pane and by the buttons that choose
-/// between grid and table; with it goes what has the focus for views. GUI thread only.
+/// between grid and table; with it goes what has the focus for views, by the name of what it shows. GUI
+/// thread only.
 class ViewInSight
 {
 public:
-    enum class Kind { All, Undefined, Duplicates };
+    using Kind = SpokenWords::List;
     struct Buttons
     {
         QWidget& grid;
@@ -39,6 +42,7 @@ public:
 
 private:
     void setGrid(bool grid);
+    void name(int shown, int all) const;
 
     SongViews& m_views;
     Buttons m_buttons;
