@@ -113,6 +113,7 @@ private:
 std::vector<std::pair<quint32, int>> valuesOf(const Fingerprint& fingerprint)
 {
     std::vector<std::pair<quint32, int>> values;
+    values.reserve(std::size_t(fingerprint.size()));
     for (int position = 0; position < fingerprint.size(); ++position)
         values.emplace_back(fingerprint.at(position), position);
     std::sort(values.begin(), values.end());
