@@ -7,7 +7,6 @@
 
 namespace {
 using Reader = HistoryLine::Reader;
-using base::FileState;
 
 constexpr std::string_view kinds[] = {"trashed", "deleted", "edited"}; // as FileChange::Kind has them
 
@@ -16,7 +15,7 @@ HistoryLine lineOf(const std::string& what, int step)
     return std::move(HistoryLine(what).number(step));
 }
 
-void put(HistoryLine& line, const FileState& state)
+void put(HistoryLine& line, const base::FileState& state)
 {
     line.number(state.size).number(state.modified).number(state.link);
 }
@@ -26,9 +25,9 @@ void put(HistoryLine& line, const QString& text)
     line.text(text.toStdString());
 }
 
-FileState stateFrom(Reader& line)
+base::FileState stateFrom(Reader& line)
 {
-    FileState state;
+    base::FileState state;
     state.size = line.number();
     state.modified = line.number();
     state.link = line.number() != 0;
@@ -112,14 +111,14 @@ std::string HistorySteps::notDoneLine(int step, int number)
     return lineOf("not-done", step).number(number).whole();
 }
 
-std::string HistorySteps::leftLine(int step, int number, const FileState& after)
+std::string HistorySteps::leftLine(int step, int number, const base::FileState& after)
 {
     HistoryLine line = lineOf("left", step);
     put(line.number(number), after);
     return line.whole();
 }
 
-std::string HistorySteps::backLine(int step, int number, const FileState& now)
+std::string HistorySteps::backLine(int step, int number, const base::FileState& now)
 {
     HistoryLine line = lineOf("back", step);
     put(line.number(number), now);
@@ -143,9 +142,9 @@ std::optional<int> HistorySteps::stepOf(std::string_view line)
     return reader.isGood() && step > 0 ? std::make_optional(step) : std::nullopt;
 }
 
-std::optional<FileState> HistorySteps::left(const FileChange& edit) const
+std::optional<base::FileState> HistorySteps::left(const FileChange& edit) const
 {
-    std::optional<FileState> state = edit.after;
+    std::optional<base::FileState> state = edit.after;
     const auto events = m_again.find(edit.path);
     if (!state || events == m_again.end())
         return state;
@@ -155,7 +154,7 @@ std::optional<FileState> HistorySteps::left(const FileChange& edit) const
     return state;
 }
 
-void HistorySteps::tookBack(FileChange& change, const FileState& now)
+void HistorySteps::tookBack(FileChange& change, const base::FileState& now)
 {
     change.isBack = true;
     if (change.kind == FileChange::Kind::Edited)
@@ -205,7 +204,7 @@ void HistorySteps::takeChange(HistoryStep& step, HistoryLine::Reader& line)
         step.changes.erase(change);
         return;
     }
-    const FileState state = stateFrom(line);
+    const base::FileState state = stateFrom(line);
     if (line.isGood() && line.what() == "left")
         change->second.after = state;
     else if (line.isGood() && line.what() == "back")
