@@ -13,7 +13,7 @@ namespace SoundGroups {
 using Fingerprint = QVector<quint32>;
 
 /// The share of all bits in which two fingerprints of one recording differ at most, laid over each other.
-constexpr double mostBitsApart = 0.125;
+constexpr double mostBitsApart = 0.1;
 /// How much later one may begin than the other, in values: seven seconds and a half.
 constexpr int mostShift = 60;
 /// Whoever has fewer values is like nobody: about two seconds.
