@@ -108,7 +108,7 @@ QString ChangeStep::deleteForGood(const std::string& path, const FileState& stat
     FileChange change;
     change.path = FilePlace::of(path).path().toStdString();
     change.before = state.file;
-    const QString reason = removeIfUnchanged(path, state);
+    QString reason = removeIfUnchanged(path, state);
     QString borne;
     if (reason.isEmpty())
         append(HistorySteps::changeLine(m_number, m_next++, change), Safety::Kill, borne);

@@ -17,7 +17,7 @@ using base::NewFile;
 namespace {
 constexpr std::string_view firstLine = "melodrift changes 1\n";
 constexpr std::size_t block = std::size_t(256) * 1024;
-constexpr std::chrono::milliseconds betweenTries(20);
+constexpr std::chrono::milliseconds retryPause(20);
 
 std::string fileIn(const std::string& folder)
 {
@@ -120,7 +120,7 @@ bool HistoryJournal::lock(const std::string& path, std::chrono::milliseconds pat
             failure = {"another run is changing files", Failure::Kind::InUse};
             return false;
         }
-        std::this_thread::sleep_for(betweenTries);
+        std::this_thread::sleep_for(retryPause);
     }
     return bool(m_lock);
 }
