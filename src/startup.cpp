@@ -4,6 +4,7 @@
 #include "common/style.h"
 #include "common/workers.h"
 #include "desktopscale.h"
+#include "dialogparents.h"
 #include "ownenvironment.h"
 #include "privatefolder.h"
 
@@ -141,6 +142,7 @@ void Startup::afterApplication()
     std::setlocale(LC_NUMERIC, "C");
     SetAudioCoreLogSink([](const char* line) { qWarning("%s", line); });
     Workers::fillToolkitPool();
+    DialogParents::keepWhereNothingCanBePlaced();
     chooseFonts();
     chooseColours();
     // The text cursor stands still: a blinking one has its window painted for as long as an editor is open.
