@@ -5,6 +5,7 @@
 #include "common/style.h"
 #include "common/workers.h"
 #include "desktopscale.h"
+#include "dialogparents.h"
 #include "ownenvironment.h"
 #include "privatefolder.h"
 
@@ -143,6 +144,7 @@ void Startup::afterApplication()
     SetAudioCoreLogSink([](const char* line) { qWarning("%s", line); });
     Workers::fillToolkitPool();
     ScreenReader::install();
+    DialogParents::keepWhereNothingCanBePlaced();
     chooseFonts();
     chooseColours();
     // The text cursor stands still: a blinking one has its window painted for as long as an editor is open.
