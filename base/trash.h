@@ -2,6 +2,7 @@
 
 #include "base/platform.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -43,6 +44,10 @@ public:
         Failed
     };
 
+    /// Told where a file is about to go, for writing it down: with the state that is expected of it. False,
+    /// with a reason, leaves the file where it is. A name that turns out to be taken is followed by another.
+    using Announce = std::function<bool(const TrashedFile& planned, std::string& error)>;
+
     Trash();
     ~Trash();
     Trash(const Trash&) = delete;
@@ -51,7 +56,8 @@ public:
     /// Moves what lies at the path itself, a link or a regular file, if it has the content that is expected.
     /// What is not done has a reason. Takes as long for the ten-thousandth file of one name as for the
     /// second.
-    Taking take(const std::string& path, const FileState& expected, TrashedFile& taken, std::string& error);
+    Taking take(const std::string& path, const FileState& expected, TrashedFile& taken, std::string& error,
+                const Announce& announce = nullptr);
     /// Moves the file back where it was, if nothing stands there, and then removes its note. What is not done
     /// has a reason and changed nothing.
     Restoring restore(const TrashedFile& file, std::string& error);

@@ -11,7 +11,8 @@ Trash::Trash() = default;
 
 Trash::~Trash() = default;
 
-Trash::Taking Trash::take(const std::string&, const FileState&, TrashedFile&, std::string& error)
+Trash::Taking Trash::take(const std::string&, const FileState&, TrashedFile&, std::string& error,
+                          const Announce&)
 {
     error = "there is no trash";
     return Taking::NoTrash;

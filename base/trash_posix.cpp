@@ -145,7 +145,7 @@ Trash::Trash() : m_places(std::make_unique<Places>()) {}
 Trash::~Trash() = default;
 
 Trash::Taking Trash::take(const std::string& path, const FileState& expected, TrashedFile& taken,
-                          std::string& error)
+                          std::string& error, const Announce& announce)
 {
     if (!m_places->find(folderOf(path), error))
         return Taking::Failed;
@@ -161,7 +161,7 @@ Trash::Taking Trash::take(const std::string& path, const FileState& expected, Tr
     }
     TrashFolder::Refusal refusal;
     if (TrashFolder* const trash = m_places->trashOf(refusal))
-        return trash->take(source, expected, taken, error);
+        return trash->take(source, expected, taken, error, announce);
     error = refusal.reason;
     return refusal.isPassing ? Taking::Failed : Taking::NoTrash;
 }

@@ -187,14 +187,14 @@ std::unique_ptr<TrashFolder> TrashFolder::atTop(const std::string& top, Refusal&
 }
 
 Trash::Taking TrashFolder::take(const Source& source, const FileState& expected, TrashedFile& taken,
-                                std::string& error)
+                                std::string& error, const Trash::Announce& announce)
 {
     const auto known = m_numbers.find(source.name);
     std::uint64_t number = known == m_numbers.end() ? 1 : known->second;
     Step step = Step::NameTaken;
     for (int i = 1; step == Step::NameTaken && i <= namesTried; ++i) {
         taken.name = nameFor(source.name, number);
-        step = tryName(source, expected, taken, error);
+        step = tryName(source, expected, taken, error, announce);
         if (step == Step::Done && number > 1)
             m_numbers[source.name] = number + 1;
         // A trash that is full of the name is not searched number by number.
@@ -209,16 +209,21 @@ Trash::Taking TrashFolder::take(const Source& source, const FileState& expected,
 
 /// Leaves no note where it leaves no file.
 TrashFolder::Step TrashFolder::tryName(const Source& source, const FileState& expected, TrashedFile& taken,
-                                       std::string& error)
+                                       std::string& error, const Trash::Announce& announce)
 {
     taken.path = source.path + source.name;
     taken.trash = m_path;
+    taken.state = expected;
     if (!writeNote(taken.name, noteFor(taken.path.substr(m_top.size())))) {
         if (errno == EEXIST)
             return Step::NameTaken;
         const Step step = isPassing(errno) ? Step::Failed : Step::NoTrash;
         error = "the trash takes no file: " + reason();
         return step;
+    }
+    if (announce && !announce(taken, error)) {
+        removeNote(taken.name);
+        return Step::Failed;
     }
     if (!renameToFree(source.folder, source.name, m_files.fd, taken.name)) {
         const int failure = errno;

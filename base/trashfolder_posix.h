@@ -41,7 +41,7 @@ public:
 
     /// As Trash does it.
     Trash::Taking take(const Source& source, const FileState& expected, TrashedFile& taken,
-                       std::string& error);
+                       std::string& error, const Trash::Announce& announce = nullptr);
     /// As Trash does it, to a name in an open folder.
     Trash::Restoring restore(const TrashedFile& file, int folder, std::string& error) const;
 
@@ -53,7 +53,8 @@ private:
     static std::unique_ptr<TrashFolder> in(const Descriptor& folder, const std::string& path, Making making,
                                            Refusal& refusal);
     static std::unique_ptr<TrashFolder> inAllUsersFolder(const Descriptor& top, const std::string& path);
-    Step tryName(const Source& source, const FileState& expected, TrashedFile& taken, std::string& error);
+    Step tryName(const Source& source, const FileState& expected, TrashedFile& taken, std::string& error,
+                 const Trash::Announce& announce);
     bool writeNote(const std::string& name, const std::string& text) const;
     void removeNote(const std::string& name) const;
     Step giveBack(const Source& source, const std::string& name, std::string& error) const;

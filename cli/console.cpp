@@ -42,6 +42,8 @@ bool isControl(char32_t c)
 
 Console::Console(const Order& order)
     : m_isQuiet(order.isQuiet), m_isTerminal(isTerminal(stdout)),
+      m_canAsk(m_isTerminal && isTerminal(stdin) && order.form == Order::Form::Text &&
+               order.pathsFrom.empty()),
       m_hasColours(m_isTerminal && wantsColours()), m_hasProgress(!order.isQuiet && isTerminal(stderr))
 {
 }
@@ -85,6 +87,18 @@ std::string Console::shown(const std::string& text) const
         at += read.isCharacter() ? read.size : 1;
     }
     return line;
+}
+
+bool Console::asksFor(const std::string& question)
+{
+    if (!m_canAsk)
+        return false;
+    write(question);
+    std::fflush(stdout);
+    std::string answer;
+    for (int c = std::getchar(); c != EOF && c != '\n'; c = std::getchar())
+        answer += char(c);
+    return answer == "yes";
 }
 
 std::string Console::strong(const std::string& text) const

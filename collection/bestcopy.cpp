@@ -43,14 +43,21 @@ Rank rankOf(const BestCopy::Sound& copy)
 }
 } // namespace
 
-int BestCopy::find(const QVector<Sound>& copies)
+QVector<int> BestCopy::findAll(const QVector<Sound>& copies)
 {
-    if (copies.isEmpty())
-        return -1;
     QVector<Rank> ranks;
     ranks.reserve(copies.size());
     std::transform(copies.begin(), copies.end(), std::back_inserter(ranks), rankOf);
     const auto best = std::max_element(ranks.begin(), ranks.end());
-    const bool allAlike = *best == *std::min_element(ranks.begin(), ranks.end());
-    return allAlike ? -1 : int(best - ranks.begin());
+    QVector<int> found;
+    for (int position = 0; position < ranks.size(); ++position)
+        if (ranks.at(position) == *best)
+            found.append(position);
+    return found;
+}
+
+int BestCopy::find(const QVector<Sound>& copies)
+{
+    const QVector<int> best = findAll(copies);
+    return best.size() == copies.size() ? -1 : best.first();
 }

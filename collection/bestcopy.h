@@ -25,4 +25,6 @@ struct Sound
 
 /// The position of the copy that sounds best, the first of several such; -1 where none sounds worse.
 int find(const QVector<Sound>& copies);
+/// The positions of all that sound as good as that one, ascending; of all copies where none sounds worse.
+QVector<int> findAll(const QVector<Sound>& copies);
 } // namespace BestCopy

@@ -33,26 +33,39 @@ FileState entryState(const base::FileState& entry)
 }
 } // namespace
 
-FileState FileState::of(const QString& path)
+FileState FileState::of(const std::string& path)
 {
     base::FileState found;
-    const bool exists = !path.isEmpty() && base::stateOf(QFile::encodeName(path).toStdString(), found);
+    const bool exists = !path.empty() && base::stateOf(path, found);
     return stateFrom(found, exists && found.regular);
+}
+
+FileState FileState::ofEntry(const std::string& path)
+{
+    base::FileState found;
+    const bool exists = !path.empty() && base::stateAt(AT_FDCWD, path, found);
+    return exists ? entryState(found) : FileState();
+}
+
+FileState FileState::of(const QString& path)
+{
+    return of(QFile::encodeName(path).toStdString());
 }
 
 FileState FileState::ofEntry(const QString& path)
 {
-    base::FileState found;
-    const bool exists =
-        !path.isEmpty() && base::stateAt(AT_FDCWD, QFile::encodeName(path).toStdString(), found);
-    return exists ? entryState(found) : FileState();
+    return ofEntry(QFile::encodeName(path).toStdString());
 }
 
 QString removeIfUnchanged(const QString& path, const FileState& state)
 {
-    const std::string whole = QFile::encodeName(path).toStdString();
-    const std::string name = base::nameOf(whole);
-    const base::Descriptor folder = base::openFolderOf(whole);
+    return removeIfUnchanged(QFile::encodeName(path).toStdString(), state);
+}
+
+QString removeIfUnchanged(const std::string& path, const FileState& state)
+{
+    const std::string name = base::nameOf(path);
+    const base::Descriptor folder = base::openFolderOf(path);
     if (!folder.isOpen())
         return qt_error_string(errno);
     base::FileState there;
@@ -88,4 +101,28 @@ QString removeIfUnchanged(const QString& path, const FileState& state)
     QFile file(path);
     return file.remove() ? QString() : file.errorString();
 }
+
+FileState FileState::of(const std::string& path)
+{
+    return of(QFile::decodeName(path.c_str()));
+}
+
+FileState FileState::ofEntry(const std::string& path)
+{
+    return ofEntry(QFile::decodeName(path.c_str()));
+}
+
+QString removeIfUnchanged(const std::string& path, const FileState& state)
+{
+    return removeIfUnchanged(QFile::decodeName(path.c_str()), state);
+}
 #endif
+
+QString whyNotAsLeft(const FileState& left, const FileState& now)
+{
+    if (!now.exists())
+        return QStringLiteral("the file is gone");
+    if (!left.exists() || !left.file.looksLike(now.file))
+        return QStringLiteral("another program changed the file since");
+    return QString();
+}

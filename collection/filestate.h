@@ -6,6 +6,8 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <string>
+
 /// A regular file as it is at one moment, without its content: while the state stays equal, so does what was
 /// read from the file. Where the system has file numbers, all hard links to one file have one state, and a
 /// further one changes nothing about it, unlike about the state that base compares; elsewhere every path has
@@ -22,6 +24,9 @@ struct FileState
     static FileState of(const QString& path);
     /// Of what lies at the path itself, a link included.
     static FileState ofEntry(const QString& path);
+    /// The same for paths of any bytes, as the system has them.
+    static FileState of(const std::string& path);
+    static FileState ofEntry(const std::string& path);
 };
 
 inline bool operator==(const FileState& a, const FileState& b)
@@ -37,6 +42,10 @@ inline bool operator!=(const FileState& a, const FileState& b)
 /// Removes what lies at the path itself, never a folder, if it is in that state; the reason why not, or
 /// empty.
 QString removeIfUnchanged(const QString& path, const FileState& state);
+QString removeIfUnchanged(const std::string& path, const FileState& state);
+
+/// Why a file is not as it was left in a state, which may have been long ago; empty where it is.
+QString whyNotAsLeft(const FileState& left, const FileState& now);
 
 inline uint qHash(const FileState& state, uint seed = 0)
 {

@@ -21,7 +21,7 @@ Tag openTag(const QString& path)
 /// Whether nobody wrote the file between the two states.
 bool isUntouched(const FileState& before, const FileState& now)
 {
-    return before.exists() && now.exists() && before.file.looksLike(now.file);
+    return whyNotAsLeft(before, now).isEmpty();
 }
 
 class Edit final : public Change
@@ -62,11 +62,9 @@ private:
     /// The reason why not, which the log has then, too; else empty.
     QString restore(int& picturesLost) const
     {
-        const FileState now = FileState::of(m_before.path);
-        if (!now.exists())
-            return logged(QStringLiteral("the file is gone"));
-        if (!isUntouched(m_after, now))
-            return logged(QStringLiteral("another program changed the file since"));
+        const QString change = whyNotAsLeft(m_after, FileState::of(m_before.path));
+        if (!change.isEmpty())
+            return logged(change);
         const Tag tag = openTag(m_before.path);
         if (tag && m_before.content.picture.size() > qint64(LargestPictureFor(tag.get())))
             return logged(QStringLiteral("its cover is larger than what can be written"));

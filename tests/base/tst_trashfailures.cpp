@@ -10,6 +10,7 @@
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <vector>
 
 using base::Trash;
 using base::TrashedFile;
@@ -72,6 +73,8 @@ private slots:
     void aTrashThatTakesNothingIsNone();
     void aShortageIsNoReasonToDelete();
     void aHalfNoteGoes();
+    void whereAFileGoesIsToldBefore();
+    void whatMayNotGoStays();
     void disksWithoutSafeRenamingUseLinks();
     void disksWithoutEitherHaveNoTrash();
 
@@ -255,6 +258,41 @@ void TestTrashFailures::aHalfNoteGoes()
     const Trash::Taking taking = take(path, taken);
     ::setrlimit(RLIMIT_FSIZE, &limit);
     QCOMPARE(taking, Trash::Taking::NoTrash);
+    nothingHappened();
+}
+
+void TestTrashFailures::whereAFileGoesIsToldBefore()
+{
+    TrashedFile taken;
+    QCOMPARE(take(write("a.mp3", "older"), taken), Trash::Taking::Done);
+    QCOMPARE(::unlink(noteOf(taken).c_str()), 0); // its name is found to be taken late
+    const std::string path = write("a.mp3", "music");
+    const base::FileState state = stateOf(path);
+    std::vector<TrashedFile> told;
+    const auto announce = [&](const TrashedFile& planned, std::string&) {
+        told.push_back(planned);
+        return read(path) == "music" && QFile::exists(QString::fromStdString(noteOf(planned)));
+    };
+    QCOMPARE(m_bin->take(path, state, taken, m_error, announce), Trash::Taking::Done);
+    QCOMPARE(told.size(), std::size_t(2));
+    QCOMPARE(told.at(0).name, std::string("a.mp3"));
+    QCOMPARE(told.at(1).name, taken.name);
+    QCOMPARE(told.at(1).trash, taken.trash);
+    QCOMPARE(told.at(1).path, path);
+    QVERIFY(told.at(1).state.looksLike(taken.state));
+    QCOMPARE(m_bin->restore(told.at(1), m_error), Trash::Restoring::Done);
+}
+
+void TestTrashFailures::whatMayNotGoStays()
+{
+    TrashedFile taken;
+    const std::string path = write("a.mp3", "music");
+    const auto refuse = [](const TrashedFile&, std::string& error) {
+        error = "not now";
+        return false;
+    };
+    QCOMPARE(m_bin->take(path, stateOf(path), taken, m_error, refuse), Trash::Taking::Failed);
+    QCOMPARE(m_error, std::string("not now"));
     nothingHappened();
 }
 

@@ -21,6 +21,7 @@ private slots:
     void aChangeOfLengthOrTimeChangesTheState();
     void anotherFileMovedIntoPlaceChangesTheState();
     void aLinkHasTheStateOfItsFile();
+    void aFileIsAsItWasLeftOrNot();
 };
 
 void TestFileState::onlyRegularFilesExist()
@@ -85,6 +86,22 @@ void TestFileState::aLinkHasTheStateOfItsFile()
     QCOMPARE(FileState::of(folder.filePath("link")), FileState::of(path));
     QVERIFY(QFile::remove(path));
     QVERIFY(!FileState::of(folder.filePath("link")).exists());
+}
+
+/// Also where the disk gave it another number.
+void TestFileState::aFileIsAsItWasLeftOrNot()
+{
+    const QTemporaryDir folder;
+    const QString path = saveBytes("cover", folder.filePath("file"));
+    const FileState left = FileState::of(path);
+    FileState now = left;
+    ++now.file.inode;
+    QCOMPARE(whyNotAsLeft(left, now), QString());
+    ++now.file.modified;
+    QCOMPARE(whyNotAsLeft(left, now), QString("another program changed the file since"));
+    QCOMPARE(whyNotAsLeft(FileState(), left), QString("another program changed the file since"));
+    QVERIFY(QFile::remove(path));
+    QCOMPARE(whyNotAsLeft(left, FileState::of(path)), QString("the file is gone"));
 }
 
 QTEST_GUILESS_MAIN(TestFileState)
