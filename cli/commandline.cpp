@@ -44,6 +44,7 @@ const char* const cleanHelp =
 the one before it left, and the first of those left at the end is it. Without --yes the plan
 is shown, and on a terminal a question asked; nothing is done else. Files go into the trash,
 from where "undo" brings them back. A file that a kept one needs, by whatever link, stays.
+By title+duration songs of other artists may be in a group: look at the plan.
 
 Rules: best, first, newest, oldest, largest, shortest-path, in:FOLDER
 

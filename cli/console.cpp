@@ -57,7 +57,7 @@ void Console::write(const std::string& text)
 {
     if (m_isTerminal)
         clearProgress();
-    m_hasFailed = std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || m_hasFailed;
+    std::fwrite(text.data(), 1, text.size(), stdout); // finish() tells whether it went well
 }
 
 void Console::say(const std::string& text)
@@ -112,7 +112,7 @@ void Console::progress(std::uint64_t done, const std::function<std::uint64_t()>&
     if (now - m_lastTold < betweenSigns)
         return;
     m_lastTold = now;
-    m_hasFailed = std::fflush(stdout) != 0 || m_hasFailed;
+    std::fflush(stdout);
     if (!m_hasProgress)
         return;
     std::fprintf(stderr, "%s%s", backToStart, progressLine(done, total()).c_str());
@@ -145,5 +145,5 @@ void Console::clearProgress()
 bool Console::finish()
 {
     clearProgress();
-    return std::fflush(stdout) == 0 && !m_hasFailed;
+    return std::fflush(stdout) == 0 && !std::ferror(stdout);
 }

@@ -52,7 +52,6 @@ private:
     const bool m_hasColours;
     const bool m_hasProgress;
     bool m_isProgressShown = false;
-    bool m_hasFailed = false;
     const Clock::time_point m_begun = Clock::now();
     Clock::time_point m_lastTold = Clock::now();
 };
