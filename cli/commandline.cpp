@@ -1,10 +1,9 @@
 #include "cli/commandline.h"
 
-#include "audiocore/tagitem.h"
 #include "base/failure.h"
 #include "base/platform.h"
 #include "base/text.h"
-#include "cli/exitcode.h"
+#include "collection/coretags.h"
 
 #include <CLI/CLI.hpp>
 
@@ -15,6 +14,7 @@
 
 namespace {
 constexpr std::size_t largestCover = 256u << 20;
+constexpr std::size_t mostWords = 120; // bytes
 
 const char* const exitCodes = R"(Exit codes:
   0    done
@@ -39,6 +39,28 @@ one whatever their case, accents and width, without what stands in brackets or b
 Examples:
   melodrift-cli duplicates ~/Music
   melodrift-cli duplicates --by artist+title --json ~/Music ~/Downloads)";
+const char* const cleanHelp =
+    R"(Of each group one copy is kept, the one that the rules choose: each chooses among those that
+the one before it left, and the first of those left at the end is it. Without --yes the plan
+is shown, and on a terminal a question asked; nothing is done else. Files go into the trash,
+from where "undo" brings them back. A file that a kept one needs, by whatever link, stays.
+By title+duration songs of other artists may be in a group: look at the plan.
+
+Rules: best, first, newest, oldest, largest, shortest-path, in:FOLDER
+
+Examples:
+  melodrift-cli clean --keep best ~/Music
+  melodrift-cli clean --keep in:$HOME/Music --keep best --by artist+title --yes ~/Music ~/Downloads)";
+const char* const undoHelp =
+    R"(Without a number the newest step is taken back. A file that is not as the step left it stays
+as it is. What was deleted for good does not come back.
+
+Examples:
+  melodrift-cli undo
+  melodrift-cli undo 7)";
+const char* const historyHelp = R"(Examples:
+  melodrift-cli history
+  melodrift-cli history -v)";
 const char* const showHelp = R"(Examples:
   melodrift-cli show song.mp3
   melodrift-cli show --json *.flac)";
@@ -55,19 +77,6 @@ Examples:
   melodrift-cli tag --cover front.jpg album/*.flac
   melodrift-cli tag --from-name '{artist}/{album}/{track} {title}' */*/*.mp3)";
 
-/// One of the fields that can be set and cleared.
-struct Field
-{
-    const char* name;
-    const char* help;
-    int type;
-};
-
-constexpr Field fields[] = {
-    {"title", "The title", TAG_TITLE}, {"artist", "The artist", TAG_ARTIST},
-    {"album", "The album", TAG_ALBUM}, {"genre", "The genre", TAG_GENRE},
-    {"year", "The year", TAG_YEAR},    {"track", "The number of the track", TAG_TRACK}};
-
 /// What has no place of its own in an order until all of it is known.
 struct Raw
 {
@@ -77,6 +86,7 @@ struct Raw
     std::vector<std::string> cleared;
     std::string cover;
     std::string fromName;
+    std::vector<std::string> keep;
     std::string by = "title+duration";
     bool clearsCover = false;
     bool isJson = false;
@@ -137,6 +147,18 @@ CLI::App& addCommand(CLI::App& app, const char* name, const char* help, const ch
     return *added;
 }
 
+void addCleaning(CLI::App& app, Order& order, Raw& raw)
+{
+    app.add_option("--keep", raw.keep, "Which copy is kept; several rules by several options or with commas")
+        ->type_name("RULE")
+        ->required()
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->take_all();
+    app.add_flag("--yes", order.isAgreed, "Does what the plan says");
+    app.add_flag("--delete", order.deletesForGood, "Deletes for good, not into the trash");
+}
+
 void addReading(CLI::App& app, Order& order, Raw& raw)
 {
     CLI::App& scan = addCommand(app, "scan", "Counts songs, per format and problem", scanHelp, order,
@@ -146,7 +168,9 @@ void addReading(CLI::App& app, Order& order, Raw& raw)
         undefinedHelp, order, Order::Command::Undefined);
     CLI::App& duplicates = addCommand(app, "duplicates", "Lists the groups of songs that are there twice",
                                       duplicatesHelp, order, Order::Command::Duplicates);
-    for (CLI::App* const command : {&scan, &undefined, &duplicates}) {
+    CLI::App& clean = addCommand(app, "clean", "Deletes all copies of each group but one", cleanHelp, order,
+                                 Order::Command::Clean);
+    for (CLI::App* const command : {&scan, &undefined, &duplicates, &clean}) {
         addPaths(*command, "PATH", "Folders and music files", order);
         addWalk(*command, order, raw);
         addForms(*command, order, raw);
@@ -154,9 +178,11 @@ void addReading(CLI::App& app, Order& order, Raw& raw)
     addFailOn(scan, raw, {"undefined", "title", "artist", "album", "genre", "cover"});
     addFailOn(undefined, raw, {"any", "title", "artist", "album", "genre"});
     addFailOn(duplicates, raw, {"any"});
-    duplicates.add_option("--by", raw.by, "What songs are compared by")
-        ->type_name("RULE")
-        ->check(CLI::IsMember(std::vector<std::string>{"title+duration", "artist+title"}));
+    for (CLI::App* const command : {&duplicates, &clean})
+        command->add_option("--by", raw.by, "What songs are compared by")
+            ->type_name("RULE")
+            ->check(CLI::IsMember(std::vector<std::string>{"title+duration", "artist+title"}));
+    addCleaning(clean, order, raw);
     CLI::App& show = addCommand(app, "show", "Shows tags, properties and the size of the cover", showHelp,
                                 order, Order::Command::Show);
     addPaths(show, "FILE", "Music files", order);
@@ -179,11 +205,12 @@ void addEditing(CLI::App& app, Order& order, Raw& raw)
         addCommand(app, "tag", "Sets or clears fields and covers", tagHelp, order, Order::Command::Tag);
     addPaths(tag, "FILE", "Music files", order);
     std::vector<std::string> names;
-    for (const Field& field : fields) {
-        names.emplace_back(field.name);
+    for (const QString& field : TagFields::names()) {
+        names.push_back(field.toStdString());
         tag.add_option_function<std::string>(
-               std::string("--") + field.name,
-               [&raw, name = names.back()](const std::string& text) { raw.texts[name] = text; }, field.help)
+               "--" + names.back(),
+               [&raw, name = names.back()](const std::string& text) { raw.texts[name] = text; },
+               "Sets the " + names.back())
             ->type_name("TEXT");
     }
     tag.add_option("--clear", raw.cleared, "Clears a field; several with commas")
@@ -198,6 +225,18 @@ void addEditing(CLI::App& app, Order& order, Raw& raw)
     addForms(tag, order, raw);
 }
 
+void addTakingBack(CLI::App& app, Order& order, Raw& raw)
+{
+    CLI::App& undo = addCommand(app, "undo", "Takes back what was changed, also by an earlier run", undoHelp,
+                                order, Order::Command::Undo);
+    undo.add_option("STEP", order.step, "The number of a step that \"history\" lists")
+        ->check(CLI::PositiveNumber);
+    CLI::App& history =
+        addCommand(app, "history", "Lists what was changed", historyHelp, order, Order::Command::History);
+    for (CLI::App* const command : {&undo, &history})
+        addForms(*command, order, raw);
+}
+
 QByteArray pictureIn(const std::string& path)
 {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(base::openFile(path, false), std::fclose);
@@ -208,7 +247,7 @@ QByteArray pictureIn(const std::string& path)
         refuse("--cover", path + (state.regular ? ": it is too large" : ": it is no file"));
     QByteArray bytes(int(state.size), '\0');
     bytes.truncate(int(base::readAt(file.get(), 0, bytes.data(), std::size_t(bytes.size()))));
-    if (!CoverFile::isPicture(bytes))
+    if (!CoreTags::isPicture(bytes))
         refuse("--cover", path + ": it is no picture, JPEG or PNG");
     return bytes;
 }
@@ -218,33 +257,31 @@ bool isNumber(const std::string& text)
     return !text.empty() && text.size() <= 4 && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
+void takeText(Order& order, const std::string& field, const std::string& text)
+{
+    const std::string option = "--" + field;
+    if (text.empty())
+        refuse(option, "an empty text; --clear " + field + " clears it");
+    if (!base::isUtf8(text))
+        refuse(option, "the text is no UTF-8");
+    if ((field == "year" || field == "track") && !isNumber(text))
+        refuse(option, "not a number of up to four digits: " + text);
+    order.edit.texts[QString::fromStdString(field)] = QString::fromStdString(text);
+}
+
 void takeEdit(Order& order, const Raw& raw)
 {
-    for (const Field& field : fields) {
-        const auto text = raw.texts.find(field.name);
-        if (text == raw.texts.end())
-            continue;
-        const std::string option = std::string("--") + field.name;
-        if (text->second.empty())
-            refuse(option, std::string("an empty text; --clear ") + field.name + " clears it");
-        if (!base::isUtf8(text->second))
-            refuse(option, "the text is no UTF-8");
-        if ((field.type == TAG_YEAR || field.type == TAG_TRACK) && !isNumber(text->second))
-            refuse(option, "not a number of up to four digits: " + text->second);
-        order.edit.texts[field.type] = QString::fromStdString(text->second);
+    for (const auto& [field, text] : raw.texts)
+        takeText(order, field, text);
+    for (const std::string& field : raw.cleared) {
+        if (raw.texts.count(field) > 0)
+            refuse("--clear", field + " is to be set, too");
+        order.edit.texts[QString::fromStdString(field)] = QString();
     }
-    for (const std::string& name : raw.cleared)
-        for (const Field& field : fields) {
-            if (name != field.name)
-                continue;
-            if (raw.texts.count(name) > 0)
-                refuse("--clear", name + " is to be set, too");
-            order.edit.texts[field.type] = QString();
-        }
     if (!raw.cover.empty())
-        order.edit.cover = pictureIn(raw.cover);
+        order.edit.picture = pictureIn(raw.cover);
     else if (raw.clearsCover)
-        order.edit.cover = QByteArray();
+        order.edit.picture = QByteArray();
     if (!raw.fromName.empty()) {
         QString wrong;
         order.fromName = NamePattern(QString::fromStdString(raw.fromName), wrong);
@@ -255,17 +292,8 @@ void takeEdit(Order& order, const Raw& raw)
         refuse("tag", "nothing to change is named");
 }
 
-void takeRaw(Order& order, const Raw& raw)
+void takePaths(Order& order)
 {
-    order.form = raw.isJson ? Order::Form::Json : raw.isLines ? Order::Form::Lines : Order::Form::Text;
-    order.failOn.insert(raw.failOn.begin(), raw.failOn.end());
-    order.by = raw.by == "artist+title" ? SongList::By::ArtistAndTitle : SongList::By::TitleAndDuration;
-    for (const std::string& pattern : raw.excluded) {
-        std::string wrong;
-        order.rules.excluded.emplace_back(pattern, wrong);
-        if (!wrong.empty())
-            refuse("--exclude", pattern + ": " + wrong);
-    }
     if (order.pathsEndWithZero && order.pathsFrom.empty())
         order.pathsFrom = "-";
     if (order.paths.empty() && order.pathsFrom.empty())
@@ -275,6 +303,33 @@ void takeRaw(Order& order, const Raw& raw)
     for (const std::string& path : order.paths)
         if (path.empty())
             refuse("PATH", "an empty one");
+}
+
+void takeRules(Order& order, const Raw& raw)
+{
+    for (const std::string& pattern : raw.excluded) {
+        std::string wrong;
+        order.rules.excluded.emplace_back(pattern, wrong);
+        if (!wrong.empty())
+            refuse("--exclude", pattern + ": " + wrong);
+    }
+    for (const std::string& name : raw.keep) {
+        QString problem;
+        const std::optional<KeepRule> rule = KeepRule::named(name, problem);
+        if (!rule)
+            refuse("--keep", problem.toStdString());
+        order.keep.append(*rule);
+    }
+}
+
+void takeRaw(Order& order, const Raw& raw)
+{
+    order.form = raw.isJson ? Order::Form::Json : raw.isLines ? Order::Form::Lines : Order::Form::Text;
+    order.failOn.insert(raw.failOn.begin(), raw.failOn.end());
+    order.by = raw.by == "artist+title" ? SongList::By::ArtistAndTitle : SongList::By::TitleAndDuration;
+    takeRules(order, raw);
+    if (order.command != Order::Command::Undo && order.command != Order::Command::History)
+        takePaths(order);
     if (order.command == Order::Command::Tag)
         takeEdit(order, raw);
 }
@@ -288,6 +343,15 @@ void complain(const std::string& reason)
             c = '?';
     std::fprintf(stderr, "melodrift-cli: %s\n", line.c_str());
 }
+/// The call as the history names it: there may be many paths.
+std::string wordsOf(int argc, char* argv[])
+{
+    std::string words = argv[1];
+    for (int i = 2; i < argc && words.size() < mostWords; ++i)
+        words += std::string(" ") + argv[i];
+    return words.size() < mostWords ? words : words.substr(0, mostWords) + "...";
+}
+
 std::string reasonWithoutCommand(int argc, char* argv[])
 {
     return argc > 1 ? std::string("there is no command or option ") + argv[1]
@@ -306,9 +370,11 @@ std::optional<Order> CommandLine::read(int argc, char* argv[], int& exitCode)
     app.footer(exitCodes);
     addReading(app, order, raw);
     addEditing(app, order, raw);
+    addTakingBack(app, order, raw);
     try {
         app.parse(argc, argv);
         takeRaw(order, raw);
+        order.words = wordsOf(argc, argv);
         return order;
     } catch (const CLI::Success& answer) { // help, the version
         exitCode = app.exit(answer);

@@ -42,6 +42,8 @@ bool isControl(char32_t c)
 
 Console::Console(const Order& order)
     : m_isQuiet(order.isQuiet), m_isTerminal(isTerminal(stdout)),
+      m_canAsk(m_isTerminal && isTerminal(stdin) && order.form == Order::Form::Text &&
+               order.pathsFrom.empty()),
       m_hasColours(m_isTerminal && wantsColours()), m_hasProgress(!order.isQuiet && isTerminal(stderr))
 {
 }
@@ -55,7 +57,7 @@ void Console::write(const std::string& text)
 {
     if (m_isTerminal)
         clearProgress();
-    m_hasFailed = std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || m_hasFailed;
+    std::fwrite(text.data(), 1, text.size(), stdout); // finish() tells whether it went well
 }
 
 void Console::say(const std::string& text)
@@ -87,6 +89,18 @@ std::string Console::shown(const std::string& text) const
     return line;
 }
 
+bool Console::asksFor(const std::string& question)
+{
+    if (!m_canAsk)
+        return false;
+    write(question);
+    std::fflush(stdout);
+    std::string answer;
+    for (int c = std::getchar(); c != EOF && c != '\n'; c = std::getchar())
+        answer += char(c);
+    return answer == "yes";
+}
+
 std::string Console::strong(const std::string& text) const
 {
     return m_hasColours ? "\x1b[1m" + text + "\x1b[0m" : text;
@@ -98,7 +112,7 @@ void Console::progress(std::uint64_t done, const std::function<std::uint64_t()>&
     if (now - m_lastTold < betweenSigns)
         return;
     m_lastTold = now;
-    m_hasFailed = std::fflush(stdout) != 0 || m_hasFailed;
+    std::fflush(stdout);
     if (!m_hasProgress)
         return;
     std::fprintf(stderr, "%s%s", backToStart, progressLine(done, total()).c_str());
@@ -131,5 +145,5 @@ void Console::clearProgress()
 bool Console::finish()
 {
     clearProgress();
-    return std::fflush(stdout) == 0 && !m_hasFailed;
+    return std::fflush(stdout) == 0 && !std::ferror(stdout);
 }

@@ -30,6 +30,9 @@ public:
     /// them.
     std::string strong(const std::string& text) const;
 
+    /// Asks on the terminal; whether the answer is "yes". Nobody is asked where there is none.
+    bool asksFor(const std::string& question);
+
     /// Whether progress is shown at all.
     bool showsProgress() const { return m_hasProgress; }
     /// That so many of so many files (0 while that is not known) are read; writes now and then.
@@ -45,10 +48,10 @@ private:
 
     const bool m_isQuiet;
     const bool m_isTerminal; ///< standard output
+    const bool m_canAsk;
     const bool m_hasColours;
     const bool m_hasProgress;
     bool m_isProgressShown = false;
-    bool m_hasFailed = false;
     const Clock::time_point m_begun = Clock::now();
     Clock::time_point m_lastTold = Clock::now();
 };

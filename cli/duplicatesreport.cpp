@@ -1,6 +1,6 @@
 #include "cli/figures.h"
 #include "cli/report.h"
-#include "collection/formats.h"
+#include "cli/songtext.h"
 #include "collection/songlist.h"
 
 namespace {
@@ -49,25 +49,12 @@ private:
     }
     void writeText(int number, const QVector<int>& group)
     {
-        const SongFile first = m_songs.at(group.first());
-        std::string heading = first.title.toStdString();
-        if (m_order.by == SongList::By::ArtistAndTitle)
-            heading = first.artist.toStdString() + " - " + heading;
-        m_console.writeLine((number > 1 ? "\n" : "") +
-                            m_console.strong(m_console.shown(heading) + " (" +
-                                             Figures::count(std::uint64_t(group.size())) + ")"));
+        if (number > 1)
+            m_console.writeLine(std::string());
+        m_console.writeLine(
+            SongText::heading(m_songs.at(group.first()), m_order.by, group.size(), m_console));
         for (const int position : group)
-            m_console.writeLine("  " + row(m_songs.at(position)));
-    }
-    std::string row(const SongFile& song) const
-    {
-        const auto right = [](const std::string& text, int width) {
-            return QString::fromStdString(text).rightJustified(width).toStdString();
-        };
-        return Formats::listedName(song.format).leftJustified(4).toStdString() +
-               right(Figures::bitRate(song.bitRate), 13) + right(Figures::sampleRate(song.sampleRate), 10) +
-               right(Figures::length(song.milliseconds), 9) + right(Figures::size(song.bytes), 10) + "  " +
-               m_console.shown(song.path);
+            m_console.writeLine("  " + SongText::row(m_songs.at(position), m_console));
     }
     void writeJson(int number, const QVector<int>& group)
     {

@@ -1,6 +1,5 @@
 #include "cli/editing.h"
 
-#include "audiocore/tagitem.h"
 #include "base/newfile.h"
 #include "cli/corelog.h"
 #include "cli/exitcode.h"
@@ -9,7 +8,10 @@
 #include "cli/jsonoutput.h"
 #include "cli/pathlist.h"
 #include "cli/report.h"
+#include "collection/coretags.h"
+#include "collection/history.h"
 #include "collection/saveproblemtext.h"
+#include "collection/songfile.h"
 
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -17,12 +19,12 @@
 
 namespace {
 /// What is to be changed in one song; `whyNot` when its name does not say it.
-TagEdit editOf(const Order& order, const std::string& path, QString& whyNot)
+TagTexts editOf(const Order& order, const std::string& path, QString& whyNot)
 {
-    TagEdit edit = order.edit;
+    TagTexts edit = order.edit;
     if (order.fromName.isEmpty())
         return edit;
-    const QMap<int, QString> texts = order.fromName.read(path);
+    const QMap<QString, QString> texts = order.fromName.read(path);
     if (texts.isEmpty())
         whyNot = QStringLiteral("its name is not like the pattern");
     for (auto text = texts.begin(); text != texts.end(); ++text)
@@ -31,24 +33,12 @@ TagEdit editOf(const Order& order, const std::string& path, QString& whyNot)
     return edit;
 }
 
-QString save(const Order& order, const std::string& path)
-{
-    CoreLog::takeLast();
-    QString whyNot;
-    const TagEdit edit = editOf(order, path, whyNot);
-    if (whyNot.isEmpty())
-        whyNot = edit.save(path);
-    const std::string line = CoreLog::takeLast();
-    const bool onlyTheLogTells = whyNot == SaveProblemText::of(SAVE_OTHER_PROBLEM) && !line.empty();
-    return onlyTheLogTells ? QString::fromStdString(line) : whyNot;
-}
-
 /// Saves files one after the other, and tells of each.
 class Tagging
 {
 public:
-    Tagging(const Order& order, Console& console)
-        : m_order(order), m_console(console), m_json(order.form, console)
+    Tagging(const Order& order, Console& console, ChangeStep& step)
+        : m_order(order), m_console(console), m_json(order.form, console), m_step(step)
     {
     }
 
@@ -63,7 +53,7 @@ public:
             return !Interruption::hasCome();
         });
         if (isText)
-            m_console.say(Figures::count(m_tally.songs, "song", "songs") + " saved");
+            sayCounts();
         else
             writeCounts();
         if (!wrongList.empty())
@@ -78,13 +68,27 @@ public:
 private:
     void take(const std::string& path)
     {
-        const QString whyNot = save(m_order, path);
-        if (whyNot.isEmpty())
+        ChangeStep::Edited edited = ChangeStep::Edited::No;
+        const QString whyNot = save(path, edited);
+        if (edited == ChangeStep::Edited::Yes)
             saved(path);
-        else
+        else if (whyNot.isEmpty())
+            ++m_unchanged;
+        if (!whyNot.isEmpty())
             failed(path, whyNot.toStdString());
-        m_console.progress(m_tally.songs + m_tally.failed,
+        m_console.progress(m_tally.songs + m_tally.failed + m_unchanged,
                            [this] { return m_order.pathsFrom.empty() ? m_order.paths.size() : 0; });
+    }
+    QString save(const std::string& path, ChangeStep::Edited& edited)
+    {
+        CoreLog::takeLast();
+        QString whyNot;
+        const TagTexts edit = editOf(m_order, path, whyNot);
+        if (whyNot.isEmpty())
+            whyNot = m_step.edit(path, edit, m_tags, edited);
+        const std::string line = CoreLog::takeLast();
+        const bool onlyTheLogTells = whyNot == SaveProblemText::of(SAVE_OTHER_PROBLEM) && !line.empty();
+        return onlyTheLogTells ? QString::fromStdString(line) : whyNot;
     }
     void saved(const std::string& path)
     {
@@ -97,6 +101,15 @@ private:
         Json json;
         m_json.item("song", json.path("path", path));
     }
+    void sayCounts()
+    {
+        std::string line = Figures::count(m_tally.songs, "song", "songs") + " saved";
+        if (m_unchanged > 0)
+            line += ", " + Figures::count(m_unchanged) + " as wanted before";
+        if (!m_step.isEmpty())
+            line += "; melodrift-cli undo " + std::to_string(m_step.number()) + " takes it back";
+        m_console.say(line);
+    }
     void failed(const std::string& path, const std::string& reason)
     {
         ++m_tally.failed;
@@ -107,14 +120,20 @@ private:
     void writeCounts()
     {
         Json counts;
-        m_json.end(counts.number("songs", m_tally.songs).number("failed", m_tally.failed),
-                   Interruption::hasCome());
+        counts.number("songs", m_tally.songs).number("failed", m_tally.failed);
+        counts.number("unchanged", m_unchanged);
+        if (!m_step.isEmpty())
+            counts.number("step", std::uint64_t(m_step.number()));
+        m_json.end(counts, Interruption::hasCome());
     }
 
     const Order& m_order;
     Console& m_console;
     JsonOutput m_json;
+    ChangeStep& m_step;
+    CoreTags m_tags;
     Tally m_tally;
+    std::uint64_t m_unchanged = 0;
 };
 
 /// A file that programs make is for all whom the user lets read his files.
@@ -160,7 +179,12 @@ std::string writeFile(const std::string& path, const QByteArray& bytes, bool rep
 
 int Editing::tag(const Order& order, Console& console)
 {
-    return Tagging(order, console).run();
+    QString whyNot;
+    const std::unique_ptr<ChangeStep> step = History(History::usersFolder()).begin(order.words, whyNot);
+    if (step)
+        return Tagging(order, console, *step).run();
+    console.complain(whyNot.toStdString());
+    return ExitCode::failed;
 }
 
 int Editing::saveCover(const Order& order, Console& console)
@@ -168,7 +192,10 @@ int Editing::saveCover(const Order& order, Console& console)
     const std::string& path = order.paths.front();
     const std::string name = console.shown(path);
     const SongFile song = SongFileReader().read(path);
-    const QByteArray cover = song.isRead() ? CoverFile::read(path) : QByteArray();
+    TagTexts held;
+    if (song.isRead())
+        CoreTags().read(path, held);
+    const QByteArray cover = held.picture.value_or(QByteArray());
     if (cover.isEmpty()) {
         console.complain(name + ": " + (song.isRead() ? "it has no cover" : song.whyNot));
         return ExitCode::failed;

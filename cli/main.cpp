@@ -4,6 +4,7 @@
 #include "cli/editing.h"
 #include "cli/interruption.h"
 #include "cli/reading.h"
+#include "cli/takingback.h"
 
 #include <cstdio>
 #include <new>
@@ -19,6 +20,10 @@ int obey(const Order& order)
         return Editing::tag(order, console);
     case Order::Command::Cover:
         return Editing::saveCover(order, console);
+    case Order::Command::Undo:
+        return TakingBack::undo(order, console);
+    case Order::Command::History:
+        return TakingBack::history(order, console);
     default:
         return Reading::run(order, console);
     }

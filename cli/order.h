@@ -1,10 +1,12 @@
 #pragma once
 
 #include "collection/folderwalk.h"
+#include "collection/keeprule.h"
 #include "collection/namepattern.h"
 #include "collection/songlist.h"
-#include "collection/tagedit.h"
+#include "collection/tagfiles.h"
 
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -12,7 +14,7 @@
 /// What a command line asks for.
 struct Order
 {
-    enum class Command { None, Scan, Undefined, Duplicates, Show, Cover, Tag };
+    enum class Command { None, Scan, Undefined, Duplicates, Clean, Show, Cover, Tag, Undo, History };
     enum class Form { Text, Json, Lines };
 
     Command command = Command::None;
@@ -27,6 +29,11 @@ struct Order
     SongList::By by = SongList::By::TitleAndDuration;
     std::string coverFile; ///< where a cover goes, "-" for standard output
     bool replaces = false; ///< what is there
-    TagEdit edit;
+    TagTexts edit;
     NamePattern fromName;
+    QVector<KeepRule> keep;
+    bool isAgreed = false;       ///< what a plan says is done without asking
+    bool deletesForGood = false; ///< instead of moving into the trash
+    std::optional<int> step;     ///< of the history
+    std::string words;           ///< of the call, for the history
 };

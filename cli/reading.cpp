@@ -101,7 +101,7 @@ int Reading::run(const Order& order, Console& console)
     }
     if (Interruption::hasCome())
         return ExitCode::ended;
-    if (!wrongList.empty() || teller.tally().failed > 0)
+    if (!wrongList.empty() || teller.tally().failed + report->failedLater() > 0)
         return ExitCode::failed;
     return hasCommon(order.failOn, report->found()) ? ExitCode::found : ExitCode::done;
 }

@@ -22,6 +22,8 @@ std::unique_ptr<Report> Report::of(const Order& order, Console& console)
         return makeUndefinedReport(order, console);
     case Order::Command::Duplicates:
         return makeDuplicatesReport(order, console);
+    case Order::Command::Clean:
+        return makeCleanReport(order, console);
     default:
         return makeShowReport(order, console);
     }

@@ -40,11 +40,18 @@ public:
     virtual void end(const Tally& tally, bool isInterrupted) = 0;
     /// What was found, by the names that --fail-on has for it.
     const std::set<std::string>& found() const { return m_found; }
+    /// How many files failed that had been read.
+    std::uint64_t failedLater() const { return m_failedLater; }
 
     static std::unique_ptr<Report> of(const Order& order, Console& console);
 
 protected:
     bool isText() const { return m_order.form == Order::Form::Text; }
+    void failLater(const std::string& path, const std::string& reason)
+    {
+        ++m_failedLater;
+        failed(path, reason);
+    }
     void note(const char* problem) { m_found.insert(problem); }
 
     const Order& m_order;
@@ -53,10 +60,12 @@ protected:
 
 private:
     std::set<std::string> m_found;
+    std::uint64_t m_failedLater = 0;
 };
 
 /// Those that there are.
 std::unique_ptr<Report> makeScanReport(const Order& order, Console& console);
 std::unique_ptr<Report> makeUndefinedReport(const Order& order, Console& console);
 std::unique_ptr<Report> makeDuplicatesReport(const Order& order, Console& console);
+std::unique_ptr<Report> makeCleanReport(const Order& order, Console& console);
 std::unique_ptr<Report> makeShowReport(const Order& order, Console& console);

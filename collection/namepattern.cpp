@@ -1,25 +1,18 @@
 #include "collection/namepattern.h"
 
-#include "audiocore/tagitem.h"
 #include "base/text.h"
+#include "collection/coretags.h"
 
 namespace {
-constexpr int ignored = -1;
-constexpr int unknown = -2;
-
-int typeOf(const QString& field)
+const QString& ignored()
 {
-    static const QMap<QString, int> types = {
-        {QStringLiteral("title"), TAG_TITLE}, {QStringLiteral("artist"), TAG_ARTIST},
-        {QStringLiteral("album"), TAG_ALBUM}, {QStringLiteral("genre"), TAG_GENRE},
-        {QStringLiteral("year"), TAG_YEAR},   {QStringLiteral("track"), TAG_TRACK},
-        {QStringLiteral("ignore"), ignored}};
-    return types.value(field, unknown);
+    static const QString name = QStringLiteral("ignore");
+    return name;
 }
 
-bool isNumber(int type)
+bool isNumber(const QString& field)
 {
-    return type == TAG_YEAR || type == TAG_TRACK;
+    return field == QLatin1String("year") || field == QLatin1String("track");
 }
 } // namespace
 
@@ -64,18 +57,17 @@ QString NamePattern::parse(const QString& pattern)
 /// What is wrong with a field, which comes first or behind something else.
 QString NamePattern::addField(const QString& name, bool isApart)
 {
-    const int type = typeOf(name);
-    if (type == unknown)
+    if (name != ignored() && !TagFields::names().contains(name))
         return QStringLiteral("there is no field {%1}").arg(name);
-    if (type != ignored && m_fields.contains(type))
+    if (name != ignored() && m_fields.contains(name))
         return QStringLiteral("{%1} is there twice").arg(name);
     if (!isApart)
         return QStringLiteral("nothing stands between {%1} and the field before it").arg(name);
-    m_fields.append(type);
+    m_fields.append(name);
     return QString();
 }
 
-QMap<int, QString> NamePattern::read(const std::string& path) const
+QMap<QString, QString> NamePattern::read(const std::string& path) const
 {
     if (isEmpty() || !base::isUtf8(path))
         return {};
@@ -86,12 +78,12 @@ QMap<int, QString> NamePattern::read(const std::string& path) const
     const int dot = name.lastIndexOf(QLatin1Char('.'));
     const bool hasEnding = dot > name.lastIndexOf(QLatin1Char('/')) + 1;
     const QRegularExpressionMatch match = m_expression.match(hasEnding ? name.left(dot) : name);
-    QMap<int, QString> texts;
+    QMap<QString, QString> texts;
     for (int i = 0; match.hasMatch() && i < m_fields.size(); ++i) {
-        const int type = m_fields.at(i);
+        const QString& field = m_fields.at(i);
         const QString text = match.captured(i + 1).trimmed();
-        if (type != ignored)
-            texts.insert(type, isNumber(type) ? QString::number(text.toInt()) : text);
+        if (field != ignored())
+            texts.insert(field, isNumber(field) ? QString::number(text.toInt()) : text);
     }
     return texts;
 }

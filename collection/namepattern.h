@@ -3,7 +3,7 @@
 #include <QMap>
 #include <QRegularExpression>
 #include <QString>
-#include <QVector>
+#include <QStringList>
 
 #include <string>
 
@@ -19,15 +19,15 @@ public:
     NamePattern(const QString& pattern, QString& wrong);
 
     bool isEmpty() const { return m_fields.isEmpty(); }
-    /// The texts by TagItemType, without outer blanks; none when the name is not like the pattern, or no
-    /// text. A number stands without leading zeros.
-    QMap<int, QString> read(const std::string& path) const;
+    /// The texts by the names of fields, without outer blanks; none when the name is not like the pattern, or
+    /// no text. A number stands without leading zeros.
+    QMap<QString, QString> read(const std::string& path) const;
 
 private:
     QString parse(const QString& pattern);
     QString addField(const QString& name, bool isApart);
 
     QRegularExpression m_expression;
-    QVector<int> m_fields; ///< TagItemTypes in their order; -1 for one to be ignored
-    int m_folders = 0;     ///< above the file that the pattern names
+    QStringList m_fields; ///< in their order
+    int m_folders = 0;    ///< above the file that the pattern names
 };

@@ -85,6 +85,7 @@ SongFile SongFileReader::tryToRead(const std::string& path)
         return SongFile::failed(path, noMemory);
     SongFile song;
     song.path = path;
+    song.state = FileState::ofEntry(path);
     const std::u32string name = base::nameToUtf32(path);
     if (m_tag->Open(name.c_str()) != 0)
         return SongFile::failed(path, whyUnreadable(path));

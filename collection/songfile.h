@@ -1,5 +1,7 @@
 #pragma once
 
+#include "collection/filestate.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -20,6 +22,7 @@ struct SongFile
     int year = 0;
     int track = 0;
     int format = -1; ///< the audio core's code
+    FileState state; ///< of what lies at the path itself, as it was before it was read
     std::uint64_t milliseconds = 0;
     std::uint64_t bitRate = 0;    ///< bits per second
     std::uint64_t sampleRate = 0; ///< hertz

@@ -33,6 +33,8 @@ void SongList::add(const SongFile& song)
                               artist.remove(QChar()).toStdString() + '\0';
     m_facts.push_back({song.bytes, std::uint32_t(song.bitRate), std::uint32_t(song.sampleRate), keep(texts),
                        std::int8_t(song.format)});
+    if (m_keepsStates)
+        m_states.push_back(song.state);
     m_keys.append(isByTitle ? song.title : SongLikeness::artistAndTitle(song.artist, song.title));
     m_keys.back().squeeze();
     m_durations.append(song.milliseconds);
@@ -52,6 +54,8 @@ SongFile SongList::at(int position) const
     song.bitRate = facts.bitRate;
     song.sampleRate = facts.sampleRate;
     song.format = facts.format;
+    if (m_keepsStates)
+        song.state = m_states[std::size_t(position)];
     return song;
 }
 

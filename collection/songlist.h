@@ -17,11 +17,12 @@ public:
     /// By what songs are compared.
     enum class By { TitleAndDuration, ArtistAndTitle };
 
-    explicit SongList(By by) : m_by(by) {}
+    /// Keeping the states of files takes 120 bytes more for each song.
+    explicit SongList(By by, bool keepsStates = false) : m_by(by), m_keepsStates(keepsStates) {}
 
     void add(const SongFile& song);
     int size() const { return int(m_facts.size()); }
-    /// What the list keeps of a song: all but album, genre, year, track and cover.
+    /// What the list keeps of a song: all but album, genre, year, track, cover and, unless wanted, state.
     SongFile at(int position) const;
     /// The groups of duplicates as positions (Classification).
     QVector<QVector<int>> groups() const;
@@ -39,8 +40,10 @@ private:
     const char* keep(const std::string& texts);
 
     const By m_by;
+    const bool m_keepsStates;
     std::vector<Facts> m_facts;
-    QStringList m_keys; ///< titles, or artists and titles
+    std::vector<FileState> m_states; ///< where they are kept
+    QStringList m_keys;              ///< titles, or artists and titles
     QList<quint64> m_durations;
     std::deque<std::string> m_blocks; ///< of texts; they never move
 };

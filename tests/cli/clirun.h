@@ -37,7 +37,7 @@ public:
     Answer ask(const QStringList& arguments, const QByteArray& input = QByteArray()) const
     {
         ProgramRun run;
-        run.process.setWorkingDirectory(m_files.path());
+        prepare(run);
         run.start(program(), arguments);
         run.process.write(input);
         run.process.closeWriteChannel();
@@ -45,6 +45,13 @@ public:
             return {-1, run.process.readAllStandardOutput(), run.process.readAllStandardError()};
         return {run.process.exitCode(), run.process.readAllStandardOutput(),
                 run.process.readAllStandardError()};
+    }
+    /// Has the run work in the folder, with a home that all runs share, and what lies there.
+    void prepare(ProgramRun& run) const
+    {
+        run.process.setWorkingDirectory(m_files.path());
+        run.set(QStringLiteral("HOME"), path(QStringLiteral("home")));
+        run.unset(QStringLiteral("XDG_STATE_HOME"));
     }
     /// The built program, which lies beside the tests.
     static QString program()

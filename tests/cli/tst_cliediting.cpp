@@ -50,7 +50,9 @@ void TestCliEditing::fieldsAreSetAndCleared()
     const CliRun::Answer answer = m_run->ask({"tag", "--title", "Täxt", "--artist=-x", "--year", "1999",
                                               "--track", "12", "--clear", "genre,album", song});
     QVERIFY2(answer.code == 0, answer.errors);
-    QCOMPARE(answer.errors, QByteArray("melodrift-cli: 1 song saved\n"));
+    QCOMPARE(answer.errors, QByteArray("melodrift-cli: 1 song saved; melodrift-cli undo 1 takes it back\n"));
+    QCOMPARE(m_run->ask({"tag", "--title", "Täxt", song}).errors,
+             QByteArray("melodrift-cli: 0 songs saved, 1 as wanted before\n"));
     QHash<int, QString> texts = AudioFile::read(song).texts;
     QCOMPARE(texts.take(TAG_TITLE), QString("Täxt"));
     QCOMPARE(texts.take(TAG_ARTIST), QString("-x"));
@@ -111,9 +113,8 @@ void TestCliEditing::whatFailsIsNamedAndTheRestIsSaved()
     QCOMPARE(document["counts"].toObject()["failed"].toInt(), 3);
     QCOMPARE(textsOf("01 Two.mp3").value(TAG_TITLE), QString("Two"));
     QCOMPARE(textsOf("a.mp3").value(TAG_TITLE), QString("Halo"));
-    QCOMPARE(
-        m_run->ask({"tag", "--title", "x", "gone.mp3"}).errors,
-        QByteArray("melodrift-cli: gone.mp3: No such file or directory\nmelodrift-cli: 0 songs saved\n"));
+    QCOMPARE(m_run->ask({"tag", "--title", "x", "gone.mp3"}).errors,
+             QByteArray("melodrift-cli: gone.mp3: the file is gone\nmelodrift-cli: 0 songs saved\n"));
 }
 
 void TestCliEditing::filesComeFromAListToo()

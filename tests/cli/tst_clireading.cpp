@@ -1,10 +1,8 @@
 // What scan, undefined and show say of a collection.
 #include "clirun.h"
 
-#ifdef Q_OS_UNIX
 #include <csignal>
 #include <sys/stat.h>
-#endif
 
 class TestCliReading : public QObject
 {
@@ -29,10 +27,8 @@ private slots:
     void linksAreFollowedOnce();
     void quietSaysWhatFailedAlone();
     void twoRunsSayTheSame();
-#ifdef Q_OS_UNIX
     void anInterruptedRunEndsWithWhatItHas();
     void outputThatFindsNoRoomFails();
-#endif
 
 private:
     std::unique_ptr<CliRun> m_run;
@@ -155,9 +151,7 @@ void TestCliReading::whatCannotBeReadIsNamedAndTheRestIsRead()
 {
     m_run->addFile("m/empty.mp3", QByteArray());
     m_run->addFile("m/half.flac", "fLaC\x7F\xFF\xFF\xFF");
-#ifdef Q_OS_UNIX
     QCOMPARE(::mkfifo(QFile::encodeName(m_run->path("pipe.mp3")).constData(), 0600), 0);
-#endif
     QVERIFY(QFile::link(m_run->path("gone.mp3"), m_run->path("m/dangling.mp3")));
     const CliRun::Answer answer = m_run->ask({"undefined", "gone", "m", "pipe.mp3"});
     QCOMPARE(answer.code, 3);
@@ -269,7 +263,6 @@ void TestCliReading::twoRunsSayTheSame()
         QCOMPARE(m_run->ask({"undefined", "--ndjson", "m"}).output, first.output);
 }
 
-#ifdef Q_OS_UNIX
 void TestCliReading::anInterruptedRunEndsWithWhatItHas()
 {
     ProgramRun run;
@@ -306,7 +299,6 @@ void TestCliReading::outputThatFindsNoRoomFails()
     QCOMPARE(run.process.exitCode(), 3);
     QVERIFY(run.process.readAllStandardError().contains("output could not be written"));
 }
-#endif
 
 QTEST_GUILESS_MAIN(TestCliReading)
 #include "tst_clireading.moc"

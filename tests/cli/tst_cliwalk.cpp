@@ -62,7 +62,7 @@ void TestCliWalk::everyCommandSaysWhatThePageSays()
         ProgramRun shell;
         shell.set("PATH", programs + ':' + qEnvironmentVariable("PATH"));
         shell.set("LC_ALL", "C.UTF-8"); // the shell's names in one order
-        shell.process.setWorkingDirectory(run.path());
+        run.prepare(shell);
         shell.process.setProcessChannelMode(QProcess::MergedChannels);
         shell.start("sh", {"-c", step.command});
         QVERIFY(shell.process.waitForFinished(patience));

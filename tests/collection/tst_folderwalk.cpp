@@ -1,21 +1,18 @@
 // What the walk does beyond that of the window, which tst_filecollection shows.
 #include "collection/folderwalk.h"
+#include "ownmount.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#ifdef Q_OS_UNIX
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#endif
 
 namespace {
-#ifdef Q_OS_UNIX
 constexpr uid_t ordinaryUser = 65534;
-#endif
 
 class Notes final : public FolderWalk::Visitor
 {
@@ -49,9 +46,8 @@ private slots:
     void whatIsExcludedIsNotEntered();
     void severalWalksEnterAFolderOnce();
     void aFolderThatCannotBeReadIsTold();
-#ifdef Q_OS_UNIX
     void whatCannotBeWrittenIsToldOrTaken();
-#endif
+    void anotherFileSystemIsEnteredByTheRule();
     void theEndIsAskedForAtEachFile();
     void slashesAtTheEndAreNoMatter();
 
@@ -164,7 +160,6 @@ void TestFolderWalk::aFolderThatCannotBeReadIsTold()
     QVERIFY2(notes.failures.first().startsWith(m_root + "gone: "), notes.failures.first());
 }
 
-#ifdef Q_OS_UNIX
 void TestFolderWalk::whatCannotBeWrittenIsToldOrTaken()
 {
     make("open.mp3");
@@ -195,7 +190,28 @@ void TestFolderWalk::whatCannotBeWrittenIsToldOrTaken()
     QVERIFY(WIFEXITED(status));
     QCOMPARE(WEXITSTATUS(status), 0);
 }
-#endif
+
+void TestFolderWalk::anotherFileSystemIsEnteredByTheRule()
+{
+    make("a.mp3");
+    make("disk/hidden by it.mp3");
+    const std::string disk = (m_root + "disk").toStdString();
+    const int files =
+        withOwnMount([&disk] { return ::mount("tmpfs", disk.c_str(), "tmpfs", 0, nullptr) == 0; },
+                     [&] {
+                         make("disk/b.mp3");
+                         make("disk/deep/c.mp3");
+                         FolderWalk::Rules rules;
+                         const int all = found(rules).size();
+                         rules.oneFileSystem = true;
+                         Notes notes; // by itself the other one is taken
+                         FolderWalk(rules, notes).walk(disk);
+                         return all * 10 + found(rules).size() + (notes.files.size() == 2 ? 5 : 0);
+                     });
+    if (files < 0)
+        QSKIP("this user may mount nothing");
+    QCOMPARE(files, 36);
+}
 
 void TestFolderWalk::theEndIsAskedForAtEachFile()
 {

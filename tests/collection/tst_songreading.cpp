@@ -1,8 +1,8 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
+#include "collection/coretags.h"
 #include "collection/songlist.h"
 #include "collection/songreading.h"
-#include "collection/tagedit.h"
 #include "fixtures.h"
 
 #include <QDir>
@@ -86,9 +86,9 @@ void TestSongReading::aNameThatIsNoTextIsRead()
     const QByteArray odd = path + "\xFF\xC3.mp3";
     QCOMPARE(std::rename(path.constData(), odd.constData()), 0);
     const SongFile song = SongFileReader().read(odd.toStdString());
-    TagEdit edit;
-    edit.texts[TAG_TITLE] = "Other";
-    const QString whyNot = edit.save(odd.toStdString());
+    TagTexts edit;
+    edit.texts["title"] = "Other";
+    const QString whyNot = CoreTags().write(odd.toStdString(), edit);
     const SongFile edited = SongFileReader().read(odd.toStdString());
     QCOMPARE(std::remove(odd.constData()), 0);
     QCOMPARE(song.title, QString("Halo"));
@@ -182,31 +182,36 @@ void TestSongReading::theListKeepsWhatGroupsShow()
 void TestSongReading::anEditChangesWhatItNames()
 {
     const QByteArray path = songAt("edited");
-    TagEdit edit;
-    edit.texts[TAG_TITLE] = "Täxt";
-    edit.texts[TAG_GENRE] = QString();
-    QCOMPARE(edit.save(path.toStdString()), QString());
-    SongFile song = SongFileReader().read(path.toStdString());
-    QCOMPARE(song.title, QString("Täxt"));
-    QCOMPARE(song.genre, QString());
-    QCOMPARE(song.artist, QString("Zoé"));
-    QCOMPARE(song.track, 3);
-    QCOMPARE(CoverFile::read(path.toStdString()), m_cover);
-    edit = TagEdit();
-    edit.cover = Fixtures::jpeg(50, 50, 2);
-    QCOMPARE(edit.save(path.toStdString()), QString());
-    QCOMPARE(CoverFile::read(path.toStdString()), *edit.cover);
-    edit.cover = QByteArray();
-    QCOMPARE(edit.save(path.toStdString()), QString());
-    QVERIFY(CoverFile::read(path.toStdString()).isEmpty());
-    QCOMPARE(SongFileReader().read(path.toStdString()).title, QString("Täxt"));
+    const std::string file = path.toStdString();
+    CoreTags tags;
+    TagTexts held;
+    TagTexts edit;
+    edit.texts["title"] = "Täxt";
+    edit.texts["genre"] = QString();
+    QCOMPARE(tags.write(file, edit), QString());
+    QCOMPARE(tags.read(file, held), QString());
+    QCOMPARE(
+        held.texts,
+        (QMap<QString, QString>{
+            {"title", "Täxt"}, {"artist", "Zoé"}, {"album", "First"}, {"year", "2004"}, {"track", "3"}}));
+    QCOMPARE(held.picture.value_or("none"), m_cover);
+    edit = TagTexts();
+    edit.picture = Fixtures::jpeg(50, 50, 2);
+    QCOMPARE(tags.write(file, edit), QString());
+    QCOMPARE(tags.read(file, held), QString());
+    QCOMPARE(held.picture.value_or("none"), *edit.picture);
+    edit.picture = QByteArray();
+    QCOMPARE(tags.write(file, edit), QString());
+    QCOMPARE(tags.read(file, held), QString());
+    QVERIFY(!held.picture);
+    QCOMPARE(held.texts.size(), 5);
 }
 
 void TestSongReading::anEditThatFailsSaysWhy()
 {
-    TagEdit edit;
-    edit.texts[TAG_TITLE] = "x";
-    QCOMPARE(edit.save("/nowhere/x.mp3"), QString("No such file or directory"));
+    TagTexts texts;
+    QCOMPARE(CoreTags().write("/nowhere/x.mp3", texts), QString("No such file or directory"));
+    QCOMPARE(CoreTags().read("/nowhere/x.mp3", texts), QString("No such file or directory"));
     AudioFile::takeLog();
 }
 

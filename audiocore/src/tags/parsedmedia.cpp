@@ -25,15 +25,19 @@ struct LastReading
 /// there for calls from exit handlers, too, when what ends with the thread has ended.
 thread_local LastReading* threadsReading = nullptr;
 
+struct EndOfThread
+{
+    bool isAwaited = false;
+    ~EndOfThread() { delete std::exchange(threadsReading, nullptr); }
+};
+thread_local EndOfThread endOfThread;
+
 LastReading& lastReading()
 {
-    struct EndsWithThread
-    {
-        ~EndsWithThread() { delete std::exchange(threadsReading, nullptr); }
-    };
-    thread_local const EndsWithThread end;
-    if (!threadsReading)
+    if (!threadsReading) {
+        endOfThread.isAwaited = true;
         threadsReading = new LastReading;
+    }
     return *threadsReading;
 }
 
