@@ -10,7 +10,7 @@
 #include <QToolTip>
 
 namespace {
-constexpr int margin = 12; // at both ends
+constexpr int endMargin = 12; // at both ends
 constexpr int linkGap = 10;
 constexpr qreal markRadius = 6;
 constexpr int markWidth = 19; // with the gap to the text
@@ -100,12 +100,12 @@ QVector<TextLink*> FootLine::shownLinks() const
 
 int FootLine::textLeft() const
 {
-    return margin + (m_told.failed ? markWidth : 0);
+    return endMargin + (m_told.failed ? markWidth : 0);
 }
 
 void FootLine::place()
 {
-    int room = width() - textLeft() - margin;
+    int room = width() - textLeft() - endMargin;
     const QVector<TextLink*> links = shownLinks();
     for (const TextLink* link : links)
         room -= linkGap + link->sizeHint().width();
@@ -145,7 +145,7 @@ void FootLine::paintEvent(QPaintEvent*)
         return;
     QPainter painter(this);
     if (m_told.failed)
-        paintMark(painter, QPointF(margin + markRadius, height() / 2.0));
+        paintMark(painter, QPointF(endMargin + markRadius, height() / 2.0));
     painter.setPen(Style::text);
     painter.setLayoutDirection(Qt::LeftToRight);
     painter.drawText(rect().adjusted(textLeft(), 0, 0, 0), Qt::AlignVCenter | Qt::TextSingleLine, m_shown);
