@@ -8,7 +8,7 @@
 #include <thread>
 
 namespace {
-constexpr char work[] = "looking for the music library";
+constexpr char lookWork[] = "looking for the music library";
 constexpr std::chrono::milliseconds blink(100);
 } // namespace
 
@@ -48,7 +48,7 @@ void LibraryLook::begin()
     m_awaited->receiver = this;
     const auto look = [answer = m_awaited, search = LibrarySight::search()] {
         LibrarySight sight;
-        Workers::finish(work, [&] { sight = search(); });
+        Workers::finish(lookWork, [&] { sight = search(); });
         const std::lock_guard<std::mutex> lock(answer->mutex);
         if (LibraryLook* const receiver = answer->receiver)
             QMetaObject::invokeMethod(
@@ -57,7 +57,7 @@ void LibraryLook::begin()
         answer->isGiven = true;
         answer->given.notify_all();
     };
-    if (!Workers::finish(work, [&] { std::thread(look).detach(); }))
+    if (!Workers::finish(lookWork, [&] { std::thread(look).detach(); }))
         look();
 }
 
