@@ -1,5 +1,7 @@
 #include "base/log.h"
 
+#include "base/text.h"
+
 #include <atomic>
 #include <cstdio>
 #include <new>
@@ -20,7 +22,8 @@ void base::setLogSink(LogSink newSink)
 
 void base::logLine(const std::string& path, const std::string& reason)
 {
-    sink.load()((path + ": " + reason).c_str());
+    // A name may be no text, and the line is one.
+    sink.load()((shownName(path) + ": " + reason).c_str());
 }
 
 void base::logFailure(const std::string& path, const char* reason, const char* fault) noexcept

@@ -56,6 +56,9 @@ bool syncBytesToDevice(std::FILE* file);
 /// Takes the file for this process as long as it is open; false when another process has it.
 bool lockFile(std::FILE* file);
 
+/// Whether this user may read or write what lies behind all links; else errno says why not.
+bool mayRead(const std::string& path);
+bool mayWrite(const std::string& path);
 /// The file behind all links; empty when there is none.
 std::string realPath(const std::string& path);
 void removeFile(const std::string& path);

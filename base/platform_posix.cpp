@@ -235,6 +235,16 @@ bool base::lockFile(std::FILE* file)
     return ::flock(::fileno(file), LOCK_EX | LOCK_NB) == 0;
 }
 
+bool base::mayRead(const std::string& path)
+{
+    return ::access(path.c_str(), R_OK) == 0;
+}
+
+bool base::mayWrite(const std::string& path)
+{
+    return ::access(path.c_str(), W_OK) == 0;
+}
+
 std::string base::realPath(const std::string& path)
 {
     const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);

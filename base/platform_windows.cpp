@@ -140,6 +140,16 @@ bool base::lockFile(std::FILE* file)
            0;
 }
 
+bool base::mayRead(const std::string& path)
+{
+    return ::_waccess(nativePath(path).c_str(), 4) == 0;
+}
+
+bool base::mayWrite(const std::string& path)
+{
+    return ::_waccess(nativePath(path).c_str(), 2) == 0;
+}
+
 std::string base::realPath(const std::string& path)
 {
     std::error_code failure;

@@ -3,6 +3,9 @@
 #include <algorithm>
 
 namespace {
+/// Behind this follow the numbers that stand for bytes of a name that is no text.
+constexpr char32_t strayBytes = 0xDC00;
+
 bool isDigit(char c)
 {
     return c >= '0' && c <= '9';
@@ -83,6 +86,38 @@ std::u32string base::toUtf32(const std::string& text)
         at += read.isCharacter() ? read.size : 1;
     }
     return out;
+}
+
+std::u32string base::nameToUtf32(const std::string& name)
+{
+    std::u32string out;
+    out.reserve(name.size());
+    for (std::size_t at = 0; at < name.size();) {
+        const Utf8Number read = utf8At(name, at);
+        out += read.isCharacter() ? read.number : strayBytes + static_cast<unsigned char>(name[at]);
+        at += read.isCharacter() ? read.size : 1;
+    }
+    return out;
+}
+
+std::optional<std::string> base::nameFromUtf32(const std::u32string& text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (const char32_t c : text) {
+        if (c >= strayBytes + 0x80 && c <= strayBytes + 0xFF)
+            out += char(c - strayBytes);
+        else if (isCharacter(c))
+            appendUtf8(out, c);
+        else
+            return std::nullopt;
+    }
+    return out;
+}
+
+std::string base::shownName(const std::string& name)
+{
+    return toUtf8(toUtf32(name)).value_or(std::string());
 }
 
 std::string base::yearOf(const std::string& date)

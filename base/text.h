@@ -76,6 +76,14 @@ std::optional<std::string> toUtf8(const std::u32string& text);
 /// UTF-8 to UTF-32; what is no UTF-8 becomes U+FFFD.
 std::u32string toUtf32(const std::string& text);
 
+/// A file's name as an interface of UTF-32 has it: a byte that is no UTF-8 is U+DC80 to U+DCFF, which are no
+/// characters. Every name has one such text and comes back from it.
+std::u32string nameToUtf32(const std::string& name);
+/// The bytes of such a name; nothing when the text holds another number that is no character.
+std::optional<std::string> nameFromUtf32(const std::u32string& text);
+/// The same as text for people: what is no UTF-8 becomes U+FFFD.
+std::string shownName(const std::string& name);
+
 /// The year of whatever date the text holds: its four digits, or up to three that are all of the text.
 /// Without leading zeros; empty when there is none and for 0.
 std::string yearOf(const std::string& date);

@@ -14,7 +14,8 @@ if(MELODRIFT_SANITIZE)
 endif()
 
 # The programs of some ninety tests are linked twice over.
-if(UNIX AND NOT APPLE)
+option(MELODRIFT_LINK_FAST "Link with mold, lld or gold where there is one" ON)
+if(UNIX AND NOT APPLE AND MELODRIFT_LINK_FAST)
   include(CheckLinkerFlag)
   foreach(linker mold lld gold)
     check_linker_flag(CXX -fuse-ld=${linker} MELODRIFT_LINKS_WITH_${linker})
@@ -31,6 +32,9 @@ function(melodrift_is_of_tests name)
   set_property(TARGET ${name} PROPERTY MELODRIFT_OF_TESTS ON)
 endfunction()
 
+# Where all of the program lies once it is installed, as it does in a build: program, libraries, skin and help.
+set(MELODRIFT_INSTALL_FOLDER ${CMAKE_INSTALL_LIBDIR}/melodrift)
+
 # melodrift_lies_beside_the_program(NAME): a library that is loaded with the programs, or by them at its first use.
 function(melodrift_lies_beside_the_program name)
   set_target_properties(
@@ -41,7 +45,25 @@ function(melodrift_lies_beside_the_program name)
   )
   # Nothing steps in front of our own functions, whose calls need no way round for it.
   target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang>:-fno-semantic-interposition>)
-  set_property(TARGET ${name} PROPERTY BUILD_RPATH_USE_ORIGIN ON)
+  melodrift_install(${name})
+endfunction()
+
+# melodrift_install(NAME): a program or a library into the program's folder, where it finds the others.
+function(melodrift_install name)
+  set_target_properties(${name} PROPERTIES BUILD_RPATH_USE_ORIGIN ON INSTALL_RPATH $ORIGIN)
+  install(TARGETS ${name} RUNTIME DESTINATION ${MELODRIFT_INSTALL_FOLDER} LIBRARY DESTINATION ${MELODRIFT_INSTALL_FOLDER})
+endfunction()
+
+# melodrift_install_command(NAME): a program that is started by its name from anywhere. Its link leads to the program's
+# folder, since skin and libraries are looked for beside the file that runs.
+function(melodrift_install_command name)
+  melodrift_install(${name})
+  if(UNIX)
+    file(RELATIVE_PATH target ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/melodrift/${name})
+    file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/link)
+    file(CREATE_LINK ${target} ${CMAKE_CURRENT_BINARY_DIR}/link/${name} SYMBOLIC)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/link/${name} DESTINATION ${CMAKE_INSTALL_BINDIR})
+  endif()
 endfunction()
 
 # melodrift_precompile(NAME HEADERS ...): compiles them once for all sources of the target, where that is asked for. A

@@ -76,6 +76,15 @@ struct TitleChains
         }
     }
 
+    /// The song and all later ones of its title.
+    QVector<int> from(int song) const
+    {
+        QVector<int> songs;
+        for (int member = song; member != none; member = next[member])
+            songs.append(member);
+        return songs;
+    }
+
     std::vector<int> first; ///< of every song: the start of its chain, none without a title
     std::vector<int> next;  ///< of every song: the following one of the same title
     std::vector<int> last;  ///< of a start: the end of the chain
@@ -99,6 +108,21 @@ std::vector<char> findSharedDurations(const QList<quint64>& durations, int songs
 }
 } // namespace
 
+QStringList Classification::missingFields(const QString& title, const QString& artist, const QString& album,
+                                          const QString& genre)
+{
+    QStringList missing;
+    const auto look = [&missing](const QString& text, const char* name) {
+        if (text.isEmpty())
+            missing.append(QLatin1String(name));
+    };
+    look(title, "title");
+    look(artist, "artist");
+    look(album, "album");
+    look(genre, "genre");
+    return missing;
+}
+
 QVector<QVector<int>> Classification::groupDuplicates(const QStringList& titles,
                                                       const QList<quint64>& durations)
 {
@@ -115,10 +139,17 @@ QVector<QVector<int>> Classification::groupDuplicates(const QStringList& titles,
             continue;
         count = 0; // every later song of the title joins here, so none of them opens another group
         // Oddity 24: earlier songs were counted, but only later ones join; an opener can stay alone.
-        QVector<int> group;
-        for (int member = i; member != none; member = chains.next[member])
-            group.append(member);
-        groups.append(group);
+        groups.append(chains.from(i));
     }
+    return groups;
+}
+
+QVector<QVector<int>> Classification::groupEqual(const QStringList& texts)
+{
+    const TitleChains chains(texts, texts.size());
+    QVector<QVector<int>> groups;
+    for (int i = 0; i < texts.size(); ++i)
+        if (chains.first[i] == i && chains.count[i] > 1)
+            groups.append(chains.from(i));
     return groups;
 }

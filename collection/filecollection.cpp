@@ -1,20 +1,12 @@
 #include "collection/filecollection.h"
 
+#include "base/text.h"
+#include "collection/folderwalk.h"
 #include "collection/formats.h"
 
-#include <QDir>
-#include <QQueue>
-#include <QSet>
+#include <utility>
 
 namespace {
-QFileInfoList sortedEntries(const QString& folder)
-{
-    // Oddity 21: what the user cannot write is left out.
-    return QDir(folder).entryInfoList(QDir::Dirs | QDir::Files | QDir::Readable | QDir::Writable |
-                                          QDir::Hidden | QDir::NoDotAndDotDot,
-                                      QDir::Name);
-}
-
 void take(const QString& path, FileCollection::Found& files)
 {
     if (FileCollection::isMusicFile(path))
@@ -22,6 +14,29 @@ void take(const QString& path, FileCollection::Found& files)
     else if (Formats::isWindowsMediaEnding(path.right(3)))
         files.windowsMedia.append(path);
 }
+
+/// What cannot be read or written, or has no text for a name, is passed over.
+class Collector final : public FolderWalk::Visitor
+{
+public:
+    explicit Collector(std::function<bool(int found)> step) : m_step(std::move(step)) {}
+
+    void found(const std::string& path) override
+    {
+        if (base::isUtf8(path))
+            take(QString::fromStdString(path), files);
+    }
+    void failed(const std::string&, const std::string&) override {}
+    void leftOut(const std::string&) override {}
+    bool goesOn() override { return m_goesOn; }
+    void folderDone() override { m_goesOn = !m_step || m_step(files.music.size()); }
+
+    FileCollection::Found files;
+
+private:
+    const std::function<bool(int found)> m_step;
+    bool m_goesOn = true;
+};
 } // namespace
 
 bool FileCollection::isMusicFile(const QString& path)
@@ -37,28 +52,11 @@ QStringList FileCollection::musicFilesUnder(const QString& path, const std::func
 FileCollection::Found FileCollection::filesUnder(const QString& path,
                                                  const std::function<bool(int found)>& step)
 {
-    Found files;
-    const QFileInfo start(path);
-    if (!start.isDir()) {
-        take(path, files);
-        return files;
-    }
-    QQueue<QString> folders;
-    QSet<QString> walked{start.canonicalFilePath()};
-    folders.enqueue(path);
-    while (!folders.isEmpty()) {
-        for (const QFileInfo& entry : sortedEntries(folders.dequeue())) {
-            if (entry.isDir()) {
-                const int before = walked.size();
-                walked.insert(entry.canonicalFilePath());
-                if (walked.size() > before)
-                    folders.enqueue(entry.filePath());
-            } else {
-                take(entry.filePath(), files);
-            }
-        }
-        if (step && !step(files.music.size()))
-            break;
-    }
-    return files;
+    const std::string start = path.toStdString();
+    Collector collector(step);
+    if (FolderWalk::isFolder(start))
+        FolderWalk({}, collector).walk(start);
+    else
+        take(path, collector.files);
+    return collector.files;
 }

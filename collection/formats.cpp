@@ -1,7 +1,5 @@
 #include "collection/formats.h"
 
-#include <QStringList>
-
 #include <algorithm>
 #include <iterator>
 
@@ -54,6 +52,15 @@ QString Formats::namePatterns()
     for (const Format& format : formats)
         patterns.append(QLatin1String("*.") + QLatin1String(format.ending));
     return patterns.join(' ');
+}
+
+QStringList Formats::dropped()
+{
+    QStringList names;
+    for (const Format& format : formats)
+        if (!format.byNameAlone)
+            names.append(QLatin1String(format.listed));
+    return names;
 }
 
 QString Formats::nameOf(int formatCode)

@@ -1,23 +1,28 @@
 #include "centerwidget.h"
 
-#include "audiocore/iaudiotag.h"
+#include "centerchanges.h"
+#include "centerkeys.h"
 #include "common/style.h"
+#include "emptyviews.h"
 #include "intakedialogs.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
 #include "showngroup.h"
 #include "songviews.h"
 #include "ui_centerwidget.h"
+#include "viewinsight.h"
 #include "views/songcells.h"
+#include "views/viewfocus.h"
 
 #include <QPainter>
-#include <QScrollBar>
 #include <QShortcut>
+
+#include <utility>
 
 CenterWidget::CenterWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
       m_deletion(this, SLOT(SlotAllMusicInfoAfterDeleting())),
-      m_adding(*this, m_localMusicList, m_tagList, [this] { return whyNoFiles(); })
+      m_adding(*this, m_songs.local(), m_songs.localTags(), [this] { return whyNoFiles(); })
 {
     ui->setupUi(this);
     setLayout(ui->m_layout);
@@ -34,7 +39,6 @@ CenterWidget::~CenterWidget()
     m_views->showSongs(nullptr);
     m_views->showGroups(nullptr, SongCells::columnModeDupTable);
     m_adding.intake().reader().forgetCovers();
-    qDeleteAll(m_localMusicList);
 }
 
 void CenterWidget::Init()
@@ -42,11 +46,10 @@ void CenterWidget::Init()
     ui->m_btnGridDisplay->setBtnImage(SkinPicture::path("button_preview_left.png"));
     ui->m_btnTableDisplay->setBtnImage(SkinPicture::path("button_preview_right.png"));
     ui->m_btnOpen->setBtnImage(SkinPicture::path("button_open.png"));
-    ui->m_btnGridDisplay->setEnabled(false);
     ui->m_btnOpen->hide();
     ui->m_backgroundImageWidget->SetImageBackgroud(SkinPicture::path("bg_right_nofile.png"), true);
     ui->m_musicDetailedWidget->hide();
-    ui->m_dupMusicDetailedWidget->setGroups(&m_classification.groups());
+    ui->m_dupMusicDetailedWidget->setGroups(&m_songs.groups());
     ui->m_dupMusicDetailedWidget->hide();
     m_openShortcut =
         new QShortcut(QKeySequence::Open, this, SLOT(OnBtnOpenFile()), nullptr, Qt::WindowShortcut);
@@ -60,12 +63,22 @@ void CenterWidget::Init()
 
 void CenterWidget::InitView()
 {
+    DuplicateMusicDetailedWidget& rows = *ui->m_dupMusicDetailedWidget;
+    MusicDetailedInfoWidget& details = *ui->m_musicDetailedWidget;
     m_views = new SongViews(
         {ui->m_allMusicListView, ui->m_allMusicTableView, ui->m_dupMusicListView, ui->m_dupMusicTableView},
-        m_pAllMusicList, &m_classification.groups(), this);
-    m_shownGroup = std::make_unique<ShownGroup>(*ui->m_dupMusicDetailedWidget, *m_views, m_classification);
-    m_pCurrentView = ui->m_allMusicListView;
-    ui->m_findStrip->setViews(*m_views);
+        &m_songs.all(), &m_songs.groups(), this);
+    m_shownGroup = std::make_unique<ShownGroup>(rows, *m_views, m_songs.classification());
+    // The local mode without a song keeps its drop zone in sight; otherwise the view lies above it.
+    m_inSight = std::make_unique<ViewInSight>(
+        *m_views, ViewInSight::Buttons{*ui->m_btnGridDisplay, *ui->m_btnTableDisplay, *ui->m_btnOpen},
+        [this] { return QIOrvoUtil::m_cleanMode && m_songs.local().isEmpty(); }, this);
+    m_empty = new EmptyViews({*m_views, m_songs, *m_inSight}, this);
+    m_keys = new CenterKeys({*m_views, *m_shownGroup, details, rows, m_inSight->focus()}, this);
+    m_changes = new CenterChanges(
+        {m_songs, *m_views, *m_inSight, *m_shownGroup, details, rows, m_deletion, m_foot}, this);
+    connect(m_empty, &EmptyViews::libraryChosen, m_changes, &CenterChanges::clearClassification);
+    ui->m_findStrip->setViews(*m_views, m_inSight->focus());
 }
 
 void CenterWidget::InitConnect()
@@ -77,6 +90,21 @@ void CenterWidget::InitConnect()
                           SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
     m_views->connectGroups(this, SLOT(SlotClickDupMusicIndex(QModelIndex)),
                            SLOT(SlotDoubleClickDupMusicIndex(QModelIndex)));
+    connect(m_keys, &CenterKeys::navigationChosen, this, &CenterWidget::emitChooseRow);
+    connect(m_keys, &CenterKeys::displaySwitched, this, [this] { m_inSight->showAs(!m_inSight->isGrid()); });
+    connect(&m_adding.intake(), SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
+    connect(&m_adding, &FileAdding::finished, this, &CenterWidget::emitIntakeFinished);
+    connect(&m_adding, &FileAdding::pathsTaken, this, &CenterWidget::emitSetNavigViewBtn);
+    connect(&m_adding, &FileAdding::scanWanted, this, &CenterWidget::SlotScanAddedFiles);
+    connect(m_changes, &CenterChanges::undefinedCounted, this, &CenterWidget::emitUndefinedMusicCount);
+    connect(m_changes, &CenterChanges::groupsCounted, this, &CenterWidget::emitDuplicateMusicCount);
+    connect(m_changes, &CenterChanges::counted, this, &CenterWidget::emitMusicCount);
+    connectPanels();
+    connectFoot();
+}
+
+void CenterWidget::connectPanels()
+{
     QWidget* const details = ui->m_musicDetailedWidget;
     QWidget* const groups = ui->m_dupMusicDetailedWidget;
     connect(details, SIGNAL(emitMusicInfoHasChanged()), this, SLOT(SlotMusicInfoHaveBeEdited()));
@@ -88,62 +116,62 @@ void CenterWidget::InitConnect()
     connect(this, SIGNAL(emitDuplicateMusicCount(int)), groups, SLOT(SlotSetDeleteBtn(int)));
     connect(this, SIGNAL(emitStartToPlayMusic(QMusicInfo*)), groups,
             SLOT(SlotBeginToPlayTableViewMusic(QMusicInfo*)));
-    connect(&m_adding.intake(), SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
-    connect(&m_adding, &FileAdding::finished, this, &CenterWidget::emitIntakeFinished);
-    connect(&m_adding, &FileAdding::pathsTaken, this, &CenterWidget::emitSetNavigViewBtn);
-    connect(&m_adding, &FileAdding::scanWanted, this, &CenterWidget::SlotScanAddedFiles);
+    connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitGroupCleared, m_changes,
+            &CenterChanges::groupCleared);
+    connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitEditedAgain, m_changes,
+            &CenterChanges::editedAgain);
+}
+
+void CenterWidget::connectFoot()
+{
+    connect(m_keys, &CenterKeys::told, &m_foot, &CenterFoot::tell);
     connect(&m_adding, &FileAdding::told, &m_foot, &CenterFoot::tell);
-    connect(&m_foot, &CenterFoot::told, this, &CenterWidget::emitTold);
-    connect(&m_foot, &CenterFoot::undoOffered, this, &CenterWidget::emitUndoOffered);
-    connect(&m_foot, &CenterFoot::undoChosen, this, &CenterWidget::SlotUndo);
-    connect(&m_foot, &CenterFoot::undone, this, &CenterWidget::showAfterUndo);
-    connect(&m_foot, &CenterFoot::groupChosen, this, &CenterWidget::showGroup);
     connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitTold, this, &CenterWidget::emitTold);
     connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitTold, this,
             &CenterWidget::emitTold);
-    connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitGroupCleared, this,
-            &CenterWidget::SlotGroupCleared);
-    connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitEditedAgain, this,
-            &CenterWidget::SlotEditedAgain);
+    connect(&m_foot, &CenterFoot::told, this, &CenterWidget::emitTold);
+    connect(&m_foot, &CenterFoot::undoOffered, this, &CenterWidget::emitUndoOffered);
+    connect(&m_foot, &CenterFoot::undoChosen, this, &CenterWidget::SlotUndo);
+    connect(&m_foot, &CenterFoot::groupChosen, this, &CenterWidget::showGroup);
 }
 
-void CenterWidget::switchView()
+QWidget* CenterWidget::viewFocus() const
 {
-    m_pCurrentView->hide();
-    m_pCurrentView = m_views->choose(m_nViewKind == ViewDuplicates, m_bGridMode);
-    showCurrentView();
+    return &m_inSight->focus();
 }
 
-/// The local mode without a song keeps its drop zone in sight; otherwise the view lies above it.
-void CenterWidget::showCurrentView()
+void CenterWidget::ShowWidget()
 {
-    const bool dropZone = QIOrvoUtil::m_cleanMode && m_localMusicList.isEmpty();
-    m_pCurrentView->setVisible(!dropZone);
-    ui->m_btnOpen->lower();
-    ui->m_btnOpen->setFocusPolicy(dropZone ? Qt::StrongFocus : Qt::NoFocus);
+    m_inSight->show(m_inSight->kind());
 }
 
-void CenterWidget::display(bool grid)
+void CenterWidget::OnBtnGridView()
 {
-    m_bGridMode = grid;
-    ui->m_btnGridDisplay->setEnabled(!grid);
-    ui->m_btnTableDisplay->setEnabled(grid);
-    switchView();
+    m_inSight->showAs(true);
+}
+
+void CenterWidget::OnBtnTableView()
+{
+    m_inSight->showAs(false);
+}
+
+void CenterWidget::slotShowAllmusicView()
+{
+    m_views->showSongs(&m_songs.all());
+    m_inSight->show(ViewInSight::Kind::All);
 }
 
 void CenterWidget::slotShowUndefineMusicView()
 {
-    m_views->showSongs(&m_classification.undefinedSongs());
-    m_nViewKind = ViewUndefined;
-    switchView();
+    m_views->showSongs(&m_songs.undefined());
+    m_inSight->show(ViewInSight::Kind::Undefined);
 }
 
 void CenterWidget::slotShowDuplicateMusicView()
 {
     // Oddity 27: the model shows the same seven columns for 6 as for 7.
-    m_views->showGroups(&m_classification.groups(), SongCells::columnModeTable);
-    m_nViewKind = ViewDuplicates;
-    switchView();
+    m_views->showGroups(&m_songs.groups(), SongCells::columnModeTable);
+    m_inSight->show(ViewInSight::Kind::Duplicates);
 }
 
 void CenterWidget::showCoversAnew()
@@ -154,17 +182,19 @@ void CenterWidget::showCoversAnew()
 void CenterWidget::SlotClickAllMusicIndex(const QModelIndex& index)
 {
     if (m_bForbidClick) {
-        selectShownSong(); // the view has moved its mark by itself
+        m_changes->markShownSong(); // the view has moved its mark by itself
         return;
     }
     QMusicInfo* const song = SongViews::songOf(index);
-    m_nCurrentRow = m_views->selectSong(song);
+    m_views->selectSong(song);
     ui->m_musicDetailedWidget->SetMusicDetailedInfo(song);
 }
 
 void CenterWidget::SlotClickDupMusicIndex(const QModelIndex& index)
 {
     // Oddity 33: not kept from clicking, unlike the list of songs.
+    ui->m_musicDetailedWidget->leave(); // a song of the former group may be edited
+    ui->m_musicDetailedWidget->hide();
     m_shownGroup->show(index);
 }
 
@@ -190,7 +220,7 @@ void CenterWidget::SlotHiddenMusicDetailedWidget()
 
 void CenterWidget::enterMode(bool local)
 {
-    m_pCurrentView->setVisible(!local);
+    m_inSight->setVisible(!local);
     ui->m_btnOpen->setVisible(local);
     ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
     SlotHiddenMusicDetailedWidget();
@@ -200,22 +230,21 @@ void CenterWidget::enterMode(bool local)
     m_openShortcut->setEnabled(local);
     QIOrvoUtil::m_cleanMode = local;
     m_bLeavingMode = false;
+    m_empty->update();
     update();
 }
 
 void CenterWidget::ClearSelectedWidget()
 {
     emit emitTold(FootText()); // the songs that it may be about go
-    const QList<QMusicInfo*> songs = std::exchange(m_localMusicList, {});
-    clearClassification();
+    const QList<QMusicInfo*> songs = std::exchange(m_songs.local(), {});
+    m_changes->clearClassification();
     // Neither mode shows the other's songs: whatever was listed before, the emptied list is.
-    m_pAllMusicList = &m_localMusicList;
-    m_views->showSongs(m_pAllMusicList);
-    m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
+    m_songs.useLocal();
+    m_views->showSongs(&m_songs.all());
+    m_views->showGroups(&m_songs.groups(), SongCells::columnModeDupTable);
     ui->m_musicDetailedWidget->SetMusicDetailedInfo(nullptr);
-    for (IAudioTag* tag : std::exchange(m_tagList, {}))
-        if (tag)
-            tag->Close();
+    m_songs.closeLocalTags();
     m_adding.intake().reader().forgetCovers();
     qDeleteAll(songs);
     // No panel shows one any more.
@@ -224,20 +253,11 @@ void CenterWidget::ClearSelectedWidget()
 
 void CenterWidget::setMusicInfoList(QList<QMusicInfo*>* list)
 {
-    clearClassification();
-    m_pAllMusicList = list;
+    m_changes->clearClassification();
+    m_songs.use(*list);
     slotShowAllmusicView();
-    classify();
-}
-
-void CenterWidget::classify()
-{
-    m_classification.collect(*m_pAllMusicList);
-    emit emitUndefinedMusicCount(m_classification.undefinedSongs().size());
-    m_shownGroup->forget();
-    m_classification.group();
-    m_views->groupsChanged();
-    emit emitDuplicateMusicCount(m_classification.groups().size());
+    m_changes->classify();
+    m_changes->logCounts();
 }
 
 void CenterWidget::ScanLocalMusic()
@@ -248,144 +268,50 @@ void CenterWidget::ScanLocalMusic()
 
 void CenterWidget::setLocalMusicInfo()
 {
-    clearClassification();
+    m_changes->clearClassification();
     if (m_adding.hasAdded())
-        m_pAllMusicList = &m_localMusicList;
-    if (m_pAllMusicList->isEmpty()) {
+        m_songs.useLocal();
+    if (m_songs.all().isEmpty()) {
         IntakeDialogs::askForFiles();
         return;
     }
     slotShowAllmusicView();
-    m_classification.collect(*m_pAllMusicList);
-    m_classification.group();
-    m_views->showGroups(&m_classification.groups(), SongCells::columnModeDupTable);
-    qInfo("songs: %d, undefined: %d, duplicate groups: %d", m_pAllMusicList->size(),
-          m_classification.undefinedSongs().size(), m_classification.groups().size());
-    emitCounts();
+    m_changes->classifyLocal();
     emit emitFinishScanninglocalMusic();
 }
 
 void CenterWidget::SlotMusicInfoHaveBeEdited()
 {
-    const int scrolled = m_pCurrentView->verticalScrollBar()->value();
-    m_views->forgetTexts();
-    m_views->refreshSongs();
-    classify();
-    if (m_nViewKind == ViewUndefined)
-        m_views->showSongs(&m_classification.undefinedSongs());
-    selectShownSong();
-    m_pCurrentView->verticalScrollBar()->setValue(scrolled);
-    m_foot.offerUndo();
+    m_changes->edited();
 }
 
-/// Models that were reset have forgotten it.
-void CenterWidget::selectShownSong()
+void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
 {
-    m_nCurrentRow = m_views->selectSong(ui->m_musicDetailedWidget->song());
+    m_changes->remove(song);
 }
 
-SongLists CenterWidget::songLists()
+void CenterWidget::SlotDeleteAllDupMusic()
 {
-    return {m_pAllMusicList, &m_classification.groups(), &m_classification.undefinedSongs(), &m_tagList};
+    m_changes->clearAll();
 }
 
-void CenterWidget::SlotEditedAgain()
+void CenterWidget::SlotAllMusicInfoAfterDeleting()
 {
-    ui->m_dupMusicDetailedWidget->hide();
-    selectShownSong();
-}
-
-void CenterWidget::SlotGroupCleared()
-{
-    m_views->forgetTexts();
-    m_views->groupsChanged();
-    m_shownGroup->markOrHide();
-    m_foot.tellOfDeletion(ui->m_dupMusicDetailedWidget->takeTally(), m_shownGroup->next());
-}
-
-void CenterWidget::showGroup(int row)
-{
-    if (row >= m_classification.groups().size())
-        return;
-    emit emitChooseDuplicates();
-    m_shownGroup->show(row);
+    m_changes->allCleared();
 }
 
 void CenterWidget::SlotUndo()
 {
     if (!ListsAreInUse())
-        m_foot.takeBack(songLists(), *window());
+        m_changes->takeBack();
 }
 
-/// The view in force stays. Of groups the one is shown that songs came back to, else the one shown before.
-void CenterWidget::showAfterUndo(const SongUndo::Undone& undone)
+void CenterWidget::showGroup(int row)
 {
-    const QList<QMusicInfo*> kept = m_shownGroup->keptSongs();
-    if (undone.edited && undone.edited == ui->m_musicDetailedWidget->song())
-        ui->m_musicDetailedWidget->showAnew();
-    SlotMusicInfoHaveBeEdited();
-    m_views->refreshGroups();
-    showCurrentView();
-    emitCounts();
-    if (m_nViewKind == ViewDuplicates)
-        m_shownGroup->show(undone.returned.isEmpty() ? kept : undone.returned, kept);
-}
-
-void CenterWidget::SlotDeleteMupMusicWasSelected(QMusicInfo* song)
-{
-    DupMusicInfo* const group = m_classification.groups().value(int(m_shownGroup->row()));
-    if (const auto removed = SongRemoval::removeOne(songLists(), song, m_shownGroup->row(),
-                                                    ui->m_dupMusicDetailedWidget->keptFiles(),
-                                                    ui->m_dupMusicDetailedWidget->fileRemoval()))
-        m_foot.undo().songsLeft({*removed});
-    m_views->leave(song, m_classification.groups().contains(group) ? nullptr : group);
-    m_nViewKind = ViewDuplicates;
-    switchView();
-    m_shownGroup->markAnew();
-    emitCounts();
-    emit emitDuplicateMusicCount(m_classification.groups().size());
-}
-
-void CenterWidget::SlotDeleteAllDupMusic()
-{
-    m_views->setGroupsEnabled(false);
-    if (!m_deletion.run(songLists(), *window()))
-        SlotAllMusicInfoAfterDeleting();
-}
-
-void CenterWidget::SlotAllMusicInfoAfterDeleting()
-{
-    m_foot.undo().songsLeft(m_deletion.finish());
-    RemovalTally tally = ui->m_dupMusicDetailedWidget->takeTally();
-    tally.add(m_deletion.takeTally());
-    m_views->setGroupsEnabled(true);
-    m_shownGroup->forget();
-    m_views->forgetTexts();
-    m_views->refreshGroups();
-    m_views->refreshSongs();
-    emitCounts();
-    m_foot.tellOfDeletion(tally);
-}
-
-void CenterWidget::emitCounts()
-{
-    emit emitMusicCount(m_pAllMusicList->size(), m_classification.undefinedSongs().size(),
-                        m_classification.groups().size());
-}
-
-void CenterWidget::clearClassification()
-{
-    m_shownGroup->forget();
-    m_classification.clear();
-    m_views->forgetTexts();
-    m_views->groupsChanged();
-}
-
-void CenterWidget::slotShowAllmusicView()
-{
-    m_views->showSongs(m_pAllMusicList);
-    m_nViewKind = ViewAll;
-    switchView();
+    if (row >= m_songs.groups().size())
+        return;
+    emit emitChooseDuplicates();
+    m_shownGroup->show(row);
 }
 
 void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
@@ -409,7 +335,7 @@ QString CenterWidget::whyNoFiles() const
 
 void CenterWidget::SlotScanAddedFiles()
 {
-    showCurrentView();
+    m_inSight->showAnew();
     ui->m_btnOpen->show();
     setLocalMusicInfo();
 }
@@ -432,4 +358,6 @@ void CenterWidget::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     DropZone::placeButton(*ui->m_btnOpen, size());
+    const int top = ui->horizontalLayout_2->geometry().bottom() + 1;
+    m_empty->setPlace({0, top, ui->verticalLayoutWidget->x(), height() - top});
 }

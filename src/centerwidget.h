@@ -5,8 +5,7 @@
 #include "dropzone.h"
 #include "fileadding.h"
 #include "groupdeletion.h"
-#include "songs/songclassification.h"
-#include "songs/songundo.h"
+#include "songs/modesongs.h"
 
 #include <QList>
 #include <QStringList>
@@ -14,20 +13,23 @@
 
 #include <memory>
 
-class IAudioTag;
-class QAbstractItemView;
+class CenterChanges;
+class CenterKeys;
+class EmptyViews;
 class QModelIndex;
 class QShortcut;
 class ShownGroup;
 class SongViews;
+class ViewInSight;
 struct QMusicInfo;
 
 namespace Ui {
 class CenterWidget;
 }
 
-/// The content area: the song lists of the mode in force, the four views on them, and the panels of one song
-/// and of one duplicate group. Takes local files in and classifies songs. GUI thread only.
+/// The content area: the songs of the mode in force, the four views on them, and the panels of one song and
+/// of one duplicate group. Joins what takes files in, what shows songs and what changes them. GUI thread
+/// only.
 class CenterWidget : public QWidget
 {
     Q_OBJECT
@@ -42,16 +44,16 @@ public:
     void setLocalMusicInfo();
     /// The same because the user asks for it: what was done before cannot be taken back any more.
     void ScanLocalMusic();
-    int ReturnUndefinedMusicCount() const { return m_classification.undefinedSongs().size(); }
+    int ReturnUndefinedMusicCount() const { return m_songs.classification().undefinedSongs().size(); }
     /// Oddity 11: the number of groups, not of songs.
-    int ReturnDuplicateMusicCount() const { return m_classification.groups().size(); }
+    int ReturnDuplicateMusicCount() const { return m_songs.classification().groups().size(); }
 
     /// From here to the next switch nothing is taken in: what came would go with the mode that is left.
     void PrepareModeSwitch() { m_bLeavingMode = true; }
     void SwitchToLocalCleanModel() { enterMode(true); }
     void SwitchToiTunesCleanModel() { enterMode(false); }
     void ClearSelectedWidget();
-    void ShowWidget() { switchView(); }
+    void ShowWidget();
     /// After cover files were written.
     void showCoversAnew();
 
@@ -67,6 +69,8 @@ public:
     {
         return m_adding.intake().isRunning() || m_deletion.isRunning() || m_foot.isTakingBack();
     }
+    /// What has the focus for the views.
+    QWidget* viewFocus() const;
     /// Ends a running intake for good, without its message; for when the window closes.
     void StopIntake() { m_adding.intake().stop(); }
 
@@ -90,10 +94,12 @@ signals:
     void emitUndoOffered(const FootText::Link& link);
     /// As a click on the row of duplicates in the navigation pane.
     void emitChooseDuplicates();
+    /// As a click on a row there, counted from the top.
+    void emitChooseRow(int row);
 
 public slots:
-    void OnBtnGridView() { display(true); }
-    void OnBtnTableView() { display(false); }
+    void OnBtnGridView();
+    void OnBtnTableView();
     void OnBtnOpenFile() { m_adding.choose(); }
     void DragMusicIntoLocalToAddFile(const QString& path) { m_adding.find(path); }
     void DragMusicIntoiTunes() {}
@@ -116,10 +122,7 @@ public slots:
     /// Reduces every group to its first song on a thread, while the user waits.
     void SlotDeleteAllDupMusic();
     void SlotAllMusicInfoAfterDeleting();
-    void SlotGroupCleared();
     void SlotScanAddedFiles();
-    /// The song of the panel is edited once more.
-    void SlotEditedAgain();
     /// Takes the newest change back, while nothing else is at the lists.
     void SlotUndo();
 
@@ -130,43 +133,29 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    enum ViewKind { ViewAll = 0, ViewDuplicates = 1, ViewUndefined = 2 };
-
     void Init();
     void InitView();
     void InitConnect();
+    void connectPanels();
+    void connectFoot();
 
     QString whyNoFiles() const;
-    void showAfterUndo(const SongUndo::Undone& undone);
     void showGroup(int row);
-
-    void display(bool grid);
-    void switchView();
-    void showCurrentView();
     void enterMode(bool local);
-
-    SongLists songLists();
-    void emitCounts();
-    void classify();
-    void clearClassification();
-    void selectShownSong();
 
     std::unique_ptr<Ui::CenterWidget> ui;
     DropZone m_dropZone;
 
-    int m_nViewKind = ViewAll;
-    int m_nCurrentRow = 0;
-    bool m_bGridMode = true;
     bool m_bForbidClick = false;
-    QAbstractItemView* m_pCurrentView = nullptr;
     SongViews* m_views = nullptr;
+    EmptyViews* m_empty = nullptr;
+    std::unique_ptr<ViewInSight> m_inSight;
     std::unique_ptr<ShownGroup> m_shownGroup;
+    CenterKeys* m_keys = nullptr;
+    CenterChanges* m_changes = nullptr;
     QShortcut* m_openShortcut = nullptr;
 
-    QList<QMusicInfo*> m_localMusicList;                     ///< owned
-    QList<IAudioTag*> m_tagList;                             ///< one per local song, same index
-    QList<QMusicInfo*>* m_pAllMusicList = &m_localMusicList; ///< the list that is classified and shown
-    SongClassification m_classification;
+    ModeSongs m_songs;
     CenterFoot m_foot;
     GroupDeletion m_deletion;
 

@@ -88,7 +88,9 @@ CommandLine CommandLine::read(int argc, char* argv[])
     const QCommandLineOption libraryFile(QStringLiteral("itunes-library"),
                                          QStringLiteral("The iTunes library file to read and edit."),
                                          QStringLiteral("file"));
-    parser.addOption(libraryFile);
+    const QCommandLineOption localMode(QStringLiteral("local"),
+                                       QStringLiteral("Start in the local clean mode, also without paths."));
+    parser.addOptions({libraryFile, localMode});
     addToolkitOptions(parser);
 
     if (!parser.parse(QCoreApplication::arguments()))
@@ -103,6 +105,7 @@ CommandLine CommandLine::read(int argc, char* argv[])
     CommandLine commandLine;
     if (parser.isSet(libraryFile))
         commandLine.library = QFileInfo(parser.value(libraryFile)).absoluteFilePath();
+    commandLine.isLocal = parser.isSet(localMode) || !parser.positionalArguments().isEmpty();
     commandLine.paths = existing(parser.positionalArguments());
     if (commandLine.paths.isEmpty() && !parser.positionalArguments().isEmpty())
         return ended(wrongUse);

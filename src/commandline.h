@@ -12,6 +12,7 @@ struct CommandLine
 
     bool isAnswered = false; ///< everything is said: the program ends with the exit code
     int exitCode = 0;        ///< 0, or 2 for a command line that cannot be followed
+    bool isLocal = false;    ///< to begin in the local clean mode, as it does with paths
     QStringList paths;       ///< the existing files and folders to add, absolute
     QString library;         ///< the music library to use, absolute; empty for the usual one
 };

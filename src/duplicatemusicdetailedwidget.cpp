@@ -1,6 +1,9 @@
 #include "duplicatemusicdetailedwidget.h"
 
+#include "collection/counttext.h"
+#include "common/keyuse.h"
 #include "common/screenplace.h"
+#include "common/screenreader.h"
 #include "common/style.h"
 #include "common/textfit.h"
 #include "dupmusicbarwidget.h"
@@ -25,11 +28,15 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     ui->setupUi(this);
     ui->scrollArea->viewport()->setAutoFillBackground(false);
     ui->m_scrollAreaWidget->setAutoFillBackground(false);
+    ui->scrollArea->setFocusPolicy(Qt::NoFocus); // keys go from row to row
+    ScreenReader::setRole(*ui->verticalLayoutWidget_2, QAccessible::List);
     ui->m_btnClearOne->setBtnImage(SkinPicture::path("btn_clearduplicate.png"));
     ui->m_btnClearAll->setBtnImage(SkinPicture::path("btn_ClearAll.png"));
     ui->m_btnClearOne->setChangesFiles(true);
     ui->m_btnClearAll->setChangesFiles(true);
     ui->m_btnClearAll->installEventFilter(this);
+    connect(&KeyUse::instance(), &KeyUse::changed, ui->m_scrollAreaWidget, QOverload<>::of(&QWidget::update));
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { goTo(now); });
     connect(ui->m_btnClearOne, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteSongWasSelected()));
     connect(ui->m_btnClearAll, SIGNAL(clicked()), this, SLOT(SlotOnBtnDeleteAllSong()));
     connect(m_pPlaySongWidget.get(), &PlaySongWidget::emitTold, this,
@@ -38,7 +45,10 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongPlayBtnHidden()), this, SLOT(SlotSongPlayBtnHidden()));
 }
 
-DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget() = default;
+DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget()
+{
+    disconnect(qApp, nullptr, this, nullptr); // the focus moves on once the rest of this goes
+}
 
 void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list)
 {
@@ -47,11 +57,14 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
     clearRows();
     if (!m_pMusicList)
         return;
+    QWidget* formerInTabOrder = placeOfRowsInTabOrder();
     for (QMusicInfo* song : qAsConst(*m_pMusicList)) {
         DupMusicbarWidget* row = addRow(song);
+        formerInTabOrder = row->putInTabOrder(formerInTabOrder);
         if (m_listBarWidget.size() == 1)
             row->SlotOnBtnCheckBox(); // the first song is kept unless the user wants otherwise
     }
+    setRowAtHand(m_listBarWidget.value(0));
     markBestRow();
     ui->m_scrollAreaWidget->show();
     ui->scrollArea->verticalScrollBar()->setValue(0);
@@ -73,6 +86,16 @@ void DuplicateMusicDetailedWidget::clearRows()
     m_pCurPlayBar = nullptr; // what it started plays on
 }
 
+/// They come before what clears them, though they are made later.
+QWidget* DuplicateMusicDetailedWidget::placeOfRowsInTabOrder() const
+{
+    QWidget* former = ui->m_btnClearOne;
+    do
+        former = former->previousInFocusChain();
+    while (former->focusPolicy() == Qt::NoFocus); // of which no order can be made
+    return former;
+}
+
 DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)
 {
     auto* row = new DupMusicbarWidget(this);
@@ -92,6 +115,62 @@ void DuplicateMusicDetailedWidget::markBestRow()
     const int best = BestSong::positionIn(*m_pMusicList);
     for (int position = 0; position < m_listBarWidget.size(); ++position)
         m_listBarWidget.at(position)->setBest(position == best);
+    countRows();
+}
+
+/// For those who hear it.
+void DuplicateMusicDetailedWidget::countRows()
+{
+    const int count = m_listBarWidget.size() - m_listBarWidget.count(nullptr);
+    ui->verticalLayoutWidget_2->setAccessibleName(QStringLiteral("Songs of this group, ") +
+                                                  CountText::of(quint64(count), "song", "songs"));
+}
+
+DupMusicbarWidget* DuplicateMusicDetailedWidget::rowAtHand() const
+{
+    return isVisible() ? m_listBarWidget.value(m_rowAtHand) : nullptr;
+}
+
+DupMusicbarWidget* DuplicateMusicDetailedWidget::rowAt(const QPoint& place) const
+{
+    const QWidget* const viewport = ui->scrollArea->viewport();
+    const bool inSight = isVisible() && viewport->rect().contains(viewport->mapFromGlobal(place));
+    for (DupMusicbarWidget* row : m_listBarWidget)
+        if (inSight && row && row->rect().contains(row->mapFromGlobal(place)))
+            return row;
+    return nullptr;
+}
+
+void DuplicateMusicDetailedWidget::setRowAtHand(DupMusicbarWidget* row)
+{
+    m_rowAtHand = m_listBarWidget.indexOf(row);
+    for (DupMusicbarWidget* each : qAsConst(m_listBarWidget))
+        if (each)
+            each->setAtHand(each == row);
+}
+
+/// Keys act on the row that has the focus.
+void DuplicateMusicDetailedWidget::goTo(const QWidget* focus)
+{
+    for (DupMusicbarWidget* row : qAsConst(m_listBarWidget))
+        if (row && row->isAncestorOf(focus))
+            setRowAtHand(row);
+}
+
+void DuplicateMusicDetailedWidget::moveRowAtHand(int steps)
+{
+    DupMusicbarWidget* const row = isVisible() ? m_listBarWidget.value(m_rowAtHand + steps) : nullptr;
+    if (!row)
+        return;
+    setRowAtHand(row);
+    ui->scrollArea->ensureWidgetVisible(row, 0, 0);
+    ScreenReader::announce(*row);
+}
+
+void DuplicateMusicDetailedWidget::clear()
+{
+    if (ui->m_btnClearOne->isVisible())
+        SlotOnBtnDeleteSongWasSelected();
 }
 
 QList<QMusicInfo*> DuplicateMusicDetailedWidget::songsOfRows(bool kept) const
@@ -150,6 +229,7 @@ void DuplicateMusicDetailedWidget::deleteUncheckedSongs()
         showKeeping(m_pMusicList, keptSongs()); // or the next deletion would take another row's song
     else
         markBestRow();
+    setRowAtHand(m_listBarWidget.value(0));
     ui->m_scrollAreaWidget->show();
     QApplication::restoreOverrideCursor();
 }
@@ -188,6 +268,7 @@ void DuplicateMusicDetailedWidget::removeLastRow()
         return;
     deleteRow(0);
     m_listBarWidget.append(nullptr);
+    countRows();
     showButtons(false);
 }
 

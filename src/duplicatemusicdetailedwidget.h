@@ -40,6 +40,15 @@ public:
     void setGroups(const QList<DupMusicInfo*>* groups) { m_groups = groups; }
     /// Whether the rows shown are those of this list.
     bool shows(const QList<QMusicInfo*>& list) const { return m_pMusicList == &list; }
+    /// The row that keys act on, with a mark of its own; null while none is to be seen.
+    DupMusicbarWidget* rowAtHand() const;
+    void setRowAtHand(DupMusicbarWidget* row);
+    /// The row at a point of the screen; null for none.
+    DupMusicbarWidget* rowAt(const QPoint& place) const;
+    /// Goes on by so many rows, or none, and brings the row into sight, if there is one.
+    void moveRowAtHand(int steps);
+    /// As a click on "Clear this group", which does nothing while the button is not to be seen.
+    void clear();
     /// The songs of the rows marked to be kept.
     QList<QMusicInfo*> keptSongs() const { return songsOfRows(true); }
     /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
@@ -73,10 +82,13 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void goTo(const QWidget* focus);
     void hideRows();
     void clearRows();
+    QWidget* placeOfRowsInTabOrder() const;
     DupMusicbarWidget* addRow(QMusicInfo* song);
     void markBestRow();
+    void countRows();
     QList<QMusicInfo*> songsOfRows(bool kept) const;
     bool userAgrees();
     void deleteRow(int position);
@@ -92,6 +104,7 @@ private:
     const QList<DupMusicInfo*>* m_groups = nullptr; ///< not owned
     QList<DupMusicbarWidget*> m_listBarWidget;      ///< one row per song, same index; null for one that went
     std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
+    int m_rowAtHand = 0;                        ///< its position
     DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
     KeptFiles m_keptFiles;                      ///< empty but for a deletion
     std::unique_ptr<FileRemoval> m_fileRemoval; ///< a new one for each deletion

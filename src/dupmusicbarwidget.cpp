@@ -1,16 +1,17 @@
 #include "dupmusicbarwidget.h"
 
 #include "collection/timetext.h"
-#include "common/screenplace.h"
+#include "common/keyuse.h"
+#include "common/screenreader.h"
 #include "common/skinlabel.h"
 #include "common/style.h"
 #include "common/textfit.h"
 #include "folderopener.h"
 #include "qiorvoutil.h"
 #include "showmusicinfowidget.h"
-#include "songs/footlines.h"
 #include "songs/songfields.h"
 #include "songs/songtip.h"
+#include "songs/spokenwords.h"
 #include "ui_dupmusicbarwidget.h"
 
 #include <QCursor>
@@ -24,6 +25,7 @@ namespace {
 constexpr int cardLeftOfPointer = 300;
 constexpr int bestMarkSide = 14;
 constexpr int bestMarkGap = 5;
+constexpr int atHandWidth = 6;
 
 /// Not by style sheets, which cost a group of thousands of rows seconds.
 void showLabel(RetractLabel* label, const QColor& colour, const QPoint& place)
@@ -45,6 +47,7 @@ DupMusicbarWidget::DupMusicbarWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DupMusicbarWidget>())
 {
     ui->setupUi(this);
+    ScreenReader::setRole(*this, QAccessible::ListItem);
     InitButtons();
     showLabel(ui->m_labelMusicName, Style::ink, QPoint(38, 7));
     showLabel(ui->m_labelMusicArtist, Style::text, QPoint(38, 37));
@@ -83,6 +86,14 @@ void DupMusicbarWidget::SetDupMusicInfo(QMusicInfo* song)
     // Oddity 10: in the iTunes mode the label keeps the form's text, whatever the file is.
     if (QIOrvoUtil::m_cleanMode && SongFields::available(m_pMusicInfo))
         ui->m_labelMusicFormat->setText(SongFields::kind(m_pMusicInfo));
+    tellState();
+}
+
+/// To those who hear it.
+void DupMusicbarWidget::tellState()
+{
+    const bool best = m_pBestMark && !m_pBestMark->isHidden();
+    setAccessibleName(SpokenWords::ofCopy(m_pMusicInfo, ui->m_labelMusicFormat->getName(), m_bChecked, best));
 }
 
 QString DupMusicbarWidget::ConvertTime(long long milliseconds) const
@@ -108,6 +119,23 @@ void DupMusicbarWidget::setBest(bool best)
         makeBestMark();
     if (m_pBestMark)
         m_pBestMark->setVisible(best);
+    tellState();
+}
+
+void DupMusicbarWidget::setAtHand(bool atHand)
+{
+    m_bAtHand = atHand;
+    update();
+}
+
+QWidget* DupMusicbarWidget::putInTabOrder(QWidget* former)
+{
+    for (QWidget* button :
+         {ui->m_btnIsDeleta, ui->m_btnPlayMusic, ui->m_btnStopMusic, ui->m_btnShowInfo, ui->m_btnOpenPath}) {
+        setTabOrder(former, button);
+        former = button;
+    }
+    return former;
 }
 
 void DupMusicbarWidget::makeBestMark()
@@ -130,6 +158,7 @@ void DupMusicbarWidget::SlotOnBtnCheckBox()
     ui->m_btnIsDeleta->setBtnImage(
         SkinPicture::path(m_bChecked ? "btn_checkbox_no.png" : "btn_checkbox_yes.png"));
     m_bChecked = !m_bChecked;
+    tellState();
     update();
 }
 
@@ -147,21 +176,27 @@ void DupMusicbarWidget::SlotOnBtnPause()
 
 void DupMusicbarWidget::SlotOnBtnOpenPath()
 {
-    if (!FolderOpener::open(FolderOpener::folderOf(SongFields::location(m_pMusicInfo))))
-        emit emitTold({FootLines::noOpener(FootLines::Opened::Folder), true, {}});
+    const FootText told = FolderOpener::show(SongFields::location(m_pMusicInfo));
+    if (!told.text.isEmpty())
+        emit emitTold(told);
 }
 
 void DupMusicbarWidget::SlotOnBtnShowInfo()
 {
+    showCard(QCursor::pos());
+}
+
+QPoint DupMusicbarWidget::cardPlace() const
+{
+    return ui->m_btnShowInfo->mapToGlobal(ui->m_btnShowInfo->rect().center());
+}
+
+void DupMusicbarWidget::showCard(const QPoint& pointer)
+{
     m_pShowInfoWidget = std::make_unique<ShowMusicInfoWidget>(this);
     m_pShowInfoWidget->setMusicInfo(m_pMusicInfo);
-    const QPoint pointer = QCursor::pos();
     m_ptCursor = {pointer.x(), pointer.y()};
-    const QPoint corner(pointer.x() - cardLeftOfPointer, pointer.y());
-    m_pShowInfoWidget->move(
-        ScreenPlace::inside(QRect(corner, m_pShowInfoWidget->size()), ScreenPlace::availableAt(pointer)));
-    m_pShowInfoWidget->activateWindow();
-    m_pShowInfoWidget->show();
+    m_pShowInfoWidget->showAt(pointer - QPoint(cardLeftOfPointer, 0), pointer);
 }
 
 /// The tip is made when it is asked for.
@@ -179,4 +214,6 @@ void DupMusicbarWidget::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(rect(), Style::groupRow);
     painter.fillRect(0, height() - 1, width(), 1, Style::divider);
+    if (m_bAtHand && KeyUse::instance().leads())
+        painter.fillRect(0, 0, atHandWidth, height() - 1, Style::markChosen);
 }

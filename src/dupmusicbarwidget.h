@@ -31,9 +31,17 @@ public:
     QString ConvertTime(long long milliseconds) const;
     /// Whether deletions leave this song alone.
     bool isKept() const { return m_bChecked; }
+    /// Whether keys act on this row; it is marked while the user works by keys.
+    void setAtHand(bool atHand);
+    /// Has Tab go on to its buttons from this widget; the last of them.
+    QWidget* putInTabOrder(QWidget* former);
     /// Whether the mark of the copy that sounds best stands behind the bit rate.
     void setBest(bool best);
 
+    /// As the button that shows information, with this point of the screen in place of the pointer's.
+    void showCard(const QPoint& pointer);
+    /// Where keys have the card shown.
+    QPoint cardPlace() const;
     /// Shows the play button in place of the stop button.
     void SetBtnPauseHidden();
     /// Shows the stop button in place of the play button.
@@ -65,9 +73,11 @@ private:
 
     void InitButtons();
     void makeBestMark();
+    void tellState();
 
     std::unique_ptr<Ui::DupMusicbarWidget> ui;
     bool m_bChecked = false;
+    bool m_bAtHand = false;
     QMusicInfo* m_pMusicInfo = nullptr;
     SkinLabel* m_pBestMark = nullptr;                       ///< made where it is needed first
     std::unique_ptr<ShowMusicInfoWidget> m_pShowInfoWidget; ///< the card last opened from here

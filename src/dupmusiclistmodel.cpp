@@ -5,6 +5,7 @@
 #include "songs/songcolumns.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
+#include "songs/spokenwords.h"
 #include "views/songcells.h"
 
 DupMusicListModel::DupMusicListModel(QObject* parent) : FlatListModel(parent) {}
@@ -54,4 +55,16 @@ QVariant DupMusicListModel::headerData(int section, Qt::Orientation orientation,
     static const char* const headers[] = {"Title", "Artist", "Album",     "Genre",
                                           "Year",  "Lyrics", "Duplicates"};
     return isGrid() ? QVariant() : SongCells::header(headers, section, orientation, role);
+}
+
+QString DupMusicListModel::nameOf(int row) const
+{
+    const DupMusicInfo* const group = nodeFromIndex(index(row, 0));
+    return group && !group->musicList.isEmpty() ? SpokenWords::of(group) : QString();
+}
+
+QString DupMusicListModel::restOf(int row) const
+{
+    const DupMusicInfo* const group = nodeFromIndex(index(row, 0));
+    return group && !group->musicList.isEmpty() ? SpokenWords::about(group->musicList.first()) : QString();
 }

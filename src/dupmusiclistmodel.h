@@ -1,12 +1,13 @@
 #pragma once
 
 #include "views/flatlistmodel.h"
+#include "views/spokenrows.h"
 
 struct DupMusicInfo;
 
 /// Shows a list of duplicate groups, each by its first song. The rules of MusicListModel about the list hold
 /// here too.
-class DupMusicListModel : public FlatListModel<DupMusicInfo>
+class DupMusicListModel : public FlatListModel<DupMusicInfo>, public SpokenRows
 {
     Q_OBJECT
 
@@ -18,6 +19,8 @@ public:
     void setDupMusicDataSource(QList<DupMusicInfo*>* list, int columnMode, bool flag);
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    QString nameOf(int row) const override;
+    QString restOf(int row) const override;
 
 private:
     QVariant cover(const DupMusicInfo& group) const;

@@ -1,5 +1,6 @@
 #include "fileadding.h"
 
+#include "filechoice.h"
 #include "intakedialogs.h"
 
 #include <QDebug>
@@ -105,7 +106,7 @@ void FileAdding::choose()
 /// What the user chooses; nothing where the mode went meanwhile.
 QStringList FileAdding::chosenFiles() const
 {
-    QStringList files = IntakeDialogs::chooseFiles(&m_window);
+    QStringList files = FileChoice::music(&m_window);
     if (files.isEmpty() || takesFiles())
         return files;
     qWarning("%d chosen files are not added: the local mode is left", files.size());

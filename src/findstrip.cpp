@@ -37,10 +37,11 @@ FindStrip::FindStrip(QWidget* parent)
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, m_field, &FindField::begin);
 }
 
-void FindStrip::setViews(SongViews& views)
+void FindStrip::setViews(SongViews& views, QWidget& focus)
 {
     connect(m_field, &QLineEdit::textChanged, &views, &SongViews::find);
     connect(m_field, &FindField::begun, &views, &SongViews::prepareFind);
+    connect(m_field, &FindField::left, &focus, [&focus] { focus.setFocus(Qt::OtherFocusReason); });
     connect(&views, &SongViews::listShown, this, &FindStrip::tell);
 }
 

@@ -15,8 +15,9 @@ class FindStrip : public QWidget
 public:
     explicit FindStrip(QWidget* parent = nullptr);
 
-    /// Has them show what is found; they must outlive its use.
-    void setViews(SongViews& views);
+    /// Has them show what is found, and whatever has the focus for them take it when the user leaves the
+    /// field; they must outlive its use.
+    void setViews(SongViews& views, QWidget& focus);
     /// Everything shows again.
     void clear();
 

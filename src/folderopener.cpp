@@ -1,5 +1,7 @@
 #include "folderopener.h"
 
+#include "songs/footlines.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
@@ -53,4 +55,10 @@ bool FolderOpener::open(const QString& folder)
     if (!started)
         qWarning("the folder %s cannot be opened: no file browser was started", qUtf8Printable(folder));
     return started;
+}
+
+FootText FolderOpener::show(const QString& location)
+{
+    return open(folderOf(location)) ? FootText()
+                                    : FootText{FootLines::noOpener(FootLines::Opened::Folder), true, {}};
 }

@@ -1,17 +1,8 @@
 #include "intakedialogs.h"
 
-#include "collection/formats.h"
 #include "common/messagedialog.h"
 #include "pathlistwindow.h"
 #include "songs/footlines.h"
-
-#include <QFileDialog>
-
-QStringList IntakeDialogs::chooseFiles(QWidget* parent)
-{
-    return QFileDialog::getOpenFileNames(parent, QStringLiteral("open"), QString(),
-                                         QStringLiteral("music files(%1)").arg(Formats::namePatterns()));
-}
 
 bool IntakeDialogs::offerChoice()
 {

@@ -1,16 +1,18 @@
 #include "mainwindow.h"
 
+#include "common/focusmark.h"
 #include "common/footline.h"
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
 #include "common/skinpicture.h"
-#include "common/style.h"
 #include "common/workers.h"
+#include "headerstatus.h"
 #include "homepage.h"
 #include "introducethissofedialog.h"
 #include "itunes/delmusiclib.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "itunes/itunestrackrecord.h"
+#include "mainmenu.h"
 #include "navigationwidget.h"
 #include "paintcoverimagethread.h"
 #include "qiorvoutil.h"
@@ -22,7 +24,6 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
-#include <QMenuBar>
 #include <QPainter>
 #include <QTimer>
 #include <QUrl>
@@ -30,26 +31,7 @@
 namespace {
 constexpr int headerHeight = 102;
 constexpr int footerHeight = 26;
-constexpr int menuHeight = 20;
-constexpr int menuWidth = 320;
 constexpr int switchMilliseconds = 690;
-constexpr int tipsIndent = 6; // off the status disc
-constexpr int tipsGap = 6;    // to the start button
-constexpr qreal closestLetters = 92;
-
-/// Oddity 12: these blanks, here and below.
-QString iTunesTips()
-{
-    return QStringLiteral("Quickly Clean iTunes Music Library,No Unknown and Duplicate Music Anymore!\n"
-                          "Click Start Scan button to start tidying your iTunes Music Library immediately.");
-}
-
-QString localTips()
-{
-    return QStringLiteral("Quickly Clean Local Music.No Unknown and Duplicate Music Anymore!\n"
-                          "Add music files and start tidying your local music now!");
-}
-
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui::MainWindow>())
@@ -63,6 +45,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     Init();
     InitMainMenu();
     InitConnect();
+    ui->m_middleMusicWidget->viewFocus()->setFocus();
     launchiTunes();
     setMouseTracking(true);
 }
@@ -86,44 +69,22 @@ void MainWindow::Init()
     m_piTunesSwitchTimer = new QTimer(this);
     m_pLocalSwitchTimer = new QTimer(this);
     ui->m_btnLocalClean->hide();
-    ui->m_movieLabel->setGeometry(10, 20, 50, 50);
+    m_status = std::make_unique<HeaderStatus>(
+        HeaderStatus::Widgets{*ui->m_movieLabel, *ui->m_tipsLabel, *ui->m_btnStarScan});
     ui->m_leftMusicWidget->setAllSongsCount(0);
     ui->m_leftMusicWidget->OnLeftWidgetBtnState();
-    ui->m_tipsLabel->setIndent(tipsIndent);
-    QPalette palette = ui->m_tipsLabel->palette();
-    palette.setColor(QPalette::WindowText, Qt::black);
-    ui->m_tipsLabel->setPalette(palette);
     // Where the header's boxes meet in a small window, the start button stays clickable.
     ui->m_btnStarScan->raise();
+    setTabOrder(ui->m_btnStarScan, ui->m_btniTunesClean);
+    setTabOrder(ui->m_btniTunesClean, ui->m_btnLocalClean);
     placeHeader();
-    showStart(iTunesTips());
+    m_status->showStart(false);
 }
 
 void MainWindow::InitMainMenu()
 {
-    // A bar of the window's own would push the header down; this one lies on the banner. On macOS it is the
-    // system's menu bar.
-    auto* bar = new QMenuBar(this);
-    bar->setObjectName(QStringLiteral("m_menuBar"));
-    bar->setStyleSheet(
-        QStringLiteral(
-            "QMenuBar{background:transparent;border:0}"
-            "QMenuBar::item{background:transparent;padding:1px 8px;margin:0;color:%1;border-radius:4px}"
-            "QMenuBar::item:selected{background:%2}"
-            "QMenuBar::item:pressed{background:%3}")
-            .arg(Style::menuText.name(), Style::menuHovered.name(), Style::menuPressed.name()));
-    const auto add = [this, bar](const QString& text, const char* icon, const char* slot) {
-        QMenu* menu = bar->addMenu(text);
-        QAction* action = menu->addAction(SkinPicture::icon(icon), text);
-        connect(action, SIGNAL(triggered()), this, slot);
-        return action;
-    };
-    add(QStringLiteral("Home"), "menu_home.png", SLOT(SlotHomeMenu()));
-    add(QStringLiteral("About"), "menu_about.png", SLOT(SlotAboutMenu()));
-    add(QStringLiteral("Help"), "menu_help.png", SLOT(SlotHelpMenu()))
-        ->setShortcut(QKeySequence::HelpContents);
-    add(QStringLiteral("Exit"), "menu_exit.png", SLOT(SlotExitMenu()))->setShortcut(QKeySequence::Quit);
-    bar->setGeometry(4, 0, menuWidth, menuHeight);
+    new MainMenu(this);
+    new FocusMark(this);
 }
 
 void MainWindow::InitConnect()
@@ -150,6 +111,7 @@ void MainWindow::InitConnect()
     connect(center, SIGNAL(emitIntakeProgress(int, int)), this, SLOT(SlotIntakeProgress(int, int)));
     connect(center, SIGNAL(emitIntakeFinished()), this, SLOT(SlotIntakeFinished()));
     connect(center, &CenterWidget::emitChooseDuplicates, navigation, &NavigationWidget::OnBtnMusicDuplicate);
+    connect(center, &CenterWidget::emitChooseRow, navigation, &NavigationWidget::choose);
     connect(center, &CenterWidget::emitTold, ui->m_footLine, &FootLine::tell);
     connect(center, &CenterWidget::emitUndoOffered, ui->m_footLine, &FootLine::offer);
 }
@@ -167,19 +129,6 @@ void MainWindow::setFootImage(const QString& path)
 void MainWindow::setBackgroundImage(const QString& path)
 {
     m_pBackgroundImage = std::make_unique<SkinPicture>(path);
-}
-
-void MainWindow::showStatusPicture(const char* name)
-{
-    m_pStatusPicture = name;
-    ui->m_movieLabel->showPicture(SkinPicture::path(name));
-}
-
-/// What the header says of a mode in which nothing was scanned yet.
-void MainWindow::showStart(const QString& tips)
-{
-    showStatusPicture("pic_startscan.png");
-    showTips(tips);
 }
 
 void MainWindow::OnBtnStartScan()
@@ -200,14 +149,12 @@ void MainWindow::OnBtnStartScan()
 
 void MainWindow::scanITunesLibrary()
 {
-    m_pScanMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
-    m_pScanMovie->startIn(ui->m_movieLabel);
+    m_status->showScanning();
     ui->m_middleMusicWidget->DragMusicIntoiTunes();
     ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("button_Scanning.png"));
     ui->m_btnStarScan->setEnabled(false);
     m_bScanning = true;
-    showTips(QStringLiteral("Scanning......\nPlease wait a moment!"));
     repaint(); // reading the library takes a moment in which nothing is painted
 
     int count = 0;
@@ -274,7 +221,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
     if (postponedByWork(m_piTunesSwitchTimer))
         return;
     ui->m_btnLocalClean->show();
-    showStart(localTips());
+    m_status->showStart(true);
     ui->m_middleMusicWidget->SwitchToLocalCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_piTunesSwitchTimer->stop();
@@ -299,7 +246,7 @@ void MainWindow::SlotLocalBtnMovieStop()
     if (postponedByWork(m_pLocalSwitchTimer))
         return;
     ui->m_btniTunesClean->show();
-    showStart(iTunesTips());
+    m_status->showStart(false);
     ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_pLocalSwitchTimer->stop();
@@ -318,37 +265,24 @@ void MainWindow::SlotScanFinish()
 {
     m_bScanning = false;
     if (!QIOrvoUtil::m_cleanMode) {
-        m_pScanMovie.reset();
+        m_status->endScanning();
         ui->m_btnStarScan->setBtnImage(SkinPicture::path("scan_again.png"));
         ui->m_middleMusicWidget->showCoversAnew();
     }
     ui->m_btnStarScan->setEnabled(true);
-    showStatusPicture("pic_scanover.png");
-    const int duplicates = ui->m_middleMusicWidget->ReturnDuplicateMusicCount();
-    const int undefined = ui->m_middleMusicWidget->ReturnUndefinedMusicCount();
-    showTips(QStringLiteral("Scan Finished!\nScan Results: %1 Undefined Song(s); %2 Duplicate Song(s).")
-                 .arg(undefined)
-                 .arg(duplicates));
+    m_status->showScanned(ui->m_middleMusicWidget->ReturnUndefinedMusicCount(),
+                          ui->m_middleMusicWidget->ReturnDuplicateMusicCount());
     update();
 }
 
 void MainWindow::SlotIntakeProgress(int done, int total)
 {
-    if (!m_pIntakeMovie) {
-        m_strTipsBeforeIntake = ui->m_tipsLabel->text();
-        m_pIntakeMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
-        m_pIntakeMovie->startIn(ui->m_movieLabel);
-    }
-    showTips(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
+    m_status->showAdding(done, total);
 }
 
 void MainWindow::SlotIntakeFinished()
 {
-    if (m_pIntakeMovie) {
-        showStatusPicture(m_pStatusPicture);
-        showTips(m_strTipsBeforeIntake);
-        m_pIntakeMovie.reset();
-    }
+    m_status->endAdding();
     // From here on the button scans what was added.
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
 }
@@ -383,27 +317,7 @@ void MainWindow::placeHeader()
 {
     ui->m_btnStarScan->move(width() / 2, 30);
     ui->m_hhwidget->move(width() - 419, 5);
-    ui->m_tipsLabel->setGeometry(60, 25, 465, 40);
-}
-
-void MainWindow::showTips(const QString& text)
-{
-    ui->m_tipsLabel->setText(text);
-    ui->m_tipsLabel->setFont(tipsFont());
-}
-
-/// In a small window the letters stand closer, so that the tips end before the start button.
-QFont MainWindow::tipsFont() const
-{
-    QFont font = Style::font(12);
-    const QFontMetricsF metrics(font);
-    qreal widest = 0;
-    for (const QString& line : ui->m_tipsLabel->text().split(QLatin1Char('\n')))
-        widest = qMax(widest, metrics.horizontalAdvance(line));
-    const qreal room = ui->m_btnStarScan->x() - tipsGap - ui->m_tipsLabel->x() - tipsIndent;
-    if (widest > room)
-        font.setLetterSpacing(QFont::PercentageSpacing, qMax(closestLetters, 100 * room / widest));
-    return font;
+    m_status->place();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)
@@ -411,7 +325,18 @@ void MainWindow::resizeEvent(QResizeEvent* event)
     QMainWindow::resizeEvent(event);
     placeHeader();
     ui->m_footLine->setGeometry(0, height() - footerHeight, width(), footerHeight);
-    ui->m_tipsLabel->setFont(tipsFont());
+    m_status->fitTips();
+}
+
+/// Beside Tab this is asked for when what has the focus is hidden or disabled, as a button that was pressed:
+/// then the focus goes to no other button, where the next press of a key would do something else.
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    QWidget* const focus = focusWidget();
+    if (!focus || (focus->isEnabled() && focus->isVisible()))
+        return QMainWindow::focusNextPrevChild(next);
+    ui->m_middleMusicWidget->viewFocus()->setFocus();
+    return true;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

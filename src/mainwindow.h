@@ -5,6 +5,7 @@
 
 #include <memory>
 
+class HeaderStatus;
 class QTimer;
 class SkinMovie;
 class SkinPicture;
@@ -31,8 +32,8 @@ public:
     void setFootImage(const QString& path);
     void setBackgroundImage(const QString& path);
 
-    /// Switches to the local mode as the switch button does and then takes the files and folders in as a drop
-    /// does.
+    /// Switches to the local mode as the switch button does and then takes the files and folders, if any, in
+    /// as a drop does.
     void OpenInLocalMode(const QStringList& paths);
 
 public slots:
@@ -60,6 +61,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     void Init();
@@ -70,13 +72,10 @@ private:
     void takeTracks(int count);
     void loadCovers();
     void placeHeader();
-    void showTips(const QString& text);
-    QFont tipsFont() const;
-    void showStatusPicture(const char* name);
-    void showStart(const QString& tips);
     bool postponedByWork(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;
+    std::unique_ptr<HeaderStatus> m_status;
     std::unique_ptr<SkinMovie> m_pLocalSwitchMovie;
     std::unique_ptr<SkinMovie> m_piTunesSwitchMovie;
     QTimer* m_piTunesSwitchTimer = nullptr; ///< ends the switch to the local mode
@@ -84,14 +83,10 @@ private:
     std::unique_ptr<SkinPicture> m_pTopImage;
     std::unique_ptr<SkinPicture> m_pFootImage;
     std::unique_ptr<SkinPicture> m_pBackgroundImage;
-    const char* m_pStatusPicture = nullptr; ///< its file name; shown while no animation runs
 
     iTunesTrackRecord* m_pTrackRecords = nullptr; ///< the library's, of the last scan
     QList<QMusicInfo*> m_musicList;               ///< owned: the songs of the last scan
     PaintCoverImageThread* m_pCoverThread = nullptr;
-    std::unique_ptr<SkinMovie> m_pScanMovie; ///< set while a scan runs
 
-    std::unique_ptr<SkinMovie> m_pIntakeMovie; ///< set while an intake shows its progress
-    QString m_strTipsBeforeIntake;
     QStringList m_pathsToOpen; ///< taken in once the local mode is in force
 };

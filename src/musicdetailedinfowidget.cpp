@@ -1,32 +1,24 @@
 #include "musicdetailedinfowidget.h"
 
-#include "audiocore/iaudioidentifier.h"
 #include "common/messagedialog.h"
-#include "common/skinmovie.h"
-#include "common/style.h"
-#include "common/workers.h"
-#include "covers/coverchoice.h"
+#include "covereditor.h"
 #include "identifythread.h"
 #include "keepoffers.h"
 #include "loadplayerthread.h"
+#include "songidentification.h"
 #include "songlabels.h"
 #include "songs/changehistory.h"
 #include "songs/footlines.h"
-#include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "ui_musicdetailedinfowidget.h"
 
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QStandardPaths>
 
 #include <utility>
 
 MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
-    : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>()),
-      m_face(SkinPicture::path("bg_right.png"))
+    : QWidget(parent), ui(std::make_unique<Ui::MusicDetailedInfoWidget>())
 {
     ui->setupUi(this);
     m_editors = std::make_unique<SongEditors>(SongEditors::Widgets{ui->m_lineTitle, ui->m_lineArtist,
@@ -35,17 +27,16 @@ MusicDetailedInfoWidget::MusicDetailedInfoWidget(QWidget* parent)
     m_labels = std::make_unique<SongLabels>(SongLabels::Widgets{ui->m_titleName, ui->m_artistName,
                                                                 ui->m_albumName, ui->m_yearNumber,
                                                                 ui->m_trackNoName, ui->m_genreName});
+    m_keepOffers = new KeepOffers(*ui->currentImgWidget, *ui->m_comboGenre, *ui->m_gridLayout);
+    m_cover = std::make_unique<CoverEditor>(*ui->currentImgWidget, *m_keepOffers);
+    m_identification = std::make_unique<SongIdentification>(
+        SongIdentification::Widgets{*ui->m_labMovie, *ui->m_btnApply}, this);
     InitBtn();
     InitConnect();
     HiddenLineEdit();
 }
 
-MusicDetailedInfoWidget::~MusicDetailedInfoWidget()
-{
-    // All are cancelled before the first is waited for.
-    for (IdentifyThread* worker : findChildren<IdentifyThread*>())
-        worker->CloseTheIdentifier();
-}
+MusicDetailedInfoWidget::~MusicDetailedInfoWidget() = default;
 
 void MusicDetailedInfoWidget::InitBtn()
 {
@@ -56,11 +47,8 @@ void MusicDetailedInfoWidget::InitBtn()
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
     ui->m_btnEdit->setToolTip(QStringLiteral("edit music information"));
     ui->m_btnEdit->setDefault(true);
-    ui->currentImgWidget->SetImageBackgroud(SkinPicture::path("bg_no_picture.png"), true);
-    ui->currentImgWidget->setEnabled(false);
     ui->m_btnCancel->hide();
     ui->m_btnApply->hide();
-    ui->m_labMovie->hide();
     ui->gridLayoutWidget->setStyleSheet(QStringLiteral("QComboBox{padding-left:5px}"));
 }
 
@@ -71,8 +59,9 @@ void MusicDetailedInfoWidget::InitConnect()
     connect(ui->m_btnCancel, SIGNAL(clicked()), this, SLOT(SlotOnBtnCancel()));
     connect(ui->currentImgWidget, SIGNAL(widgetClick()), this, SLOT(SlotChangeImage()));
     connect(ui->m_btnIdentify, SIGNAL(clicked()), this, SLOT(SlotOnBtnIdentify()));
-    m_keepOffers = new KeepOffers(*ui->currentImgWidget, *ui->m_comboGenre, *ui->m_gridLayout);
-    connect(m_keepOffers, &KeepOffers::coverKept, this, &MusicDetailedInfoWidget::keepCover);
+    connect(m_cover.get(), &CoverEditor::told, this, &MusicDetailedInfoWidget::emitTold);
+    connect(m_identification.get(), &SongIdentification::running, this,
+            &MusicDetailedInfoWidget::emitForbidToClickView);
 }
 
 void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
@@ -82,6 +71,7 @@ void MusicDetailedInfoWidget::SetMusicDetailedInfo(QMusicInfo* song)
     if (song != m_pMusicInfo)
         forgetFormerSong();
     m_pMusicInfo = song;
+    m_cover->setSong(song);
     if (!song) {
         hide();
         return;
@@ -113,11 +103,26 @@ void MusicDetailedInfoWidget::tellOfLeaving()
 void MusicDetailedInfoWidget::editAgain(QMusicInfo* song, const SongEditors::Held& typed)
 {
     SetMusicDetailedInfo(song);
-    SlotOnBtnEdit();
+    edit(song);
     m_editors->fill(typed);
     if (m_editors->held().genre != typed.genre)
         m_keepOffers->keepGenre(); // the song's own, which is not in the list
+}
+
+void MusicDetailedInfoWidget::edit(QMusicInfo* song)
+{
+    if (song != m_pMusicInfo || !isVisible())
+        SetMusicDetailedInfo(song);
+    if (!isEditing())
+        SlotOnBtnEdit();
+    ui->m_lineTitle->setFocus();
     emit emitEditedAgain();
+}
+
+void MusicDetailedInfoWidget::identify(QMusicInfo* song)
+{
+    edit(song);
+    IdentifyMusic();
 }
 
 /// What was identified is not about the song that comes.
@@ -125,14 +130,8 @@ void MusicDetailedInfoWidget::forgetFormerSong()
 {
     m_bIdentified = false;
     ui->m_btnIdentify->setBtnImage(SkinPicture::path("btn_identify.png"));
-    if (m_newCoverOrigin != CoverOrigin::Chosen)
-        m_strNewCoverPath.clear();
-    if (!m_bIdentifying)
-        return;
-    // The worker may have ended already, its results being on their way.
-    if (m_pIdentifyThread)
-        m_pIdentifyThread->CloseTheIdentifier();
-    endIdentification();
+    if (isIdentifying())
+        m_identification->cancel();
 }
 
 void MusicDetailedInfoWidget::showAnew()
@@ -146,19 +145,16 @@ void MusicDetailedInfoWidget::showAnew()
     }
     showTexts(); // as they are under the editors
     m_bNewSong = false;
-    if (m_strNewCoverPath.isEmpty())
-        showCover(SongCover::shownPath(m_pMusicInfo));
-    offerToKeepCover();
+    m_cover->showAnew();
 }
 
 void MusicDetailedInfoWidget::ShowMusicInfo()
 {
-    showCover(SongCover::shownPath(m_pMusicInfo));
+    m_cover->end();
     showTexts();
     m_bNewSong = false;
     showButtons(false);
     SetTextLabelAndLineState();
-    ui->currentImgWidget->setEnabled(false);
     show();
 }
 
@@ -167,46 +163,15 @@ void MusicDetailedInfoWidget::showTexts()
     m_labels->show(m_bNewSong ? SongEditors::of(m_pMusicInfo) : m_typed);
 }
 
-void MusicDetailedInfoWidget::showCover(const QString& path)
-{
-    ui->currentImgWidget->SetImageBackgroud(path, true);
-}
-
-void MusicDetailedInfoWidget::takeNewCover(const QString& path, CoverOrigin origin)
-{
-    m_strNewCoverPath = path;
-    m_newCoverOrigin = origin;
-    showCover(path);
-    offerToKeepCover();
-}
-
-void MusicDetailedInfoWidget::keepCover(bool keep)
-{
-    const QString own = SongFields::coverPath(m_pMusicInfo);
-    takeNewCover(keep ? own : QString(), CoverOrigin::Own);
-    showCover(own);
-}
-
-bool MusicDetailedInfoWidget::isOwnCoverKept() const
-{
-    return m_newCoverOrigin == CoverOrigin::Own && !m_strNewCoverPath.isEmpty();
-}
-
-void MusicDetailedInfoWidget::offerToKeepCover()
-{
-    const bool kept = isOwnCoverKept();
-    const bool otherShown = !kept && !m_strNewCoverPath.isEmpty();
-    m_keepOffers->offerCover(SongEditing::takesCoverOut(m_pMusicInfo), otherShown, kept);
-}
-
 void MusicDetailedInfoWidget::showButtons(bool editing)
 {
     const bool hasFocus = isAncestorOf(window()->focusWidget());
+    const bool comesBack = m_formerFocus && m_formerFocus->isVisible();
     ui->m_btnEdit->setVisible(!editing);
     ui->m_btnIdentify->setVisible(!editing);
     // Or the focus would go to wherever it finds a place, once what has it is hidden.
     if (hasFocus && !editing)
-        ui->m_btnEdit->setFocus();
+        (comesBack ? m_formerFocus.data() : ui->m_btnEdit)->setFocus();
     ui->m_btnApply->setVisible(editing);
     ui->m_btnCancel->setVisible(editing);
 }
@@ -228,18 +193,21 @@ bool MusicDetailedInfoWidget::isEditing() const
     return !ui->m_btnApply->isHidden();
 }
 
+bool MusicDetailedInfoWidget::isIdentifying() const
+{
+    return m_identification->isRunning();
+}
+
 void MusicDetailedInfoWidget::SlotOnBtnEdit()
 {
+    if (QWidget* focus = window()->focusWidget(); !isEditing())
+        m_formerFocus = isAncestorOf(focus) ? nullptr : focus;
     m_bIdentifyFailed = false;
     m_editors->show(m_pMusicInfo);
     m_labels->setVisible(false);
     m_editors->setVisible(true);
-    ui->currentImgWidget->setToolTip(QStringLiteral("click to add cover"));
-    ui->currentImgWidget->setEnabled(true);
-    if (!m_strNewCoverPath.isEmpty())
-        showCover(m_strNewCoverPath); // what an apply would write
     m_keepOffers->begin(SongFields::genre(m_pMusicInfo));
-    offerToKeepCover();
+    m_cover->begin();
     showButtons(true);
     ui->m_lineTitle->setFocus();
 }
@@ -248,11 +216,8 @@ void MusicDetailedInfoWidget::SlotOnBtnCancel()
 {
     showButtons(false);
     SetTextLabelAndLineState();
-    ui->currentImgWidget->setEnabled(false);
-    showCover(SongCover::shownPath(m_pMusicInfo));
-    if (m_pIdentifyThread)
-        m_pIdentifyThread->CloseTheIdentifier();
-    endIdentification();
+    m_cover->end();
+    m_identification->cancel();
     // Oddity 38: a cover that was chosen stays chosen; the next apply uses it.
 }
 
@@ -262,110 +227,60 @@ void MusicDetailedInfoWidget::ShowAllTextLabelAndLineEind()
     for (QLabel* caption : {ui->m_titleLabel, ui->m_artistLabel, ui->m_albumLabel, ui->m_genreLabel,
                             ui->m_yearLabel, ui->m_trackNoLabel})
         caption->show();
-    ui->m_btnApply->setBtnImage(SkinPicture::path("identifying.png"));
-    ui->m_btnApply->setEnabled(false);
 }
 
 void MusicDetailedInfoWidget::IdentifyMusic()
 {
     ShowAllTextLabelAndLineEind();
-    m_pMovie = std::make_unique<SkinMovie>("dynamic_scanning_small.gif");
-    ui->m_labMovie->show();
-    m_pMovie->startIn(ui->m_labMovie);
-
-    m_pIdentifyThread = new IdentifyThread(this);
-    m_pIdentifiedSong = m_pMusicInfo;
-    connect(m_pIdentifyThread, SIGNAL(emitReturnIdentifyInfo(QStringList)), this,
-            SLOT(SlotReceiveIdentifyInfo(QStringList)));
-    connect(m_pIdentifyThread, SIGNAL(emitReturnIdentifyCover(QString)), this,
-            SLOT(SlotReceiveIdentifyCover(QString)));
-    connect(m_pIdentifyThread, SIGNAL(emitFailToIdentify()), this, SLOT(SlotOnFailIdentifyTips()));
-    connect(m_pIdentifyThread, SIGNAL(finished()), m_pIdentifyThread, SLOT(deleteLater()));
-    m_pIdentifyThread->ReturnIdentifyInfo(SongFields::audioPath(m_pMusicInfo));
-    m_bIdentifying = true;
-    emit emitForbidToClickView(true);
-    if (Workers::start(*m_pIdentifyThread))
-        return;
-    QMetaObject::invokeMethod(m_pIdentifyThread, "emitFailToIdentify", Qt::QueuedConnection);
-    m_pIdentifyThread->deleteLater();
-}
-
-/// Stops what shows that an identification runs, and lets the user go on.
-void MusicDetailedInfoWidget::endIdentification()
-{
-    m_bIdentifying = false;
-    if (m_pMovie)
-        m_pMovie->stop();
-    ui->m_labMovie->hide();
-    ui->m_btnApply->setBtnImage(SkinPicture::path("btn_apply.png"));
-    ui->m_btnApply->setEnabled(true);
-    emit emitForbidToClickView(false);
-}
-
-/// Whether a worker tells of another song than the one shown, or of a run that a later one has replaced.
-bool MusicDetailedInfoWidget::isStale(const QObject* worker) const
-{
-    return qobject_cast<const IdentifyThread*>(worker) &&
-           (worker != m_pIdentifyThread || m_pIdentifiedSong != m_pMusicInfo);
+    m_identification->start(m_pMusicInfo);
 }
 
 void MusicDetailedInfoWidget::SlotReceiveIdentifyInfo(const QStringList& info)
 {
-    if (isStale(sender()))
+    if (m_identification->isStale(sender(), m_pMusicInfo))
         return;
     // Oddity 40: also after Cancel, into the hidden editors.
     for (const QString& element : info)
         if (!element.isEmpty())
             m_editors->fill(element.at(0), element.mid(1));
     m_bIdentified = true;
-    if (m_bIdentifying && m_pIdentifyThread)
-        emit emitTold(m_identifyWords.of(m_pIdentifyThread->status(), m_pIdentifyThread->hasKey()));
-    endIdentification();
+    if (isIdentifying() && m_identification->worker())
+        emit emitTold(m_identification->words(m_identification->worker()));
+    m_identification->end();
 }
 
 void MusicDetailedInfoWidget::SlotReceiveIdentifyCover(const QString& path)
 {
-    if (isStale(sender()))
+    if (m_identification->isStale(sender(), m_pMusicInfo))
         return;
-    takeNewCover(path, CoverOrigin::Identified);
+    m_cover->takeIdentified(path);
 }
 
 void MusicDetailedInfoWidget::SlotOnFailIdentifyTips()
 {
-    if (isStale(sender()))
+    if (m_identification->isStale(sender(), m_pMusicInfo))
         return;
     const auto* worker = qobject_cast<IdentifyThread*>(sender());
-    endIdentification();
+    m_identification->end();
     m_bIdentifyFailed = true;
     // Who cancelled knows.
     if (worker && worker->isCancelled())
         return;
-    emit emitTold(
-        m_identifyWords.of(worker ? worker->status() : IDENTIFY_NOT_RUN, worker && worker->hasKey()));
+    emit emitTold(m_identification->words(worker));
     MessageDialog::notify(QStringLiteral("Identify failed! You can edit the music information manually."),
                           "button_ok.png");
 }
 
 void MusicDetailedInfoWidget::SlotChangeImage()
 {
-    const QMusicInfo* const song = m_pMusicInfo; // only compared: a mode switch may take it meanwhile
-    const QString chosen = QFileDialog::getOpenFileName(
-        this, QStringLiteral("Open File"), QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
-        QStringLiteral("Images(*.png *.xpm *.jpg)"));
-    if (chosen.isEmpty() || !song || m_pMusicInfo != song)
-        return;
-    const CoverChoice::Choice choice = CoverChoice::embeddable(chosen, SongEditing::largestCover(*song));
-    if (choice.path.isEmpty())
-        emit emitTold({FootLines::coverNotTaken(QFileInfo(chosen).fileName(), choice.reason), true, {}});
-    else
-        takeNewCover(choice.path, CoverOrigin::Chosen);
+    m_cover->choose(this);
 }
 
 SongEdit MusicDetailedInfoWidget::editedSong() const
 {
     SongEdit edit = m_editors->edit();
-    edit.newCoverPath = m_strNewCoverPath;
-    edit.coverKept = isOwnCoverKept();
+    edit.newCoverPath = m_cover->newPath();
+    edit.coverKept = m_cover->isOwnKept();
     return edit;
 }
 
@@ -400,7 +315,7 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
     if (outcome.coverChanged)
         emit emitMusicCoverHasChanged();
     if (outcome.coverUsed)
-        m_strNewCoverPath.clear();
+        m_cover->forgetNew();
     ShowMusicInfo();
     tellOfSave(outcome);
     emit emitMusicInfoHasChanged();
@@ -415,27 +330,20 @@ void MusicDetailedInfoWidget::SlotOnBtnApply()
 void MusicDetailedInfoWidget::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool apply = enter && event->modifiers().testFlag(Qt::ControlModifier);
     if (!isEditing() || (!enter && event->key() != Qt::Key_Escape)) {
         QWidget::keyPressEvent(event);
         return;
     }
-    if (!enter || ui->m_btnCancel->hasFocus())
+    if (!enter || (!apply && ui->m_btnCancel->hasFocus()))
         SlotOnBtnCancel();
-    else if (ui->m_btnApply->isEnabled() && (!m_bIdentifyFailed || m_editors->isChangedIn(focusWidget())))
+    else if (ui->m_btnApply->isEnabled() &&
+             (apply || !m_bIdentifyFailed || m_editors->isChangedIn(focusWidget())))
         SlotOnBtnApply();
 }
 
 void MusicDetailedInfoWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    // Where the face ends its flat colour goes on.
-    painter.fillRect(rect(), Style::panel);
-    painter.fillRect(0, 0, 1, height(), Style::line);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(QPointF(0, 0), m_face.image(painter));
-    const QRect fields = ui->gridLayoutWidget->geometry();
-    const int rows = ui->m_gridLayout->rowCount();
-    for (int row = 1; row <= rows; ++row)
-        painter.fillRect(fields.x() + 8, fields.y() + fields.height() * row / rows - 1, fields.width() - 16,
-                         1, Style::fieldLine);
+    m_face.paint(painter, rect(), ui->gridLayoutWidget->geometry(), ui->m_gridLayout->rowCount());
 }

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "common/footline.h"
-#include "common/skinpicture.h"
+#include "detailface.h"
 #include "songeditors.h"
-#include "songs/identifywords.h"
 #include "songs/songediting.h"
 
 #include <QPointer>
@@ -13,9 +12,9 @@
 #include <memory>
 
 class ChangeHistory;
-class IdentifyThread;
+class CoverEditor;
 class KeepOffers;
-class SkinMovie;
+class SongIdentification;
 class SongLabels;
 struct QMusicInfo;
 
@@ -47,6 +46,12 @@ public:
     /// The panel is about to be hidden: an edit that nobody applied is told of, and over.
     void leave();
     QMusicInfo* song() const { return m_pMusicInfo; }
+    /// Shows the song in edit mode, if it is not already.
+    void edit(QMusicInfo* song);
+    /// The same, and has it identified.
+    void identify(QMusicInfo* song);
+    bool isEditing() const;
+    bool isIdentifying() const;
 
 signals:
     /// After every apply.
@@ -57,7 +62,7 @@ signals:
     void emitForbidToClickView(bool forbid);
     /// For the foot of the window.
     void emitTold(const FootText& told);
-    /// The song that was left is in edit mode again.
+    /// A song is in edit mode that nobody clicked for it.
     void emitEditedAgain();
 
 public slots:
@@ -77,50 +82,35 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    /// Where a new cover comes from: the user, or, for this song alone, an identification or the song itself.
-    enum class CoverOrigin { Chosen, Identified, Own };
-
     void InitBtn();
     void InitConnect();
     void HiddenLineEdit();
     void SetTextLabelAndLineState();
     void ShowAllTextLabelAndLineEind();
     void IdentifyMusic();
-    void endIdentification();
-    bool isStale(const QObject* worker) const;
     void forgetFormerSong();
     void showButtons(bool editing);
-    void showCover(const QString& path);
     void showTexts();
     void tellOfLeaving();
     void editAgain(QMusicInfo* song, const SongEditors::Held& typed);
     void tellOfSave(const SongEditing::Outcome& outcome);
     void takeBack(QMusicInfo* song);
-    void takeNewCover(const QString& path, CoverOrigin origin);
-    void keepCover(bool keep);
-    bool isOwnCoverKept() const;
-    void offerToKeepCover();
     SongEdit editedSong() const;
-    bool isEditing() const;
 
     std::unique_ptr<Ui::MusicDetailedInfoWidget> ui;
     std::unique_ptr<SongEditors> m_editors;
     std::unique_ptr<SongLabels> m_labels;
     KeepOffers* m_keepOffers = nullptr;
-    SkinPicture m_face;
+    std::unique_ptr<CoverEditor> m_cover;
+    std::unique_ptr<SongIdentification> m_identification;
+    DetailFace m_face;
 
     bool m_bNewSong = false;
     bool m_bFirstShow = true;
     bool m_bIdentified = false;
-    bool m_bIdentifying = false;    ///< from the start until the results are here, or nobody waits for them
-    bool m_bIdentifyFailed = false; ///< since the editors were opened
-    SongEditors::Held m_typed;      ///< oddity 39: the labels show what was typed after an apply
-    QString m_strNewCoverPath;      ///< chosen and not yet applied
-    CoverOrigin m_newCoverOrigin = CoverOrigin::Chosen;
+    bool m_bIdentifyFailed = false;  ///< since the editors were opened
+    SongEditors::Held m_typed;       ///< oddity 39: the labels show what was typed after an apply
+    QPointer<QWidget> m_formerFocus; ///< where the edit was begun; null for the panel
     QMusicInfo* m_pMusicInfo = nullptr;
     ChangeHistory* m_history = nullptr; ///< not owned; may be null
-    std::unique_ptr<SkinMovie> m_pMovie;
-    QPointer<IdentifyThread> m_pIdentifyThread;    ///< the latest worker; they end and go by themselves
-    const QMusicInfo* m_pIdentifiedSong = nullptr; ///< what it works on; only compared
-    IdentifyWords m_identifyWords;
 };

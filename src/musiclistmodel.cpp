@@ -2,6 +2,7 @@
 
 #include "common/style.h"
 #include "songs/songcolumns.h"
+#include "songs/spokenwords.h"
 #include "views/songcells.h"
 
 #include <QBrush>
@@ -44,4 +45,16 @@ QVariant MusicListModel::headerData(int section, Qt::Orientation orientation, in
     static const char* const headers[] = {"Title", "Artist",   "Album",     "Genre",
                                           "Year",  "Track ID", "Duplicates"};
     return isGrid() ? QVariant() : SongCells::header(headers, section, orientation, role);
+}
+
+QString MusicListModel::nameOf(int row) const
+{
+    const QMusicInfo* const song = nodeFromIndex(index(row, 0));
+    return song ? SpokenWords::of(song) : QString();
+}
+
+QString MusicListModel::restOf(int row) const
+{
+    const QMusicInfo* const song = nodeFromIndex(index(row, 0));
+    return song ? SpokenWords::about(song) : QString();
 }

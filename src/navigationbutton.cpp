@@ -72,6 +72,7 @@ NavigationButton::NavigationButton(QWidget* parent) : QImageButton(parent)
 void NavigationButton::setChosen(bool chosen)
 {
     m_chosen = chosen;
+    setAccessibleDescription(chosen ? QStringLiteral("In sight") : QString());
     QPalette captions = palette();
     captions.setColor(QPalette::ButtonText, chosen ? Style::chosen : Style::text);
     captions.setColor(QPalette::Disabled, QPalette::ButtonText, chosen ? Style::chosen : Style::locked);

@@ -5,6 +5,8 @@
 
 #include <QPainter>
 
+#include <array>
+
 NavigationWidget::NavigationWidget(QWidget* parent)
     : QImageWidget(parent), ui(std::make_unique<Ui::NavigationWidget>())
 {
@@ -62,6 +64,14 @@ void NavigationWidget::OnBtnMusicDuplicate()
     select(ui->m_btnMusicDuplicate);
     emit emitMusicDuplicate();
     emit emitHiddenMusicDetailedWidget();
+}
+
+void NavigationWidget::choose(int row)
+{
+    const std::array<QAbstractButton*, 3> buttons = {ui->m_btnMusicAll, ui->m_btnMusicUndefined,
+                                                     ui->m_btnMusicDuplicate};
+    if (row >= 0 && row < int(buttons.size()))
+        buttons[size_t(row)]->click();
 }
 
 void NavigationWidget::SlotSetBtnState()

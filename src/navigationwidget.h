@@ -37,6 +37,8 @@ public slots:
     void setUndefindSongsCount(int count);
     void setDuplicateSongsCount(int count);
     void setMusicCount(int all, int undefined, int duplicate);
+    /// As a click on the row, counted from the top: nothing while it cannot be clicked.
+    void choose(int row);
     /// Selects "All" without a signal.
     void SlotSetBtnState();
     void SlotForbidClickingBtn(bool forbid);

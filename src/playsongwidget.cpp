@@ -76,6 +76,7 @@ void PlaySongWidget::SetMusicPlayInfo(QMusicInfo* song, bool fromDupBar)
 
 void PlaySongWidget::showSong(const QMusicInfo* song)
 {
+    setAccessibleName(QStringLiteral("Playing ") + SongFields::shownName(song));
     ui->m_coverWidget->SetImageBackgroud(SongCover::shownPath(song), true);
     ui->m_labelName->setText(SongFields::artist(song));
     ui->m_labelTitle->setText(SongFields::title(song));
@@ -92,6 +93,7 @@ void PlaySongWidget::load(const QString& path)
 {
     m_pPlayer.reset();
     m_bToldSilent = false;
+    m_nToldSecond = -1;
     m_pPlayer.reset(CreatePlayer());
     if (!m_pPlayer)
         return;
@@ -141,12 +143,22 @@ void PlaySongWidget::UpdatePlayTime()
     const double played = duration > 0 ? double(position) / duration : 0;
     ui->m_musicPlaySlider->setValue(int(unsigned(qBound(0.0, played, 1.0) * sliderRange)));
     ui->m_labelShowTime->setText(ConvertTime(position));
+    tellTime(position, duration);
     if (!m_bToldSilent && PlayerIsSilent(m_pPlayer.get())) {
         m_bToldSilent = true;
         emit emitTold({FootLines::noSoundDevice(), true, {}});
     }
     if (m_pPlayer->GetState() == PLAYER_STATE_FINISHED)
         MusicDidfinish();
+}
+
+/// To those who hear it, once a second.
+void PlaySongWidget::tellTime(int position, int duration)
+{
+    if (std::exchange(m_nToldSecond, position / 1000) != position / 1000)
+        ui->m_musicPlaySlider->setAccessibleName(
+            QStringLiteral("Position: %1 of %2")
+                .arg(TimeText::inWords(position), TimeText::inWords(duration)));
 }
 
 void PlaySongWidget::SlotSetMusicPlayProgressValue(double fraction)
@@ -233,7 +245,9 @@ void PlaySongWidget::closeEvent(QCloseEvent* event)
 
 void PlaySongWidget::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() != Qt::Key_Space || event->isAutoRepeat())
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else if (event->key() != Qt::Key_Space || event->isAutoRepeat())
         QImageWidget::keyPressEvent(event);
     else if (ui->m_btnPause->isHidden())
         SlotOnBtnPlay();

@@ -12,8 +12,8 @@ namespace Ui {
 class PlaySongWidget;
 }
 
-/// A small window that plays one song at a time. Space plays and pauses. Closing it pauses; the song stays
-/// loaded.
+/// A small window that plays one song at a time. Space plays and pauses, Escape closes it. Closing it pauses;
+/// the song stays loaded.
 class PlaySongWidget : public QImageWidget
 {
     Q_OBJECT
@@ -66,6 +66,7 @@ private:
     void load(const QString& path);
     void startTimer();
     void showPauseButton(bool pause);
+    void tellTime(int position, int duration);
     void placeBeside(const QRect& other);
     /// Whatever frame had been guessed.
     void keepFrameInside();
@@ -75,6 +76,7 @@ private:
     quint64 m_nTotalTime = 0; ///< milliseconds
     std::unique_ptr<IAudioPlayer, DestroyPlayerLater> m_pPlayer;
     bool m_bToldSilent = false; ///< of the song that is loaded
+    int m_nToldSecond = -1;     ///< of the same
     bool m_bPlaced = false;
     bool m_bFrameGuessed = false; ///< the window was placed before its frame was known
 };

@@ -10,7 +10,7 @@
 #include <QApplication>
 
 namespace {
-int runApplication(int argc, char* argv[], const QStringList& paths)
+int runApplication(int argc, char* argv[], const CommandLine& commandLine)
 {
     QApplication application(argc, argv);
     Startup::afterApplication();
@@ -22,8 +22,8 @@ int runApplication(int argc, char* argv[], const QStringList& paths)
         QApplication::quit(); // which also ends the dialogs that are open
     });
     window->show();
-    if (!paths.isEmpty())
-        window->OpenInLocalMode(paths);
+    if (commandLine.isLocal)
+        window->OpenInLocalMode(commandLine.paths);
     return QApplication::exec();
 }
 } // namespace
@@ -38,7 +38,7 @@ int runProgram(int argc, char* argv[])
         setITunesLibraryOption(commandLine.library.toUtf8().constData());
     EndingSignals::hold();
     Startup::beforeApplication();
-    const int exitCode = runApplication(argc, argv, commandLine.paths);
+    const int exitCode = runApplication(argc, argv, commandLine);
     Startup::removeTemporaryFiles();
     return EndingSignals::passOn(exitCode);
 }

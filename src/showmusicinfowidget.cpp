@@ -1,11 +1,13 @@
 #include "showmusicinfowidget.h"
 
 #include "common/compositing.h"
+#include "common/screenplace.h"
 #include "common/style.h"
 #include "songs/songcover.h"
 #include "songs/songfields.h"
 #include "ui_showmusicinfowidget.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -33,6 +35,7 @@ void ShowMusicInfoWidget::Init()
 
 void ShowMusicInfoWidget::setMusicInfo(QMusicInfo* song)
 {
+    setAccessibleName(QStringLiteral("About ") + SongFields::shownName(song));
     ui->m_coverWidget->SetImageBackgroud(SongCover::shownPath(song), true);
     ui->m_labName->setText(SongFields::title(song));
     ui->m_labArtist->setText(SongFields::artist(song));
@@ -57,10 +60,35 @@ void ShowMusicInfoWidget::mousePressEvent(QMouseEvent*)
     close();
 }
 
-void ShowMusicInfoWidget::keyPressEvent(QKeyEvent* event)
+void ShowMusicInfoWidget::showAt(const QPoint& topLeft, const QPoint& onScreen)
 {
-    if (event->key() == Qt::Key_Escape)
+    move(ScreenPlace::inside(QRect(topLeft, size()), ScreenPlace::availableAt(onScreen)));
+    activateWindow();
+    show();
+}
+
+/// While it shows it hears everything, since the window system may have made it the active window or not.
+void ShowMusicInfoWidget::showEvent(QShowEvent* event)
+{
+    qApp->installEventFilter(this);
+    QWidget::showEvent(event);
+}
+
+void ShowMusicInfoWidget::hideEvent(QHideEvent* event)
+{
+    qApp->removeEventFilter(this);
+    QWidget::hideEvent(event);
+}
+
+bool ShowMusicInfoWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    const auto* const widget = qobject_cast<QWidget*>(watched);
+    const QEvent::Type type = event->type();
+    const bool pressedElsewhere = type == QEvent::MouseButtonPress && widget && widget->window() != this;
+    const bool gone = type == QEvent::Hide && watched == parent();
+    const bool escape = type == QEvent::KeyPress && widget && !QApplication::activeModalWidget() &&
+                        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
+    if (pressedElsewhere || gone || escape)
         close();
-    else
-        QWidget::keyPressEvent(event);
+    return escape;
 }

@@ -12,7 +12,8 @@ namespace Ui {
 class ShowMusicInfoWidget;
 }
 
-/// A small card without a frame that shows one song's cover and tags; a press on it closes it.
+/// A small card without a frame that shows one song's cover and tags. Any press closes it, Escape does
+/// wherever it is pressed, and it goes with what it belongs to, its parent, once that is not to be seen.
 class ShowMusicInfoWidget : public QWidget
 {
     Q_OBJECT
@@ -24,11 +25,15 @@ public:
     void Init();
     /// Shows the song's data as they are now.
     void setMusicInfo(QMusicInfo* song);
+    /// Shows the card in front, this corner of it here as far as the screen of a point has room.
+    void showAt(const QPoint& topLeft, const QPoint& onScreen);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     std::unique_ptr<Ui::ShowMusicInfoWidget> ui;

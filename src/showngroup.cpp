@@ -5,13 +5,23 @@
 #include "songs/songclassification.h"
 #include "songviews.h"
 
+#include <QAbstractItemView>
+
 int ShownGroup::next() const
 {
     DupMusicInfo* const group = isLeft() ? m_songs.groups().at(int(m_nCurrentDupRow)) : nullptr;
     const int row = group ? m_views.rowOf(group) : -1;
     const int next =
-        SongClassification::rowAfter(row >= 0 ? row : m_shownRow, row >= 0, m_views.groupCount());
+        SongClassification::rowAfter(row >= 0 ? row : m_views.groupPlace(), row >= 0, m_views.groupCount());
     return next >= 0 ? m_songs.groups().indexOf(m_views.groupAt(next)) : -1;
+}
+
+int ShownGroup::rowBeside(int steps) const
+{
+    const int marked = m_views.view(true, true)->currentIndex().row();
+    // One that is gone has no mark: those behind it have moved up to where it was.
+    const int row = marked >= 0 ? marked + steps : m_views.groupPlace() + qMin(steps, 0);
+    return row < m_views.groupCount() ? row : -1;
 }
 
 QList<QMusicInfo*> ShownGroup::keptSongs() const
@@ -32,9 +42,7 @@ void ShownGroup::show(int row)
 void ShownGroup::show(DupMusicInfo* group)
 {
     m_nCurrentDupRow = m_songs.groups().indexOf(group);
-    const int row = m_views.selectGroup(group);
-    if (row >= 0)
-        m_shownRow = row;
+    m_views.selectGroup(group);
     if (group)
         m_panel.SetDuplicateMusicDetailedInfo(&group->musicList);
 }

@@ -25,6 +25,8 @@ public:
     /// The group that shows behind it, or behind where it was, by its row in that list; -1 when there is no
     /// other.
     int next() const;
+    /// The row of the views, as they show the groups, that lies so many steps from the group; -1 for none.
+    int rowBeside(int steps) const;
     /// The songs that its panel, while in sight, is told to keep.
     QList<QMusicInfo*> keptSongs() const;
 
@@ -49,5 +51,4 @@ private:
     SongViews& m_views;
     const SongClassification& m_songs;
     qint64 m_nCurrentDupRow = 0;
-    int m_shownRow = 0; ///< in the views, where it was last
 };

@@ -28,7 +28,7 @@ SongEditors::SongEditors(const Widgets& widgets)
     // As tall as the label below it, looking less so.
     const QString look = QStringLiteral("QLineEdit{margin:4px 0;padding:0 5px;border:1px solid %1;"
                                         "border-radius:4px;background:white;color:%2}"
-                                        "QLineEdit:focus{border-color:%3}")
+                                        "QLineEdit:focus{border:2px solid %3;padding:0 4px}")
                              .arg(Style::editorLine.name(), Style::ink.name(), Style::editorFocus.name());
     for (QLineEdit* editor : m_lines) {
         editor->setFont(font);

@@ -1,13 +1,12 @@
 #include "songviews.h"
 
-#include "collection/counttext.h"
 #include "common/sortheader.h"
+#include "dupmusicinfo.h"
 #include "dupmusiclistmodel.h"
 #include "musiclistmodel.h"
 #include "views/covergriddelegate.h"
 #include "views/paintdupnumberdelegate.h"
 #include "views/songcells.h"
-#include "views/viewnotice.h"
 #include "views/viewsetup.h"
 
 #include <QListView>
@@ -37,9 +36,6 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
       m_allMusicTableModel(new MusicListModel(this)), m_dupMusicGridModel(new DupMusicListModel(this)),
       m_dupMusicTableModel(new DupMusicListModel(this))
 {
-    const auto views = all();
-    std::transform(views.begin(), views.end(), m_notices.begin(),
-                   [](QAbstractItemView* view) { return new ViewNotice(view); });
     // Before the views, which measure columns that are there.
     showSongs(songs);
     showGroups(groups, SongCells::columnModeDupTable);
@@ -61,7 +57,7 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
             &SongViews::orderSongs);
     connect(m_widgets.groupTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
             &SongViews::orderGroups);
-    for (QWidget* view : views)
+    for (QWidget* view : all())
         view->hide();
 }
 
@@ -99,17 +95,6 @@ void SongViews::tellShown()
 {
     const int found = m_groupsChosen ? m_groups.count() : m_songs.count();
     const int all = m_groupsChosen ? m_groups.countOfAll() : m_songs.countOfAll();
-    QString heading;
-    QString line;
-    if (m_find.isActive() && found == 0 && all > 0) {
-        heading = (m_groupsChosen ? QStringLiteral("No group has “%1”") : QStringLiteral("No song has “%1”"))
-                      .arg(m_typed.simplified());
-        line = QStringLiteral("Empty the field above to see all %1 again.")
-                   .arg(m_groupsChosen ? CountText::of(quint64(all), "group", "groups")
-                                       : CountText::of(quint64(all), "song", "songs"));
-    }
-    for (ViewNotice* notice : m_notices)
-        notice->say(heading, line);
     emit listShown(found, all);
 }
 
@@ -121,12 +106,6 @@ void SongViews::refreshSongs()
 void SongViews::refreshGroups()
 {
     showGroups(m_groups.source(), m_groupColumns);
-}
-
-void SongViews::groupsChanged()
-{
-    if (!m_groups.isWhole())
-        refreshGroups();
 }
 
 void SongViews::leave(const QMusicInfo* song, const DupMusicInfo* group)
@@ -150,6 +129,7 @@ void SongViews::find(const QString& typed)
 {
     m_typed = typed;
     m_find.setTyped(typed);
+    m_groupPlace = 0;
     if (m_groupsChosen) {
         m_groups.narrow(m_find);
         giveGroupsMarked();
@@ -214,6 +194,8 @@ int SongViews::selectGroup(const DupMusicInfo* group)
 {
     m_markedGroup = group;
     const int row = m_groups.rowOf(group);
+    if (row >= 0)
+        m_groupPlace = row;
     m_widgets.groupGrid->setCurrentIndex(m_dupMusicGridModel->index(row, 0));
     m_widgets.groupTable->setCurrentIndex(m_dupMusicTableModel->index(row, 0));
     return row;
@@ -229,6 +211,14 @@ DupMusicInfo* SongViews::groupOf(const QModelIndex& index)
     return static_cast<DupMusicInfo*>(index.internalPointer());
 }
 
+QMusicInfo* SongViews::firstSongOf(const QAbstractItemView& view, const QModelIndex& index) const
+{
+    if (!showsGroups(view))
+        return songOf(index);
+    const DupMusicInfo* const group = groupOf(index);
+    return group ? group->musicList.value(0) : nullptr;
+}
+
 QAbstractItemView* SongViews::view(bool groups, bool grid) const
 {
     if (groups)
@@ -241,6 +231,19 @@ QAbstractItemView* SongViews::choose(bool groups, bool grid)
     m_groupsChosen = groups;
     tellShown();
     return view(groups, grid);
+}
+
+QAbstractItemView* SongViews::shownView() const
+{
+    const auto views = all();
+    const auto shown =
+        std::find_if(views.begin(), views.end(), [](const QWidget* view) { return !view->isHidden(); });
+    return shown == views.end() ? nullptr : *shown;
+}
+
+bool SongViews::showsGroups(const QAbstractItemView& view) const
+{
+    return &view == m_widgets.groupGrid || &view == m_widgets.groupTable;
 }
 
 std::array<QAbstractItemView*, 4> SongViews::all() const

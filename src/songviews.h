@@ -13,7 +13,6 @@ class QAbstractItemView;
 class QListView;
 class QModelIndex;
 class QTableView;
-class ViewNotice;
 struct DupMusicInfo;
 struct QMusicInfo;
 
@@ -38,15 +37,14 @@ public:
     SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<DupMusicInfo*>* groups,
               QObject* parent);
 
-    /// The lists are read in place: after a change of one its views are refreshed, or shown another list.
+    /// The lists are read in place: after a change of one, or of what its songs say, its views are refreshed,
+    /// or shown another list. They may be in sight.
     void showSongs(QList<QMusicInfo*>* songs);
     void showGroups(QList<DupMusicInfo*>* groups, int tableColumns);
     void refreshSongs();
     void refreshGroups();
     /// Songs were edited, came or went; before views are refreshed. What is found is then looked for anew.
     void forgetTexts() { m_find.forgetTexts(); }
-    /// Other groups are in the list: views that show a list of their own are refreshed.
-    void groupsChanged();
     /// The song, and the group unless it is null, left the true lists, one of many perhaps: the same without
     /// them, and nothing is looked for or ordered again.
     void leave(const QMusicInfo* song, const DupMusicInfo* group);
@@ -60,6 +58,9 @@ public:
     /// How many groups show, and which is at a row.
     int groupCount() const { return m_groups.count(); }
     DupMusicInfo* groupAt(int row) const { return m_groups.list()->at(row); }
+    /// The row of the group that was marked last, even if it is gone and others have moved up there; the
+    /// first one once something else is looked for that the group does not have.
+    int groupPlace() const { return m_groupPlace; }
 
     /// Marks it in both views of the kind, as soon as it shows; null for none. Forgotten with the list. The
     /// row, or -1.
@@ -68,11 +69,18 @@ public:
     /// Null for an index without one.
     static QMusicInfo* songOf(const QModelIndex& index);
     static DupMusicInfo* groupOf(const QModelIndex& index);
+    /// The song of an index of this view, of a group the first; null for an index without one.
+    QMusicInfo* firstSongOf(const QAbstractItemView& view, const QModelIndex& index) const;
 
     QAbstractItemView* view(bool groups, bool grid) const;
     /// The same, which is in sight from now on.
     QAbstractItemView* choose(bool groups, bool grid);
+    /// The one that is not hidden; null while none is to be seen.
+    QAbstractItemView* shownView() const;
+    bool showsGroups(const QAbstractItemView& view) const;
     std::array<QAbstractItemView*, 4> all() const;
+    /// The words of find(), in one line.
+    QString lookedFor() const { return m_typed.simplified(); }
     void setGroupsEnabled(bool enabled);
     /// Shows files of covers as they are now.
     void repaintCovers();
@@ -101,7 +109,6 @@ private:
     MusicListModel* m_allMusicTableModel;
     DupMusicListModel* m_dupMusicGridModel;
     DupMusicListModel* m_dupMusicTableModel;
-    std::array<ViewNotice*, 4> m_notices; ///< as the views in all()
     SongFind m_find;
     QString m_typed;
     ShownList<QMusicInfo> m_songs;
@@ -110,4 +117,5 @@ private:
     bool m_groupsChosen = false;
     const QMusicInfo* m_markedSong = nullptr; ///< whether it shows or not; may be gone
     const DupMusicInfo* m_markedGroup = nullptr;
+    int m_groupPlace = 0;
 };

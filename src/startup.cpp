@@ -1,8 +1,11 @@
 #include "startup.h"
 
 #include "audiocore/log.h"
+#include "common/screenreader.h"
 #include "common/style.h"
 #include "common/workers.h"
+#include "desktopscale.h"
+#include "dialogparents.h"
 #include "ownenvironment.h"
 #include "privatefolder.h"
 
@@ -107,13 +110,15 @@ void Startup::beforeCommandLine()
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 #endif
     QCoreApplication::setApplicationName(QStringLiteral("Melodrift"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(MELODRIFT_VERSION));
 }
 
 void Startup::beforeApplication()
 {
     beforeCommandLine();
     makeTemporaryFilesPrivate();
+    if (const qreal scale = DesktopScale::ofDesktop(); scale > 1)
+        OwnEnvironment::set("QT_SCALE_FACTOR", QByteArray::number(scale));
     if (!qEnvironmentVariableIsSet("QT_FONT_DPI")) {
         OwnEnvironment::set("QT_FONT_DPI", "72");
         // Else scaled screens would only ever raise the resolution, back to 96.
@@ -122,6 +127,7 @@ void Startup::beforeApplication()
     // Nothing is drawn by OpenGL, whose libraries take half of the memory at the start.
     if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
         OwnEnvironment::set("QT_XCB_GL_INTEGRATION", "none");
+    QGuiApplication::setDesktopFileName(QStringLiteral("melodrift"));
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 }
@@ -137,6 +143,8 @@ void Startup::afterApplication()
     std::setlocale(LC_NUMERIC, "C");
     SetAudioCoreLogSink([](const char* line) { qWarning("%s", line); });
     Workers::fillToolkitPool();
+    ScreenReader::install();
+    DialogParents::keepWhereNothingCanBePlaced();
     chooseFonts();
     chooseColours();
     // The text cursor stands still: a blinking one has its window painted for as long as an editor is open.

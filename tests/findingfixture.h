@@ -33,12 +33,10 @@ protected:
         const QPoint place(header->sectionViewportPosition(column) + 20, header->height() / 2);
         QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, place);
     }
-    /// What the middle of the view says; empty for nothing.
-    QString notice(const char* name) const
+    /// What the middle of the views says; empty for nothing.
+    QString notice() const
     {
-        for (const QWidget* child : view<QAbstractItemView>(name)->findChildren<QWidget*>())
-            if (child->inherits("ViewNotice") && child->isVisible())
-                return child->accessibleName();
-        return QString();
+        const auto* said = m_center->findChild<QWidget*>("m_viewNotice");
+        return said->isVisible() ? said->accessibleName() : QString();
     }
 };

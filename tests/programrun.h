@@ -50,8 +50,13 @@ public:
 
     void start(const QString& program, const QStringList& arguments = {})
     {
-        process.setProcessEnvironment(m_environment);
-        process.start(program, arguments);
+        startBeside(process, program, arguments);
+    }
+    /// Another one that finds the same.
+    void startBeside(QProcess& other, const QString& program, const QStringList& arguments) const
+    {
+        other.setProcessEnvironment(m_environment);
+        other.start(program, arguments);
     }
     /// The built program, which lies beside the tests.
     void startMelodrift(const QStringList& arguments = {})

@@ -408,6 +408,8 @@ after_songs() {
 }
 
 . "$here/tour_foot.sh"
+. "$here/tour_keys.sh"
+. "$here/tour_sight.sh"
 start_display
 start_services
 export MELODRIFT_AUDIO_OUTPUT=null
@@ -425,6 +427,8 @@ for width in 1120 1000; do
     flatten "$@"
     walk $width $height ${width}x$height
     foot $width $height ${width}x$height
+    keys $width $height ${width}x$height
+    sight $width $height ${width}x$height
 done
 "$bin/make_collection" "$work/large/0" 3000
 for copy in 1 2 3 4 5 6; do cp -r "$work/large/0" "$work/large/$copy"; done
@@ -439,6 +443,8 @@ for width in 1120 1000; do
     flatten "$@"
     walk $width $height dense-${width}x$height
     foot $width $height dense-${width}x$height
+    keys $width $height dense-${width}x$height
+    sight $width $height dense-${width}x$height
 done
 sed -n 's/^songs: /songs: /p' "$log" | head -n 1
 echo "pictures: $pictures"

@@ -14,6 +14,8 @@ private slots:
     void wrongOptionsEndWithTwo();
     void withoutAnyPathThatExistsNoWindowOpens();
     void missingPathsAreNamedAndLeftOut();
+    void theLocalModeNeedsNoPath();
+    void aSecondStartGoesItsOwnWay();
     void optionsOfTheToolkitAreNotOurs();
 
 private:
@@ -46,8 +48,8 @@ void TestCommandLine::answersNeedNoDisplay_data()
     QTest::newRow("help") << QStringList("--help") << QByteArray("--itunes-library <file>");
     QTest::newRow("h") << QStringList("-h") << QByteArray("[paths...]");
     QTest::newRow("help-all") << QStringList("--help-all") << QByteArray("--version");
-    QTest::newRow("version") << QStringList("--version") << QByteArray("Melodrift 1.0\n");
-    QTest::newRow("v") << QStringList("-v") << QByteArray("Melodrift 1.0\n");
+    QTest::newRow("version") << QStringList("--version") << QByteArray("Melodrift " MELODRIFT_VERSION "\n");
+    QTest::newRow("v") << QStringList("-v") << QByteArray("Melodrift " MELODRIFT_VERSION "\n");
     QTest::newRow("with a path") << QStringList({"nowhere.mp3", "--version"}) << QByteArray("Melodrift");
 }
 
@@ -108,6 +110,30 @@ void TestCommandLine::missingPathsAreNamedAndLeftOut()
     QCOMPARE(run.process.readLine(), QByteArray("melodrift: no such file or folder: nowhere.mp3\n"));
     QTRY_VERIFY(!run.left().isEmpty()); // it goes on
     QCOMPARE(run.process.state(), QProcess::Running);
+}
+
+void TestCommandLine::theLocalModeNeedsNoPath()
+{
+    ProgramRun run;
+    run.startMelodrift({"--local"});
+    QVERIFY(run.process.waitForStarted(patience));
+    QTRY_VERIFY(!run.left().isEmpty());
+    QCOMPARE(run.process.state(), QProcess::Running);
+    QCOMPARE(run.process.readAllStandardError(), QByteArray());
+}
+
+void TestCommandLine::aSecondStartGoesItsOwnWay()
+{
+    ProgramRun first;
+    ProgramRun second;
+    QVERIFY(QDir(first.path("")).mkdir("songs"));
+    second.set("TMPDIR", first.temporary());
+    first.startMelodrift({first.path("songs")});
+    QTRY_COMPARE(first.left().size(), 1);
+    second.startMelodrift({first.path("songs")});
+    QTRY_COMPARE(first.left().size(), 2);
+    QCOMPARE(first.process.state(), QProcess::Running);
+    QCOMPARE(second.process.state(), QProcess::Running);
 }
 
 void TestCommandLine::optionsOfTheToolkitAreNotOurs()

@@ -136,20 +136,20 @@ void TestFinding::everyViewIsNarrowed()
 void TestFinding::nothingFoundIsSaidInTheMiddle()
 {
     addThreeGroups();
-    QCOMPARE(notice("m_dupMusicListView"), QString());
+    QCOMPARE(notice(), QString());
     type("nowhere");
-    QCOMPARE(notice("m_dupMusicListView"),
+    QCOMPARE(notice(),
              QStringLiteral("No group has “nowhere”\nEmpty the field above to see all 3 groups again."));
     m_center->slotShowAllmusicView();
     m_center->OnBtnTableView();
-    QCOMPARE(notice("m_allMusicTableView"),
+    QCOMPARE(notice(),
              QStringLiteral("No song has “nowhere”\nEmpty the field above to see all 6 songs again."));
     QCOMPARE(count(), QString("0 of 6"));
     m_center->slotShowUndefineMusicView(); // which is empty, whatever is looked for
-    QCOMPARE(notice("m_allMusicTableView"), QString());
+    QVERIFY(notice().startsWith("No undefined songs."));
     m_center->slotShowAllmusicView();
     QTest::keyClick(field(), Qt::Key_Escape);
-    QCOMPARE(notice("m_allMusicTableView"), QString());
+    QCOMPARE(notice(), QString());
 }
 
 void TestFinding::theMarkStaysWithItsSong()

@@ -8,6 +8,7 @@
 #include <QCheckBox>
 #include <QSignalSpy>
 #include <QtTest>
+#include <QWindow>
 
 /// Clearing groups from their panel.
 class TestGroupClearing : public GroupPanelFixture
@@ -24,6 +25,7 @@ private slots:
     void theQuestionSaysWhatGoesAndWhatStays();
     void theQuestionWarnsWhenNothingStays();
     void theQuestionShortensALongTitle();
+    void enterAnswersTheQuestionWithCancel();
     void whoCancelsIsAskedAgain();
     void cancellingDeletesNothing();
     void noStrayDoubleClickDeletes();
@@ -120,6 +122,25 @@ void TestGroupClearing::theQuestionWarnsWhenNothingStays()
         click(m_panel.get(), "m_btnClearOne");
         QVERIFY(asked);
     }
+}
+
+/// The other button is reached by keys as well.
+void TestGroupClearing::enterAnswersTheQuestionWithCancel()
+{
+    QList<QMusicInfo*> songs = group(3);
+    m_panel->SetDuplicateMusicDetailedInfo(&songs);
+    QSignalSpy deleted(m_panel.get(), SIGNAL(emitDeleteDupMusicWasSelected(QMusicInfo*)));
+    m_dialogs->expect([](QWidget* dialog) { QTest::keyClick(dialog->windowHandle(), Qt::Key_Return); });
+    click(m_panel.get(), "m_btnClearOne");
+    QCOMPARE(deleted.size(), 0);
+    m_dialogs->expect([](QWidget* dialog) {
+        QApplication::setActiveWindow(dialog);
+        for (int i = 0; i < 4 && !child<QWidget>(dialog, "m_btnOK")->hasFocus(); ++i)
+            QTest::keyClick(dialog->windowHandle(), Qt::Key_Tab);
+        QTest::keyClick(dialog->windowHandle(), Qt::Key_Space);
+    });
+    click(m_panel.get(), "m_btnClearOne");
+    QCOMPARE(deleted.size(), 2);
 }
 
 void TestGroupClearing::theQuestionShortensALongTitle()

@@ -69,6 +69,7 @@ private slots:
     void theCentralViewReachesTheNavigation();
     void startScanOpensTheDialogWhileNothingWasAdded();
     void pathsAreTakenInOnceTheLocalModeIsInForce();
+    void theLocalModeIsOpenedWithoutPaths();
     void progressShowsInTheHeader();
     void everyButtonHasANameAndCanBeReached();
 
@@ -428,6 +429,14 @@ void TestMainWindow::pathsAreTakenInOnceTheLocalModeIsInForce()
     m_window->OpenInLocalMode({m_folder->path()});
     QTRY_COMPARE(caption("m_btnMusicAll"), QString("All songs(1)"));
     QVERIFY(QIOrvoUtil::m_cleanMode);
+}
+
+void TestMainWindow::theLocalModeIsOpenedWithoutPaths()
+{
+    m_window->OpenInLocalMode({});
+    QTRY_VERIFY(part<QPushButton>("m_btnLocalClean")->isVisible());
+    QVERIFY(QIOrvoUtil::m_cleanMode);
+    QCOMPARE(caption("m_btnMusicAll"), QString("All songs(0)"));
 }
 
 void TestMainWindow::progressShowsInTheHeader()

@@ -328,6 +328,9 @@ void TestRest::aScannedLibrary()
     QVERIFY(scan());
     QCOMPARE(part<QImageButton>("m_btnMusicAll")->btnText(), QString("All songs(20)"));
     VERIFY_REST();
+    click("m_btnMusicUndefined"); // there are none, which the view says
+    QVERIFY(part<QWidget>("m_viewNotice")->isVisible());
+    VERIFY_REST();
 }
 
 /// What stands elsewhere in a window of another size stands there before it is painted.

@@ -1,3 +1,4 @@
+#include "desktopscale.h"
 #include "folderopener.h"
 #include "songs/localsongreader.h"
 #include "startup.h"
@@ -32,6 +33,10 @@ private slots:
     void programsThatAreStartedFindTheUsersFolder();
     void pointsArePixels();
     void aResolutionOfTheUsersOwnStays();
+    void densityIsReadFromTheDesktopsResources_data();
+    void densityIsReadFromTheDesktopsResources();
+    void whatTheToolkitIsToldWins_data();
+    void whatTheToolkitIsToldWins();
     void missingFontsHaveStandIns();
     void numbersHaveADotForTheLibraries();
     void fileNamesAreUtf8();
@@ -92,6 +97,59 @@ void TestStartup::aResolutionOfTheUsersOwnStays()
     Startup::beforeApplication();
     QCOMPARE(qgetenv("QT_FONT_DPI"), QByteArray("110"));
     qputenv("QT_FONT_DPI", "72");
+}
+
+void TestStartup::densityIsReadFromTheDesktopsResources_data()
+{
+    QTest::addColumn<QByteArray>("resources");
+    QTest::addColumn<qreal>("scale");
+    QTest::newRow("nothing") << QByteArray() << 1.0;
+    QTest::newRow("nothing of fonts") << QByteArray("Xcursor.size:\t48\nXft.rgba:\tnone\n") << 1.0;
+    QTest::newRow("usual") << QByteArray("Xft.dpi:\t96\n") << 1.0;
+    QTest::newRow("a little more") << QByteArray("Xft.dpi:\t101\n") << 1.0;
+    QTest::newRow("less") << QByteArray("Xft.dpi:\t75\n") << 1.0;
+    QTest::newRow("one and a quarter") << QByteArray("Xft.dpi: 120") << 1.25;
+    QTest::newRow("one and a half") << QByteArray("Xft.antialias:\t1\nXft.dpi:\t144.5\nXft.hinting:\t1\n")
+                                    << 1.5;
+    QTest::newRow("two") << QByteArray("Xft.dpi:\t192\n") << 2.0;
+    QTest::newRow("beyond all") << QByteArray("Xft.dpi:\t1e300\n") << 4.0;
+    QTest::newRow("no number") << QByteArray("Xft.dpi:\tmany\n") << 1.0;
+    QTest::newRow("not a number") << QByteArray("Xft.dpi:\tnan\n") << 1.0;
+}
+
+void TestStartup::densityIsReadFromTheDesktopsResources()
+{
+    QFETCH(QByteArray, resources);
+    QFETCH(qreal, scale);
+    QCOMPARE(DesktopScale::ofResources(resources), scale);
+}
+
+void TestStartup::whatTheToolkitIsToldWins_data()
+{
+    QTest::addColumn<QByteArray>("variable");
+    QTest::addColumn<QByteArray>("value");
+    QTest::newRow("factor") << QByteArray("QT_SCALE_FACTOR") << QByteArray("1");
+    QTest::newRow("of screens") << QByteArray("QT_SCREEN_SCALE_FACTORS") << QByteArray("HDMI-1=2;DP-1=1");
+    QTest::newRow("not at all") << QByteArray("QT_AUTO_SCREEN_SCALE_FACTOR") << QByteArray("0");
+    QTest::newRow("off") << QByteArray("QT_ENABLE_HIGHDPI_SCALING") << QByteArray("0");
+    QTest::newRow("fonts") << QByteArray("QT_FONT_DPI") << QByteArray("96");
+}
+
+void TestStartup::whatTheToolkitIsToldWins()
+{
+    QFETCH(QByteArray, variable);
+    QFETCH(QByteArray, value);
+    const QByteArray factor = qgetenv("QT_SCALE_FACTOR"); // a dense screen's
+    for (const char* name : {"QT_FONT_DPI", "QT_SCALE_FACTOR"})
+        qunsetenv(name);
+    QVERIFY(!DesktopScale::isToldToTheToolkit());
+    qputenv(variable, value);
+    const bool isTold = DesktopScale::isToldToTheToolkit();
+    qunsetenv(variable);
+    qputenv("QT_FONT_DPI", "72");
+    if (!factor.isEmpty())
+        qputenv("QT_SCALE_FACTOR", factor);
+    QVERIFY(isTold);
 }
 
 void TestStartup::missingFontsHaveStandIns()

@@ -45,7 +45,6 @@ FindField::FindField(QWidget* parent) : QLineEdit(parent), m_cross(new FindCross
 {
     setFont(Style::font(12));
     setFrame(false);
-    setFocusPolicy(Qt::ClickFocus);
     setTextMargins(glassRoom, 0, crossRoom, 0);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMaximumWidth(widest);
@@ -99,7 +98,7 @@ void FindField::keyPressEvent(QKeyEvent* event)
     }
     if (key == Qt::Key_Escape)
         clear();
-    clearFocus();
+    emit left();
 }
 
 void FindField::focusInEvent(QFocusEvent* event)

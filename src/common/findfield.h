@@ -4,9 +4,8 @@
 
 class FindCross;
 
-/// A field for what is looked for, with a magnifier, and a cross to empty it. Escape empties it and gives the
-/// keys back to the window, Return gives them back alone. Takes the keys by a click or begin() alone: a
-/// button that is disabled by its click hands the focus on, and letters typed then are for what shows.
+/// A field for what is looked for, with a magnifier, and a cross to empty it. Escape empties it and leaves
+/// it, Return leaves it alone: whoever hears left() has the keys go on elsewhere.
 class FindField : public QLineEdit
 {
     Q_OBJECT
@@ -24,6 +23,8 @@ public slots:
 signals:
     /// It takes the keys; what it will look in can be made ready.
     void begun();
+    /// The user is through with it.
+    void left();
 
 protected:
     bool event(QEvent* event) override;

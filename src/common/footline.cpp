@@ -1,11 +1,10 @@
 #include "common/footline.h"
 
+#include "common/screenreader.h"
 #include "common/style.h"
 #include "common/textfit.h"
 #include "common/textlink.h"
 
-#include <QAccessible>
-#include <QAccessibleWidget>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -15,13 +14,6 @@ constexpr int margin = 12; // at both ends
 constexpr int linkGap = 10;
 constexpr qreal markRadius = 6;
 constexpr int markWidth = 19; // with the gap to the text
-
-/// Screen readers read changes of a status out.
-QAccessibleInterface* statusOf(const QString& className, QObject* object)
-{
-    auto* line = className == QLatin1String("FootLine") ? qobject_cast<QWidget*>(object) : nullptr;
-    return line ? new QAccessibleWidget(line, QAccessible::StatusBar) : nullptr;
-}
 
 /// Breaks would leave a part of the text outside.
 QString onOneLine(QString text)
@@ -47,8 +39,7 @@ void paintMark(QPainter& painter, const QPointF& centre)
 
 FootLine::FootLine(QWidget* parent) : QWidget(parent), m_offer(new TextLink(QString(), this))
 {
-    static const bool installed = (QAccessible::installFactory(statusOf), true);
-    Q_UNUSED(installed)
+    ScreenReader::setRole(*this, QAccessible::StatusBar);
     setFont(Style::font(12));
     m_offer->hide();
     connect(m_offer, &TextLink::clicked, this, [this] {

@@ -40,7 +40,7 @@ void OverlayButton::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(hasFocus() ? QPen(Style::editorFocus, 2) : QPen(Style::editorLine, 1));
+    painter.setPen(QPen(Style::editorLine, 1));
     painter.setBrush(face());
     painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), buttonCorner, buttonCorner);
     const int captionWidth = fontMetrics().horizontalAdvance(text());

@@ -11,7 +11,10 @@ PaintedButton::PaintedButton(QWidget* parent) : QAbstractButton(parent)
 
 void PaintedButton::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && event->modifiers().testFlag(Qt::ControlModifier))
+        event->ignore(); // what that does is not this button's
+    else if (enter)
         click();
     else
         QAbstractButton::keyPressEvent(event);

@@ -51,14 +51,4 @@ void QImageButton::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.setFont(Style::buttonFont());
     painter.drawText(32, 27, m_strText);
-    paintFocus(painter);
-}
-
-void QImageButton::paintFocus(QPainter& painter) const
-{
-    if (!hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        return;
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Style::focus, 1, Qt::DotLine));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(2.5, 2.5, -2.5, -2.5), 6, 6);
 }

@@ -22,7 +22,6 @@ protected:
 
 private:
     void describe(const QString& picturePath);
-    void paintFocus(QPainter& painter) const;
 
     QString m_strText;
 };

@@ -1,5 +1,7 @@
 #include "common/qimagedialog.h"
 
+#include "common/focusmark.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -7,7 +9,10 @@
 
 QString QImageDialog::s_strAppPath;
 
-QImageDialog::QImageDialog(QWidget* parent, Qt::WindowFlags flags) : QDialog(parent, flags) {}
+QImageDialog::QImageDialog(QWidget* parent, Qt::WindowFlags flags) : QDialog(parent, flags)
+{
+    new FocusMark(this);
+}
 
 QImageDialog::~QImageDialog() = default;
 

@@ -185,6 +185,15 @@ double qSliderCtrl::fraction() const
     return usable > 0 ? double(m_nPos) / usable : 0;
 }
 
+void qSliderCtrl::moveTo(double fraction)
+{
+    if (!m_bMoveEnable)
+        return;
+    takePosition(int(std::clamp(fraction, 0.0, 1.0) * std::max(width() - m_nBtnWidth, 0)));
+    repaint();
+    emit sendProgressValue(std::clamp(fraction, 0.0, 1.0));
+}
+
 void qSliderCtrl::moveHandle(int x)
 {
     if (m_pBtn)

@@ -62,6 +62,10 @@ public:
     /// What the last setValue asked for, counted from the range's minimum; what the user did since is not in
     /// it.
     float getValue() const;
+    long long minimum() const { return m_nMin; }
+    long long maximum() const { return m_nMax; }
+    /// As if the user had moved it there: to 0 at the left end, 1 at the right end.
+    void moveTo(double fraction);
 
     /// Draws track and filled part with round ends.
     void setCircle(bool circle);

@@ -18,6 +18,7 @@ const QHash<QString, SkinWords::Words>& table()
         {QStringLiteral("button_preview_left"), {QStringLiteral("Show songs as covers"), false}},
         {QStringLiteral("button_preview_right"), {QStringLiteral("Show songs as a table"), false}},
         {QStringLiteral("button_open"), {QStringLiteral("Open music files"), true}},
+        {QStringLiteral("button_library"), {QStringLiteral("Choose library file…"), true}},
         {QStringLiteral("btn_msg_startscan"), {QStringLiteral("Start Scan"), true}},
         {QStringLiteral("button_addmusic"), {QStringLiteral("Add music"), true}},
         {QStringLiteral("button_ok"), {QStringLiteral("OK"), true}},

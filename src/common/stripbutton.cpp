@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QPointer>
 
+#include <cmath>
+
 namespace {
 /// The button that took the last press.
 QPointer<const StripButton>& lastPressed()
@@ -22,6 +24,19 @@ QSize StripButton::loadStrip(const QString& path)
     m_pImage = std::make_unique<SkinPicture>(path);
     const QSize strip = m_pImage->size();
     return QSize(strip.width() / 4, strip.height());
+}
+
+qreal StripButton::corner() const
+{
+    const QImage strip = hasStrip() ? m_pImage->image(1) : QImage();
+    if (strip.width() < 2 || strip.height() < height() / 2)
+        return 0;
+    int y = 0;
+    while (y < height() / 2 && qAlpha(strip.pixel(1, y)) < 128)
+        ++y;
+    // Of the circle that leaves so much room above it in the second column.
+    constexpr qreal x = 1.5;
+    return y == 0 ? 0 : qMin(x + y + std::sqrt(2 * x * y), height() / 2.0);
 }
 
 void StripButton::changeState(int state)

@@ -17,6 +17,8 @@ public:
     ~StripButton() override;
 
     int state() const { return m_nState; }
+    /// How far the shape in its strip is rounded at a corner, in points.
+    qreal corner() const;
     /// Says that a click writes or deletes files, which none does by mistake: the second press of a double
     /// click is not for a button that came in the place of the one that took the first.
     void setChangesFiles(bool changes) { m_bChangesFiles = changes; }

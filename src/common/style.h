@@ -39,7 +39,6 @@ inline constexpr QColor groupLine(0xC0, 0xC0, 0xC0);
 inline constexpr QColor outline(0x9C, 0xCB, 0xE6); ///< of cards
 inline constexpr QColor editorLine(0x8C, 0xC4, 0xE4);
 inline constexpr QColor editorFocus(0x12, 0x7D, 0xBB);
-inline constexpr QColor focus(0x17, 0x32, 0x4D, 190);
 
 // The marks of navigation.
 inline constexpr QColor mark(0x56, 0x72, 0x84);

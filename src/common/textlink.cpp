@@ -6,7 +6,7 @@
 #include <QPainter>
 
 namespace {
-constexpr int margin = 3; // for the mark of the focus
+constexpr int margin = 3;
 }
 
 TextLink::TextLink(const QString& caption, QWidget* parent) : PaintedButton(parent)
@@ -41,9 +41,4 @@ void TextLink::paintEvent(QPaintEvent*)
     painter.setFont(shown);
     painter.setPen(isDown() ? Style::ink : Style::chosen);
     painter.drawText(rect(), Qt::AlignCenter, shownText());
-    if (!hasFocus())
-        return;
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Style::focus, 1, Qt::DotLine));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
 }

@@ -3,22 +3,13 @@
 #include "audiocore/iaudiodecoder.h"
 #include "audiocore/iaudiotag.h"
 #include "collection/formats.h"
+#include "collection/songfile.h"
 #include "qmusicinfo.h"
 
 #include <QDir>
 #include <QFile>
 
 quint64 musicNum = 50;
-
-namespace {
-/// Of a file that the audio core cannot read.
-QString reasonOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QStringLiteral("it holds no music that can be read")
-                                          : file.errorString();
-}
-} // namespace
 
 QString LocalSongReader::formatName(int formatCode)
 {
@@ -51,7 +42,7 @@ LocalSongReader::Song LocalSongReader::read(const QString& path)
     song.tag = CreateTag();
     if (song.tag) {
         if (song.tag->Open(widePath.c_str()) != 0)
-            song.reason = reasonOf(path);
+            song.reason = QString::fromStdString(SongFileReader::whyUnreadable(path.toStdString()));
         readTag(*song.tag, *song.info);
     }
     song.decoder = CreateDecoder();

@@ -9,6 +9,7 @@ void SongClassification::clear()
 {
     collect({});
     clearGroups();
+    m_isDone = false;
 }
 
 void SongClassification::clearGroups()
@@ -45,6 +46,7 @@ void SongClassification::group()
         for (const int position : positions)
             m_groups.back()->musicList.append(m_classifiedList.at(position));
     }
+    m_isDone = true;
 }
 
 int SongClassification::rowAfter(int row, bool isThere, int rows)

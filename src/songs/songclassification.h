@@ -32,6 +32,8 @@ public:
     static int rowAfter(int row, bool isThere, int rows);
     /// The row of the group that a song is in; -1 for none.
     int rowOf(QMusicInfo* song) const;
+    /// Whether songs were grouped since all was empty.
+    bool isDone() const { return m_isDone; }
 
 private:
     using Groups = std::vector<std::unique_ptr<DupMusicInfo>>;
@@ -45,4 +47,5 @@ private:
     QList<QMusicInfo*> m_classifiedList; ///< one entry per classified song, as in the two lists below
     QStringList m_titleList;
     QList<quint64> m_durationList;
+    bool m_isDone = false;
 };

@@ -11,6 +11,9 @@ private slots:
     void brokenBytesAreNone_data();
     void brokenBytesAreNone();
     void halvesAreNumbersAndNoCharacters();
+    void everyNameComesBack_data();
+    void everyNameComesBack();
+    void noNameIsMadeOfOtherHalves();
 };
 
 void TestText::everyCharacterComesBack()
@@ -62,6 +65,34 @@ void TestText::halvesAreNumbersAndNoCharacters()
     QVERIFY(!half.isCharacter());
     QVERIFY(!base::isUtf8(text));
     QCOMPARE(base::toUtf32(text), std::u32string(3, base::replacementCharacter));
+}
+
+void TestText::everyNameComesBack_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("plain") << QByteArray("song.mp3");
+    QTest::newRow("characters") << QByteArray("\xC3\xA9 \xF0\x9F\x8E\xB5");
+    QTest::newRow("bytes") << QByteArray("a\xFF\x80z");
+    QTest::newRow("cut") << QByteArray("\xF0\x9F\x8E");
+    QTest::newRow("a half") << QByteArray("\xED\xB2\x80");
+}
+
+void TestText::everyNameComesBack()
+{
+    QFETCH(QByteArray, name);
+    const std::string bytes = name.toStdString();
+    QCOMPARE(base::nameFromUtf32(base::nameToUtf32(bytes)).value_or("none"), bytes);
+    QVERIFY(base::isUtf8(base::shownName(bytes)));
+    if (base::isUtf8(bytes)) {
+        QVERIFY(base::nameToUtf32(bytes) == base::toUtf32(bytes));
+        QCOMPARE(base::shownName(bytes), bytes);
+    }
+}
+
+void TestText::noNameIsMadeOfOtherHalves()
+{
+    for (const char32_t c : {0xD800, 0xDBFF, 0xDC00, 0xDC7F, 0xDD00, 0xDFFF, 0x110000})
+        QVERIFY(!base::nameFromUtf32(std::u32string(1, c)));
 }
 
 QTEST_GUILESS_MAIN(TestText)

@@ -67,6 +67,8 @@ private slots:
     void groupsAMillionSongsOfOneTitle();
     void ignoresEntriesBeyondTheShorterList();
     void anyEmptyTextMakesASongUndefined();
+    void whatIsMissingIsNamed();
+    void equalTextsAreGrouped();
     void blanksDoNotMakeASongUndefined();
 };
 
@@ -165,6 +167,20 @@ void TestClassification::anyEmptyTextMakesASongUndefined()
 void TestClassification::blanksDoNotMakeASongUndefined()
 {
     QVERIFY(!Classification::isUndefined(" ", "\t", " ", " "));
+}
+
+void TestClassification::whatIsMissingIsNamed()
+{
+    QCOMPARE(Classification::missingFields("", "", "", ""),
+             QStringList({"title", "artist", "album", "genre"}));
+    QCOMPARE(Classification::missingFields("t", "", "a", " "), QStringList({"artist"}));
+    QVERIFY(Classification::missingFields("t", "a", "b", "g").isEmpty());
+}
+
+void TestClassification::equalTextsAreGrouped()
+{
+    QCOMPARE(Classification::groupEqual({"b", "a", "", "b", "c", "", "a", "b"}), Groups({{0, 3, 7}, {1, 6}}));
+    QCOMPARE(Classification::groupEqual({}), Groups());
 }
 
 QTEST_GUILESS_MAIN(TestClassification)

@@ -13,6 +13,7 @@ private slots:
     void endingsAreTold_data();
     void endingsAreTold();
     void theDialogNamesAll();
+    void aDropTakesWhatIsNamedForIt();
 };
 
 void TestFormats::everyCodeHasItsNames_data()
@@ -64,6 +65,13 @@ void TestFormats::endingsAreTold()
 void TestFormats::theDialogNamesAll()
 {
     QCOMPARE(Formats::namePatterns(), QStringLiteral("*.mp3 *.m4a *.ape *.aac *.flac *.wma *.wav *.ogg"));
+}
+
+void TestFormats::aDropTakesWhatIsNamedForIt()
+{
+    QCOMPARE(Formats::dropped(), QStringList({"MP3", "M4A", "APE", "AAC", "FLAC", "WAV", "OGG"}));
+    for (const QString& name : Formats::dropped())
+        QVERIFY(Formats::isMusicEnding(name.right(3)));
 }
 
 QTEST_GUILESS_MAIN(TestFormats)

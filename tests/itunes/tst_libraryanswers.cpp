@@ -79,10 +79,6 @@ private slots:
     void picturesOfEveryKindAreTaken();
     void othersReadWhatWasEdited_data();
     void othersReadWhatWasEdited();
-    void theOptionWinsOverTheVariable();
-    void theUsualPlacesAreLookedAt_data();
-    void theUsualPlacesAreLookedAt();
-    void aNamedFileThatIsMissingIsNotReplaced();
 
 private:
     QString inFolder(const QString& name) const { return m_folder->filePath(name); }
@@ -105,7 +101,6 @@ void TestLibraryAnswers::cleanup()
 {
     closeITunesLibrary();
     setITunesLibraryOption(nullptr);
-    qunsetenv("MELODRIFT_ITUNES_LIBRARY");
 }
 
 quint64 TestLibraryAnswers::addTrack(const QString& kind, const QByteArray& picture)
@@ -389,71 +384,6 @@ void TestLibraryAnswers::othersReadWhatWasEdited()
     // Characters of the file that nobody edited stay as they are.
     const int comments = document.indexOf("<key>Comments");
     QVERIFY(contentOf(path).contains(document.mid(comments, document.indexOf('\n', comments) - comments)));
-}
-
-void TestLibraryAnswers::theOptionWinsOverTheVariable()
-{
-    ITunesTrack track = Fixtures::itunesTrack(0);
-    for (const char* name : {"option", "variable"}) {
-        track.name = name;
-        Fixtures::writeLibrary(inFolder(name), Fixtures::itunesLibrary({track}));
-    }
-    qputenv("MELODRIFT_ITUNES_LIBRARY", QFile::encodeName(inFolder("variable")));
-    QCOMPARE(LibraryCalls::names(LibraryCalls::read()), QStringList("variable"));
-    QCOMPARE(LibraryCalls::names(LibraryCalls::read(inFolder("option"))), QStringList("option"));
-    setITunesLibraryOption("");
-    QCOMPARE(LibraryCalls::names(LibraryCalls::read()), QStringList("variable"));
-}
-
-void TestLibraryAnswers::theUsualPlacesAreLookedAt_data()
-{
-    QTest::addColumn<QString>("place");
-    QTest::addColumn<QByteArray>("settings");
-    for (const char* place : {"Music/iTunes/iTunes Music Library.xml", "Music/iTunes/iTunes Library.xml",
-                              "Music/Music/Library.xml", "Music/Library.xml"})
-        QTest::newRow(place) << QString(place) << QByteArray();
-    QTest::newRow("a folder of another name")
-        << QString("Musik/iTunes/iTunes Library.xml")
-        << QByteArray("# folders\nXDG_DESKTOP_DIR=\"$HOME/Tisch\"\nXDG_MUSIC_DIR=\"$HOME/Musik\"\n");
-}
-
-void TestLibraryAnswers::theUsualPlacesAreLookedAt()
-{
-#if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
-    QSKIP("the folders are the system's");
-#endif
-    QFETCH(QString, place);
-    QFETCH(QByteArray, settings);
-    const QByteArray home = qgetenv("HOME");
-    const QByteArray configuration = qgetenv("XDG_CONFIG_HOME");
-    qputenv("HOME", QFile::encodeName(m_folder->path()));
-    qunsetenv("XDG_CONFIG_HOME");
-    QDir(m_folder->path()).mkdir(".config");
-    Fixtures::writeLibrary(inFolder(".config/user-dirs.dirs"), settings);
-    // A folder of the name is none.
-    const QString first = place.section('/', 0, 0) + "/iTunes/iTunes Music Library.xml";
-    if (place != first)
-        QDir(m_folder->path()).mkpath(first);
-    QCOMPARE(LibraryCalls::read().count, 0);
-    QVERIFY(AudioFile::takeLog().isEmpty()); // no library is nothing unusual
-    QDir(m_folder->path()).mkpath(QFileInfo(place).path());
-    Fixtures::writeLibrary(inFolder(place), Fixtures::itunesLibrary({Fixtures::itunesTrack(0)}));
-    QCOMPARE(LibraryCalls::read().count, 1);
-    closeITunesLibrary();
-    qputenv("HOME", home);
-    if (!configuration.isNull())
-        qputenv("XDG_CONFIG_HOME", configuration);
-}
-
-void TestLibraryAnswers::aNamedFileThatIsMissingIsNotReplaced()
-{
-    // Nobody wants the songs of another library in place of those he named.
-    Fixtures::writeLibrary(inFolder("variable"), Fixtures::itunesLibrary({Fixtures::itunesTrack(0)}));
-    qputenv("MELODRIFT_ITUNES_LIBRARY", QFile::encodeName(inFolder("variable")));
-    QCOMPARE(LibraryCalls::read(inFolder("missing")).count, 0);
-    const QStringList log = AudioFile::takeLog();
-    QCOMPARE(log.size(), 1);
-    QVERIFY(log.first().contains("missing"));
 }
 
 QTEST_GUILESS_MAIN(TestLibraryAnswers)

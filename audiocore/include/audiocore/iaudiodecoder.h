@@ -20,7 +20,7 @@ enum AudioFormat : std::int32_t {
 class IAudioDecoder
 {
 public:
-    /// Slot 0. Reads the properties of the file at `path`, zero-terminated UTF-32. Every property of a file
+    /// Slot 0. Reads the properties of the file at `path`, as IAudioTag takes it. Every property of a file
     /// that cannot be read is 0, its format AUDIO_FORMAT_UNKNOWN.
     virtual std::int32_t Open(const char32_t* path) = 0;
     /// Slot 1, not called.

@@ -26,10 +26,10 @@ public:
     {
         const auto own = state();
         *own = DecoderState();
-        const std::optional<std::string> utf8 = base::toUtf8(path ? path : U"");
-        if (!utf8 || utf8->empty())
+        const std::optional<std::string> name = base::nameFromUtf32(path ? path : U"");
+        if (!name || name->empty())
             return 1;
-        const auto media = audiocore::parsedMedia(*utf8);
+        const auto media = audiocore::parsedMedia(*name);
         own->format = media->format;
         own->properties = media->properties;
         return own->format == AUDIO_FORMAT_UNKNOWN ? 1 : 0;

@@ -8,7 +8,7 @@
 #include "tags/tagfields.h"
 
 #include <algorithm>
-#include <mutex>
+#include <utility>
 
 using audiocore::MpegStream;
 using audiocore::ParsedMedia;
@@ -16,16 +16,29 @@ using audiocore::ParsedMedia;
 namespace {
 struct LastReading
 {
-    std::mutex mutex;
     std::string path;
     base::FileState state;
     std::shared_ptr<const ParsedMedia> media;
 };
 
+/// Each thread's own: of several that read side by side none takes another's away. A plain pointer, which is
+/// there for calls from exit handlers, too, when what ends with the thread has ended.
+thread_local LastReading* threadsReading = nullptr;
+
+struct EndOfThread
+{
+    bool isAwaited = false;
+    ~EndOfThread() { delete std::exchange(threadsReading, nullptr); }
+};
+thread_local EndOfThread endOfThread;
+
 LastReading& lastReading()
 {
-    static auto* reading = new LastReading; // kept to the end of the process, for calls from exit handlers
-    return *reading;
+    if (!threadsReading) {
+        endOfThread.isAwaited = true;
+        threadsReading = new LastReading;
+    }
+    return *threadsReading;
 }
 
 void addItems(ParsedMedia& parsed)
@@ -97,15 +110,11 @@ std::shared_ptr<const ParsedMedia> audiocore::parsedMedia(const std::string& pat
     base::FileState state;
     base::stateOf(path, state);
     LastReading& last = lastReading();
-    {
-        const std::lock_guard<std::mutex> lock(last.mutex);
-        // A file that is still not there has the same empty state as before.
-        if (last.media && last.path == path && last.state == state)
-            return last.media;
-    }
+    // A file that is still not there has the same empty state as before.
+    if (last.media && last.path == path && last.state == state)
+        return last.media;
     CheckedStream stream(path, CheckedStream::Mode::Read);
     std::shared_ptr<const ParsedMedia> media = parse(stream, path);
-    const std::lock_guard<std::mutex> lock(last.mutex);
     last.path = path;
     last.state = state;
     last.media = media;

@@ -42,9 +42,9 @@ struct ParsedMedia
 /// EndlessReading.
 std::string readMedia(CheckedStream& stream, ParsedMedia& parsed);
 
-/// Reads the file, or hands out the last reading of it when the file did not change since; the readings
-/// before the last one are forgotten, so that open objects cost nothing. Never null; a file that cannot be
-/// read has no items and no properties. Any thread.
+/// Reads the file, or hands out the thread's last reading of it when the file did not change since; the
+/// readings before the last one are forgotten, so that open objects cost nothing. Never null; a file that
+/// cannot be read has no items and no properties. Any thread.
 std::shared_ptr<const ParsedMedia> parsedMedia(const std::string& path);
 /// Reads the bytes of a file, anew with every call; the path is for messages alone.
 std::shared_ptr<const ParsedMedia> parsedMedia(base::FileBytes& file, const std::string& path);

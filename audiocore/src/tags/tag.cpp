@@ -54,12 +54,12 @@ public:
     {
         const auto own = state();
         *own = TagState();
-        const std::optional<std::string> utf8 = base::toUtf8(path ? path : U"");
-        if (!utf8 || utf8->empty()) {
-            base::logLine("a file", utf8 ? "no path was given" : "has a name that is not valid text");
+        const std::optional<std::string> name = base::nameFromUtf32(path ? path : U"");
+        if (!name || name->empty()) {
+            base::logLine("a file", name ? "no path was given" : "has a name that is not valid text");
             return 1;
         }
-        own->path = *utf8;
+        own->path = *name;
         return own->parsed()->format == AUDIO_FORMAT_UNKNOWN ? 1 : 0;
     }
     void Reserved1() override {}

@@ -4,7 +4,7 @@
 
 /// Gets the music library ready for the application's run: on macOS asks the system to start the music
 /// program in the background; elsewhere changes that an earlier run could not write any more are written now,
-/// in the background. Returns at once, and never fails visibly.
+/// in the background. Returns at once, whatever the library's disk does, and never fails visibly.
 void launchiTunes();
 
 /// Takes a track out of the library and out of all its playlists; its media file stays. Non-zero on success:

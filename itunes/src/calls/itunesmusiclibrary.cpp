@@ -1,5 +1,6 @@
 #include "itunes/itunesmusiclibrary.h"
 
+#include "itunes/librarysearch.h"
 #include "library/musiclibrary.h"
 
 using itunes::MusicLibrary;
@@ -27,6 +28,13 @@ uint64_t iTunesBrokenLine()
 void setITunesLibraryOption(const char* path)
 {
     MusicLibrary::instance().setOption(path ? path : "");
+}
+
+std::function<iTunesLibraryFound()> iTunesLibrarySearch()
+{
+    return [places = MusicLibrary::instance().places()] {
+        return iTunesLibraryFound{places.file(), places.folders()};
+    };
 }
 
 void closeITunesLibrary()

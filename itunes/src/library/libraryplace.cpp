@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 
 #ifdef _WIN32
 #include <shlobj.h>
@@ -12,6 +13,8 @@
 #endif
 
 namespace fs = std::filesystem;
+
+using itunes::LibraryPlaces;
 
 namespace {
 std::string fromNative(const fs::path& path)
@@ -26,16 +29,21 @@ std::string variable(const char* name)
     return value ? value : "";
 }
 
-/// Empty when there is none.
-fs::path homeFolder()
+std::string homeFolder()
 {
     const fs::path home = variable("HOME");
-    return home.is_absolute() ? home : fs::path();
+    return home.is_absolute() ? home.u8string() : std::string();
+}
+
+std::string configurationFolder(const std::string& home)
+{
+    const std::string named = variable("XDG_CONFIG_HOME");
+    return named.empty() ? home + "/.config" : named;
 }
 #endif
 
 #if defined(_WIN32)
-fs::path musicFolder()
+fs::path musicFolder(const std::string&, const std::string&)
 {
     PWSTR known = nullptr;
     fs::path folder;
@@ -45,15 +53,15 @@ fs::path musicFolder()
     return folder;
 }
 #elif defined(__APPLE__)
-fs::path musicFolder()
+fs::path musicFolder(const std::string& home, const std::string&)
 {
-    return homeFolder() / "Music";
+    return fs::path(home) / "Music";
 }
 #else
 /// What a line such as XDG_MUSIC_DIR="$HOME/Musik" names; empty for another line.
 std::string userFolder(const std::string& line, const std::string& home)
 {
-    static const std::string key = "XDG_MUSIC_DIR=\"";
+    constexpr std::string_view key = "XDG_MUSIC_DIR=\"";
     const std::size_t begin = line.find_first_not_of(" \t");
     if (begin == std::string::npos || line.compare(begin, key.size(), key) != 0)
         return std::string();
@@ -65,14 +73,10 @@ std::string userFolder(const std::string& line, const std::string& home)
     return folder.compare(0, 6, "$HOME/") == 0 ? home + folder.substr(5) : folder;
 }
 
-fs::path musicFolder()
+fs::path musicFolder(const std::string& home, const std::string& configuration)
 {
-    const std::string home = homeFolder().u8string();
     if (home.empty())
         return fs::path();
-    std::string configuration = variable("XDG_CONFIG_HOME");
-    if (configuration.empty())
-        configuration = home + "/.config";
     std::ifstream settings(configuration + "/user-dirs.dirs");
     for (std::string line; std::getline(settings, line);) {
         const std::string folder = userFolder(line, home);
@@ -94,23 +98,30 @@ std::string namedByVariable()
 }
 } // namespace
 
-std::vector<std::string> itunes::usualFolders()
+LibraryPlaces::LibraryPlaces(const std::string& option) : m_named(option.empty() ? namedByVariable() : option)
 {
-    const fs::path music = musicFolder();
+#ifndef _WIN32
+    m_home = homeFolder();
+    m_configuration = configurationFolder(m_home);
+#endif
+}
+
+std::vector<std::string> LibraryPlaces::folders() const
+{
+    if (!m_named.empty())
+        return {};
+    const fs::path music = musicFolder(m_home, m_configuration);
     // Without a home there are none: never what happens to lie where the program was started.
     if (!music.is_absolute())
         return {};
     return {fromNative(music / "iTunes"), fromNative(music / "Music"), fromNative(music)};
 }
 
-std::string itunes::libraryPlace(const std::string& option)
+std::string LibraryPlaces::file() const
 {
-    if (!option.empty())
-        return option;
-    std::string named = namedByVariable();
-    if (!named.empty())
-        return named;
-    for (const std::string& folder : usualFolders()) {
+    if (!m_named.empty())
+        return m_named;
+    for (const std::string& folder : folders()) {
         for (const char* name : {"/iTunes Music Library.xml", "/iTunes Library.xml", "/Library.xml"}) {
             base::FileState state;
             if (base::stateOf(folder + name, state) && state.regular)

@@ -2,11 +2,12 @@
 
 #include "base/log.h"
 #include "base/platform.h"
-#include "library/libraryplace.h"
 #include "library/location.h"
 #include "library/mediatags.h"
 
 #include <algorithm>
+#include <exception>
+#include <thread>
 
 using itunes::LibraryFile;
 using itunes::MusicLibrary;
@@ -22,6 +23,14 @@ iTunesReading resultOf(const itunes::ReadingFailure& failure, const itunes::Trac
         return base::stateOf(path, file) && file.size == 0 ? ITUNES_EMPTY : ITUNES_BROKEN;
     return failure.failure.kind == base::Failure::Kind::Gone ? ITUNES_NO_LIBRARY : ITUNES_UNREADABLE;
 }
+
+/// The library file, behind all links; empty for none.
+std::string realFile(const itunes::LibraryPlaces& places)
+{
+    const std::string file = places.file();
+    const std::string real = file.empty() ? file : base::realPath(file);
+    return real.empty() ? file : real;
+}
 } // namespace
 
 MusicLibrary& MusicLibrary::instance()
@@ -33,17 +42,20 @@ MusicLibrary& MusicLibrary::instance()
 
 void MusicLibrary::setOption(const std::string& path)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<std::mutex> lock(m_optionMutex);
     m_option = path;
 }
 
-/// The library file as things are now; null when there is none. Another one than before writes first what is
-/// pending for the former.
-std::shared_ptr<LibraryFile> MusicLibrary::currentFile()
+itunes::LibraryPlaces MusicLibrary::places()
 {
-    const std::string place = libraryPlace(m_option);
-    const std::string real = place.empty() ? place : base::realPath(place);
-    const std::string& path = real.empty() ? place : real;
+    const std::lock_guard<std::mutex> lock(m_optionMutex);
+    return LibraryPlaces(m_option);
+}
+
+/// The library file at the path; null for none. Another one than before writes first what is pending for the
+/// former.
+std::shared_ptr<LibraryFile> MusicLibrary::fileAt(const std::string& path)
+{
     if (m_file && m_file->path() != path)
         m_file.reset();
     m_path = path;
@@ -59,8 +71,31 @@ std::shared_ptr<LibraryFile> MusicLibrary::lastFile()
 
 void MusicLibrary::prepare()
 {
+    unsigned uses = 0;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        uses = m_uses;
+    }
+    // A share that does not answer holds up this thread alone, and nobody waits for its end.
+    const auto work = [this, places = places(), uses] {
+        try {
+            prepareFile(realFile(places), uses);
+        } catch (const std::exception& fault) {
+            base::logFailure("the music library", "what an earlier run left waits", fault.what());
+        }
+    };
+    try {
+        std::thread(work).detach();
+    } catch (const std::exception&) {
+        work();
+    }
+}
+
+/// A library that was read meanwhile, or closed, has had it all.
+void MusicLibrary::prepareFile(const std::string& path, unsigned uses)
+{
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const std::shared_ptr<LibraryFile> library = currentFile();
+    const std::shared_ptr<LibraryFile> library = uses == m_uses ? fileAt(path) : nullptr;
     if (library)
         library->prepare();
 }
@@ -68,11 +103,12 @@ void MusicLibrary::prepare()
 void MusicLibrary::read(iTunesTrackRecord** records, int* count)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
+    ++m_uses;
     m_former = std::move(m_store);
     m_edits.forget();
     ReadingFailure failure;
     std::unique_ptr<TrackStore> store;
-    const std::shared_ptr<LibraryFile> library = currentFile();
+    const std::shared_ptr<LibraryFile> library = fileAt(realFile(places()));
     if (library) {
         store = library->read(failure);
         if (!store)
@@ -100,6 +136,7 @@ const char* MusicLibrary::problem()
 void MusicLibrary::close()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
+    ++m_uses;
     m_file.reset();
 }
 

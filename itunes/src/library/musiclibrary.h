@@ -5,6 +5,7 @@
 #include "library/editresult.h"
 #include "library/keptedits.h"
 #include "library/libraryfile.h"
+#include "library/libraryplace.h"
 #include "library/trackedit.h"
 #include "library/trackstore.h"
 
@@ -21,7 +22,9 @@ public:
     static MusicLibrary& instance();
 
     void setOption(const std::string& path);
-    /// Writes what an earlier run left, in the background.
+    /// Where the library is looked for from now on.
+    LibraryPlaces places();
+    /// Looks for the library and writes what an earlier run left, all in the background.
     void prepare();
     void read(iTunesTrackRecord** records, int* count);
     /// Of the last reading; empty when it went well. Valid until the next one.
@@ -57,15 +60,18 @@ private:
         TrackValues lastSeen;  ///< by the caller
     };
 
-    std::shared_ptr<LibraryFile> currentFile();
+    void prepareFile(const std::string& path, unsigned uses);
+    std::shared_ptr<LibraryFile> fileAt(const std::string& path);
     std::shared_ptr<LibraryFile> lastFile();
     /// Nothing with the problem, which the log tells.
     std::optional<Access> accessTo(std::uint64_t id, iTunesEditProblem& problem);
     void noteEdit(const Access& track, const TrackValues& values, KeptEdit edit);
 
-    std::mutex m_mutex;
+    std::mutex m_optionMutex; ///< never held while a disk is asked
     std::string m_option;
-    std::string m_path; ///< of the last reading
+    std::mutex m_mutex;  ///< for all below
+    unsigned m_uses = 0; ///< counts readings and closings
+    std::string m_path;  ///< of the last reading
     std::shared_ptr<LibraryFile> m_file;
     std::shared_ptr<TrackStore> m_store;
     std::shared_ptr<TrackStore> m_former; ///< the views may still show it while a new reading begins

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "collection/songfile.h"
+
+#include <QList>
+#include <QStringList>
+
+#include <deque>
+#include <string>
+#include <vector>
+
+/// Many songs in little memory, for finding out which are duplicates: 1,000,000 of them take some 200 MB.
+/// One thread at a time.
+class SongList
+{
+public:
+    /// By what songs are compared.
+    enum class By { TitleAndDuration, ArtistAndTitle };
+
+    /// Keeping the states of files takes 120 bytes more for each song.
+    explicit SongList(By by, bool keepsStates = false) : m_by(by), m_keepsStates(keepsStates) {}
+
+    void add(const SongFile& song);
+    int size() const { return int(m_facts.size()); }
+    /// What the list keeps of a song: all but album, genre, year, track, cover and, unless wanted, state.
+    SongFile at(int position) const;
+    /// The groups of duplicates as positions (Classification).
+    QVector<QVector<int>> groups() const;
+
+private:
+    struct Facts
+    {
+        std::uint64_t bytes;
+        std::uint32_t bitRate;
+        std::uint32_t sampleRate;
+        const char* texts; ///< path, title and artist, one zero behind each
+        std::int8_t format;
+    };
+
+    const char* keep(const std::string& texts);
+
+    const By m_by;
+    const bool m_keepsStates;
+    std::vector<Facts> m_facts;
+    std::vector<FileState> m_states; ///< where they are kept
+    QStringList m_keys;              ///< titles, or artists and titles
+    QList<quint64> m_durations;
+    std::deque<std::string> m_blocks; ///< of texts; they never move
+};

@@ -1,0 +1,70 @@
+#include "librarylook.h"
+
+#include "common/workers.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace {
+constexpr char work[] = "looking for the music library";
+constexpr std::chrono::milliseconds blink(100);
+} // namespace
+
+/// Where the thread leaves what it found.
+struct LibraryLook::Answer
+{
+    std::mutex mutex;
+    LibraryLook* receiver = nullptr; ///< null once nobody waits for it
+    std::condition_variable given;
+    bool isGiven = false;
+};
+
+LibraryLook::LibraryLook() = default;
+
+LibraryLook::~LibraryLook()
+{
+    if (!m_awaited)
+        return;
+    std::unique_lock<std::mutex> lock(m_awaited->mutex);
+    m_awaited->receiver = nullptr;
+    // Most threads have ended by then, and do not run on while the program goes.
+    m_awaited->given.wait_for(lock, blink, [this] { return m_awaited->isGiven; });
+}
+
+bool LibraryLook::isRunning() const
+{
+    return m_awaited != nullptr;
+}
+
+void LibraryLook::begin()
+{
+    if (m_awaited) {
+        const std::lock_guard<std::mutex> lock(m_awaited->mutex);
+        m_awaited->receiver = nullptr;
+    }
+    m_awaited = std::make_shared<Answer>();
+    m_awaited->receiver = this;
+    const auto look = [answer = m_awaited, search = LibrarySight::search()] {
+        LibrarySight sight;
+        Workers::finish(work, [&] { sight = search(); });
+        const std::lock_guard<std::mutex> lock(answer->mutex);
+        if (LibraryLook* const receiver = answer->receiver)
+            QMetaObject::invokeMethod(
+                receiver, [receiver, answer, sight] { receiver->take(answer.get(), sight); },
+                Qt::QueuedConnection);
+        answer->isGiven = true;
+        answer->given.notify_all();
+    };
+    if (!Workers::finish(work, [&] { std::thread(look).detach(); }))
+        look();
+}
+
+void LibraryLook::take(const Answer* answer, const LibrarySight& sight)
+{
+    if (answer != m_awaited.get())
+        return;
+    m_awaited.reset();
+    emit ended(sight);
+}
