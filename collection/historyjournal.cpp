@@ -165,15 +165,15 @@ void HistoryJournal::read(const TakeLine& take) const
     readLines(m_file.get(), std::int64_t(firstLine.size()), take);
 }
 
+/// The one that began last: later lines may be about older ones.
 int HistoryJournal::lastStep() const
 {
     const auto begin = std::int64_t(firstLine.size());
     for (std::int64_t size = block;; size *= 8) {
         int last = 0;
         const std::int64_t from = std::max(begin, m_end - size);
-        readLines(m_file.get(), from, [&last](std::string_view line) {
-            last = std::max(last, HistorySteps::stepOf(line).value_or(0));
-        });
+        readLines(m_file.get(), from,
+                  [&last](std::string_view line) { last = HistorySteps::begunBy(line).value_or(last); });
         if (last > 0 || from == begin)
             return last;
     }

@@ -33,7 +33,7 @@ public:
     HistoryJournal& operator=(const HistoryJournal&) = delete;
 
     void read(const TakeLine& take) const;
-    /// The highest number of a step; 0 without one. Reads no more than the end.
+    /// The highest number of a step; 0 without one. Reads no more than what follows its beginning.
     int lastStep() const;
     enum class Safety { Kill, PowerCut };
     /// Adds whole lines: they outlive what is named once the call answers true. Else nothing is added.

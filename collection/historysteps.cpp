@@ -8,6 +8,7 @@
 namespace {
 using Reader = HistoryLine::Reader;
 
+constexpr std::string_view beginning = "step";
 constexpr std::string_view kinds[] = {"trashed", "deleted", "edited"}; // as FileChange::Kind has them
 
 HistoryLine lineOf(const std::string& what, int step)
@@ -85,7 +86,7 @@ int HistoryStep::changesLeft() const
 
 std::string HistorySteps::beginLine(int step, std::int64_t time, const std::string& what)
 {
-    return lineOf("step", step).number(time).text(what).whole();
+    return lineOf(std::string(beginning), step).number(time).text(what).whole();
 }
 
 std::string HistorySteps::changeLine(int step, int number, const FileChange& change)
@@ -161,13 +162,18 @@ void HistorySteps::tookBack(FileChange& change, const base::FileState& now)
         m_again[change.path].emplace_back(change.before, now);
 }
 
+std::optional<int> HistorySteps::begunBy(std::string_view line)
+{
+    return Reader(line).what() == beginning ? stepOf(line) : std::nullopt;
+}
+
 void HistorySteps::take(std::string_view line)
 {
     Reader reader(line);
     const int number = smallNumber(reader);
     if (!reader.isGood() || number < 1)
         return;
-    if (reader.what() == "step") {
+    if (reader.what() == beginning) {
         HistoryStep begun;
         begun.number = number;
         begun.time = reader.number();

@@ -80,6 +80,8 @@ public:
 
     /// The step that a line belongs to; nothing for one that is not whole.
     static std::optional<int> stepOf(std::string_view line);
+    /// The step that a line begins; nothing for any other line.
+    static std::optional<int> begunBy(std::string_view line);
 
     /// The next line, without its line feed. One that is not whole, or of no step that is known, is passed
     /// over.

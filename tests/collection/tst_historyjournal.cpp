@@ -225,6 +225,11 @@ void TestHistoryJournal::theLastStepIsFoundAtTheEnd()
     QCOMPARE(journal->lastStep(), 42);
     add(*journal, std::string(3000000, 'x') + '\n');
     QCOMPARE(journal->lastStep(), 42);
+    std::string old; // an earlier step is taken back, which has many files
+    for (int number = 1; number < 20000; ++number)
+        old += HistorySteps::backLine(41, number, {});
+    add(*journal, old);
+    QCOMPARE(journal->lastStep(), 42);
     add(*journal, stepLine(43).substr(2)); // damaged
     QCOMPARE(journal->lastStep(), 42);
 }
