@@ -32,7 +32,8 @@ ViewFocus::ViewFocus(const std::array<QAbstractItemView*, 4>& views, QWidget* pa
 
 ViewFocus* ViewFocus::of(const QAbstractItemView& view)
 {
-    return view.parentWidget()->findChild<ViewFocus*>(QString(), Qt::FindDirectChildrenOnly);
+    const QWidget* const parent = view.parentWidget();
+    return parent ? parent->findChild<ViewFocus*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
 }
 
 QAbstractItemView* ViewFocus::view() const
