@@ -45,7 +45,7 @@ QString KeptCovers::keep(const QByteArray& cover)
     }
     fs::create_directories(m_folder, failure);
     makeRoom(cover.size());
-    const QString reason = write(kept.name, cover);
+    QString reason = write(kept.name, cover);
     if (reason.isEmpty())
         note(kept);
     return reason;

@@ -94,7 +94,7 @@ QString StepReturn::takeEditBack(const FileChange& edit)
 {
     const FileState now = FileState::of(edit.path);
     const std::optional<base::FileState> left = m_history.left(edit);
-    const QString change = whyNotAsLeft(left ? thereAs(*left) : thereAs(edit.before), now);
+    QString change = whyNotAsLeft(left ? thereAs(*left) : thereAs(edit.before), now);
     if (change.isEmpty())
         return left ? restore(edit) : QString();
     TagTexts held;
