@@ -11,6 +11,7 @@
 #include "itunes/delmusiclib.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "itunes/itunestrackrecord.h"
+#include "launcherprogress.h"
 #include "navigationwidget.h"
 #include "paintcoverimagethread.h"
 #include "qiorvoutil.h"
@@ -340,6 +341,7 @@ void MainWindow::SlotIntakeProgress(int done, int total)
         m_pIntakeMovie->startIn(ui->m_movieLabel);
     }
     showTips(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
+    LauncherProgress::show(done, total);
 }
 
 void MainWindow::SlotIntakeFinished()
@@ -348,6 +350,7 @@ void MainWindow::SlotIntakeFinished()
         showStatusPicture(m_pStatusPicture);
         showTips(m_strTipsBeforeIntake);
         m_pIntakeMovie.reset();
+        LauncherProgress::end();
     }
     // From here on the button scans what was added.
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
