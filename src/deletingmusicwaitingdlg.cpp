@@ -3,6 +3,7 @@
 #include "common/compositing.h"
 #include "common/skinmovie.h"
 #include "common/style.h"
+#include "launcherprogress.h"
 #include "ui_deletingmusicwaitingdlg.h"
 
 #include <QPainter>
@@ -40,6 +41,7 @@ void DeletingMusicWaitingDlg::finish()
 {
     m_bFinished = true;
     m_pMovie->stop();
+    LauncherProgress::end();
     close();
 }
 
@@ -53,6 +55,7 @@ void DeletingMusicWaitingDlg::setWork(const QString& doing)
 void DeletingMusicWaitingDlg::showProgress(int done, int total)
 {
     m_strProgress = QStringLiteral("%1 %2 of %3").arg(m_strWork).arg(done).arg(total);
+    LauncherProgress::show(done, total);
     update();
 }
 

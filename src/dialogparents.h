@@ -10,13 +10,11 @@ class DialogParents : public QObject
     Q_OBJECT
 
 public:
+    using QObject::QObject;
+
     /// Under Wayland, for as long as the application runs; elsewhere dialogs are placed, and this does
     /// nothing.
     static void keepWhereNothingCanBePlaced();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
-
-private:
-    using QObject::QObject;
-    friend class TestDialogParents;
 };

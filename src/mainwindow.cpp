@@ -12,6 +12,7 @@
 #include "itunes/delmusiclib.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "itunes/itunestrackrecord.h"
+#include "launcherprogress.h"
 #include "mainmenu.h"
 #include "navigationwidget.h"
 #include "paintcoverimagethread.h"
@@ -278,11 +279,13 @@ void MainWindow::SlotScanFinish()
 void MainWindow::SlotIntakeProgress(int done, int total)
 {
     m_status->showAdding(done, total);
+    LauncherProgress::show(done, total);
 }
 
 void MainWindow::SlotIntakeFinished()
 {
     m_status->endAdding();
+    LauncherProgress::end();
     // From here on the button scans what was added.
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
 }

@@ -120,6 +120,7 @@ void TestWayland::initTestCase()
         m_desktop.unset(name);
     m_desktop.start(weston, {"--backend=headless-backend.so", "--width=1300", "--height=900", "--no-config",
                              "--idle-time=0", "--socket=wayland-test"});
+    QVERIFY(m_desktop.process.waitForStarted(patience));
     QTRY_VERIFY2(QFile::exists(m_desktop.path("wayland-test")) ||
                      m_desktop.process.state() == QProcess::NotRunning,
                  "it has no socket");
