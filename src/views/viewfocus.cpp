@@ -32,7 +32,8 @@ ViewFocus::ViewFocus(const std::array<QAbstractItemView*, 4>& views, QWidget* pa
 
 ViewFocus* ViewFocus::of(const QAbstractItemView& view)
 {
-    return view.parentWidget()->findChild<ViewFocus*>(QString(), Qt::FindDirectChildrenOnly);
+    const QWidget* const area = view.parentWidget(); // none of a list that pops up
+    return area ? area->findChild<ViewFocus*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
 }
 
 QAbstractItemView* ViewFocus::view() const
