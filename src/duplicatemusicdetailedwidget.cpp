@@ -45,7 +45,10 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongPlayBtnHidden()), this, SLOT(SlotSongPlayBtnHidden()));
 }
 
-DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget() = default;
+DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget()
+{
+    disconnect(qApp, nullptr, this, nullptr); // the focus moves on once the rest of this goes
+}
 
 void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list)
 {
