@@ -32,8 +32,8 @@ ViewFocus::ViewFocus(const std::array<QAbstractItemView*, 4>& views, QWidget* pa
 
 ViewFocus* ViewFocus::of(const QAbstractItemView& view)
 {
-    const QWidget* const parent = view.parentWidget();
-    return parent ? parent->findChild<ViewFocus*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
+    const QWidget* const area = view.parentWidget(); // none of a list that pops up
+    return area ? area->findChild<ViewFocus*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
 }
 
 QAbstractItemView* ViewFocus::view() const
