@@ -14,7 +14,7 @@
 #include <utility>
 
 namespace {
-constexpr int blink = 200; // ms
+constexpr int patienceMilliseconds = 200;
 } // namespace
 
 EmptyViews::EmptyViews(const Parts& parts, QWidget* area)
@@ -24,7 +24,7 @@ EmptyViews::EmptyViews(const Parts& parts, QWidget* area)
     m_button->setObjectName(QStringLiteral("m_btnLibrary"));
     QWidget::setTabOrder(&m_parts.inSight.focus(), m_button);
     m_patience.setSingleShot(true);
-    m_patience.setInterval(blink);
+    m_patience.setInterval(patienceMilliseconds);
     area->installEventFilter(this);
     connect(&m_patience, &QTimer::timeout, this, &EmptyViews::update);
     connect(m_button, &QImageButton::clicked, this, &EmptyViews::choose);

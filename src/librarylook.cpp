@@ -8,8 +8,8 @@
 #include <thread>
 
 namespace {
-constexpr char work[] = "looking for the music library";
-constexpr std::chrono::milliseconds blink(100);
+constexpr char lookWork[] = "looking for the music library";
+constexpr std::chrono::milliseconds longestFarewell(100);
 } // namespace
 
 /// Where the thread leaves what it found.
@@ -30,7 +30,7 @@ LibraryLook::~LibraryLook()
     std::unique_lock<std::mutex> lock(m_awaited->mutex);
     m_awaited->receiver = nullptr;
     // Most threads have ended by then, and do not run on while the program goes.
-    m_awaited->given.wait_for(lock, blink, [this] { return m_awaited->isGiven; });
+    m_awaited->given.wait_for(lock, longestFarewell, [this] { return m_awaited->isGiven; });
 }
 
 bool LibraryLook::isRunning() const
@@ -48,7 +48,7 @@ void LibraryLook::begin()
     m_awaited->receiver = this;
     const auto look = [answer = m_awaited, search = LibrarySight::search()] {
         LibrarySight sight;
-        Workers::finish(work, [&] { sight = search(); });
+        Workers::finish(lookWork, [&] { sight = search(); });
         const std::lock_guard<std::mutex> lock(answer->mutex);
         if (LibraryLook* const receiver = answer->receiver)
             QMetaObject::invokeMethod(
@@ -57,7 +57,7 @@ void LibraryLook::begin()
         answer->isGiven = true;
         answer->given.notify_all();
     };
-    if (!Workers::finish(work, [&] { std::thread(look).detach(); }))
+    if (!Workers::finish(lookWork, [&] { std::thread(look).detach(); }))
         look();
 }
 
