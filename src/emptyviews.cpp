@@ -13,14 +13,20 @@
 
 #include <utility>
 
+namespace {
+constexpr int patienceMilliseconds = 200;
+} // namespace
+
 EmptyViews::EmptyViews(const Parts& parts, QWidget* area)
     : QObject(area), m_parts(parts), m_button(new QImageButton(area)),
       m_notice(new ViewNotice(*m_button, area))
 {
     m_button->setObjectName(QStringLiteral("m_btnLibrary"));
-    m_button->setBtnImage(SkinPicture::path("button_library.png"));
     QWidget::setTabOrder(&m_parts.inSight.focus(), m_button);
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patienceMilliseconds);
     area->installEventFilter(this);
+    connect(&m_patience, &QTimer::timeout, this, &EmptyViews::update);
     connect(m_button, &QImageButton::clicked, this, &EmptyViews::choose);
     connect(&m_look, &LibraryLook::ended, this, &EmptyViews::take);
     connect(&m_parts.views, &SongViews::listShown, this, &EmptyViews::follow);
@@ -31,14 +37,20 @@ void EmptyViews::setPlace(const QRect& place)
     m_notice->setGeometry(place);
 }
 
-/// What nobody sees needs no look for a library.
+/// The first picture of the window waits for nothing of this.
 bool EmptyViews::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Show)
-        update();
-    else if (event->type() == QEvent::WindowActivate && isAtLibrary())
+    if (event->type() == QEvent::Paint && !std::exchange(m_isSeen, true))
+        QTimer::singleShot(0, this, &EmptyViews::begin);
+    else if (event->type() == QEvent::WindowActivate && m_wasAtLibrary)
         lookAgain();
     return QObject::eventFilter(watched, event);
+}
+
+void EmptyViews::begin()
+{
+    m_button->setBtnImage(SkinPicture::path("button_library.png"));
+    update();
 }
 
 void EmptyViews::follow(int found, int all)
@@ -50,6 +62,8 @@ void EmptyViews::follow(int found, int all)
 
 void EmptyViews::update()
 {
+    if (!m_isSeen)
+        return;
     if (!std::exchange(m_wasAtLibrary, isAtLibrary()) && isAtLibrary())
         lookAgain();
     m_notice->say(text());
@@ -79,9 +93,15 @@ EmptyText EmptyViews::text() const
 EmptyText EmptyViews::libraryText() const
 {
     if (!m_isLibraryKnown)
-        return EmptyTexts::looking();
+        return m_patience.isActive() ? EmptyText() : EmptyTexts::looking();
     return m_parts.songs.classification().isDone() ? EmptyTexts::withoutSongs(m_library, iTunesLastReading())
                                                    : EmptyTexts::toScan(m_library);
+}
+
+void EmptyViews::look()
+{
+    m_patience.start();
+    m_look.begin();
 }
 
 /// Whoever comes back may have put a file there. A look that goes on may have missed it.
@@ -89,16 +109,17 @@ void EmptyViews::lookAgain()
 {
     m_looksAgain = m_look.isRunning();
     if (!m_looksAgain)
-        m_look.begin();
+        look();
 }
 
 void EmptyViews::take(const LibrarySight& sight)
 {
+    m_patience.stop();
     m_library = sight;
     m_isLibraryKnown = true;
     update();
     if (std::exchange(m_looksAgain, false))
-        m_look.begin();
+        look();
 }
 
 void EmptyViews::choose()
@@ -109,7 +130,7 @@ void EmptyViews::choose()
     setITunesLibraryOption(file.toUtf8().constData());
     m_isLibraryKnown = false;
     m_looksAgain = false;
-    m_look.begin();
+    look();
     emit libraryChosen();
     update();
 }

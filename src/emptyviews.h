@@ -4,6 +4,7 @@
 #include "songs/emptytexts.h"
 
 #include <QObject>
+#include <QTimer>
 
 class ModeSongs;
 class QImageButton;
@@ -42,10 +43,12 @@ signals:
     void libraryChosen();
 
 private:
+    void begin();
     void follow(int found, int all);
     bool isAtLibrary() const;
     EmptyText text() const;
     EmptyText libraryText() const;
+    void look();
     void lookAgain();
     void take(const LibrarySight& sight);
     void choose();
@@ -55,6 +58,8 @@ private:
     ViewNotice* m_notice;
     LibraryLook m_look;
     LibrarySight m_library;
+    QTimer m_patience; ///< with a look
+    bool m_isSeen = false;
     bool m_isLibraryKnown = false;
     bool m_wasAtLibrary = false;
     bool m_looksAgain = false; ///< after the look that goes on

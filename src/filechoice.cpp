@@ -10,7 +10,7 @@
 
 namespace {
 /// The folder, if it is there: of one that is not, a dialog would make a name for a file.
-QString existing(const QString& folder)
+QString existingFolder(const QString& folder)
 {
     return QFileInfo(folder).isDir() ? folder : QDir::homePath();
 }
@@ -26,7 +26,7 @@ QString FileChoice::picture(QWidget* parent)
 {
     return QFileDialog::getOpenFileName(
         parent, QStringLiteral("Open File"),
-        existing(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)),
+        existingFolder(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)),
         QStringLiteral("Images(*.png *.xpm *.jpg)"));
 }
 
@@ -35,6 +35,6 @@ QString FileChoice::library(QWidget* parent, const LibrarySight& former)
     // Nothing of a disk that may not answer is asked before it was seen.
     const QString folder =
         former.isThere ? QFileInfo(former.file).path() : former.folders.value(former.folders.size() - 1);
-    return QFileDialog::getOpenFileName(parent, QStringLiteral("Choose library file"), existing(folder),
+    return QFileDialog::getOpenFileName(parent, QStringLiteral("Choose library file"), existingFolder(folder),
                                         QStringLiteral("Music libraries (*.xml)"));
 }

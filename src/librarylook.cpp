@@ -9,7 +9,7 @@
 
 namespace {
 constexpr char lookWork[] = "looking for the music library";
-constexpr std::chrono::milliseconds blink(100);
+constexpr std::chrono::milliseconds longestFarewell(100);
 } // namespace
 
 /// Where the thread leaves what it found.
@@ -30,7 +30,7 @@ LibraryLook::~LibraryLook()
     std::unique_lock<std::mutex> lock(m_awaited->mutex);
     m_awaited->receiver = nullptr;
     // Most threads have ended by then, and do not run on while the program goes.
-    m_awaited->given.wait_for(lock, blink, [this] { return m_awaited->isGiven; });
+    m_awaited->given.wait_for(lock, longestFarewell, [this] { return m_awaited->isGiven; });
 }
 
 bool LibraryLook::isRunning() const

@@ -162,7 +162,7 @@ void TestFirstSight::aDiskThatDoesNotAnswerHoldsUpNobody()
     SlowDisk disk(m_folder->path());
     m_window = std::make_unique<MainWindow>();
     m_window->show();
-    QCOMPARE(said(), QStringLiteral("Looking for your music library…"));
+    QTRY_COMPARE(said(), QStringLiteral("Looking for your music library…"));
     click("m_btnMusicUndefined");
     QVERIFY(part<QWidget>("m_allMusicListView")->isVisible());
     QCOMPARE(said(), QStringLiteral("Looking for your music library…"));

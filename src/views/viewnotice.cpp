@@ -7,13 +7,13 @@
 #include <QPainter>
 
 namespace {
-constexpr int margin = 24;     // to both sides
+constexpr int sideMargin = 24; // to both sides
 constexpr int pictureGap = 14; // below the picture
 constexpr int headingGap = 8;
 constexpr int lineGap = 4;
 constexpr int buttonGap = 18; // above the button
 
-const char* nameOf(EmptyText::Picture picture)
+const char* fileOf(EmptyText::Picture picture)
 {
     switch (picture) {
     case EmptyText::Picture::Scan:
@@ -70,7 +70,7 @@ const SkinPicture& ViewNotice::picture() const
     const auto known = m_pictures.find(m_text.picture);
     if (known != m_pictures.end())
         return known->second;
-    return m_pictures.emplace(m_text.picture, SkinPicture(SkinPicture::path(nameOf(m_text.picture))))
+    return m_pictures.emplace(m_text.picture, SkinPicture(SkinPicture::path(fileOf(m_text.picture))))
         .first->second;
 }
 
@@ -79,11 +79,11 @@ void ViewNotice::arrange()
 {
     if (m_text.heading.isEmpty())
         return;
-    const int width = qMax(this->width() - 2 * margin, 1);
+    const int width = qMax(this->width() - 2 * sideMargin, 1);
     int bottom = 0;
     const auto place = [&](int height) {
         bottom += height;
-        return QRect(margin, bottom - height, width, height);
+        return QRect(sideMargin, bottom - height, width, height);
     };
     const QSize pictureSize = picture().size();
     m_picturePlace = QRect(QPoint((this->width() - pictureSize.width()) / 2, 0), pictureSize);
