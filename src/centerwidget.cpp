@@ -48,7 +48,7 @@ void CenterWidget::Init()
     ui->m_btnOpen->hide();
     ui->m_backgroundImageWidget->SetImageBackgroud(SkinPicture::path("bg_right_nofile.png"), true);
     ui->m_musicDetailedWidget->hide();
-    ui->m_dupMusicDetailedWidget->setGroups(&m_songs.groups());
+    ui->m_dupMusicDetailedWidget->clearing().setLists([this] { return m_songs.lists(); });
     ui->m_dupMusicDetailedWidget->hide();
     m_openShortcut =
         new QShortcut(QKeySequence::Open, this, SLOT(OnBtnOpenFile()), nullptr, Qt::WindowShortcut);
@@ -113,6 +113,8 @@ void CenterWidget::connectPanels()
     connect(this, SIGNAL(emitDuplicateMusicCount(int)), groups, SLOT(SlotSetDeleteBtn(int)));
     connect(this, SIGNAL(emitStartToPlayMusic(QMusicInfo*)), groups,
             SLOT(SlotBeginToPlayTableViewMusic(QMusicInfo*)));
+    connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitSongsWent, m_changes,
+            &CenterChanges::showWhatIsLeft);
     connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitGroupCleared, m_changes,
             &CenterChanges::groupCleared);
     connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitEditedAgain, m_changes,
@@ -130,6 +132,13 @@ void CenterWidget::connectFoot()
     connect(&m_foot, &CenterFoot::undoOffered, this, &CenterWidget::emitUndoOffered);
     connect(&m_foot, &CenterFoot::undoChosen, this, &CenterWidget::SlotUndo);
     connect(&m_foot, &CenterFoot::groupChosen, this, &CenterWidget::showGroup);
+}
+
+/// The thread of a deletion has ended its use once the waiting dialog closes, whenever it returns itself.
+bool CenterWidget::ListsAreInUse() const
+{
+    return m_adding.intake().isRunning() || ui->m_dupMusicDetailedWidget->clearing().isDeleting() ||
+           m_deletion.isRunning() || m_foot.isTakingBack();
 }
 
 QWidget* CenterWidget::viewFocus() const

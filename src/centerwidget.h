@@ -62,12 +62,8 @@ public:
     /// The same for files and folders that the user named, Windows Media files included.
     void TakeNamedPaths(const QStringList& paths) { m_adding.takeNamed(paths); }
     /// Whether an intake fills the lists of songs, or a thread deletes what they hold or takes a change of it
-    /// back: none may see them emptied or filled by others, so switching modes waits for its end. The thread
-    /// has ended its use once the waiting dialog closes, whenever it returns itself.
-    bool ListsAreInUse() const
-    {
-        return m_adding.intake().isRunning() || m_deletion.isRunning() || m_foot.isTakingBack();
-    }
+    /// back: none may see them emptied or filled by others, so switching modes waits for its end.
+    bool ListsAreInUse() const;
     /// What has the focus for the views.
     QWidget* viewFocus() const;
     /// Ends a running intake for good, without its message; for when the window closes.

@@ -124,13 +124,12 @@ void SongViews::refreshGroups()
     showGroups(m_groups.source(), m_groupColumns);
 }
 
-void SongViews::leave(const QMusicInfo* song, const DupMusicInfo* group)
+void SongViews::leave(const QSet<QMusicInfo*>& songs)
 {
-    m_songs.drop(song);
-    if (group)
-        m_groups.drop(group);
+    m_songs.drop(songs);
     giveSongs();
-    giveGroups();
+    forgetTexts();
+    refreshGroups();
 }
 
 void SongViews::prepareFind()

@@ -4,6 +4,7 @@
 #include "songs/songfind.h"
 
 #include <QObject>
+#include <QSet>
 
 #include <array>
 
@@ -46,9 +47,9 @@ public:
     void refreshGroups();
     /// Songs were edited, came or went; before views are refreshed. What is found is then looked for anew.
     void forgetTexts() { m_find.forgetTexts(); }
-    /// The song, and the group unless it is null, left the true lists, one of many perhaps: the same without
-    /// them, and nothing is looked for or ordered again.
-    void leave(const QMusicInfo* song, const DupMusicInfo* group);
+    /// These songs left the true lists, and groups with them: both show without them. Among all songs nothing
+    /// is looked for or ordered again.
+    void leave(const QSet<QMusicInfo*>& songs);
 
     /// Both views of a kind tell the receiver's slots which index was clicked.
     void connectSongs(const QObject* receiver, const char* clicked, const char* doubleClicked) const;
