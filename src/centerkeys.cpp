@@ -20,11 +20,6 @@
 using ViewKeys::Command;
 
 namespace {
-bool isHeld(const QElapsedTimer& since)
-{
-    return since.isValid() && since.elapsed() <= QApplication::keyboardInputInterval();
-}
-
 /// A key without a meaning of its own that writes something.
 bool isLetter(const QKeyEvent& event)
 {
@@ -91,7 +86,7 @@ bool CenterKeys::take(const QKeyEvent& event)
     const Command command = ViewKeys::commandOf(event);
     if (isLeftTo(m_parts.focus.window()->focusWidget(), command))
         return ViewKeys::repeats(command); // by arrows, all of them
-    if (command == Command::None || (command == Command::ToggleKept && isHeld(m_sinceLetter)))
+    if (command == Command::None || (command == Command::ToggleKept && m_jump.isGoingOn()))
         return isLetter(event) && jump(event);
     return (event.isAutoRepeat() && !ViewKeys::repeats(command)) || act(command, event.key());
 }
@@ -158,16 +153,13 @@ bool CenterKeys::actOn(QAbstractItemView& view, Command command, int key)
     }
 }
 
-/// The view itself knows what to look for, after which letters, and where.
 bool CenterKeys::jump(const QKeyEvent& event)
 {
     QAbstractItemView* const view = m_parts.views.shownView();
     if (!view || !view->isEnabled())
         return false;
-    m_sinceLetter.start();
     const int former = view->currentIndex().row();
-    view->keyboardSearch(event.text());
-    mark(*view, view->currentIndex().row(), former);
+    mark(*view, m_jump.rowFor(event.text(), *view->model(), former), former);
     return true;
 }
 
@@ -192,8 +184,10 @@ void CenterKeys::showCard(QAbstractItemView& view)
     DupMusicbarWidget* const row = m_parts.views.showsGroups(view) ? m_parts.rows.rowAtHand() : nullptr;
     QMusicInfo* const song = songAtHand(view);
     if (row) {
+        m_parts.rows.moveRowAtHand(0);
         row->showCard(row->cardPlace());
     } else if (song) {
+        view.scrollTo(view.currentIndex());
         const QPoint place = view.viewport()->mapToGlobal(view.visualRect(view.currentIndex()).center());
         delete m_card;
         m_card = new ShowMusicInfoWidget(&view);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/footline.h"
+#include "views/titlejump.h"
 #include "views/viewkeys.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 
@@ -64,5 +64,5 @@ private:
     Parts m_parts;
     SongMenu* m_menu;
     QPointer<ShowMusicInfoWidget> m_card; ///< of a song that is in no row; goes with its view
-    QElapsedTimer m_sinceLetter;          ///< of a title; not valid before the first
+    TitleJump m_jump;
 };

@@ -44,7 +44,10 @@ DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     connect(m_pPlaySongWidget.get(), SIGNAL(emitSongPlayBtnHidden()), this, SLOT(SlotSongPlayBtnHidden()));
 }
 
-DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget() = default;
+DuplicateMusicDetailedWidget::~DuplicateMusicDetailedWidget()
+{
+    disconnect(qApp, nullptr, this, nullptr); // the focus moves on once the rest of this goes
+}
 
 void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list)
 {
@@ -53,8 +56,10 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
     clearRows();
     if (!m_pMusicList)
         return;
+    QWidget* formerInTabOrder = placeOfRowsInTabOrder();
     for (QMusicInfo* song : qAsConst(*m_pMusicList)) {
         DupMusicbarWidget* row = addRow(song);
+        formerInTabOrder = row->putInTabOrder(formerInTabOrder);
         if (m_listBarWidget.size() == 1)
             row->SlotOnBtnCheckBox(); // the first song is kept unless the user wants otherwise
     }
@@ -92,6 +97,16 @@ void DuplicateMusicDetailedWidget::clearRows()
 {
     deleteRows(std::exchange(m_listBarWidget, {}));
     m_pCurPlayBar = nullptr; // what it started plays on
+}
+
+/// They come before what clears them, though they are made later.
+QWidget* DuplicateMusicDetailedWidget::placeOfRowsInTabOrder() const
+{
+    QWidget* former = ui->m_btnClearOne;
+    do
+        former = former->previousInFocusChain();
+    while (former->focusPolicy() == Qt::NoFocus); // of which no order can be made
+    return former;
 }
 
 DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)

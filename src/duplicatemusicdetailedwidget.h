@@ -42,7 +42,7 @@ public:
     void setRowAtHand(DupMusicbarWidget* row);
     /// The row at a point of the screen; null for none.
     DupMusicbarWidget* rowAt(const QPoint& place) const;
-    /// Goes on by so many rows and brings the row into sight, if there is one.
+    /// Goes on by so many rows, or none, and brings the row into sight, if there is one.
     void moveRowAtHand(int steps);
     /// As a click on "Clear this group", which does nothing while the button is not to be seen.
     void clear();
@@ -78,6 +78,7 @@ private:
     void goTo(const QWidget* focus);
     void hideRows();
     void clearRows();
+    QWidget* placeOfRowsInTabOrder() const;
     DupMusicbarWidget* addRow(QMusicInfo* song);
     void markBestRow();
     QList<QMusicInfo*> songsOfRows(bool kept) const;

@@ -116,6 +116,16 @@ void DupMusicbarWidget::setAtHand(bool atHand)
     update();
 }
 
+QWidget* DupMusicbarWidget::putInTabOrder(QWidget* former)
+{
+    for (QWidget* button :
+         {ui->m_btnIsDeleta, ui->m_btnPlayMusic, ui->m_btnStopMusic, ui->m_btnShowInfo, ui->m_btnOpenPath}) {
+        setTabOrder(former, button);
+        former = button;
+    }
+    return former;
+}
+
 void DupMusicbarWidget::makeBestMark()
 {
     m_pBestMark = new SkinLabel(this);

@@ -5,8 +5,8 @@
 #include "common/messagedialog.h"
 #include "common/skinmovie.h"
 #include "common/skinpicture.h"
-#include "common/style.h"
 #include "common/workers.h"
+#include "headerstatus.h"
 #include "homepage.h"
 #include "introducethissofedialog.h"
 #include "itunes/delmusiclib.h"
@@ -32,23 +32,6 @@ namespace {
 constexpr int headerHeight = 102;
 constexpr int footerHeight = 26;
 constexpr int switchMilliseconds = 690;
-constexpr int tipsIndent = 6; // off the status disc
-constexpr int tipsGap = 6;    // to the start button
-constexpr qreal closestLetters = 92;
-
-/// Oddity 12: these blanks, here and below.
-QString iTunesTips()
-{
-    return QStringLiteral("Quickly Clean iTunes Music Library,No Unknown and Duplicate Music Anymore!\n"
-                          "Click Start Scan button to start tidying your iTunes Music Library immediately.");
-}
-
-QString localTips()
-{
-    return QStringLiteral("Quickly Clean Local Music.No Unknown and Duplicate Music Anymore!\n"
-                          "Add music files and start tidying your local music now!");
-}
-
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui::MainWindow>())
@@ -86,17 +69,16 @@ void MainWindow::Init()
     m_piTunesSwitchTimer = new QTimer(this);
     m_pLocalSwitchTimer = new QTimer(this);
     ui->m_btnLocalClean->hide();
-    ui->m_movieLabel->setGeometry(10, 20, 50, 50);
+    m_status = std::make_unique<HeaderStatus>(
+        HeaderStatus::Widgets{*ui->m_movieLabel, *ui->m_tipsLabel, *ui->m_btnStarScan});
     ui->m_leftMusicWidget->setAllSongsCount(0);
     ui->m_leftMusicWidget->OnLeftWidgetBtnState();
-    ui->m_tipsLabel->setIndent(tipsIndent);
-    QPalette palette = ui->m_tipsLabel->palette();
-    palette.setColor(QPalette::WindowText, Qt::black);
-    ui->m_tipsLabel->setPalette(palette);
     // Where the header's boxes meet in a small window, the start button stays clickable.
     ui->m_btnStarScan->raise();
+    setTabOrder(ui->m_btnStarScan, ui->m_btniTunesClean);
+    setTabOrder(ui->m_btniTunesClean, ui->m_btnLocalClean);
     placeHeader();
-    showStart(iTunesTips());
+    m_status->showStart(false);
 }
 
 void MainWindow::InitMainMenu()
@@ -149,19 +131,6 @@ void MainWindow::setBackgroundImage(const QString& path)
     m_pBackgroundImage = std::make_unique<SkinPicture>(path);
 }
 
-void MainWindow::showStatusPicture(const char* name)
-{
-    m_pStatusPicture = name;
-    ui->m_movieLabel->showPicture(SkinPicture::path(name));
-}
-
-/// What the header says of a mode in which nothing was scanned yet.
-void MainWindow::showStart(const QString& tips)
-{
-    showStatusPicture("pic_startscan.png");
-    showTips(tips);
-}
-
 void MainWindow::OnBtnStartScan()
 {
     // While the switch glides, the mode that it leaves is still in force.
@@ -180,14 +149,12 @@ void MainWindow::OnBtnStartScan()
 
 void MainWindow::scanITunesLibrary()
 {
-    m_pScanMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
-    m_pScanMovie->startIn(ui->m_movieLabel);
+    m_status->showScanning();
     ui->m_middleMusicWidget->DragMusicIntoiTunes();
     ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("button_Scanning.png"));
     ui->m_btnStarScan->setEnabled(false);
     m_bScanning = true;
-    showTips(QStringLiteral("Scanning......\nPlease wait a moment!"));
     repaint(); // reading the library takes a moment in which nothing is painted
 
     int count = 0;
@@ -254,7 +221,7 @@ void MainWindow::SlotiTunesBtnMovieStop()
     if (postponedByWork(m_piTunesSwitchTimer))
         return;
     ui->m_btnLocalClean->show();
-    showStart(localTips());
+    m_status->showStart(true);
     ui->m_middleMusicWidget->SwitchToLocalCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_piTunesSwitchTimer->stop();
@@ -279,7 +246,7 @@ void MainWindow::SlotLocalBtnMovieStop()
     if (postponedByWork(m_pLocalSwitchTimer))
         return;
     ui->m_btniTunesClean->show();
-    showStart(iTunesTips());
+    m_status->showStart(false);
     ui->m_middleMusicWidget->SwitchToiTunesCleanModel();
     ui->m_leftMusicWidget->setMusicCount(0, 0, 0);
     m_pLocalSwitchTimer->stop();
@@ -298,37 +265,24 @@ void MainWindow::SlotScanFinish()
 {
     m_bScanning = false;
     if (!QIOrvoUtil::m_cleanMode) {
-        m_pScanMovie.reset();
+        m_status->endScanning();
         ui->m_btnStarScan->setBtnImage(SkinPicture::path("scan_again.png"));
         ui->m_middleMusicWidget->showCoversAnew();
     }
     ui->m_btnStarScan->setEnabled(true);
-    showStatusPicture("pic_scanover.png");
-    const int duplicates = ui->m_middleMusicWidget->ReturnDuplicateMusicCount();
-    const int undefined = ui->m_middleMusicWidget->ReturnUndefinedMusicCount();
-    showTips(QStringLiteral("Scan Finished!\nScan Results: %1 Undefined Song(s); %2 Duplicate Song(s).")
-                 .arg(undefined)
-                 .arg(duplicates));
+    m_status->showScanned(ui->m_middleMusicWidget->ReturnUndefinedMusicCount(),
+                          ui->m_middleMusicWidget->ReturnDuplicateMusicCount());
     update();
 }
 
 void MainWindow::SlotIntakeProgress(int done, int total)
 {
-    if (!m_pIntakeMovie) {
-        m_strTipsBeforeIntake = ui->m_tipsLabel->text();
-        m_pIntakeMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
-        m_pIntakeMovie->startIn(ui->m_movieLabel);
-    }
-    showTips(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
+    m_status->showAdding(done, total);
 }
 
 void MainWindow::SlotIntakeFinished()
 {
-    if (m_pIntakeMovie) {
-        showStatusPicture(m_pStatusPicture);
-        showTips(m_strTipsBeforeIntake);
-        m_pIntakeMovie.reset();
-    }
+    m_status->endAdding();
     // From here on the button scans what was added.
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
 }
@@ -363,27 +317,7 @@ void MainWindow::placeHeader()
 {
     ui->m_btnStarScan->move(width() / 2, 30);
     ui->m_hhwidget->move(width() - 419, 5);
-    ui->m_tipsLabel->setGeometry(60, 25, 465, 40);
-}
-
-void MainWindow::showTips(const QString& text)
-{
-    ui->m_tipsLabel->setText(text);
-    ui->m_tipsLabel->setFont(tipsFont());
-}
-
-/// In a small window the letters stand closer, so that the tips end before the start button.
-QFont MainWindow::tipsFont() const
-{
-    QFont font = Style::font(12);
-    const QFontMetricsF metrics(font);
-    qreal widest = 0;
-    for (const QString& line : ui->m_tipsLabel->text().split(QLatin1Char('\n')))
-        widest = qMax(widest, metrics.horizontalAdvance(line));
-    const qreal room = ui->m_btnStarScan->x() - tipsGap - ui->m_tipsLabel->x() - tipsIndent;
-    if (widest > room)
-        font.setLetterSpacing(QFont::PercentageSpacing, qMax(closestLetters, 100 * room / widest));
-    return font;
+    m_status->place();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)
@@ -391,7 +325,7 @@ void MainWindow::resizeEvent(QResizeEvent* event)
     QMainWindow::resizeEvent(event);
     placeHeader();
     ui->m_footLine->setGeometry(0, height() - footerHeight, width(), footerHeight);
-    ui->m_tipsLabel->setFont(tipsFont());
+    m_status->fitTips();
 }
 
 /// Beside Tab this is asked for when what has the focus is hidden or disabled, as a button that was pressed:

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+class HeaderStatus;
 class QTimer;
 class SkinMovie;
 class SkinPicture;
@@ -71,13 +72,10 @@ private:
     void takeTracks(int count);
     void loadCovers();
     void placeHeader();
-    void showTips(const QString& text);
-    QFont tipsFont() const;
-    void showStatusPicture(const char* name);
-    void showStart(const QString& tips);
     bool postponedByWork(QTimer* timer) const;
 
     std::unique_ptr<Ui::MainWindow> ui;
+    std::unique_ptr<HeaderStatus> m_status;
     std::unique_ptr<SkinMovie> m_pLocalSwitchMovie;
     std::unique_ptr<SkinMovie> m_piTunesSwitchMovie;
     QTimer* m_piTunesSwitchTimer = nullptr; ///< ends the switch to the local mode
@@ -85,14 +83,10 @@ private:
     std::unique_ptr<SkinPicture> m_pTopImage;
     std::unique_ptr<SkinPicture> m_pFootImage;
     std::unique_ptr<SkinPicture> m_pBackgroundImage;
-    const char* m_pStatusPicture = nullptr; ///< its file name; shown while no animation runs
 
     iTunesTrackRecord* m_pTrackRecords = nullptr; ///< the library's, of the last scan
     QList<QMusicInfo*> m_musicList;               ///< owned: the songs of the last scan
     PaintCoverImageThread* m_pCoverThread = nullptr;
-    std::unique_ptr<SkinMovie> m_pScanMovie; ///< set while a scan runs
 
-    std::unique_ptr<SkinMovie> m_pIntakeMovie; ///< set while an intake shows its progress
-    QString m_strTipsBeforeIntake;
     QStringList m_pathsToOpen; ///< taken in once the local mode is in force
 };

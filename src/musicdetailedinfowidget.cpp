@@ -166,11 +166,12 @@ void MusicDetailedInfoWidget::showTexts()
 void MusicDetailedInfoWidget::showButtons(bool editing)
 {
     const bool hasFocus = isAncestorOf(window()->focusWidget());
+    const bool comesBack = m_formerFocus && m_formerFocus->isVisible();
     ui->m_btnEdit->setVisible(!editing);
     ui->m_btnIdentify->setVisible(!editing);
     // Or the focus would go to wherever it finds a place, once what has it is hidden.
     if (hasFocus && !editing)
-        ui->m_btnEdit->setFocus();
+        (comesBack ? m_formerFocus.data() : ui->m_btnEdit)->setFocus();
     ui->m_btnApply->setVisible(editing);
     ui->m_btnCancel->setVisible(editing);
 }
@@ -199,6 +200,8 @@ bool MusicDetailedInfoWidget::isIdentifying() const
 
 void MusicDetailedInfoWidget::SlotOnBtnEdit()
 {
+    if (QWidget* focus = window()->focusWidget(); !isEditing())
+        m_formerFocus = isAncestorOf(focus) ? nullptr : focus;
     m_bIdentifyFailed = false;
     m_editors->show(m_pMusicInfo);
     m_labels->setVisible(false);

@@ -5,6 +5,7 @@
 #include "songeditors.h"
 #include "songs/songediting.h"
 
+#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 
@@ -107,8 +108,9 @@ private:
     bool m_bNewSong = false;
     bool m_bFirstShow = true;
     bool m_bIdentified = false;
-    bool m_bIdentifyFailed = false; ///< since the editors were opened
-    SongEditors::Held m_typed;      ///< oddity 39: the labels show what was typed after an apply
+    bool m_bIdentifyFailed = false;  ///< since the editors were opened
+    SongEditors::Held m_typed;       ///< oddity 39: the labels show what was typed after an apply
+    QPointer<QWidget> m_formerFocus; ///< where the edit was begun; null for the panel
     QMusicInfo* m_pMusicInfo = nullptr;
     ChangeHistory* m_history = nullptr; ///< not owned; may be null
 };

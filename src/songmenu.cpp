@@ -1,5 +1,6 @@
 #include "songmenu.h"
 
+#include "common/keyuse.h"
 #include "common/style.h"
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicbarwidget.h"
@@ -61,10 +62,13 @@ void SongMenu::open(QAbstractItemView& view)
 {
     DupMusicbarWidget* const row = m_parts.views.showsGroups(view) ? m_parts.rows.rowAtHand() : nullptr;
     const QModelIndex marked = view.currentIndex();
-    if (row)
+    if (row) {
+        m_parts.rows.moveRowAtHand(0);
         openFor(*row, row->mapToGlobal(placeInRow));
-    else if (marked.isValid())
+    } else if (marked.isValid()) {
+        view.scrollTo(marked);
         openFor(view, marked, view.viewport()->mapToGlobal(view.visualRect(marked).center()));
+    }
 }
 
 /// A click comes first, since what shows is what the menu is for.
@@ -135,4 +139,6 @@ void SongMenu::popUp(const Subject& subject, const QPoint& place)
         copy(titleAndArtist(song));
     })->setEnabled(!titleAndArtist(song).isEmpty());
     menu->popup(place);
+    if (KeyUse::instance().leads())
+        menu->setActiveAction(menu->actions().first());
 }

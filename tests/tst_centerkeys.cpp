@@ -147,7 +147,7 @@ void TestCenterKeys::lettersJumpToTitles()
 {
     QFETCH(bool, local);
     QFETCH(bool, table);
-    fill(local, {"Anchor", "Midnight Ferry", "Cove", "Mist", "Cove", "Mist"});
+    fill(local, {"Anchor", "Midnight Ferry", "Cove", "Mist", "Cove", "Mist", "Étude"});
     showTable(table);
     QApplication::setKeyboardInputInterval(60000);
     key(Qt::Key_M);
@@ -163,6 +163,9 @@ void TestCenterKeys::lettersJumpToTitles()
     QTest::qWait(2);
     key(Qt::Key_X); // there is none
     QCOMPARE(row(), 5);
+    QTest::qWait(2);
+    key(Qt::Key_E);
+    QCOMPARE(shownTitle(), QString("Étude"));
     key(Qt::Key_3, Qt::ControlModifier);
     QTest::qWait(2);
     key(Qt::Key_M);

@@ -21,6 +21,9 @@ private slots:
     void theWholePanelAppliesAndCancels();
     void fieldsKeepTheirKeys();
     void buttonsKeepTheirKeys();
+    void theFocusComesBack_data() { bothModesAndDisplays(); }
+    void theFocusComesBack();
+    void aPlaceThatIsGoneLeavesItInThePanel();
 };
 
 void TestEditingKeys::songsAreEdited()
@@ -145,6 +148,42 @@ void TestEditingKeys::buttonsKeepTheirKeys()
     part<QWidget>("m_btnStarScan")->setFocus();
     key(Qt::Key_Return); // which this button does not take
     QCOMPARE(m_played.size(), 1);
+}
+
+/// To where the editing was begun.
+void TestEditingKeys::theFocusComesBack()
+{
+    QFETCH(bool, local);
+    QFETCH(bool, table);
+    fill(local, {"Anchor", "Beacon"});
+    showTable(table);
+    key(Qt::Key_Home);
+    const QList<QPair<const char*, int>> places = {{"m_viewFocus", Qt::Key_F2},
+                                                   {"m_btnStarScan", Qt::Key_F2},
+                                                   {"m_btnEdit", Qt::Key_Space},
+                                                   {"m_btnIdentify", Qt::Key_F2}};
+    for (const auto& [name, begin] : places)
+        for (const Qt::KeyboardModifier apply : {Qt::NoModifier, Qt::ControlModifier}) {
+            part<QWidget>(name)->setFocus();
+            key(begin);
+            QVERIFY(part<QWidget>("m_lineTitle")->hasFocus());
+            key(apply ? Qt::Key_Return : Qt::Key_Escape, apply);
+            QVERIFY(part<QWidget>("m_lineTitle")->isHidden());
+            const char* const back = QByteArray(name) == "m_btnIdentify" ? "m_btnEdit" : name;
+            QVERIFY2(part<QWidget>(back)->hasFocus(), name);
+        }
+}
+
+void TestEditingKeys::aPlaceThatIsGoneLeavesItInThePanel()
+{
+    fill(true, {"Anchor", "Anchor"});
+    key(Qt::Key_3, Qt::ControlModifier);
+    key(Qt::Key_Home);
+    rows().at(1)->findChild<QWidget*>("m_btnPlayMusic")->setFocus();
+    key(Qt::Key_F2);
+    QVERIFY(group()->isHidden());
+    key(Qt::Key_Escape);
+    QVERIFY(part<QWidget>("m_btnEdit")->hasFocus());
 }
 
 QTEST_MAIN(TestEditingKeys)

@@ -18,6 +18,7 @@ private slots:
     void cleanup() { clearFoot(); }
 
     void viewsTakeNone();
+    void tabGoesFromTopToBottom();
     void aChosenRowOfNavigationGivesItToTheView();
     void aDisplayButtonGivesItToTheView();
     void aPressOnAViewTakesIt();
@@ -53,6 +54,27 @@ void TestFocus::viewsTakeNone()
         QVERIFY(focus);
         QVERIFY(!focus->inherits("QAbstractScrollArea"));
     }
+}
+
+/// And from left to right, through the rows of a group before what clears it.
+void TestFocus::tabGoesFromTopToBottom()
+{
+    fill(true, {"Anchor", "Anchor"});
+    key(Qt::Key_3, Qt::ControlModifier);
+    key(Qt::Key_Home);
+    const QStringList row = {"m_btnIsDeleta", "m_btnPlayMusic", "m_btnShowInfo", "m_btnOpenPath"};
+    const QStringList wanted =
+        QStringList({"m_btnStarScan", "m_btnLocalClean", "m_btnMusicAll", "m_btnMusicUndefined",
+                     "m_findField", "m_btnTableDisplay", "m_viewFocus"}) +
+        row + row + QStringList({"m_btnClearOne", "m_btnClearAll"});
+    part<QWidget>("m_btnStarScan")->setFocus();
+    const auto goOn = [this](const QStringList& names) {
+        for (const QString& name : names) {
+            QCOMPARE(m_window->focusWidget()->objectName(), name);
+            key(Qt::Key_Tab);
+        }
+    };
+    goOn(wanted + wanted);
 }
 
 /// By keys and by the mouse: the next Space opens no other view.
@@ -189,6 +211,9 @@ void TestFocus::forTheMouseThereIsNoOutline()
     key(Qt::Key_Home);
     QVERIFY(markOf(m_window.get())->isVisible());
     KeysFixture::clickRow("m_allMusicListView", 0);
+    QVERIFY(!markOf(m_window.get())->isVisible());
+    for (const int modifier : {Qt::Key_Control, Qt::Key_Shift, Qt::Key_Alt})
+        key(modifier);
     QVERIFY(!markOf(m_window.get())->isVisible());
     key(Qt::Key_Home);
     QVERIFY(markOf(m_window.get())->isVisible());

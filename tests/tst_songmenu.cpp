@@ -5,6 +5,8 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QScrollArea>
+#include <QScrollBar>
 
 class TestSongMenu : public KeysFixture
 {
@@ -17,6 +19,8 @@ private slots:
 
     void theMenuOpensByKeysAndByTheMouse_data() { bothModesAndDisplays(); }
     void theMenuOpensByKeysAndByTheMouse();
+    void byKeysTheFirstEntryIsAtHand();
+    void theMenuOpensInSight();
     void aRowOfAGroupHasTheMenuToo_data() { bothModesAndDisplays(); }
     void aRowOfAGroupHasTheMenuToo();
     void whereThereIsNoSongThereIsNoMenu();
@@ -99,6 +103,47 @@ void TestSongMenu::theMenuOpensByKeysAndByTheMouse()
     QVERIFY(menu());
     QCOMPARE(row(), 0);
     QCOMPARE(shownTitle(), QString("Anchor"));
+    menu()->close();
+}
+
+void TestSongMenu::byKeysTheFirstEntryIsAtHand()
+{
+    fill(true, {"Anchor", "Beacon"});
+    key(Qt::Key_End);
+    key(Qt::Key_Menu);
+    QCOMPARE(menu()->activeAction(), menu()->actions().first());
+    QTest::keyClick(menu(), Qt::Key_Return);
+    QCOMPARE(m_played, QStringList({"Beacon"}));
+    QApplication::setActiveWindow(m_window.get());
+    rightClickRow(0);
+    QVERIFY(!menu()->activeAction());
+    menu()->close();
+}
+
+/// Wherever the list was scrolled to.
+void TestSongMenu::theMenuOpensInSight()
+{
+    QStringList titles;
+    for (int i = 0; i < 40; ++i)
+        titles.append("Anchor");
+    fill(true, titles);
+    key(Qt::Key_Home);
+    view()->verticalScrollBar()->setValue(view()->verticalScrollBar()->maximum());
+    key(Qt::Key_Menu);
+    QVERIFY(view()->viewport()->rect().contains(view()->visualRect(view()->currentIndex())));
+    QVERIFY(view()->viewport()->rect().contains(view()->viewport()->mapFromGlobal(menu()->pos())));
+    menu()->close();
+    view()->verticalScrollBar()->setValue(view()->verticalScrollBar()->maximum());
+    key(Qt::Key_I, Qt::ControlModifier);
+    QVERIFY(view()->viewport()->rect().contains(view()->visualRect(view()->currentIndex())));
+    key(Qt::Key_3, Qt::ControlModifier);
+    key(Qt::Key_Home);
+    auto* const area = group()->findChild<QScrollArea*>();
+    area->verticalScrollBar()->setValue(area->verticalScrollBar()->maximum());
+    key(Qt::Key_Menu);
+    const QWidget* const row = rows().first();
+    QVERIFY(menu());
+    QVERIFY(area->viewport()->rect().contains({row->mapTo(area->viewport(), QPoint(0, 0)), row->size()}));
     menu()->close();
 }
 

@@ -1,8 +1,25 @@
 #include "common/keyuse.h"
 
 #include <QCoreApplication>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QPointer>
+
+namespace {
+/// Held while the mouse is used, or on the way to another window.
+bool isModifier(const QEvent& event)
+{
+    switch (static_cast<const QKeyEvent&>(event).key()) {
+    case Qt::Key_Shift:
+    case Qt::Key_Control:
+    case Qt::Key_Alt:
+    case Qt::Key_AltGr:
+    case Qt::Key_Meta:
+        return true;
+    default:
+        return false;
+    }
+}
+} // namespace
 
 KeyUse::KeyUse() : QObject(QCoreApplication::instance())
 {
@@ -19,7 +36,7 @@ KeyUse& KeyUse::instance()
 
 bool KeyUse::eventFilter(QObject* watched, QEvent* event)
 {
-    const bool key = event->type() == QEvent::KeyPress;
+    const bool key = event->type() == QEvent::KeyPress && !isModifier(*event);
     const bool press = event->type() == QEvent::MouseButtonPress;
     if ((key || press) && m_leads != key) {
         m_leads = key;

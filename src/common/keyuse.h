@@ -2,8 +2,8 @@
 
 #include <QObject>
 
-/// Whether the user works by keys, or by the mouse: by whichever was pressed last. What shows where keys go
-/// does so for the former. GUI thread only; needs the application object.
+/// Whether the user works by keys, or by the mouse: by whichever was pressed last, modifiers aside. What
+/// shows where keys go does so for the former. GUI thread only; needs the application object.
 class KeyUse : public QObject
 {
     Q_OBJECT
