@@ -326,7 +326,19 @@ void DuplicateMusicDetailedWidget::SlotBeginToPlayTableViewMusic(QMusicInfo* son
 void DuplicateMusicDetailedWidget::play(QMusicInfo* song, bool fromDupBar)
 {
     m_pPlaySongWidget->SetMusicPlayInfo(song, fromDupBar);
-    m_pPlaySongWidget->ShowBeside(window()->frameGeometry());
+    m_pPlaySongWidget->ShowBeside(window()->frameGeometry(), whatIsToBeSeen());
+}
+
+/// The column of panels, and dialogs that wait or will.
+QVector<QRect> DuplicateMusicDetailedWidget::whatIsToBeSeen() const
+{
+    const QWidget* const column = parentWidget() ? parentWidget() : this;
+    QVector<QRect> seen = {QRect(column->mapToGlobal(QPoint(0, 0)), column->size())};
+    for (const QWidget* other : QApplication::topLevelWidgets())
+        if (other->isVisible() && qobject_cast<const QDialog*>(other))
+            seen.append(other->frameGeometry());
+    seen.append(ScreenPlace::dialogPlace(*window()));
+    return seen;
 }
 
 void DuplicateMusicDetailedWidget::SlotSongStopBtnHidden()

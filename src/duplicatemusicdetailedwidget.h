@@ -5,6 +5,7 @@
 #include "groupclearing.h"
 
 #include <QList>
+#include <QVector>
 #include <QWidget>
 
 #include <memory>
@@ -93,6 +94,7 @@ private:
     void showRowsThatAreLeft();
     void showButtons(bool visible);
     void play(QMusicInfo* song, bool fromDupBar);
+    QVector<QRect> whatIsToBeSeen() const;
 
     std::unique_ptr<Ui::DuplicateMusicDetailedWidget> ui;
     QList<QMusicInfo*>* m_pMusicList = nullptr;

@@ -31,9 +31,9 @@ public:
     QString ConvertTime(long long milliseconds) const;
     void MusicDidfinish();
 
-    /// Shows the window in front. It lies beside the other one the first time, and when the screen that it
-    /// was left on is gone; else where it was left.
-    void ShowBeside(const QRect& other);
+    /// Shows the window in front. It lies beside the other one, and clear of what is to be seen there, what
+    /// matters most first; but where the user moved it, unless that screen is gone.
+    void ShowBeside(const QRect& other, const QVector<QRect>& seen = {});
 
 public slots:
     void UpdatePlayTime();
@@ -66,7 +66,8 @@ private:
     void load(const QString& path);
     void startTimer();
     void showPauseButton(bool pause);
-    void placeBeside(const QRect& other);
+    bool isWhereItWasPut() const;
+    void placeBeside(const QRect& other, const QVector<QRect>& seen);
     /// Whatever frame had been guessed.
     void keepFrameInside();
 
@@ -76,5 +77,6 @@ private:
     std::unique_ptr<IAudioPlayer, DestroyPlayerLater> m_pPlayer;
     bool m_bToldSilent = false; ///< of the song that is loaded
     bool m_bPlaced = false;
+    QPoint m_ptPlace;             ///< then
     bool m_bFrameGuessed = false; ///< the window was placed before its frame was known
 };
