@@ -18,6 +18,10 @@
 
 #include <utility>
 
+namespace {
+constexpr qreal lockedOpacity = 0.45; // as of buttons
+}
+
 CenterWidget::CenterWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
       m_deletion(this, SLOT(SlotAllMusicInfoAfterDeleting())),
@@ -70,7 +74,9 @@ void CenterWidget::InitView()
     m_shownGroup = std::make_unique<ShownGroup>(rows, *m_views, m_songs.classification());
     // The local mode without a song keeps its drop zone in sight; otherwise the view lies above it.
     m_inSight = std::make_unique<ViewInSight>(
-        *m_views, ViewInSight::Buttons{*ui->m_btnGridDisplay, *ui->m_btnTableDisplay, *ui->m_btnOpen},
+        *m_views,
+        ViewInSight::Buttons{*ui->m_btnGridDisplay, *ui->m_btnTableDisplay, *ui->m_btnOpen,
+                             ui->m_findStrip->moreButton()},
         [this] { return QIOrvoUtil::m_cleanMode && m_songs.local().isEmpty(); }, this);
     m_keys = new CenterKeys({*m_views, *m_shownGroup, details, rows, m_inSight->focus()}, this);
     m_changes = new CenterChanges(
@@ -83,6 +89,7 @@ void CenterWidget::InitConnect()
     connect(ui->m_btnGridDisplay, SIGNAL(clicked()), this, SLOT(OnBtnGridView()));
     connect(ui->m_btnTableDisplay, SIGNAL(clicked()), this, SLOT(OnBtnTableView()));
     connect(ui->m_btnOpen, SIGNAL(clicked()), this, SLOT(OnBtnOpenFile()));
+    connect(&ui->m_findStrip->moreButton(), SIGNAL(clicked()), this, SLOT(OnBtnOpenFile()));
     m_views->connectSongs(this, SLOT(SlotClickAllMusicIndex(QModelIndex)),
                           SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
     m_views->connectGroups(this, SLOT(SlotClickDupMusicIndex(QModelIndex)),
@@ -90,6 +97,7 @@ void CenterWidget::InitConnect()
     connect(m_keys, &CenterKeys::navigationChosen, this, &CenterWidget::emitChooseRow);
     connect(m_keys, &CenterKeys::displaySwitched, this, [this] { m_inSight->showAs(!m_inSight->isGrid()); });
     connect(&m_adding.intake(), SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
+    connect(&m_adding, &FileAdding::ended, this, &CenterWidget::emitIntakeEnded);
     connect(&m_adding, &FileAdding::finished, this, &CenterWidget::emitIntakeFinished);
     connect(&m_adding, &FileAdding::pathsTaken, this, &CenterWidget::emitSetNavigViewBtn);
     connect(&m_adding, &FileAdding::scanWanted, this, &CenterWidget::SlotScanAddedFiles);
@@ -217,6 +225,13 @@ void CenterWidget::SlotDoubleClickDupMusicIndex(const QModelIndex& index)
         emit emitStartToPlayMusic(group->musicList.first());
 }
 
+void CenterWidget::SlotForbidToClickView(bool forbid)
+{
+    m_bForbidClick = forbid;
+    m_views->setSongsLocked(forbid);
+    emit emitForbidClickNavigBtn(forbid);
+}
+
 void CenterWidget::SlotHiddenMusicDetailedWidget()
 {
     ui->m_musicDetailedWidget->leave();
@@ -226,13 +241,13 @@ void CenterWidget::SlotHiddenMusicDetailedWidget()
 
 void CenterWidget::enterMode(bool local)
 {
+    setAcceptDrops(local);
     m_inSight->setVisible(!local);
     ui->m_btnOpen->setVisible(local);
     ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
     SlotHiddenMusicDetailedWidget();
     ClearSelectedWidget();
     ui->m_findStrip->clear();
-    setAcceptDrops(local);
     m_openShortcut->setEnabled(local);
     QIOrvoUtil::m_cleanMode = local;
     m_bLeavingMode = false;
@@ -355,6 +370,7 @@ void CenterWidget::paintEvent(QPaintEvent*)
     if (ui->m_btnOpen->isHidden())
         return;
     DropZone::placeButton(*ui->m_btnOpen, size()); // where it stands already
+    painter.setOpacity(isEnabled() ? 1 : lockedOpacity);
     m_dropZone.paint(painter, size(), ui->m_btnOpen->size());
 }
 

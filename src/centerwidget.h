@@ -81,6 +81,8 @@ signals:
     void emitForbidClickNavigBtn(bool forbid);
     /// Several times a second while files are read for longer than a blink.
     void emitIntakeProgress(int done, int total);
+    /// When nothing is read any more, whatever came of it; before anything else of the intake.
+    void emitIntakeEnded();
     /// When files were read, before the message about it.
     void emitIntakeFinished();
     /// For the foot of the window.
@@ -105,11 +107,7 @@ public slots:
     void SlotClickDupMusicIndex(const QModelIndex& index);
     void SlotDoubleClickAllMusicIndex(const QModelIndex& index);
     void SlotDoubleClickDupMusicIndex(const QModelIndex& index);
-    void SlotForbidToClickView(bool forbid)
-    {
-        m_bForbidClick = forbid;
-        emit emitForbidClickNavigBtn(forbid);
-    }
+    void SlotForbidToClickView(bool forbid);
     void SlotHiddenMusicDetailedWidget();
     void SlotMusicInfoHaveBeEdited();
     /// Deletes one song of the current group: off the disk in the local mode, and out of the lists.

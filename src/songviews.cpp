@@ -10,6 +10,7 @@
 #include "views/songcells.h"
 #include "views/viewnotice.h"
 #include "views/viewsetup.h"
+#include "views/viewveil.h"
 
 #include <QListView>
 #include <QTableView>
@@ -41,6 +42,8 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
     const auto views = all();
     std::transform(views.begin(), views.end(), m_notices.begin(),
                    [](QAbstractItemView* view) { return new ViewNotice(view); });
+    std::transform(views.begin(), views.end(), m_veils.begin(),
+                   [](QAbstractItemView* view) { return new ViewVeil(view); });
     // Before the views, which measure columns that are there.
     showSongs(songs);
     showGroups(groups, SongCells::columnModeDupTable);
@@ -270,6 +273,14 @@ void SongViews::setGroupsEnabled(bool enabled)
 {
     m_widgets.groupGrid->setEnabled(enabled);
     m_widgets.groupTable->setEnabled(enabled);
+}
+
+void SongViews::setSongsLocked(bool locked)
+{
+    const auto views = all();
+    for (std::size_t i = 0; i < views.size(); ++i)
+        if (!showsGroups(*views[i]))
+            m_veils[i]->setLocked(locked);
 }
 
 void SongViews::repaintCovers()

@@ -15,6 +15,7 @@ class QListView;
 class QModelIndex;
 class QTableView;
 class ViewNotice;
+class ViewVeil;
 struct DupMusicInfo;
 struct QMusicInfo;
 
@@ -82,6 +83,8 @@ public:
     bool showsGroups(const QAbstractItemView& view) const;
     std::array<QAbstractItemView*, 4> all() const;
     void setGroupsEnabled(bool enabled);
+    /// Whether they look as if they could not be clicked; they let everything through all the same.
+    void setSongsLocked(bool locked);
     /// Shows files of covers as they are now.
     void repaintCovers();
 
@@ -110,6 +113,7 @@ private:
     DupMusicListModel* m_dupMusicGridModel;
     DupMusicListModel* m_dupMusicTableModel;
     std::array<ViewNotice*, 4> m_notices; ///< as the views in all()
+    std::array<ViewVeil*, 4> m_veils;     ///< likewise
     SongFind m_find;
     QString m_typed;
     ShownList<QMusicInfo> m_songs;
