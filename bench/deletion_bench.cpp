@@ -247,6 +247,7 @@ BENCHMARK(clearShownGroup)
     ->Arg(250)
     ->Arg(1000)
     ->Arg(4000)
+    ->Arg(20000)
     ->UseManualTime()
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);

@@ -14,6 +14,8 @@
 #include <QAbstractItemView>
 #include <QScrollBar>
 
+#include <utility>
+
 using Kind = ViewInSight::Kind;
 
 CenterChanges::CenterChanges(const Parts& parts, QWidget* area) : QObject(area), m_parts(parts), m_area(area)
@@ -91,24 +93,27 @@ void CenterChanges::markShownSong()
 
 void CenterChanges::remove(QMusicInfo* song)
 {
-    const QList<DupMusicInfo*>& groups = m_parts.songs.groups();
-    DupMusicInfo* const group = groups.value(int(m_parts.group.row()));
-    if (const auto removed = SongRemoval::removeOne(m_parts.songs.lists(), song, m_parts.group.row(),
-                                                    m_parts.rows.keptFiles(), m_parts.rows.fileRemoval()))
+    GroupClearing& clearing = m_parts.rows.clearing();
+    if (const auto removed = clearing.takeOut(song, m_parts.group.row()))
         m_parts.foot.undo().songsLeft({*removed});
-    m_parts.views.leave(song, groups.contains(group) ? nullptr : group);
+    m_left.insert(song);
+    if (!clearing.isTakingOut())
+        showWhatIsLeft();
+    tellCounts();
+    emit groupsCounted(m_parts.songs.groups().size());
+}
+
+void CenterChanges::showWhatIsLeft()
+{
+    m_parts.views.leave(std::exchange(m_left, {}));
     m_parts.inSight.show(Kind::Duplicates);
     m_parts.group.markAnew();
-    tellCounts();
-    emit groupsCounted(groups.size());
 }
 
 void CenterChanges::groupCleared()
 {
-    m_parts.views.forgetTexts();
-    m_parts.views.refreshGroups();
     m_parts.group.markOrHide();
-    m_parts.foot.tellOfDeletion(m_parts.rows.takeTally(), m_parts.group.next());
+    m_parts.foot.tellOfDeletion(m_parts.rows.clearing().takeTally(), m_parts.group.next());
 }
 
 void CenterChanges::clearAll()
@@ -121,7 +126,7 @@ void CenterChanges::clearAll()
 void CenterChanges::allCleared()
 {
     m_parts.foot.undo().songsLeft(m_parts.deletion.finish());
-    RemovalTally tally = m_parts.rows.takeTally();
+    RemovalTally tally = m_parts.rows.clearing().takeTally();
     tally.add(m_parts.deletion.takeTally());
     m_parts.views.setGroupsEnabled(true);
     m_parts.group.forget();

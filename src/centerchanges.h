@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QSet>
 
 class CenterFoot;
 class DuplicateMusicDetailedWidget;
@@ -52,8 +53,9 @@ public:
     /// Marks the song of the panel, or none.
     void markShownSong();
 
-    /// By the panel of one group: a song of it, then the group as far as that was asked for.
+    /// By the panel of one group: songs of it, then the group as far as that was asked for.
     void remove(QMusicInfo* song);
+    void showWhatIsLeft();
     void groupCleared();
     /// Every group is reduced to its first song, while the user waits.
     void clearAll();
@@ -73,4 +75,5 @@ private:
 
     Parts m_parts;
     QWidget* m_area;
+    QSet<QMusicInfo*> m_left; ///< the lists since the views were shown anew
 };

@@ -19,6 +19,10 @@
 
 #include <utility>
 
+namespace {
+constexpr qreal lockedOpacity = 0.45; // as of buttons
+}
+
 CenterWidget::CenterWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
       m_deletion(this, SLOT(SlotAllMusicInfoAfterDeleting())),
@@ -49,7 +53,7 @@ void CenterWidget::Init()
     ui->m_btnOpen->hide();
     ui->m_backgroundImageWidget->SetImageBackgroud(SkinPicture::path("bg_right_nofile.png"), true);
     ui->m_musicDetailedWidget->hide();
-    ui->m_dupMusicDetailedWidget->setGroups(&m_songs.groups());
+    ui->m_dupMusicDetailedWidget->clearing().setLists([this] { return m_songs.lists(); });
     ui->m_dupMusicDetailedWidget->hide();
     m_openShortcut =
         new QShortcut(QKeySequence::Open, this, SLOT(OnBtnOpenFile()), nullptr, Qt::WindowShortcut);
@@ -71,7 +75,9 @@ void CenterWidget::InitView()
     m_shownGroup = std::make_unique<ShownGroup>(rows, *m_views, m_songs.classification());
     // The local mode without a song keeps its drop zone in sight; otherwise the view lies above it.
     m_inSight = std::make_unique<ViewInSight>(
-        *m_views, ViewInSight::Buttons{*ui->m_btnGridDisplay, *ui->m_btnTableDisplay, *ui->m_btnOpen},
+        *m_views,
+        ViewInSight::Buttons{*ui->m_btnGridDisplay, *ui->m_btnTableDisplay, *ui->m_btnOpen,
+                             ui->m_findStrip->moreButton()},
         [this] { return QIOrvoUtil::m_cleanMode && m_songs.local().isEmpty(); }, this);
     m_empty = new EmptyViews({*m_views, m_songs, *m_inSight}, this);
     m_keys = new CenterKeys({*m_views, *m_shownGroup, details, rows, m_inSight->focus()}, this);
@@ -86,6 +92,7 @@ void CenterWidget::InitConnect()
     connect(ui->m_btnGridDisplay, SIGNAL(clicked()), this, SLOT(OnBtnGridView()));
     connect(ui->m_btnTableDisplay, SIGNAL(clicked()), this, SLOT(OnBtnTableView()));
     connect(ui->m_btnOpen, SIGNAL(clicked()), this, SLOT(OnBtnOpenFile()));
+    connect(&ui->m_findStrip->moreButton(), SIGNAL(clicked()), this, SLOT(OnBtnOpenFile()));
     m_views->connectSongs(this, SLOT(SlotClickAllMusicIndex(QModelIndex)),
                           SLOT(SlotDoubleClickAllMusicIndex(QModelIndex)));
     m_views->connectGroups(this, SLOT(SlotClickDupMusicIndex(QModelIndex)),
@@ -93,6 +100,7 @@ void CenterWidget::InitConnect()
     connect(m_keys, &CenterKeys::navigationChosen, this, &CenterWidget::emitChooseRow);
     connect(m_keys, &CenterKeys::displaySwitched, this, [this] { m_inSight->showAs(!m_inSight->isGrid()); });
     connect(&m_adding.intake(), SIGNAL(progress(int, int)), this, SIGNAL(emitIntakeProgress(int, int)));
+    connect(&m_adding, &FileAdding::ended, this, &CenterWidget::emitIntakeEnded);
     connect(&m_adding, &FileAdding::finished, this, &CenterWidget::emitIntakeFinished);
     connect(&m_adding, &FileAdding::pathsTaken, this, &CenterWidget::emitSetNavigViewBtn);
     connect(&m_adding, &FileAdding::scanWanted, this, &CenterWidget::SlotScanAddedFiles);
@@ -116,6 +124,8 @@ void CenterWidget::connectPanels()
     connect(this, SIGNAL(emitDuplicateMusicCount(int)), groups, SLOT(SlotSetDeleteBtn(int)));
     connect(this, SIGNAL(emitStartToPlayMusic(QMusicInfo*)), groups,
             SLOT(SlotBeginToPlayTableViewMusic(QMusicInfo*)));
+    connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitSongsWent, m_changes,
+            &CenterChanges::showWhatIsLeft);
     connect(ui->m_dupMusicDetailedWidget, &DuplicateMusicDetailedWidget::emitGroupCleared, m_changes,
             &CenterChanges::groupCleared);
     connect(ui->m_musicDetailedWidget, &MusicDetailedInfoWidget::emitEditedAgain, m_changes,
@@ -133,6 +143,13 @@ void CenterWidget::connectFoot()
     connect(&m_foot, &CenterFoot::undoOffered, this, &CenterWidget::emitUndoOffered);
     connect(&m_foot, &CenterFoot::undoChosen, this, &CenterWidget::SlotUndo);
     connect(&m_foot, &CenterFoot::groupChosen, this, &CenterWidget::showGroup);
+}
+
+/// The thread of a deletion has ended its use once the waiting dialog closes, whenever it returns itself.
+bool CenterWidget::ListsAreInUse() const
+{
+    return m_adding.intake().isRunning() || ui->m_dupMusicDetailedWidget->clearing().isDeleting() ||
+           m_deletion.isRunning() || m_foot.isTakingBack();
 }
 
 QWidget* CenterWidget::viewFocus() const
@@ -211,6 +228,13 @@ void CenterWidget::SlotDoubleClickDupMusicIndex(const QModelIndex& index)
         emit emitStartToPlayMusic(group->musicList.first());
 }
 
+void CenterWidget::SlotForbidToClickView(bool forbid)
+{
+    m_bForbidClick = forbid;
+    m_views->setSongsLocked(forbid);
+    emit emitForbidClickNavigBtn(forbid);
+}
+
 void CenterWidget::SlotHiddenMusicDetailedWidget()
 {
     ui->m_musicDetailedWidget->leave();
@@ -220,13 +244,13 @@ void CenterWidget::SlotHiddenMusicDetailedWidget()
 
 void CenterWidget::enterMode(bool local)
 {
+    setAcceptDrops(local);
     m_inSight->setVisible(!local);
     ui->m_btnOpen->setVisible(local);
     ui->m_btnOpen->setFocusPolicy(Qt::StrongFocus);
     SlotHiddenMusicDetailedWidget();
     ClearSelectedWidget();
     ui->m_findStrip->clear();
-    setAcceptDrops(local);
     m_openShortcut->setEnabled(local);
     QIOrvoUtil::m_cleanMode = local;
     m_bLeavingMode = false;
@@ -351,6 +375,7 @@ void CenterWidget::paintEvent(QPaintEvent*)
     if (ui->m_btnOpen->isHidden())
         return;
     DropZone::placeButton(*ui->m_btnOpen, size()); // where it stands already
+    painter.setOpacity(isEnabled() ? 1 : lockedOpacity);
     m_dropZone.paint(painter, size(), ui->m_btnOpen->size());
 }
 

@@ -63,12 +63,8 @@ public:
     /// The same for files and folders that the user named, Windows Media files included.
     void TakeNamedPaths(const QStringList& paths) { m_adding.takeNamed(paths); }
     /// Whether an intake fills the lists of songs, or a thread deletes what they hold or takes a change of it
-    /// back: none may see them emptied or filled by others, so switching modes waits for its end. The thread
-    /// has ended its use once the waiting dialog closes, whenever it returns itself.
-    bool ListsAreInUse() const
-    {
-        return m_adding.intake().isRunning() || m_deletion.isRunning() || m_foot.isTakingBack();
-    }
+    /// back: none may see them emptied or filled by others, so switching modes waits for its end.
+    bool ListsAreInUse() const;
     /// What has the focus for the views.
     QWidget* viewFocus() const;
     /// Ends a running intake for good, without its message; for when the window closes.
@@ -86,6 +82,8 @@ signals:
     void emitForbidClickNavigBtn(bool forbid);
     /// Several times a second while files are read for longer than a blink.
     void emitIntakeProgress(int done, int total);
+    /// When nothing is read any more, whatever came of it; before anything else of the intake.
+    void emitIntakeEnded();
     /// When files were read, before the message about it.
     void emitIntakeFinished();
     /// For the foot of the window.
@@ -110,11 +108,7 @@ public slots:
     void SlotClickDupMusicIndex(const QModelIndex& index);
     void SlotDoubleClickAllMusicIndex(const QModelIndex& index);
     void SlotDoubleClickDupMusicIndex(const QModelIndex& index);
-    void SlotForbidToClickView(bool forbid)
-    {
-        m_bForbidClick = forbid;
-        emit emitForbidClickNavigBtn(forbid);
-    }
+    void SlotForbidToClickView(bool forbid);
     void SlotHiddenMusicDetailedWidget();
     void SlotMusicInfoHaveBeEdited();
     /// Deletes one song of the current group: off the disk in the local mode, and out of the lists.

@@ -3,23 +3,11 @@
 #include "common/workers.h"
 
 #include <QElapsedTimer>
-#include <QHash>
 
 #include <utility>
 
 namespace {
 constexpr int progressMilliseconds = 100;
-
-/// The tag object of every song; null where a song has none.
-QHash<const QMusicInfo*, IAudioTag*> tagsOf(const SongLists& lists)
-{
-    QHash<const QMusicInfo*, IAudioTag*> tags;
-    tags.reserve(lists.all->size());
-    for (int position = 0; position < lists.all->size(); ++position)
-        tags.insert(lists.all->at(position),
-                    position < lists.tags->size() ? lists.tags->at(position) : nullptr);
-    return tags;
-}
 } // namespace
 
 DeleteAllDupMusicThread::DeleteAllDupMusicThread(QObject* parent) : QThread(parent) {}
@@ -46,16 +34,15 @@ void DeleteAllDupMusicThread::run()
 {
     if (!m_lists.groups->isEmpty()) {
         QVector<SongRemoval::Removal> plan;
-        FileRemoval removal;
-        int done = 0; // what is gone leaves the lists, whatever ended the deletion
-        Workers::finish("deleting duplicates", [this, &plan, &done, &removal] {
+        SongDeletion deletion(m_lists);
+        Workers::finish("deleting duplicates", [this, &plan, &deletion] {
             plan = SongRemoval::planOfAll(*m_lists.groups);
-            deleteSongs(plan, done, removal);
+            deleteSongs(plan, deletion);
         });
-        plan.resize(done);
+        plan.resize(deletion.done()); // what is gone leaves the lists, whatever ended the deletion
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
-            m_tally.addFiles(removal.removed());
+            m_tally = deletion.tally();
             m_deleted = std::exchange(plan, {});
         }
         QMetaObject::invokeMethod(this, "editLists",
@@ -75,32 +62,15 @@ void DeleteAllDupMusicThread::editLists()
     m_removedSongs += SongRemoval::removeAll(m_lists, deleted);
 }
 
-/// Counts in `done` how many of them it deleted: all, unless it was told to end.
-void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done,
-                                          FileRemoval& removal)
+void DeleteAllDupMusicThread::deleteSongs(const QVector<SongRemoval::Removal>& plan, SongDeletion& deletion)
 {
-    const bool files = SongRemoval::songsAreFiles();
-    const QHash<const QMusicInfo*, IAudioTag*> tags = tagsOf(m_lists);
-    KeptFiles kept;
-    const QMusicInfo* keptSong = nullptr;
     QElapsedTimer sinceProgress;
     sinceProgress.start();
-    for (done = 0; done < plan.size(); ++done) {
-        if (isInterruptionRequested())
-            return;
-        const SongRemoval::Removal& next = plan.at(done);
-        if (!files) {
-            m_tally.addTrack(*next.song, SongRemoval::removeTrack(*next.song));
-        } else if (tags.contains(next.song)) { // else it went before, and its file with it
-            if (next.kept != keptSong) {
-                kept = SongRemoval::filesOf({next.kept});
-                keptSong = next.kept;
-            }
-            SongRemoval::removeFile(*next.song, tags.value(next.song), kept, removal);
-        }
+    deletion.remove(plan, [this, &sinceProgress](int done, int total) {
         if (sinceProgress.elapsed() >= progressMilliseconds) {
-            emit emitProgress(done + 1, plan.size());
+            emit emitProgress(done, total);
             sinceProgress.start();
         }
-    }
+        return !isInterruptionRequested();
+    });
 }

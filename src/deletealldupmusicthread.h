@@ -1,6 +1,7 @@
 #pragma once
 
 #include "songs/removaltally.h"
+#include "songs/songdeletion.h"
 #include "songs/songremoval.h"
 
 #include <QThread>
@@ -41,7 +42,7 @@ private slots:
     void editLists();
 
 private:
-    void deleteSongs(const QVector<SongRemoval::Removal>& plan, int& done, FileRemoval& removal);
+    void deleteSongs(const QVector<SongRemoval::Removal>& plan, SongDeletion& deletion);
 
     SongLists m_lists;
     QVector<RemovedSong> m_removedSongs;

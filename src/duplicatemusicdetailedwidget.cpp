@@ -11,19 +11,21 @@
 #include "playsongwidget.h"
 #include "songs/bestsong.h"
 #include "songs/clearingwords.h"
-#include "songs/songremoval.h"
 #include "ui_duplicatemusicdetailedwidget.h"
 
 #include <QApplication>
 #include <QHelpEvent>
+#include <QLayout>
 #include <QPainter>
 #include <QScrollBar>
 #include <QSet>
 #include <QToolTip>
 
+#include <utility>
+
 DuplicateMusicDetailedWidget::DuplicateMusicDetailedWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::DuplicateMusicDetailedWidget>()),
-      m_pPlaySongWidget(std::make_unique<PlaySongWidget>()), m_fileRemoval(std::make_unique<FileRemoval>())
+      m_pPlaySongWidget(std::make_unique<PlaySongWidget>())
 {
     ui->setupUi(this);
     ui->scrollArea->viewport()->setAutoFillBackground(false);
@@ -79,10 +81,24 @@ void DuplicateMusicDetailedWidget::hideRows()
     ui->m_scrollAreaWidget->hide();
 }
 
+/// All at once: one by one, each would look at all the others.
+void DuplicateMusicDetailedWidget::deleteRows(const QList<DupMusicbarWidget*>& rows)
+{
+    const QSet<QWidget*> going(rows.begin(), rows.end());
+    QLayout& listed = *ui->m_ListverticalLayout;
+    for (int place = listed.count() - 1; place >= 0; --place)
+        if (going.contains(listed.itemAt(place)->widget()))
+            delete listed.takeAt(place);
+    QLayout& whole = *ui->m_scrollAreaWidget->layout();
+    whole.setEnabled(false);
+    qDeleteAll(rows);
+    whole.setEnabled(true);
+    whole.invalidate();
+}
+
 void DuplicateMusicDetailedWidget::clearRows()
 {
-    qDeleteAll(m_listBarWidget);
-    m_listBarWidget.clear();
+    deleteRows(std::exchange(m_listBarWidget, {}));
     m_pCurPlayBar = nullptr; // what it started plays on
 }
 
@@ -201,7 +217,8 @@ bool DuplicateMusicDetailedWidget::userAgrees()
 /// Oddity 26: asks nothing.
 void DuplicateMusicDetailedWidget::SlotOnBtnDeleteAllSong()
 {
-    deleteUncheckedSongs();
+    if (!deleteUncheckedSongs())
+        return;
     emit emitDeleteAllDupMusic();
     showButtons(false);
 }
@@ -212,17 +229,52 @@ void DuplicateMusicDetailedWidget::SlotDeleteSongWasSelected()
     emit emitGroupCleared();
 }
 
-void DuplicateMusicDetailedWidget::deleteUncheckedSongs()
+/// From the last row on. Oddity 25: the songs are those of the list, the marks those of the rows.
+QList<QMusicInfo*> DuplicateMusicDetailedWidget::uncheckedSongs() const
 {
-    m_tally = RemovalTally();
+    QList<QMusicInfo*> songs;
+    for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
+        QMusicInfo* const song = m_pMusicList->value(position);
+        if (!song)
+            break;
+        if (isUnchecked(position))
+            songs.append(song);
+    }
+    return songs;
+}
+
+bool DuplicateMusicDetailedWidget::isUnchecked(int position) const
+{
+    const DupMusicbarWidget* const row = m_listBarWidget.at(position);
+    return row && !row->isKept();
+}
+
+/// False where the program ends before all of them are deleted.
+bool DuplicateMusicDetailedWidget::deleteUncheckedSongs()
+{
     if (!m_pMusicList)
-        return;
-    QApplication::setOverrideCursor(Qt::WaitCursor); // thousands of files take seconds
+        return true;
+    const QList<QMusicInfo*> songs = uncheckedSongs();
+    QList<DupMusicbarWidget*> rows;
+    int position = m_listBarWidget.size(); // of the row whose song went last
+    const int gone = m_clearing.run(songs, keptSongs(), *window(), [&](QMusicInfo* song) {
+        do {
+            --position;
+        } while (!isUnchecked(position));
+        rows.append(takeRow(position));
+        emit emitDeleteDupMusicWasSelected(song);
+    });
     hideRows();
-    m_keptFiles = SongRemoval::filesOf(keptSongs());
-    deleteUncheckedRows();
-    m_keptFiles = KeptFiles();
-    m_tally.addFiles(std::exchange(m_fileRemoval, std::make_unique<FileRemoval>())->removed());
+    deleteRows(rows);
+    if (gone > 0)
+        emit emitSongsWent();
+    showRowsThatAreLeft();
+    update();
+    return gone == songs.size();
+}
+
+void DuplicateMusicDetailedWidget::showRowsThatAreLeft()
+{
     if (m_listBarWidget.size() == 1)
         removeLastRow();
     else if (!rowsMatchSongs())
@@ -231,34 +283,14 @@ void DuplicateMusicDetailedWidget::deleteUncheckedSongs()
         markBestRow();
     setRowAtHand(m_listBarWidget.value(0));
     ui->m_scrollAreaWidget->show();
-    QApplication::restoreOverrideCursor();
 }
 
-void DuplicateMusicDetailedWidget::deleteUncheckedRows()
+DupMusicbarWidget* DuplicateMusicDetailedWidget::takeRow(int position)
 {
-    for (int position = m_listBarWidget.size() - 1; position >= 0; --position) {
-        // Oddity 25: the song comes from the list, which loses an entry each time, the mark from the row.
-        QMusicInfo* song = m_pMusicList->value(position);
-        if (!song)
-            break;
-        const DupMusicbarWidget* row = m_listBarWidget.at(position);
-        if (!row || row->isKept())
-            continue;
-        if (!SongRemoval::songsAreFiles())
-            m_tally.addTrack(*song, SongRemoval::removeTrack(*song));
-        deleteRow(position);
-        emit emitDeleteDupMusicWasSelected(song);
-        update();
-    }
-}
-
-void DuplicateMusicDetailedWidget::deleteRow(int position)
-{
-    DupMusicbarWidget* row = m_listBarWidget.takeAt(position);
+    DupMusicbarWidget* const row = m_listBarWidget.takeAt(position);
     if (row == m_pCurPlayBar)
         m_pCurPlayBar = nullptr;
-    ui->m_ListverticalLayout->removeWidget(row);
-    delete row;
+    return row;
 }
 
 /// The panel empties itself once only the kept song is left; its place in the list stays.
@@ -266,7 +298,7 @@ void DuplicateMusicDetailedWidget::removeLastRow()
 {
     if (!m_listBarWidget.first())
         return;
-    deleteRow(0);
+    deleteRows({takeRow(0)});
     m_listBarWidget.append(nullptr);
     countRows();
     showButtons(false);
@@ -308,7 +340,19 @@ void DuplicateMusicDetailedWidget::SlotBeginToPlayTableViewMusic(QMusicInfo* son
 void DuplicateMusicDetailedWidget::play(QMusicInfo* song, bool fromDupBar)
 {
     m_pPlaySongWidget->SetMusicPlayInfo(song, fromDupBar);
-    m_pPlaySongWidget->ShowBeside(window()->frameGeometry());
+    m_pPlaySongWidget->ShowBeside(window()->frameGeometry(), whatIsToBeSeen());
+}
+
+/// The column of panels, and dialogs that wait or will.
+QVector<QRect> DuplicateMusicDetailedWidget::whatIsToBeSeen() const
+{
+    const QWidget* const column = parentWidget() ? parentWidget() : this;
+    QVector<QRect> seen = {QRect(column->mapToGlobal(QPoint(0, 0)), column->size())};
+    for (const QWidget* other : QApplication::topLevelWidgets())
+        if (other->isVisible() && qobject_cast<const QDialog*>(other))
+            seen.append(other->frameGeometry());
+    seen.append(ScreenPlace::dialogPlace(*window()));
+    return seen;
 }
 
 void DuplicateMusicDetailedWidget::SlotSongStopBtnHidden()
@@ -340,9 +384,10 @@ void DuplicateMusicDetailedWidget::showButtons(bool visible)
 /// What clearing all groups would do is counted when it is asked for.
 bool DuplicateMusicDetailedWidget::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched != ui->m_btnClearAll || event->type() != QEvent::ToolTip || !m_groups)
+    const QList<DupMusicInfo*>* const groups = m_clearing.lists().groups;
+    if (watched != ui->m_btnClearAll || event->type() != QEvent::ToolTip || !groups)
         return QWidget::eventFilter(watched, event);
-    const QString words = ClearingWords::beforeAll(*m_groups, m_pMusicList, keptSongs());
+    const QString words = ClearingWords::beforeAll(*groups, m_pMusicList, keptSongs());
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), TextFit::tip(words), ui->m_btnClearAll);
     return true;
 }

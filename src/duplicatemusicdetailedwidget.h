@@ -1,20 +1,17 @@
 #pragma once
 
-#include "collection/fileremoval.h"
-#include "collection/keptfiles.h"
 #include "common/footline.h"
 #include "deletedupmusicinfodlg.h"
-#include "songs/removaltally.h"
+#include "groupclearing.h"
 
 #include <QList>
+#include <QVector>
 #include <QWidget>
 
 #include <memory>
-#include <utility>
 
 class DupMusicbarWidget;
 class PlaySongWidget;
-struct DupMusicInfo;
 struct QMusicInfo;
 
 namespace Ui {
@@ -36,8 +33,9 @@ public:
     void SetDuplicateMusicDetailedInfo(QList<QMusicInfo*>* list);
     /// The same, and marks those of the songs to be kept, too.
     void showKeeping(QList<QMusicInfo*>* list, const QList<QMusicInfo*>& kept);
-    /// All groups, for what clearing them would do; they must outlive the panel, or be taken back (null).
-    void setGroups(const QList<DupMusicInfo*>* groups) { m_groups = groups; }
+    /// What clearing groups does beside the rows, and what lists it is about.
+    GroupClearing& clearing() { return m_clearing; }
+    const GroupClearing& clearing() const { return m_clearing; }
     /// Whether the rows shown are those of this list.
     bool shows(const QList<QMusicInfo*>& list) const { return m_pMusicList == &list; }
     /// The row that keys act on, with a mark of its own; null while none is to be seen.
@@ -51,12 +49,6 @@ public:
     void clear();
     /// The songs of the rows marked to be kept.
     QList<QMusicInfo*> keptSongs() const { return songsOfRows(true); }
-    /// What the deletion under way must leave on disk for their sake; nothing where songs are tracks.
-    const KeptFiles& keptFiles() const { return m_keptFiles; }
-    /// Takes the files of the deletion under way.
-    FileRemoval& fileRemoval() { return *m_fileRemoval; }
-    /// What the last deletion did with the files of this group, or its tracks.
-    RemovalTally takeTally() { return std::exchange(m_tally, RemovalTally()); }
 
 public slots:
     void SlotOnBtnDeleteSongWasSelected();
@@ -69,9 +61,11 @@ public slots:
     void SlotSetDeleteBtn(int count);
 
 signals:
-    /// One song is to leave the lists, and in the local mode the disk; handled before this returns.
+    /// One song, whose file or track went, is to leave the lists; handled before this returns.
     void emitDeleteDupMusicWasSelected(QMusicInfo* song);
     void emitDeleteAllDupMusic();
+    /// After the last one of a deletion, before anything else is done with the lists.
+    void emitSongsWent();
     /// At the end of a deletion, unless it is the beginning of clearing all groups.
     void emitGroupCleared();
     /// For the foot of the window.
@@ -91,23 +85,24 @@ private:
     void countRows();
     QList<QMusicInfo*> songsOfRows(bool kept) const;
     bool userAgrees();
-    void deleteRow(int position);
+    DupMusicbarWidget* takeRow(int position);
+    void deleteRows(const QList<DupMusicbarWidget*>& rows);
     void removeLastRow();
     bool rowsMatchSongs() const;
-    void deleteUncheckedRows();
-    void deleteUncheckedSongs();
+    QList<QMusicInfo*> uncheckedSongs() const;
+    bool isUnchecked(int position) const;
+    bool deleteUncheckedSongs();
+    void showRowsThatAreLeft();
     void showButtons(bool visible);
     void play(QMusicInfo* song, bool fromDupBar);
+    QVector<QRect> whatIsToBeSeen() const;
 
     std::unique_ptr<Ui::DuplicateMusicDetailedWidget> ui;
     QList<QMusicInfo*>* m_pMusicList = nullptr;
-    const QList<DupMusicInfo*>* m_groups = nullptr; ///< not owned
-    QList<DupMusicbarWidget*> m_listBarWidget;      ///< one row per song, same index; null for one that went
+    QList<DupMusicbarWidget*> m_listBarWidget; ///< one row per song, same index; null for one that went
     std::unique_ptr<PlaySongWidget> m_pPlaySongWidget;
     int m_rowAtHand = 0;                        ///< its position
     DupMusicbarWidget* m_pCurPlayBar = nullptr; ///< the row that started the playback last
-    KeptFiles m_keptFiles;                      ///< empty but for a deletion
-    std::unique_ptr<FileRemoval> m_fileRemoval; ///< a new one for each deletion
-    RemovalTally m_tally;
+    GroupClearing m_clearing;
     DeleteDupMusicInfoDlg m_deleteDlg;
 };

@@ -79,8 +79,9 @@ void FileAdding::take(const QStringList& paths)
     }
     m_found.clear();
     m_windowsMediaLeftOut.clear();
-    for (const QString& path : paths)
-        find(path);
+    m_intake.begin();
+    for (int i = 0; i < paths.size() && m_intake.goesOn(); ++i)
+        find(paths.at(i));
     m_bFromDrop = true;
     choose();
     emit pathsTaken();
@@ -91,11 +92,15 @@ void FileAdding::choose()
     const bool fromDrop = std::exchange(m_bFromDrop, false);
     if (!takesFiles())
         return;
-    if (!fromDrop)
+    if (!fromDrop) {
         m_windowsMediaLeftOut.clear();
-    if (fromDrop && m_found.isEmpty()) {
-        emit told(IntakeDialogs::leftOut(0, {}, m_windowsMediaLeftOut, &m_window));
-        offerDialog();
+        m_intake.begin();
+    }
+    if (fromDrop && (m_found.isEmpty() || m_intake.wasEnded())) {
+        emit ended();
+        emit told(result(0, m_found.size()));
+        if (!m_intake.wasEnded())
+            offerDialog();
         return;
     }
     const QStringList files = fromDrop ? m_found : chosenFiles();
@@ -123,11 +128,24 @@ void FileAdding::add(const QStringList& files)
 {
     m_bAdded = true;
     m_local_add_or_ScanAgain = 1;
+    const int before = m_songs.size();
     m_intake.add(files, m_songs, m_tags);
+    emit ended();
     emit finished();
     if (m_intake.isStopped())
         return;
-    emit told(IntakeDialogs::leftOut(files.size(), m_intake.unreadable(), m_windowsMediaLeftOut, &m_window));
+    emit told(result(m_songs.size() - before, files.size()));
     if (IntakeDialogs::offerScan() && takesFiles())
         emit scanWanted();
+}
+
+/// What is told of so many files that were read of those that were to be.
+FootText FileAdding::result(int files, int wanted) const
+{
+    const bool none = files == 0;
+    FootLines::Intake intake = {files, none ? 0 : m_intake.unreadable().size(), m_windowsMediaLeftOut.size()};
+    intake.ended = m_intake.wasEnded() && (none || files < wanted);
+    intake.wanted = wanted;
+    return IntakeDialogs::result(intake, none ? QVector<LocalIntake::Unreadable>() : m_intake.unreadable(),
+                                 m_windowsMediaLeftOut, &m_window);
 }

@@ -47,6 +47,8 @@ public:
     void choose();
 
 signals:
+    /// When nothing is read any more, whatever came of it; comes first.
+    void ended();
     /// When files were read, before the message about it.
     void finished();
     /// After paths were taken, whatever came of them.
@@ -62,6 +64,7 @@ private:
     QStringList chosenFiles() const;
     void offerDialog();
     void add(const QStringList& files);
+    FootText result(int files, int wanted) const;
 
     QWidget& m_window;
     QList<QMusicInfo*>& m_songs;

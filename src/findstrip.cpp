@@ -2,6 +2,7 @@
 
 #include "collection/counttext.h"
 #include "common/findfield.h"
+#include "common/qimagebutton.h"
 #include "common/style.h"
 #include "songviews.h"
 
@@ -11,18 +12,23 @@
 
 namespace {
 constexpr int edge = 6;        // to the view's left edge
-constexpr int countGap = 8;    // between field and count
+constexpr int partsGap = 8;    // between field, button and count
 constexpr int buttonsGap = 16; // to the display buttons
 } // namespace
 
 FindStrip::FindStrip(QWidget* parent)
-    : QWidget(parent), m_field(new FindField(this)), m_count(new QLabel(this))
+    : QWidget(parent), m_field(new FindField(this)), m_more(new QImageButton(this)), m_count(new QLabel(this))
 {
     m_field->setObjectName(QStringLiteral("m_findField"));
     m_field->setPlaceholderText(QStringLiteral("Find songs"));
     m_field->setAccessibleName(QStringLiteral("Find songs"));
     m_field->setToolTip(QStringLiteral("Title, artist, album, genre or file name (%1)")
                             .arg(QKeySequence(QKeySequence::Find).toString(QKeySequence::NativeText)));
+    m_more->setObjectName(QStringLiteral("m_btnMore"));
+    m_more->setBtnImage(SkinPicture::path("button_addmore.png"));
+    m_more->setToolTip(QStringLiteral("Adds music files to these songs (%1)")
+                           .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)));
+    m_more->hide();
     m_count->setObjectName(QStringLiteral("m_labFound"));
     m_count->setFont(Style::font(12));
     QPalette palette = m_count->palette();
@@ -30,8 +36,9 @@ FindStrip::FindStrip(QWidget* parent)
     m_count->setPalette(palette);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(edge, 0, buttonsGap, 0);
-    row->setSpacing(countGap);
+    row->setSpacing(partsGap);
     row->addWidget(m_field, 1);
+    row->addWidget(m_more);
     row->addWidget(m_count);
     row->addStretch();
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, m_field, &FindField::begin);

@@ -67,7 +67,7 @@ void HeaderStatus::showAdding(int done, int total)
         m_pAddingMovie = std::make_unique<SkinMovie>("dynamic_scanning.gif");
         m_pAddingMovie->startIn(&m_widgets.disc);
     }
-    say(QStringLiteral("Adding music files: %1 of %2").arg(done).arg(total));
+    say(QStringLiteral("Adding music files: %1 of %2\nPress Esc to stop.").arg(done).arg(total));
 }
 
 void HeaderStatus::endAdding()

@@ -2,7 +2,6 @@
 
 #include "common/messagedialog.h"
 #include "pathlistwindow.h"
-#include "songs/footlines.h"
 
 bool IntakeDialogs::offerChoice()
 {
@@ -23,12 +22,13 @@ void IntakeDialogs::askForFiles()
     MessageDialog::notify(QStringLiteral("Sorry,Please add file from local."), "button_ok.png");
 }
 
-FootText IntakeDialogs::leftOut(int files, const QVector<LocalIntake::Unreadable>& unreadable,
-                                const QStringList& windowsMedia, QWidget* over)
+FootText IntakeDialogs::result(const FootLines::Intake& intake,
+                               const QVector<LocalIntake::Unreadable>& unreadable,
+                               const QStringList& windowsMedia, QWidget* over)
 {
-    const QString line = FootLines::takenIn({files, unreadable.size(), windowsMedia.size()});
-    if (line.isEmpty())
-        return {};
+    const QString line = FootLines::takenIn(intake);
+    if (unreadable.isEmpty() && windowsMedia.isEmpty())
+        return {line, false, {}};
     QStringList paths;
     for (const LocalIntake::Unreadable& file : unreadable)
         paths.append(file.path + QLatin1String(": ") + file.reason);

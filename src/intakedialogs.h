@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/footline.h"
+#include "songs/footlines.h"
 #include "songs/localintake.h"
 
 #include <QStringList>
@@ -16,8 +17,8 @@ bool offerChoice();
 bool offerScan();
 /// For a scan without files.
 void askForFiles();
-/// What the foot of the window says of so many files that were added: nothing when all were read and none was
-/// left out. Its link shows which.
-FootText leftOut(int files, const QVector<LocalIntake::Unreadable>& unreadable,
-                 const QStringList& windowsMedia, QWidget* over);
+/// What the foot of the window says of an intake: nothing when all files were read and none was left out. Its
+/// link shows which.
+FootText result(const FootLines::Intake& intake, const QVector<LocalIntake::Unreadable>& unreadable,
+                const QStringList& windowsMedia, QWidget* over);
 } // namespace IntakeDialogs

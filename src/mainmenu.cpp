@@ -17,9 +17,11 @@ MainMenu::MainMenu(MainWindow* window) : QMenuBar(window)
         QStringLiteral(
             "QMenuBar{background:transparent;border:0}"
             "QMenuBar::item{background:transparent;padding:1px 8px;margin:0;color:%1;border-radius:4px}"
+            "QMenuBar::item:disabled{color:%4}"
             "QMenuBar::item:selected{background:%2}"
             "QMenuBar::item:pressed{background:%3}")
-            .arg(Style::menuText.name(), Style::menuHovered.name(), Style::menuPressed.name()));
+            .arg(Style::menuText.name(), Style::menuHovered.name(), Style::menuPressed.name(),
+                 Style::locked.name()));
     add(QStringLiteral("Home"), "menu_home.png", window, SLOT(SlotHomeMenu()));
     add(QStringLiteral("About"), "menu_about.png", window, SLOT(SlotAboutMenu()));
     add(QStringLiteral("Help"), "menu_help.png", window, SLOT(SlotHelpMenu()))

@@ -110,6 +110,7 @@ void MainWindow::InitConnect()
     connect(center, SIGNAL(emitForbidClickNavigBtn(bool)), navigation, SLOT(SlotForbidClickingBtn(bool)));
 
     connect(center, SIGNAL(emitIntakeProgress(int, int)), this, SLOT(SlotIntakeProgress(int, int)));
+    connect(center, SIGNAL(emitIntakeEnded()), this, SLOT(SlotIntakeEnded()));
     connect(center, SIGNAL(emitIntakeFinished()), this, SLOT(SlotIntakeFinished()));
     connect(center, &CenterWidget::emitChooseDuplicates, navigation, &NavigationWidget::OnBtnMusicDuplicate);
     connect(center, &CenterWidget::emitChooseRow, navigation, &NavigationWidget::choose);
@@ -280,12 +281,19 @@ void MainWindow::SlotIntakeProgress(int done, int total)
 {
     m_status->showAdding(done, total);
     LauncherProgress::show(done, total);
+    m_lockedByIntake.lock({ui->m_middleMusicWidget, ui->m_leftMusicWidget, ui->m_btnStarScan, ui->m_hhwidget,
+                           ui->m_footLine, findChild<MainMenu*>()});
+}
+
+void MainWindow::SlotIntakeEnded()
+{
+    m_status->endAdding();
+    LauncherProgress::end();
+    m_lockedByIntake.unlock();
 }
 
 void MainWindow::SlotIntakeFinished()
 {
-    m_status->endAdding();
-    LauncherProgress::end();
     // From here on the button scans what was added.
     ui->m_btnStarScan->setBtnImage(SkinPicture::path("btn_startscan.png"));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/lockedwidgets.h"
+
 #include <QList>
 #include <QMainWindow>
 
@@ -52,6 +54,7 @@ public slots:
 
 private slots:
     void SlotIntakeProgress(int done, int total);
+    void SlotIntakeEnded();
     void SlotIntakeFinished();
 
 protected:
@@ -88,5 +91,6 @@ private:
     QList<QMusicInfo*> m_musicList;               ///< owned: the songs of the last scan
     PaintCoverImageThread* m_pCoverThread = nullptr;
 
+    LockedWidgets m_lockedByIntake;
     QStringList m_pathsToOpen; ///< taken in once the local mode is in force
 };

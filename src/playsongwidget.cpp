@@ -196,10 +196,10 @@ void PlaySongWidget::SlotOnBtnPause()
         emit emitSongStopBtnHidden();
 }
 
-void PlaySongWidget::ShowBeside(const QRect& other)
+void PlaySongWidget::ShowBeside(const QRect& other, const QVector<QRect>& seen)
 {
-    if (!m_bPlaced || !ScreenPlace::graspable(frameGeometry()))
-        placeBeside(other);
+    if (!m_bPlaced || (isHidden() && isWhereItWasPut()) || !ScreenPlace::graspable(frameGeometry()))
+        placeBeside(other, seen);
     show();
     windowHandle()->installEventFilter(this);
     setWindowState(windowState() & ~Qt::WindowMinimized);
@@ -207,10 +207,19 @@ void PlaySongWidget::ShowBeside(const QRect& other)
     update();
 }
 
-void PlaySongWidget::placeBeside(const QRect& other)
+/// Nobody moved it since, and the window system at most by its frame.
+bool PlaySongWidget::isWhereItWasPut() const
+{
+    constexpr int frame = 40;
+    return (pos() - m_ptPlace).manhattanLength() <= frame;
+}
+
+void PlaySongWidget::placeBeside(const QRect& other, const QVector<QRect>& seen)
 {
     const QRect whole = QRect(QPoint(0, 0), size()).marginsAdded(ScreenPlace::frameAround(*this));
-    move(ScreenPlace::beside(other, whole.size(), ScreenPlace::availableAt(other.center())));
+    m_ptPlace =
+        ScreenPlace::besideClearOf(seen, other, whole.size(), ScreenPlace::availableAt(other.center()));
+    move(m_ptPlace);
     m_bPlaced = true;
     m_bFrameGuessed = !isVisible();
 }
@@ -229,8 +238,10 @@ void PlaySongWidget::keepFrameInside()
         return;
     const QRect frame = windowHandle()->frameGeometry();
     const QPoint place = ScreenPlace::inside(frame, ScreenPlace::availableAt(frame.center()));
-    if (place != frame.topLeft())
-        move(place);
+    if (place == frame.topLeft())
+        return;
+    move(place);
+    m_ptPlace = place;
 }
 
 void PlaySongWidget::closeEvent(QCloseEvent* event)

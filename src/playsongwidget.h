@@ -31,9 +31,9 @@ public:
     QString ConvertTime(long long milliseconds) const;
     void MusicDidfinish();
 
-    /// Shows the window in front. It lies beside the other one the first time, and when the screen that it
-    /// was left on is gone; else where it was left.
-    void ShowBeside(const QRect& other);
+    /// Shows the window in front. It lies beside the other one, and clear of what is to be seen there, what
+    /// matters most first; but where the user moved it, unless that screen is gone.
+    void ShowBeside(const QRect& other, const QVector<QRect>& seen = {});
 
 public slots:
     void UpdatePlayTime();
@@ -67,7 +67,8 @@ private:
     void startTimer();
     void showPauseButton(bool pause);
     void tellTime(int position, int duration);
-    void placeBeside(const QRect& other);
+    bool isWhereItWasPut() const;
+    void placeBeside(const QRect& other, const QVector<QRect>& seen);
     /// Whatever frame had been guessed.
     void keepFrameInside();
 
@@ -78,5 +79,6 @@ private:
     bool m_bToldSilent = false; ///< of the song that is loaded
     int m_nToldSecond = -1;     ///< of the same
     bool m_bPlaced = false;
+    QPoint m_ptPlace;             ///< then
     bool m_bFrameGuessed = false; ///< the window was placed before its frame was known
 };

@@ -7,6 +7,7 @@
 #include "songs/songfields.h"
 #include "ui_showmusicinfowidget.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -83,12 +84,38 @@ void ShowMusicInfoWidget::hideEvent(QHideEvent* event)
 bool ShowMusicInfoWidget::eventFilter(QObject* watched, QEvent* event)
 {
     const auto* const widget = qobject_cast<QWidget*>(watched);
-    const QEvent::Type type = event->type();
-    const bool pressedElsewhere = type == QEvent::MouseButtonPress && widget && widget->window() != this;
-    const bool gone = type == QEvent::Hide && watched == parent();
-    const bool escape = type == QEvent::KeyPress && widget && !QApplication::activeModalWidget() &&
-                        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
-    if (pressedElsewhere || gone || escape)
+    if (event->type() == QEvent::KeyPress)
+        return widget && takesKey(*widget, *static_cast<QKeyEvent*>(event));
+    if (closesAt(*watched, *event))
         close();
-    return escape;
+    return false;
+}
+
+bool ShowMusicInfoWidget::closesAt(const QObject& watched, const QEvent& event) const
+{
+    const auto* const widget = qobject_cast<const QWidget*>(&watched);
+    if (event.type() == QEvent::MouseButtonPress)
+        return widget && widget->window() != this;
+    if (event.type() != QEvent::Hide)
+        return false;
+    const bool isView = qobject_cast<const QAbstractItemView*>(&watched) != nullptr;
+    return &watched == parent() || (isView && parentWidget() && widget->window() == parentWidget()->window());
+}
+
+/// Whether the key goes no further. The one that opened the card may be held.
+bool ShowMusicInfoWidget::takesKey(const QWidget& receiver, const QKeyEvent& event)
+{
+    const bool isModifier = event.key() >= Qt::Key_Shift && event.key() <= Qt::Key_Alt;
+    if (isModifier || event.isAutoRepeat() || QApplication::activeModalWidget())
+        return false;
+    close();
+    if (event.key() == Qt::Key_Escape)
+        return true;
+    if (receiver.window() != this || !parentWidget())
+        return false;
+    QWidget* const behind = parentWidget()->window();
+    behind->activateWindow();
+    QKeyEvent same(event);
+    QApplication::sendEvent(behind->focusWidget() ? behind->focusWidget() : behind, &same);
+    return true;
 }

@@ -6,14 +6,16 @@
 
 #include <memory>
 
+class QKeyEvent;
 struct QMusicInfo;
 
 namespace Ui {
 class ShowMusicInfoWidget;
 }
 
-/// A small card without a frame that shows one song's cover and tags. Any press closes it, Escape does
-/// wherever it is pressed, and it goes with what it belongs to, its parent, once that is not to be seen.
+/// A small card without a frame that shows one song's cover and tags. Any press of the mouse closes it, and
+/// any key, which does what it does in the window behind it; but for Escape, which only closes it. It goes
+/// with what it belongs to, its parent, once that is not to be seen, and when another view is shown.
 class ShowMusicInfoWidget : public QWidget
 {
     Q_OBJECT
@@ -36,6 +38,9 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    bool closesAt(const QObject& watched, const QEvent& event) const;
+    bool takesKey(const QWidget& receiver, const QKeyEvent& event);
+
     std::unique_ptr<Ui::ShowMusicInfoWidget> ui;
     std::unique_ptr<SkinPicture> m_face;
 };

@@ -8,6 +8,7 @@
 #include "views/paintdupnumberdelegate.h"
 #include "views/songcells.h"
 #include "views/viewsetup.h"
+#include "views/viewveil.h"
 
 #include <QListView>
 #include <QTableView>
@@ -36,6 +37,9 @@ SongViews::SongViews(const Widgets& widgets, QList<QMusicInfo*>* songs, QList<Du
       m_allMusicTableModel(new MusicListModel(this)), m_dupMusicGridModel(new DupMusicListModel(this)),
       m_dupMusicTableModel(new DupMusicListModel(this))
 {
+    const auto views = all();
+    std::transform(views.begin(), views.end(), m_veils.begin(),
+                   [](QAbstractItemView* view) { return new ViewVeil(view); });
     // Before the views, which measure columns that are there.
     showSongs(songs);
     showGroups(groups, SongCells::columnModeDupTable);
@@ -108,13 +112,12 @@ void SongViews::refreshGroups()
     showGroups(m_groups.source(), m_groupColumns);
 }
 
-void SongViews::leave(const QMusicInfo* song, const DupMusicInfo* group)
+void SongViews::leave(const QSet<QMusicInfo*>& songs)
 {
-    m_songs.drop(song);
-    if (group)
-        m_groups.drop(group);
+    m_songs.drop(songs);
     giveSongs();
-    giveGroups();
+    forgetTexts();
+    refreshGroups();
 }
 
 void SongViews::prepareFind()
@@ -255,6 +258,14 @@ void SongViews::setGroupsEnabled(bool enabled)
 {
     m_widgets.groupGrid->setEnabled(enabled);
     m_widgets.groupTable->setEnabled(enabled);
+}
+
+void SongViews::setSongsLocked(bool locked)
+{
+    const auto views = all();
+    for (std::size_t i = 0; i < views.size(); ++i)
+        if (!showsGroups(*views[i]))
+            m_veils[i]->setLocked(locked);
 }
 
 void SongViews::repaintCovers()

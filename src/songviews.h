@@ -4,6 +4,7 @@
 #include "songs/songfind.h"
 
 #include <QObject>
+#include <QSet>
 
 #include <array>
 
@@ -13,6 +14,7 @@ class QAbstractItemView;
 class QListView;
 class QModelIndex;
 class QTableView;
+class ViewVeil;
 struct DupMusicInfo;
 struct QMusicInfo;
 
@@ -45,9 +47,9 @@ public:
     void refreshGroups();
     /// Songs were edited, came or went; before views are refreshed. What is found is then looked for anew.
     void forgetTexts() { m_find.forgetTexts(); }
-    /// The song, and the group unless it is null, left the true lists, one of many perhaps: the same without
-    /// them, and nothing is looked for or ordered again.
-    void leave(const QMusicInfo* song, const DupMusicInfo* group);
+    /// These songs left the true lists, and groups with them: both show without them. Among all songs nothing
+    /// is looked for or ordered again.
+    void leave(const QSet<QMusicInfo*>& songs);
 
     /// Both views of a kind tell the receiver's slots which index was clicked.
     void connectSongs(const QObject* receiver, const char* clicked, const char* doubleClicked) const;
@@ -82,6 +84,8 @@ public:
     /// The words of find(), in one line.
     QString lookedFor() const { return m_typed.simplified(); }
     void setGroupsEnabled(bool enabled);
+    /// Whether they look as if they could not be clicked; they let everything through all the same.
+    void setSongsLocked(bool locked);
     /// Shows files of covers as they are now.
     void repaintCovers();
 
@@ -109,6 +113,7 @@ private:
     MusicListModel* m_allMusicTableModel;
     DupMusicListModel* m_dupMusicGridModel;
     DupMusicListModel* m_dupMusicTableModel;
+    std::array<ViewVeil*, 4> m_veils; ///< as the views in all()
     SongFind m_find;
     QString m_typed;
     ShownList<QMusicInfo> m_songs;

@@ -9,7 +9,7 @@
 
 ViewInSight::ViewInSight(SongViews& views, const Buttons& buttons, std::function<bool()> dropsAreSeen,
                          QWidget* area)
-    : m_views(views), m_buttons(buttons), m_dropsAreSeen(std::move(dropsAreSeen)),
+    : m_views(views), m_buttons(buttons), m_dropsAreSeen(std::move(dropsAreSeen)), m_area(*area),
       m_view(views.view(false, true)), m_focus(new ViewFocus(views.all(), area))
 {
     QWidget::setTabOrder(&m_buttons.table, m_focus);
@@ -57,5 +57,6 @@ void ViewInSight::showAnew()
 void ViewInSight::setVisible(bool visible)
 {
     m_view->setVisible(visible);
+    m_buttons.more.setVisible(visible && m_area.acceptDrops());
     m_focus->follow(*m_view);
 }

@@ -21,10 +21,12 @@ public:
         QWidget& grid;
         QWidget& table;
         QWidget& open; ///< files, where they are dropped
+        QWidget& more; ///< files, beside those that show
     };
 
     /// The grid of songs, hidden. The area holds the views and the buttons, and owns what has the focus; all
-    /// must outlive this. While there are no songs the place where files are dropped may be what is seen.
+    /// must outlive this. While there are no songs the place where files are dropped may be what is seen. The
+    /// area accepts drops where files make songs.
     ViewInSight(SongViews& views, const Buttons& buttons, std::function<bool()> dropsAreSeen, QWidget* area);
 
     QAbstractItemView& view() const { return *m_view; }
@@ -47,6 +49,7 @@ private:
     SongViews& m_views;
     Buttons m_buttons;
     std::function<bool()> m_dropsAreSeen;
+    const QWidget& m_area;
     QAbstractItemView* m_view;
     ViewFocus* m_focus;
     Kind m_kind = Kind::All;

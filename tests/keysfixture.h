@@ -57,6 +57,13 @@ protected:
                 return part<QAbstractItemView>(name);
         return nullptr;
     }
+    /// Of the view in sight.
+    void clickShown(int row) const
+    {
+        QAbstractItemView& shown = *view();
+        QTest::mouseClick(shown.viewport(), Qt::LeftButton, Qt::NoModifier,
+                          shown.visualRect(shown.model()->index(row, 0)).center());
+    }
     int row() const { return view()->currentIndex().row(); }
     QString markedTitle() const { return view()->model()->index(row(), 0).data().toString(); }
     /// What the panel of one song shows; null while it is hidden.

@@ -39,6 +39,7 @@ private slots:
     void switchingModesEmptiesAndRefusesDrops();
     void dropsLandOnTheListToo();
     void ctrlOOpensTheDialogInTheLocalModeOnly();
+    void addMoreOpensTheDialogWhereSongsShow();
     void aDialogThatOutlivesItsModeAddsNothing();
     void aMessageThatOutlivesItsModeScansNothing();
     void longIntakesShowProgressAndTakeNoInput();
@@ -180,6 +181,32 @@ void TestCenterIntake::ctrlOOpensTheDialogInTheLocalModeOnly()
     m_center->SwitchToiTunesCleanModel();
     QTest::keyClick(m_center.get(), Qt::Key_O, Qt::ControlModifier);
     QCOMPARE(opened, 1);
+}
+
+void TestCenterIntake::addMoreOpensTheDialogWhereSongsShow()
+{
+    auto* const more = m_center->findChild<QImageButton*>("m_btnMore");
+    QVERIFY(more->isHidden()); // the place for drops has a button of its own
+    add({tone("a", "One")});
+    for (const auto show : {&CenterWidget::slotShowDuplicateMusicView, &CenterWidget::OnBtnTableView,
+                            &CenterWidget::slotShowAllmusicView}) {
+        (m_center.get()->*show)();
+        QVERIFY(more->isVisible());
+    }
+    const QString second = tone("b", "Two");
+    m_dialogs->expect([&](QWidget* dialog) {
+        QVERIFY(qobject_cast<QFileDialog*>(dialog));
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(second);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    m_dialogs->expectButton("m_btnType");
+    QTest::mouseClick(more, Qt::LeftButton);
+    QCOMPARE(view<QListView>("m_allMusicListView")->model()->rowCount(), 2);
+    QVERIFY(more->isVisible());
+    m_center->SwitchToiTunesCleanModel();
+    QVERIFY(more->isHidden());
+    m_center->slotShowAllmusicView();
+    QVERIFY(more->isHidden());
 }
 
 void TestCenterIntake::aDialogThatOutlivesItsModeAddsNothing()

@@ -65,7 +65,7 @@ void TestFocus::tabGoesFromTopToBottom()
     const QStringList row = {"m_btnIsDeleta", "m_btnPlayMusic", "m_btnShowInfo", "m_btnOpenPath"};
     const QStringList wanted =
         QStringList({"m_btnStarScan", "m_btnLocalClean", "m_btnMusicAll", "m_btnMusicUndefined",
-                     "m_findField", "m_btnTableDisplay", "m_viewFocus"}) +
+                     "m_findField", "m_btnMore", "m_btnTableDisplay", "m_viewFocus"}) +
         row + row + QStringList({"m_btnClearOne", "m_btnClearAll"});
     part<QWidget>("m_btnStarScan")->setFocus();
     const auto goOn = [this](const QStringList& names) {

@@ -289,8 +289,8 @@ void TestGroupClearing::clearAllTellsItsNumbersBefore()
 {
     DupMusicInfo shown{group(3)};
     DupMusicInfo other{group(4)};
-    const QList<DupMusicInfo*> groups = {&shown, &other};
-    m_panel->setGroups(&groups);
+    QList<DupMusicInfo*> groups = {&shown, &other};
+    m_panel->clearing().setLists([&groups] { return SongLists{nullptr, &groups, nullptr, nullptr}; });
     m_panel->SetDuplicateMusicDetailedInfo(&shown.musicList);
     const auto* button = child<QWidget>(m_panel.get(), "m_btnClearAll");
     QVERIFY(tipOf(button).startsWith("Of 2 groups, 5 songs go with their files; 2 stay."));

@@ -445,9 +445,9 @@ void TestMainWindow::progressShowsInTheHeader()
     const QString before = tips();
     auto* center = part<CenterWidget>("m_middleMusicWidget");
     emit center->emitIntakeProgress(7, 9);
-    QCOMPARE(tips(), QString("Adding music files: 7 of 9"));
+    QCOMPARE(tips(), QString("Adding music files: 7 of 9\nPress Esc to stop."));
     QVERIFY(part<QLabel>("m_movieLabel")->movie());
-    emit center->emitIntakeFinished();
+    emit center->emitIntakeEnded();
     QCOMPARE(tips(), before);
     QVERIFY(!part<QLabel>("m_movieLabel")->movie());
     QVERIFY(!part<QLabel>("m_movieLabel")->pixmap(Qt::ReturnByValue).isNull());

@@ -148,7 +148,7 @@ void TestShowMusicInfoWidget::escapeClosesIt()
 {
     ShowMusicInfoWidget card;
     card.show();
-    QTest::keyClick(&card, Qt::Key_A);
+    QTest::keyClick(&card, Qt::Key_Control);
     QVERIFY(card.isVisible());
     QTest::keyClick(&card, Qt::Key_Escape);
     QVERIFY(!card.isVisible());

@@ -1,6 +1,7 @@
 #include "common/qimagedialog.h"
 
 #include "common/focusmark.h"
+#include "common/screenplace.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -22,6 +23,13 @@ bool QImageDialog::SetImageBackgroud(const QString& path)
     if (!m_pBackground->size().isEmpty())
         setFixedSize(m_pBackground->size());
     return true;
+}
+
+void QImageDialog::setVisible(bool visible)
+{
+    if (visible && isHidden())
+        setWindowFlag(Qt::WindowStaysOnTopHint, ScreenPlace::someStayOnTop());
+    QDialog::setVisible(visible);
 }
 
 void QImageDialog::paintEvent(QPaintEvent*)

@@ -19,6 +19,9 @@ public:
     bool SetImageBackgroud(const QString& path);
     static QString GetApplicationPath() { return s_strAppPath; }
 
+    /// Above windows that stay on top of all others, too: it waits for its answer.
+    void setVisible(bool visible) override;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

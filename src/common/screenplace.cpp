@@ -6,6 +6,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <vector>
 
 QRect ScreenPlace::availableAt(const QPoint& point)
 {
@@ -60,6 +61,52 @@ QPoint ScreenPlace::beside(const QRect& other, const QSize& size, const QRect& s
     return inside(QRect(QPoint(x, other.y()), size), screen);
 }
 
+QPoint ScreenPlace::besideClearOf(const QVector<QRect>& seen, const QRect& other, const QSize& size,
+                                  const QRect& screen)
+{
+    const auto covered = [&](const QPoint& place) {
+        std::vector<int> areas;
+        for (const QRect& each : seen) {
+            const QRect common = each & QRect(place, size);
+            areas.push_back(common.width() * common.height());
+        }
+        return areas;
+    };
+    QPoint best = beside(other, size, screen);
+    std::vector<QRect> edges = {screen, other};
+    edges.insert(edges.end(), seen.begin(), seen.end());
+    std::vector<int> lefts;
+    std::vector<int> tops;
+    for (const QRect& edge : edges) {
+        lefts.insert(lefts.end(), {edge.left() - size.width(), edge.left(), edge.right() + 1,
+                                   edge.right() + 1 - size.width()});
+        tops.insert(tops.end(), {edge.bottom() + 1 - size.height(), edge.bottom() + 1,
+                                 edge.top() - size.height(), edge.top()});
+    }
+    for (const int top : tops)
+        for (const int left : lefts) {
+            const QPoint place = inside(QRect(QPoint(left, top), size), screen);
+            if (covered(place) < covered(best))
+                best = place;
+        }
+    return best;
+}
+
+QRect ScreenPlace::dialogPlace(const QWidget& window)
+{
+    QRect place(0, 0, 442, 180); // the faces of questions, with a frame
+    place.moveCenter(window.frameGeometry().center());
+    return place;
+}
+
+bool ScreenPlace::someStayOnTop()
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    return std::any_of(windows.begin(), windows.end(), [](const QWindow* window) {
+        return window->isVisible() && window->flags().testFlag(Qt::WindowStaysOnTopHint);
+    });
+}
+
 void ScreenPlace::putOver(QWidget& dialog, const QRect& part, QWidget& window)
 {
     const QPoint middle = window.frameGeometry().center();
@@ -67,6 +114,7 @@ void ScreenPlace::putOver(QWidget& dialog, const QRect& part, QWidget& window)
     dialog.move(inside(wanted, availableAt(middle)) - part.topLeft());
     if (!window.windowHandle())
         return;
+    dialog.setWindowFlag(Qt::WindowStaysOnTopHint, someStayOnTop());
     dialog.winId(); // makes the window handle
     dialog.windowHandle()->setTransientParent(window.windowHandle());
 }

@@ -25,7 +25,14 @@ QMargins frameAround(const QWidget& window);
 /// The top-left corner at which a window of the size lies inside the screen, right of the other window where
 /// there is room, else left of it, else as far right as it goes.
 QPoint beside(const QRect& other, const QSize& size, const QRect& screen);
-/// Keeps the dialog above the other window and puts `part` of it, in its coordinates, over that window's
-/// middle, inside the screen. Before it is shown.
+/// The same, unless that covers something of what is to be seen: then where it covers as little as can be of
+/// the first of it, of that as little of the next, and so on.
+QPoint besideClearOf(const QVector<QRect>& seen, const QRect& other, const QSize& size, const QRect& screen);
+/// What dialogs take at most that are put over the window.
+QRect dialogPlace(const QWidget& window);
+/// Whether some window in sight stays on top of all others.
+bool someStayOnTop();
+/// Keeps the dialog above the other window, and those that stay on top of all, and puts `part` of it, in its
+/// coordinates, over that window's middle, inside the screen. Before it is shown.
 void putOver(QWidget& dialog, const QRect& part, QWidget& window);
 } // namespace ScreenPlace

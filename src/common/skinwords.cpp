@@ -17,6 +17,7 @@ const QHash<QString, SkinWords::Words>& table()
          {QStringLiteral("Local clean mode; click for the iTunes clean mode"), false}},
         {QStringLiteral("button_preview_left"), {QStringLiteral("Show songs as covers"), false}},
         {QStringLiteral("button_preview_right"), {QStringLiteral("Show songs as a table"), false}},
+        {QStringLiteral("button_addmore"), {QStringLiteral("Add more"), true}},
         {QStringLiteral("button_open"), {QStringLiteral("Open music files"), true}},
         {QStringLiteral("button_library"), {QStringLiteral("Choose library file…"), true}},
         {QStringLiteral("btn_msg_startscan"), {QStringLiteral("Start Scan"), true}},

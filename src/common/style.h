@@ -29,6 +29,7 @@ inline constexpr QColor selection(0xCD, 0xE8, 0xF8);
 inline constexpr QColor accentSoft(0xE0, 0xF1, 0xFB);
 inline constexpr QColor menuHovered(0xD5, 0xEA, 0xF7);
 inline constexpr QColor menuPressed(0xBF, 0xE2, 0xF5);
+inline constexpr QColor veil(0xFF, 0xFF, 0xFF, 0x99); ///< over what cannot be clicked now
 
 // Lines.
 inline constexpr QColor line(0xC9, 0xDD, 0xE9);

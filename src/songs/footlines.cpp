@@ -246,7 +246,8 @@ QString FootLines::takingOutNotTakenBack(int tracks, const QString& reason)
            QLatin1String(" cannot be taken back: ") + reason + QLatin1Char('.');
 }
 
-QString FootLines::takenIn(const Intake& intake)
+namespace {
+QString leftOutOf(const FootLines::Intake& intake)
 {
     QStringList parts;
     if (intake.unreadable > 0)
@@ -258,6 +259,24 @@ QString FootLines::takenIn(const Intake& intake)
                      QLatin1String(intake.windowsMedia == 1 ? " was left out (add it with Ctrl+O)"
                                                             : " were left out (add them with Ctrl+O)"));
     return parts.isEmpty() ? QString() : parts.join(QLatin1String(", ")) + QLatin1Char('.');
+}
+
+QString stopped(const FootLines::Intake& intake)
+{
+    if (intake.files == 0)
+        return QStringLiteral("Stopped: no file was added.");
+    return QStringLiteral("Stopped: %1 of %2 were added.")
+        .arg(CountText::number(quint64(intake.files)),
+             CountText::of(quint64(intake.wanted), "file", "files"));
+}
+} // namespace
+
+QString FootLines::takenIn(const Intake& intake)
+{
+    const QString leftOut = leftOutOf(intake);
+    if (!intake.ended)
+        return leftOut;
+    return leftOut.isEmpty() ? stopped(intake) : stopped(intake) + QLatin1Char(' ') + leftOut;
 }
 
 QString FootLines::noOpener(Opened what)

@@ -83,6 +83,8 @@ struct Intake
     int files = 0; ///< that were read, or could not be
     int unreadable = 0;
     int windowsMedia = 0; ///< passed over, beside the files
+    bool ended = false;   ///< by the user, before all of it was done
+    int wanted = 0;       ///< files that were found by then
 };
 /// Empty when all is well.
 QString takenIn(const Intake& intake);

@@ -5,6 +5,7 @@
 #include "qmusicinfo.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 
 #include <new>
 
@@ -15,21 +16,27 @@ constexpr int coverMilliseconds = 30;
 } // namespace
 
 namespace {
-/// Swallows what the user does with mouse and keyboard for one scope. Closing the window is let through.
+/// Swallows what the user does with mouse and keyboard for one scope, and tells of Escape. Closing the window
+/// is let through.
 class InputBarrier : public QObject
 {
 public:
-    InputBarrier() { QCoreApplication::instance()->installEventFilter(this); }
+    explicit InputBarrier(bool& escaped) : m_escaped(escaped)
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override
     {
         switch (event->type()) {
+        case QEvent::KeyPress:
+            m_escaped = m_escaped || static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
+            return true;
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonRelease:
         case QEvent::MouseButtonDblClick:
         case QEvent::Wheel:
-        case QEvent::KeyPress:
         case QEvent::KeyRelease:
         case QEvent::ShortcutOverride:
         case QEvent::Shortcut:
@@ -42,6 +49,9 @@ protected:
             return false;
         }
     }
+
+private:
+    bool& m_escaped;
 };
 } // namespace
 
@@ -80,7 +90,7 @@ FileCollection::Found LocalIntake::collect(const QString& path, int foundBefore)
     const Running running(*this);
     return FileCollection::filesUnder(path, [this, foundBefore](int found) {
         keepAlive(0, foundBefore + found);
-        return !m_bStopped;
+        return goesOn();
     });
 }
 
@@ -89,7 +99,7 @@ void LocalIntake::add(const QStringList& files, QList<QMusicInfo*>& songs, QList
     const Running running(*this);
     m_reader.begin();
     m_unreadable.clear();
-    for (int done = 0; done < files.size() && !m_bStopped; ++done) {
+    for (int done = 0; done < files.size() && goesOn(); ++done) {
         LocalSongReader::Song song = m_reader.read(files.at(done));
         songs.append(song.info.release());
         tags.append(song.tag);
@@ -118,7 +128,7 @@ void LocalIntake::keepAlive(int done, int total)
         return;
     if (m_sinceStart.elapsed() >= progressAfterMilliseconds)
         emit progress(done, total);
-    const InputBarrier barrier;
+    const InputBarrier barrier(m_bEnded);
     QCoreApplication::processEvents();
     m_sinceRepaint.start();
 }

@@ -9,9 +9,9 @@
 #include <QTimer>
 #include <QVector>
 
-/// Takes music files in on the GUI thread while the window goes on repainting: clicks and keys are lost,
-/// everything else is handled several times a second, so whatever could disturb an intake asks isRunning()
-/// first.
+/// Takes music files in on the GUI thread while the window goes on repainting: clicks and keys are lost but
+/// for Escape, which ends it; everything else is handled several times a second, so whatever could disturb an
+/// intake asks isRunning() first.
 class LocalIntake : public QObject
 {
     Q_OBJECT
@@ -19,6 +19,11 @@ class LocalIntake : public QObject
 public:
     explicit LocalIntake(QObject* parent = nullptr);
     ~LocalIntake() override;
+
+    /// Comes before what the user asks for anew: an end that he asked for before counts no more.
+    void begin() { m_bEnded = false; }
+    /// Whether the user ended it since, after the file in hand; what was added stays added.
+    bool wasEnded() const { return m_bEnded; }
 
     /// The music file that the path names, or those lying under it; `foundBefore` counts into the progress.
     /// Windows Media files are for those who name them.
@@ -41,6 +46,8 @@ public:
     /// nothing more.
     void stop() { m_bStopped = true; }
     bool isStopped() const { return m_bStopped; }
+    /// Whether there is more to do for it: nobody stopped or ended it.
+    bool goesOn() const { return !m_bStopped && !m_bEnded; }
 
     LocalSongReader& reader() { return m_reader; }
 
@@ -64,4 +71,5 @@ private:
     QElapsedTimer m_sinceRepaint;
     bool m_bRunning = false;
     bool m_bStopped = false;
+    bool m_bEnded = false;
 };

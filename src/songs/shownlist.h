@@ -5,9 +5,11 @@
 #include "songs/songfind.h"
 
 #include <QList>
+#include <QSet>
 #include <QStringList>
 #include <QVector>
 
+#include <algorithm>
 #include <vector>
 
 /// What a list is ordered by: a column of its table, or nothing.
@@ -82,10 +84,11 @@ public:
         if (m_source)
             find.prepare(*m_source);
     }
-    /// One left the true list: the same without it, and nothing is looked for or ordered again.
-    void drop(const Record* record)
+    /// These left the true list: the same without them, and nothing is looked for or ordered again.
+    void drop(const QSet<Record*>& gone)
     {
-        m_own.removeOne(const_cast<Record*>(record));
+        const auto isGone = [&gone](Record* record) { return gone.contains(record); };
+        m_own.erase(std::remove_if(m_own.begin(), m_own.end(), isGone), m_own.end());
         m_rows.clear();
     }
 

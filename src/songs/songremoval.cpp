@@ -10,8 +10,10 @@
 #include <QDebug>
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <utility>
+#include <vector>
 
 namespace {
 /// Out of the list of all songs, with their tags; the songs from the last one on.
@@ -89,24 +91,25 @@ void SongRemoval::removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptF
         removal.remove(path, song.localInfo->file);
 }
 
-iTunesEditProblem SongRemoval::removeTrack(const QMusicInfo& song)
+QVector<iTunesEditProblem> SongRemoval::removeTracks(const QVector<Removal>& plan)
 {
-    const quint64 id = SongFields::persistentId(&song);
-    const int deleted = deleteMusic(id);
-    qDebug("track %llx deleted from the library: %d", id, deleted);
-    return deleted ? ITUNES_EDIT_DONE : iTunesLastEditProblem();
+    std::vector<std::uint64_t> ids;
+    for (const Removal& removal : plan)
+        ids.push_back(SongFields::persistentId(removal.song));
+    QVector<iTunesEditProblem> problems(plan.size(), ITUNES_EDIT_DONE);
+    deleteTracks(ids.data(), ids.size(), problems.data());
+    for (std::size_t i = 0; i < ids.size(); ++i)
+        qDebug("track %llx deleted from the library: %d", static_cast<unsigned long long>(ids[i]),
+               int(problems.at(int(i)) == ITUNES_EDIT_DONE));
+    return problems;
 }
 
-std::optional<RemovedSong> SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song,
-                                                  qint64 currentGroup, const KeptFiles& kept,
-                                                  FileRemoval& removal)
+std::optional<RemovedSong> SongRemoval::leaveLists(const SongLists& lists, QMusicInfo* song,
+                                                   qint64 currentGroup)
 {
     RemovedSong removed{song, nullptr, lists.all->lastIndexOf(song)};
-    if (songsAreFiles() && removed.position >= 0) {
-        if (removed.position < lists.tags->size())
-            removed.tag = lists.tags->takeAt(removed.position);
-        removeFile(*song, removed.tag, kept, removal);
-    }
+    if (songsAreFiles() && removed.position >= 0 && removed.position < lists.tags->size())
+        removed.tag = lists.tags->takeAt(removed.position);
     lists.all->removeOne(song);
     lists.undefined->removeOne(song);
     if (currentGroup >= 0 && currentGroup < lists.groups->size()) {
@@ -118,6 +121,16 @@ std::optional<RemovedSong> SongRemoval::removeOne(const SongLists& lists, QMusic
             lists.groups->removeAt(int(currentGroup));
     }
     return removed.position >= 0 ? std::make_optional(removed) : std::nullopt;
+}
+
+std::optional<RemovedSong> SongRemoval::removeOne(const SongLists& lists, QMusicInfo* song,
+                                                  qint64 currentGroup, const KeptFiles& kept,
+                                                  FileRemoval& removal)
+{
+    const int position = lists.all->lastIndexOf(song);
+    if (songsAreFiles() && position >= 0)
+        removeFile(*song, lists.tags->value(position), kept, removal);
+    return leaveLists(lists, song, currentGroup);
 }
 
 QVector<SongRemoval::Removal> SongRemoval::planOfAll(const QList<DupMusicInfo*>& groups)

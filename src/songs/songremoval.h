@@ -42,22 +42,25 @@ KeptFiles filesOf(const QList<QMusicInfo*>& songs);
 /// never a folder. A file that a kept song would lose stays, and one that is not as it was when it was
 /// listed, or saved by us. Any thread.
 void removeFile(const QMusicInfo& song, IAudioTag* tag, const KeptFiles& kept, FileRemoval& removal);
-/// Deletes the song's track from the iTunes library; the result is logged. Any thread.
-iTunesEditProblem removeTrack(const QMusicInfo& song);
 
 /// Takes the song out of the lists of songs, and the last entry, whichever song that is, out of the group at
-/// `currentGroup`; a group that falls to one song leaves the list of groups. A song that is a file loses it
-/// first, as removeFile() does it; a song that is not in the list of all songs costs no file. Nothing where
-/// it was not in that list.
+/// `currentGroup`; a group that falls to one song leaves the list of groups. Nothing where it was not in the
+/// list of all songs.
+std::optional<RemovedSong> leaveLists(const SongLists& lists, QMusicInfo* song, qint64 currentGroup);
+/// The same for a song that may have its file yet: it loses that first, as removeFile() does it, unless it is
+/// not in the list of all songs.
 std::optional<RemovedSong> removeOne(const SongLists& lists, QMusicInfo* song, qint64 currentGroup,
                                      const KeptFiles& kept, FileRemoval& removal);
 
-/// A song that is to go, and the first song of its group, which stays.
+/// A song that is to go, and the first song of its group, which stays; null where several do.
 struct Removal
 {
     QMusicInfo* song;
     QMusicInfo* kept;
 };
+/// Deletes the songs' tracks from the iTunes library at one stroke; what became of each is logged and
+/// answered. Any thread.
+QVector<iTunesEditProblem> removeTracks(const QVector<Removal>& plan);
 /// What reduces every group to its first song, in the order of doing: group by group, from the last song on.
 /// Groups of fewer than two songs ask for nothing.
 QVector<Removal> planOfAll(const QList<DupMusicInfo*>& groups);

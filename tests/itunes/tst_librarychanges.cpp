@@ -4,6 +4,10 @@
 #include <QTextCodec>
 #include <QtTest>
 
+#include <cerrno>
+#include <thread>
+#include <vector>
+
 using Fixtures::ITunesTrack;
 using LibraryCalls::contentOf;
 using LibraryCalls::Edit;
@@ -38,6 +42,8 @@ private slots:
     void utf16StaysUtf16_data();
     void utf16StaysUtf16();
     void tracksThatAreNotThereCannotChange();
+    void manyTracksGoAtOneStroke();
+    void ofOneStrokeAllTracksGoOrNone();
     void aMediaFileThatCannotBeWrittenFailsTheEdit();
     void coversAreWrittenUnlessTheyAreTheSame();
 
@@ -329,6 +335,62 @@ void TestLibraryChanges::coversAreWrittenUnlessTheyAreTheSame()
     edit.cover = Fixtures::writeLibrary(cover, Fixtures::jpeg(70, 70, 2));
     QCOMPARE(LibraryCalls::edit(m_songs->id(0), edit), 0);
     QCOMPARE(AudioFile::read(m_songs->media(0)).picture, Fixtures::jpeg(70, 70, 2));
+}
+
+/// Each has its answer; the journal is written once.
+void TestLibraryChanges::manyTracksGoAtOneStroke()
+{
+    constexpr int count = 300;
+    m_songs->makeSongs(count);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1); // there is a journal now
+    std::vector<uint64_t> ids = {m_songs->id(0), 12345, m_songs->id(1), m_songs->id(1)};
+    for (int song = 2; song < count - 1; ++song)
+        ids.push_back(m_songs->id(song));
+    std::vector<iTunesEditProblem> problems(ids.size(), ITUNES_LIBRARY_BROKEN);
+    int writes = 0;
+    {
+        const Interposed::Guard guard;
+        Interposed::writeFails = [&writes, here = std::this_thread::get_id()] {
+            writes += std::this_thread::get_id() == here ? 1 : 0;
+            return false;
+        };
+        deleteTracks(ids.data(), ids.size(), problems.data());
+    }
+    QCOMPARE(writes, 1);
+    for (std::size_t i = 0; i < ids.size(); ++i)
+        QCOMPARE(problems[i], i == 0 || i == 1 || i == 3 ? ITUNES_TRACK_GONE : ITUNES_EDIT_DONE);
+    QCOMPARE(LibraryCalls::read().count, 1);
+    closeITunesLibrary();
+    m_songs->tracks = {m_songs->tracks.last()};
+    for (int playlist : {0, 1}) // it has an odd number
+        m_songs->playlists[playlist].trackIds = {m_songs->tracks.first().trackId};
+    QCOMPARE(m_songs->content(), m_songs->document());
+}
+
+void TestLibraryChanges::ofOneStrokeAllTracksGoOrNone()
+{
+    m_songs->makeSongs(4);
+    const QByteArray before = m_songs->content();
+    const std::vector<uint64_t> ids = {m_songs->id(0), m_songs->id(2)};
+    std::vector<iTunesEditProblem> problems(ids.size(), ITUNES_EDIT_DONE);
+    {
+        const Interposed::Guard guard;
+        Interposed::writeFails = [] {
+            errno = ENOSPC;
+            return true;
+        };
+        deleteTracks(ids.data(), ids.size(), problems.data());
+    }
+    for (const iTunesEditProblem problem : problems)
+        QCOMPARE(problem, ITUNES_LIBRARY_DISK_FULL);
+    QCOMPARE(LibraryCalls::read().count, 4);
+    closeITunesLibrary();
+    QCOMPARE(m_songs->content(), before);
+    AudioFile::takeLog();
+    LibraryCalls::read();
+    deleteTracks(ids.data(), ids.size(), problems.data());
+    QCOMPARE(problems, std::vector<iTunesEditProblem>(2, ITUNES_EDIT_DONE));
+    QCOMPARE(LibraryCalls::read().count, 2);
 }
 
 QTEST_GUILESS_MAIN(TestLibraryChanges)

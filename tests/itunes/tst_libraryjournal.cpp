@@ -29,6 +29,7 @@ private slots:
     void aTornLineIsNoChange();
     void aTornLineIsForgottenByTheNextChange();
     void aTornReturnBringsNothingBack();
+    void ofATornStrokeWholeLinesCount();
     void earlierJournalsCount();
     void aDamagedLineIsToldAndKept();
     void aJournalThatCannotBeReadWaits();
@@ -147,6 +148,24 @@ void TestLibraryJournal::aTornReturnBringsNothingBack()
     QVERIFY(whole.mid(begin).startsWith("+return\t"));
     for (int size = begin; size <= whole.size(); ++size) {
         QCOMPARE(m_songs->countWith(whole.left(size)), size < whole.trimmed().size() ? 3 : 6);
+        closeITunesLibrary();
+    }
+    QVERIFY(m_songs->keptJournals().isEmpty());
+}
+
+/// Nobody was answered yet.
+void TestLibraryJournal::ofATornStrokeWholeLinesCount()
+{
+    const std::vector<uint64_t> ids = {SongLibrary::id(1), SongLibrary::id(2), SongLibrary::id(4)};
+    std::vector<iTunesEditProblem> problems(ids.size());
+    const QByteArray whole =
+        m_songs->leftBy([&] { deleteTracks(ids.data(), ids.size(), problems.data()); }).trimmed();
+    const int begin = whole.indexOf('\n') + 1;
+    for (int size = begin; size <= whole.size(); ++size) {
+        const QByteArray left = whole.left(size);
+        const bool atLinesEnd = size == whole.size() || whole.at(size) == '\n';
+        const int lines = int(left.mid(begin).count('\n')) + (atLinesEnd && size > begin ? 1 : 0);
+        QCOMPARE(m_songs->countWith(left), 6 - lines);
         closeITunesLibrary();
     }
     QVERIFY(m_songs->keptJournals().isEmpty());

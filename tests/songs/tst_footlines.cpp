@@ -32,6 +32,7 @@ private slots:
     void tracksTakenOut();
     void intakes_data();
     void intakes();
+    void intakesThatTheUserEnded();
     void whatCannotBeOpened();
     void scansThatFoundNothing();
     void identifications_data();
@@ -275,6 +276,20 @@ void TestFootLines::intakes()
     QFETCH(int, windowsMedia);
     QFETCH(QString, line);
     QCOMPARE(FootLines::takenIn({files, unreadable, windowsMedia}), line);
+}
+
+void TestFootLines::intakesThatTheUserEnded()
+{
+    FootLines::Intake intake;
+    intake.ended = true;
+    QCOMPARE(FootLines::takenIn(intake), QString("Stopped: no file was added."));
+    intake.files = 1234;
+    intake.wanted = 95650;
+    QCOMPARE(FootLines::takenIn(intake), QString("Stopped: 1,234 of 95,650 files were added."));
+    intake.windowsMedia = 2;
+    QCOMPARE(FootLines::takenIn(intake),
+             QString("Stopped: 1,234 of 95,650 files were added. 2 WMA files were "
+                     "left out (add them with Ctrl+O)."));
 }
 
 void TestFootLines::whatCannotBeOpened()

@@ -2,6 +2,9 @@
 
 #include "library/musiclibrary.h"
 
+#include <algorithm>
+#include <vector>
+
 #ifdef __APPLE__
 #include "base/log.h"
 
@@ -59,4 +62,15 @@ unsigned char deleteMusic(uint64_t persistentId)
 {
     itunes::lastResult() = {itunes::MusicLibrary::instance().remove(persistentId)};
     return itunes::lastResult().problem == ITUNES_EDIT_DONE ? 1 : 0;
+}
+
+void deleteTracks(const uint64_t* persistentIds, uint64_t count, iTunesEditProblem* problems)
+{
+    constexpr uint64_t atOnce = 500; // within the room that a journal has
+    for (uint64_t begin = 0; begin < count; begin += atOnce) {
+        const uint64_t end = std::min(begin + atOnce, count);
+        const std::vector<iTunesEditProblem> answers =
+            itunes::MusicLibrary::instance().remove({persistentIds + begin, persistentIds + end});
+        std::copy(answers.begin(), answers.end(), problems + begin);
+    }
 }

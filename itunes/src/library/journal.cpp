@@ -28,9 +28,9 @@ bool Journal::exists() const
     return isOpen() || base::stateOf(m_path, state);
 }
 
-bool Journal::isFull() const
+bool Journal::isFullFor(std::size_t changes) const
 {
-    return m_records >= mostJournalRecords || m_end > largestJournal - 2 * roomStep;
+    return m_records + changes > mostJournalRecords || m_end > largestJournal - 2 * roomStep;
 }
 
 bool Journal::open(JournalContent& content, Failure& failure)
@@ -152,15 +152,15 @@ bool Journal::keepAside(const std::string& reason, Failure& failure) const
 }
 
 /// Line feeds lie ready behind the end: a file that does not grow is flushed ten times as fast.
-bool Journal::append(const JournalRecord& record, RecordState state, Failure& failure)
+bool Journal::append(const std::string& lines, std::size_t records, Failure& failure)
 {
     errno = 0;
     const std::string lead(m_end > 0 ? "\n" : journalsFirstLine);
-    const std::string line = lead + lineOf(record, state);
+    const std::string bytes = lead + lines;
     const std::int64_t begin = m_end > 0 ? m_end - 1 : 0;
-    const std::int64_t end = begin + std::int64_t(line.size());
-    if (m_records >= mostJournalRecords || !makeRoom(end) ||
-        base::writeAt(m_file.get(), begin, line.data(), line.size()) != line.size() ||
+    const std::int64_t end = begin + std::int64_t(bytes.size());
+    if (m_records + records > mostJournalRecords || !makeRoom(end) ||
+        base::writeAt(m_file.get(), begin, bytes.data(), bytes.size()) != bytes.size() ||
         !base::syncBytesToDevice(m_file.get())) {
         const std::string what = "the journal cannot be written: ";
         failure = errno != 0 ? base::systemFailure(what) : Failure{what + "it is full"};
@@ -171,8 +171,13 @@ bool Journal::append(const JournalRecord& record, RecordState state, Failure& fa
     }
     m_begun = begin + std::int64_t(lead.size());
     m_end = end;
-    ++m_records;
+    m_records += records;
     return true;
+}
+
+bool Journal::append(const JournalRecord& record, RecordState state, Failure& failure)
+{
+    return append(lineOf(record, state), 1, failure);
 }
 
 bool Journal::makeRoom(std::int64_t size)
@@ -189,12 +194,17 @@ bool Journal::makeRoom(std::int64_t size)
     return true;
 }
 
-bool Journal::addDeletion(std::uint64_t id, Failure& failure)
+/// A line each: what a power cut leaves of them was not answered.
+bool Journal::addDeletions(const TrackSet& tracks, Failure& failure)
 {
     JournalRecord record;
-    record.id = id;
     record.kind = ChangeKind::Deletion;
-    return append(record, RecordState::Counts, failure);
+    std::string lines;
+    for (const std::uint64_t id : tracks) {
+        record.id = id;
+        lines += lineOf(record, RecordState::Counts);
+    }
+    return append(lines, tracks.size(), failure);
 }
 
 bool Journal::addReturn(const std::vector<std::uint64_t>& ids, Failure& failure)

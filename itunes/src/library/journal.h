@@ -29,13 +29,14 @@ public:
     /// nothing in the content; whatever is no journal stays as it is.
     bool open(JournalContent& content, base::Failure& failure);
     bool isOpen() const { return bool(m_file); }
-    /// Whether it takes no more changes.
-    bool isFull() const;
+    /// Whether it does not take so many more changes, none of which is a long one.
+    bool isFullFor(std::size_t changes) const;
     /// Whether the user's own processes wrote it.
     bool isTheUsers() const { return base::ownerOf(m_file.get(), m_library) == base::Owner::User; }
 
     /// Adds a change for good: it is on the disk when the call answers true. What is not added has a reason.
-    bool addDeletion(std::uint64_t id, base::Failure& failure);
+    /// Of the deletions all are, or none.
+    bool addDeletions(const TrackSet& tracks, base::Failure& failure);
     /// The deletions of these tracks count no more: of all of them or, where the call fails, of none.
     bool addReturn(const std::vector<std::uint64_t>& ids, base::Failure& failure);
     /// Adds an edit that does not count before confirm(), which can only fail when the disk does.
@@ -55,6 +56,7 @@ private:
     bool take(const JournalLines& lines, JournalContent& content, base::Failure& failure);
     bool isTheFileAtItsPath() const;
     bool append(const JournalRecord& record, RecordState state, base::Failure& failure);
+    bool append(const std::string& lines, std::size_t records, base::Failure& failure);
     bool mark(RecordState state);
     bool makeRoom(std::int64_t size);
 

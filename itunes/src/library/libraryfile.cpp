@@ -99,14 +99,15 @@ bool LibraryFile::finishBegun(Failure& failure)
     return true;
 }
 
-iTunesEditProblem LibraryFile::remove(std::uint64_t id)
+iTunesEditProblem LibraryFile::remove(const TrackSet& tracks)
 {
-    makeRoomInJournal();
+    makeRoomInJournal(tracks.size());
     const std::lock_guard<std::mutex> lock(m_mutex);
     Failure failure;
-    if (!beginChange(failure) || !m_journal.addDeletion(id, failure))
+    if (!beginChange(failure) || !m_journal.addDeletions(tracks, failure))
         return refused(failure);
-    mergeDeletion(m_content.changes, id);
+    for (const std::uint64_t id : tracks)
+        mergeDeletion(m_content.changes, id);
     changed();
     return ITUNES_EDIT_DONE;
 }
@@ -271,12 +272,12 @@ void LibraryFile::leaveEmptyJournal()
 }
 
 /// A full journal goes into the library first. Where that fails, the change does.
-void LibraryFile::makeRoomInJournal()
+void LibraryFile::makeRoomInJournal(std::size_t changes)
 {
     bool full = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        full = m_journal.isOpen() && m_journal.isFull();
+        full = m_journal.isOpen() && m_journal.isFullFor(changes);
     }
     if (full)
         writePending();

@@ -38,7 +38,8 @@ public:
     /// The library with what its file does not hold yet; null with the reason when it cannot be read whole.
     std::unique_ptr<TrackStore> read(ReadingFailure& failure);
 
-    iTunesEditProblem remove(std::uint64_t id);
+    /// Of all of these tracks or, where it is refused, of none. As many as there are at one stroke.
+    iTunesEditProblem remove(const TrackSet& tracks);
     /// The edit counts if `writeMedia`, which runs when the journal has it safely, succeeds. An edit of a
     /// track that is no longer in the file is refused before that, and a reversal where somebody else wrote
     /// the file since it was read.
@@ -70,7 +71,7 @@ private:
     iTunesEditProblem findTrack(std::uint64_t id, base::Failure& failure);
     void leaveEmptyJournal();
     iTunesEditProblem refused(const base::Failure& failure) const;
-    void makeRoomInJournal();
+    void makeRoomInJournal(std::size_t changes = 1);
     void changed();
     void writeInBackground();
     bool writePending() noexcept;

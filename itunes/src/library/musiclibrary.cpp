@@ -245,17 +245,26 @@ itunes::EditResult MusicLibrary::takeBackEdit(std::uint64_t id)
     return result;
 }
 
-iTunesEditProblem MusicLibrary::remove(std::uint64_t id)
+std::vector<iTunesEditProblem> MusicLibrary::remove(const std::vector<std::uint64_t>& ids)
 {
-    iTunesEditProblem problem = ITUNES_EDIT_DONE;
-    const std::optional<Access> track = accessTo(id, problem);
-    if (track)
-        problem = track->file->remove(id);
+    std::vector<iTunesEditProblem> problems(ids.size(), ITUNES_EDIT_DONE);
+    std::shared_ptr<LibraryFile> file;
+    TrackSet leaving;
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        const std::optional<Access> track = accessTo(ids[i], problems[i]);
+        if (track && !leaving.insert(ids[i]).second)
+            problems[i] = ITUNES_TRACK_GONE; // with the one before it
+        else if (track)
+            file = track->file;
+    }
+    const iTunesEditProblem problem = leaving.empty() ? ITUNES_EDIT_DONE : file->remove(leaving);
+    std::replace(problems.begin(), problems.end(), ITUNES_EDIT_DONE, problem);
     if (problem != ITUNES_EDIT_DONE)
-        return problem;
+        return problems;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_store->forget(id);
-    return problem;
+    for (const std::uint64_t id : leaving)
+        m_store->forget(id);
+    return problems;
 }
 
 iTunesEditProblem MusicLibrary::bringBack(const TrackSet& ids)

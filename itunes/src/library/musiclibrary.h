@@ -13,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace itunes {
 /// The one library of the process. All calls from any thread.
@@ -43,7 +44,9 @@ public:
     EditResult edit(std::uint64_t id, const TrackValues& values, const std::string& coverPath);
     /// Takes the last edit of the track back that is kept.
     EditResult takeBackEdit(std::uint64_t id);
-    iTunesEditProblem remove(std::uint64_t id);
+    iTunesEditProblem remove(std::uint64_t id) { return remove(std::vector<std::uint64_t>{id}).front(); }
+    /// All at one stroke; an answer for each.
+    std::vector<iTunesEditProblem> remove(const std::vector<std::uint64_t>& ids);
     /// Takes the deletions of these tracks back, of all or of none.
     iTunesEditProblem bringBack(const TrackSet& ids);
     /// That is kept for taking changes back.

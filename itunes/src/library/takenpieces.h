@@ -3,17 +3,14 @@
 #include "base/platform.h"
 #include "library/librarycontents.h"
 #include "library/librarysplices.h"
+#include "library/trackedit.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace itunes {
-/// Persistent identifiers.
-using TrackSet = std::unordered_set<std::uint64_t>;
-
 /// So much is kept of what was taken out, and no more.
 constexpr std::size_t mostTakenBytes = std::size_t(64) * 1024 * 1024;
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace itunes {
 /// What the fixed calls carry of a track: always all of it, UTF-8. Empty texts and a year of 0 stand for a
@@ -42,6 +43,8 @@ struct TrackChange
 
 /// By persistent identifier.
 using TrackChanges = std::unordered_map<std::uint64_t, TrackChange>;
+/// Persistent identifiers.
+using TrackSet = std::unordered_set<std::uint64_t>;
 
 /// The last edit of a field counts, and a deletion until it is taken back.
 void mergeDeletion(TrackChanges& changes, std::uint64_t id);
