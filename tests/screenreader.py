@@ -262,9 +262,8 @@ def scene_announcements(folder):
     slider = get("slider", "Position: ")
     wait("the time", lambda: slider.name.endswith("of 3 seconds"))
     look_round()
-    press("Pause")
     slider.queryValue().currentValue = 0
-    hears("Position: 0 seconds of 3 seconds")
+    wait("the beginning", lambda: slider.name == "Position: 0 seconds of 3 seconds")  # or its end, which goes there
 
     type_into("Find songs", "")
     press("Duplicate songs(1)")
