@@ -11,7 +11,7 @@
 
 namespace {
 constexpr int edge = 6;        // to the view's left edge
-constexpr int gap = 8;         // between field and count
+constexpr int countGap = 8;    // between field and count
 constexpr int buttonsGap = 16; // to the display buttons
 } // namespace
 
@@ -30,7 +30,7 @@ FindStrip::FindStrip(QWidget* parent)
     m_count->setPalette(palette);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(edge, 0, buttonsGap, 0);
-    row->setSpacing(gap);
+    row->setSpacing(countGap);
     row->addWidget(m_field, 1);
     row->addWidget(m_count);
     row->addStretch();

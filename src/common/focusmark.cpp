@@ -10,9 +10,9 @@
 #include <QPainter>
 
 namespace {
-constexpr int gap = 1; // between the shape and its outline
-constexpr int thickness = 2;
-constexpr int margin = gap + thickness;
+constexpr int outlineGap = 1; // between the shape and its outline
+constexpr int outlineThickness = 2;
+constexpr int outlineReach = outlineGap + outlineThickness;
 constexpr qreal smallCorner = 4; // of boxes, links and views
 
 /// A field has a ring of its own, for the mouse as well.
@@ -84,7 +84,8 @@ void FocusMark::place()
     setVisible(!part.isEmpty());
     if (part.isEmpty())
         return;
-    setGeometry(part.adjusted(-margin, -margin, margin, margin) & parentWidget()->rect());
+    setGeometry(part.adjusted(-outlineReach, -outlineReach, outlineReach, outlineReach) &
+                parentWidget()->rect());
     raise();
 }
 
@@ -92,9 +93,9 @@ void FocusMark::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Style::editorFocus, thickness));
+    painter.setPen(QPen(Style::editorFocus, outlineThickness));
     const auto* const button = dynamic_cast<const StripButton*>(m_focus.data());
     const qreal corner = button ? button->corner() : smallCorner;
-    const qreal half = thickness / 2.0;
+    const qreal half = outlineThickness / 2.0;
     painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), corner + half, corner + half);
 }
