@@ -4,9 +4,6 @@
 #include "slowdisk.h"
 
 #include <QFileDialog>
-#include <QHeaderView>
-#include <QPainter>
-#include <QTableView>
 #include <QWindow>
 
 class TestFirstSight : public FootFixture
