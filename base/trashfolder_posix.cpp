@@ -20,7 +20,7 @@ namespace {
 const std::string noteEnding = ".trashinfo";
 constexpr std::size_t longestName = 255;
 constexpr std::size_t longestEnding = 16;
-constexpr int namesTried = 40;
+constexpr int trashNamesTried = 40;
 constexpr int numbersInARow = 4;
 
 std::string reason()
@@ -192,7 +192,7 @@ Trash::Taking TrashFolder::take(const Source& source, const FileState& expected,
     const auto known = m_numbers.find(source.name);
     std::uint64_t number = known == m_numbers.end() ? 1 : known->second;
     Step step = Step::NameTaken;
-    for (int i = 1; step == Step::NameTaken && i <= namesTried; ++i) {
+    for (int i = 1; step == Step::NameTaken && i <= trashNamesTried; ++i) {
         taken.name = nameFor(source.name, number);
         step = tryName(source, expected, taken, error);
         if (step == Step::Done && number > 1)
