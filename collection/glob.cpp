@@ -26,7 +26,7 @@ std::string Glob::parse(const std::u32string& pattern)
             part.kind = isDouble ? Kind::AnyPath : Kind::Any;
             at += isDouble ? 1 : 0;
         } else if (c == '[') {
-            const std::string wrong = parseSet(pattern, at, part);
+            std::string wrong = parseSet(pattern, at, part);
             if (!wrong.empty())
                 return wrong;
         } else if (c == '\\') {

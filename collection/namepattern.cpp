@@ -41,7 +41,7 @@ QString NamePattern::parse(const QString& pattern)
         if (end < 0)
             return QStringLiteral("\"{\" is not closed by \"}\"");
         const QString name = pattern.mid(at + 1, end - at - 1);
-        const QString wrong = addField(name, m_fields.isEmpty() || literals > 0);
+        QString wrong = addField(name, m_fields.isEmpty() || literals > 0);
         if (!wrong.isEmpty())
             return wrong;
         expression += isNumber(m_fields.last()) ? QLatin1String("([0-9]+)") : QLatin1String("([^/]+?)");

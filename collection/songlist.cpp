@@ -32,7 +32,7 @@ void SongList::add(const SongFile& song)
     const std::string texts = song.path + '\0' + title.remove(QChar()).toStdString() + '\0' +
                               artist.remove(QChar()).toStdString() + '\0';
     m_facts.push_back({song.bytes, std::uint32_t(song.bitRate), std::uint32_t(song.sampleRate), keep(texts),
-                       std::int8_t(song.format)});
+                       std::int16_t(song.format)});
     if (m_keepsStates)
         m_states.push_back(song.state);
     m_keys.append(isByTitle ? song.title : SongLikeness::artistAndTitle(song.artist, song.title));

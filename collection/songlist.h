@@ -34,7 +34,7 @@ private:
         std::uint32_t bitRate;
         std::uint32_t sampleRate;
         const char* texts; ///< path, title and artist, one zero behind each
-        std::int8_t format;
+        std::int16_t format;
     };
 
     const char* keep(const std::string& texts);
