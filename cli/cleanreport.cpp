@@ -103,7 +103,7 @@ private:
         json.text("fate", std::string(nameOf(decision.fate))).text("reason", decision.reason);
         json.number("bytes_freed", std::uint64_t(decision.freed));
         if (m_order.form == Order::Form::Lines)
-            m_json.item("song", json.number("group", std::uint64_t(group + 1)));
+            m_json.item("song", json.number("group", std::uint64_t(group) + 1));
         return json.object();
     }
 

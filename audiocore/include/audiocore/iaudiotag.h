@@ -16,8 +16,8 @@
 class IAudioTag
 {
 public:
-    /// Slot 0. Takes the file at `path`, zero-terminated UTF-32, in which U+DC80 to U+DCFF stand for the bytes
-    /// of a name that is no UTF-8. Keeps no file descriptor. A file that cannot be read has no items.
+    /// Slot 0. Takes the file at `path`, zero-terminated UTF-32, in which U+DC80 to U+DCFF stand for the
+    /// bytes of a name that is no UTF-8. Keeps no file descriptor. A file that cannot be read has no items.
     virtual std::int32_t Open(const char32_t* path) = 0;
     /// Slot 1, not called.
     virtual void Reserved1() = 0;
