@@ -8,7 +8,7 @@ using base::Failure;
 using base::NewFile;
 
 namespace {
-std::string nameOf(const std::string& path, const std::string& kind)
+std::string beginningOf(const std::string& path, const std::string& kind)
 {
     return path + ".melodrift-" + kind + '-';
 }
@@ -30,7 +30,7 @@ std::string today()
 
 std::vector<std::string> base::keptFiles(const std::string& path, const std::string& kind)
 {
-    const std::string begin = nameOf(path, kind);
+    const std::string begin = beginningOf(path, kind);
     std::vector<std::string> found;
     std::error_code ended;
     fs::directory_iterator entry(fs::u8path(path).parent_path(), ended);
@@ -54,7 +54,7 @@ std::string base::keepFile(const std::string& source, const std::string& path, c
 std::string base::keepCopy(NewFile& copy, const std::string& path, const std::string& kind, Failure& failure)
 {
     constexpr int mostOfADay = 1000;
-    const std::string name = nameOf(path, kind) + today();
+    const std::string name = beginningOf(path, kind) + today();
     for (int i = 1; i <= mostOfADay; ++i) {
         std::string kept = i == 1 ? name : name + '-' + std::to_string(i);
         const NewFile::Taking taking = copy.takeFreeName(kept, failure);

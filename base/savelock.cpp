@@ -12,7 +12,7 @@ using base::SaveLock;
 
 namespace {
 constexpr int tries = 200;
-constexpr std::chrono::milliseconds pause(5);
+constexpr std::chrono::milliseconds betweenTries(5);
 
 /// A few for all files: it does no harm when two of them wait for each other.
 std::mutex& mutexOf(const std::string& target)
@@ -41,7 +41,7 @@ SaveLock::SaveLock(const std::string& target) : m_inProcess(mutexOf(target))
         if (locked ? isAtItsPath(m_file.get(), target) : !isHeld)
             return;
         if (isHeld) // else its former holder has put another file there
-            std::this_thread::sleep_for(pause);
+            std::this_thread::sleep_for(betweenTries);
     }
 #endif
 }

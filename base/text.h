@@ -11,6 +11,12 @@ namespace base {
 /// What stands for a character that is none.
 constexpr char32_t replacementCharacter = 0xFFFD;
 
+/// Whatever the locale: a small letter for one of the 26 capitals, all else as it is.
+constexpr char smallAscii(char c)
+{
+    return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
+}
+
 /// Whether the number stands for a character: within Unicode, and no surrogate half.
 constexpr bool isCharacter(char32_t c)
 {

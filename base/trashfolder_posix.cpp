@@ -20,7 +20,7 @@ namespace {
 const std::string noteEnding = ".trashinfo";
 constexpr std::size_t longestName = 255;
 constexpr std::size_t longestEnding = 16;
-constexpr int namesTried = 40;
+constexpr int trashNamesTried = 40;
 constexpr int numbersInARow = 4;
 
 std::string reason()
@@ -129,7 +129,8 @@ std::unique_ptr<TrashFolder> TrashFolder::in(const Descriptor& folder, const std
     trash->m_notes = openFolderAt(folder.fd, "info");
     if (!isOwnAndWritable(trash->m_files, refusal) || !isOwnAndWritable(trash->m_notes, refusal))
         return nullptr;
-    const long most = ::fpathconf(trash->m_notes.fd, _PC_NAME_MAX);
+    const int notes = trash->m_notes.fd;
+    const long most = notes < 0 ? -1 : ::fpathconf(notes, _PC_NAME_MAX);
     trash->m_longestName = most > 0 ? std::min(std::size_t(most), longestName) : longestName;
     return trash;
 }
@@ -191,7 +192,7 @@ Trash::Taking TrashFolder::take(const Source& source, const FileState& expected,
     const auto known = m_numbers.find(source.name);
     std::uint64_t number = known == m_numbers.end() ? 1 : known->second;
     Step step = Step::NameTaken;
-    for (int i = 1; step == Step::NameTaken && i <= namesTried; ++i) {
+    for (int i = 1; step == Step::NameTaken && i <= trashNamesTried; ++i) {
         taken.name = nameFor(source.name, number);
         step = tryName(source, expected, taken, error);
         if (step == Step::Done && number > 1)

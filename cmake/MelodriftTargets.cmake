@@ -52,6 +52,14 @@ function(melodrift_precompile name)
   endif()
 endfunction()
 
+# melodrift_unite(NAME ...): compiles several sources of each library as one, where that is asked for: most of a file's
+# time goes into what it includes.
+function(melodrift_unite)
+  if(MELODRIFT_UNITY)
+    set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  endif()
+endfunction()
+
 # A test's own code need not be fast, but quick to build. Where it fails says Qt Test; what a debugger or a sanitizer
 # wants to know is for the builds that are made for them.
 function(melodrift_build_quickly name)
@@ -87,7 +95,7 @@ macro(melodrift_run_as_test test program)
     endforeach()
     list(APPEND launcher --)
   endif()
-  add_test(NAME ${test} COMMAND ${launcher} $<TARGET_FILE:${program}> ${ARGN})
+  add_test(NAME ${test} COMMAND ${launcher} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${program}${CMAKE_EXECUTABLE_SUFFIX} ${ARGN})
 endmacro()
 
 # What every test runs in. Where the memory that a library has for each thread begins 16 bytes into a page, as it now and
@@ -107,21 +115,18 @@ function(melodrift_set_test_environment)
   )
 endfunction()
 
-# melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [PROGRAMS ...] [READS_SOURCES | READS FOLDER ...] [SECONDS N]
-# [PARTS N]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets, or looks at sources,
-# or at those folders alone. The longest begin first, so that none is waited for alone; one that runs in parts takes
-# "--part K N" (tests/parts.h). One that starts no thread says so by the library single_threaded, which holds it to that:
-# the thread sanitizer runs the others.
-function(melodrift_add_test name)
-  cmake_parse_arguments(ARG "READS_SOURCES" "SECONDS;PARTS" "SOURCES;LIBS;PROGRAMS;READS" ${ARGN})
-  add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+# melodrift_add_test_program(NAME SOURCES... LIBS ... MOCS ... DEFINITIONS ...): builds what one test, or several, run in.
+function(melodrift_add_test_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;MOCS;DEFINITIONS;PROGRAMS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${ARG_LIBS})
-  # Each test's source holds its one class: a moc of its own takes a twentieth of what automoc takes to look for it.
-  qt5_generate_moc(${name}.cpp ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
-  set_property(SOURCE ${name}.cpp APPEND PROPERTY OBJECT_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
-  target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/moc ${CMAKE_SOURCE_DIR}/tests)
+  list(GET ARG_SOURCES 0 source)
+  set_property(SOURCE ${source} APPEND PROPERTY OBJECT_DEPENDS ${ARG_MOCS})
+  target_include_directories(
+    ${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_BINARY_DIR}/moc ${CMAKE_SOURCE_DIR}/tests
+  )
+  target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
   melodrift_build_quickly(${name})
-  set_target_properties(${name} PROPERTIES MELODRIFT_READS_SOURCES "${ARG_READS_SOURCES}" MELODRIFT_READS "${ARG_READS}")
   if("melodrift_app" IN_LIST ARG_LIBS)
     target_precompile_headers(${name} REUSE_FROM widget_test_headers)
   elseif("Qt5::Network" IN_LIST ARG_LIBS)
@@ -130,6 +135,114 @@ function(melodrift_add_test name)
     target_link_libraries(${name} PRIVATE Qt5::Gui) # as the headers' target does
     target_precompile_headers(${name} REUSE_FROM core_test_headers)
   endif()
+  if(ARG_PROGRAMS)
+    add_dependencies(${name} ${ARG_PROGRAMS})
+  endif()
+  if(MELODRIFT_SANITIZE STREQUAL "thread" AND "single_threaded" IN_LIST ARG_LIBS)
+    set_property(TARGET ${name} PROPERTY EXCLUDE_FROM_ALL ON)
+  endif()
+endfunction()
+
+# melodrift_join_test(NAME ...): has the test run in a program that it shares with others of its folder, under a name of
+# its own. Most of the time of building a test goes into what it includes, and they include the same. Those share one that
+# load the same of our libraries at their start, and have the same step in front of the system's calls.
+function(melodrift_join_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;MOCS;DEFINITIONS;PROGRAMS" ${ARGN})
+  set(kind)
+  foreach(library melodrift_app playback identify Qt5::Network single_threaded interposed shortage nameserver)
+    if(library IN_LIST ARG_LIBS)
+      string(APPEND kind _${library})
+    endif()
+  endforeach()
+  get_property(kinds DIRECTORY PROPERTY MELODRIFT_KINDS)
+  if(NOT kinds)
+    cmake_language(DEFER CALL melodrift_build_joined_tests)
+  endif()
+  if(NOT kind IN_LIST kinds)
+    set_property(DIRECTORY APPEND PROPERTY MELODRIFT_KINDS "kind${kind}")
+  endif()
+  set_property(DIRECTORY APPEND PROPERTY "MELODRIFT_kind${kind}" ${name})
+  add_custom_target(${name})
+  foreach(what SOURCES LIBS MOCS DEFINITIONS PROGRAMS)
+    set_property(TARGET ${name} PROPERTY MELODRIFT_${what} "${ARG_${what}}")
+  endforeach()
+endfunction()
+
+# Builds the programs that the folder's tests share, of so many tests each.
+function(melodrift_build_joined_tests)
+  set(together 8)
+  get_property(kinds DIRECTORY PROPERTY MELODRIFT_KINDS)
+  list(REMOVE_DUPLICATES kinds)
+  set(number 0)
+  foreach(kind ${kinds})
+    get_property(tests DIRECTORY PROPERTY MELODRIFT_${kind})
+    list(LENGTH tests length)
+    math(EXPR last "${length} - 1")
+    foreach(begin RANGE 0 ${last} ${together})
+      list(SUBLIST tests ${begin} ${together} joined)
+      math(EXPR number "${number} + 1")
+      melodrift_build_joined(${number} ${joined})
+    endforeach()
+  endforeach()
+endfunction()
+
+function(melodrift_build_joined number)
+  cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
+  set(program joined_${folder}_${number})
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/${program}.cpp)
+  set(links)
+  foreach(test ${ARGN})
+    foreach(what SOURCES LIBS MOCS DEFINITIONS PROGRAMS)
+      get_target_property(of_test ${test} MELODRIFT_${what})
+      list(APPEND all_${what} ${of_test})
+    endforeach()
+    list(APPEND links COMMAND ${CMAKE_COMMAND} -E create_hardlink $<TARGET_FILE:${program}>
+         ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${test}${CMAKE_EXECUTABLE_SUFFIX}
+    )
+    add_dependencies(${test} ${program})
+  endforeach()
+  list(REMOVE_DUPLICATES all_LIBS)
+  set(tests ${all_SOURCES})
+  list(FILTER tests INCLUDE REGEX "tst_[a-z0-9_]+\\.cpp$")
+  list(REMOVE_ITEM all_SOURCES ${tests})
+  list(TRANSFORM tests PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  add_custom_command(
+    OUTPUT ${source}
+    COMMAND ${CMAKE_COMMAND} "-DTESTS=${tests}" -DJOINED=${source} -P ${CMAKE_SOURCE_DIR}/cmake/join.cmake
+    DEPENDS ${tests} ${CMAKE_SOURCE_DIR}/cmake/join.cmake
+    VERBATIM
+  )
+  melodrift_add_test_program(
+    ${program}
+    SOURCES ${source} ${all_SOURCES}
+    LIBS ${all_LIBS}
+    MOCS ${all_MOCS}
+    DEFINITIONS ${all_DEFINITIONS}
+    PROGRAMS ${all_PROGRAMS}
+  )
+  add_custom_command(TARGET ${program} POST_BUILD ${links} VERBATIM)
+endfunction()
+
+# melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [DEFINITIONS ...] [PROGRAMS ...] [READS_SOURCES | READS FOLDER ...]
+# [SECONDS N] [PARTS N] [ALONE]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets,
+# or looks at sources, or at those folders alone. The longest begin first, so that none is waited for alone; one that
+# runs in parts takes "--part K N" (tests/parts.h). One that starts no thread says so by the library single_threaded,
+# which holds it to that: the thread sanitizer runs the others. One that must be a program of its own says ALONE: its
+# own code stands for the system's, or tells Qt of types.
+function(melodrift_add_test name)
+  cmake_parse_arguments(ARG "READS_SOURCES;ALONE" "SECONDS;PARTS" "SOURCES;LIBS;DEFINITIONS;PROGRAMS;READS" ${ARGN})
+  # Each test's source holds its one class: a moc of its own takes a twentieth of what automoc takes to look for it.
+  set(moc ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
+  qt5_generate_moc(${name}.cpp ${moc})
+  set(parts SOURCES ${name}.cpp ${ARG_SOURCES} LIBS ${ARG_LIBS} MOCS ${moc} DEFINITIONS ${ARG_DEFINITIONS} PROGRAMS
+            ${ARG_PROGRAMS}
+  )
+  if(MELODRIFT_JOIN_TESTS AND NOT ARG_ALONE)
+    melodrift_join_test(${name} ${parts})
+  else()
+    melodrift_add_test_program(${name} ${parts})
+  endif()
+  set_target_properties(${name} PROPERTIES MELODRIFT_READS_SOURCES "${ARG_READS_SOURCES}" MELODRIFT_READS "${ARG_READS}")
   set(tests)
   if(ARG_PARTS)
     foreach(part RANGE 1 ${ARG_PARTS})
@@ -140,9 +253,6 @@ function(melodrift_add_test name)
     melodrift_run_as_test(${name} ${name})
     set(tests ${name})
   endif()
-  if(ARG_PROGRAMS)
-    add_dependencies(${name} ${ARG_PROGRAMS})
-  endif()
   melodrift_set_test_environment(${tests})
   if("shortage" IN_LIST ARG_LIBS) # whose own code asks for all memory: who wanted it stands further below
     set_property(TEST ${tests} APPEND PROPERTY ENVIRONMENT "ASAN_OPTIONS=intercept_tls_get_addr=0")
@@ -150,8 +260,6 @@ function(melodrift_add_test name)
   set_tests_properties(${tests} PROPERTIES COST "0${ARG_SECONDS}")
   if(NOT "single_threaded" IN_LIST ARG_LIBS)
     set_tests_properties(${tests} PROPERTIES LABELS threads)
-  elseif(MELODRIFT_SANITIZE STREQUAL "thread")
-    set_property(TARGET ${name} PROPERTY EXCLUDE_FROM_ALL ON)
   endif()
 endfunction()
 

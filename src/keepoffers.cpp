@@ -9,7 +9,7 @@
 
 namespace {
 constexpr int arrowRoom = 40; ///< what a box needs beside its text
-constexpr int gap = 4;
+constexpr int offerGap = 4;
 } // namespace
 
 KeepOffers::KeepOffers(QWidget& cover, QComboBox& genreBox, const QGridLayout& fields)
@@ -87,9 +87,9 @@ void KeepOffers::placeGenre()
         return; // before the first layout
     if (!m_genreLink->isHidden()) {
         const int needed = m_genreBox.fontMetrics().horizontalAdvance(m_genreBox.currentText()) + arrowRoom;
-        const int width = qMin(m_genreLink->sizeHint().width(), cell.width() - needed - gap);
+        const int width = qMin(m_genreLink->sizeHint().width(), cell.width() - needed - offerGap);
         m_genreLink->setGeometry(cell.right() + 1 - width, cell.y(), width, cell.height());
-        cell.setRight(cell.right() - width - gap);
+        cell.setRight(cell.right() - width - offerGap);
     }
     m_genreBox.setGeometry(cell);
 }

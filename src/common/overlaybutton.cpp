@@ -6,8 +6,8 @@
 
 namespace {
 constexpr int tickRoom = 18;
-constexpr int margin = 6;
-constexpr qreal corner = 4;
+constexpr int buttonMargin = 6;
+constexpr qreal buttonCorner = 4;
 } // namespace
 
 OverlayButton::OverlayButton(QWidget* parent) : PaintedButton(parent)
@@ -18,7 +18,7 @@ OverlayButton::OverlayButton(QWidget* parent) : PaintedButton(parent)
 
 QSize OverlayButton::sizeHint() const
 {
-    return {fontMetrics().horizontalAdvance(text()) + tickRoom + 2 * margin, 28};
+    return {fontMetrics().horizontalAdvance(text()) + tickRoom + 2 * buttonMargin, 28};
 }
 
 /// What is checked is opaque enough for its caption on any picture, and so is the rest.
@@ -42,7 +42,7 @@ void OverlayButton::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(Style::editorLine, 1));
     painter.setBrush(face());
-    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), corner, corner);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), buttonCorner, buttonCorner);
     const int captionWidth = fontMetrics().horizontalAdvance(text());
     const int room = isChecked() ? tickRoom : 0;
     const int left = (width() - captionWidth - room) / 2;

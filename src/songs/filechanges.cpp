@@ -83,7 +83,7 @@ private:
         const bool stayed = before.pictures > 1 && TagContent::of(tag).pictures == before.pictures;
         return stayed ? before.saveTexts(tag) : before.save(tag);
     }
-    const QString& logged(const QString& reason) const
+    QString logged(const QString& reason) const
     {
         qWarning("%s: the edit is not taken back: %s", qUtf8Printable(m_before.path), qUtf8Printable(reason));
         return reason;

@@ -9,6 +9,8 @@
 
 #include <QtTest>
 
+#include <taglib/xiphcomment.h>
+
 using audiocore::CommentBytes;
 using audiocore::PictureChoice;
 using audiocore::TagEdits;
@@ -32,6 +34,7 @@ private slots:
     void longFieldsSayNothing();
     void fieldsAreReplacedByName();
     void thereIsAMostOfTexts();
+    void noMoreFieldsAreToldThanThereAre();
     void aLongVendorHidesAll();
     void picturesCostLessThanTexts_data();
     void picturesCostLessThanTexts();
@@ -214,6 +217,19 @@ void TestCommentBytes::thereIsAMostOfTexts()
     QVERIFY(!boundOf(little(quint32(4)) + "ven"));
     QVERIFY(!boundOf(little(quint32(3)) + "ven" + QByteArray(3, '\0')));
     QVERIFY(!boundOf(QByteArray()));
+}
+
+void TestCommentBytes::noMoreFieldsAreToldThanThereAre()
+{
+    const QByteArray fields = field("TITLE=5") + field("ARTIST=6");
+    for (const quint32 told : {3u, 1000u, 0x07000009u, 0xFFFFFFFFu}) {
+        ByteVector bytes = vectorOf(comment(fields, 2).replace(4, 4, little(told)));
+        CommentBytes::boundFields(bytes);
+        QCOMPARE(TagLib::Ogg::XiphComment(bytes).fieldCount(), 2u);
+    }
+    QVERIFY(!boundOf(comment(fields, 2)));
+    QVERIFY(!boundOf(comment(fields, 1)));
+    QVERIFY(!boundOf(comment(fields.chopped(1), 0x07000009)));
 }
 
 void TestCommentBytes::aLongVendorHidesAll()

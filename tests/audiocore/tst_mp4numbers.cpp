@@ -122,7 +122,7 @@ Mp4Aac aac(const QByteArray& bits)
     return audiocore::readAacConfig(ByteVector(bytes.constData(), unsigned(bytes.size())));
 }
 
-bool hold(const QByteArrayList& frames)
+bool allHold(const QByteArrayList& frames)
 {
     TagLib::ByteVectorList all;
     for (const QByteArray& frame : frames)
@@ -300,7 +300,7 @@ void TestMp4Numbers::framesTellTheSecondBand()
     QFETCH(QByteArray, bits);
     QFETCH(bool, holds);
     const QByteArray frame = bytesOf(bits);
-    QCOMPARE(hold({frame, frame, frame}), holds);
+    QCOMPARE(allHold({frame, frame, frame}), holds);
 }
 
 void TestMp4Numbers::fewFramesTellNothing_data()
@@ -323,7 +323,7 @@ void TestMp4Numbers::fewFramesTellNothing()
     QByteArrayList frames;
     for (int i = 0; i < all; ++i)
         frames.append(bytesOf(i < bands ? bandFrame : plainFrame));
-    QTEST(::hold(frames), "hold");
+    QTEST(allHold(frames), "hold");
 }
 
 void TestMp4Numbers::durationsAndSizesAreAdded_data()

@@ -15,7 +15,7 @@ struct FreeUrl
     void operator()(CURLU* url) const { curl_url_cleanup(url); }
 };
 
-struct FreeText
+struct FreeByCurl
 {
     void operator()(char* text) const { curl_free(text); }
 };
@@ -25,7 +25,7 @@ std::string partOf(CURLU* url, CURLUPart which)
     char* part = nullptr;
     if (curl_url_get(url, which, &part, 0) != CURLUE_OK)
         return std::string();
-    const std::unique_ptr<char, FreeText> owned(part);
+    const std::unique_ptr<char, FreeByCurl> owned(part);
     return part;
 }
 
@@ -73,7 +73,8 @@ bool audiocore::mayRedirect(AddressKind from, AddressKind to)
 
 std::string audiocore::percentEncoded(const std::string& text)
 {
-    const std::unique_ptr<char, FreeText> encoded(curl_easy_escape(nullptr, text.c_str(), int(text.size())));
+    const std::unique_ptr<char, FreeByCurl> encoded(
+        curl_easy_escape(nullptr, text.c_str(), int(text.size())));
     if (!encoded)
         throw std::bad_alloc();
     return encoded.get();

@@ -12,7 +12,7 @@ bool isControl(char32_t c)
 }
 
 /// What turns the direction of writing for all that follows, and what no text begins with but a file.
-bool isLeftOut(char32_t c)
+bool isUnseen(char32_t c)
 {
     return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
 }
@@ -27,7 +27,7 @@ std::string audiocore::cleanText(const std::string& text)
         at += read.isCharacter() ? read.size : 1;
         const char32_t c = read.isCharacter() ? read.number : base::replacementCharacter;
         const bool blank = isControl(c) || c == U' ';
-        if (isLeftOut(c) || (blank && result.empty()))
+        if (isUnseen(c) || (blank && result.empty()))
             continue;
         base::appendUtf8(result, blank ? U' ' : c);
         ++taken;

@@ -16,7 +16,7 @@ struct FreeContext
 {
     void operator()(ChromaprintContext* context) const { chromaprint_free(context); }
 };
-struct FreeText
+struct FreeFingerprint
 {
     void operator()(char* text) const { chromaprint_dealloc(text); }
 };
@@ -30,7 +30,7 @@ std::string textOf(ChromaprintContext* context)
     if (!chromaprint_finish(context) || !chromaprint_get_raw_fingerprint_size(context, &items) ||
         items == 0 || !chromaprint_get_fingerprint(context, &text))
         return std::string();
-    const std::unique_ptr<char, FreeText> owned(text);
+    const std::unique_ptr<char, FreeFingerprint> owned(text);
     return text;
 }
 

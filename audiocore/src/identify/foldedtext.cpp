@@ -147,6 +147,11 @@ std::vector<std::u32string> audiocore::wordsOf(const std::u32string& folded)
     return words;
 }
 
+bool audiocore::isOneOf(const std::u32string& folded, std::initializer_list<const char32_t*> texts)
+{
+    return std::any_of(texts.begin(), texts.end(), [&folded](const char32_t* one) { return folded == one; });
+}
+
 double audiocore::closeness(const std::u32string& one, const std::u32string& other)
 {
     const std::size_t shorter = std::min({one.size(), other.size(), mostLetters});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,8 @@ namespace audiocore {
 /// "and", all other signs are blanks. A text of signs alone stays as it is. Letters of the Latin, Greek and
 /// Cyrillic scripts; those of others stay as they are.
 std::u32string folded(const std::string& text);
+
+bool isOneOf(const std::u32string& folded, std::initializer_list<const char32_t*> texts);
 
 std::vector<std::u32string> wordsOf(const std::u32string& folded);
 

@@ -5,12 +5,14 @@
 #include "identify/cleantext.h"
 #include "identify/genre.h"
 #include "identify/jsonreading.h"
+#include "identify/recordingquery.h"
 
 #include <algorithm>
 
 namespace json = audiocore::json;
 namespace musicbrainz = audiocore::musicbrainz;
 
+using audiocore::longestMilliseconds;
 using musicbrainz::FoundRecording;
 using musicbrainz::Release;
 
@@ -20,7 +22,6 @@ constexpr std::size_t mostNamedReleases = 25; // with their recording
 constexpr std::size_t mostFound = 50;         // recordings, of those that a search finds
 constexpr std::size_t mostNames = 20;         // of an artist
 constexpr std::size_t mostAlbums = 100;       // of a recording
-constexpr double longestMilliseconds = 1e9;
 
 /// The lower, the better.
 enum class ReleaseKind { Album, OtherAlbum, Other, Compilation };
@@ -174,7 +175,7 @@ FoundRecording foundRecording(const json::Value& value)
     found.comment = json::text(value, "disambiguation");
     found.score = std::clamp(json::number(value, "score").value_or(0), 0.0, 100.0) / 100;
     found.milliseconds =
-        std::int64_t(std::clamp(json::number(value, "length").value_or(0), 0.0, longestMilliseconds));
+        std::int64_t(std::clamp(json::number(value, "length").value_or(0), 0.0, double(longestMilliseconds)));
     for (const json::Value& release : releases)
         addText(found.albums, mostAlbums, json::text(release, "title"));
     found.isLive = !releases.empty() && std::all_of(releases.begin(), releases.end(), isOfConcert);

@@ -10,7 +10,6 @@ constexpr std::size_t longestPhrase = 100; // characters
 constexpr std::size_t mostWords = 8;
 constexpr std::size_t longestWord = 24; // characters
 constexpr std::size_t shortestBlurred = 4;
-constexpr std::int64_t longestMilliseconds = 1000000000;
 
 /// The characters of the syntax are meant as themselves.
 std::string escaped(const std::u32string& text)
@@ -57,7 +56,7 @@ std::string audiocore::recordingQuery(const SongHints& hints)
         query += " +" + clause("artist", names.artist);
     if (!names.album.empty())
         query += (names.artist.empty() ? " +" : " ") + clause("release", names.album);
-    if (hints.milliseconds > 0 && hints.milliseconds < longestMilliseconds)
+    if (hints.milliseconds > 0 && hints.milliseconds < audiocore::longestMilliseconds)
         query += " dur:[" +
                  std::to_string(std::max(hints.milliseconds - mostMillisecondsApart, std::int64_t(0))) +
                  " TO " + std::to_string(hints.milliseconds + mostMillisecondsApart) + ']';

@@ -2,9 +2,13 @@
 
 #include "identify/songhints.h"
 
+#include <cstdint>
 #include <string>
 
 namespace audiocore {
+/// Eleven days: whatever is longer is no song's length.
+constexpr std::int64_t longestMilliseconds = 1000000000;
+
 /// How far the length of a recording may lie from a file's.
 constexpr std::int64_t mostMillisecondsApart = 7000;
 

@@ -5,16 +5,11 @@
 #include "tags/parsedmedia.h"
 
 #include <algorithm>
-#include <initializer_list>
 
+using audiocore::isOneOf;
 using audiocore::SongNames;
 
 namespace {
-bool isOneOf(const std::u32string& text, std::initializer_list<const char32_t*> texts)
-{
-    return std::any_of(texts.begin(), texts.end(), [&text](const char32_t* one) { return text == one; });
-}
-
 bool isTrackNumber(const std::u32string& folded)
 {
     const std::vector<std::u32string> words = audiocore::wordsOf(folded);

@@ -3,11 +3,11 @@
 #include "identify/foldedtext.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <iterator>
 #include <map>
 #include <vector>
 
+using audiocore::isOneOf;
 using audiocore::SongTitle;
 using audiocore::Version;
 
@@ -28,11 +28,6 @@ const std::map<std::u32string, Version>& versionWords()
         {U"acapella", Version::Acoustic}, {U"cappella", Version::Acoustic},
     };
     return words;
-}
-
-bool isOneOf(const std::u32string& word, std::initializer_list<const char32_t*> words)
-{
-    return std::any_of(words.begin(), words.end(), [&word](const char32_t* one) { return word == one; });
 }
 
 bool isNumber(const std::u32string& word)

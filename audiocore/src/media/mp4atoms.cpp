@@ -12,7 +12,6 @@ using TagLib::ByteVector;
 namespace {
 constexpr int deepest = 32;
 constexpr size_t mostAtoms = 100000;
-constexpr int shortHead = 8;
 constexpr int longHead = 16;
 constexpr std::int64_t versionAndFlags = 4;
 
@@ -38,11 +37,11 @@ struct Room
 /// unsound.
 std::optional<Mp4Atom> atomAt(TagLib::File& file, std::int64_t begin, const Room& room, bool& sound)
 {
-    if (room.end - begin < shortHead)
+    if (room.end - begin < audiocore::mp4AtomHead)
         return std::nullopt;
     file.seek(begin);
     const ByteVector head = file.readBlock(longHead);
-    if (head.size() < unsigned(shortHead))
+    if (head.size() < unsigned(audiocore::mp4AtomHead))
         return std::nullopt;
     Mp4Atom atom;
     atom.name.assign(head.data() + 4, 4);
@@ -75,7 +74,7 @@ std::int64_t firstInside(TagLib::File& file, const Mp4Atom& atom)
     const ByteVector first = file.readBlock(4);
     const std::int64_t size = first.size() < unsigned(versionAndFlags) ? 0 : first.toUInt(0u);
     const bool bare = atom.end() - atom.content() < versionAndFlags ||
-                      (size >= shortHead && size <= atom.end() - atom.content());
+                      (size >= audiocore::mp4AtomHead && size <= atom.end() - atom.content());
     return atom.content() + (bare ? 0 : versionAndFlags);
 }
 } // namespace

@@ -11,13 +11,16 @@ class File;
 }
 
 namespace audiocore {
+/// Bytes of the size and the name that most atoms begin with; a size of 64 bits makes it longer.
+constexpr int mp4AtomHead = 8;
+
 /// One atom of an MP4 file; everything in bytes, `begin` counted from the file's beginning.
 struct Mp4Atom
 {
     std::string name; ///< four bytes
     std::int64_t begin = 0;
     std::int64_t size = 0; ///< its head included; ends where the atom around it ends at the latest
-    int headSize = 8;
+    int headSize = mp4AtomHead;
     std::int64_t inside = 0; ///< where the atoms in it begin, if it has any
     int depth = 0;
     bool toTheEnd = false; ///< its size is written as zero: all the rest of the file

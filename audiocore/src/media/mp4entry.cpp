@@ -13,12 +13,12 @@
 #include <string>
 
 using audiocore::Mp4Atom;
+using audiocore::mp4AtomHead;
 using audiocore::Mp4Bits;
 using audiocore::Mp4Entry;
 using TagLib::ByteVector;
 
 namespace {
-constexpr std::int64_t shortHead = 8;
 
 /// A part of the file that atoms lie in.
 struct Range
@@ -43,14 +43,14 @@ ByteVector bytesOf(TagLib::File& file, const Range& range)
 Range inside(TagLib::File& file, Range range, const char* name)
 {
     constexpr int mostAtoms = 32;
-    for (int atoms = 0; atoms < mostAtoms && range.size() >= shortHead; ++atoms) {
+    for (int atoms = 0; atoms < mostAtoms && range.size() >= mp4AtomHead; ++atoms) {
         file.seek(range.begin);
-        const ByteVector head = file.readBlock(size_t(shortHead));
-        const std::int64_t size = head.size() < unsigned(shortHead) ? 0 : head.toUInt(0u);
-        if (size < shortHead || size > range.size())
+        const ByteVector head = file.readBlock(size_t(mp4AtomHead));
+        const std::int64_t size = head.size() < unsigned(mp4AtomHead) ? 0 : head.toUInt(0u);
+        if (size < mp4AtomHead || size > range.size())
             break;
         if (head.containsAt(name, 4))
-            return {range.begin + shortHead, range.begin + size};
+            return {range.begin + mp4AtomHead, range.begin + size};
         range.begin += size;
     }
     return Range();
@@ -69,8 +69,8 @@ Description describedIn(TagLib::File& file, const Mp4Atom& descriptions)
     constexpr std::int64_t listHead = 8; // version and number of entries
     const Range range{descriptions.content() + listHead, descriptions.end()};
     ByteVector entry = bytesOf(file, range);
-    const std::int64_t size = entry.size() < unsigned(shortHead) ? 0 : entry.toUInt(0u);
-    if (size < shortHead || size > range.size())
+    const std::int64_t size = entry.size() < unsigned(mp4AtomHead) ? 0 : entry.toUInt(0u);
+    if (size < mp4AtomHead || size > range.size())
         return Description();
     entry.resize(128, '\0');
     Description described{std::string(entry.data() + 4, 4), entry.toUShort(32u), {0, range.begin + size}};

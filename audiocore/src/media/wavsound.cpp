@@ -22,7 +22,7 @@ constexpr unsigned int shortest = 16;
 constexpr unsigned int withBlocks = 20;
 constexpr unsigned int longest = 40;
 
-enum Kind {
+enum WavKind {
     Pcm = 1,
     AdpcmOfMicrosoft = 2,
     Float = 3,

@@ -35,7 +35,7 @@ public:
     }
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
+std::unique_ptr<TaggedFile> openApe(CheckedStream& stream, long)
 {
     audiocore::TagScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);
@@ -44,5 +44,5 @@ std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
 } // namespace
 
 namespace audiocore {
-extern const TagKind apeTags{open, nullptr};
+extern const TagKind apeTags{openApe, nullptr};
 } // namespace audiocore

@@ -134,7 +134,7 @@ private:
     std::array<LastRead, 3> m_lastReads{};
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
+std::unique_ptr<TaggedFile> openAsf(CheckedStream& stream, long)
 {
     AsfScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);
@@ -142,7 +142,7 @@ std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
 }
 
 /// The objects of fields become unknown ones; those inside the header's extension are looked at, too.
-bool hide(CheckedStream& stream, long audioBegin, SoundView& view)
+bool hideInAsf(CheckedStream& stream, long audioBegin, SoundView& view)
 {
     static const ByteVector data("\x36\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", 16);
     constexpr long headSize = 24;
@@ -164,5 +164,5 @@ bool hide(CheckedStream& stream, long audioBegin, SoundView& view)
 } // namespace
 
 namespace audiocore {
-extern const TagKind asfTags{open, hide};
+extern const TagKind asfTags{openAsf, hideInAsf};
 } // namespace audiocore

@@ -13,7 +13,7 @@ using TagLib::ByteVector;
 
 namespace {
 /// The first one is written.
-const std::vector<const char*> names[audiocore::textTypes] = {
+const std::vector<const char*> fieldNames[audiocore::textTypes] = {
     {"TITLE"}, {"ARTIST"}, {"ALBUM"}, {"GENRE"}, {"DATE", "YEAR"}, {"TRACKNUMBER", "TRACKNUM"}};
 const std::vector<const char*> pictureNames = {"METADATA_BLOCK_PICTURE", "COVERART", "COVERARTMIME"};
 
@@ -113,12 +113,16 @@ std::optional<CommentBytes::Bound> CommentBytes::boundOf(const ByteVector& comme
     const unsigned int place = position;
     const unsigned int count = comment.toUInt(place, false);
     position += 4;
-    // What is in bounds even if none of it is a picture need not be gone through.
-    if (comment.size() + std::uint64_t(count) * costOfField <= mostTextBytes)
+    // What is in bounds even if none of it is a picture need not be gone through, unless it tells of more
+    // than there is.
+    if (comment.size() + std::uint64_t(count) * costOfField <= mostTextBytes &&
+        count <= (comment.size() - position) / 4)
         return std::nullopt;
     unsigned int left = mostTextBytes;
     for (unsigned int i = 0; i < count; ++i) {
         const unsigned int end = position;
+        if (end == comment.size()) // there the tag library would read none of them
+            return Bound{place, ByteVector::fromUInt(i, false), end};
         const std::optional<ByteVector> field = takeBlock(comment, position);
         if (!field)
             return std::nullopt;
@@ -145,7 +149,7 @@ std::string CommentBytes::text(int type) const
 {
     std::string joined;
     for (const ByteVector& field : m_fields)
-        if (field.size() <= longestText && hasName(field, names[type]) && !valueOf(field).empty() &&
+        if (field.size() <= longestText && hasName(field, fieldNames[type]) && !valueOf(field).empty() &&
             (joined.empty() || type != TAG_TITLE))
             joined += (joined.empty() ? "" : "; ") + valueOf(field);
     return joined;
@@ -162,8 +166,8 @@ void CommentBytes::apply(const TagEdits& edits)
             value += totalOf(text(type));
         std::optional<ByteVector> replacement;
         if (!value.empty())
-            replacement = field(names[type].front(), ByteVector(value.data(), unsigned(value.size())));
-        const auto isOld = [type](const ByteVector& old) { return hasName(old, names[type]); };
+            replacement = field(fieldNames[type].front(), ByteVector(value.data(), unsigned(value.size())));
+        const auto isOld = [type](const ByteVector& old) { return hasName(old, fieldNames[type]); };
         replaceFields(m_fields, isOld, replacement);
     }
     if (!edits.picture)

@@ -14,7 +14,8 @@ public:
     /// A new comment where there are no bytes; nothing where they cannot be taken apart.
     static std::optional<CommentBytes> parse(const TagLib::ByteVector& comment);
 
-    /// What makes a comment tell no more fields than the first ones that are in bounds.
+    /// What makes a comment tell no more fields than there are, and of those the first ones that are in
+    /// bounds.
     struct Bound
     {
         unsigned int place; ///< of the bytes that are to be others
@@ -24,7 +25,7 @@ public:
         /// The comment has at least the bytes before `end`.
         void applyTo(TagLib::ByteVector& comment) const;
     };
-    /// Nothing for a comment that is in bounds.
+    /// Nothing for a comment that is in bounds and tells no more than there is.
     static std::optional<Bound> boundOf(const TagLib::ByteVector& comment);
     static void boundFields(TagLib::ByteVector& comment);
 

@@ -124,7 +124,7 @@ class FlacScreen final : public audiocore::TagScreen
     int m_shown = flac::Padding; ///< the kind that the block has whose body is expected
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
+std::unique_ptr<TaggedFile> openFlac(CheckedStream& stream, long audioBegin)
 {
     FlacScreen screen;
     const audiocore::ScreenedReading screened(stream, screen);
@@ -132,7 +132,7 @@ std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
 }
 
 /// All blocks but the one that describes the stream look like padding.
-bool hide(CheckedStream& stream, long audioBegin, SoundView& view)
+bool hideInFlac(CheckedStream& stream, long audioBegin, SoundView& view)
 {
     long position = audioBegin + 4;
     for (bool last = false; !last;) {
@@ -150,5 +150,5 @@ bool hide(CheckedStream& stream, long audioBegin, SoundView& view)
 } // namespace
 
 namespace audiocore {
-extern const TagKind flacTags{open, hide};
+extern const TagKind flacTags{openFlac, hideInFlac};
 } // namespace audiocore

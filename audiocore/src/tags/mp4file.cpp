@@ -9,6 +9,7 @@
 
 #include <algorithm>
 
+using audiocore::mp4AtomHead;
 using audiocore::Mp4File;
 using audiocore::Mp4Value;
 using TagLib::ByteVector;
@@ -19,22 +20,12 @@ namespace {
 // Far more than any song has: whatever is longer is no title.
 constexpr std::int64_t longestText = 256 * 1024;
 constexpr size_t mostValues = 1000;
-constexpr std::int64_t atomHead = 8;
 constexpr std::int64_t valueHead = 16;
-
-enum Marked : unsigned int {
-    AsAnything = 0,
-    AsUtf8 = 1,
-    AsUtf16 = 2,
-    AsGif = 12,
-    AsJpeg = 13,
-    AsPng = 14,
-    AsBmp = 27
-};
 
 std::string text(const ByteVector& bytes, unsigned int type)
 {
-    return type == AsUtf16 ? String(bytes, String::UTF16BE).to8Bit(true) : audiocore::readableText(bytes);
+    return type == Mp4Value::Utf16 ? String(bytes, String::UTF16BE).to8Bit(true)
+                                   : audiocore::readableText(bytes);
 }
 
 StringList genreOf(const ByteVector& bytes)
@@ -70,8 +61,8 @@ std::vector<Mp4Value> Mp4File::valuesOf(const Mp4Atom& item)
     for (size_t atoms = 0; atoms < mostValues; ++atoms) {
         seek(position);
         const ByteVector head = readBlock(size_t(valueHead));
-        const std::int64_t size = head.size() < unsigned(atomHead) ? 0 : head.toUInt(0u);
-        if (size < atomHead || size > item.end() - position)
+        const std::int64_t size = head.size() < unsigned(mp4AtomHead) ? 0 : head.toUInt(0u);
+        if (size < mp4AtomHead || size > item.end() - position)
             break;
         if (size >= valueHead && head.containsAt("data", 4))
             values.push_back({head.toUInt(8u), position + valueHead, size - valueHead});
@@ -98,7 +89,7 @@ StringList Mp4File::textsOf(const Mp4Item& item, bool named)
             return genreOf(bytesOf(value));
         if (named && item.atom.name == "trkn")
             return trackOf(bytesOf(value));
-        if (value.type <= AsUtf16)
+        if (value.type <= Mp4Value::Utf16)
             texts.append(String(text(bytesOf(value), value.type), String::UTF8));
     }
     return texts;
@@ -139,8 +130,8 @@ std::vector<Mp4Value> Mp4File::pictures()
         for (const Mp4Item& item : list.items)
             if (item.type == TAG_PICTURE && pictures.size() < mostValues)
                 for (const Mp4Value& value : valuesOf(item.atom))
-                    if (value.type == AsAnything || value.type == AsBmp ||
-                        (value.type >= AsGif && value.type <= AsPng))
+                    if (value.type == Mp4Value::Anything || value.type == Mp4Value::Bmp ||
+                        (value.type >= Mp4Value::Gif && value.type <= Mp4Value::Png))
                         pictures.push_back(value);
     return pictures;
 }

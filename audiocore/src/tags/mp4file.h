@@ -13,7 +13,10 @@ namespace audiocore {
 /// A value of an item, as a place in the file.
 struct Mp4Value
 {
-    unsigned int type = 0; ///< what it is marked as: text, picture, number
+    /// Numbers are marked as anything.
+    enum Mark : unsigned int { Anything = 0, Utf8 = 1, Utf16 = 2, Gif = 12, Jpeg = 13, Png = 14, Bmp = 27 };
+
+    unsigned int type = 0; ///< what it is marked as, which may be no Mark
     std::int64_t begin = 0;
     std::int64_t size = 0;
 };

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 using audiocore::Mp4Atom;
+using audiocore::mp4AtomHead;
 using audiocore::Mp4File;
 using audiocore::Mp4Item;
 using audiocore::Mp4List;
@@ -17,14 +18,11 @@ using audiocore::TagEdits;
 using TagLib::ByteVector;
 
 namespace {
-constexpr unsigned int atomHead = 8;
 constexpr std::int64_t largestList = 64 << 20;
 
-enum class Marked : unsigned int { Number = 0, Utf8 = 1, Jpeg = 13, Png = 14 };
-
-ByteVector item(const std::string& name, Marked as, const ByteVector& value)
+ByteVector item(const std::string& name, Mp4Value::Mark as, const ByteVector& value)
 {
-    ByteVector data = ByteVector::fromUInt(static_cast<unsigned int>(as));
+    ByteVector data = ByteVector::fromUInt(as);
     data.append(ByteVector(4, '\0'));
     return audiocore::mp4AtomBytes(name, audiocore::mp4AtomBytes("data", data.append(value)));
 }
@@ -55,7 +53,7 @@ std::optional<Field> textField(const std::string& name, int type, const std::str
 {
     if (text.empty())
         return std::nullopt;
-    return Field{type, item(name, Marked::Utf8, ByteVector(text.data(), unsigned(text.size())))};
+    return Field{type, item(name, Mp4Value::Utf8, ByteVector(text.data(), unsigned(text.size())))};
 }
 
 std::optional<Field> pictureField(const std::string& name, const ByteVector& picture)
@@ -63,7 +61,7 @@ std::optional<Field> pictureField(const std::string& name, const ByteVector& pic
     if (picture.isEmpty())
         return std::nullopt;
     const bool png = audiocore::pictureType(picture) == "image/png";
-    return Field{TAG_PICTURE, item(name, png ? Marked::Png : Marked::Jpeg, picture)};
+    return Field{TAG_PICTURE, item(name, png ? Mp4Value::Png : Mp4Value::Jpeg, picture)};
 }
 
 /// The number of a track in the old value, or in a new one; the total and whatever else is there stays.
@@ -75,7 +73,7 @@ std::optional<Field> trackField(const std::string& name, const ByteVector& old, 
         return std::nullopt;
     const ByteVector bytes = ByteVector::fromShort(static_cast<short>(number));
     std::copy(bytes.begin(), bytes.end(), value.begin() + 2);
-    return Field{TAG_TRACK, item(name, Marked::Number, value)};
+    return Field{TAG_TRACK, item(name, Mp4Value::Anything, value)};
 }
 
 /// The first value of the first track item.
@@ -104,10 +102,10 @@ bool saysNothing(TagLib::File& file, const Mp4Atom& item)
         return false;
     const ByteVector bytes = audiocore::bytesOf(file, item);
     auto at = static_cast<unsigned int>(item.headSize);
-    while (at + atomHead <= bytes.size()) {
+    while (at + mp4AtomHead <= bytes.size()) {
         const unsigned int size = bytes.toUInt(at);
         const bool isName = bytes.containsAt("mean", at + 4) || bytes.containsAt("name", at + 4);
-        if (!isName || size < atomHead || size > bytes.size() - at)
+        if (!isName || size < mp4AtomHead || size > bytes.size() - at)
             return false;
         at += size;
     }
@@ -131,7 +129,7 @@ bool endsEmpty(TagLib::File& file, const Mp4List& list)
 
 ByteVector audiocore::mp4AtomBytes(const std::string& name, const ByteVector& content)
 {
-    ByteVector bytes = ByteVector::fromUInt(content.size() + atomHead);
+    ByteVector bytes = ByteVector::fromUInt(content.size() + mp4AtomHead);
     bytes.append(ByteVector(name.data(), unsigned(name.size())));
     return bytes.append(content);
 }

@@ -12,8 +12,6 @@ using audiocore::Mp4Atoms;
 using TagLib::ByteVector;
 
 namespace {
-constexpr std::int64_t most32 = std::numeric_limits<std::uint32_t>::max();
-
 /// Numbers of `width` bytes in the file, one every `stride` bytes.
 struct Table
 {
@@ -36,7 +34,7 @@ struct Shift
         if (number < from || number > std::numeric_limits<std::int64_t>::max() / 2)
             return true;
         number += by;
-        if (width == 4 && number > most32)
+        if (width == 4 && number > audiocore::mostInFourBytes)
             return false;
         const ByteVector bytes = width == 4 ? ByteVector::fromUInt(static_cast<unsigned int>(number))
                                             : ByteVector::fromLongLong(number);

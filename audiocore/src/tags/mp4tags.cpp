@@ -41,14 +41,14 @@ private:
 };
 
 /// Our own walk has bounds of its own: it needs no screen.
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long)
+std::unique_ptr<TaggedFile> openMp4(CheckedStream& stream, long)
 {
     stream.seek(0);
     return std::make_unique<Mp4Tags>(stream);
 }
 
 /// Its tags need no hiding, but decoders walk as well: they see what our own walk comes to the end of.
-bool hide(CheckedStream& stream, long, audiocore::SoundView&)
+bool hideInMp4(CheckedStream& stream, long, audiocore::SoundView&)
 {
     stream.seek(0);
     return audiocore::Mp4File(stream).isBounded();
@@ -56,5 +56,5 @@ bool hide(CheckedStream& stream, long, audiocore::SoundView&)
 } // namespace
 
 namespace audiocore {
-extern const TagKind mp4Tags{open, hide};
+extern const TagKind mp4Tags{openMp4, hideInMp4};
 } // namespace audiocore

@@ -12,7 +12,9 @@
 #include <string>
 
 using audiocore::FileEdits;
+using audiocore::mostInFourBytes;
 using audiocore::Mp4Atom;
+using audiocore::mp4AtomHead;
 using audiocore::Mp4Atoms;
 using audiocore::Mp4File;
 using audiocore::Mp4Item;
@@ -21,8 +23,6 @@ using audiocore::TagEdits;
 using TagLib::ByteVector;
 
 namespace {
-constexpr unsigned int atomHead = 8;
-constexpr std::int64_t most32 = std::numeric_limits<std::uint32_t>::max();
 constexpr const char* cannotBeMoved = "the places of its music could not follow its tags";
 constexpr const char* unsound = "its parts do not fit into one another";
 
@@ -71,11 +71,11 @@ bool grow(TagLib::File& file, const Mp4Atom& atom, std::int64_t by)
     if (atom.toTheEnd)
         return true;
     const std::int64_t size = atom.size + by;
-    if (atom.headSize == int(atomHead) && size > most32)
+    if (atom.headSize == mp4AtomHead && size > mostInFourBytes)
         return false;
-    file.seek(atom.headSize == int(atomHead) ? atom.begin : atom.begin + std::int64_t(atomHead));
-    file.writeBlock(atom.headSize == int(atomHead) ? ByteVector::fromUInt(static_cast<unsigned int>(size))
-                                                   : ByteVector::fromLongLong(size));
+    file.seek(atom.headSize == mp4AtomHead ? atom.begin : atom.begin + mp4AtomHead);
+    file.writeBlock(atom.headSize == mp4AtomHead ? ByteVector::fromUInt(static_cast<unsigned int>(size))
+                                                 : ByteVector::fromLongLong(size));
     return true;
 }
 
@@ -98,10 +98,10 @@ ByteVector padded(ByteVector list, std::int64_t room)
     const auto roomNow =
         static_cast<unsigned int>(std::min<std::int64_t>(room, std::numeric_limits<std::int32_t>::max()));
     unsigned int size = audiocore::paddedSize(list.size(), roomNow);
-    if (size > list.size() && size < list.size() + atomHead)
+    if (size > list.size() && size < list.size() + mp4AtomHead)
         size = audiocore::paddedSize(list.size(), 0);
     if (size > list.size())
-        list.append(audiocore::mp4AtomBytes("free", ByteVector(size - list.size() - atomHead, '\0')));
+        list.append(audiocore::mp4AtomBytes("free", ByteVector(size - list.size() - mp4AtomHead, '\0')));
     return list;
 }
 

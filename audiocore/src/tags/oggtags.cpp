@@ -155,7 +155,7 @@ std::string OggTags::write(const FileEdits& edits)
     return packet->write(pages) ? std::string() : audiocore::tooLarge;
 }
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
+std::unique_ptr<TaggedFile> openOgg(CheckedStream& stream, long audioBegin)
 {
     std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
     const OggStream* const music = audiocore::musicAmong(streams);
@@ -165,15 +165,18 @@ std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
     return std::make_unique<OggTags>(stream, std::move(streams), found);
 }
 
-/// Where the first length makes no sense, decoders see no fields either.
+/// Where the first length makes no sense, decoders see no fields either; they see no more than there are.
 bool isOutOfBounds(const ByteVector& comment)
 {
-    return comment.size() > 8 && comment.toUInt(0u, false) < comment.size() && CommentBytes::boundOf(comment);
+    if (comment.size() <= 8 || comment.toUInt(0u, false) >= comment.size())
+        return false;
+    const std::optional<CommentBytes::Bound> bound = CommentBytes::boundOf(comment);
+    return bound && bound->end < comment.size();
 }
 
 /// Pages have checksums, so nothing can be shown otherwise: whether decoders may see the comments of all
 /// streams as they are.
-bool hide(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
+bool hideInOgg(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
 {
     const std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
     return std::none_of(streams.begin(), streams.end(), [&stream](const OggStream& one) {
@@ -185,5 +188,5 @@ bool hide(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
 } // namespace
 
 namespace audiocore {
-extern const TagKind oggTags{open, hide};
+extern const TagKind oggTags{openOgg, hideInOgg};
 } // namespace audiocore

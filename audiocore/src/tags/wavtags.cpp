@@ -215,7 +215,7 @@ public:
     }
 };
 
-std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
+std::unique_ptr<TaggedFile> openWav(CheckedStream& stream, long audioBegin)
 {
     static const InfoText handler;
     static const bool installed = (TagLib::RIFF::Info::Tag::setStringHandler(&handler), true);
@@ -224,7 +224,7 @@ std::unique_ptr<TaggedFile> open(CheckedStream& stream, long audioBegin)
 }
 
 /// Where the sound is behind and no chunk follows, the file ends.
-bool hide(CheckedStream& stream, long audioBegin, SoundView& view)
+bool hideInWav(CheckedStream& stream, long audioBegin, SoundView& view)
 {
     const WavChunks chunks(stream, audioBegin);
     for (const WavChunk& chunk : chunks.all())
@@ -239,5 +239,5 @@ bool hide(CheckedStream& stream, long audioBegin, SoundView& view)
 } // namespace
 
 namespace audiocore {
-extern const TagKind wavTags{open, hide};
+extern const TagKind wavTags{openWav, hideInWav};
 } // namespace audiocore

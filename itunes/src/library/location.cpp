@@ -7,23 +7,18 @@
 namespace {
 constexpr std::string_view prefix = "file://localhost";
 
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? char(c + ('a' - 'A')) : c;
-}
-
 /// Whether the text begins with the lower-case ASCII word, in any case.
 bool begins(std::string_view text, std::string_view word)
 {
-    return text.size() >= word.size() &&
-           std::equal(word.begin(), word.end(), text.begin(), [](char a, char b) { return a == lower(b); });
+    return text.size() >= word.size() && std::equal(word.begin(), word.end(), text.begin(),
+                                                    [](char a, char b) { return a == base::smallAscii(b); });
 }
 
 int hexadecimal(char c)
 {
     if (c >= '0' && c <= '9')
         return c - '0';
-    const char small = lower(c);
+    const char small = base::smallAscii(c);
     return small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
 }
 

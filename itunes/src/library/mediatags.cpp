@@ -48,9 +48,9 @@ bool putText(IAudioTag& tag, TagItemType type, const std::optional<std::string>&
 }
 
 /// A save would leave such a picture out, and write the texts.
-bool isTooLarge(IAudioTag& tag, const std::optional<std::vector<char>>& picture)
+bool isTooLarge(IAudioTag& tag, const std::vector<char>& picture)
 {
-    return picture && picture->size() > LargestPictureFor(&tag) && *picture != pictureOf(tag);
+    return picture.size() > LargestPictureFor(&tag) && picture != pictureOf(tag);
 }
 
 bool putPicture(IAudioTag& tag, const std::optional<std::vector<char>>& picture)
@@ -136,7 +136,7 @@ SaveProblem itunes::writeTags(const std::string& mediaPath, const MediaTags& tag
         base::logLine(mediaPath, "the tag was not saved: there is no such music file");
         return problemOfUnreadable(mediaPath);
     }
-    if (isTooLarge(*tag, tags.picture)) {
+    if (tags.picture && isTooLarge(*tag, *tags.picture)) {
         base::logLine(mediaPath, "the tag was not saved: the picture has " +
                                      std::to_string(tags.picture->size()) + " bytes, the file takes " +
                                      std::to_string(LargestPictureFor(tag.get())) + " at the most");

@@ -1,5 +1,6 @@
 #include "library/trackreader.h"
 
+#include "base/text.h"
 #include "library/location.h"
 
 #include <algorithm>
@@ -21,18 +22,13 @@ bool saysNoSong(itunes::Field field)
            field == Field::MusicVideo || field == Field::Podcast || field == Field::Audiobook;
 }
 
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? char(c + ('a' - 'A')) : c;
-}
-
 /// Old libraries tell films and audiobooks, and all of them the booklets of albums, by the kind alone.
 bool isKindOfNoSong(std::string_view kind)
 {
     constexpr std::string_view words[] = {"video", "movie", "pdf", "audible", "audiobook"};
     return std::any_of(std::begin(words), std::end(words), [kind](std::string_view word) {
         return std::search(kind.begin(), kind.end(), word.begin(), word.end(),
-                           [](char a, char b) { return lower(a) == b; }) != kind.end();
+                           [](char a, char b) { return base::smallAscii(a) == b; }) != kind.end();
     });
 }
 } // namespace

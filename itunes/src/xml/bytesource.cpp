@@ -50,7 +50,7 @@ bool namesUtf8(std::string_view name)
 {
     constexpr std::string_view utf8 = "utf-8";
     return std::equal(name.begin(), name.end(), utf8.begin(), utf8.end(),
-                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b; });
+                      [](char a, char b) { return base::smallAscii(a) == b; });
 }
 
 bool isHigh(unsigned unit)

@@ -10,7 +10,7 @@
 using itunes::Entities;
 
 namespace {
-constexpr std::size_t longestName = 64;
+constexpr std::size_t longestEntityName = 64;
 constexpr std::size_t longestEntity = 4096;
 constexpr std::size_t largestExpansion = 1024 * 1024;
 constexpr std::uint32_t noReference = 0xFFFFFFFF;
@@ -82,7 +82,7 @@ std::uint32_t referenceNumber(std::string_view name)
 /// The name between "&" at `at` and ";"; empty when there is none near.
 std::string_view referenceAt(std::string_view raw, std::size_t at)
 {
-    const std::string_view rest = raw.substr(at + 1, longestName + 1);
+    const std::string_view rest = raw.substr(at + 1, longestEntityName + 1);
     const std::size_t end = rest.find_first_of("; &<\n");
     return end == std::string_view::npos || rest[end] != ';' ? std::string_view() : rest.substr(0, end);
 }
@@ -189,7 +189,7 @@ bool Entities::declareOne(std::string_view declaration)
     const std::size_t name = declaration.find_first_not_of(blanks);
     if (name == std::string_view::npos || declaration[name] == '%')
         return true;
-    const std::size_t length = declaration.substr(name, longestName + 1).find_first_of(" \t\r\n\"'>");
+    const std::size_t length = declaration.substr(name, longestEntityName + 1).find_first_of(" \t\r\n\"'>");
     if (length == std::string_view::npos)
         return false;
     const std::size_t value = declaration.find_first_not_of(blanks, name + length);
