@@ -13,6 +13,7 @@ constexpr int narrowest = 120;
 constexpr int glassRoom = 26;
 constexpr int crossRoom = 24;
 constexpr qreal corner = 4;
+constexpr qreal disabledOpacity = 0.45; // as of buttons
 
 void paintGlass(QPainter& painter, const QPointF& centre)
 {
@@ -52,6 +53,8 @@ FindField::FindField(QWidget* parent) : QLineEdit(parent), m_cross(new FindCross
     palette.setColor(QPalette::Base, Qt::transparent);
     palette.setColor(QPalette::Text, Style::ink);
     palette.setColor(QPalette::PlaceholderText, Style::muted);
+    palette.setColor(QPalette::Disabled, QPalette::Text, Style::groupLine);
+    palette.setColor(QPalette::Disabled, QPalette::PlaceholderText, Style::groupLine);
     setPalette(palette);
     m_cross->setFocusPolicy(Qt::NoFocus);
     m_cross->setAccessibleName(QStringLiteral("Empty the field"));
@@ -118,6 +121,7 @@ void FindField::paintEvent(QPaintEvent* event)
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
         painter.setPen(hasFocus() ? QPen(Style::editorFocus, 2) : QPen(Style::editorLine, 1));
         painter.setBrush(Qt::white);
         const qreal inset = hasFocus() ? 1 : 0.5;
