@@ -1,6 +1,8 @@
 #include "emptyviews.h"
 
 #include "common/qimagebutton.h"
+#include "common/skinpicture.h"
+#include "common/skinwords.h"
 #include "filechoice.h"
 #include "itunes/itunesmusiclibrary.h"
 #include "songs/modesongs.h"
@@ -15,6 +17,7 @@
 
 namespace {
 constexpr int patienceMilliseconds = 200;
+constexpr char libraryPicture[] = "button_library.png";
 } // namespace
 
 EmptyViews::EmptyViews(const Parts& parts, QWidget* area)
@@ -22,6 +25,7 @@ EmptyViews::EmptyViews(const Parts& parts, QWidget* area)
       m_notice(new ViewNotice(*m_button, area))
 {
     m_button->setObjectName(QStringLiteral("m_btnLibrary"));
+    m_button->setAccessibleName(SkinWords::of(QLatin1String(libraryPicture)).name);
     QWidget::setTabOrder(&m_parts.inSight.focus(), m_button);
     m_patience.setSingleShot(true);
     m_patience.setInterval(patienceMilliseconds);
@@ -49,7 +53,7 @@ bool EmptyViews::eventFilter(QObject* watched, QEvent* event)
 
 void EmptyViews::begin()
 {
-    m_button->setBtnImage(SkinPicture::path("button_library.png"));
+    m_button->setBtnImage(SkinPicture::path(libraryPicture));
     update();
 }
 
