@@ -311,7 +311,7 @@ void takeRules(Order& order, const Raw& raw)
         std::string wrong;
         order.rules.excluded.emplace_back(pattern, wrong);
         if (!wrong.empty())
-            refuse("--exclude", pattern + ": " + wrong);
+            refuse("--exclude", wrong.insert(0, pattern + ": "));
     }
     for (const std::string& name : raw.keep) {
         QString problem;

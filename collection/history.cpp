@@ -62,8 +62,8 @@ Steps History::steps(QString& reason) const
 {
     HistorySteps history;
     base::Failure failure;
-    if (!HistoryJournal::read(
-            m_folder, [&history](std::string_view line) { history.take(line); }, failure)) {
+    const auto take = [&history](std::string_view line) { history.take(line); };
+    if (!HistoryJournal::read(m_folder, take, failure)) {
         reason = QStringLiteral("the history cannot be read: %1").arg(QString::fromStdString(failure.text));
         return {};
     }

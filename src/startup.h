@@ -6,7 +6,8 @@ namespace Startup {
 /// beforeApplication() does it, too.
 void beforeCommandLine();
 /// Points the temporary directory at one that only this user can enter, fixes the layout's 72 dots per inch,
-/// unless the user set a font resolution of their own, and takes the desktop's scale. Before the application object.
+/// unless the user set a font resolution of their own, and takes the desktop's scale. Before the application
+/// object.
 void beforeApplication();
 /// Fonts, colours, the text cursor and the log. After the application object.
 void afterApplication();

@@ -186,9 +186,8 @@ void TestArchitecture::everyRoomIncludesWhatItMay()
     const QRegularExpression foreign("^(?:" + room.foreignHeaders + ')');
     QStringList wrong;
     int files = 0;
-    for (const QString& top :
-         {QString("base"), QString("audiocore"), QString("itunes"), QString("collection"), QString("cli"),
-          QString("src")})
+    const QStringList tops = {"base", "audiocore", "itunes", "collection", "cli", "src"};
+    for (const QString& top : tops)
         for (const QString& path : filesIn(top, {"*.h", "*.cpp"})) {
             if (roomOf(path) != room.folder)
                 continue;

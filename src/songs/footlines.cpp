@@ -273,7 +273,7 @@ QString stopped(const FootLines::Intake& intake)
 
 QString FootLines::takenIn(const Intake& intake)
 {
-    const QString leftOut = leftOutOf(intake);
+    QString leftOut = leftOutOf(intake);
     if (!intake.ended)
         return leftOut;
     return leftOut.isEmpty() ? stopped(intake) : stopped(intake) + QLatin1Char(' ') + leftOut;
