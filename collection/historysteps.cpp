@@ -145,12 +145,22 @@ std::optional<int> HistorySteps::stepOf(std::string_view line)
 
 std::optional<base::FileState> HistorySteps::left(const FileChange& edit) const
 {
-    std::optional<base::FileState> state = edit.after;
-    const auto events = m_again.find(edit.path);
-    if (!state || events == m_again.end())
+    return edit.after ? std::make_optional(since(edit.path, *edit.after)) : std::nullopt;
+}
+
+base::FileState HistorySteps::found(const FileChange& change) const
+{
+    return since(change.path, change.before);
+}
+
+/// The state that one of the path became by edits and their taking back.
+base::FileState HistorySteps::since(const std::string& path, base::FileState state) const
+{
+    const auto events = m_again.find(path);
+    if (events == m_again.end())
         return state;
     for (const auto& [was, is] : events->second)
-        if (state->looksLike(was))
+        if (state.looksLike(was))
             state = is;
     return state;
 }

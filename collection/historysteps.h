@@ -91,10 +91,13 @@ public:
     const std::map<int, HistoryStep>& all() const { return m_steps; }
     /// What the edit left, through all that was taken back since; nothing where it was not seen through.
     std::optional<base::FileState> left(const FileChange& edit) const;
+    /// What the change found, through the same: so the file looks that a kill kept where it was.
+    base::FileState found(const FileChange& change) const;
     void tookBack(FileChange& change, const base::FileState& now);
 
 private:
     void takeChange(HistoryStep& step, HistoryLine::Reader& line);
+    base::FileState since(const std::string& path, base::FileState state) const;
 
     std::map<int, HistoryStep> m_steps;
     /// By path: the states that edits had found, and those that taking them back made again.

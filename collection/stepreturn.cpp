@@ -82,7 +82,7 @@ QString StepReturn::bringBack(const FileChange& change)
     case base::Trash::Restoring::Done:
         return QString();
     case base::Trash::Restoring::Gone:
-        return whyNotAsLeft(thereAs(change.before), FileState::ofEntry(change.path)).isEmpty()
+        return whyNotAsLeft(thereAs(m_history.found(change)), FileState::ofEntry(change.path)).isEmpty()
                    ? QString()
                    : QStringLiteral("it is not in the trash any more");
     default:
