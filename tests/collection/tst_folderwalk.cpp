@@ -13,6 +13,7 @@
 
 namespace {
 constexpr uid_t ordinaryUser = 65534;
+constexpr int unreachable = 98; // as an exit code
 
 class Notes final : public FolderWalk::Visitor
 {
@@ -183,11 +184,15 @@ void TestFolderWalk::whatCannotBeWrittenIsToldOrTaken()
     if (child == 0) { // root may read and write everything
         if (::geteuid() == 0 && (::setgid(ordinaryUser) != 0 || ::setuid(ordinaryUser) != 0))
             ::_exit(99);
+        if (::access(m_root.constData(), R_OK | X_OK) != 0) // as where the system's root is for root alone
+            ::_exit(unreachable);
         ::_exit(walk(false) && walk(true) ? 0 : 1);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
     QVERIFY(WIFEXITED(status));
+    if (WEXITSTATUS(status) == unreachable)
+        QSKIP("an ordinary user gets to no file here");
     QCOMPARE(WEXITSTATUS(status), 0);
 }
 
