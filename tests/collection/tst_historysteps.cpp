@@ -61,6 +61,7 @@ private slots:
     void linesOfNoStepArePassedOver();
     void aDamagedLineTakesNoOtherAway();
     void whatAnEditLeftGoesOnThroughWhatIsTakenBack();
+    void whatWasFoundGoesOnThroughWhatIsTakenBack();
 
 private:
     static HistorySteps read(const std::string& lines);
@@ -196,6 +197,19 @@ void TestHistorySteps::whatAnEditLeftGoesOnThroughWhatIsTakenBack()
     QVERIFY(history.left(history.all().at(1).changes.at(1))->looksLike(stateOf(8, 10)));
     QVERIFY(history.left(history.all().at(1).changes.at(2))->looksLike(stateOf(8, 9)));
     QVERIFY(!history.left(history.all().at(1).changes.at(3)));
+}
+
+/// A kill came before the file left for the trash, and an edit of it after that is taken back.
+void TestHistorySteps::whatWasFoundGoesOnThroughWhatIsTakenBack()
+{
+    FileChange kept = edited();
+    kept.kind = FileChange::Kind::Trashed;
+    const std::string lines = HistorySteps::beginLine(1, 0, "x") + HistorySteps::changeLine(1, 1, kept) +
+                              HistorySteps::beginLine(2, 0, "y") + HistorySteps::changeLine(2, 1, edited());
+    const HistorySteps before = read(lines);
+    QVERIFY(before.found(before.all().at(1).changes.at(1)).looksLike(kept.before));
+    const HistorySteps after = read(lines + HistorySteps::backLine(2, 1, stateOf(8, 10)));
+    QVERIFY(after.found(after.all().at(1).changes.at(1)).looksLike(stateOf(8, 10)));
 }
 
 QTEST_APPLESS_MAIN(TestHistorySteps)
