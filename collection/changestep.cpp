@@ -129,7 +129,7 @@ QString ChangeStep::edit(const std::string& path, const TagTexts& change, TagFil
         return reason;
     const FileChange edit = changeOf(file, before.file, held, wanted);
     if (!edit.oldCover.empty() && edit.coverChanged)
-        reason = m_covers.keep(*held.picture);
+        reason = m_covers.keep(held.picture.value_or(QByteArray()));
     if (!reason.isEmpty())
         return QStringLiteral("it could not be taken back: %1").arg(reason);
     if (!whyNotAsLeft(before, FileState::of(file)).isEmpty())

@@ -11,7 +11,7 @@ SongCount::SongCount(FolderWalk::Rules rules, std::vector<std::string> paths)
             count(std::move(rules), paths);
         });
     } catch (const std::system_error&) {
-        // Then nobody knows.
+        m_isDone = false; // then nobody knows
     }
 }
 
@@ -33,6 +33,6 @@ void SongCount::count(FolderWalk::Rules rules, const std::vector<std::string>& p
                 ++m_found;
         m_isDone = true;
     } catch (const std::bad_alloc&) {
-        // Then nobody knows.
+        m_isDone = false; // then nobody knows
     }
 }

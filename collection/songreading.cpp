@@ -21,7 +21,7 @@ SongReading::SongReading(std::function<void(SongFile&&)> take, unsigned threads)
         for (unsigned i = 0; i < threads; ++i)
             m_threads.emplace_back([this] { readWaiting(); });
     } catch (const std::system_error&) {
-        // Those that there are do it.
+        return; // those that there are do it
     }
 }
 

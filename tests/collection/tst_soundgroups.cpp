@@ -132,8 +132,8 @@ void TestSoundGroups::copiesAreFoundAmongOthers()
         if (i % 10 != 0)
             continue;
         const Fingerprint original = songs.last();
-        songs += {noisy(original, 0.06), noisy(original.mid(int(m_random.bounded(40))), 0.04),
-                  noisy(original, 0.2)};
+        songs +=
+            {noisy(original, 0.06), noisy(original.mid(m_random.bounded(40)), 0.04), noisy(original, 0.2)};
         expected.append({songs.size() - 4, songs.size() - 3, songs.size() - 2});
     }
     QCOMPARE(find(songs), expected);

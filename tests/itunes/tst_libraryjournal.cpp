@@ -164,7 +164,7 @@ void TestLibraryJournal::ofATornStrokeWholeLinesCount()
     for (int size = begin; size <= whole.size(); ++size) {
         const QByteArray left = whole.left(size);
         const bool atLinesEnd = size == whole.size() || whole.at(size) == '\n';
-        const int lines = int(left.mid(begin).count('\n')) + (atLinesEnd && size > begin ? 1 : 0);
+        const int lines = left.mid(begin).count('\n') + (atLinesEnd && size > begin ? 1 : 0);
         QCOMPARE(m_songs->countWith(left), 6 - lines);
         closeITunesLibrary();
     }
