@@ -4,6 +4,7 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "programrun.h"
+#include "told.h"
 
 #include <QtTest>
 
@@ -81,9 +82,7 @@ void TestAtSpi::startTalking(QProcess& process, const QString& program, const QS
 {
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_run->startBeside(process, program, arguments);
-    while (!process.canReadLine() && process.waitForReadyRead(patience))
-        continue;
-    *firstLine = QString::fromUtf8(process.readLine()).trimmed();
+    *firstLine = QString::fromUtf8(Told(process).line());
     QVERIFY2(!firstLine->isEmpty(), qPrintable(program + " says nothing"));
 }
 

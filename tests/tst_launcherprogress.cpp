@@ -1,6 +1,7 @@
 // How far long work is, as a task bar hears of it on a session bus of the test's own.
 #include "deletingmusicwaitingdlg.h"
 #include "launcherprogress.h"
+#include "told.h"
 
 #include <QDBusConnection>
 #include <QProcess>
@@ -41,13 +42,12 @@ void TestLauncherProgress::initTestCase()
     const QString daemon = QStandardPaths::findExecutable("dbus-daemon");
     if (daemon.isEmpty())
         QSKIP("dbus-daemon is not installed");
-    const QString address = "unix:path=" + m_folder.filePath("bus");
-    m_bus.start(daemon, {"--session", "--nofork", "--address=" + address});
-    QVERIFY(m_bus.waitForStarted(patience));
-    QTRY_VERIFY(QFile::exists(m_folder.filePath("bus")) || m_bus.state() == QProcess::NotRunning);
-    QVERIFY2(m_bus.state() == QProcess::Running, m_bus.readAllStandardError());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
-    QDBusConnection taskBar = QDBusConnection::connectToBus(address, "task bar");
+    m_bus.start(daemon, {"--session", "--nofork", "--address=unix:path=" + m_folder.filePath("bus"),
+                         "--print-address=1"});
+    const QByteArray address = Told(m_bus).line(); // once it listens; the socket is there before
+    QVERIFY2(!address.isEmpty(), m_bus.readAllStandardError());
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    QDBusConnection taskBar = QDBusConnection::connectToBus(QString::fromUtf8(address), "task bar");
     QVERIFY(taskBar.connect(QString(), QString(), "com.canonical.Unity.LauncherEntry", "Update", this,
                             SLOT(hear(QString, QVariantMap))));
 }
