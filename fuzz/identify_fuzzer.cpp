@@ -71,7 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const audiocore::acoustid::Lookup lookup = audiocore::acoustid::readLookup(answer);
     check(lookup.error);
     for (const std::int64_t milliseconds : {0, 200000})
-        checkIdentifier(audiocore::acoustid::chooseRecording(lookup.candidates, milliseconds));
+        if (const auto* const chosen = audiocore::acoustid::chooseRecording(lookup.candidates, milliseconds))
+            checkIdentifier(chosen->recording);
 
     const musicbrainz::Recording recording = musicbrainz::readRecording(answer);
     for (const std::string& text : {recording.title, recording.artist, recording.year(), recording.genre()})

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "audiocore/soundprint.h"
+
 #ifdef _WIN32
 #define ENGINE_DOOR __declspec(dllexport)
 #else
@@ -26,5 +28,8 @@ struct PlaybackDoor : EngineDoor<IAudioPlayer>
 struct IdentifyDoor : EngineDoor<IAudioIdentifier>
 {
     bool (*hasKey)();
+    int (*score)(const IAudioIdentifier*);
+    SoundPrintStatus (*makePrint)(const char* path, const std::atomic<bool>& isCancelled,
+                                  std::vector<std::uint32_t>& values);
 };
 } // namespace audiocore

@@ -1,6 +1,7 @@
 // The doors to the two engines, which are loaded when somebody asks for them first.
 #include "audiocore/iaudioidentifier.h"
 #include "audiocore/iaudioplayer.h"
+#include "audiocore/soundprint.h"
 #include "base/module.h"
 #include "enginedoor.h"
 
@@ -18,9 +19,10 @@ public:
     void prepare() { m_module.opened(); }
     Engine* make()
     {
-        const auto* const door = static_cast<const Door*>(m_module.opened());
+        const Door* const door = opened();
         return door ? door->make() : nullptr;
     }
+    const Door* opened() { return static_cast<const Door*>(m_module.opened()); }
     /// Null when nobody has asked for an engine: whoever has one came through the door.
     const Door* openedBefore() const { return static_cast<const Door*>(m_module.openedBefore()); }
     void destroy(Engine* engine)
@@ -71,7 +73,20 @@ bool IdentifiesBySound()
     return door && door->hasKey();
 }
 
+int IdentificationScore(const IAudioIdentifier* identifier)
+{
+    const audiocore::IdentifyDoor* const door = identify.openedBefore();
+    return door ? door->score(identifier) : 0;
+}
+
 void DestroyIdentifier(IAudioIdentifier* identifier)
 {
     identify.destroy(identifier);
+}
+
+SoundPrintStatus MakeSoundPrint(const char* path, const std::atomic<bool>& isCancelled,
+                                std::vector<std::uint32_t>& values)
+{
+    const audiocore::IdentifyDoor* const door = identify.opened();
+    return door ? door->makePrint(path, isCancelled, values) : SOUND_PRINT_NO_MODULE;
 }

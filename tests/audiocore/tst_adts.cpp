@@ -5,6 +5,7 @@
 #include "fixtures.h"
 #include "mediabytes.h"
 #include "patience.h"
+#include "sanitized.h"
 
 #include <QFile>
 #include <QProcess>
@@ -39,6 +40,8 @@ QByteArray framesOf(const QString& kind)
 /// What an independent program decodes, as a sum; empty where it cannot.
 QByteArray soundOf(const QString& path)
 {
+    if (!judgesAreAsked)
+        return {};
     QProcess ffmpeg;
     ffmpeg.start("ffmpeg", {"-v", "error", "-i", path, "-map", "0:a", "-f", "md5", "-"});
     if (!ffmpeg.waitForFinished(patience))

@@ -39,6 +39,7 @@ private slots:
     void anEmptyFrameOfAFieldIsReplaced();
     void aTagOfEmptyFramesAloneIsOne();
     void aTagOfASizeThatNoneHasIsNone();
+    void aTagBehindRubbishIsWrittenThere();
     void aTagEndsWithItsChunk();
 
 private:
@@ -130,6 +131,19 @@ void TestId3v2::aTagOfASizeThatNoneHasIsNone()
     QCOMPARE(AudioFile::write(path, {{TAG_ARTIST, QStringLiteral("Artist")}}), 0);
     QCOMPARE(AudioFile::read(path).texts, (QHash<int, QString>{{TAG_ARTIST, QStringLiteral("Artist")}}));
     QVERIFY(contentOf(path).endsWith(content));
+}
+
+void TestId3v2::aTagBehindRubbishIsWrittenThere()
+{
+    const QString path = song(frame(4, "TIT2", text("Title")), 4);
+    const QByteArray rubbish(300, 'x');
+    const QByteArray before = rubbish + contentOf(path);
+    write(path, before);
+    QCOMPARE(AudioFile::read(path).texts, (QHash<int, QString>{{TAG_TITLE, QStringLiteral("Title")}}));
+    QCOMPARE(AudioFile::write(path, {{TAG_TITLE, QStringLiteral("New")}}), 0);
+    QCOMPARE(AudioFile::read(path).texts, (QHash<int, QString>{{TAG_TITLE, QStringLiteral("New")}}));
+    QVERIFY(contentOf(path).startsWith(rubbish + "ID3"));
+    QCOMPARE(contentOf(path).count("ID3"), before.count("ID3"));
 }
 
 void TestId3v2::aTagEndsWithItsChunk()

@@ -3,6 +3,7 @@
 #include "latency.h"
 #include "parts.h"
 #include "playing.h"
+#include "sanitized.h"
 #include "sound.h"
 
 #include <QElapsedTimer>
@@ -143,9 +144,11 @@ void TestPlayer::aSeekIsExact_data()
     QTest::addColumn<int>("target");
     // All targets lie where the noise is: the tone between looks the same everywhere.
     for (const QString& kind : Fixtures::formats() + Fixtures::furtherKinds() + QStringList("mp3vbr")) {
-        for (const int target : {1010, 31333, 57205})
+        for (const int target : sanitized ? QVector<int>{31333} : QVector<int>{1010, 31333, 57205})
             QTest::addRow("%s, %d", qPrintable(kind), target) << kind << 60000 << target;
     }
+    if (sanitized) // where the engine that seeks is not watched
+        return;
     for (const char* kind : {"mp3vbr", "mp3novbr", "wma"})
         QTest::addRow("%s, near the end of a long song", kind)
             << QString(kind) << Fixtures::longSong << Fixtures::longSong - 2795;

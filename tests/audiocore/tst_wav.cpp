@@ -6,6 +6,7 @@
 #include "fixtures.h"
 #include "mediabytes.h"
 #include "patience.h"
+#include "sanitized.h"
 #include "wavfixture.h"
 
 #include <QFile>
@@ -42,13 +43,15 @@ QByteArray outputOf(const QString& program, const QStringList& arguments)
     return process.readAllStandardOutput();
 }
 
-/// What an independent program decodes, as a sum; empty where it cannot.
+/// What an independent program decodes, as a sum; empty where it cannot, or is not asked.
 QByteArray soundOf(const QString& path)
 {
+    if (!judgesAreAsked)
+        return {};
     return outputOf("ffmpeg", {"-i", path, "-map", "0:a", "-f", "md5", "-"});
 }
 
-/// What an independent program says; nothing of what it cannot read.
+/// What an independent program says; nothing of what it cannot read, or is not asked about.
 struct Judgement
 {
     int sampleRate = 0;
@@ -58,6 +61,8 @@ struct Judgement
 
 Judgement judged(const QString& path)
 {
+    if (!judgesAreAsked)
+        return {};
     const QJsonObject said =
         QJsonDocument::fromJson(outputOf("ffprobe", {"-of", "json", "-show_format", "-show_streams", path}))
             .object();
@@ -180,10 +185,12 @@ void TestWav::soundOfEveryKindIsMeasured()
     const AudioFile::Properties properties = AudioFile::properties(path);
     const Judgement judgement = judged(path);
     QCOMPARE(properties.format, int(AUDIO_FORMAT_WAV));
-    QCOMPARE(properties.sampleRate, judgement.sampleRate);
-    QVERIFY(qAbs(properties.duration - judgement.milliseconds) <= 1);
-    QVERIFY2(qAbs(properties.bitRate - judgement.bitRate) <= judgement.bitRate / 25,
-             qPrintable(QString::number(properties.bitRate)));
+    if (judgesAreAsked) {
+        QCOMPARE(properties.sampleRate, judgement.sampleRate);
+        QVERIFY(qAbs(properties.duration - judgement.milliseconds) <= 1);
+        QVERIFY2(qAbs(properties.bitRate - judgement.bitRate) <= judgement.bitRate / 25,
+                 qPrintable(QString::number(properties.bitRate)));
+    }
     if (kind == "rf64")
         return;
     const QByteArray sound = soundOf(path);

@@ -7,6 +7,8 @@
 #include <QtTest>
 
 #include <cerrno>
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 using base::NewFile;
@@ -19,6 +21,8 @@ private slots:
     void init();
     void aFileThatTakesNoPlaceGoes();
     void aNewFileIsNobodyElses();
+    void aCopyIsWholeOrNone_data();
+    void aCopyIsWholeOrNone();
     void theOriginalIsReplacedWhileItIsAsItWas();
     void anyNameIsTaken_data();
     void anyNameIsTaken();
@@ -82,6 +86,36 @@ void TestNewFile::aNewFileIsNobodyElses()
     struct stat status = {};
     QCOMPARE(::stat(at(names().first().toUtf8().constData()).c_str(), &status), 0);
     QCOMPARE(int(status.st_mode & 07777), 0600);
+}
+
+void TestNewFile::aCopyIsWholeOrNone_data()
+{
+    QTest::addColumn<int>("hole");
+    QTest::newRow("all data") << 0;
+    QTest::newRow("a hole in the middle") << (1 << 20);
+}
+
+void TestNewFile::aCopyIsWholeOrNone()
+{
+    QFETCH(int, hole);
+    write("song", QByteArray(100000, 'a'));
+    QFile song(m_folder->filePath("song"));
+    QVERIFY(song.open(QIODevice::ReadWrite) && song.seek(song.size() + hole) && song.write("end") == 3);
+    song.close();
+    const auto copy = NewFile::beside(at("song"), NewFile::Content::Copied, m_error);
+    QVERIFY(copy);
+    std::string bytes(std::size_t(song.size()) + 1, '-');
+    bytes.resize(base::readAt(copy->file(), 0, bytes.data(), bytes.size()));
+    QVERIFY(QByteArray::fromStdString(bytes) == read("song"));
+
+    std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes ends writes as a full disk does
+    rlimit limit = {};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit small{rlim_t(50000), limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const auto none = NewFile::beside(at("song"), NewFile::Content::Copied, m_error);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    QVERIFY(!none);
 }
 
 void TestNewFile::theOriginalIsReplacedWhileItIsAsItWas()

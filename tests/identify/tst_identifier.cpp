@@ -1,6 +1,7 @@
 // The identifier as callers use it, by slot number, too.
 #include "audiocore/iaudioidentifier.h"
 #include "audiofile.h"
+#include "base/text.h"
 #include "fixtures.h"
 #include "identifyserver.h"
 #include "vtableslot.h"
@@ -37,6 +38,8 @@ private slots:
     void nothingIsFoundBeforeIdentify();
     void closingDropsTheItems();
     void aPathThatIsNoTextIsNoFile();
+    void aNameThatIsNoTextIsAFileAllTheSame();
+    void howGoodTheMatchIsIsTold();
     void anIdentifierServesOneFileAfterTheOther();
     void noneIsDestroyedWithoutHarm();
     void twoWorkAtOnceAndShareThePace();
@@ -155,6 +158,50 @@ void TestIdentifier::aPathThatIsNoTextIsNoFile()
         QVERIFY(identifier->Identify(1, 1, 3) != 0);
         QCOMPARE(identifier->GetStatus(), int(IDENTIFY_NO_FILE));
     }
+    DestroyIdentifier(identifier);
+}
+
+void TestIdentifier::aNameThatIsNoTextIsAFileAllTheSame()
+{
+    IdentifyServer server;
+    server.putIntoEnvironment();
+    const QTemporaryDir folder;
+    const QByteArray copy = QFile::encodeName(Fixtures::copyTone("mp3", folder.path(), "odd"));
+    const QByteArray odd = QFile::encodeName(folder.path()) + "/Ida Marlowe - Midnight Ferry\xFF.mp3";
+    QCOMPARE(std::rename(copy.constData(), odd.constData()), 0);
+    IAudioIdentifier* identifier = CreateIdentifier();
+    const std::u32string name = U"/Ida Marlowe - Midnight Ferry\xDCFF.mp3";
+    QCOMPARE(identifier->Open((folder.path().toStdU32String() + name).c_str()), 0);
+    QCOMPARE(identifier->Identify(1, 1, 3), 0);
+    QCOMPARE(identifier->GetStatus(), int(IDENTIFY_FOUND));
+    server.setAnswer(IdentifyServer::AcoustId, IdentifyServer::emptyLookupAnswer());
+    QCOMPARE(identifier->Identify(1, 1, 3), 0);
+    QCOMPARE(identifier->GetStatus(), int(IDENTIFY_FOUND_BY_TAGS));
+    QVERIFY(
+        base::isUtf8(QByteArray::fromPercentEncoding(server.requests(IdentifyServer::Search).last().target)
+                         .toStdString()));
+    DestroyIdentifier(identifier);
+    QCOMPARE(std::remove(odd.constData()), 0);
+}
+
+void TestIdentifier::howGoodTheMatchIsIsTold()
+{
+    IdentifyServer server;
+    server.putIntoEnvironment();
+    const QTemporaryDir folder;
+    const QString path = Fixtures::copyTone("mp3", folder.path(), "Ida Marlowe - Midnight Fery");
+    IAudioIdentifier* identifier = CreateIdentifier();
+    QCOMPARE(IdentificationScore(identifier), 0);
+    identifier->Open(path.toStdU32String().c_str());
+    QCOMPARE(identifier->Identify(1, 1, 3), 0);
+    QCOMPARE(IdentificationScore(identifier), 98); // of the service
+    server.setAnswer(IdentifyServer::AcoustId, IdentifyServer::emptyLookupAnswer());
+    QCOMPARE(identifier->Identify(1, 1, 3), 0);
+    QVERIFY(IdentificationScore(identifier) > 84 && IdentificationScore(identifier) < 100);
+    identifier->Open(U"/no/such/song.mp3");
+    QCOMPARE(IdentificationScore(identifier), 0);
+    QVERIFY(identifier->Identify(1, 1, 3) != 0);
+    QCOMPARE(IdentificationScore(identifier), 0);
     DestroyIdentifier(identifier);
 }
 

@@ -14,7 +14,8 @@ const std::string three = "33333333-3333-4333-8333-333333333333";
 
 QString chosen(const std::vector<acoustid::Candidate>& candidates, int milliseconds = 200000)
 {
-    return QString::fromStdString(acoustid::chooseRecording(candidates, milliseconds));
+    const acoustid::Candidate* const best = acoustid::chooseRecording(candidates, milliseconds);
+    return best ? QString::fromStdString(best->recording) : QString();
 }
 
 QString text(const std::string& id)

@@ -5,8 +5,20 @@
 
 #include <QCoreApplication>
 #include <QDirIterator>
+#include <QFileInfo>
+#include <QHash>
 
 namespace {
+/// As music programs call it.
+QByteArray kindOf(const QString& path)
+{
+    static const QHash<QString, QByteArray> kinds = {
+        {"mp3", "MPEG audio file"},  {"m4a", "AAC audio file"},          {"aac", "AAC audio file"},
+        {"flac", "FLAC audio file"}, {"wav", "WAV audio file"},          {"ogg", "Ogg Vorbis file"},
+        {"ape", "APE audio file"},   {"wma", "Windows Media audio file"}};
+    return kinds.value(QFileInfo(path).suffix().toLower(), "audio file");
+}
+
 Fixtures::ITunesTrack trackOf(const QString& path, int number)
 {
     const AudioFile::Content content = AudioFile::read(path);
@@ -19,6 +31,8 @@ Fixtures::ITunesTrack trackOf(const QString& path, int number)
     track.genre = text(TAG_GENRE);
     track.year = content.texts.value(TAG_YEAR).toULongLong();
     track.trackNumber = content.texts.value(TAG_TRACK).toULongLong();
+    track.size = quint64(QFileInfo(path).size());
+    track.kind = kindOf(path);
     track.duration = quint64(qMax(properties.duration, 0));
     track.bitRate = quint64(qMax(properties.bitRate, 0)) / 1000;
     return track;

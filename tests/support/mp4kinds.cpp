@@ -61,7 +61,7 @@ QByteArray keyed()
         return item(Mp4::number(number), 1, text);
     };
     return handler("mdta") + atom("keys", number(0) + number(3) + keys) +
-           atom("ilst", value(1, "Old") + value(2, "Singer") + value(3, "Calm"));
+           atom("ilst", value(0, "No key") + value(1, "Old") + value(2, "Singer") + value(3, "Calm"));
 }
 
 void addRoom(QList<Kind>& kinds, const QByteArray& song)

@@ -7,3 +7,7 @@ constexpr bool sanitized = true;
 #else
 constexpr bool sanitized = false;
 #endif
+
+/// Whether other programs are asked what they hear in a file that was written. Starting one takes longer than
+/// what is tested, and the bytes that it judges are the same in both builds.
+constexpr bool judgesAreAsked = !sanitized;

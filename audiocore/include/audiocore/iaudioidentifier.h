@@ -31,7 +31,7 @@ enum IdentifyStatus : std::int32_t {
 class IAudioIdentifier
 {
 public:
-    /// Slot 0. Takes the file at `path`, zero-terminated UTF-32; nothing is read yet. Drops the items and the
+    /// Slot 0. Takes the file at `path`, as IAudioTag takes it; nothing is read yet. Drops the items and the
     /// status of the last run.
     virtual std::int32_t Open(const char32_t* path) = 0;
     /// Slots 1 and 2, not called.
@@ -61,6 +61,9 @@ IAudioIdentifier* CreateIdentifier();
 /// Whether there is an application key to identify by sound with; false before the first CreateIdentifier.
 /// Reads a file. Any thread.
 bool IdentifiesBySound();
+/// How good the match is that the last run found, 0 to 100: what the service thinks of the sound, or how well
+/// the recording fits the tags; 0 where nothing was found. The rules of IAudioIdentifier about threads hold.
+int IdentificationScore(const IAudioIdentifier* identifier);
 /// Frees an identifier and its items; null is allowed. No call on it may be under way or follow, Cancel
 /// included.
 void DestroyIdentifier(IAudioIdentifier* identifier);

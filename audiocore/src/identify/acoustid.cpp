@@ -73,12 +73,13 @@ acoustid::Lookup acoustid::readLookup(const std::string& answer)
     return lookup;
 }
 
-std::string acoustid::chooseRecording(const std::vector<Candidate>& candidates, std::int64_t milliseconds)
+const acoustid::Candidate* acoustid::chooseRecording(const std::vector<Candidate>& candidates,
+                                                     std::int64_t milliseconds)
 {
     const double seconds = double(milliseconds) / 1000;
     const Candidate* best = nullptr;
     for (const Candidate& candidate : candidates)
         if (isMatch(candidate, seconds) && (!best || isBetter(candidate, *best)))
             best = &candidate;
-    return best ? best->recording : std::string();
+    return best;
 }

@@ -30,6 +30,6 @@ struct Lookup
 HttpRequest lookupRequest(const ServiceAddresses& addresses, const Fingerprint& fingerprint);
 Lookup readLookup(const std::string& answer);
 /// The candidate with the best score above 0.6 whose length lies within 7 seconds of the file's, of equal
-/// scores the one with the most sources; its recording, empty when there is none.
-std::string chooseRecording(const std::vector<Candidate>& candidates, std::int64_t milliseconds);
+/// scores the one with the most sources; null when there is none.
+const Candidate* chooseRecording(const std::vector<Candidate>& candidates, std::int64_t milliseconds);
 } // namespace audiocore::acoustid

@@ -154,6 +154,7 @@ DecodedPart audiocore::decodeBeginning(const std::string& path, int seconds, int
         part.milliseconds = demuxer->duration > 0 ? demuxer->duration / (AV_TIME_BASE / 1000)
                                                   : base::checked::scaled(limited.total(), 1000, sampleRate);
     }
+    part.isCutShort = !limited.isFull() && input.isInterrupted();
     if (cancellation.isCancelled()) {
         part.result = Decoding::Cancelled;
     } else if (limited.total() > 0) {

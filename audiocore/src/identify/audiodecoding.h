@@ -20,6 +20,8 @@ struct DecodedPart
     Decoding result = Decoding::NoAudio;
     /// The whole file's length as its container tells it, or as it is found by decoding to the end.
     std::int64_t milliseconds = 0;
+    /// Whether there may be more that is wanted, and decoding it was given up.
+    bool isCutShort = false;
 };
 
 /// Receives signed 16-bit samples of one channel.

@@ -23,6 +23,8 @@ bool Cancellation::isCancelled() const
 {
     if (m_with)
         return m_with->isCancelled() || Clock::now() >= m_end;
+    if (m_flag && *m_flag)
+        return true;
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_cancelled;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -16,6 +17,9 @@ public:
     /// come.
     Cancellation(const Cancellation& with, Clock::time_point end) : m_with(&with), m_end(end) {}
 
+    /// Is cancelled with the flag, which outlives it and wakes nobody who sleeps, or by cancel().
+    explicit Cancellation(const std::atomic<bool>& flag) : m_flag(&flag) {}
+
     void cancel();
     void clear();
     bool isCancelled() const;
@@ -26,6 +30,7 @@ public:
 
 private:
     const Cancellation* const m_with = nullptr;
+    const std::atomic<bool>* const m_flag = nullptr;
     const Clock::time_point m_end;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;

@@ -9,6 +9,8 @@
 #include "identify/musicbrainz.h"
 #include "identify/recordingquery.h"
 
+#include <algorithm>
+
 using audiocore::Cancellation;
 using audiocore::Decoding;
 using audiocore::Fingerprint;
@@ -103,8 +105,15 @@ void refuse(const char* name, const HttpAnswer& answer, const std::string& error
     throw Failure{IDENTIFY_NOT_UNDERSTOOD, std::string(name) + "'s answer makes no sense"};
 }
 
-/// The identifier of the recording that sounds like it.
-std::string lookUp(const Services& services, const Fingerprint& fingerprint, const Cancellation& cancellation)
+/// A recording that the file may be of.
+struct Match
+{
+    std::string recording; ///< its identifier; empty for none
+    double score = 0;      ///< 0 to 1
+};
+
+/// The recording that sounds like it.
+Match lookUp(const Services& services, const Fingerprint& fingerprint, const Cancellation& cancellation)
 {
     namespace acoustid = audiocore::acoustid;
     const HttpAnswer answer =
@@ -115,10 +124,11 @@ std::string lookUp(const Services& services, const Fingerprint& fingerprint, con
         refuse("AcoustID", answer, lookup.error);
     if (!lookup.understood)
         failToUnderstand("AcoustID");
-    std::string recording = acoustid::chooseRecording(lookup.candidates, fingerprint.milliseconds);
-    if (recording.empty())
+    const acoustid::Candidate* const best =
+        acoustid::chooseRecording(lookup.candidates, fingerprint.milliseconds);
+    if (!best)
         throw Failure{IDENTIFY_NO_MATCH, "AcoustID knows no such recording"};
-    return recording;
+    return {best->recording, best->score};
 }
 
 /// What MusicBrainz answers when it does not refuse.
@@ -239,29 +249,26 @@ void addPicture(Identification& found, const std::string& path, const Services& 
     }
 }
 
-/// The identifier of the recording by its sound.
-std::string recordingBySound(const std::string& path, const Services& services,
-                             const Cancellation& cancellation)
+Match matchBySound(const std::string& path, const Services& services, const Cancellation& cancellation)
 {
     if (services.addresses.key.empty())
         throw Failure{IDENTIFY_NO_KEY, "there is no application key for AcoustID"};
     return lookUp(services, fingerprint(path, services, cancellation), cancellation);
 }
 
-/// The identifier of the recording by what the file says of itself; empty when none fits.
-std::string recordingByTags(const std::string& path, const Services& services,
-                            const Cancellation& cancellation)
+/// By what the file says of itself.
+Match matchByTags(const std::string& path, const Services& services, const Cancellation& cancellation)
 {
     const audiocore::SongHints hints = audiocore::hintsOf(path);
     const std::string query = audiocore::recordingQuery(hints);
     if (query.empty())
-        return std::string();
+        return {};
     const musicbrainz::Search search = musicbrainz::readSearch(
         metadata(services, musicbrainz::searchRequest(services.addresses, query), cancellation));
     if (!search.understood)
         failToUnderstand("MusicBrainz");
     const musicbrainz::FoundRecording* const found = audiocore::chooseFitting(search.recordings, hints);
-    return found ? found->id : std::string();
+    return found ? Match{found->id, audiocore::fitOf(*found, hints)} : Match();
 }
 
 /// Whether a failure of identifying by sound leaves the other way open.
@@ -271,20 +278,20 @@ bool leavesTags(const Failure& failure)
            failure.status == IDENTIFY_TOO_SHORT || failure.status == IDENTIFY_NO_MATCH;
 }
 
-/// The identifier of the recording; notes by the status which way it was found.
-std::string recordingOf(const std::string& path, const Services& services, const Cancellation& cancellation,
-                        IdentifyStatus& status)
+/// Notes by the status which way it was found.
+Match matchOf(const std::string& path, const Services& services, const Cancellation& cancellation,
+              IdentifyStatus& status)
 {
     status = IDENTIFY_FOUND;
     try {
-        return recordingBySound(path, services, cancellation);
+        return matchBySound(path, services, cancellation);
     } catch (const Failure& failure) {
         if (!leavesTags(failure))
             throw;
         status = IDENTIFY_FOUND_BY_TAGS;
-        std::string recording = recordingByTags(path, services, cancellation);
-        if (!recording.empty())
-            return recording;
+        Match match = matchByTags(path, services, cancellation);
+        if (!match.recording.empty())
+            return match;
         if (failure.reason.empty())
             throw;
         throw Failure{failure.status, failure.reason + ", and no known recording fits what its tags say"};
@@ -296,8 +303,9 @@ Identification identify(const std::string& path, const Services& services, const
     if (path.empty() || !isFile(path))
         throw Failure{IDENTIFY_NO_FILE, path.empty() ? "no file is open" : "it is no file that can be read"};
     Identification found;
-    const std::string id = recordingOf(path, services, cancellation, found.status);
-    const musicbrainz::Recording recording = describe(services, id, cancellation);
+    const Match match = matchOf(path, services, cancellation, found.status);
+    found.score = std::clamp(match.score, 0.0, 1.0); // the service may say anything
+    const musicbrainz::Recording recording = describe(services, match.recording, cancellation);
     addTexts(found, recording);
     addPicture(found, path, services, recording.release ? recording.release->id : "", cancellation);
     return found;

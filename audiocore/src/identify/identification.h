@@ -14,6 +14,7 @@ struct Identification
     IdentifyStatus status = IDENTIFY_NOT_RUN;
     std::array<std::u32string, TAG_TRACK + 1> texts; ///< by TagItemType, empty when absent
     std::string picture;                             ///< the picture file's bytes, empty when absent
+    double score = 0; ///< how good the match is, 0 to 1: the service's for the sound, the fit of the tags
 };
 
 /// Identifies the file at the path by its sound, or else, where there is no key for that or nothing that

@@ -1,9 +1,15 @@
 #include "audiocore/iaudioidentifier.h"
 
+#include "audiocore/soundprint.h"
+#include "base/log.h"
 #include "base/registry.h"
 #include "base/text.h"
 #include "enginedoor.h"
+#include "identify/fingerprint.h"
 #include "identify/identifyjob.h"
+
+#include <cmath>
+#include <exception>
 
 using audiocore::Identification;
 using audiocore::IdentifyJob;
@@ -27,9 +33,9 @@ class Identifier final : public IAudioIdentifier
 public:
     std::int32_t Open(const char32_t* path) override
     {
-        const std::optional<std::string> utf8 = base::toUtf8(path ? path : U"");
-        job()->open(utf8.value_or(std::string()));
-        return utf8 && !utf8->empty() ? 0 : 1;
+        const std::optional<std::string> name = base::nameFromUtf32(path ? path : U"");
+        job()->open(name.value_or(std::string()));
+        return name && !name->empty() ? 0 : 1;
     }
     void Reserved1() override {}
     void Reserved2() override {}
@@ -80,11 +86,47 @@ void destroyIdentifier(IAudioIdentifier* identifier)
         ::operator delete(identifier);
 }
 
+int scoreOf(const IAudioIdentifier* identifier)
+{
+    return int(std::lround(100 * Jobs::instance().of(identifier)->found().score));
+}
+
 bool hasKey()
 {
     return !audiocore::configuredAddresses().key.empty();
 }
+
+SoundPrintStatus statusOf(const audiocore::RawFingerprint& made)
+{
+    switch (made.result) {
+    case audiocore::Decoding::Done:
+        return made.values.empty() ? SOUND_PRINT_TOO_SHORT : SOUND_PRINT_MADE;
+    case audiocore::Decoding::Cancelled:
+        return SOUND_PRINT_CANCELLED;
+    case audiocore::Decoding::Unreadable:
+        return SOUND_PRINT_NO_FILE;
+    case audiocore::Decoding::NoAudio:
+        break;
+    }
+    return SOUND_PRINT_NO_AUDIO;
+}
+
+SoundPrintStatus makePrint(const char* path, const std::atomic<bool>& isCancelled,
+                           std::vector<std::uint32_t>& values)
+{
+    try {
+        audiocore::RawFingerprint made =
+            audiocore::rawFingerprintOf(path, audiocore::Cancellation(isCancelled));
+        const SoundPrintStatus status = statusOf(made);
+        values.swap(made.values);
+        return status;
+    } catch (const std::exception& fault) {
+        base::logFailure(path, "no fingerprint can be made", fault.what());
+        return SOUND_PRINT_NO_MEMORY;
+    }
+}
 } // namespace
 
 extern "C" ENGINE_DOOR const audiocore::IdentifyDoor melodriftIdentify;
-const audiocore::IdentifyDoor melodriftIdentify = {{makeIdentifier, destroyIdentifier}, hasKey};
+const audiocore::IdentifyDoor melodriftIdentify = {
+    {makeIdentifier, destroyIdentifier}, hasKey, scoreOf, makePrint};

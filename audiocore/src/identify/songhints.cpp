@@ -1,5 +1,6 @@
 #include "identify/songhints.h"
 
+#include "base/text.h"
 #include "identify/cleantext.h"
 #include "identify/foldedtext.h"
 #include "tags/parsedmedia.h"
@@ -67,6 +68,6 @@ audiocore::SongHints audiocore::hintsOf(const std::string& path)
     const auto media = parsedMedia(path);
     const auto& texts = media->content.texts;
     const auto text = [&texts](TagItemType type) { return cleanText(texts[std::size_t(type)]); };
-    return {completed({text(TAG_TITLE), text(TAG_ARTIST), text(TAG_ALBUM)}, path),
+    return {completed({text(TAG_TITLE), text(TAG_ARTIST), text(TAG_ALBUM)}, base::shownName(path)),
             media->properties.milliseconds};
 }

@@ -6,6 +6,9 @@
 namespace audiocore::flac {
 constexpr unsigned int headSize = 4;
 constexpr unsigned int largestBlock = (1u << 24) - 1;
+/// Where the block that describes the stream says its rate, its channels and the bits of a sample.
+constexpr unsigned int ratesPlace = 10;
+constexpr unsigned int ratesSize = 4;
 constexpr char lastBlock = char(0x80);
 
 enum Kind { StreamInfo = 0, Padding = 1, Comment = 4, Picture = 6 };

@@ -134,16 +134,16 @@ Frame adtsFrame(const unsigned char* h)
     return frame;
 }
 
-struct Kind
+struct StreamKind
 {
     Frame (*parse)(const unsigned char*);
     int headerSize;
 };
 
-constexpr Kind mp3{mp3Frame, 4};
-constexpr Kind adts{adtsFrame, 7};
+constexpr StreamKind mp3{mp3Frame, 4};
+constexpr StreamKind adts{adtsFrame, 7};
 
-Frame frameAt(Window& window, const Kind& kind, long position)
+Frame frameAt(Window& window, const StreamKind& kind, long position)
 {
     const unsigned char* header = window.at(position, kind.headerSize);
     return header ? kind.parse(header) : Frame();
@@ -151,7 +151,7 @@ Frame frameAt(Window& window, const Kind& kind, long position)
 
 /// Whether so many frames of one stream follow one another from there on; of two the second one may be
 /// missing where the stream ends.
-bool startsStream(Window& window, const Kind& kind, long position, int frames)
+bool startsStream(Window& window, const StreamKind& kind, long position, int frames)
 {
     const Frame first = frameAt(window, kind, position);
     Frame frame = first;
@@ -168,7 +168,7 @@ bool startsStream(Window& window, const Kind& kind, long position, int frames)
 
 /// Where the first frame starts that others of the same stream, or the stream's end, follow; -1 when there is
 /// none.
-long firstFrame(Window& window, const Kind& kind, long begin, long searchLength)
+long firstFrame(Window& window, const StreamKind& kind, long begin, long searchLength)
 {
     const long last = std::min(window.end(), begin + searchLength);
     for (long position = begin; (position = window.findSync(position, last)) < last; ++position)
@@ -232,7 +232,7 @@ bool byHeader(Window& window, long position, const Frame& frame, MpegStream& res
     return false;
 }
 
-MpegStream byWalking(Window& window, const Kind& kind, long position)
+MpegStream byWalking(Window& window, const StreamKind& kind, long position)
 {
     const Frame first = frameAt(window, kind, position);
     const long begin = position;

@@ -61,6 +61,8 @@ unsigned int headersOf(const OggStream& stream)
 }
 
 constexpr unsigned int headOfPacket = 8;
+/// In the first packet of FLAC, which has the block that describes the stream at its end.
+constexpr unsigned int flacRatesPlace = 17 + flac::ratesPlace;
 
 /// Whether a further block follows the one with this head in FLAC.
 bool goesOn(const ByteVector& head)
@@ -108,14 +110,13 @@ std::optional<unsigned int> commentPlace(OggCodec codec, const ByteVector& begin
 std::int32_t OggStream::sampleRate() const
 {
     constexpr std::int32_t opusRate = 48000;
-    constexpr unsigned int flacPlace = 27; // 20 bits
     switch (codec) {
     case OggCodec::Vorbis:
         return std::int32_t(head.toUInt(12u, false));
     case OggCodec::Opus:
         return opusRate;
     case OggCodec::Flac:
-        return std::int32_t(head.toUInt(flacPlace) >> 12);
+        return std::int32_t(head.toUInt(flacRatesPlace) >> 12); // 20 bits
     case OggCodec::Speex:
         return std::int32_t(head.toUInt(36u, false));
     case OggCodec::Other:
@@ -189,4 +190,34 @@ std::vector<ByteVector> audiocore::possibleComments(CheckedStream& stream, const
         return any.codec == OggCodec::Flac;
     });
     return comments;
+}
+
+long audiocore::eachSetup(CheckedStream& stream, const OggStream& music, long mostBytes,
+                          const std::function<void(long begin, long size)>& tell)
+{
+    OggPackets packets(stream, music.begin, music.serial);
+    long behind = 0;
+    const auto take = [&](const OggPacket& packet, bool isSetup) {
+        for (std::size_t i = 0; i < packet.pieces.size(); ++i) {
+            const auto [first, place] = packet.pieces[i];
+            const unsigned int next = i + 1 < packet.pieces.size() ? packet.pieces[i + 1].first : packet.size;
+            behind = place + long(next - first);
+            if (isSetup)
+                tell(place, long(next - first));
+        }
+    };
+    const bool isFlac = music.codec == OggCodec::Flac;
+    OggPackets first(stream, music.begin, music.serial);
+    if (const std::optional<OggPacket> packet = first.next(mostBytes)) {
+        if (isFlac)
+            tell(packet->pieces.front().second + long(flacRatesPlace), long(flac::ratesSize));
+        take(*packet, !isFlac);
+    }
+    music.eachHeader(packets, mostBytes, [&](const OggPacket& packet) {
+        take(packet, !isFlac && !commentPlace(music.codec, packets.bytesOf(packet, 0, headOfPacket)));
+        return true;
+    });
+    const long end = packets.page().end;
+    tell(behind, end - behind);
+    return end;
 }

@@ -38,4 +38,8 @@ const OggStream* musicAmong(const std::vector<OggStream>& streams);
 std::optional<TagLib::ByteVector> oggComment(CheckedStream& stream, const OggStream& music, long mostBytes);
 /// What decoders take for a comment in the header packets, be the stream music or not.
 std::vector<TagLib::ByteVector> possibleComments(CheckedStream& stream, const OggStream& any, long mostBytes);
+/// Tells of the parts of the header packets that set a decoder up, without the comment. Where the page ends
+/// on which the last header packet does; what there is behind that packet is told of, too.
+long eachSetup(CheckedStream& stream, const OggStream& music, long mostBytes,
+               const std::function<void(long begin, long size)>& tell);
 } // namespace audiocore

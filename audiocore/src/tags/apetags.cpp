@@ -44,5 +44,5 @@ std::unique_ptr<TaggedFile> openApe(CheckedStream& stream, long)
 } // namespace
 
 namespace audiocore {
-extern const TagKind apeTags{openApe, nullptr};
+extern const TagKind apeTags{openApe, nullptr, nullptr};
 } // namespace audiocore

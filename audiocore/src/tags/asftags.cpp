@@ -3,6 +3,7 @@
 #include "media/checkedstream.h"
 #include "tags/asfbytes.h"
 #include "tags/asfobjects.h"
+#include "tags/musicplaces.h"
 #include "tags/soundview.h"
 #include "tags/tagkind.h"
 #include "tags/taglimits.h"
@@ -29,6 +30,12 @@ using audiocore::TagReading;
 using TagLib::ByteVector;
 
 namespace {
+const ByteVector& dataId()
+{
+    static const ByteVector id("\x36\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", 16);
+    return id;
+}
+
 /// The header, which says its own size.
 audiocore::Place headerOf(CheckedStream& stream)
 {
@@ -144,7 +151,6 @@ std::unique_ptr<TaggedFile> openAsf(CheckedStream& stream, long)
 /// The objects of fields become unknown ones; those inside the header's extension are looked at, too.
 bool hideInAsf(CheckedStream& stream, long audioBegin, SoundView& view)
 {
-    static const ByteVector data("\x36\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", 16);
     constexpr long headSize = 24;
     constexpr long headerHead = headSize + 6;
     constexpr long extensionHead = headSize + 22;
@@ -153,7 +159,7 @@ bool hideInAsf(CheckedStream& stream, long audioBegin, SoundView& view)
         const ByteVector id = head.mid(0, 16);
         const asf::Kind kind = asf::kindOf(id);
         const std::int64_t size = long(head.size()) < headSize ? 0 : head.toLongLong(16, false);
-        if (id == data || size < headSize)
+        if (id == dataId() || size < headSize)
             return true;
         if (asf::isOfFields(kind))
             view.show(position, "----");
@@ -161,8 +167,26 @@ bool hideInAsf(CheckedStream& stream, long audioBegin, SoundView& view)
                                                 : long(base::checked::sum(position, size));
     }
 }
+
+/// The packets of the object behind the header.
+bool findInAsf(CheckedStream& stream, long audioBegin, long end, audiocore::MusicPlaces& places)
+{
+    constexpr long sizePlace = 16;
+    constexpr long dataHead = 50;
+    const auto sizeAt = [&stream](std::int64_t object) {
+        return stream.readAt(long(object) + sizePlace, 8).toLongLong(0u, false);
+    };
+    const std::int64_t data = base::checked::sum(audioBegin, sizeAt(audioBegin));
+    if (data < audioBegin || data >= end || stream.readAt(long(data), 16) != dataId())
+        return false;
+    const std::int64_t size = sizeAt(data);
+    const std::int64_t dataEnd =
+        size > dataHead ? std::min<std::int64_t>(base::checked::sum(data, size), end) : end;
+    places.add(data + dataHead, dataEnd);
+    return data + dataHead < dataEnd;
+}
 } // namespace
 
 namespace audiocore {
-extern const TagKind asfTags{openAsf, hideInAsf};
+extern const TagKind asfTags{openAsf, hideInAsf, findInAsf};
 } // namespace audiocore

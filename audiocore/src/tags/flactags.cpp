@@ -4,6 +4,7 @@
 #include "media/taglibtypes.h"
 #include "tags/commentbytes.h"
 #include "tags/flacblocks.h"
+#include "tags/musicplaces.h"
 #include "tags/soundview.h"
 #include "tags/tagkind.h"
 #include "tags/taglimits.h"
@@ -16,6 +17,7 @@
 #include <taglib/id3v2tag.h>
 #include <taglib/xiphcomment.h>
 
+#include <functional>
 #include <optional>
 
 namespace flac = audiocore::flac;
@@ -131,24 +133,49 @@ std::unique_ptr<TaggedFile> openFlac(CheckedStream& stream, long audioBegin)
     return std::make_unique<FlacTags>(stream, audioBegin);
 }
 
-/// All blocks but the one that describes the stream look like padding.
-bool hideInFlac(CheckedStream& stream, long audioBegin, SoundView& view)
+/// Tells of the heads of all blocks. Where the music begins; nothing where the file ends before.
+std::optional<long> eachBlock(CheckedStream& stream, long audioBegin,
+                              const std::function<void(long position, const ByteVector& head)>& tell)
 {
     long position = audioBegin + 4;
     for (bool last = false; !last;) {
         const ByteVector head = stream.readAt(position, flac::headSize);
         if (head.size() < flac::headSize)
-            return true;
+            return std::nullopt;
         last = flac::isLast(head);
-        const char shown = char(flac::Padding | (last ? flac::lastBlock : 0));
-        if (flac::kindOf(head) != flac::StreamInfo)
-            view.show(position, {&shown, 1});
+        tell(position, head);
         position += long(flac::headSize + flac::sizeOf(head));
     }
+    return position;
+}
+
+/// All blocks but the one that describes the stream look like padding.
+bool hideInFlac(CheckedStream& stream, long audioBegin, SoundView& view)
+{
+    eachBlock(stream, audioBegin, [&view](long position, const ByteVector& head) {
+        const char shown = char(flac::Padding | (flac::isLast(head) ? flac::lastBlock : 0));
+        if (flac::kindOf(head) != flac::StreamInfo)
+            view.show(position, {&shown, 1});
+    });
+    return true;
+}
+
+/// What else describes the stream, its length and checksum, not every encoder knows.
+bool findInFlac(CheckedStream& stream, long audioBegin, long end, audiocore::MusicPlaces& places)
+{
+    const auto music = eachBlock(stream, audioBegin, [&places](long position, const ByteVector& head) {
+        if (flac::kindOf(head) == flac::StreamInfo) {
+            const long rates = position + long(flac::headSize + flac::ratesPlace);
+            places.add(rates, rates + long(flac::ratesSize));
+        }
+    });
+    if (!music || *music >= end)
+        return false;
+    places.add(*music, end);
     return true;
 }
 } // namespace
 
 namespace audiocore {
-extern const TagKind flacTags{openFlac, hideInFlac};
+extern const TagKind flacTags{openFlac, hideInFlac, findInFlac};
 } // namespace audiocore

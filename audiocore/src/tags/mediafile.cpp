@@ -13,9 +13,7 @@ namespace id3v2 = audiocore::id3v2;
 using audiocore::MediaFile;
 using TagLib::ByteVector;
 
-namespace {
-/// Where the file goes on behind the ID3v2 tags at its beginning.
-long behindId3v2(audiocore::CheckedStream& stream)
+long audiocore::behindId3v2(CheckedStream& stream)
 {
     constexpr int mostTags = 8;
     long position = 0;
@@ -28,8 +26,6 @@ long behindId3v2(audiocore::CheckedStream& stream)
     }
     return position;
 }
-} // namespace
-
 MediaFile audiocore::openMedia(CheckedStream& stream)
 {
     MediaFile media;

@@ -18,6 +18,8 @@ struct MediaFile
     std::unique_ptr<TaggedFile> file;
 };
 
+/// Where the file goes on behind the ID3v2 tags at its beginning.
+long behindId3v2(CheckedStream& stream);
 /// The stream must outlive what is returned. The format is unknown when it holds no music.
 MediaFile openMedia(CheckedStream& stream);
 } // namespace audiocore

@@ -1,10 +1,16 @@
 // Tags of MP4: lists of items, and plain texts.
 #include "media/checkedstream.h"
+#include "media/mp4atoms.h"
 #include "tags/mp4file.h"
 #include "tags/mp4writing.h"
+#include "tags/musicplaces.h"
 #include "tags/tagkind.h"
 #include "tags/tagreading.h"
+#include "tags/tagsource.h"
 #include "tags/tagwriting.h"
+
+#include <string>
+#include <vector>
 
 using audiocore::CheckedStream;
 using audiocore::FileEdits;
@@ -53,8 +59,27 @@ bool hideInMp4(CheckedStream& stream, long, audiocore::SoundView&)
     stream.seek(0);
     return audiocore::Mp4File(stream).isBounded();
 }
+
+/// Tables of places are left out: these change with the size of what stands before the media data.
+bool findInMp4(CheckedStream& stream, long, long, audiocore::MusicPlaces& places)
+{
+    using Path = std::vector<std::string>;
+    stream.seek(0);
+    audiocore::TagSource source(stream);
+    const audiocore::Mp4Atoms atoms(source, audiocore::Mp4Atoms::Fragments::Enter);
+    const auto add = [&](const Path& path) {
+        for (const audiocore::Mp4Atom* const atom : atoms.findAll(path))
+            places.add(atom->content(), atom->end());
+    };
+    add({"mdat"});
+    const bool hasMusic = places.bytes() > 0;
+    for (const char* const table : {"stsd", "stts", "stsz", "stz2", "stsc"})
+        add({"moov", "trak", "mdia", "minf", "stbl", table});
+    add({"moof", "traf", "trun"});
+    return hasMusic && atoms.areBounded();
+}
 } // namespace
 
 namespace audiocore {
-extern const TagKind mp4Tags{openMp4, hideInMp4};
+extern const TagKind mp4Tags{openMp4, hideInMp4, findInMp4};
 } // namespace audiocore

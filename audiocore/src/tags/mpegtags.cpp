@@ -127,6 +127,6 @@ std::unique_ptr<TaggedFile> openAdts(CheckedStream& stream, long audioBegin)
 } // namespace
 
 namespace audiocore {
-extern const TagKind mp3Tags{openMp3, nullptr};
-extern const TagKind adtsTags{openAdts, nullptr};
+extern const TagKind mp3Tags{openMp3, nullptr, nullptr};
+extern const TagKind adtsTags{openAdts, nullptr, nullptr};
 } // namespace audiocore

@@ -4,6 +4,7 @@
 #include "media/oggsound.h"
 #include "media/oggstream.h"
 #include "tags/commentbytes.h"
+#include "tags/musicplaces.h"
 #include "tags/soundview.h"
 #include "tags/tagkind.h"
 #include "tags/taglimits.h"
@@ -185,8 +186,27 @@ bool hideInOgg(CheckedStream& stream, long audioBegin, audiocore::SoundView&)
         return std::any_of(comments.begin(), comments.end(), isOutOfBounds);
     });
 }
+
+/// The pages themselves are counted, and so change with the size of the comment.
+bool findInOgg(CheckedStream& stream, long audioBegin, long end, audiocore::MusicPlaces& places)
+{
+    const std::vector<OggStream> streams = audiocore::oggStreams(stream, audioBegin);
+    const OggStream* const music = audiocore::musicAmong(streams);
+    if (!music)
+        return false;
+    long position =
+        audiocore::eachSetup(stream, *music, audiocore::mostTagBytes,
+                             [&places](long begin, long size) { places.add(begin, begin + size); });
+    const std::int64_t setup = places.bytes();
+    while (const std::optional<audiocore::OggPage> page = audiocore::OggPage::at(stream, position)) {
+        places.add(page->body, page->end);
+        position = page->end;
+    }
+    places.add(position, end);
+    return places.bytes() > setup;
+}
 } // namespace
 
 namespace audiocore {
-extern const TagKind oggTags{openOgg, hideInOgg};
+extern const TagKind oggTags{openOgg, hideInOgg, findInOgg};
 } // namespace audiocore

@@ -11,6 +11,7 @@ class AudioProperties;
 
 namespace audiocore {
 class CheckedStream;
+class MusicPlaces;
 class SoundView;
 class TagReading;
 struct FileEdits;
@@ -48,6 +49,9 @@ struct TagKind
     /// Makes its own tags look like something to pass over; those that any file may have already do. False
     /// when decoders must not see the file. Null where there is nothing to do.
     bool (*hide)(CheckedStream& stream, long audioBegin, SoundView& view);
+    /// Tells which parts of a file are its music, of which further tags follow from `end` on. False where it
+    /// cannot be taken apart, or has none. Null where all from `audioBegin` to `end` is music.
+    bool (*findMusic)(CheckedStream& stream, long audioBegin, long end, MusicPlaces& places);
 };
 
 /// All zeros for null.

@@ -5,6 +5,7 @@
 #include "tags/id3v2bytes.h"
 #include "tags/id3v2frames.h"
 #include "tags/infobytes.h"
+#include "tags/musicplaces.h"
 #include "tags/pictures.h"
 #include "tags/soundview.h"
 #include "tags/tagkind.h"
@@ -236,8 +237,20 @@ bool hideInWav(CheckedStream& stream, long audioBegin, SoundView& view)
         view.endAt(chunks.end());
     return chunks.all().size() < WavChunks::most;
 }
+
+bool findInWav(CheckedStream& stream, long audioBegin, long, audiocore::MusicPlaces& places)
+{
+    const WavChunks chunks(stream, audioBegin);
+    const WavChunk* const kind = chunks.find({"fmt "});
+    const WavChunk* const sound = chunks.sound();
+    if (!kind || !sound || sound->size == 0 || chunks.all().size() >= WavChunks::most)
+        return false;
+    for (const WavChunk* const chunk : {kind, sound})
+        places.add(chunk->begin, chunk->begin + chunk->size);
+    return true;
+}
 } // namespace
 
 namespace audiocore {
-extern const TagKind wavTags{openWav, hideInWav};
+extern const TagKind wavTags{openWav, hideInWav, findInWav};
 } // namespace audiocore
