@@ -37,6 +37,7 @@ private slots:
     void anEditThatSaysNothingNewLeavesTheFile();
     void aDeletionTakesTheEntryAndItsPlaces();
     void playlistsMayComeFirst();
+    void whatOnlyLooksLikePlaylistsStays();
     void tracksOfOneIdentifierCannotChange();
     void aNumberThatAnotherTrackHasStaysInThePlaylists();
     void utf16StaysUtf16_data();
@@ -208,6 +209,21 @@ void TestLibraryChanges::playlistsMayComeFirst()
     QCOMPARE(m_songs->content(), document(" <!-- stays -->", ""));
 }
 
+void TestLibraryChanges::whatOnlyLooksLikePlaylistsStays()
+{
+    const auto document = [](const QByteArray& entry) {
+        return "<plist><dict><key>Own</key><array><dict><key>Playlist Items</key><array>"
+               "<dict><key>Track ID</key><integer>2</integer></dict></array></dict></array>"
+               "<key>Tracks</key><dict>" +
+               entry + "</dict></dict></plist>";
+    };
+    m_songs->make(
+        document("<key>2</key><dict><key>Persistent ID</key><string>00000000000000ab</string></dict>"));
+    QCOMPARE(int(deleteMusic(0xAB)), 1);
+    closeITunesLibrary();
+    QCOMPARE(m_songs->content(), document(""));
+}
+
 void TestLibraryChanges::tracksOfOneIdentifierCannotChange()
 {
     m_songs->makeSongs(4, 3);
@@ -223,7 +239,9 @@ void TestLibraryChanges::tracksOfOneIdentifierCannotChange()
     QCOMPARE(m_songs->content(), m_songs->document());
     QCOMPARE(contentOf(m_songs->media(0)), song);
     // They can be asked all the same, and the others are not concerned.
-    QCOMPARE(LibraryCalls::Buffers<1024>().call(m_songs->id(0)), 0);
+    LibraryCalls::Buffers<1024> first;
+    QCOMPARE(first.call(m_songs->id(0)), 0);
+    QVERIFY(QByteArray(first.bytes[5].data()).contains(QFileInfo(m_songs->media(0)).fileName().toUtf8()));
     for (const int other : {2, 3})
         QCOMPARE(int(deleteMusic(m_songs->id(other))), 1);
     QCOMPARE(LibraryCalls::read().count, 2);

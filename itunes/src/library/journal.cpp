@@ -10,17 +10,18 @@
 
 using base::Failure;
 using itunes::Journal;
+using itunes::largestJournal;
 
 namespace {
 constexpr std::int64_t roomStep = 64 * 1024;
-// A journal within both is read in a moment and in little memory.
-constexpr std::int64_t largestJournal = 16 * 1024 * 1024;
 } // namespace
 
-Journal::Journal(const std::string& libraryPath)
-    : m_library(libraryPath), m_path(libraryPath + ".melodrift-journal")
+std::string itunes::journalOf(const std::string& libraryPath)
 {
+    return libraryPath + ".melodrift-journal";
 }
+
+Journal::Journal(const std::string& libraryPath) : m_library(libraryPath), m_path(journalOf(libraryPath)) {}
 
 bool Journal::exists() const
 {

@@ -13,6 +13,9 @@
 #include <vector>
 
 namespace itunes {
+/// Where the journal of a library file lies.
+std::string journalOf(const std::string& libraryPath);
+
 /// Keeps the changes that were answered but are not in the library file yet in a small file beside it, one
 /// line each, behind a line that tells a journal from any other file. Only its owner may open it, and while
 /// it is open no other process can take it; one that belongs to neither the user nor the library's owner is

@@ -41,7 +41,7 @@ void take(const JournalRecord& record, RecordState state, itunes::JournalContent
     // An edit with others behind it was answered, and with a failure.
     content.begun.reset();
     if (state == RecordState::Begun)
-        content.begun = record;
+        content.begun.emplace(record);
     if (state != RecordState::Counts)
         return;
     switch (record.kind) {

@@ -4,6 +4,7 @@
 #include "library/trackedit.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,8 +19,9 @@ struct JournalContent
     std::optional<JournalRecord> begun;
 };
 
-/// More than any program leaves; so many are read in a moment and in little memory.
+/// More than any program leaves; so many, and so many bytes, are read in a moment and in little memory.
 constexpr std::size_t mostJournalRecords = 100000;
+constexpr std::int64_t largestJournal = 16 * 1024 * 1024;
 constexpr std::string_view journalsFirstLine = "melodrift journal 3\n";
 
 enum class JournalKind {

@@ -2,6 +2,7 @@
 
 #include "base/failure.h"
 #include "base/filebytes.h"
+#include "base/hash.h"
 #include "library/libraryreading.h"
 #include "library/takenpieces.h"
 #include "xml/bytesource.h"
@@ -134,6 +135,21 @@ bool copySpliced(const base::FileBytes& from, base::FileBytes& to, std::vector<S
     return written && !source.failed();
 }
 } // namespace
+
+std::optional<itunes::ContentMark> itunes::ContentMark::of(const base::FileBytes& library)
+{
+    const std::int64_t size = library.size().value_or(0);
+    ContentMark mark{size, base::hashOf({})};
+    std::vector<char> block(blockSize);
+    for (std::int64_t at = 0; at < size;) {
+        const std::size_t got = library.readAt(at, block.data(), block.size());
+        if (got == 0)
+            return std::nullopt;
+        mark.hash = base::hashOf({block.data(), got}, mark.hash);
+        at += std::int64_t(got);
+    }
+    return mark;
+}
 
 bool itunes::findSplices(const base::FileBytes& library, const TrackChanges& changes, LibrarySplices& found,
                          base::Failure& failure)

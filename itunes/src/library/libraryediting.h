@@ -5,6 +5,7 @@
 #include "library/trackedit.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,12 +17,24 @@ class FileBytes;
 /// Changing a library, wherever its bytes lie. Which file is changed and whose place the new one takes is the
 /// matter of `writeChanges` alone.
 namespace itunes {
+/// What tells the bytes of one library from those of another.
+struct ContentMark
+{
+    std::int64_t size = 0;
+    std::uint64_t hash = 0;
+
+    bool operator==(const ContentMark& other) const { return size == other.size && hash == other.hash; }
+    /// Nothing where it cannot be read to its end.
+    static std::optional<ContentMark> of(const base::FileBytes& library);
+};
+
 /// What has to change in a library, in its order.
 struct LibrarySplices
 {
     std::vector<Splice> all; ///< their texts are such as the library's encoding takes
     std::uint64_t tracksLeft = 0;
     std::size_t editsWithoutTrack = 0; ///< those that cannot be made
+    std::optional<ContentMark> wanted; ///< of the new file; nothing where only its tracks are known
 };
 
 /// False when the library is broken, with what and where, or cannot be read to its end.

@@ -104,12 +104,7 @@ iTunesEditProblem LibraryFile::remove(const TrackSet& tracks)
     makeRoomInJournal(tracks.size());
     const std::lock_guard<std::mutex> lock(m_mutex);
     Failure failure;
-    if (!beginChange(failure) || !m_journal.addDeletions(tracks, failure))
-        return refused(failure);
-    for (const std::uint64_t id : tracks)
-        mergeDeletion(m_content.changes, id);
-    changed();
-    return ITUNES_EDIT_DONE;
+    return beginChange(failure) && addDeletions(tracks, failure) ? ITUNES_EDIT_DONE : refused(failure);
 }
 
 iTunesEditProblem LibraryFile::edit(const JournalRecord& edit, const std::function<bool()>& writeMedia)

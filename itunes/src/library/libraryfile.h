@@ -9,12 +9,14 @@
 #include "library/librarysplices.h"
 #include "library/librarywrite.h"
 #include "library/takenpieces.h"
+#include "library/takentracks.h"
 #include "library/trackedit.h"
 #include "library/trackstore.h"
 
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,6 +54,18 @@ public:
     /// That is kept for it, in bytes.
     std::size_t bytesKept();
 
+    enum class Taking {
+        Done,
+        Refused, ///< nothing was changed
+        Waits    ///< the journal has it, the file has not
+    };
+    /// Told, before anything is changed, what brings the tracks back; false refuses it, with the reason.
+    using Announce = std::function<bool(const TakenTracks& taken, base::Failure& failure)>;
+    /// Takes these tracks out, all of them or none, and writes the file before it answers.
+    Taking take(const TrackSet& tracks, const Announce& announce, base::Failure& failure);
+    /// Has the file as it was before that, whichever run did it, unless it was changed in another way since.
+    bool putBack(const TakenTracks& taken, base::Failure& failure);
+
 private:
     /// What is to be written.
     struct Pending
@@ -78,6 +92,8 @@ private:
     bool attempt(const std::function<bool()>& writing) noexcept;
     bool tryToWrite();
     bool writeWhatWaits(base::Failure& failure);
+    bool findTaken(const TrackSet& tracks, std::optional<TakenTracks>& taken, base::Failure& failure);
+    bool addDeletions(const TrackSet& tracks, base::Failure& failure);
     bool write(const TrackChanges& changes, Written& written, base::Failure& failure);
     bool writeOnce(const TrackChanges& changes, Written& written, base::Failure& failure);
     bool takePending(Pending& pending, base::Failure& failure);

@@ -6,6 +6,7 @@
 #include "library/libraryediting.h"
 #include "library/libraryreading.h"
 #include "library/takenpieces.h"
+#include "library/takentracks.h"
 
 #include <algorithm>
 #include <functional>
@@ -19,6 +20,14 @@ enum class Outcome { Done, Failed, ChangedMeanwhile };
 /// What has to change in the library, which is in this state; false with the reason.
 using Finding = std::function<bool(const base::FileBytes& library, const base::FileState& state,
                                    itunes::LibrarySplices& splices, base::Failure& failure)>;
+
+bool isAsWanted(const base::FileBytes& copy, const itunes::LibrarySplices& splices, base::Failure& failure)
+{
+    if (!splices.wanted || itunes::ContentMark::of(copy) == splices.wanted)
+        return true;
+    failure = itunes::changedByOthers();
+    return false;
+}
 
 Outcome tryOnce(const std::string& path, const Finding& find, itunes::Written& result, base::Failure& failure)
 {
@@ -40,7 +49,7 @@ Outcome tryOnce(const std::string& path, const Finding& find, itunes::Written& r
     if (made->original() != result.before)
         return Outcome::ChangedMeanwhile;
     base::SystemFile copy(made->file());
-    if (!itunes::writeSpliced(old, copy, splices, failure.text) ||
+    if (!itunes::writeSpliced(old, copy, splices, failure.text) || !isAsWanted(copy, splices, failure) ||
         !itunes::readContents(made->file(), result.contents, failure) ||
         !itunes::isComplete(result.contents, splices, failure.text))
         return Outcome::Failed;
@@ -101,6 +110,24 @@ bool itunes::writeBack(const std::string& path, const TakenPieces& taken, const 
         const auto isEntry = [](const Splice& piece) { return piece.isEntry; };
         splices.tracksLeft =
             taken.tracks() + std::uint64_t(std::count_if(pieces.begin(), pieces.end(), isEntry));
+        return true;
+    };
+    return write(path, find, written, failure);
+}
+
+bool itunes::writeBack(const std::string& path, const TakenTracks& taken, Written& written,
+                       base::Failure& failure)
+{
+    const auto find = [&taken](const base::FileBytes& library, const base::FileState&,
+                               LibrarySplices& splices, base::Failure& reason) {
+        LibraryContents now;
+        if (!readContents(library, now, reason))
+            return false;
+        splices.all = taken.splicesFor(now);
+        const auto isEntry = [](const Splice& piece) { return piece.isEntry; };
+        splices.tracksLeft =
+            now.tracks + std::uint64_t(std::count_if(splices.all.begin(), splices.all.end(), isEntry));
+        splices.wanted = taken.whole();
         return true;
     };
     return write(path, find, written, failure);

@@ -12,6 +12,7 @@
 
 namespace itunes {
 class TakenPieces;
+class TakenTracks;
 
 /// What came of a writing.
 struct Written
@@ -32,6 +33,9 @@ bool writeChanges(const std::string& path, const TrackChanges& changes, Written&
 /// be in the state that the pieces are of.
 bool writeBack(const std::string& path, const TakenPieces& taken, const std::vector<Splice>& pieces,
                Written& written, base::Failure& failure);
+/// The same with what an earlier run took out: all tracks of that which the file does not hold. It then has
+/// the bytes that it had before; else another program changed it since, and it stays.
+bool writeBack(const std::string& path, const TakenTracks& taken, Written& written, base::Failure& failure);
 /// Why a change of the file as we left it cannot be taken back.
 base::Failure changedByOthers();
 } // namespace itunes
