@@ -213,6 +213,45 @@ void keepEdits(benchmark::State& state)
 BENCHMARK(keepEdits)->Arg(0)->Arg(500000)->Arg(2000000)->UseManualTime()->Iterations(1)->Unit(
     benchmark::kMillisecond);
 
+/// One group of all songs in the view.
+void makeOneGroup(Collection& collection, CenterWidget& center)
+{
+    for (QMusicInfo* song : qAsConst(collection.all)) {
+        song->localInfo->title = QStringLiteral("Title");
+        song->localInfo->duration = 180000;
+    }
+    center.resize(920, 585);
+    center.show();
+    center.setMusicInfoList(&collection.all);
+    center.slotShowDuplicateMusicView();
+}
+
+void showGroup(CenterWidget& center)
+{
+    center.SlotClickDupMusicIndex(center.findChild<QListView*>("m_dupMusicListView")->model()->index(0, 0));
+}
+
+/// Makes the rows of a group, and shows those that there is room for.
+void showRows(benchmark::State& state)
+{
+    const int count = int(state.range(0));
+    for (auto unused : state) {
+        (void)unused;
+        Collection collection(count, 0);
+        CenterWidget center;
+        makeOneGroup(collection, center);
+        QApplication::processEvents();
+        measure(state, [&center] {
+            showGroup(center);
+            QApplication::processEvents();
+        });
+        if (center.findChildren<DupMusicbarWidget*>().size() != count)
+            state.SkipWithError("not every song has its row");
+    }
+    state.SetItemsProcessed(state.iterations() * count);
+}
+BENCHMARK(showRows)->Arg(250)->Arg(2000)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
+
 /// Deletes the unmarked half of a group from its rows.
 void clearShownGroup(benchmark::State& state)
 {
@@ -220,17 +259,9 @@ void clearShownGroup(benchmark::State& state)
     for (auto unused : state) {
         (void)unused;
         Collection collection(count, 0);
-        for (QMusicInfo* song : qAsConst(collection.all)) {
-            song->localInfo->title = QStringLiteral("Title");
-            song->localInfo->duration = 180000;
-        }
         CenterWidget center;
-        center.resize(920, 585);
-        center.show();
-        center.setMusicInfoList(&collection.all);
-        center.slotShowDuplicateMusicView();
-        center.SlotClickDupMusicIndex(
-            center.findChild<QListView*>("m_dupMusicListView")->model()->index(0, 0));
+        makeOneGroup(collection, center);
+        showGroup(center);
         auto* panel = center.findChild<DuplicateMusicDetailedWidget*>();
         const auto rows = panel->findChildren<DupMusicbarWidget*>();
         for (int row = 1; row < count / 2; ++row)

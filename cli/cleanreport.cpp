@@ -1,3 +1,4 @@
+#include "cli/comparing.h"
 #include "cli/figures.h"
 #include "cli/interruption.h"
 #include "cli/report.h"
@@ -5,7 +6,9 @@
 #include "collection/cleaningplan.h"
 #include "collection/formats.h"
 #include "collection/history.h"
+#include "collection/librarytracks.h"
 #include "collection/songlist.h"
+#include "collection/trackcleaning.h"
 
 namespace {
 using Decision = CleaningPlan::Decision;
@@ -16,11 +19,29 @@ const char* nameOf(Fate fate)
     return fate == Fate::Kept ? "kept" : fate == Fate::Goes ? "goes" : "stays";
 }
 
+/// Of a track what becomes of it, whatever becomes of its file.
+const char* nameOf(const Decision& decision)
+{
+    return nameOf(decision.losesTrack ? Fate::Goes : decision.fate);
+}
+
+/// With what is said of a file that stays though its track goes.
+QString reasonOf(const Decision& decision)
+{
+    return decision.losesTrack && decision.fate != Fate::Goes
+               ? QStringLiteral("the track alone: %1").arg(decision.reason)
+               : decision.reason;
+}
+
 SongCopy copyOf(const SongFile& song)
 {
+    if (song.isTrack())
+        return LibraryTracks::copyOf(song);
     return {song.path,
             song.state,
-            {Formats::listedName(song.format), song.bitRate / 1000, song.sampleRate, song.milliseconds}};
+            {Formats::listedName(song.format), song.bitRate / 1000, song.sampleRate, song.milliseconds},
+            0,
+            {}};
 }
 
 /// What would be deleted and why the rest stays; and then, where that is wanted, it goes.
@@ -35,16 +56,25 @@ public:
             m_json.begin("clean", "groups");
     }
     void song(const SongFile& song) override { m_songs.add(song); }
-    void end(const Tally& tally, bool isInterrupted) override
+    void library(const FileState& asRead) override { m_library = asRead; }
+    void otherFile(const std::string& path) override
     {
-        if (!isInterrupted) // of half of the songs nothing can be said
-            m_groups = m_songs.groups();
-        const CleaningPlan plan(copies(), m_order.keep);
+        if (!path.empty())
+            m_others.push_back(path);
+    }
+    void end(const Tally& tally, bool /*isInterrupted*/) override
+    {
+        Comparing comparing(m_order, m_console, [this](const std::string& path, const std::string& reason) {
+            failLater(path, reason);
+        });
+        m_groups = comparing.groupsOf(m_songs);
+        m_notCompared = comparing.failures();
+        const CleaningPlan plan(copies(), m_order.keep, others());
         for (int i = 0; i < plan.groups().size(); ++i)
             write(i, plan.groups().at(i));
         if (isText())
             sayPlan(plan);
-        if (plan.going() > 0 && isWanted(plan))
+        if (plan.going() + plan.tracksGoing() > 0 && isWanted(plan))
             carryOut(plan);
         if (isText())
             sayWhatIsDone(plan);
@@ -62,6 +92,22 @@ private:
                 groups.last().append(copyOf(m_songs.at(position)));
         }
         return groups;
+    }
+
+    /// The files of tracks that are in no group, and of those that are no songs.
+    std::vector<std::string> others() const
+    {
+        std::vector<std::string> others = m_others;
+        if (!isOfLibrary())
+            return others;
+        std::vector<bool> isInGroup(std::size_t(m_songs.size()));
+        for (const QVector<int>& group : m_groups)
+            for (const int position : group)
+                isInGroup[std::size_t(position)] = true;
+        for (int position = 0; position < m_songs.size(); ++position)
+            if (!isInGroup[std::size_t(position)])
+                others.push_back(m_songs.at(position).path);
+        return others;
     }
 
     void write(int group, const CleaningPlan::Group& decisions)
@@ -91,16 +137,18 @@ private:
     }
     void writeRow(const Decision& decision, const SongFile& song)
     {
-        const QString fate = QString::fromLatin1(nameOf(decision.fate)).leftJustified(6);
-        const std::string reason =
-            decision.reason.isEmpty() ? std::string() : " (" + decision.reason.toStdString() + ")";
+        const QString fate = QString::fromLatin1(nameOf(decision)).leftJustified(6);
+        const QString why = reasonOf(decision);
+        const std::string reason = why.isEmpty() ? std::string() : " (" + why.toStdString() + ")";
         m_console.writeLine("  " + fate.toStdString() + SongText::row(song, m_console) + reason);
     }
     /// The song's object, which is written where each has a line.
     std::string writeSong(int group, const Decision& decision, const SongFile& song)
     {
         Json json = JsonOutput::shortSong(song);
-        json.text("fate", std::string(nameOf(decision.fate))).text("reason", decision.reason);
+        json.text("fate", std::string(nameOf(decision))).text("reason", decision.reason);
+        if (isOfLibrary())
+            json.flag("file_goes", decision.fate == Fate::Goes);
         json.number("bytes_freed", std::uint64_t(decision.freed));
         if (m_order.form == Order::Form::Lines)
             m_json.item("song", json.number("group", std::uint64_t(group) + 1));
@@ -112,14 +160,23 @@ private:
         if (!m_groups.isEmpty())
             m_console.writeLine(std::string());
         const std::string where = m_order.deletesForGood ? " to be deleted for good, " : " for the trash, ";
-        m_console.writeLine(Figures::count(std::uint64_t(plan.going()), "file", "files") + where +
+        const std::string tracks =
+            isOfLibrary() ? countOfTracks(std::uint64_t(plan.tracksGoing())) + " to be taken out, "
+                          : std::string();
+        m_console.writeLine(tracks + countOfFiles(std::uint64_t(plan.going())) + where +
                             Figures::size(std::uint64_t(plan.bytesFreed())));
+    }
+    static std::string countOfFiles(std::uint64_t number) { return Figures::count(number, "file", "files"); }
+    static std::string countOfTracks(std::uint64_t number)
+    {
+        return Figures::count(number, "track", "tracks");
     }
     bool isWanted(const CleaningPlan& plan)
     {
-        return m_order.isAgreed ||
-               m_console.asksFor("Type yes to have " +
-                                 Figures::count(std::uint64_t(plan.going()), "file", "files") + " go: ");
+        const std::string tracks =
+            isOfLibrary() ? countOfTracks(std::uint64_t(plan.tracksGoing())) + " and " : std::string();
+        return m_order.isAgreed || m_console.asksFor("Type yes to have " + tracks +
+                                                     countOfFiles(std::uint64_t(plan.going())) + " go: ");
     }
     void carryOut(const CleaningPlan& plan)
     {
@@ -129,50 +186,84 @@ private:
             failLater(History::usersFolder(), whyNot.toStdString());
             return;
         }
-        plan.carryOut(
-            [&](const std::string& path, const FileState& state) {
-                return m_order.deletesForGood ? step->deleteForGood(path, state)
-                                              : step->moveToTrash(path, state);
-            },
-            [this](const Decision& decision, const QString& failure) { tell(decision, failure); },
-            [](int) { return !Interruption::hasCome(); });
+        m_console.beginProgress();
+        const auto remove = [&](const std::string& path, const FileState& state) {
+            return m_order.deletesForGood ? step->deleteForGood(path, state) : step->moveToTrash(path, state);
+        };
+        if (isOfLibrary())
+            cleanLibrary(plan, *step, remove);
+        else
+            plan.carryOut(
+                remove,
+                [this](const Decision& decision, const QString& failure) {
+                    tell(decision, {false, failure.isEmpty(), failure});
+                },
+                [this, &plan](int done) {
+                    m_console.progress(std::uint64_t(done), [&plan] { return std::uint64_t(plan.going()); });
+                    return !Interruption::hasCome();
+                });
         m_step = step->isEmpty() ? 0 : step->number();
     }
-    void tell(const Decision& decision, const QString& failure)
+    void cleanLibrary(const CleaningPlan& plan, ChangeStep& step, const CleaningPlan::Remove& remove)
     {
-        if (failure.isEmpty()) {
+        const QString whyNot =
+            TrackCleaning(plan, m_order.library, m_library, step)
+                .carryOut(
+                    remove,
+                    [this](const Decision& decision, const TrackCleaning::Outcome& outcome) {
+                        tell(decision, outcome);
+                    },
+                    [] { return !Interruption::hasCome(); });
+        if (!whyNot.isEmpty())
+            failLater(m_order.library, whyNot.toStdString());
+    }
+    void tell(const Decision& decision, const TrackCleaning::Outcome& outcome)
+    {
+        m_tracksGone += outcome.isOut;
+        if (outcome.isGone) {
             ++m_gone;
             m_bytesFreed += std::uint64_t(decision.freed);
-        } else {
-            failLater(decision.copy.path, failure.toStdString());
         }
+        if (!outcome.whyNot.isEmpty())
+            failLater(decision.copy.path, outcome.whyNot.toStdString());
     }
 
     void sayWhatIsDone(const CleaningPlan& plan)
     {
+        const std::string tracks =
+            isOfLibrary() ? countOfTracks(m_tracksGone) + " taken out, " : std::string();
         if (m_step > 0 && !m_order.deletesForGood)
-            m_console.say(Figures::count(m_gone, "file", "files") +
-                          " moved into the trash; melodrift-cli undo " + std::to_string(m_step) +
-                          " brings them back");
+            m_console.say(tracks + countOfFiles(m_gone) + " moved into the trash; melodrift-cli undo " +
+                          std::to_string(m_step) + " brings them back");
+        else if (m_step > 0 && m_tracksGone > 0)
+            m_console.say(tracks + countOfFiles(m_gone) + " deleted; melodrift-cli undo " +
+                          std::to_string(m_step) + " brings the tracks back");
         else if (m_gone > 0)
-            m_console.say(Figures::count(m_gone, "file", "files") + " deleted");
-        else if (plan.going() > 0 && failedLater() == 0)
+            m_console.say(countOfFiles(m_gone) + " deleted");
+        else if (plan.going() + plan.tracksGoing() > 0 && failedLater() == m_notCompared)
             m_console.say("nothing was done; --yes does it");
     }
     void writeCounts(const CleaningPlan& plan, const Tally& tally)
     {
         Json counts;
-        tally.addTo(counts);
+        tally.with(m_notCompared).addTo(counts);
         counts.number("groups", std::uint64_t(m_groups.size())).number("going", std::uint64_t(plan.going()));
         counts.number("gone", m_gone).number("bytes_freed", m_bytesFreed);
-        counts.number("not_gone", failedLater()).number("step", std::uint64_t(m_step));
+        if (isOfLibrary())
+            counts.number("tracks_going", std::uint64_t(plan.tracksGoing()))
+                .number("tracks_gone", m_tracksGone);
+        counts.number("not_gone", failedLater() - m_notCompared).number("step", std::uint64_t(m_step));
         m_json.end(counts, Interruption::hasCome());
     }
 
     SongList m_songs;
     QVector<QVector<int>> m_groups;
     int m_step = 0; ///< of the history; 0 where nothing was changed
-    std::uint64_t m_gone = 0;
+    std::uint64_t m_notCompared = 0;
+    FileState m_library;
+    std::vector<std::string> m_others; ///< paths of tracks that are no songs
+    std::uint64_t m_gone = 0;          ///< files
+    std::uint64_t m_tracksGone = 0;
     std::uint64_t m_bytesFreed = 0;
 };
 } // namespace

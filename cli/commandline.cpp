@@ -3,11 +3,15 @@
 #include "base/failure.h"
 #include "base/platform.h"
 #include "base/text.h"
+#include "cli/commandhelp.h"
+#include "cli/libraryhelp.h"
 #include "collection/coretags.h"
+#include "collection/libraryproblems.h"
 
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <utility>
@@ -15,67 +19,6 @@
 namespace {
 constexpr std::size_t largestCover = 256u << 20;
 constexpr std::size_t mostWords = 120; // bytes
-
-const char* const exitCodes = R"(Exit codes:
-  0    done
-  1    something that --fail-on names was found
-  2    the call makes no sense; nothing was done
-  3    some files failed, each is named
-  130  interrupted; nothing is half done)";
-
-const char* const scanHelp = R"(Examples:
-  melodrift-cli scan ~/Music
-  melodrift-cli scan --json --exclude '*.wav' /srv/music
-  melodrift-cli scan --fail-on undefined ~/Music)";
-const char* const undefinedHelp = R"(Examples:
-  melodrift-cli undefined ~/Music
-  melodrift-cli undefined --ndjson ~/Music
-  find ~/Music -newer yesterday -print0 | melodrift-cli undefined -0)";
-const char* const duplicatesHelp =
-    R"(By title+duration songs are grouped as in the window: those of exactly one title, where
-the length of the first one is the length of any other song, too. By artist+title they are
-one whatever their case, accents and width, without what stands in brackets or behind "feat."
-
-Examples:
-  melodrift-cli duplicates ~/Music
-  melodrift-cli duplicates --by artist+title --json ~/Music ~/Downloads)";
-const char* const cleanHelp =
-    R"(Of each group one copy is kept, the one that the rules choose: each chooses among those that
-the one before it left, and the first of those left at the end is it. Without --yes the plan
-is shown, and on a terminal a question asked; nothing is done else. Files go into the trash,
-from where "undo" brings them back. A file that a kept one needs, by whatever link, stays.
-By title+duration songs of other artists may be in a group: look at the plan.
-
-Rules: best, first, newest, oldest, largest, shortest-path, in:FOLDER
-
-Examples:
-  melodrift-cli clean --keep best ~/Music
-  melodrift-cli clean --keep in:$HOME/Music --keep best --by artist+title --yes ~/Music ~/Downloads)";
-const char* const undoHelp =
-    R"(Without a number the newest step is taken back. A file that is not as the step left it stays
-as it is. What was deleted for good does not come back.
-
-Examples:
-  melodrift-cli undo
-  melodrift-cli undo 7)";
-const char* const historyHelp = R"(Examples:
-  melodrift-cli history
-  melodrift-cli history -v)";
-const char* const showHelp = R"(Examples:
-  melodrift-cli show song.mp3
-  melodrift-cli show --json *.flac)";
-const char* const coverHelp = R"(Examples:
-  melodrift-cli cover song.mp3 --out cover.jpg
-  melodrift-cli cover song.mp3 --out - | file -)";
-const char* const tagHelp =
-    R"(A song's file is exchanged whole, or stays as it is. What is not named keeps its bytes.
-A pattern has {title}, {artist}, {album}, {genre}, {year}, {track} and {ignore}, and a "/"
-for each folder that it looks at; it is compared with the name without its ending.
-
-Examples:
-  melodrift-cli tag --artist 'Ida Marlowe' --clear genre *.mp3
-  melodrift-cli tag --cover front.jpg album/*.flac
-  melodrift-cli tag --from-name '{artist}/{album}/{track} {title}' */*/*.mp3)";
 
 /// What has no place of its own in an order until all of it is known.
 struct Raw
@@ -92,6 +35,24 @@ struct Raw
     bool isJson = false;
     bool isLines = false;
 };
+
+const std::map<std::string, SongList::By>& rulesByName()
+{
+    static const std::map<std::string, SongList::By> rules = {
+        {"title+duration", SongList::By::TitleAndDuration},
+        {"artist+title", SongList::By::ArtistAndTitle},
+        {"sound", SongList::By::Sound},
+        {"content", SongList::By::Content}};
+    return rules;
+}
+
+std::vector<std::string> namesOfRules()
+{
+    std::vector<std::string> names;
+    for (const auto& rule : rulesByName())
+        names.push_back(rule.first);
+    return names;
+}
 
 [[noreturn]] void refuse(const std::string& option, const std::string& reason)
 {
@@ -159,17 +120,57 @@ void addCleaning(CLI::App& app, Order& order, Raw& raw)
     app.add_flag("--delete", order.deletesForGood, "Deletes for good, not into the trash");
 }
 
+void addComparing(CLI::App& app, Raw& raw, const std::vector<std::string>& rules)
+{
+    app.add_option("--by", raw.by, "What songs are compared by")
+        ->type_name("RULE")
+        ->check(CLI::IsMember(rules));
+}
+
+/// The commands about the file of a music library, which is named before them.
+void addLibrary(CLI::App& app, Order& order, Raw& raw)
+{
+    CLI::App& library = *app.add_subcommand("library", "Does the like with a music library");
+    library.footer(LibraryHelp::library);
+    library.require_subcommand(1);
+    library.add_option("FILE", order.library, "The library's file, XML")->required();
+    CLI::App& scan = addCommand(library, "scan", "Counts tracks, per kind and problem", LibraryHelp::scan,
+                                order, Order::Command::Scan);
+    CLI::App& undefined = addCommand(
+        library, "undefined", "Lists tracks without title, artist, album or genre, and which is missing",
+        LibraryHelp::undefined, order, Order::Command::Undefined);
+    CLI::App& duplicates =
+        addCommand(library, "duplicates", "Lists the groups of tracks that are there twice",
+                   LibraryHelp::duplicates, order, Order::Command::Duplicates);
+    CLI::App& clean =
+        addCommand(library, "clean", "Takes all tracks of each group out but one, and their files away",
+                   LibraryHelp::clean, order, Order::Command::Clean);
+    CLI::App& check = addCommand(library, "check", "Lists what is wrong with the library", LibraryHelp::check,
+                                 order, Order::Command::Check);
+    for (CLI::App* const command : {&scan, &undefined, &duplicates, &clean, &check})
+        addForms(*command, order, raw);
+    for (CLI::App* const command : {&duplicates, &clean})
+        addComparing(*command, raw, {"title+duration", "artist+title"});
+    addFailOn(scan, raw, {"undefined", "title", "artist", "album", "genre", "missing"});
+    addFailOn(undefined, raw, {"any", "title", "artist", "album", "genre"});
+    addFailOn(duplicates, raw, {"any"});
+    std::vector<std::string> problems = {"any"};
+    problems.insert(problems.end(), std::begin(LibraryProblems::kinds), std::end(LibraryProblems::kinds));
+    addFailOn(check, raw, problems);
+    addCleaning(clean, order, raw);
+}
+
 void addReading(CLI::App& app, Order& order, Raw& raw)
 {
-    CLI::App& scan = addCommand(app, "scan", "Counts songs, per format and problem", scanHelp, order,
+    CLI::App& scan = addCommand(app, "scan", "Counts songs, per format and problem", CommandHelp::scan, order,
                                 Order::Command::Scan);
     CLI::App& undefined = addCommand(
         app, "undefined", "Lists songs without title, artist, album or genre, and which is missing",
-        undefinedHelp, order, Order::Command::Undefined);
+        CommandHelp::undefined, order, Order::Command::Undefined);
     CLI::App& duplicates = addCommand(app, "duplicates", "Lists the groups of songs that are there twice",
-                                      duplicatesHelp, order, Order::Command::Duplicates);
-    CLI::App& clean = addCommand(app, "clean", "Deletes all copies of each group but one", cleanHelp, order,
-                                 Order::Command::Clean);
+                                      CommandHelp::duplicates, order, Order::Command::Duplicates);
+    CLI::App& clean = addCommand(app, "clean", "Deletes all copies of each group but one", CommandHelp::clean,
+                                 order, Order::Command::Clean);
     for (CLI::App* const command : {&scan, &undefined, &duplicates, &clean}) {
         addPaths(*command, "PATH", "Folders and music files", order);
         addWalk(*command, order, raw);
@@ -179,20 +180,18 @@ void addReading(CLI::App& app, Order& order, Raw& raw)
     addFailOn(undefined, raw, {"any", "title", "artist", "album", "genre"});
     addFailOn(duplicates, raw, {"any"});
     for (CLI::App* const command : {&duplicates, &clean})
-        command->add_option("--by", raw.by, "What songs are compared by")
-            ->type_name("RULE")
-            ->check(CLI::IsMember(std::vector<std::string>{"title+duration", "artist+title"}));
+        addComparing(*command, raw, namesOfRules());
     addCleaning(clean, order, raw);
-    CLI::App& show = addCommand(app, "show", "Shows tags, properties and the size of the cover", showHelp,
-                                order, Order::Command::Show);
+    CLI::App& show = addCommand(app, "show", "Shows tags, properties and the size of the cover",
+                                CommandHelp::show, order, Order::Command::Show);
     addPaths(show, "FILE", "Music files", order);
     addForms(show, order, raw);
 }
 
 void addEditing(CLI::App& app, Order& order, Raw& raw)
 {
-    CLI::App& cover = addCommand(app, "cover", "Writes a song's cover into a file of its own", coverHelp,
-                                 order, Order::Command::Cover);
+    CLI::App& cover = addCommand(app, "cover", "Writes a song's cover into a file of its own",
+                                 CommandHelp::cover, order, Order::Command::Cover);
     cover.add_option("FILE", order.paths, "A music file")->required()->expected(1);
     cover.add_option("-o,--out", order.coverFile, "The picture's file; \"-\" is the output")
         ->required()
@@ -201,8 +200,8 @@ void addEditing(CLI::App& app, Order& order, Raw& raw)
     cover.add_flag("-q,--quiet", order.isQuiet, "Says nothing but what failed");
     cover.add_flag("-v,--verbose", order.isVerbose, "Says more");
 
-    CLI::App& tag =
-        addCommand(app, "tag", "Sets or clears fields and covers", tagHelp, order, Order::Command::Tag);
+    CLI::App& tag = addCommand(app, "tag", "Sets or clears fields and covers", CommandHelp::tag, order,
+                               Order::Command::Tag);
     addPaths(tag, "FILE", "Music files", order);
     std::vector<std::string> names;
     for (const QString& field : TagFields::names()) {
@@ -227,14 +226,28 @@ void addEditing(CLI::App& app, Order& order, Raw& raw)
 
 void addTakingBack(CLI::App& app, Order& order, Raw& raw)
 {
-    CLI::App& undo = addCommand(app, "undo", "Takes back what was changed, also by an earlier run", undoHelp,
-                                order, Order::Command::Undo);
+    CLI::App& undo = addCommand(app, "undo", "Takes back what was changed, also by an earlier run",
+                                CommandHelp::undo, order, Order::Command::Undo);
     undo.add_option("STEP", order.step, "The number of a step that \"history\" lists")
         ->check(CLI::PositiveNumber);
-    CLI::App& history =
-        addCommand(app, "history", "Lists what was changed", historyHelp, order, Order::Command::History);
+    CLI::App& history = addCommand(app, "history", "Lists what was changed", CommandHelp::history, order,
+                                   Order::Command::History);
     for (CLI::App* const command : {&undo, &history})
         addForms(*command, order, raw);
+}
+
+void addIdentifying(CLI::App& app, Order& order, Raw& raw)
+{
+    CLI::App& identify = addCommand(app, "identify", "Asks online services which songs these are",
+                                    CommandHelp::identify, order, Order::Command::Identify);
+    addPaths(identify, "PATH", "Folders and music files", order);
+    addWalk(identify, order, raw);
+    addForms(identify, order, raw);
+    addFailOn(identify, raw, {"no-match"});
+    CLI::Option* const write =
+        identify.add_flag("--write", order.writes, "Writes what is found into the songs' tags");
+    identify.add_flag("--only-missing", order.onlyMissing, "Fills empty fields alone, and a missing cover");
+    identify.add_flag("--yes", order.isAgreed, "Writes without asking")->needs(write);
 }
 
 QByteArray pictureIn(const std::string& path)
@@ -326,9 +339,10 @@ void takeRaw(Order& order, const Raw& raw)
 {
     order.form = raw.isJson ? Order::Form::Json : raw.isLines ? Order::Form::Lines : Order::Form::Text;
     order.failOn.insert(raw.failOn.begin(), raw.failOn.end());
-    order.by = raw.by == "artist+title" ? SongList::By::ArtistAndTitle : SongList::By::TitleAndDuration;
+    order.by = rulesByName().at(raw.by);
     takeRules(order, raw);
-    if (order.command != Order::Command::Undo && order.command != Order::Command::History)
+    if (order.library.empty() && order.command != Order::Command::Undo &&
+        order.command != Order::Command::History)
         takePaths(order);
     if (order.command == Order::Command::Tag)
         takeEdit(order, raw);
@@ -352,25 +366,52 @@ std::string wordsOf(int argc, char* argv[])
     return words.size() < mostWords ? words : words.substr(0, mostWords) + "...";
 }
 
+/// What an error says; of a word that stands where a command should, which one.
+std::string reasonOf(const CLI::Error& error, const CLI::App& command)
+{
+    const bool lacksCommand = command.get_require_subcommand_min() > 0 && command.get_subcommands().empty();
+    const std::vector<std::string> words = lacksCommand ? command.remaining() : std::vector<std::string>();
+    return words.empty() ? error.what() : "there is no command or option " + words.front();
+}
+
 std::string reasonWithoutCommand(int argc, char* argv[])
 {
     return argc > 1 ? std::string("there is no command or option ") + argv[1]
                     : std::string("no command is named; --help lists them");
 }
+
+void addAll(CLI::App& app, Order& order, Raw& raw)
+{
+    order.rules.hidden = false;
+    app.set_version_flag("--version", std::string("melodrift-cli ") + MELODRIFT_VERSION);
+    app.require_subcommand(1);
+    app.footer(CommandHelp::exitCodes);
+    addReading(app, order, raw);
+    addIdentifying(app, order, raw);
+    addEditing(app, order, raw);
+    addLibrary(app, order, raw);
+    addTakingBack(app, order, raw);
+}
+
+const char* const aim = "Tidies a music collection.";
+const char* const programName = "melodrift-cli";
 } // namespace
+
+void CommandLine::tell(const std::function<void(const CLI::App&)>& listener)
+{
+    Order order;
+    Raw raw;
+    CLI::App app(aim, programName);
+    addAll(app, order, raw);
+    listener(app);
+}
 
 std::optional<Order> CommandLine::read(int argc, char* argv[], int& exitCode)
 {
     Order order;
     Raw raw;
-    order.rules.hidden = false;
-    CLI::App app("Tidies a music collection.", "melodrift-cli");
-    app.set_version_flag("--version", std::string("melodrift-cli ") + MELODRIFT_VERSION);
-    app.require_subcommand(1);
-    app.footer(exitCodes);
-    addReading(app, order, raw);
-    addEditing(app, order, raw);
-    addTakingBack(app, order, raw);
+    CLI::App app(aim, programName);
+    addAll(app, order, raw);
     try {
         app.parse(argc, argv);
         takeRaw(order, raw);
@@ -379,8 +420,8 @@ std::optional<Order> CommandLine::read(int argc, char* argv[], int& exitCode)
     } catch (const CLI::Success& answer) { // help, the version
         exitCode = app.exit(answer);
     } catch (const CLI::Error& error) {
-        const bool hasCommand = !app.get_subcommands().empty();
-        complain(hasCommand ? error.what() : reasonWithoutCommand(argc, argv));
+        const std::vector<CLI::App*> commands = app.get_subcommands();
+        complain(commands.empty() ? reasonWithoutCommand(argc, argv) : reasonOf(error, *commands.front()));
         exitCode = wrongCall;
     }
     return std::nullopt;

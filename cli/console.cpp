@@ -127,7 +127,8 @@ std::string Console::progressLine(std::uint64_t done, std::uint64_t total) const
     std::string line = Figures::count(done);
     if (total >= done && total > 0)
         line += " of " + Figures::count(total);
-    line += " songs, " + Figures::count(std::uint64_t(rate)) + " a second";
+    line += " songs, " + (rate < 1 ? Figures::count(std::uint64_t(rate * 60)) + " a minute"
+                                   : Figures::count(std::uint64_t(rate)) + " a second");
     if (total >= done && total > 0 && rate > 0)
         line += ", " + Figures::length(std::uint64_t(double(total - done) / rate * 1000)) + " left";
     return line;

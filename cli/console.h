@@ -30,12 +30,16 @@ public:
     /// them.
     std::string strong(const std::string& text) const;
 
+    /// Whether there is a terminal to ask on.
+    bool canAsk() const { return m_canAsk; }
     /// Asks on the terminal; whether the answer is "yes". Nobody is asked where there is none.
     bool asksFor(const std::string& question);
 
     /// Whether progress is shown at all.
     bool showsProgress() const { return m_hasProgress; }
-    /// That so many of so many files (0 while that is not known) are read; writes now and then.
+    /// What is told from now on is counted from now on.
+    void beginProgress() { m_begun = Clock::now(); }
+    /// That so many of so many files (0 while that is not known) are done; writes now and then.
     void progress(std::uint64_t done, const std::function<std::uint64_t()>& total);
     /// Takes the progress away and writes all output; false when that could not be done.
     bool finish();
@@ -52,6 +56,6 @@ private:
     const bool m_hasColours;
     const bool m_hasProgress;
     bool m_isProgressShown = false;
-    const Clock::time_point m_begun = Clock::now();
+    Clock::time_point m_begun = Clock::now();
     Clock::time_point m_lastTold = Clock::now();
 };

@@ -1,4 +1,6 @@
+#include "cli/comparing.h"
 #include "cli/figures.h"
+#include "cli/interruption.h"
 #include "cli/report.h"
 #include "cli/songtext.h"
 #include "collection/songlist.h"
@@ -16,10 +18,12 @@ public:
             m_json.begin("duplicates", "groups");
     }
     void song(const SongFile& song) override { m_songs.add(song); }
-    void end(const Tally& tally, bool isInterrupted) override
+    void end(const Tally& tally, bool /*isInterrupted*/) override
     {
-        // Of half of the songs nothing can be said.
-        const QVector<QVector<int>> groups = isInterrupted ? QVector<QVector<int>>() : m_songs.groups();
+        Comparing comparing(m_order, m_console, [this](const std::string& path, const std::string& reason) {
+            failLater(path, reason);
+        });
+        const QVector<QVector<int>> groups = comparing.groupsOf(m_songs);
         int inGroups = 0;
         for (int i = 0; i < groups.size(); ++i) {
             inGroups += groups.at(i).size();
@@ -34,9 +38,9 @@ public:
             return;
         }
         Json counts;
-        tally.addTo(counts);
+        tally.with(comparing.failures()).addTo(counts);
         counts.number("groups", std::uint64_t(groups.size())).number("in_groups", std::uint64_t(inGroups));
-        m_json.end(counts, isInterrupted);
+        m_json.end(counts, Interruption::hasCome());
     }
 
 private:

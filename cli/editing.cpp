@@ -1,16 +1,15 @@
 #include "cli/editing.h"
 
 #include "base/newfile.h"
-#include "cli/corelog.h"
 #include "cli/exitcode.h"
 #include "cli/figures.h"
 #include "cli/interruption.h"
 #include "cli/jsonoutput.h"
 #include "cli/pathlist.h"
 #include "cli/report.h"
+#include "cli/saving.h"
 #include "collection/coretags.h"
 #include "collection/history.h"
-#include "collection/saveproblemtext.h"
 #include "collection/songfile.h"
 
 #ifndef _WIN32
@@ -81,14 +80,9 @@ private:
     }
     QString save(const std::string& path, ChangeStep::Edited& edited)
     {
-        CoreLog::takeLast();
         QString whyNot;
         const TagTexts edit = editOf(m_order, path, whyNot);
-        if (whyNot.isEmpty())
-            whyNot = m_step.edit(path, edit, m_tags, edited);
-        const std::string line = CoreLog::takeLast();
-        const bool onlyTheLogTells = whyNot == SaveProblemText::of(SAVE_OTHER_PROBLEM) && !line.empty();
-        return onlyTheLogTells ? QString::fromStdString(line) : whyNot;
+        return whyNot.isEmpty() ? Saving::edit(m_step, path, edit, edited) : whyNot;
     }
     void saved(const std::string& path)
     {
@@ -131,7 +125,6 @@ private:
     Console& m_console;
     JsonOutput m_json;
     ChangeStep& m_step;
-    CoreTags m_tags;
     Tally m_tally;
     std::uint64_t m_unchanged = 0;
 };

@@ -1,8 +1,18 @@
 #include "cli/jsonoutput.h"
 
 #include "base/text.h"
+#include "cli/songtext.h"
 #include "collection/classification.h"
-#include "collection/formats.h"
+
+namespace {
+/// As the library writes it; empty where there is none to tell the track by.
+QString identifier(const SongFile& track)
+{
+    return track.persistentId == 0
+               ? QString()
+               : QString::number(qulonglong(track.persistentId), 16).toUpper().rightJustified(16, '0');
+}
+} // namespace
 
 void JsonOutput::begin(const char* command, const char* list)
 {
@@ -50,8 +60,10 @@ Json JsonOutput::shortSong(const SongFile& song)
 {
     Json json;
     json.path("path", song.path).text("title", song.title).text("artist", song.artist);
-    json.text("format", Formats::listedName(song.format)).number("milliseconds", song.milliseconds);
+    json.text("format", SongText::format(song)).number("milliseconds", song.milliseconds);
     json.number("bit_rate", song.bitRate).number("sample_rate", song.sampleRate).number("bytes", song.bytes);
+    if (song.isTrack())
+        json.text("persistent_id", identifier(song));
     return json;
 }
 
@@ -61,7 +73,8 @@ Json JsonOutput::song(const SongFile& song)
     json.text("album", song.album).text("genre", song.genre);
     json.number("year", std::uint64_t(qMax(song.year, 0)))
         .number("track", std::uint64_t(qMax(song.track, 0)));
-    json.number("cover_bytes", song.coverBytes);
+    if (!song.isTrack())
+        json.number("cover_bytes", song.coverBytes);
     std::vector<std::string> missing;
     for (const QString& field :
          Classification::missingFields(song.title, song.artist, song.album, song.genre))

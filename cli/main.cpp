@@ -3,6 +3,7 @@
 #include "cli/corelog.h"
 #include "cli/editing.h"
 #include "cli/interruption.h"
+#include "cli/libraryreading.h"
 #include "cli/reading.h"
 #include "cli/takingback.h"
 
@@ -25,7 +26,7 @@ int obey(const Order& order)
     case Order::Command::History:
         return TakingBack::history(order, console);
     default:
-        return Reading::run(order, console);
+        return order.library.empty() ? Reading::run(order, console) : LibraryReading::run(order, console);
     }
 }
 } // namespace

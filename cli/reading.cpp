@@ -22,19 +22,20 @@ public:
         // What standard input names is known only once it is read.
         if (console.showsProgress() && order.pathsFrom.empty())
             m_count = std::make_unique<SongCount>(order.rules, order.paths);
+        m_report.setWaiting([this] { tellProgress(done() - 1); });
     }
 
     void song(const SongFile& song) override
     {
         ++m_tally.songs;
         m_report.song(song);
-        tellProgress();
+        tellProgress(done());
     }
     void failed(const std::string& path, const std::string& reason) override
     {
         ++m_tally.failed;
         m_report.failed(path, reason);
-        tellProgress();
+        tellProgress(done());
     }
     void leftOut(const std::string& path, SongIntake::LeftOut why) override
     {
@@ -44,14 +45,15 @@ public:
             m_console.say(m_console.shown(path) + ": left out, " +
                           (isMusic ? "you cannot write it" : "no music by its name"));
     }
-    bool goesOn() override { return !Interruption::hasCome(); }
+    bool goesOn() override { return m_report.goesOn() && !Interruption::hasCome(); }
 
     const Tally& tally() const { return m_tally; }
 
 private:
-    void tellProgress()
+    std::uint64_t done() const { return m_tally.songs + m_tally.failed; }
+    void tellProgress(std::uint64_t files)
     {
-        m_console.progress(m_tally.songs + m_tally.failed, [this] { return m_count ? m_count->total() : 0; });
+        m_console.progress(files, [this] { return m_count ? m_count->total() : 0; });
     }
 
     const bool m_isVerbose;
@@ -95,13 +97,18 @@ int Reading::run(const Order& order, Console& console)
     sayWhatIsLeftOut(teller.tally(), console);
     if (!wrongList.empty())
         console.complain("--files-from: " + wrongList);
+    return exitCode(order, console, *report, teller.tally().failed + (wrongList.empty() ? 0 : 1));
+}
+
+int Reading::exitCode(const Order& order, Console& console, const Report& report, std::uint64_t failed)
+{
     if (!console.finish()) {
         console.complain("the output could not be written");
         return ExitCode::failed;
     }
     if (Interruption::hasCome())
         return ExitCode::ended;
-    if (!wrongList.empty() || teller.tally().failed + report->failedLater() > 0)
+    if (failed + report.failedLater() > 0)
         return ExitCode::failed;
-    return hasCommon(order.failOn, report->found()) ? ExitCode::found : ExitCode::done;
+    return hasCommon(order.failOn, report.found()) ? ExitCode::found : ExitCode::done;
 }

@@ -1,7 +1,7 @@
 #include "cli/figures.h"
 #include "cli/report.h"
+#include "cli/songtext.h"
 #include "collection/classification.h"
-#include "collection/formats.h"
 
 #include <array>
 #include <map>
@@ -33,7 +33,7 @@ public:
     }
     void song(const SongFile& song) override
     {
-        Format& format = m_formats[Formats::listedName(song.format).toStdString()];
+        Format& format = m_formats[SongText::format(song)];
         ++format.songs;
         format.bytes += song.bytes;
         format.milliseconds += song.milliseconds;
@@ -43,7 +43,7 @@ public:
             count("undefined");
         for (const QString& field : missing)
             count(field.toStdString());
-        if (song.coverBytes == 0)
+        if (song.coverBytes == 0 && !isOfLibrary())
             count("cover");
         if (m_order.form == Order::Form::Lines)
             m_json.item("song", JsonOutput::song(song));
@@ -87,7 +87,8 @@ private:
 
     void writeRow(const std::string& name, std::uint64_t number, const std::string& more = std::string())
     {
-        const QString row = QString::fromStdString(name).leftJustified(20) +
+        const int width = isOfLibrary() ? 34 : 20; // kinds are whole words there
+        const QString row = QString::fromStdString(name).leftJustified(width) +
                             QString::fromStdString(Figures::count(number)).rightJustified(11);
         m_console.writeLine(row.toStdString() + more);
     }
@@ -108,7 +109,13 @@ private:
         for (const Problem& problem : problems)
             if (std::string(problem.name) != "cover")
                 writeRow(std::string("  ") + problem.row, countOf(problem.name));
-        writeRow("no cover", countOf("cover"));
+        if (isOfLibrary()) {
+            writeRow("missing files", tally.missing);
+            writeRow("tracks without file", tally.withoutFile);
+            writeRow("tracks of no song", tally.notSongs);
+        } else {
+            writeRow("no cover", countOf("cover"));
+        }
         writeRow("failed", tally.failed);
         if (tally.notWritable > 0)
             writeRow("not writable", tally.notWritable);
@@ -128,7 +135,8 @@ private:
         }
         Json missing;
         for (const Problem& problem : problems)
-            missing.number(problem.name, countOf(problem.name));
+            if (std::string(problem.name) != "cover" || !isOfLibrary())
+                missing.number(problem.name, countOf(problem.name));
         counts.value("formats", formats.object()).number("undefined", countOf("undefined"));
         m_json.end(counts.value("missing", missing.object()), isInterrupted);
     }

@@ -14,7 +14,8 @@ const char* nameOf(FileChange::Kind kind)
 {
     return kind == FileChange::Kind::Trashed   ? "trashed"
            : kind == FileChange::Kind::Deleted ? "deleted"
-                                               : "edited";
+           : kind == FileChange::Kind::Edited  ? "edited"
+                                               : "taken-out";
 }
 
 void write(const StepReturn::Result& result, const Order& order, Console& console)
@@ -57,6 +58,8 @@ Json jsonOf(const HistoryStep& step)
         one.path("path", change.path)
             .text("kind", std::string(nameOf(change.kind)))
             .flag("back", change.isBack);
+        if (change.kind == FileChange::Kind::TakenOut)
+            one.number("tracks", std::uint64_t(change.tracks));
         changes.push_back(one.object());
     }
     return json.value("changes", Json::list(changes));
@@ -75,7 +78,8 @@ void writeText(const HistoryStep& step, const Order& order, Console& console)
     if (!order.isVerbose)
         return;
     for (const auto& [number, change] : step.changes)
-        console.writeLine("      " + QString::fromLatin1(nameOf(change.kind)).leftJustified(9).toStdString() +
+        console.writeLine("      " +
+                          QString::fromLatin1(nameOf(change.kind)).leftJustified(11).toStdString() +
                           console.shown(change.path) + (change.isBack ? " (taken back)" : ""));
 }
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "base/platform.h"
 #include "collection/fileplace.h"
+#include "itunes/tracktaking.h"
 
 #include <QDateTime>
 
@@ -11,6 +12,11 @@ namespace {
 QString asText(const std::string& text)
 {
     return QString::fromStdString(text);
+}
+
+QString notToBeTakenBack(const QString& reason)
+{
+    return QStringLiteral("it could not be taken back: %1").arg(reason);
 }
 
 /// What of the change the file does not hold yet.
@@ -71,7 +77,7 @@ bool ChangeStep::append(const std::string& lines, Safety safety, QString& reason
     const bool done = m_journal->append(begin + lines, safety, failure);
     m_begun = m_begun || done;
     if (!done)
-        reason = QStringLiteral("it could not be taken back: %1").arg(asText(failure.text));
+        reason = notToBeTakenBack(asText(failure.text));
     return done;
 }
 
@@ -131,10 +137,36 @@ QString ChangeStep::edit(const std::string& path, const TagTexts& change, TagFil
     if (!edit.oldCover.empty() && edit.coverChanged)
         reason = m_covers.keep(held.picture.value_or(QByteArray()));
     if (!reason.isEmpty())
-        return QStringLiteral("it could not be taken back: %1").arg(reason);
+        return notToBeTakenBack(reason);
     if (!whyNotAsLeft(before, FileState::of(file)).isEmpty())
         return QStringLiteral("another program is changing the file");
     return writeEdit(edit, wanted, tags, edited);
+}
+
+QString ChangeStep::takeOut(const std::string& library, const std::vector<std::uint64_t>& tracks)
+{
+    const int number = m_next++;
+    FileChange change;
+    change.kind = FileChange::Kind::TakenOut;
+    change.path = base::realPath(library);
+    change.before = FileState::of(change.path).file;
+    change.tracks = int(tracks.size());
+    bool isWritten = false;
+    const auto announce = [&](const std::string& taken) {
+        const QByteArray bytes = QByteArray::fromStdString(taken);
+        change.taken = KeptCovers::nameOf(bytes);
+        QString reason = m_covers.keep(bytes);
+        if (!reason.isEmpty())
+            return notToBeTakenBack(reason).toStdString();
+        isWritten = append(HistorySteps::changeLine(m_number, number, change), Safety::PowerCut, reason);
+        return reason.toStdString();
+    };
+    std::string reason;
+    const iTunesTaking taking = takeTracksOut(change.path, tracks, announce, reason);
+    QString borne; // the library holds the tracks, which says the same
+    if (taking == iTunesTaking::Refused && isWritten)
+        append(HistorySteps::notDoneLine(m_number, number), Safety::Kill, borne);
+    return asText(reason);
 }
 
 QString ChangeStep::writeEdit(const FileChange& edit, const TagTexts& change, TagFiles& tags, Edited& edited)

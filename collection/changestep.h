@@ -9,8 +9,10 @@
 
 #include <QString>
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 /// Changes files so that a later run can take it back: nothing is changed that could not be written down
 /// before. One object for each call of a program, made by History; while it lives no other run changes
@@ -39,6 +41,9 @@ public:
     /// Puts the change into the tags of the file; what the file holds already is no change. Where it answers
     /// a reason and `edited` is Yes all the same, a part of it was done.
     QString edit(const std::string& path, const TagTexts& change, TagFiles& tags, Edited& edited);
+    /// Takes tracks, by persistent identifier, out of the library file, all of them or none; their media
+    /// files stay (takeTracksOut).
+    QString takeOut(const std::string& library, const std::vector<std::uint64_t>& tracks);
 
 private:
     bool append(const std::string& lines, HistoryJournal::Safety safety, QString& reason);

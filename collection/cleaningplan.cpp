@@ -30,7 +30,7 @@ Group undecided(const QVector<SongCopy>& copies)
     Group group;
     group.reserve(copies.size());
     for (const SongCopy& copy : copies)
-        group.append(Decision{copy, Fate::Stays, QString(), 0});
+        group.append(Decision{copy, Fate::Stays, QString(), 0, false});
     return group;
 }
 
@@ -42,8 +42,11 @@ const Decision* keptOf(const Group& group)
 }
 } // namespace
 
-CleaningPlan::CleaningPlan(const QVector<QVector<SongCopy>>& groups, const QVector<KeepRule>& rules)
+CleaningPlan::CleaningPlan(const QVector<QVector<SongCopy>>& groups, const QVector<KeepRule>& rules,
+                           const std::vector<std::string>& others)
 {
+    for (const std::string& path : others)
+        m_kept.add(path);
     m_groups.reserve(groups.size());
     for (const QVector<SongCopy>& copies : groups) {
         m_groups.append(undecided(copies));
@@ -62,6 +65,8 @@ void CleaningPlan::decide(Group& group, const QVector<KeepRule>& rules)
     QVector<int> left;
     for (int position = 0; position < group.size(); ++position) {
         copies.append(group.at(position).copy);
+        if (!copies.last().whyItStays.isEmpty())
+            m_kept.add(copies.last().path);
         if (isThere(copies.last()))
             left.append(position);
         else
@@ -86,8 +91,14 @@ void CleaningPlan::decide(Group& group, const QVector<KeepRule>& rules)
 /// Once it is known what is kept in all groups.
 void CleaningPlan::letGo(Group& group, QSet<FilePlace::Place>& leaving)
 {
+    const bool hasKept = keptOf(group) != nullptr;
     for (Decision& decision : group) {
-        if (decision.fate == Fate::Kept || !decision.reason.isEmpty())
+        if (decision.fate == Fate::Kept)
+            continue;
+        decision.losesTrack = hasKept && decision.copy.track != 0;
+        if (decision.reason.isEmpty())
+            decision.reason = decision.copy.whyItStays;
+        if (!decision.reason.isEmpty())
             continue;
         const FilePlace place = FilePlace::of(decision.copy.path);
         if (m_kept.wouldLose(place)) {
@@ -107,6 +118,7 @@ void CleaningPlan::addUp()
     QHash<FilePlace::FileId, quint64> names;
     for (Group& group : m_groups)
         for (Decision& decision : group) {
+            m_tracksGoing += decision.losesTrack;
             if (decision.fate != Fate::Goes)
                 continue;
             const base::FileState& file = decision.copy.state.file;
@@ -117,11 +129,18 @@ void CleaningPlan::addUp()
         }
 }
 
-QString CleaningPlan::whyItMayNotGo(const Decision& decision, const Decision& kept) const
+QString CleaningPlan::whyNoneMayGo(const Group& group)
 {
-    if (!isAsFound(kept.copy))
-        return QStringLiteral("the copy that is kept in its place is not as it was found");
-    return m_kept.wouldLose(decision.copy.path) ? sharedFile() : QString();
+    const Decision* const kept = keptOf(group);
+    return kept && isAsFound(kept->copy)
+               ? QString()
+               : QStringLiteral("the copy that is kept in its place is not as it was found");
+}
+
+QString CleaningPlan::whyItMayNotGo(const Group& group, const Decision& decision) const
+{
+    const QString reason = whyNoneMayGo(group);
+    return reason.isEmpty() && m_kept.wouldLose(decision.copy.path) ? sharedFile() : reason;
 }
 
 bool CleaningPlan::carryOut(const Remove& remove, const Told& told,
@@ -129,13 +148,12 @@ bool CleaningPlan::carryOut(const Remove& remove, const Told& told,
 {
     int done = 0;
     for (const Group& group : m_groups) {
-        const Decision* const kept = keptOf(group);
         for (const Decision& decision : group) {
             if (decision.fate != Fate::Goes)
                 continue;
             if (!goOn(done++))
                 return false;
-            const QString reason = whyItMayNotGo(decision, *kept);
+            const QString reason = whyItMayNotGo(group, decision);
             told(decision, reason.isEmpty() ? remove(decision.copy.path, decision.copy.state) : reason);
         }
     }

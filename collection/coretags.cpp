@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "collection/saveproblemtext.h"
 #include "collection/songfile.h"
+#include "collection/tagitems.h"
 
 #include <memory>
 
@@ -48,8 +49,7 @@ QString CoreTags::read(const std::string& path, TagTexts& held)
         if (item.dataKind != 0)
             held.picture = QByteArray(static_cast<const char*>(item.data), item.size);
         else if (item.type >= 0 && item.type < TagFields::names().size())
-            held.texts.insert(TagFields::names().at(item.type),
-                              QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4));
+            held.texts.insert(TagFields::names().at(item.type), TagItems::textOf(item));
     }
     return whyNot;
 }
@@ -60,17 +60,10 @@ QString CoreTags::write(const std::string& path, const TagTexts& change)
     const OpenTag tag = open(path, whyNot);
     if (!tag)
         return whyNot;
-    for (auto text = change.texts.begin(); text != change.texts.end(); ++text) {
-        const int type = TagFields::typeOf(text.key());
-        std::u32string wide = text.value().toStdU32String();
-        tag->RemoveItem(type);
-        tag->SetItem({-1, type, 0, std::int32_t(wide.size() * sizeof(char32_t)), wide.data()});
-    }
-    if (change.picture) {
-        QByteArray bytes = *change.picture;
-        tag->RemoveItem(TAG_PICTURE);
-        tag->SetItem({-1, TAG_PICTURE, 1, bytes.size(), bytes.data()});
-    }
+    for (auto text = change.texts.begin(); text != change.texts.end(); ++text)
+        TagItems::replaceText(*tag, TagFields::typeOf(text.key()), text.value());
+    if (change.picture)
+        TagItems::replacePicture(*tag, *change.picture);
     return tag->Save() == 0 ? QString() : SaveProblemText::of(SaveProblemOf(tag.get()));
 }
 

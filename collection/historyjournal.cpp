@@ -1,41 +1,22 @@
 #include "collection/historyjournal.h"
 
 #include "base/newfile.h"
+#include "base/userfolder.h"
 #include "collection/historysteps.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <map>
-#include <system_error>
-#include <thread>
 
-namespace fs = std::filesystem;
 using base::Failure;
 using base::NewFile;
 
 namespace {
 constexpr std::string_view firstLine = "melodrift changes 1\n";
 constexpr std::size_t block = std::size_t(256) * 1024;
-constexpr std::chrono::milliseconds retryPause(20);
 
 std::string fileIn(const std::string& folder)
 {
     return folder + "/journal";
-}
-
-bool makeFolder(const std::string& folder, Failure& failure)
-{
-    std::error_code refused;
-    fs::create_directories(folder, refused);
-    if (!refused && fs::is_directory(folder, refused) && !refused) {
-        std::error_code borne; // of a disk without rights
-        fs::permissions(folder, fs::perms::owner_all, borne);
-        return true;
-    }
-    failure = {"the folder " + folder + " cannot be made: " + (refused ? refused.message() : "it is a file"),
-               base::kindOf(refused.value())};
-    return false;
 }
 
 /// Hands out whole lines from a place on.
@@ -73,36 +54,12 @@ Failure notOurs(const std::string& path)
 }
 } // namespace
 
-HistoryJournal::File HistoryJournal::openOrMake(const std::string& path, std::string_view content,
-                                                Failure& failure)
-{
-    File file(base::openNoLink(path));
-    if (file || errno != ENOENT) {
-        if (!file)
-            failure = base::systemFailure(path + " cannot be opened: ");
-        return file;
-    }
-    base::removeLeftovers(path);
-    const std::unique_ptr<NewFile> made = NewFile::forName(path, failure);
-    if (!made)
-        return nullptr;
-    if (base::writeAt(made->file(), 0, content.data(), content.size()) != content.size() ||
-        !base::syncToDevice(made->file())) {
-        failure = base::systemFailure(path + " cannot be made: ");
-        return nullptr;
-    }
-    const NewFile::Taking taking = made->takeFreeName(path, failure);
-    if (taking == NewFile::Taking::Done || taking == NewFile::Taking::NameTaken)
-        file.reset(base::openNoLink(path));
-    return file;
-}
-
 std::unique_ptr<HistoryJournal> HistoryJournal::open(const std::string& folder, std::int64_t mostBytes,
                                                      std::chrono::milliseconds patience, Failure& failure)
 {
     std::unique_ptr<HistoryJournal> journal(new HistoryJournal);
     journal->m_path = fileIn(folder);
-    if (!makeFolder(folder, failure) || !journal->lock(folder + "/lock", patience, failure) ||
+    if (!base::makeUserFolder(folder, failure) || !journal->lock(folder + "/lock", patience, failure) ||
         !journal->load(failure))
         return nullptr;
     if (journal->m_end > mostBytes && !journal->shorten(mostBytes, failure))
@@ -113,22 +70,16 @@ std::unique_ptr<HistoryJournal> HistoryJournal::open(const std::string& folder, 
 /// A file of its own, since another journal may take the place of this one.
 bool HistoryJournal::lock(const std::string& path, std::chrono::milliseconds patience, Failure& failure)
 {
-    m_lock = openOrMake(path, std::string_view(), failure);
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (m_lock && !base::lockFile(m_lock.get()) && errno == EWOULDBLOCK) { // else there are no locks here
-        if (std::chrono::steady_clock::now() >= end) {
-            failure = {"another run is changing files", Failure::Kind::InUse};
-            return false;
-        }
-        std::this_thread::sleep_for(retryPause);
-    }
+    m_lock.reset(base::lockUserFile(path, patience, failure));
+    if (failure.kind == Failure::Kind::InUse)
+        failure.text = "another run is changing files";
     return bool(m_lock);
 }
 
 /// What stands behind the last line feed was never answered.
 bool HistoryJournal::load(Failure& failure)
 {
-    m_file = openOrMake(m_path, firstLine, failure);
+    m_file.reset(base::openUserFile(m_path, firstLine, failure));
     if (!m_file)
         return false;
     base::FileState state;

@@ -49,7 +49,6 @@ private:
     using File = std::unique_ptr<std::FILE, Close>;
 
     HistoryJournal() = default;
-    static File openOrMake(const std::string& path, std::string_view content, base::Failure& failure);
     bool lock(const std::string& path, std::chrono::milliseconds patience, base::Failure& failure);
     bool load(base::Failure& failure);
     bool shorten(std::int64_t mostBytes, base::Failure& failure);

@@ -9,7 +9,8 @@ namespace {
 using Reader = HistoryLine::Reader;
 
 constexpr std::string_view beginning = "step";
-constexpr std::string_view kinds[] = {"trashed", "deleted", "edited"}; // as FileChange::Kind has them
+constexpr std::string_view kinds[] = {"trashed", "deleted", "edited",
+                                      "taken-out"}; // as FileChange::Kind has them
 
 HistoryLine lineOf(const std::string& what, int step)
 {
@@ -55,6 +56,12 @@ void readEdit(Reader& line, FileChange& change)
     }
 }
 
+int smallNumber(Reader& line)
+{
+    const std::int64_t number = line.number();
+    return number >= 0 && number <= std::numeric_limits<int>::max() ? int(number) : -1;
+}
+
 /// What stands behind the numbers of step and change.
 FileChange changeFrom(Reader& line, FileChange::Kind kind)
 {
@@ -67,14 +74,11 @@ FileChange changeFrom(Reader& line, FileChange::Kind kind)
         change.nameInTrash = line.text();
     } else if (kind == FileChange::Kind::Edited) {
         readEdit(line, change);
+    } else if (kind == FileChange::Kind::TakenOut) {
+        change.tracks = smallNumber(line);
+        change.taken = line.text();
     }
     return change;
-}
-
-int smallNumber(Reader& line)
-{
-    const std::int64_t number = line.number();
-    return number >= 0 && number <= std::numeric_limits<int>::max() ? int(number) : -1;
 }
 } // namespace
 
@@ -103,6 +107,8 @@ std::string HistorySteps::changeLine(int step, int number, const FileChange& cha
             put(line, field.old);
             put(line, field.now);
         }
+    } else if (change.kind == FileChange::Kind::TakenOut) {
+        line.number(change.tracks).text(change.taken);
     }
     return line.whole();
 }

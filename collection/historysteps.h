@@ -22,7 +22,8 @@ struct FileChange
     enum class Kind {
         Trashed,
         Deleted, ///< for good
-        Edited   ///< its tags
+        Edited,  ///< its tags
+        TakenOut ///< tracks, of a music library
     };
     struct Field
     {
@@ -44,6 +45,9 @@ struct FileChange
     bool coverChanged = false;
     std::string oldCover; ///< its name among the covers that are kept; empty for none
     std::string newCover; ///< the name that it would have there
+
+    int tracks = 0;    ///< that were taken out
+    std::string taken; ///< the name that what brings them back has among the covers
 
     base::TrashedFile trashedFile() const { return {path, trash, nameInTrash, before}; }
 };

@@ -7,15 +7,18 @@
 #include <QString>
 #include <QVector>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
 /// A copy of a song that is a file.
 struct SongCopy
 {
-    std::string path;      ///< of any bytes, as the system has them
-    FileState state;       ///< of what lies at the path itself (FileState::ofEntry), as the copy was found
-    BestCopy::Sound sound; ///< as far as it is known
+    std::string path;        ///< of any bytes, as the system has them
+    FileState state;         ///< of what lies at the path itself (FileState::ofEntry), as the copy was found
+    BestCopy::Sound sound;   ///< as far as it is known
+    std::uint64_t track = 0; ///< by which a music library has it; 0 for a file without one
+    QString whyItStays = {}; ///< the file, whatever the rules say; empty for one that may go
 };
 
 /// Which copies of a song are rather kept than others. Any thread.

@@ -9,9 +9,9 @@
 #include <string>
 #include <unordered_map>
 
-/// Covers that were taken out of files, in a folder of their own, each once by its content. There is an end
-/// to their bytes: the ones that were put in longest ago go first. One thread at a time, and no two
-/// processes.
+/// Covers that were taken out of files, and tracks out of libraries, in a folder of their own, each once by
+/// its content. There is an end to their bytes: the ones that were put in longest ago go first. One thread at
+/// a time, and no two processes.
 class KeptCovers
 {
 public:

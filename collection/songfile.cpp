@@ -5,6 +5,7 @@
 #include "base/failure.h"
 #include "base/platform.h"
 #include "base/text.h"
+#include "collection/tagitems.h"
 
 #include <cstdio>
 #include <new>
@@ -14,7 +15,7 @@ const char* const noMemory = "there is not enough memory";
 
 void takeText(const TagItem& item, SongFile& song)
 {
-    const QString text = QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4);
+    const QString text = TagItems::textOf(item);
     switch (item.type) {
     case TAG_TITLE:
         song.title = text;

@@ -24,12 +24,16 @@ struct SongFile
     int format = -1; ///< the audio core's code
     FileState state; ///< of what lies at the path itself, as it was before it was read
     std::uint64_t milliseconds = 0;
-    std::uint64_t bitRate = 0;    ///< bits per second
-    std::uint64_t sampleRate = 0; ///< hertz
-    std::uint64_t bytes = 0;      ///< of the file
-    std::uint64_t coverBytes = 0; ///< of the picture that lists show; 0 without one
-    std::string whyNot;           ///< why the file could not be read; empty when it was
+    std::uint64_t bitRate = 0;      ///< bits per second
+    std::uint64_t sampleRate = 0;   ///< hertz
+    std::uint64_t bytes = 0;        ///< of the file
+    std::uint64_t coverBytes = 0;   ///< of the picture that lists show; 0 without one
+    QString kind;                   ///< of a track in a music library, in its words
+    std::uint64_t persistentId = 0; ///< of such a track, by which it is changed; 0 where it cannot be
+    std::string whyNot;             ///< why the file could not be read; empty when it was
 
+    /// Of a music library, which has a word for its kind.
+    bool isTrack() const { return !kind.isNull(); }
     bool isRead() const { return whyNot.empty(); }
     static SongFile failed(const std::string& path, const std::string& reason);
 };

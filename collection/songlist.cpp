@@ -25,7 +25,6 @@ const char* SongList::keep(const std::string& texts)
 
 void SongList::add(const SongFile& song)
 {
-    const bool isByTitle = m_by == By::TitleAndDuration;
     // A zero within a text would be taken for its end.
     QString title = song.title;
     QString artist = song.artist;
@@ -35,7 +34,11 @@ void SongList::add(const SongFile& song)
                        std::int16_t(song.format)});
     if (m_keepsStates)
         m_states.push_back(song.state);
-    m_keys.append(isByTitle ? song.title : SongLikeness::artistAndTitle(song.artist, song.title));
+    if (song.isTrack())
+        m_tracks.push_back({song.persistentId, song.kind});
+    m_keys.append(m_by == By::TitleAndDuration ? song.title
+                  : m_by == By::ArtistAndTitle ? SongLikeness::artistAndTitle(song.artist, song.title)
+                                               : QString());
     m_keys.back().squeeze();
     m_durations.append(song.milliseconds);
 }
@@ -56,6 +59,10 @@ SongFile SongList::at(int position) const
     song.format = facts.format;
     if (m_keepsStates)
         song.state = m_states[std::size_t(position)];
+    if (!m_tracks.empty()) {
+        song.persistentId = m_tracks[std::size_t(position)].persistentId;
+        song.kind = m_tracks[std::size_t(position)].kind;
+    }
     return song;
 }
 

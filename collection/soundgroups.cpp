@@ -165,6 +165,13 @@ void Window::lookIn(const FingerprintIndex& index, const std::vector<Heard>& hea
     }
 }
 
+bool tellsEnough(const Fingerprint& fingerprint)
+{
+    return fingerprint.size() >= SoundGroups::fewestValues &&
+           std::any_of(fingerprint.begin(), fingerprint.end(),
+                       [first = fingerprint.first()](quint32 value) { return value != first; });
+}
+
 QVector<QVector<int>> groupsOf(Circles& circles, int songs)
 {
     std::vector<int> groupOf(std::size_t(songs), -1); // by the first song
@@ -220,7 +227,7 @@ QVector<QVector<int>> SoundGroups::find(const QList<quint64>& durations,
         if (durations.at(song) == 0)
             continue;
         Window::Heard heard = {song, durations.at(song), fingerprintOf(song)};
-        if (heard.fingerprint.size() < fewestValues)
+        if (!tellsEnough(heard.fingerprint))
             continue;
         window.moveTo(heard.duration);
         window.eachLike(heard, [&](const Window::Heard& other, int shift) {

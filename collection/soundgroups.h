@@ -16,7 +16,8 @@ using Fingerprint = QVector<quint32>;
 constexpr double mostBitsApart = 0.1;
 /// How much later one may begin than the other, in values: seven seconds and a half.
 constexpr int mostShift = 60;
-/// Whoever has fewer values is like nobody: about two seconds.
+/// Whoever has fewer values is like nobody: about two seconds. So is who has one value alone, as silence
+/// does.
 constexpr int fewestValues = 16;
 /// How far apart lengths may be, in milliseconds.
 constexpr quint64 mostApart = 7000;

@@ -1,6 +1,9 @@
 #include "collection/stepreturn.h"
 
+#include "base/newfile.h"
+#include "base/platform.h"
 #include "collection/filestate.h"
+#include "itunes/tracktaking.h"
 
 #include <algorithm>
 
@@ -68,6 +71,8 @@ QString StepReturn::takeBack(const FileChange& change)
         return bringBack(change);
     case FileChange::Kind::Edited:
         return takeEditBack(change);
+    case FileChange::Kind::TakenOut:
+        return bringTracksBack(change);
     case FileChange::Kind::Deleted:
         break;
     }
@@ -90,10 +95,23 @@ QString StepReturn::bringBack(const FileChange& change)
     }
 }
 
+/// What the library holds tells whether it was done.
+QString StepReturn::bringTracksBack(const FileChange& change)
+{
+    const std::optional<QByteArray> taken = m_covers.find(change.taken);
+    std::string reason;
+    if (!taken)
+        return QStringLiteral("what was taken out of it is not kept any more");
+    return putTracksBack(change.path, taken->toStdString(), reason) ? QString()
+                                                                    : QString::fromStdString(reason);
+}
+
 QString StepReturn::takeEditBack(const FileChange& edit)
 {
     const FileState now = FileState::of(edit.path);
     const std::optional<base::FileState> left = m_history.left(edit);
+    if (!left && now.exists()) // a kill may have ended the save, which left its copy
+        base::removeLeftovers(base::realPath(edit.path));
     QString change = whyNotAsLeft(left ? thereAs(*left) : thereAs(edit.before), now);
     if (change.isEmpty())
         return left ? restore(edit) : QString();

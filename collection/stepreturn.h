@@ -44,6 +44,7 @@ private:
     QString takeBack(const FileChange& change);
     QString bringBack(const FileChange& change);
     QString takeEditBack(const FileChange& edit);
+    QString bringTracksBack(const FileChange& change);
     QString restore(const FileChange& edit);
     void note(const HistoryStep& step, int number, FileChange& change);
 

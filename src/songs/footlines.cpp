@@ -2,6 +2,7 @@
 
 #include "audiocore/iaudioidentifier.h"
 #include "collection/counttext.h"
+#include "collection/identificationtext.h"
 #include "collection/saveproblemtext.h"
 #include "common/textfit.h"
 
@@ -316,38 +317,11 @@ QString FootLines::identified(int status)
 
 QString FootLines::keyOffer()
 {
-    return QStringLiteral(
-        "With a free key from https://acoustid.org/new-application songs are identified by their sound.");
+    return IdentificationText::keyOffer();
 }
 
 QString FootLines::notIdentified(int status)
 {
-    switch (status) {
-    case IDENTIFY_NO_MATCH:
-        return QStringLiteral("Not identified: the services know no such recording.");
-    case IDENTIFY_NO_FILE:
-        return QStringLiteral("Not identified: the file cannot be read.");
-    case IDENTIFY_NO_AUDIO:
-        return QStringLiteral("Not identified: the file holds no sound that can be decoded.");
-    case IDENTIFY_TOO_SHORT:
-        return QStringLiteral("Not identified: the song is too short.");
-    case IDENTIFY_NO_KEY:
-        return QStringLiteral("Not identified: the services know no song that fits its tags.");
-    case IDENTIFY_BAD_ADDRESS:
-        return QStringLiteral("Not identified: the address of a service is not safe.");
-    case IDENTIFY_NO_CONNECTION:
-        return QStringLiteral("Not identified: there is no connection to the services.");
-    case IDENTIFY_REFUSED:
-        return QStringLiteral("Not identified: a service refused to answer.");
-    case IDENTIFY_NOT_UNDERSTOOD:
-        return QStringLiteral("Not identified: the answer of a service makes no sense.");
-    case IDENTIFY_NO_MEMORY:
-        return QStringLiteral("Not identified: there is not enough memory.");
-    case IDENTIFY_FOUND:
-    case IDENTIFY_FOUND_BY_TAGS:
-    case IDENTIFY_CANCELLED:
-        return QString();
-    default:
-        return QStringLiteral("Not identified: there is nothing to identify songs with.");
-    }
+    const QString reason = IdentificationText::whyNot(status);
+    return reason.isEmpty() ? reason : QStringLiteral("Not identified: %1.").arg(reason);
 }

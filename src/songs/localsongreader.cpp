@@ -4,6 +4,7 @@
 #include "audiocore/iaudiotag.h"
 #include "collection/formats.h"
 #include "collection/songfile.h"
+#include "collection/tagitems.h"
 #include "qmusicinfo.h"
 
 #include <QDir>
@@ -67,7 +68,7 @@ void LocalSongReader::readTag(IAudioTag& tag, QMusicInfo& song)
 
 void LocalSongReader::takeText(const TagItem& item, QMusicInfo& song)
 {
-    const QString text = QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4);
+    const QString text = TagItems::textOf(item);
     if (item.type >= 0 && item.type < tagTypes && m_firstTexts[item.type].isEmpty()) {
         m_firstTexts[item.type] = text;
         m_addedPathList.append(text);

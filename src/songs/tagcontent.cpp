@@ -2,8 +2,7 @@
 
 #include "audiocore/iaudiotag.h"
 #include "audiocore/saveproblem.h"
-
-#include <string>
+#include "collection/tagitems.h"
 
 namespace {
 /// Where the text of a type belongs; null for any other item.
@@ -28,27 +27,14 @@ auto placeIn(Content& content, int type) -> decltype(&content.title)
     }
 }
 
-void replaceText(IAudioTag& tag, qint32 type, const QString& text)
-{
-    std::u32string wide = text.toStdU32String();
-    tag.RemoveItem(type);
-    tag.SetItem({-1, type, 0, qint32(wide.size() * sizeof(char32_t)), wide.data()});
-}
-
 void replaceTexts(IAudioTag& tag, const TagContent& content)
 {
-    replaceText(tag, TAG_ARTIST, content.artist);
-    replaceText(tag, TAG_TITLE, content.title);
-    replaceText(tag, TAG_ALBUM, content.album);
-    replaceText(tag, TAG_GENRE, content.genre);
-    replaceText(tag, TAG_YEAR, content.year);
-    replaceText(tag, TAG_TRACK, content.track);
-}
-
-void replacePicture(IAudioTag& tag, QByteArray picture)
-{
-    tag.RemoveItem(TAG_PICTURE);
-    tag.SetItem({-1, TAG_PICTURE, 1, picture.size(), picture.data()});
+    TagItems::replaceText(tag, TAG_ARTIST, content.artist);
+    TagItems::replaceText(tag, TAG_TITLE, content.title);
+    TagItems::replaceText(tag, TAG_ALBUM, content.album);
+    TagItems::replaceText(tag, TAG_GENRE, content.genre);
+    TagItems::replaceText(tag, TAG_YEAR, content.year);
+    TagItems::replaceText(tag, TAG_TRACK, content.track);
 }
 } // namespace
 
@@ -64,7 +50,7 @@ TagContent TagContent::of(IAudioTag& tag)
         if (item.dataKind != 0)
             content.picture = QByteArray(static_cast<const char*>(item.data), item.size);
         else if (QString* const place = placeIn(content, item.type))
-            *place = QString::fromUcs4(static_cast<const char32_t*>(item.data), item.size / 4);
+            *place = TagItems::textOf(item);
     }
     return content;
 }
@@ -78,7 +64,7 @@ QString TagContent::text(int type) const
 int TagContent::save(IAudioTag& tag) const
 {
     replaceTexts(tag, *this);
-    replacePicture(tag, picture);
+    TagItems::replacePicture(tag, picture);
     return tag.Save();
 }
 

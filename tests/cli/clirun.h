@@ -52,6 +52,7 @@ public:
         run.process.setWorkingDirectory(m_files.path());
         run.set(QStringLiteral("HOME"), path(QStringLiteral("home")));
         run.unset(QStringLiteral("XDG_STATE_HOME"));
+        run.unset(QStringLiteral("XDG_CACHE_HOME"));
     }
     /// The built program, which lies beside the tests.
     static QString program()

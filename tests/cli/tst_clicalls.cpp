@@ -44,7 +44,7 @@ void TestCliCalls::everyCommandHasHelpWithExamples_data()
 {
     QTest::addColumn<QString>("command");
     for (const char* command :
-         {"scan", "undefined", "duplicates", "clean", "show", "cover", "tag", "undo", "history"})
+         {"scan", "undefined", "duplicates", "clean", "show", "identify", "cover", "tag", "undo", "history"})
         QTest::newRow(command) << QString(command);
 }
 
@@ -79,6 +79,9 @@ void TestCliCalls::wrongCallsEndWithTwo_data()
     row({"undefined", "--fail-on", "cover", "."}, "cover");
     row({"duplicates", "--by", "smell", "."}, "smell");
     row({"duplicates", "--files-from"}, "--files-from");
+    row({"identify"}, "PATH");
+    row({"identify", "--yes", "a.mp3"}, "--write");
+    row({"identify", "--fail-on", "rain", "a.mp3"}, "rain");
     row({"cover", "a.mp3"}, "--out");
     row({"cover", "--out", "x"}, "FILE");
     row({"cover", "a.mp3", "b.mp3", "--out", "x"}, "FILE");

@@ -1,86 +1,6 @@
 // The program on a terminal: colours, and the question before files go.
-#include "clirun.h"
-
-#include <cstdlib>
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-namespace {
-/// A run of the program on a terminal of its own.
-class TerminalRun
-{
-public:
-    TerminalRun(const CliRun& files, const QStringList& arguments, const QByteArray& noColours = QByteArray())
-        : m_terminal(::posix_openpt(O_RDWR | O_NOCTTY))
-    {
-        if (m_terminal < 0 || ::grantpt(m_terminal) != 0 || ::unlockpt(m_terminal) != 0)
-            qFatal("there is no terminal to be had");
-        const QByteArray name = ::ptsname(m_terminal);
-        m_child = ::fork();
-        if (m_child == 0)
-            become(name, files, arguments, noColours);
-    }
-    ~TerminalRun()
-    {
-        ::close(m_terminal);
-        if (m_child > 0) {
-            ::kill(m_child, SIGKILL);
-            ::waitpid(m_child, nullptr, 0);
-        }
-    }
-    Q_DISABLE_COPY(TerminalRun)
-
-    /// Reads up to a text, or to the end without one.
-    QByteArray readTo(const QByteArray& end = QByteArray())
-    {
-        char byte = 0;
-        QByteArray text;
-        while ((end.isEmpty() || !text.endsWith(end)) && ::read(m_terminal, &byte, 1) == 1)
-            text += byte;
-        return text;
-    }
-    void type(const QByteArray& text)
-    {
-        QCOMPARE(::write(m_terminal, text.constData(), size_t(text.size())), text.size());
-    }
-    int code()
-    {
-        int status = 0;
-        ::waitpid(std::exchange(m_child, -1), &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    [[noreturn]] static void become(const QByteArray& terminal, const CliRun& files,
-                                    const QStringList& arguments, const QByteArray& noColours)
-    {
-        ::setsid();
-        const int fd = ::open(terminal.constData(), O_RDWR);
-        for (const int standard : {0, 1, 2})
-            ::dup2(fd, standard);
-        qputenv("HOME", QFile::encodeName(files.path("home")));
-        qputenv("TERM", "xterm");
-        qputenv("NO_COLOR", noColours);
-        qunsetenv("XDG_STATE_HOME");
-        qunsetenv("XDG_DATA_HOME");
-        const QByteArray program = QFile::encodeName(CliRun::program());
-        QList<QByteArray> words{program};
-        for (const QString& argument : arguments)
-            words.append(QFile::encodeName(argument));
-        std::vector<char*> argv;
-        for (QByteArray& word : words)
-            argv.push_back(word.data());
-        argv.push_back(nullptr);
-        if (::chdir(QFile::encodeName(files.path()).constData()) == 0)
-            ::execv(program.constData(), argv.data());
-        ::_exit(127);
-    }
-
-    const int m_terminal;
-    pid_t m_child;
-};
-} // namespace
+#include "identifyserver.h"
+#include "terminalrun.h"
 
 class TestCliTerminal : public QObject
 {
@@ -94,6 +14,9 @@ private slots:
     void aTypedYesDoesIt();
     void anotherAnswerDoesNothing();
     void aListOnTheInputIsNoAnswer();
+    void whatIsIdentifiedIsWrittenAfterAYes();
+    void whatChangesBeforeTheYesStays();
+    void aWaitIsShownAndInterrupted();
 
 private:
     std::unique_ptr<CliRun> m_run;
@@ -111,7 +34,7 @@ void TestCliTerminal::headingsAreBoldWhereColoursAreLiked()
     TerminalRun bold(*m_run, {"duplicates", "."});
     QVERIFY(bold.readTo().contains("\x1b[1mHalo (2)\x1b[0m\r\n"));
     QCOMPARE(bold.code(), 0);
-    TerminalRun plain(*m_run, {"duplicates", "."}, "1");
+    TerminalRun plain(*m_run, {"duplicates", "."}, {"1", "xterm"});
     const QByteArray text = plain.readTo();
     QVERIFY2(text.contains("Halo (2)\r\n") && !text.contains("\x1b[1m"), text);
 }
@@ -156,6 +79,52 @@ void TestCliTerminal::aListOnTheInputIsNoAnswer()
     run.type("a.mp3\nb.mp3\nyes\n\x04");
     QVERIFY(run.readTo().contains("nothing was done"));
     QVERIFY(QFile::exists(m_run->path("b.mp3")));
+}
+
+void TestCliTerminal::whatIsIdentifiedIsWrittenAfterAYes()
+{
+    const IdentifyServer server;
+    server.putIntoEnvironment();
+    for (const bool isWanted : {false, true}) {
+        TerminalRun run(*m_run, {"identify", "--write", "a.mp3", "b.mp3"});
+        const QByteArray plan = run.readTo("2 songs written: ");
+        QVERIFY2(plan.contains("\x1b[1ma.mp3\x1b[0m (by its sound, 98 %)\r\n"), plan);
+        QVERIFY2(plan.contains("  title     Halo \u2192 Midnight Ferry\r\n"), plan);
+        QCOMPARE(AudioFile::read(m_run->path("a.mp3")).texts[TAG_TITLE], QString("Halo"));
+        run.type(isWanted ? "yes\n" : "no\n");
+        const QByteArray rest = run.readTo();
+        QVERIFY2(rest.contains(isWanted ? "2 songs saved; melodrift-cli undo 1" : "nothing was done"), rest);
+        QCOMPARE(run.code(), 0);
+    }
+    for (const char* name : {"a.mp3", "b.mp3"})
+        QCOMPARE(AudioFile::read(m_run->path(name)).texts[TAG_TITLE], QString("Midnight Ferry"));
+}
+
+void TestCliTerminal::whatChangesBeforeTheYesStays()
+{
+    const IdentifyServer server;
+    server.putIntoEnvironment();
+    TerminalRun run(*m_run, {"identify", "--write", "a.mp3", "b.mp3"});
+    run.readTo("2 songs written: ");
+    QCOMPARE(AudioFile::write(m_run->path("a.mp3"), {{TAG_TITLE, "Mine"}}), 0);
+    run.type("yes\n");
+    const QByteArray rest = run.readTo();
+    QVERIFY2(rest.contains("a.mp3: its tags were changed meanwhile") && rest.contains("1 song saved"), rest);
+    QCOMPARE(run.code(), 3);
+    QCOMPARE(AudioFile::read(m_run->path("a.mp3")).texts[TAG_TITLE], QString("Mine"));
+    QCOMPARE(AudioFile::read(m_run->path("b.mp3")).texts[TAG_TITLE], QString("Midnight Ferry"));
+}
+
+void TestCliTerminal::aWaitIsShownAndInterrupted()
+{
+    IdentifyServer server;
+    server.putIntoEnvironment();
+    server.setManner(IdentifyServer::AcoustId, IdentifyServer::Manner::Silent);
+    TerminalRun run(*m_run, {"identify", "--write", "a.mp3"});
+    QVERIFY(run.readTo(" a minute").contains("0 of 1 songs, 0 a minute"));
+    run.type("\x03");
+    run.readTo();
+    QCOMPARE(run.code(), 130);
 }
 
 QTEST_GUILESS_MAIN(TestCliTerminal)

@@ -46,6 +46,17 @@ FileChange deleted()
     change.before = stateOf(3, 4);
     return change;
 }
+
+FileChange takenOut()
+{
+    FileChange change;
+    change.kind = FileChange::Kind::TakenOut;
+    change.path = "/music/Library \xff.xml";
+    change.before = stateOf(300, 400);
+    change.tracks = 12;
+    change.taken = "a1b2";
+    return change;
+}
 } // namespace
 
 class TestHistorySteps : public QObject
@@ -109,16 +120,21 @@ void TestHistorySteps::aLineThatIsNotWholeSaysNothing()
 
 void TestHistorySteps::changesAreReadAsTheyWereWritten()
 {
-    const HistorySteps history =
-        read(HistorySteps::beginLine(3, 1700000000, "clean /a b") +
-             HistorySteps::changeLine(3, 1, trashed()) + HistorySteps::changeLine(3, 2, edited()) +
-             HistorySteps::leftLine(3, 2, stateOf(8, 9)) + HistorySteps::changeLine(3, 3, deleted()));
+    const HistorySteps history = read(
+        HistorySteps::beginLine(3, 1700000000, "clean /a b") + HistorySteps::changeLine(3, 1, trashed()) +
+        HistorySteps::changeLine(3, 2, edited()) + HistorySteps::leftLine(3, 2, stateOf(8, 9)) +
+        HistorySteps::changeLine(3, 3, deleted()) + HistorySteps::changeLine(3, 4, takenOut()));
     const HistoryStep& step = history.all().at(3);
     QCOMPARE(step.number, 3);
     QCOMPARE(step.time, std::int64_t(1700000000));
     QCOMPARE(step.what, std::string("clean /a b"));
     QVERIFY(!step.isEnded && !step.wasTried);
-    QCOMPARE(step.changes.size(), std::size_t(3));
+    QCOMPARE(step.changes.size(), std::size_t(4));
+    const FileChange& fourth = step.changes.at(4);
+    QCOMPARE(fourth.kind, FileChange::Kind::TakenOut);
+    QCOMPARE(fourth.path, takenOut().path);
+    QCOMPARE(fourth.tracks, 12);
+    QCOMPARE(fourth.taken, takenOut().taken);
     const FileChange& first = step.changes.at(1);
     QCOMPARE(first.kind, FileChange::Kind::Trashed);
     QCOMPARE(first.trashedFile().path, trashed().path);
