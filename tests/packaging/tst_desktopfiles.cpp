@@ -1,6 +1,6 @@
 // What desktops and shells know the program by: it is valid, and says what the program says of itself.
 #include "collection/formats.h"
-#include "programrun.h"
+#include "saying.h"
 
 #include <QMimeDatabase>
 #include <QRegularExpression>
@@ -24,18 +24,13 @@ private slots:
     void iconsAreAsLargeAsTheirFoldersSay();
 
 private:
-    struct Said
-    {
-        int code; ///< -1 when the program is not there
-        QString output;
-    };
-    static Said say(const QString& program, const QStringList& arguments);
     static QStringList options();
 };
 
 namespace {
 const QString packaging = MELODRIFT_ROOT "/packaging/";
 const QString made = MELODRIFT_MADE "/";
+const QString described = made + "melodrift-cli/";
 const QString metainfo = made + "example.melodrift.Melodrift.metainfo.xml";
 const QString entry = packaging + "desktop/melodrift.desktop";
 
@@ -45,21 +40,6 @@ QString contentOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 } // namespace
-
-TestDesktopFiles::Said TestDesktopFiles::say(const QString& program, const QStringList& arguments)
-{
-    ProgramRun run;
-    run.set("MANWIDTH", "80");
-    run.set("LC_ALL", "C.UTF-8");
-    run.process.setProcessChannelMode(QProcess::MergedChannels);
-    const QString path = QStandardPaths::findExecutable(program);
-    if (path.isEmpty())
-        return {-1, program + " is not installed"};
-    run.start(path, arguments);
-    if (!run.process.waitForFinished(patience))
-        return {-2, "it does not end"};
-    return {run.process.exitCode(), QString::fromUtf8(run.process.readAll())};
-}
 
 /// The long ones, as the program tells them.
 QStringList TestDesktopFiles::options()
@@ -86,6 +66,14 @@ void TestDesktopFiles::judgesFindNothing_data()
                                                 "-Tutf8", "-Z",           made + "melodrift.1"}
                                  << false;
     QTest::newRow("manual, mandoc") << QStringList{"mandoc", "-T", "lint", made + "melodrift.1"} << true;
+    QTest::newRow("tool's manual, man")
+        << QStringList{"man", "--warnings=w", "-l", "-Tutf8", "-Z", described + "melodrift-cli.1"} << false;
+    QTest::newRow("tool's manual, mandoc")
+        << QStringList{"mandoc", "-T", "lint", described + "melodrift-cli.1"} << true;
+    QTest::newRow("tool, bash") << QStringList{"bash", "-n", described + "melodrift-cli"} << true;
+    QTest::newRow("tool, zsh") << QStringList{"zsh", "-n", described + "_melodrift-cli"} << true;
+    QTest::newRow("tool, fish") << QStringList{"fish", "--no-execute", described + "melodrift-cli.fish"}
+                                << true;
     QTest::newRow("bash") << QStringList{"bash", "-n", packaging + "completions/melodrift"} << true;
     QTest::newRow("zsh") << QStringList{"zsh", "-n", packaging + "completions/_melodrift"} << true;
     QTest::newRow("fish") << QStringList{"fish", "--no-execute", packaging + "completions/melodrift.fish"}

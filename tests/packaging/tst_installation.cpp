@@ -12,8 +12,10 @@ class TestInstallation : public QObject
 private slots:
     void initTestCase();
 
+    void theLinkLeadsToTheProgramsFolder_data();
     void theLinkLeadsToTheProgramsFolder();
     void allLiesWhereItBelongs();
+    void theProgramRunsFromThere_data();
     void theProgramRunsFromThere();
     void itsLibrariesComeFromThere();
 
@@ -35,12 +37,20 @@ void TestInstallation::initTestCase()
     QVERIFY2(install.exitCode() == 0, install.readAll());
 }
 
+void TestInstallation::theLinkLeadsToTheProgramsFolder_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::newRow("window") << "melodrift";
+    QTest::newRow("no window") << "melodrift-cli";
+}
+
 void TestInstallation::theLinkLeadsToTheProgramsFolder()
 {
-    const QFileInfo link(installed("bin/melodrift"));
+    QFETCH(QString, program);
+    const QFileInfo link(installed("bin/" + program));
     QVERIFY(link.isSymLink());
     QCOMPARE(link.canonicalFilePath(),
-             QFileInfo(installed(MELODRIFT_LIBRARIES "/melodrift/melodrift")).canonicalFilePath());
+             QFileInfo(installed(MELODRIFT_LIBRARIES "/melodrift/" + program)).canonicalFilePath());
 }
 
 void TestInstallation::allLiesWhereItBelongs()
@@ -51,12 +61,16 @@ void TestInstallation::allLiesWhereItBelongs()
         MELODRIFT_LIBRARIES "/melodrift/Melodrift for Mac-Orvo/index.html",
         "share/applications/melodrift.desktop",
         "share/bash-completion/completions/melodrift",
+        "share/bash-completion/completions/melodrift-cli",
+        "share/fish/vendor_completions.d/melodrift-cli.fish",
         "share/fish/vendor_completions.d/melodrift.fish",
         "share/icons/hicolor/512x512/apps/melodrift.png",
         "share/icons/hicolor/scalable/apps/melodrift.svg",
+        "share/man/man1/melodrift-cli.1",
         "share/man/man1/melodrift.1",
         "share/metainfo/example.melodrift.Melodrift.metainfo.xml",
         "share/zsh/site-functions/_melodrift",
+        "share/zsh/site-functions/_melodrift-cli",
     };
     for (const QString& path : wanted)
         QVERIFY2(QFile::exists(installed(path)), qPrintable(path));
@@ -65,12 +79,22 @@ void TestInstallation::allLiesWhereItBelongs()
         QVERIFY2(all.next().startsWith(installed("")), qPrintable(all.filePath()));
 }
 
+void TestInstallation::theProgramRunsFromThere_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QByteArray>("version");
+    QTest::newRow("window") << "melodrift" << QByteArray("Melodrift " MELODRIFT_VERSION "\n");
+    QTest::newRow("no window") << "melodrift-cli" << QByteArray("melodrift-cli " MELODRIFT_VERSION "\n");
+}
+
 void TestInstallation::theProgramRunsFromThere()
 {
+    QFETCH(QString, program);
+    QFETCH(QByteArray, version);
     ProgramRun run;
-    run.start(installed("bin/melodrift"), {"--version"});
+    run.start(installed("bin/" + program), {"--version"});
     QVERIFY(run.process.waitForFinished(patience));
-    QCOMPARE(run.process.readAllStandardOutput(), QByteArray("Melodrift " MELODRIFT_VERSION "\n"));
+    QCOMPARE(run.process.readAllStandardOutput(), version);
 }
 
 void TestInstallation::itsLibrariesComeFromThere()
