@@ -11,8 +11,10 @@ void CenterFoot::tell(const FootText& told)
 void CenterFoot::tellOfDeletion(const RemovalTally& tally, int nextGroup)
 {
     QVector<FootText::Link> links;
-    if (nextGroup >= 0)
+    if (nextGroup >= 0) {
         links.append({QStringLiteral("Next group"), [this, nextGroup] { emit groupChosen(nextGroup); }});
+        links.last().once = true;
+    }
     m_undo.endDeletion(tally);
     tell({tally.line(), tally.failed(), links});
     offerUndo();

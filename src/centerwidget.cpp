@@ -19,10 +19,6 @@
 
 #include <utility>
 
-namespace {
-constexpr qreal lockedOpacity = 0.45; // as of buttons
-}
-
 CenterWidget::CenterWidget(QWidget* parent)
     : QWidget(parent), ui(std::make_unique<Ui::CenterWidget>()),
       m_deletion(this, SLOT(SlotAllMusicInfoAfterDeleting())),
@@ -336,6 +332,7 @@ void CenterWidget::showGroup(int row)
         return;
     emit emitChooseDuplicates();
     m_shownGroup->show(row);
+    viewFocus()->setFocus(Qt::OtherFocusReason); // what led here is gone
 }
 
 void CenterWidget::dragEnterEvent(QDragEnterEvent* event)
@@ -375,7 +372,7 @@ void CenterWidget::paintEvent(QPaintEvent*)
     if (ui->m_btnOpen->isHidden())
         return;
     DropZone::placeButton(*ui->m_btnOpen, size()); // where it stands already
-    painter.setOpacity(isEnabled() ? 1 : lockedOpacity);
+    painter.setOpacity(isEnabled() ? 1 : Style::lockedOpacity);
     m_dropZone.paint(painter, size(), ui->m_btnOpen->size());
 }
 

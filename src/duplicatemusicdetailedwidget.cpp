@@ -59,13 +59,12 @@ void DuplicateMusicDetailedWidget::SetDuplicateMusicDetailedInfo(QList<QMusicInf
     clearRows();
     if (!m_pMusicList)
         return;
-    QWidget* formerInTabOrder = placeOfRowsInTabOrder();
     for (QMusicInfo* song : qAsConst(*m_pMusicList)) {
         DupMusicbarWidget* row = addRow(song);
-        formerInTabOrder = row->putInTabOrder(formerInTabOrder);
         if (m_listBarWidget.size() == 1)
             row->SlotOnBtnCheckBox(); // the first song is kept unless the user wants otherwise
     }
+    putRowsInTabOrder();
     setRowAtHand(m_listBarWidget.value(0));
     markBestRow();
     ui->m_scrollAreaWidget->show();
@@ -102,14 +101,16 @@ void DuplicateMusicDetailedWidget::clearRows()
     m_pCurPlayBar = nullptr; // what it started plays on
 }
 
-/// They come before what clears them, though they are made later.
-QWidget* DuplicateMusicDetailedWidget::placeOfRowsInTabOrder() const
+/// They come before what clears them, though they are made later. The last one goes there first: the toolkit
+/// looks from each back to the next that takes the focus, and what was taken out leaves all that takes none.
+void DuplicateMusicDetailedWidget::putRowsInTabOrder()
 {
     QWidget* former = ui->m_btnClearOne;
     do
         former = former->previousInFocusChain();
     while (former->focusPolicy() == Qt::NoFocus); // of which no order can be made
-    return former;
+    for (auto row = m_listBarWidget.crbegin(); row != m_listBarWidget.crend(); ++row)
+        (*row)->putInTabOrder(former);
 }
 
 DupMusicbarWidget* DuplicateMusicDetailedWidget::addRow(QMusicInfo* song)

@@ -79,7 +79,7 @@ private:
     void goTo(const QWidget* focus);
     void hideRows();
     void clearRows();
-    QWidget* placeOfRowsInTabOrder() const;
+    void putRowsInTabOrder();
     DupMusicbarWidget* addRow(QMusicInfo* song);
     void markBestRow();
     void countRows();

@@ -128,14 +128,12 @@ void DupMusicbarWidget::setAtHand(bool atHand)
     update();
 }
 
-QWidget* DupMusicbarWidget::putInTabOrder(QWidget* former)
+/// The last one first, which finds the one before it at once.
+void DupMusicbarWidget::putInTabOrder(QWidget* former)
 {
     for (QWidget* button :
-         {ui->m_btnIsDeleta, ui->m_btnPlayMusic, ui->m_btnStopMusic, ui->m_btnShowInfo, ui->m_btnOpenPath}) {
+         {ui->m_btnOpenPath, ui->m_btnShowInfo, ui->m_btnStopMusic, ui->m_btnPlayMusic, ui->m_btnIsDeleta})
         setTabOrder(former, button);
-        former = button;
-    }
-    return former;
 }
 
 void DupMusicbarWidget::makeBestMark()

@@ -33,8 +33,8 @@ public:
     bool isKept() const { return m_bChecked; }
     /// Whether keys act on this row; it is marked while the user works by keys.
     void setAtHand(bool atHand);
-    /// Has Tab go on to its buttons from this widget; the last of them.
-    QWidget* putInTabOrder(QWidget* former);
+    /// Has Tab go on to its buttons from this widget.
+    void putInTabOrder(QWidget* former);
     /// Whether the mark of the copy that sounds best stands behind the bit rate.
     void setBest(bool best);
 

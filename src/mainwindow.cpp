@@ -46,6 +46,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     Init();
     InitMainMenu();
     InitConnect();
+    ui->m_footLine->comeBefore(*ui->m_btnStarScan);
     ui->m_middleMusicWidget->viewFocus()->setFocus();
     launchiTunes();
     setMouseTracking(true);

@@ -64,27 +64,19 @@ void paintCopies(QPainter& painter)
 }
 } // namespace
 
-NavigationButton::NavigationButton(QWidget* parent) : QImageButton(parent)
+NavigationButton::NavigationButton(QWidget* parent) : ChoiceButton(parent)
 {
-    setChosen(false);
+    NavigationButton::setChosen(false);
 }
 
 void NavigationButton::setChosen(bool chosen)
 {
-    m_chosen = chosen;
+    ChoiceButton::setChosen(chosen);
     setAccessibleDescription(chosen ? QStringLiteral("In sight") : QString());
     QPalette captions = palette();
     captions.setColor(QPalette::ButtonText, chosen ? Style::chosen : Style::text);
     captions.setColor(QPalette::Disabled, QPalette::ButtonText, chosen ? Style::chosen : Style::locked);
     setPalette(captions);
-    update();
-}
-
-int NavigationButton::shownCell() const
-{
-    if (m_chosen)
-        return StateDisabled;
-    return isEnabled() ? state() : int(StateNormal);
 }
 
 void NavigationButton::setMark(Mark mark)
@@ -100,7 +92,7 @@ void NavigationButton::paintEvent(QPaintEvent* event)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(18, 22); // on the caption's line
     if (m_mark == MarkNote)
-        paintNote(painter, m_chosen ? Style::markChosen : Style::mark);
+        paintNote(painter, isChosen() ? Style::markChosen : Style::mark);
     else if (m_mark == MarkQuestion)
         paintQuestion(painter);
     else if (m_mark == MarkCopies)

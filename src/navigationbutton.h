@@ -1,11 +1,10 @@
 #pragma once
 
-#include "common/qimagebutton.h"
+#include "common/choicebutton.h"
 
 /// A row of the navigation pane: a button with a mark before its caption, told apart by shape and not by
-/// colour alone. The fourth cell of its strip is the look of the chosen row, whether or not rows can be
-/// clicked at the moment.
-class NavigationButton : public QImageButton
+/// colour alone.
+class NavigationButton : public ChoiceButton
 {
     Q_OBJECT
 
@@ -20,14 +19,13 @@ public:
     explicit NavigationButton(QWidget* parent = nullptr);
 
     void setMark(Mark mark);
-    void setChosen(bool chosen);
-    bool isChosen() const { return m_chosen; }
+    void setChosen(bool chosen) override;
 
 protected:
-    int shownCell() const override;
+    /// Of a row that is locked the words tell.
+    qreal cellOpacity() const override { return 1; }
     void paintEvent(QPaintEvent* event) override;
 
 private:
     Mark m_mark = NoMark;
-    bool m_chosen = false;
 };

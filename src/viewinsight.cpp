@@ -1,5 +1,6 @@
 #include "viewinsight.h"
 
+#include "common/choicebutton.h"
 #include "songviews.h"
 #include "views/viewfocus.h"
 
@@ -23,7 +24,9 @@ void ViewInSight::setGrid(bool grid)
 {
     m_isGrid = grid;
     m_buttons.grid.setEnabled(!grid);
+    m_buttons.grid.setChosen(grid);
     m_buttons.table.setEnabled(grid);
+    m_buttons.table.setChosen(!grid);
 }
 
 /// To those who hear it.

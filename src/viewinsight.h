@@ -4,6 +4,7 @@
 
 #include <functional>
 
+class ChoiceButton;
 class QAbstractItemView;
 class QWidget;
 class SongViews;
@@ -18,8 +19,8 @@ public:
     using Kind = SpokenWords::List;
     struct Buttons
     {
-        QWidget& grid;
-        QWidget& table;
+        ChoiceButton& grid;
+        ChoiceButton& table;
         QWidget& open; ///< files, where they are dropped
         QWidget& more; ///< files, beside those that show
     };

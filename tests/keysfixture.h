@@ -4,6 +4,7 @@
 #include "duplicatemusicdetailedwidget.h"
 #include "dupmusicbarwidget.h"
 #include "footfixture.h"
+#include "showmusicinfowidget.h"
 #include "songs/songfields.h"
 
 #include <QWindow>
@@ -76,6 +77,15 @@ protected:
         return part<DuplicateMusicDetailedWidget>("m_dupMusicDetailedWidget");
     }
     QList<DupMusicbarWidget*> rows() const { return group()->findChildren<DupMusicbarWidget*>(); }
+    /// The card of a song; null while none is to be seen.
+    static ShowMusicInfoWidget* card()
+    {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (auto* found = qobject_cast<ShowMusicInfoWidget*>(window))
+                if (found->isVisible())
+                    return found;
+        return nullptr;
+    }
     QList<bool> kept() const
     {
         QList<bool> marks;

@@ -5,14 +5,13 @@
 #include "centerwidget.h"
 #include "common/qimagebutton.h"
 #include "fixtures.h"
-#include "guidriver.h"
 #include "identifyserver.h"
 #include "itunes/delmusiclib.h"
 #include "itunesfixture.h"
-#include "mainwindow.h"
 #include "musicdetailedinfowidget.h"
 #include "program.h"
 #include "programrun.h"
+#include "programscene.h"
 #include "qmusicinfo.h"
 #include "songfixtures.h"
 #include "songs/localsongreader.h"
@@ -22,21 +21,19 @@
 #include <QtTest>
 
 #include <csignal>
-#include <cstdio>
 #include <memory>
 
 namespace {
-const char sceneVariable[] = "MELODRIFT_PLAYS";
 constexpr int songsOfAnIntake = 6000;
 constexpr int songsOfAGroup = 1500;
 
-QStringList filesIn(const QString& folder)
+QStringList namesIn(const QString& folder)
 {
     return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
 }
 
 /// What the example does. Each scene ends with the program waiting for its signal, or raises it.
-class Scene : public QObject
+class Scene : public ProgramScene
 {
     Q_OBJECT
 
@@ -106,18 +103,6 @@ public slots:
     }
 
 private:
-    static void tell(const QByteArray& line)
-    {
-        std::puts(line.constData());
-        std::fflush(stdout);
-    }
-    static MainWindow& window()
-    {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* window = qobject_cast<MainWindow*>(widget))
-                return *window;
-        qFatal("there is no window");
-    }
     static CenterWidget& center() { return *window().findChild<CenterWidget*>(); }
     static QAbstractItemModel* songs()
     {
@@ -138,8 +123,8 @@ private:
     void onceAFileIsGone(const QString& folder)
     {
         auto* timer = new QTimer(this);
-        connect(timer, &QTimer::timeout, this, [timer, folder, before = filesIn(folder).size()] {
-            if (filesIn(folder).size() == before)
+        connect(timer, &QTimer::timeout, this, [timer, folder, before = namesIn(folder).size()] {
+            if (namesIn(folder).size() == before)
                 return;
             timer->stop();
             std::raise(SIGTERM);
@@ -148,20 +133,7 @@ private:
     }
 
     static inline const quint64 firstNumber = musicNum;
-    DialogDriver m_dialogs;
 };
-
-void playScene()
-{
-    // The application object that only reads the command line has no windows.
-    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
-        return;
-    QTimer::singleShot(0, QCoreApplication::instance(), [] {
-        auto* scene = new Scene;
-        scene->setParent(QCoreApplication::instance());
-        QMetaObject::invokeMethod(scene, qgetenv(sceneVariable).constData());
-    });
-}
 } // namespace
 
 class TestEnding : public QObject
@@ -188,7 +160,7 @@ private slots:
 private:
     void play(const char* scene)
     {
-        m_run->set(sceneVariable, scene);
+        m_run->set(ProgramScene::variable, scene);
         m_run->start(QCoreApplication::applicationFilePath());
     }
     QString makeSongs() const
@@ -313,7 +285,7 @@ void TestEnding::aDeletionEndsAfterTheFileAtHand()
             QFile::copy(first, QStringLiteral("%1/%2.mp3").arg(folder).arg(i));
         play("deletionRuns");
         QVERIFY(endedBy(SIGTERM));
-        const QStringList after = filesIn(folder);
+        const QStringList after = namesIn(folder);
         QVERIFY(!after.isEmpty() && after.size() < songsOfAGroup);
         for (const QString& file : after)
             QCOMPARE(Fixtures::readBytes(folder + '/' + file), content);
@@ -358,9 +330,9 @@ void TestEnding::furtherSignalsDoNotHarm()
 
 int main(int argc, char* argv[])
 {
-    if (qEnvironmentVariableIsSet(sceneVariable)) {
+    if (qEnvironmentVariableIsSet(ProgramScene::variable)) {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        qAddPreRoutine(playScene);
+        qAddPreRoutine(ProgramScene::begin<Scene>);
         return runProgram(argc, argv);
     }
     for (const int signal : {SIGHUP, SIGINT, SIGTERM})

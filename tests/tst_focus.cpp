@@ -19,6 +19,7 @@ private slots:
 
     void viewsTakeNone();
     void tabGoesFromTopToBottom();
+    void tabComesToTheFootLast();
     void aChosenRowOfNavigationGivesItToTheView();
     void aDisplayButtonGivesItToTheView();
     void aPressOnAViewTakesIt();
@@ -75,6 +76,32 @@ void TestFocus::tabGoesFromTopToBottom()
         }
     };
     goOn(wanted + wanted);
+}
+
+/// To an offer alone, and to links before it; also once there are rows of another group.
+void TestFocus::tabComesToTheFootLast()
+{
+    fill(true, {"Anchor", "Anchor"});
+    const auto captions = [this] {
+        QStringList texts;
+        part<QWidget>("m_btnClearAll")->setFocus();
+        key(Qt::Key_Tab);
+        for (int i = 0; i < 9 && !part<QWidget>("m_btnStarScan")->hasFocus(); ++i, key(Qt::Key_Tab))
+            texts.append(qobject_cast<QAbstractButton*>(m_window->focusWidget())->text());
+        return texts;
+    };
+    line()->offer({"Undo", [] {}});
+    key(Qt::Key_3, Qt::ControlModifier);
+    key(Qt::Key_Home);
+    QCOMPARE(captions(), QStringList("Undo"));
+    line()->tell({"Told", false, {{"One", [] {}}, {"Two", [] {}}}});
+    QCOMPARE(captions(), QStringList({"One", "Two", "Undo"}));
+    key(Qt::Key_1, Qt::ControlModifier);
+    key(Qt::Key_3, Qt::ControlModifier);
+    key(Qt::Key_Home);
+    QCOMPARE(captions(), QStringList({"One", "Two", "Undo"}));
+    line()->clear();
+    QCOMPARE(captions(), QStringList("Undo"));
 }
 
 /// By keys and by the mouse: the next Space opens no other view.

@@ -3,6 +3,7 @@
 #include "common/qimagebutton.h"
 #include "common/qimagewidget.h"
 #include "common/retractlabel.h"
+#include "contrast.h"
 #include "fixtures.h"
 #include "guidriver.h"
 #include "loggedlines.h"
@@ -10,10 +11,38 @@
 #include "songfixtures.h"
 #include "songpanelfixture.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <algorithm>
+
+namespace {
+/// Of what is told best from the colour that most of the picture has.
+double bestContrast(const QImage& picture)
+{
+    QHash<QRgb, int> pixels;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            ++pixels[picture.pixel(x, y)];
+    const auto fewer = [&](QRgb one, QRgb other) { return pixels[one] < pixels[other]; };
+    const QList<QRgb> colours = pixels.keys();
+    const QRgb ground = *std::max_element(colours.begin(), colours.end(), fewer);
+    double best = 1;
+    for (const QRgb colour : colours)
+        best = qMax(best, contrast(colour, ground));
+    return best;
+}
+
+/// What a dark desktop says of lists, boxes and menus.
+void setDesktopColours(const QPalette& palette)
+{
+    for (const char* kind : {"QAbstractItemView", "QComboBox", "QMenu"})
+        QApplication::setPalette(palette, kind);
+}
+} // namespace
 
 class TestMusicDetailedInfoWidget : public SongPanelFixture
 {
@@ -31,6 +60,7 @@ private slots:
     void editorsTakeTheValuesOver();
     void aGenreOutOfTheListLeavesTheSelection();
     void theGenresAreThoseOfTheList();
+    void theListOfGenresIsReadable();
     void yearAndTrackTakeFourDigits();
     void cancelWritesNothing();
     void applyWritesTheFile();
@@ -140,6 +170,28 @@ void TestMusicDetailedInfoWidget::theGenresAreThoseOfTheList()
         texts.append(combo->itemText(index));
     QCOMPARE(texts, QStringList({"", "Blue", "Alternavite & Punk", "Books & Spoken", "Children's Music",
                                  "Classical", "Pop", "Rock", "Other"}));
+}
+
+/// On any desktop: its rows, and the one that is chosen.
+void TestMusicDetailedInfoWidget::theListOfGenresIsReadable()
+{
+    for (const QPalette& desktop : {QApplication::palette(), QPalette(Qt::black)}) {
+        setDesktopColours(desktop);
+        prepare();
+        click("m_btnEdit");
+        auto* const box = child<QComboBox>("m_comboGenre");
+        QTest::keyClick(box, Qt::Key_Down, Qt::AltModifier);
+        const QAbstractItemView* const list = box->view();
+        QVERIFY(list->isVisible());
+        for (int row = 1; row < box->count(); ++row) {
+            const QRect place = list->visualRect(list->model()->index(row, 0));
+            const QImage shown = list->viewport()->grab(place).toImage();
+            QVERIFY2(bestContrast(shown) >= 7, qPrintable(box->itemText(row)));
+            QVERIFY(qGray(shown.pixel(shown.width() - 3, 3)) > 200);
+        }
+        box->hidePopup();
+    }
+    setDesktopColours(QApplication::palette());
 }
 
 void TestMusicDetailedInfoWidget::yearAndTrackTakeFourDigits()

@@ -2,7 +2,9 @@
 #include "views/viewfocus.h"
 
 #include <QAccessible>
+#include <QHeaderView>
 #include <QLineEdit>
+#include <QTableView>
 
 /// What the window has to say, in either mode, to those who hear it.
 class TestReadingOut : public KeysFixture
@@ -21,6 +23,8 @@ private slots:
     void whatIsFoundIsCounted();
     void theMarkedSongHasTheFocus_data() { bothModesAndDisplays(); }
     void theMarkedSongHasTheFocus();
+    void columnsCanBePressed_data() { bothModes(); }
+    void columnsCanBePressed();
     void aGroupIsAListOfSentences_data() { bothModes(); }
     void aGroupIsAListOfSentences();
     void theRowChosenSaysSo();
@@ -119,6 +123,35 @@ void TestReadingOut::theMarkedSongHasTheFocus()
     QCOMPARE(list()->focusChild(), list()->child(0));
     part<QLineEdit>("m_findField")->setFocus();
     QCOMPARE(list()->focusChild(), nullptr);
+}
+
+/// Which orders the table as a click does; the grid has none.
+void TestReadingOut::columnsCanBePressed()
+{
+    QFETCH(bool, local);
+    fill(local, {"Lamp", "Ferry"});
+    const auto columns = [this] { return all(of(m_window.get()), QAccessible::ColumnHeader); };
+    QCOMPARE(columns(), QStringList());
+    showTable(true);
+    QCOMPARE(columns().mid(0, 3), QStringList({"Title", "Artist", "Album"}));
+    QAccessibleInterface* const header = of(qobject_cast<QTableView*>(view())->horizontalHeader());
+    QCOMPARE(header->parent(), of(part<QWidget>("m_middleMusicWidget")));
+    QVERIFY(header->parent()->indexOfChild(header) >= 0);
+    QAccessibleInterface* const title = header->child(0);
+    QCOMPARE(header->childAt(title->rect().center().x(), title->rect().center().y()), title);
+    const auto press = [&] {
+        title->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QCoreApplication::processEvents();
+        return title->text(QAccessible::Description);
+    };
+    QCOMPARE(press(), QString("In ascending order"));
+    QCOMPARE(items(), QStringList({"Ferry", "Lamp"}));
+    QCOMPARE(press(), QString("In descending order"));
+    QCOMPARE(items(), QStringList({"Lamp", "Ferry"}));
+    QCOMPARE(press(), QString());
+    m_window->findChild<QWidget*>("m_middleMusicWidget")->setEnabled(false);
+    QVERIFY(title->state().disabled);
+    QCOMPARE(press(), QString());
 }
 
 void TestReadingOut::aGroupIsAListOfSentences()

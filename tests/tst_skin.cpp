@@ -1,6 +1,7 @@
 #include "common/skinpicture.h"
 #include "common/skinwords.h"
 #include "common/style.h"
+#include "contrast.h"
 #include "qiorvoutil.h"
 
 #include <QDirIterator>
@@ -11,7 +12,6 @@
 #include <QtTest>
 
 #include <algorithm>
-#include <cmath>
 #include <numeric>
 
 namespace {
@@ -203,22 +203,6 @@ QStringList picturesNamedIn(const QString& source)
                      (extension.isEmpty() ? ".png" : extension));
     }
     return names;
-}
-
-double luminance(const QColor& colour)
-{
-    const auto linear = [](double part) {
-        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
-}
-
-double contrast(const QColor& ink, const QColor& ground)
-{
-    const double a = luminance(ink) + 0.05;
-    const double b = luminance(ground) + 0.05;
-    return qMax(a, b) / qMin(a, b);
 }
 
 /// As the file says; a movie would take its own lateness off.

@@ -1,6 +1,5 @@
 // The card of a song over the window: what closes it, and what goes on behind it.
 #include "keysfixture.h"
-#include "showmusicinfowidget.h"
 
 class TestSongCard : public KeysFixture
 {
@@ -19,15 +18,6 @@ private slots:
     void theKeyThatOpenedItMayBeHeld();
 
 private:
-    /// Null while none is to be seen.
-    static ShowMusicInfoWidget* card()
-    {
-        for (QWidget* window : QApplication::topLevelWidgets())
-            if (auto* found = qobject_cast<ShowMusicInfoWidget*>(window))
-                if (found->isVisible())
-                    return found;
-        return nullptr;
-    }
     void openOne() const
     {
         key(Qt::Key_I, Qt::ControlModifier);

@@ -1,6 +1,5 @@
 // The menu of a song, by keys and by the mouse, and the card of one.
 #include "keysfixture.h"
-#include "showmusicinfowidget.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -66,14 +65,6 @@ private:
     void rightClickRow(int row) const
     {
         rightClick(view()->viewport(), view()->visualRect(view()->model()->index(row, 0)).center());
-    }
-    static ShowMusicInfoWidget* card()
-    {
-        for (QWidget* window : QApplication::topLevelWidgets())
-            if (auto* found = qobject_cast<ShowMusicInfoWidget*>(window))
-                if (found->isVisible())
-                    return found;
-        return nullptr;
     }
     static QString cardTitle() { return card()->findChild<RetractLabel*>("m_labName")->getName(); }
 };

@@ -4,25 +4,21 @@
 #include "audiofile.h"
 #include "centerwidget.h"
 #include "fixtures.h"
-#include "guidriver.h"
-#include "mainwindow.h"
 #include "navigationwidget.h"
 #include "playsongwidget.h"
 #include "program.h"
 #include "programrun.h"
+#include "programscene.h"
 
 #include <QListView>
 #include <QtTest>
 #include <QWindow>
 
-#include <cstdio>
 #include <memory>
 
 namespace {
-const char playsVariable[] = "MELODRIFT_PLAYS";
-
 /// What the user does. Each line that it tells is a promise kept.
-class User : public QObject
+class User : public ProgramScene
 {
     Q_OBJECT
 
@@ -62,38 +58,13 @@ private:
         QApplication::quit();
     }
 
-    static void tell(const QByteArray& line)
-    {
-        std::puts(line.constData());
-        std::fflush(stdout);
-    }
-    static MainWindow& window()
-    {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* window = qobject_cast<MainWindow*>(widget))
-                return *window;
-        qFatal("there is no window");
-    }
     static bool belongsToTheWindow(const QWidget* other)
     {
         return other->windowHandle() && other->windowHandle()->transientParent() == window().windowHandle();
     }
 
-    DialogDriver m_dialogs;
     QTimer m_timer;
 };
-
-void playUser()
-{
-    // The application object that only reads the command line has no windows.
-    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
-        return;
-    QTimer::singleShot(0, QCoreApplication::instance(), [] {
-        auto* user = new User;
-        user->setParent(QCoreApplication::instance());
-        user->sortMusic();
-    });
-}
 } // namespace
 
 class TestWayland : public QObject
@@ -154,7 +125,7 @@ void TestWayland::theLocalWorkflowRuns()
     run.set("XDG_RUNTIME_DIR", m_desktop.path(""));
     run.set("WAYLAND_DISPLAY", "wayland-test");
     run.set("MELODRIFT_AUDIO_OUTPUT", "null");
-    run.set(playsVariable, "1");
+    run.set(ProgramScene::variable, "sortMusic");
     run.start(QCoreApplication::applicationFilePath());
     QVERIFY(run.process.waitForFinished(patience));
     const QByteArray errors = run.process.readAllStandardError();
@@ -173,8 +144,8 @@ void TestWayland::theLocalWorkflowRuns()
 
 int main(int argc, char* argv[])
 {
-    if (qEnvironmentVariableIsSet(playsVariable)) {
-        qAddPreRoutine(playUser);
+    if (qEnvironmentVariableIsSet(ProgramScene::variable)) {
+        qAddPreRoutine(ProgramScene::begin<User>);
         return runProgram(argc, argv);
     }
     QCoreApplication application(argc, argv);

@@ -224,6 +224,9 @@ void TestWindowFoot::theNextGroupIsALinkAway()
     clickLink("Next group");
     QVERIFY(groups->isVisible());
     QCOMPARE(groups->currentIndex().row(), 0);
+    QCOMPARE(links(), QStringList("Undo")); // there is nowhere else to go
+    QCOMPARE(told(), QString("1 song moved to the trash."));
+    QCOMPARE(m_window->focusWidget(), part<QWidget>("m_viewFocus"));
     QCOMPARE(m_window->findChildren<DupMusicbarWidget*>().size(), 2);
     m_dialogs->expectButton("m_btnOK");
     clickIn(part<QWidget>("m_dupMusicDetailedWidget"), "m_btnClearOne");

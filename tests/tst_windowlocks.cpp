@@ -19,6 +19,7 @@ private slots:
     void cleanup() { clearFoot(); }
 
     void anIntakeLocksWhatDoesNotAnswer();
+    void displayButtonsLookLockedDuringAnIntakeAlone();
     void escapeEndsAnIntake();
     void escapeEndsTheSearchForFiles();
     void theFocusComesBackAfterAnIntake();
@@ -35,6 +36,11 @@ private:
     bool isVeiled(const QWidget* view) const { return view->findChild<ViewVeil*>()->isVisible(); }
     CenterWidget* center() const { return part<CenterWidget>("m_middleMusicWidget"); }
     void escapeAtProgress();
+    QVector<QImage> displayButtons() const
+    {
+        return {part<QWidget>("m_btnGridDisplay")->grab().toImage(),
+                part<QWidget>("m_btnTableDisplay")->grab().toImage()};
+    }
 };
 
 QStringList TestWindowLocks::manyPaths() const
@@ -85,6 +91,27 @@ void TestWindowLocks::anIntakeLocksWhatDoesNotAnswer()
     center()->TakeDroppedPaths(manyPaths());
     QVERIFY(looks > 0);
     QVERIFY(!part<QLabel>("m_tipsLabel")->text().contains("Esc"));
+}
+
+/// The chosen one, which never answers, as well; and both as ever while a song is identified.
+void TestWindowLocks::displayButtonsLookLockedDuringAnIntakeAlone()
+{
+    fill(true, {"Anchor"});
+    const QVector<QImage> open = displayButtons();
+    center()->SlotForbidToClickView(true);
+    QCOMPARE(displayButtons(), open);
+    center()->SlotForbidToClickView(false);
+    QVector<QImage> locked;
+    connect(center(), &CenterWidget::emitIntakeProgress, this, [&] { locked = displayButtons(); });
+    escapeAtProgress();
+    m_dialogs->expectButton("m_btnType");
+    center()->TakeDroppedPaths(manyPaths());
+    QCOMPARE(locked.size(), 2);
+    for (int i = 0; i < 2; ++i)
+        QVERIFY(locked.at(i) != open.at(i));
+    QVERIFY(locked.at(0) != open.at(1));
+    QVERIFY(locked.at(1) != open.at(0));
+    QCOMPARE(displayButtons(), open);
 }
 
 void TestWindowLocks::escapeEndsAnIntake()

@@ -19,7 +19,7 @@ private slots:
     void anEditIsTakenBack_data();
     void anEditIsTakenBack();
     void editsAreTakenBackOneAfterTheOther();
-    void aDoubleClickTakesBackOneStep();
+    void quickClicksTakeBackOneStep();
     void aSongIsUndefinedAgain();
     void inAnEditorTheKeysAreTheEditors();
     void anEditUnderWayGoesOn();
@@ -97,7 +97,7 @@ void TestWindowUndo::editsAreTakenBackOneAfterTheOther()
     editsGoBackInTurn(path, other);
 }
 
-void TestWindowUndo::aDoubleClickTakesBackOneStep()
+void TestWindowUndo::quickClicksTakeBackOneStep()
 {
     const QString path = tone("a", "0");
     add({path});
@@ -108,6 +108,9 @@ void TestWindowUndo::aDoubleClickTakesBackOneStep()
     const QRect place = link("Undo")->geometry();
     doubleClickLink("Undo");
     QCOMPARE(link("Undo")->geometry(), place); // or the second press would be on something else
+    QCOMPARE(titleOf(path), QString("2"));
+    clickThirdTime("Undo");
+    clickThirdTime("Undo");
     QCOMPARE(titleOf(path), QString("2"));
     clickLink("Undo");
     QCOMPARE(titleOf(path), QString("1"));

@@ -13,13 +13,15 @@ bool isPartOf(const QObject* object)
            !qobject_cast<const QMenu*>(object);
 }
 
-bool speaks(QWidget* widget)
+/// The widget, or what speaks in its place; null for none.
+QWidget* speaker(QWidget* widget)
 {
-    if (widget->isHidden())
-        return false;
-    const QAccessibleInterface* const part = QAccessible::queryAccessibleInterface(widget);
+    const QAccessibleInterface* const part =
+        widget->isHidden() ? nullptr : QAccessible::queryAccessibleInterface(widget);
     const auto* const perhaps = dynamic_cast<const CanBeSilent*>(part);
-    return part && (!perhaps || !perhaps->isSilent());
+    if (perhaps && perhaps->isSilent())
+        return perhaps->standIn();
+    return part ? widget : nullptr;
 }
 } // namespace
 
@@ -32,8 +34,8 @@ QList<QWidget*> AccessiblePanel::parts() const
 {
     QList<QWidget*> parts;
     for (QObject* object : widget()->children())
-        if (isPartOf(object) && speaks(static_cast<QWidget*>(object)))
-            parts.append(static_cast<QWidget*>(object));
+        if (QWidget* part = isPartOf(object) ? speaker(static_cast<QWidget*>(object)) : nullptr)
+            parts.append(part);
     return parts;
 }
 
@@ -68,7 +70,7 @@ bool AccessiblePanel::isSilent() const
         return false;
     const QObjectList& children = widget()->children();
     return std::none_of(children.begin(), children.end(), [](QObject* object) {
-        return isPartOf(object) && speaks(static_cast<QWidget*>(object));
+        return isPartOf(object) && speaker(static_cast<QWidget*>(object));
     });
 }
 

@@ -25,6 +25,15 @@ QString onOneLine(QString text)
     return text;
 }
 
+/// What Tab comes from; the widget itself where there is nothing else.
+QWidget* beforeInTabOrder(const QWidget& widget)
+{
+    QWidget* former = widget.previousInFocusChain();
+    while (former != &widget && former->focusPolicy() == Qt::NoFocus)
+        former = former->previousInFocusChain();
+    return former;
+}
+
 void paintMark(QPainter& painter, const QPointF& centre)
 {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -58,6 +67,11 @@ void FootLine::offer(const FootText::Link& link)
     place();
 }
 
+void FootLine::comeBefore(const QWidget& next)
+{
+    setTabOrder(beforeInTabOrder(next), m_offer);
+}
+
 void FootLine::tell(const FootText& told)
 {
     m_told = told;
@@ -72,19 +86,37 @@ void FootLine::tell(const FootText& told)
 }
 
 /// One that is gone may be the one that is being clicked.
+void FootLine::drop(TextLink* link)
+{
+    link->hide();
+    link->deleteLater();
+}
+
+void FootLine::addLink(const FootText::Link& wanted)
+{
+    auto* link = new TextLink(wanted.caption, this);
+    connect(link, &TextLink::clicked, this, [this, link, once = wanted.once, act = wanted.act] {
+        if (once && m_links.removeOne(link)) {
+            drop(link);
+            place();
+        }
+        act();
+    });
+    m_links.append(link);
+    link->show();
+}
+
 void FootLine::makeLinks()
 {
-    for (TextLink* link : qAsConst(m_links)) {
-        link->hide();
-        link->deleteLater();
-    }
+    for (TextLink* link : qAsConst(m_links))
+        drop(link);
     m_links.clear();
-    for (const FootText::Link& wanted : qAsConst(m_told.links)) {
-        auto* link = new TextLink(wanted.caption, this);
-        const std::function<void()> act = wanted.act;
-        connect(link, &TextLink::clicked, this, [act] { act(); });
-        m_links.append(link);
-        link->show();
+    for (const FootText::Link& wanted : qAsConst(m_told.links))
+        addLink(wanted);
+    QWidget* former = beforeInTabOrder(*m_offer);
+    for (TextLink* link : qAsConst(m_links)) {
+        setTabOrder(former, link);
+        former = link;
     }
     if (!m_links.isEmpty())
         setTabOrder(m_links.last(), m_offer);

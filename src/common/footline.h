@@ -21,7 +21,8 @@ struct FootText
 
         QString caption;
         std::function<void()> act;
-        QString tip; ///< of an offer
+        QString tip;       ///< of an offer
+        bool once = false; ///< goes once it is followed
     };
 
     QString text; ///< one line
@@ -44,6 +45,8 @@ public:
     void clear() { tell(FootText()); }
     /// A link that stands behind all others, whatever is told; one without a caption is none.
     void offer(const FootText::Link& link);
+    /// Has Tab come here just before it comes to this widget of the window.
+    void comeBefore(const QWidget& next);
     /// The whole text.
     const QString& text() const { return m_told.text; }
 
@@ -54,6 +57,8 @@ protected:
 
 private:
     void makeLinks();
+    void addLink(const FootText::Link& wanted);
+    static void drop(TextLink* link);
     QVector<TextLink*> shownLinks() const;
     void place();
     int textLeft() const;

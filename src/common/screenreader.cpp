@@ -1,7 +1,9 @@
 #include "common/screenreader.h"
 
+#include "common/accessibleheader.h"
 #include "common/accessiblepanel.h"
 #include "common/accessibleparts.h"
+#include "common/sortheader.h"
 
 #include <QLabel>
 #include <QWidget>
@@ -25,6 +27,8 @@ QAccessibleInterface* partOf(const QString& className, QObject* object)
         return new AccessibleText(static_cast<QLabel*>(widget));
     if (className == QLatin1String("QImageWidget") && !AccessiblePanel::holdsWidgets(*widget))
         return new AccessiblePicture(widget);
+    if (className == QLatin1String("SortHeader"))
+        return new AccessibleHeader(static_cast<SortHeader*>(widget));
     if (className == QLatin1String("qSliderCtrl"))
         return new AccessibleSlider(widget);
     if (className == QLatin1String("QWidget") || className == QLatin1String("QDialog") ||

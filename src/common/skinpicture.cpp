@@ -4,6 +4,7 @@
 #include "common/skinplace.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QImageReader>
 #include <QPainter>
 
@@ -31,6 +32,16 @@ SkinPicture::SkinPicture(const QString& path) : m_path(existingFile(path)), m_pl
 {
     if (m_plain.isNull())
         qWarning("the picture %s does not load", qUtf8Printable(path));
+}
+
+std::shared_ptr<const SkinPicture> SkinPicture::shared(const QString& path)
+{
+    static QHash<QString, std::weak_ptr<const SkinPicture>> pictures;
+    std::weak_ptr<const SkinPicture>& known = pictures[path];
+    std::shared_ptr<const SkinPicture> picture = known.lock();
+    if (!picture || picture->size().isEmpty())
+        known = picture = std::make_shared<const SkinPicture>(path);
+    return picture;
 }
 
 QSize SkinPicture::size() const

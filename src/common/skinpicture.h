@@ -4,6 +4,8 @@
 #include <QImage>
 #include <QString>
 
+#include <memory>
+
 class QPainter;
 
 /// One picture of the skin, at the scale of the screen it is drawn on: "name.png" on plain screens,
@@ -15,6 +17,10 @@ public:
     /// Separators may be slashes or backslashes. A path that begins with one backslash ("\pic\name.png") lies
     /// under the resource path.
     explicit SkinPicture(const QString& path);
+
+    /// The same picture for all who ask, read anew once none of them is left; for files that nobody changes.
+    /// GUI thread only.
+    static std::shared_ptr<const SkinPicture> shared(const QString& path);
 
     /// The file that the path stands for, whether it holds a picture or not.
     const QString& file() const { return m_path; }

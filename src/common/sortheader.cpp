@@ -34,6 +34,18 @@ void SortHeader::mark(int column, bool backwards)
     viewport()->update();
 }
 
+QString SortHeader::caption(int column) const
+{
+    return model()->headerData(column, orientation(), Qt::DisplayRole).toString();
+}
+
+QString SortHeader::orderOf(int column) const
+{
+    if (column < 0 || column != m_column)
+        return QString();
+    return m_backwards ? QStringLiteral("In descending order") : QStringLiteral("In ascending order");
+}
+
 void SortHeader::paintSection(QPainter* painter, const QRect& rect, int column) const
 {
     painter->save();
@@ -41,8 +53,8 @@ void SortHeader::paintSection(QPainter* painter, const QRect& rect, int column) 
     painter->restore();
     if (column != m_column)
         return;
-    const QString caption = model()->headerData(column, orientation(), Qt::DisplayRole).toString();
-    const qreal behind = rect.center().x() + fontMetrics().horizontalAdvance(caption) / 2.0 + arrowGap;
+    const qreal behind =
+        rect.center().x() + fontMetrics().horizontalAdvance(caption(column)) / 2.0 + arrowGap;
     const qreal last = rect.right() - edge - arrowWidth;
     painter->save();
     paintArrow(*painter, QPointF(qMin(behind, last), rect.center().y() + 0.5), m_backwards);

@@ -13,6 +13,9 @@ public:
 
     /// None has the arrow for -1.
     void mark(int column, bool backwards);
+    QString caption(int column) const;
+    /// The order of the table in words, where it is that of this column.
+    QString orderOf(int column) const;
 
 protected:
     void paintSection(QPainter* painter, const QRect& rect, int column) const override;

@@ -21,7 +21,7 @@ StripButton::~StripButton() = default;
 
 QSize StripButton::loadStrip(const QString& path)
 {
-    m_pImage = std::make_unique<SkinPicture>(path);
+    m_pImage = SkinPicture::shared(path);
     const QSize strip = m_pImage->size();
     return QSize(strip.width() / 4, strip.height());
 }
@@ -109,6 +109,7 @@ void StripButton::paintEvent(QPaintEvent* event)
     }
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform); // for ratios between the scales of the skin
+    painter.setOpacity(cellOpacity());
     const QImage& strip = m_pImage->image(painter);
     const int cell = shownCell();
     const bool shifted = cell >= StateHover && cell <= StateDisabled;

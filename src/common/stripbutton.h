@@ -34,6 +34,8 @@ protected:
 
     /// The cell drawn, 0 to 3: that of the state, unless a derived button knows better.
     virtual int shownCell() const { return m_nState; }
+    /// How much of the ground a cell covers, 1 for all.
+    virtual qreal cellOpacity() const { return 1; }
     /// Takes the strip; the size of one of its cells, in points.
     QSize loadStrip(const QString& path);
     /// The file that the strip was taken from.
@@ -43,7 +45,7 @@ protected:
     void changeState(int state);
 
 private:
-    std::unique_ptr<SkinPicture> m_pImage;
+    std::shared_ptr<const SkinPicture> m_pImage;
     int m_nState = StateNormal;
     bool m_bChangesFiles = false;
 };

@@ -31,6 +31,8 @@ inline constexpr QColor menuHovered(0xD5, 0xEA, 0xF7);
 inline constexpr QColor menuPressed(0xBF, 0xE2, 0xF5);
 inline constexpr QColor veil(0xFF, 0xFF, 0xFF, 0x99); ///< over what cannot be clicked now
 
+inline constexpr double lockedOpacity = 0.45; ///< of pictures that do not answer now
+
 // Lines.
 inline constexpr QColor line(0xC9, 0xDD, 0xE9);
 inline constexpr QColor headerLine(0xD9, 0xE8, 0xF2);

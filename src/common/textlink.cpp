@@ -3,7 +3,10 @@
 #include "common/style.h"
 #include "common/textfit.h"
 
+#include <QGuiApplication>
+#include <QMouseEvent>
 #include <QPainter>
+#include <QStyleHints>
 
 namespace {
 constexpr int margin = 3;
@@ -31,6 +34,24 @@ QString TextLink::shownText() const
     if (blank < 0 || fits(text()))
         return TextFit::elided(text(), fits);
     return text().left(blank) + QLatin1Char('\n') + TextFit::elided(text().mid(blank + 1), fits);
+}
+
+/// A series of quick presses is one wish, however many they are.
+void TextLink::mousePressEvent(QMouseEvent* event)
+{
+    const auto pause = static_cast<unsigned long>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    if (m_bClickedTwice && event->timestamp() - m_lastOfSeries < pause) {
+        m_lastOfSeries = event->timestamp();
+        return;
+    }
+    m_bClickedTwice = false;
+    PaintedButton::mousePressEvent(event);
+}
+
+void TextLink::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    m_bClickedTwice = true;
+    m_lastOfSeries = event->timestamp();
 }
 
 void TextLink::paintEvent(QPaintEvent*)

@@ -5,6 +5,7 @@
 #include "views/viewfocus.h"
 
 #include <QAbstractItemView>
+#include <QHeaderView>
 #include <QTableView>
 
 namespace {
@@ -16,6 +17,12 @@ public:
     using QAccessibleWidget::QAccessibleWidget;
 
     bool isSilent() const override { return true; }
+    /// Its columns, by which it can be ordered.
+    QWidget* standIn() const override
+    {
+        const auto* const table = qobject_cast<const QTableView*>(widget());
+        return table ? table->horizontalHeader() : nullptr;
+    }
     int childCount() const override { return 0; }
     int indexOfChild(const QAccessibleInterface*) const override { return -1; }
     /// The song that the view means by this number; of a view out of sight the view, which nobody hears.

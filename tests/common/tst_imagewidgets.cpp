@@ -1,3 +1,4 @@
+#include "common/choicebutton.h"
 #include "common/qimagebutton.h"
 #include "common/qimagedialog.h"
 #include "common/qimagewidget.h"
@@ -35,6 +36,8 @@ private slots:
     void theStateFollowsTheMouse();
     void leavingPressedKeepsThePressedLook();
     void disablingShowsTheFourthCellAndEnablingTheFirst();
+    void theFourthCellOfAChoiceIsTheChosenLook();
+    void aChoiceThatIsLockedIsFaint();
     void otherButtonsDoNotPress();
     void aDoubleClickChangesFilesByOneButtonOnly();
     void clicksAndKeysWorkAsOnEveryButton();
@@ -44,6 +47,7 @@ private slots:
     void aDialogTakesTheSizeOfItsFace();
     void aDialogMovesByItsTitleBandOnlyWhenEnabled();
     void aWidgetShowsItsPictureScaled();
+    void oneStripIsReadOnceForAllButtons();
     void aPictureBeyondTheLimitIsNone();
     void aWidgetReportsEveryPress();
     void aGrabbedWidgetFollowsThePointer();
@@ -145,6 +149,52 @@ void TestImageWidgets::disablingShowsTheFourthCellAndEnablingTheFirst()
     button.setEnabled(true);
     QCOMPARE(button.state(), int(QImageButton::StateNormal));
     QCOMPARE(centre(button), cellColours[0]);
+}
+
+void TestImageWidgets::theFourthCellOfAChoiceIsTheChosenLook()
+{
+    ChoiceButton button;
+    button.setBtnImage(path("strip.png"));
+    for (const bool enabled : {true, false, true}) {
+        button.setEnabled(enabled);
+        button.setChosen(true);
+        QCOMPARE(centre(button), cellColours[3]);
+    }
+    button.setChosen(false);
+    QCOMPARE(centre(button), cellColours[0]);
+    QEvent enter(QEvent::Enter);
+    QApplication::sendEvent(&button, &enter);
+    QCOMPARE(centre(button), cellColours[1]);
+}
+
+/// The chosen one only with all around it: it is disabled anyway.
+void TestImageWidgets::aChoiceThatIsLockedIsFaint()
+{
+    QWidget pane;
+    pane.setPalette(Qt::white);
+    pane.resize(200, 40);
+    auto* const chosen = new ChoiceButton(&pane);
+    auto* const other = new ChoiceButton(&pane);
+    chosen->setBtnImage(path("strip.png"));
+    other->setBtnImage(path("strip.png"));
+    other->move(100, 0);
+    chosen->setEnabled(false);
+    chosen->setChosen(true);
+    const auto colours = [&] {
+        const QImage shown = pane.grab().toImage();
+        return QVector<QRgb>{shown.pixel(50, 20), shown.pixel(150, 20)};
+    };
+    const QVector<QRgb> open = {cellColours[3], cellColours[0]};
+    QCOMPARE(colours(), open);
+    pane.setEnabled(false);
+    const QVector<QRgb> locked = colours();
+    for (int i = 0; i < 2; ++i)
+        QVERIFY(qGray(locked.at(i)) > qGray(open.at(i)) + 40);
+    QVERIFY(locked.at(0) != locked.at(1)); // which one is chosen is still to be seen
+    pane.setEnabled(true);
+    QCOMPARE(colours(), open);
+    other->setEnabled(false);
+    QCOMPARE(colours(), (QVector<QRgb>{open.at(0), locked.at(1)}));
 }
 
 void TestImageWidgets::otherButtonsDoNotPress()
@@ -304,6 +354,25 @@ void TestImageWidgets::aPictureBeyondTheLimitIsNone()
     QCOMPARE(size({3000, 300}), QSize(3000, 300));
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("screen.gif does not load")));
     QVERIFY(size({16000, 16000}).isEmpty());
+}
+
+void TestImageWidgets::oneStripIsReadOnceForAllButtons()
+{
+    const QString file = path("shared.png");
+    QVERIFY(QFile::copy(path("strip.png"), file));
+    auto first = std::make_unique<QImageButton>();
+    first->setBtnImage(file);
+    QVERIFY(QFile::remove(file));
+    QImageButton second;
+    QVERIFY(second.setBtnImage(file));
+    QCOMPARE(centre(second), cellColours[0]);
+    first.reset();
+    QCOMPARE(centre(second), cellColours[0]);
+    second.setBtnImage(path("strip.png"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("does not load"));
+    QVERIFY(!second.setBtnImage(file)); // none holds it any more
+    QVERIFY(QFile::copy(path("strip.png"), file));
+    QVERIFY(second.setBtnImage(file)); // what was no picture is looked for again
 }
 
 void TestImageWidgets::aWidgetReportsEveryPress()
