@@ -213,23 +213,30 @@ void keepEdits(benchmark::State& state)
 BENCHMARK(keepEdits)->Arg(0)->Arg(500000)->Arg(2000000)->UseManualTime()->Iterations(1)->Unit(
     benchmark::kMillisecond);
 
-/// One group of all songs in the view.
-void makeOneGroup(Collection& collection, CenterWidget& center)
+/// A window's views over one group of so many songs, in the list of groups.
+struct OneGroup
 {
-    for (QMusicInfo* song : qAsConst(collection.all)) {
-        song->localInfo->title = QStringLiteral("Title");
-        song->localInfo->duration = 180000;
+    explicit OneGroup(int count) : collection(count, 0)
+    {
+        for (QMusicInfo* song : qAsConst(collection.all)) {
+            song->localInfo->title = QStringLiteral("Title");
+            song->localInfo->duration = 180000;
+        }
+        center.resize(920, 585);
+        center.show();
+        center.setMusicInfoList(&collection.all);
+        center.slotShowDuplicateMusicView();
     }
-    center.resize(920, 585);
-    center.show();
-    center.setMusicInfoList(&collection.all);
-    center.slotShowDuplicateMusicView();
-}
+    void show()
+    {
+        center.SlotClickDupMusicIndex(
+            center.findChild<QListView*>("m_dupMusicListView")->model()->index(0, 0));
+    }
+    QList<DupMusicbarWidget*> rows() const { return center.findChildren<DupMusicbarWidget*>(); }
 
-void showGroup(CenterWidget& center)
-{
-    center.SlotClickDupMusicIndex(center.findChild<QListView*>("m_dupMusicListView")->model()->index(0, 0));
-}
+    Collection collection;
+    CenterWidget center;
+};
 
 /// Makes the rows of a group, and shows those that there is room for.
 void showRows(benchmark::State& state)
@@ -237,15 +244,13 @@ void showRows(benchmark::State& state)
     const int count = int(state.range(0));
     for (auto unused : state) {
         (void)unused;
-        Collection collection(count, 0);
-        CenterWidget center;
-        makeOneGroup(collection, center);
+        OneGroup group(count);
         QApplication::processEvents();
-        measure(state, [&center] {
-            showGroup(center);
+        measure(state, [&group] {
+            group.show();
             QApplication::processEvents();
         });
-        if (center.findChildren<DupMusicbarWidget*>().size() != count)
+        if (group.rows().size() != count)
             state.SkipWithError("not every song has its row");
     }
     state.SetItemsProcessed(state.iterations() * count);
@@ -258,19 +263,17 @@ void clearShownGroup(benchmark::State& state)
     const int count = int(state.range(0));
     for (auto unused : state) {
         (void)unused;
-        Collection collection(count, 0);
-        CenterWidget center;
-        makeOneGroup(collection, center);
-        showGroup(center);
-        auto* panel = center.findChild<DuplicateMusicDetailedWidget*>();
-        const auto rows = panel->findChildren<DupMusicbarWidget*>();
+        OneGroup group(count);
+        group.show();
+        const QList<DupMusicbarWidget*> rows = group.rows();
         for (int row = 1; row < count / 2; ++row)
             rows.at(row)->SlotOnBtnCheckBox();
         QApplication::processEvents();
+        auto* panel = group.center.findChild<DuplicateMusicDetailedWidget*>();
         measure(state, [panel] { panel->SlotDeleteSongWasSelected(); });
-        if (collection.all.size() != count / 2)
+        if (group.collection.all.size() != count / 2)
             state.SkipWithError("not every unmarked song went");
-        collection.disownRemoved();
+        group.collection.disownRemoved();
     }
     state.SetItemsProcessed(state.iterations() * count / 2);
 }

@@ -3,13 +3,10 @@
 #include "audiocore/musicbytes.h"
 #include "collection/classification.h"
 #include "collection/contenthash.h"
-#include "collection/parallelwork.h"
 #include "collection/songfile.h"
+#include "collection/songlooks.h"
 
-#include <atomic>
 #include <cstdint>
-#include <functional>
-#include <map>
 #include <mutex>
 #include <numeric>
 #include <string>
@@ -33,30 +30,19 @@ class ContentLook
 {
 public:
     ContentLook(const SongList& songs, SongSearchListener& listener)
-        : m_songs(songs), m_listener(listener), m_counts(std::size_t(songs.size()), 0)
+        : m_songs(songs), m_looks(listener), m_counts(std::size_t(songs.size()), 0)
     {
     }
 
     QVector<QVector<int>> groups()
     {
-        const bool isDone = eachOf(allSongs(), [this](int song) { measure(song); }) &&
-                            eachOf(songsToRead(), [this](int song) { hash(song); });
-        for (const auto& [song, reason] : m_failed)
-            m_listener.failed(song, reason);
+        const bool isDone = m_looks.into(allSongs(), [this](int song) { measure(song); }) &&
+                            m_looks.into(songsToRead(), [this](int song) { hash(song); });
+        m_looks.tellFailures();
         return isDone ? Classification::groupEqual(m_keys) : QVector<QVector<int>>();
     }
 
 private:
-    bool eachOf(const std::vector<int>& songs, const std::function<void(int)>& look)
-    {
-        const int count = int(songs.size());
-        return ParallelWork::run(
-            count, [&](int piece) { look(songs[std::size_t(piece)]); },
-            [&](int done) {
-                m_isEnded = m_isEnded || !m_listener.goesOn(done, count);
-                return !m_isEnded;
-            });
-    }
     std::vector<int> allSongs() const
     {
         std::vector<int> songs(std::size_t(m_songs.size()));
@@ -86,7 +72,7 @@ private:
         if (status == MUSIC_BYTES_READ)
             m_counts[std::size_t(song)] = count;
         else
-            fail(song, whyNotRead(status, path));
+            m_looks.fail(song, whyNotRead(status, path));
     }
     void hash(int song)
     {
@@ -95,33 +81,26 @@ private:
         const MusicBytesStatus status =
             ReadMusicBytes(path.c_str(), [&](const char* bytes, std::size_t count) {
                 hash.add(bytes, count);
-                return !m_isEnded;
+                return !m_looks.isEnded();
             });
         if (status == MUSIC_BYTES_READ)
             note(song, QString::number(m_counts[std::size_t(song)]) + QLatin1Char(' ') +
                            QString::fromStdString(hash.result()));
         else if (status != MUSIC_BYTES_ENDED)
-            fail(song, whyNotRead(status, path));
+            m_looks.fail(song, whyNotRead(status, path));
     }
     void note(int song, const QString& key)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_keys[song] = key;
     }
-    void fail(int song, const std::string& reason)
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_failed[song] = reason;
-    }
 
     const SongList& m_songs;
-    SongSearchListener& m_listener;
+    SongLooks m_looks;
     const ContentHash::Secret m_secret = ContentHash::Secret::drawn();
-    std::atomic<bool> m_isEnded{false};
     std::vector<std::int64_t> m_counts; ///< of music bytes; each is one thread's
-    std::mutex m_mutex;                 ///< held for both below while there are threads
+    std::mutex m_mutex;                 ///< held for the next while there are threads
     QStringList m_keys;                 ///< of those that may have a copy
-    std::map<int, std::string> m_failed;
 };
 } // namespace
 

@@ -1,13 +1,12 @@
 #include "collection/soundsearch.h"
 
 #include "audiocore/soundprint.h"
-#include "collection/parallelwork.h"
 #include "collection/songfile.h"
+#include "collection/songlooks.h"
 #include "collection/soundgroups.h"
 
 #include <algorithm>
 #include <atomic>
-#include <map>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -52,29 +51,21 @@ class Hearing
 {
 public:
     Hearing(const SongList& songs, FingerprintCache& cache, SongSearchListener& listener)
-        : m_songs(songs), m_cache(cache), m_listener(listener)
+        : m_songs(songs), m_cache(cache), m_listener(listener), m_looks(listener)
     {
     }
 
     QVector<QVector<int>> groups()
     {
-        const std::vector<int> songs = songsToHear(m_songs.durations());
-        const int count = int(songs.size());
-        const bool isDone = ParallelWork::run(
-            count, [&](int piece) { hear(songs[std::size_t(piece)]); },
-            [&](int done) {
-                m_isEnded = m_isEnded || m_lacksModule || !m_listener.goesOn(done, count);
-                return !m_isEnded;
-            });
+        const bool isDone = m_looks.into(songsToHear(m_songs.durations()), [this](int song) { hear(song); });
         if (m_lacksModule)
             m_listener.cannotSearch("the part of the program that makes fingerprints cannot be loaded");
-        for (const auto& [song, reason] : m_failed)
-            m_listener.failed(song, reason);
+        m_looks.tellFailures();
         if (!isDone || m_lacksModule)
             return {};
         QVector<QVector<int>> found =
             SoundGroups::find(m_songs.durations(), [this](int song) { return nextToCompare(song); });
-        return m_isEnded ? QVector<QVector<int>>() : found;
+        return m_looks.isEnded() ? QVector<QVector<int>>() : found;
     }
 
 private:
@@ -85,13 +76,13 @@ private:
         if (m_cache.find(path, state))
             return;
         std::vector<std::uint32_t> values;
-        const SoundPrintStatus status = MakeSoundPrint(path.c_str(), m_isEnded, values);
+        const SoundPrintStatus status = MakeSoundPrint(path.c_str(), m_looks.isEnded(), values);
         if (status == SOUND_PRINT_NO_MODULE)
-            m_lacksModule = true;
+            lackModule();
         else if (status == SOUND_PRINT_MADE || status == SOUND_PRINT_TOO_SHORT)
             take(song, path, state, Fingerprint(values.begin(), values.end()));
         else if (status != SOUND_PRINT_CANCELLED)
-            fail(song, whyNoPrint(status, path));
+            m_looks.fail(song, whyNoPrint(status, path));
     }
     void take(int song, const std::string& path, const FileState& state, const Fingerprint& fingerprint)
     {
@@ -101,17 +92,16 @@ private:
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_held.emplace(song, fingerprint);
     }
-    void fail(int song, const std::string& reason)
+    void lackModule()
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_failed[song] = reason;
+        m_lacksModule = true;
+        m_looks.end();
     }
 
     /// Once no thread is left. None when it was ended, so that the rest takes no time.
     Fingerprint nextToCompare(int song)
     {
-        m_isEnded = m_isEnded || !m_listener.goesOn(m_compared++, m_songs.size());
-        return m_isEnded ? Fingerprint() : fingerprintOf(song);
+        return m_looks.goesOn(m_compared++, m_songs.size()) ? fingerprintOf(song) : Fingerprint();
     }
     /// What another process took out of the cache meanwhile is like nobody.
     Fingerprint fingerprintOf(int song)
@@ -126,12 +116,11 @@ private:
     const SongList& m_songs;
     FingerprintCache& m_cache;
     SongSearchListener& m_listener;
+    SongLooks m_looks;
     int m_compared = 0;
-    std::atomic<bool> m_isEnded{false};
     std::atomic<bool> m_lacksModule{false};
-    std::mutex m_mutex;                          ///< held for both below while there are threads
+    std::mutex m_mutex;                          ///< held for the next while there are threads
     std::unordered_map<int, Fingerprint> m_held; ///< what the cache does not have
-    std::map<int, std::string> m_failed;
 };
 } // namespace
 
