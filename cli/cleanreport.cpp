@@ -199,23 +199,28 @@ private:
                     tell(decision, {false, failure.isEmpty(), failure});
                 },
                 [this, &plan](int done) {
-                    m_console.progress(std::uint64_t(done), [&plan] { return std::uint64_t(plan.going()); });
+                    showProgress(done, plan.going());
                     return !Interruption::hasCome();
                 });
         m_step = step->isEmpty() ? 0 : step->number();
     }
     void cleanLibrary(const CleaningPlan& plan, ChangeStep& step, const CleaningPlan::Remove& remove)
     {
-        const QString whyNot =
-            TrackCleaning(plan, m_order.library, m_library, step)
-                .carryOut(
-                    remove,
-                    [this](const Decision& decision, const TrackCleaning::Outcome& outcome) {
-                        tell(decision, outcome);
-                    },
-                    [] { return !Interruption::hasCome(); });
+        int done = 0;
+        const QString whyNot = TrackCleaning(plan, m_order.library, m_library, step)
+                                   .carryOut(
+                                       remove,
+                                       [&](const Decision& decision, const TrackCleaning::Outcome& outcome) {
+                                           tell(decision, outcome);
+                                           showProgress(++done, plan.tracksGoing());
+                                       },
+                                       [] { return !Interruption::hasCome(); });
         if (!whyNot.isEmpty())
             failLater(m_order.library, whyNot.toStdString());
+    }
+    void showProgress(int done, int of)
+    {
+        m_console.progress(std::uint64_t(done), [of] { return std::uint64_t(of); });
     }
     void tell(const Decision& decision, const TrackCleaning::Outcome& outcome)
     {

@@ -1,4 +1,5 @@
 // How far a run is, for whoever looks on at a terminal.
+#include "clilibrary.h"
 #include "terminalrun.h"
 
 #include <QRegularExpression>
@@ -13,6 +14,7 @@ private slots:
     void theRateAndTheTimeThatIsLeftAreShown();
     void ofAListThatComesAsItGoesTheRateIsShown();
     void aDeletionShowsHowFarItIs();
+    void soDoesOneOfALibrary();
     void nobodyIsShownItUnasked_data();
     void nobodyIsShownItUnasked();
     void coloursAreForTheTerminalAlone();
@@ -20,6 +22,7 @@ private slots:
 
 private:
     static constexpr int songs = 600; // of which more is told in JSON than a terminal holds unread
+    static void changeWhatAPlanNamed(const QStringList& files);
     static QStringList manyWords() { return {"undefined", "--ndjson", "m"}; }
 
     CliRun m_run;
@@ -70,21 +73,52 @@ void TestCliProgress::aDeletionShowsHowFarItIs()
     const CliRun run;
     const QString folder = "m/" + QString(200, 'x'); // so that a terminal does not hold all of the plan
     const QString song = run.addSong(folder + "/one.mp3", CliRun::texts("Halo"));
-    const auto copy = [&](int i) { return run.path(folder + "/" + QString::number(i) + ".mp3"); };
-    for (int i = 0; i < copies; ++i)
-        QVERIFY(QFile::copy(song, copy(i)));
+    QStringList files;
+    for (int i = 0; i < copies; ++i) {
+        files.append(run.path(folder + "/" + QString::number(i) + ".mp3"));
+        QVERIFY(QFile::copy(song, files.last()));
+    }
     TerminalRun terminal(run, {"clean", "--keep", "in:m", "--yes", "m"});
     terminal.readTo("Halo"); // while the plan waits for its reader
-    for (int i = 0; i < copies; ++i) {
-        QFile file(copy(i));
-        QVERIFY(file.open(QIODevice::Append) && file.write("more") == 4);
-    }
+    changeWhatAPlanNamed(files);
     const QByteArray text = terminal.readSlowly();
     QCOMPARE(terminal.code(), 3);
     QCOMPARE(QDir(run.path(folder)).entryList(QDir::Files).size(), copies + 1);
     const QByteArray deletion = text.mid(text.indexOf("300 files for the trash"));
     const QRegularExpression line("\\d+ of 300 songs, [\\d,]+ a second, \\d+:\\d\\d left");
     QVERIFY2(QString::fromUtf8(deletion).contains(line), deletion);
+}
+
+void TestCliProgress::soDoesOneOfALibrary()
+{
+    constexpr int copies = 300;
+    CliLibrary run;
+    const QString folder = "m/" + QString(200, 'x') + '/';
+    run.add("m/one.mp3", "Halo", 200000);
+    QStringList files;
+    for (int i = 0; i < copies; ++i) {
+        run.add(folder + QString::number(i) + ".mp3", "Halo", 200000);
+        files.append(run.path(folder + QString::number(i) + ".mp3"));
+    }
+    run.write();
+    TerminalRun terminal(run, {"library", "Library.xml", "clean", "--keep", "first", "--yes"});
+    terminal.readTo("Halo");
+    changeWhatAPlanNamed(files);
+    const QByteArray text = terminal.readSlowly();
+    QCOMPARE(terminal.code(), 3);
+    QCOMPARE(QDir(run.path(folder)).entryList(QDir::Files).size(), copies);
+    const QByteArray deletion = text.mid(text.indexOf("300 tracks to be taken out"));
+    const QRegularExpression line("\\d+ of 300 songs, [\\d,]+ a second, \\d+:\\d\\d left");
+    QVERIFY2(QString::fromUtf8(deletion).contains(line), deletion);
+}
+
+/// So that none of the files goes and much is told, for which the program waits.
+void TestCliProgress::changeWhatAPlanNamed(const QStringList& files)
+{
+    for (const QString& name : files) {
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::Append) && file.write("more") == 4);
+    }
 }
 
 void TestCliProgress::nobodyIsShownItUnasked_data()
