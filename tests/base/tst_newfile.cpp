@@ -21,6 +21,8 @@ private slots:
     void init();
     void aFileThatTakesNoPlaceGoes();
     void aNewFileIsNobodyElses();
+    void aTakenNameIsPassedOver();
+    void whatKeepsANewFileAwayIsTold();
     void aCopyIsWholeOrNone_data();
     void aCopyIsWholeOrNone();
     void theOriginalIsReplacedWhileItIsAsItWas();
@@ -86,6 +88,30 @@ void TestNewFile::aNewFileIsNobodyElses()
     struct stat status = {};
     QCOMPARE(::stat(at(names().first().toUtf8().constData()).c_str(), &status), 0);
     QCOMPARE(int(status.st_mode & 07777), 0600);
+}
+
+void TestNewFile::aTakenNameIsPassedOver()
+{
+    const Interposed::Guard guard;
+    int tried = 0;
+    Interposed::makingFails = [&tried] { return ++tried < 3 ? EEXIST : 0; };
+    QVERIFY(NewFile::forName(at("name"), m_error));
+    QCOMPARE(tried, 3);
+    QVERIFY(m_error.text.empty());
+    Interposed::makingFails = [] { return EEXIST; };
+    QVERIFY(!NewFile::forName(at("name"), m_error));
+    QVERIFY(m_error.text.find("all names are taken") != std::string::npos);
+    QCOMPARE(names(), QStringList("file"));
+}
+
+void TestNewFile::whatKeepsANewFileAwayIsTold()
+{
+    const Interposed::Guard guard;
+    int tried = 0;
+    Interposed::makingFails = [&tried] { return ++tried, ENOSPC; };
+    QVERIFY(!NewFile::forName(at("name"), m_error));
+    QCOMPARE(tried, 1);
+    QVERIFY(m_error.kind == base::Failure::Kind::DiskFull);
 }
 
 void TestNewFile::aCopyIsWholeOrNone_data()
