@@ -37,6 +37,8 @@ private slots:
     void aNewListTakesOverWhatOthersSay();
     void oldEncodingsAreRead();
     void aPictureInAnotherPlaceGivesWay();
+    void aTrackKeepsWhatStandsBehindIt_data();
+    void aTrackKeepsWhatStandsBehindIt();
     void whatCannotBeKeptIsNotSaved_data();
     void whatCannotBeKeptIsNotSaved();
 
@@ -191,6 +193,29 @@ void TestMp4Tags::aPictureInAnotherPlaceGivesWay()
     QCOMPARE(AudioFile::read(path).picture, picture);
     QVERIFY(!contentOf(path).contains(old));
     QVERIFY(Mp4Judges::mutagen({path}).value(path).texts.contains("covr"));
+}
+
+void TestMp4Tags::aTrackKeepsWhatStandsBehindIt_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<bool>("stays");
+    QTest::newRow("as long as it may be") << 64 << true;
+    QTest::newRow("longer") << 65 << false;
+}
+
+void TestMp4Tags::aTrackKeepsWhatStandsBehindIt()
+{
+    QFETCH(int, size);
+    QFETCH(bool, stays);
+    const auto track = [size](char number) {
+        return Mp4::item("trkn", 0,
+                         QByteArray(3, '\0') + number + QByteArray("\0\x0C", 2).leftJustified(size - 4, 'x'));
+    };
+    const QString path = file(Mp4Kinds::withInMoov(song(), Mp4::tags(track(3))));
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_TRACK), QStringLiteral("3"));
+    QCOMPARE(AudioFile::write(path, {{TAG_TRACK, QStringLiteral("7")}}), 0);
+    const QByteArray alone = Mp4::item("trkn", 0, QByteArray("\0\0\0\7\0\0\0\0", 8));
+    QVERIFY(contentOf(path).contains(stays ? track(7) : alone));
 }
 
 void TestMp4Tags::whatCannotBeKeptIsNotSaved_data()
