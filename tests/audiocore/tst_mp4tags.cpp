@@ -39,6 +39,8 @@ private slots:
     void aPictureInAnotherPlaceGivesWay();
     void aTrackKeepsWhatStandsBehindIt_data();
     void aTrackKeepsWhatStandsBehindIt();
+    void whatIsTooLittleForRoomIsLeftByNone_data();
+    void whatIsTooLittleForRoomIsLeftByNone();
     void whatCannotBeKeptIsNotSaved_data();
     void whatCannotBeKeptIsNotSaved();
 
@@ -216,6 +218,38 @@ void TestMp4Tags::aTrackKeepsWhatStandsBehindIt()
     QCOMPARE(AudioFile::write(path, {{TAG_TRACK, QStringLiteral("7")}}), 0);
     const QByteArray alone = Mp4::item("trkn", 0, QByteArray("\0\0\0\7\0\0\0\0", 8));
     QVERIFY(contentOf(path).contains(stays ? track(7) : alone));
+}
+
+void TestMp4Tags::whatIsTooLittleForRoomIsLeftByNone_data()
+{
+    QTest::addColumn<int>("left");
+    QTest::addColumn<bool>("fits");
+    QTest::newRow("nothing is left") << 0 << true;
+    QTest::newRow("a byte is left") << 1 << false;
+    QTest::newRow("all but a head is left") << 7 << false;
+    QTest::newRow("a head is left") << 8 << true;
+}
+
+void TestMp4Tags::whatIsTooLittleForRoomIsLeftByNone()
+{
+    QFETCH(int, left);
+    QFETCH(bool, fits);
+    constexpr int room = 40;
+    const QByteArray handler = Mp4::atom("hdlr", QByteArray(8, '\0') + "mdirappl" + QByteArray(9, '\0'));
+    const auto meta = [&handler](const QByteArray& title, int size) {
+        const QByteArray free = size >= 8 ? Mp4::atom("free", QByteArray(size - 8, '\0')) : QByteArray();
+        return Mp4::atom("meta",
+                         Mp4::number(0) + handler + Mp4::atom("ilst", Mp4::item("\251nam", 1, title)) + free);
+    };
+    const QString path = file(Mp4Kinds::withInMoov(song(), Mp4::atom("udta", meta("Old", room))));
+    const int size = contentOf(path).size();
+    const QString title = QString(3 + room - left, QLatin1Char('x'));
+    QCOMPARE(AudioFile::write(path, {{TAG_TITLE, title}}), 0);
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), title);
+    const QByteArray saved = contentOf(path);
+    QCOMPARE(saved.size() == size, fits);
+    QCOMPARE(saved.contains(meta(title.toUtf8(), left)), fits);
+    QVERIFY(fits || saved.size() >= size + 8 - left);
 }
 
 void TestMp4Tags::whatCannotBeKeptIsNotSaved_data()
