@@ -1,3 +1,4 @@
+#include "base/descriptor_posix.h"
 #include "base/newfile.h"
 #include "base/newfilename.h"
 #include "interposed.h"
@@ -10,6 +11,7 @@
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using base::NewFile;
 
@@ -23,6 +25,8 @@ private slots:
     void aNewFileIsNobodyElses();
     void aTakenNameIsPassedOver();
     void whatKeepsANewFileAwayIsTold();
+    void aFolderThatCannotBeListedTakesANewFile();
+    void aFolderIsOpenWhateverFailedBefore();
     void aCopyIsWholeOrNone_data();
     void aCopyIsWholeOrNone();
     void theOriginalIsReplacedWhileItIsAsItWas();
@@ -112,6 +116,32 @@ void TestNewFile::whatKeepsANewFileAwayIsTold()
     QVERIFY(!NewFile::forName(at("name"), m_error));
     QCOMPARE(tried, 1);
     QVERIFY(m_error.kind == base::Failure::Kind::DiskFull);
+}
+
+/// Root lists everything, and is somebody else meanwhile.
+void TestNewFile::aFolderThatCannotBeListedTakesANewFile()
+{
+    constexpr uid_t somebody = 65534;
+    const uid_t user = ::geteuid();
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_folder->path()));
+    QCOMPARE(::chmod(".", 0333), 0);
+    const bool isOrdinary = user != 0 || ::seteuid(somebody) == 0;
+    const bool isMade = NewFile::forName("name", m_error) != nullptr;
+    const bool isUserAgain = ::seteuid(user) == 0;
+    QCOMPARE(::chmod(".", 0700), 0);
+    QVERIFY(QDir::setCurrent(before) && isUserAgain);
+    if (!isOrdinary)
+        QSKIP("root cannot be somebody else here");
+    QVERIFY2(isMade, m_error.text.c_str());
+    QCOMPARE(names(), QStringList("file"));
+}
+
+void TestNewFile::aFolderIsOpenWhateverFailedBefore()
+{
+    errno = EACCES;
+    const base::Descriptor folder = base::openFolderOf(at("file"));
+    QCOMPARE(::fsync(folder.fd), 0);
 }
 
 void TestNewFile::aCopyIsWholeOrNone_data()
