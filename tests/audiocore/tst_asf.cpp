@@ -89,6 +89,10 @@ private slots:
     void whatIsTakenOutLeavesNoEmptyField();
     void severalValuesAreReplacedTogether();
     void namesAreTheSameInCapitals();
+    void longNamesAreNoneOfOurs();
+    void aCountEndsWithItsObject_data();
+    void aCountEndsWithItsObject();
+    void aNameLikeAnObjectHidesNoObject();
     void titlesOfOtherLanguagesStay();
     void ofSeveralDescriptionsTheShownOneIsWritten();
     void aPictureGoesWhereItFits_data();
@@ -230,6 +234,48 @@ void TestAsf::namesAreTheSameInCapitals()
     edit(path, TAG_GENRE, QStringLiteral("Jazz"));
     QCOMPARE(contentOf(path),
              file({extended({field("WM/Genre", wide("Jazz")), field("WM/Genre2", wide("Blues"))})}));
+}
+
+void TestAsf::longNamesAreNoneOfOurs()
+{
+    const auto genreNamedIn = [](int bytes) {
+        const QByteArray name = wide("WM/Genre").leftJustified(bytes, '\0');
+        return number(quint16(bytes)) + name + field("", wide("Rock")).mid(2 + wide("").size());
+    };
+    std::optional<AsfBytes> parsed =
+        AsfBytes::parse(bytesOf(header({extended({genreNamedIn(64), genreNamedIn(66)})})));
+    QVERIFY(parsed);
+    TagEdits edits;
+    edits.texts[TAG_GENRE] = "Pop";
+    parsed->apply(edits);
+    QCOMPARE(bytesOf(parsed->render(tone().behind.size()).value_or(TagLib::ByteVector())),
+             header({extended({field("WM/Genre", wide("Pop")), genreNamedIn(66)})}));
+}
+
+/// Where it counts more fields than there are, what comes behind is read all the same.
+void TestAsf::aCountEndsWithItsObject_data()
+{
+    QTest::addColumn<QByteArray>("object");
+    const QByteArray more = number(quint16(2));
+    QTest::newRow("short fields") << extended({QByteArray(6, '\0')}).replace(24, 2, more);
+    QTest::newRow("long fields") << extension({library({QByteArray(12, '\0')}).replace(24, 2, more)});
+}
+
+void TestAsf::aCountEndsWithItsObject()
+{
+    QFETCH(QByteArray, object);
+    const QString path = saved(file({object, description({wide("Title"), "", "", "", ""})}));
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), QStringLiteral("Title"));
+}
+
+void TestAsf::aNameLikeAnObjectHidesNoObject()
+{
+    const QByteArray name = extended({}).left(16);
+    const QByteArray named = number(quint32(0)) + number(quint16(name.size())) + number(quint16(Bytes)) +
+                             number(quint32(8)) + name + QByteArray(8, '\0');
+    const QString path =
+        saved(file({extension({library({named})}), extended({field("WM/Genre", wide("Rock"))})}));
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_GENRE), QStringLiteral("Rock"));
 }
 
 void TestAsf::titlesOfOtherLanguagesStay()

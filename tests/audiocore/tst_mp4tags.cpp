@@ -37,6 +37,10 @@ private slots:
     void aNewListTakesOverWhatOthersSay();
     void oldEncodingsAreRead();
     void aPictureInAnotherPlaceGivesWay();
+    void aTrackKeepsWhatStandsBehindIt_data();
+    void aTrackKeepsWhatStandsBehindIt();
+    void whatIsTooLittleForRoomIsLeftByNone_data();
+    void whatIsTooLittleForRoomIsLeftByNone();
     void whatCannotBeKeptIsNotSaved_data();
     void whatCannotBeKeptIsNotSaved();
 
@@ -191,6 +195,61 @@ void TestMp4Tags::aPictureInAnotherPlaceGivesWay()
     QCOMPARE(AudioFile::read(path).picture, picture);
     QVERIFY(!contentOf(path).contains(old));
     QVERIFY(Mp4Judges::mutagen({path}).value(path).texts.contains("covr"));
+}
+
+void TestMp4Tags::aTrackKeepsWhatStandsBehindIt_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<bool>("stays");
+    QTest::newRow("as long as it may be") << 64 << true;
+    QTest::newRow("longer") << 65 << false;
+}
+
+void TestMp4Tags::aTrackKeepsWhatStandsBehindIt()
+{
+    QFETCH(int, size);
+    QFETCH(bool, stays);
+    const auto track = [size](char number) {
+        return Mp4::item("trkn", 0,
+                         QByteArray(3, '\0') + number + QByteArray("\0\x0C", 2).leftJustified(size - 4, 'x'));
+    };
+    const QString path = file(Mp4Kinds::withInMoov(song(), Mp4::tags(track(3))));
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_TRACK), QStringLiteral("3"));
+    QCOMPARE(AudioFile::write(path, {{TAG_TRACK, QStringLiteral("7")}}), 0);
+    const QByteArray alone = Mp4::item("trkn", 0, QByteArray("\0\0\0\7\0\0\0\0", 8));
+    QVERIFY(contentOf(path).contains(stays ? track(7) : alone));
+}
+
+void TestMp4Tags::whatIsTooLittleForRoomIsLeftByNone_data()
+{
+    QTest::addColumn<int>("left");
+    QTest::addColumn<bool>("fits");
+    QTest::newRow("nothing is left") << 0 << true;
+    QTest::newRow("a byte is left") << 1 << false;
+    QTest::newRow("all but a head is left") << 7 << false;
+    QTest::newRow("a head is left") << 8 << true;
+}
+
+void TestMp4Tags::whatIsTooLittleForRoomIsLeftByNone()
+{
+    QFETCH(int, left);
+    QFETCH(bool, fits);
+    constexpr int room = 40;
+    const QByteArray handler = Mp4::atom("hdlr", QByteArray(8, '\0') + "mdirappl" + QByteArray(9, '\0'));
+    const auto meta = [&handler](const QByteArray& title, int size) {
+        const QByteArray free = size >= 8 ? Mp4::atom("free", QByteArray(size - 8, '\0')) : QByteArray();
+        return Mp4::atom("meta",
+                         Mp4::number(0) + handler + Mp4::atom("ilst", Mp4::item("\251nam", 1, title)) + free);
+    };
+    const QString path = file(Mp4Kinds::withInMoov(song(), Mp4::atom("udta", meta("Old", room))));
+    const int size = contentOf(path).size();
+    const QString title = QString(3 + room - left, QLatin1Char('x'));
+    QCOMPARE(AudioFile::write(path, {{TAG_TITLE, title}}), 0);
+    QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), title);
+    const QByteArray saved = contentOf(path);
+    QCOMPARE(saved.size() == size, fits);
+    QCOMPARE(saved.contains(meta(title.toUtf8(), left)), fits);
+    QVERIFY(fits || saved.size() >= size + 8 - left);
 }
 
 void TestMp4Tags::whatCannotBeKeptIsNotSaved_data()

@@ -27,6 +27,7 @@ private slots:
     void whatHasOtherStreamsBesideIsNotWritten_data();
     void whatHasOtherStreamsBesideIsNotWritten();
     void musicWithoutAnEndIsMeasuredByItsPages();
+    void theLastPageIsFoundWhereverItBegins();
     void otherSoundIsNotTakenForItsMusic();
 
 private:
@@ -200,6 +201,22 @@ void TestOgg::musicWithoutAnEndIsMeasuredByItsPages()
     const AudioFile::Properties properties = AudioFile::properties(path("broken off.ogg"));
     const qint64 preSkip = qFromLittleEndian<quint16>(pages.first().body.constData() + 10);
     QCOMPARE(qint64(properties.duration), (pages.last().position - preSkip) * 1000 / 48000);
+}
+
+/// It is looked for piece by piece from the end.
+void TestOgg::theLastPageIsFoundWhereverItBegins()
+{
+    constexpr int piece = 4096;
+    const QByteArray song = contentOf(Fixtures::tone("opus"));
+    const QList<Ogg::Page> pages = Ogg::pagesOf(song);
+    Ogg::Page last = Ogg::page(pages.first().serial, quint32(pages.size()), Ogg::Last, "packet");
+    last.position = pages.last().position + 48000;
+    const QByteArray end = Ogg::bytesOf(last);
+    const int duration = AudioFile::properties(Fixtures::tone("opus")).duration + 1000;
+    for (int before = -1; before <= 5; ++before) { // the end of the last piece
+        setContent(path("far.ogg"), song + end + QByteArray(piece + before - end.size(), 'x'));
+        QCOMPARE(AudioFile::properties(path("far.ogg")).duration, duration);
+    }
 }
 
 void TestOgg::otherSoundIsNotTakenForItsMusic()

@@ -344,14 +344,17 @@ void TestSave::modeAndAttributesStay()
     const QString path = Fixtures::copyTone(QStringLiteral("mp3"), m_folder.path());
     const std::string file = native(path);
     QCOMPARE(::chmod(file.c_str(), 0640), 0);
-    const bool attributes = ::setxattr(file.c_str(), "user.melodrift", "kept", 4, 0) == 0;
+    const bool attributes = ::setxattr(file.c_str(), "user.melodrift", "kept", 4, 0) == 0 &&
+                            ::setxattr(file.c_str(), "user.empty", "", 0, 0) == 0;
     QCOMPARE(AudioFile::write(path, {{TAG_TITLE, QStringLiteral("T")}}), 0);
     struct stat status = {};
     QCOMPARE(::stat(file.c_str(), &status), 0);
     QCOMPARE(int(status.st_mode & 07777), 0640);
     char value[8] = {};
-    if (attributes)
+    if (attributes) {
         QCOMPARE(int(::getxattr(file.c_str(), "user.melodrift", value, sizeof value)), 4);
+        QCOMPARE(int(::getxattr(file.c_str(), "user.empty", value, sizeof value)), 0);
+    }
     QVERIFY(leftovers(m_folder.path()).isEmpty());
 }
 

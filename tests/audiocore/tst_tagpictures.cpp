@@ -1,6 +1,7 @@
 #include "audiocore/tagitem.h"
 #include "audiofile.h"
 #include "fixtures.h"
+#include "mediabytes.h"
 #include "playing.h"
 #include "severalpictures.h"
 
@@ -50,6 +51,9 @@ private slots:
     void aPictureTooLargeLeavesTheTexts_data();
     void aPictureTooLargeLeavesTheTexts();
     void musicBehindAVastPictureIsPlayed();
+    void aPictureIsReadBehindVastFieldsOfOthers();
+    void aPictureOfAVastKindIsNone_data();
+    void aPictureOfAVastKindIsNone();
 
 private:
     QTemporaryDir m_folder;
@@ -138,6 +142,38 @@ void TestTagPictures::musicBehindAVastPictureIsPlayed()
     QCOMPARE(AudioFile::write(path, {{TAG_TITLE, QStringLiteral("New")}}), 0);
     QCOMPARE(picturesIn(path), 1);
     verifyPlays(path);
+}
+
+void TestTagPictures::aPictureIsReadBehindVastFieldsOfOthers()
+{
+    const QByteArray picture = pictureOf(26 * megabyte);
+    const QByteArray frames = MediaBytes::frame("PRIV", QByteArray(26 * megabyte, 'x')) +
+                              MediaBytes::frame("APIC", QByteArray("\0image/png\0\3\0", 13) + picture);
+    const QString path = m_folder.filePath("vast.mp3");
+    Playing::setContent(path, MediaBytes::id3v2(frames) + Playing::contentOf(Fixtures::tone("mp3")));
+    QVERIFY(AudioFile::read(path).picture == picture);
+}
+
+void TestTagPictures::aPictureOfAVastKindIsNone_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<bool>("isOne");
+    QTest::newRow("as long as it may be") << 64 * 1024 << true;
+    QTest::newRow("longer") << 64 * 1024 + 1 << false;
+}
+
+void TestTagPictures::aPictureOfAVastKindIsNone()
+{
+    QFETCH(int, size);
+    QFETCH(bool, isOne);
+    const QByteArray picture = pictureOf(500);
+    const QByteArray block = MediaBytes::big32(3) + MediaBytes::big32(quint32(size)) + "image/png" +
+                             QByteArray(size - 9, 'x') + QByteArray(4 + 16, '\0') +
+                             MediaBytes::big32(quint32(picture.size())) + picture;
+    const QString path = m_folder.filePath("kind.flac");
+    Playing::setContent(path, MediaBytes::withBlocks(Playing::contentOf(Fixtures::tone("flac")),
+                                                     MediaBytes::flacBlock(6, block)));
+    QCOMPARE(AudioFile::read(path).picture, isOne ? picture : QByteArray());
 }
 
 QTEST_GUILESS_MAIN(TestTagPictures)

@@ -1,3 +1,4 @@
+#include "base/descriptor_posix.h"
 #include "base/newfile.h"
 #include "base/newfilename.h"
 #include "interposed.h"
@@ -10,6 +11,7 @@
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using base::NewFile;
 
@@ -21,6 +23,10 @@ private slots:
     void init();
     void aFileThatTakesNoPlaceGoes();
     void aNewFileIsNobodyElses();
+    void aTakenNameIsPassedOver();
+    void whatKeepsANewFileAwayIsTold();
+    void aFolderThatCannotBeListedTakesANewFile();
+    void aFolderIsOpenWhateverFailedBefore();
     void aCopyIsWholeOrNone_data();
     void aCopyIsWholeOrNone();
     void theOriginalIsReplacedWhileItIsAsItWas();
@@ -86,6 +92,56 @@ void TestNewFile::aNewFileIsNobodyElses()
     struct stat status = {};
     QCOMPARE(::stat(at(names().first().toUtf8().constData()).c_str(), &status), 0);
     QCOMPARE(int(status.st_mode & 07777), 0600);
+}
+
+void TestNewFile::aTakenNameIsPassedOver()
+{
+    const Interposed::Guard guard;
+    int tried = 0;
+    Interposed::makingFails = [&tried] { return ++tried < 3 ? EEXIST : 0; };
+    QVERIFY(NewFile::forName(at("name"), m_error));
+    QCOMPARE(tried, 3);
+    QVERIFY(m_error.text.empty());
+    Interposed::makingFails = [] { return EEXIST; };
+    QVERIFY(!NewFile::forName(at("name"), m_error));
+    QVERIFY(m_error.text.find("all names are taken") != std::string::npos);
+    QCOMPARE(names(), QStringList("file"));
+}
+
+void TestNewFile::whatKeepsANewFileAwayIsTold()
+{
+    const Interposed::Guard guard;
+    int tried = 0;
+    Interposed::makingFails = [&tried] { return ++tried, ENOSPC; };
+    QVERIFY(!NewFile::forName(at("name"), m_error));
+    QCOMPARE(tried, 1);
+    QVERIFY(m_error.kind == base::Failure::Kind::DiskFull);
+}
+
+/// Root lists everything, and is somebody else meanwhile.
+void TestNewFile::aFolderThatCannotBeListedTakesANewFile()
+{
+    constexpr uid_t somebody = 65534;
+    const uid_t user = ::geteuid();
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_folder->path()));
+    QCOMPARE(::chmod(".", 0333), 0);
+    const bool isOrdinary = user != 0 || ::seteuid(somebody) == 0;
+    const bool isMade = NewFile::forName("name", m_error) != nullptr;
+    const bool isUserAgain = ::seteuid(user) == 0;
+    QCOMPARE(::chmod(".", 0700), 0);
+    QVERIFY(QDir::setCurrent(before) && isUserAgain);
+    if (!isOrdinary)
+        QSKIP("root cannot be somebody else here");
+    QVERIFY2(isMade, m_error.text.c_str());
+    QCOMPARE(names(), QStringList("file"));
+}
+
+void TestNewFile::aFolderIsOpenWhateverFailedBefore()
+{
+    errno = EACCES;
+    const base::Descriptor folder = base::openFolderOf(at("file"));
+    QCOMPARE(::fsync(folder.fd), 0);
 }
 
 void TestNewFile::aCopyIsWholeOrNone_data()

@@ -46,6 +46,7 @@ void TestGlob::comparesNamesAndPaths_data()
     row("/old", "old", true); // right below the folder
     row("/old", "new/old", false);
     row("**/old", "new/old", true);
+    row("**/old", "new/deep/old", true);
     row("a?b/c", "a/b/c", false);
     row("x[!a]y/z", "x/y/z", false);
 }

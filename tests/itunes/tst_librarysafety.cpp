@@ -5,8 +5,10 @@
 #include <QtTest>
 
 #include <csignal>
+#include <sys/inotify.h>
 #include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 
 using Fixtures::ITunesPlaylist;
 using LibraryCalls::contentOf;
@@ -23,6 +25,7 @@ private slots:
     void changesShowBeforeTheyAreWritten();
     void theFileIsWrittenWhenTheChangesPause();
     void oneBackupHoldsTheFileAsItWas();
+    void aBackupIsOnlyReadAgain();
     void whatIsNoLibraryIsNoOlderBackup();
     void theBackupTakesThePlaceOfLinksAndPipes();
     void aFolderAtTheBackupsNameFailsTheChange();
@@ -99,6 +102,25 @@ void TestLibrarySafety::oneBackupHoldsTheFileAsItWas()
     closeITunesLibrary();
     QCOMPARE(contentOf(m_songs->originals().value(0)), before);
     QCOMPARE(QDir(m_songs->folder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
+}
+
+/// What was open to be written is taken for changed, as by programs that copy what changes.
+void TestLibrarySafety::aBackupIsOnlyReadAgain()
+{
+    m_songs->makeSongs(4);
+    QCOMPARE(int(deleteMusic(m_songs->id(0))), 1);
+    closeITunesLibrary();
+    QFile closings;
+    QVERIFY(closings.open(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), QIODevice::ReadOnly,
+                          QFileDevice::AutoCloseHandle));
+    const QByteArray original = QFile::encodeName(m_songs->originals().value(0));
+    QVERIFY(::inotify_add_watch(closings.handle(), original.constData(), IN_CLOSE) >= 0);
+    QCOMPARE(int(deleteMusic(m_songs->id(1))), 1);
+    closeITunesLibrary();
+    inotify_event closing = {};
+    QCOMPARE(::read(closings.handle(), &closing, sizeof closing), ssize_t(sizeof closing));
+    QCOMPARE(closing.mask, uint32_t(IN_CLOSE_NOWRITE)); // equal ones that follow are one
+    QCOMPARE(::read(closings.handle(), &closing, sizeof closing), ssize_t(-1));
 }
 
 void TestLibrarySafety::whatIsNoLibraryIsNoOlderBackup()

@@ -64,6 +64,7 @@ void TestEmptyTexts::allIsTidy()
     QCOMPARE(EmptyTexts::tidy(true).heading, QString("No duplicates. Well tidied."));
     QCOMPARE(EmptyTexts::tidy(false).heading, QString("No undefined songs. Well tagged."));
     QVERIFY(EmptyTexts::tidy(false).picture == EmptyText::Picture::Tidy);
+    QVERIFY(!EmptyTexts::tidy(true).offersLibrary && !EmptyTexts::tidy(false).offersLibrary);
 }
 
 void TestEmptyTexts::theLibraryThatWillBeRead()

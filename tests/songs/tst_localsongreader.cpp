@@ -3,7 +3,7 @@
 #include "fixtures.h"
 #include "qiorvoutil.h"
 #include "qmusicinfo.h"
-#include "songs/localsongreader.h"
+#include "songs/localintake.h"
 #include "startup.h"
 
 #include <QDir>
@@ -22,6 +22,7 @@ private slots:
     void aTaggedFileBecomesAWholeSong();
     void coverFilesAreNumberedFromFifty();
     void songsOfOneAlbumShareTheirCover();
+    void coversOfAnIntakeComeByThemselves();
     void aFileWithoutPictureKeepsTheGenericCover();
     void rubbishBecomesASongWithoutFields();
     void textsThatAreNoNumbersGiveZero();
@@ -120,6 +121,19 @@ void TestLocalSongReader::songsOfOneAlbumShareTheirCover()
     QCOMPARE(one.info->localInfo->cover->cacheKey(), other.info->localInfo->cover->cacheKey());
     QVERIFY(one.info->localInfo->coverPath != other.info->localInfo->coverPath);
     QCOMPARE(contentOf(other.info->localInfo->coverPath), cover);
+}
+
+void TestLocalSongReader::coversOfAnIntakeComeByThemselves()
+{
+    QTemporaryDir folder;
+    LocalIntake intake;
+    QList<QMusicInfo*> songs;
+    QList<IAudioTag*> tags;
+    // It takes a while to decode.
+    intake.add({taggedTone("mp3", folder.path(), Fixtures::jpeg(4000, 4000, 3))}, songs, tags);
+    QTRY_COMPARE(songs.first()->localInfo->cover->size(), QSize(300, 300));
+    intake.reader().forgetCovers();
+    qDeleteAll(songs);
 }
 
 void TestLocalSongReader::aFileWithoutPictureKeepsTheGenericCover()

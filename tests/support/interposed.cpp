@@ -1,8 +1,10 @@
 #include "interposed.h"
 
 #include <cerrno>
+#include <cstdarg>
 #include <ctime>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -14,6 +16,7 @@ Step<bool(int, off_t)> readFails;
 Step<ssize_t(size_t)> copiesInKernel;
 Step<bool()> writeFails;
 Step<int(const char*)> accessFails;
+Step<int()> makingFails;
 Step<void(const char*)> beforeRemoval;
 Step<void(const char*)> beforeMove;
 Step<int()> linkFails;
@@ -30,6 +33,7 @@ Guard::~Guard()
     copiesInKernel = nullptr;
     writeFails = nullptr;
     accessFails = nullptr;
+    makingFails = nullptr;
     linkFails = nullptr;
 }
 } // namespace Interposed
@@ -115,6 +119,21 @@ int faccessat(int folder, const char* name, int mode, int flags) noexcept
     }
     (void)flags; // the system's own call has none
     return int(::syscall(SYS_faccessat, folder, name, mode));
+}
+
+int openat(int folder, const char* name, int flags, ...)
+{
+    va_list further;
+    va_start(further, flags);
+    const mode_t mode = flags & O_CREAT ? va_arg(further, mode_t) : 0;
+    va_end(further);
+    const auto step = Interposed::makingFails.get();
+    const int reason = step && flags & O_CREAT ? step() : 0;
+    if (reason != 0) {
+        errno = reason;
+        return -1;
+    }
+    return int(::syscall(SYS_openat, folder, name, flags, mode));
 }
 
 ssize_t copy_file_range(int from, off_t* in, int to, off_t* out, size_t count, unsigned flags)

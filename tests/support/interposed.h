@@ -49,6 +49,8 @@ extern Step<ssize_t(size_t wanted)> copiesInKernel;
 extern Step<bool()> writeFails;
 /// Before it is asked whether a name may be written; a number other than 0 is the system's reason not to.
 extern Step<int(const char* name)> accessFails;
+/// Before a file is made in an open folder; a number other than 0 is the system's reason not to.
+extern Step<int()> makingFails;
 /// Before a name is removed from an open folder.
 extern Step<void(const char* name)> beforeRemoval;
 /// Before something moves to a name that has to be free.

@@ -84,7 +84,7 @@ public:
         const bool bytes = value && kind.number == std::int64_t(asf::Type::Bytes);
         const bool text = length > largestNumber && !bytes;
         ByteVector block = text ? readText(stream, length) : readPlain(stream, length);
-        if (block.size() == 2 && size.size == idSize && name.size == 8)
+        if (block.size() == 2 && name.size == 8)
             boundCount(block, size.object, name.number, stream.length() - stream.tell());
         m_lastReads = {size, name, told(block)};
         return block;

@@ -15,11 +15,6 @@ constexpr unsigned int idSize = 4;
 constexpr unsigned int headSize = 8;
 constexpr std::string_view ids[audiocore::textTypes] = {"INAM", "IART", "IPRD", "IGNR", "ICRD", "IPRT"};
 
-ByteVector idOf(size_t type)
-{
-    return ByteVector(ids[type].data(), idSize);
-}
-
 unsigned int padded(std::size_t size)
 {
     return static_cast<unsigned int>(size + (size & 1));
@@ -52,15 +47,16 @@ InfoBytes::InfoBytes(const ByteVector& list)
 
 void InfoBytes::apply(const TagEdits& edits)
 {
-    for (size_t type = 0; type < size_t(textTypes); ++type) {
-        const auto& edit = edits.texts[type];
-        if (!edit)
+    const auto* edit = edits.texts.begin();
+    for (const std::string_view name : ids) {
+        const std::optional<std::string>& text = *edit++;
+        if (!text)
             continue;
-        const std::string& text = *edit;
+        const ByteVector id(name.data(), idSize);
         std::optional<Entry> replacement;
-        if (!text.empty())
-            replacement = Entry{idOf(type), ByteVector(text.c_str(), unsigned(text.size()) + 1)};
-        const auto isOld = [type](const Entry& entry) { return entry.id == idOf(type); };
+        if (!text->empty())
+            replacement = Entry{id, ByteVector(text->c_str(), unsigned(text->size()) + 1)};
+        const auto isOld = [&id](const Entry& entry) { return entry.id == id; };
         replaceFields(m_entries, isOld, replacement);
     }
 }
