@@ -54,7 +54,7 @@ foot_of_songs() {
     click 240 $((height - 13)) # behind one of so many files
     picture "$name-foot-2-list"
     key Escape
-    retitle "$left" "Harbour Lights"
+    retitle "$left" "Harbour lights at dusk"
     click $((left + 96)) 608
     picture "$name-foot-3-saved"
     tip "$name-foot-4-undo" 310 $((height - 13))

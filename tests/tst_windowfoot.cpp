@@ -31,6 +31,7 @@ private slots:
     void theNextGroupIsALinkAway();
     void aFileThatStaysIsTold();
     void anIntakeTellsWhatItLeftOut();
+    void whatOpensOverTheWindowLeavesItInOnePiece();
     void aDropOfNothingElseIsTold();
     void namedPathsTakeWindowsMedia();
     void aSwitchEmptiesTheLine();
@@ -272,6 +273,25 @@ void TestWindowFoot::anIntakeTellsWhatItLeftOut()
     QCOMPARE(QApplication::clipboard()->text(), list->toPlainText());
     QTest::keyClick(list, Qt::Key_Escape);
     QTRY_VERIFY(!m_window->findChild<QPlainTextEdit*>("m_list"));
+}
+
+/// A part with a window of its own is under none of the others: the mark of the focus would keep clicks from
+/// it.
+void TestWindowFoot::whatOpensOverTheWindowLeavesItInOnePiece()
+{
+    switchToLocal();
+    QFile::copy(tone("a", "Same"), m_folder->filePath("b.mp3"));
+    Fixtures::writeLibrary(m_folder->filePath("broken.mp3"), "no music at all");
+    add({m_folder->path()});
+    clickLink("Show");
+    click("m_btnMusicDuplicate");
+    clickRow("m_dupMusicListView", 0);
+    m_dialogs->expectButton("m_btnOK");
+    clickIn(part<QWidget>("m_dupMusicDetailedWidget"), "m_btnClearOne");
+    QCOMPARE(links(), QStringList("Undo"));
+    for (const QWidget* each : m_window->findChildren<QWidget*>())
+        QVERIFY2(each->isWindow() || !each->testAttribute(Qt::WA_NativeWindow),
+                 qPrintable(each->objectName()));
 }
 
 void TestWindowFoot::aDropOfNothingElseIsTold()

@@ -115,6 +115,9 @@ void ScreenPlace::putOver(QWidget& dialog, const QRect& part, QWidget& window)
     if (!window.windowHandle())
         return;
     dialog.setWindowFlag(Qt::WindowStaysOnTopHint, someStayOnTop());
+    const QWidget* const parent = dialog.parentWidget();
+    if (parent && parent->window() == &window)
+        return; // it belongs there by itself; asked for its handle, it would make windows of all beside it
     dialog.winId(); // makes the window handle
     dialog.windowHandle()->setTransientParent(window.windowHandle());
 }
