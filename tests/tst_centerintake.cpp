@@ -3,6 +3,7 @@
 #include "dupmusicinfo.h"
 #include "fixtures.h"
 #include "guidriver.h"
+#include "manynames.h"
 #include "qiorvoutil.h"
 #include "sanitized.h"
 
@@ -254,9 +255,7 @@ void TestCenterIntake::aMessageThatOutlivesItsModeScansNothing()
 void TestCenterIntake::longIntakesShowProgressAndTakeNoInput()
 {
     const QString path = tone("model", "Same");
-    QDir().mkpath(m_folder->filePath("many"));
-    for (int i = 0; i < many; ++i)
-        QFile::link(path, m_folder->filePath(QString("many/%1.mp3").arg(i)));
+    ManyNames::give(path, m_folder->filePath("many"), many);
     QSignalSpy progress(m_center.get(), SIGNAL(emitIntakeProgress(int, int)));
     bool switchedMeanwhile = true;
     auto* button = m_center->findChild<QPushButton*>("m_btnTableDisplay");
@@ -280,9 +279,7 @@ void TestCenterIntake::longIntakesShowProgressAndTakeNoInput()
 void TestCenterIntake::closingDuringAnIntakeEndsIt()
 {
     const QString path = tone("model", "Same");
-    QDir().mkpath(m_folder->filePath("many"));
-    for (int i = 0; i < many; ++i)
-        QFile::link(path, m_folder->filePath(QString("many/%1.mp3").arg(i)));
+    ManyNames::give(path, m_folder->filePath("many"), many);
     connect(m_center.get(), &CenterWidget::emitIntakeProgress, m_center.get(), &CenterWidget::StopIntake);
     drop({m_folder->filePath("many")});
     QVERIFY(m_dialogs->texts.isEmpty());

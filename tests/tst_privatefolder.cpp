@@ -1,6 +1,7 @@
 #include "ownenvironment.h"
 #include "privatefolder.h"
 #include "programrun.h"
+#include "sanitized.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -90,7 +91,7 @@ void TestPrivateFolder::linksAreRemovedAndNotFollowed()
 
 void TestPrivateFolder::theNextStartRemovesWhatAKilledRunLeft()
 {
-    constexpr int covers = 10000;
+    constexpr int covers = 2000;
     m_run->startMelodrift();
     QTRY_VERIFY(!m_run->left().isEmpty());
     const QString folder = m_run->left().first();
@@ -170,7 +171,7 @@ void TestPrivateFolder::foldersOfOtherUsersStay()
 /// Each makes its folder while the others look for what was left.
 void TestPrivateFolder::manyAtOnceKeepTheirFolders()
 {
-    constexpr int rounds = 300;
+    constexpr int rounds = sanitized ? 50 : 200;
     std::atomic<int> lost{0};
     const auto startAndEnd = [this, &lost] {
         for (int round = 0; round < rounds; ++round) {

@@ -1,5 +1,6 @@
 // What of the window does not answer for a while, and that it looks so.
 #include "keysfixture.h"
+#include "manynames.h"
 #include "sanitized.h"
 #include "views/viewveil.h"
 
@@ -135,9 +136,7 @@ void TestWindowLocks::escapeEndsTheSearchForFiles()
 {
     switchToLocal();
     const QString path = tone("one", "One");
-    QDir().mkpath(m_folder->filePath("many"));
-    for (int i = 0; i < many; ++i)
-        QFile::link(path, m_folder->filePath(QString("many/%1.mp3").arg(i)));
+    ManyNames::give(path, m_folder->filePath("many"), many);
     QCoreApplication::postEvent(m_window.get(),
                                 new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
     m_dialogs->expectButton("m_btnType");
