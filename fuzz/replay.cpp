@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 
 #include <cstddef>
@@ -36,7 +37,8 @@ int main(int argc, char* argv[])
         runFiles(QCoreApplication::arguments().mid(1));
         return 0;
     }
-    const QList<Seeds::Seed> seeds = Seeds::of(QStringLiteral(FUZZ_TARGET));
+    const QString program = QFileInfo(QCoreApplication::applicationFilePath()).baseName();
+    const QList<Seeds::Seed> seeds = Seeds::of(program.section('_', 0, 0));
     if (seeds.isEmpty())
         qFatal("the target has no seeds");
     for (const Seeds::Seed& seed : seeds) {
