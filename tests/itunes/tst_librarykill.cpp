@@ -212,7 +212,7 @@ void TestLibraryKill::everythingIsWritten()
 
 void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
 {
-    constexpr int kills = sanitized ? 24 : 200;
+    constexpr int kills = sanitized ? 12 : 140;
     int journals = 0;
     int writings = 0;
     for (int i = 0; i < kills; ++i) {
@@ -305,7 +305,7 @@ void TestLibraryKill::deletionsThatAreTakenBackAreBackOrNot_data()
 void TestLibraryKill::deletionsThatAreTakenBackAreBackOrNot()
 {
     QFETCH(int, written);
-    constexpr int kills = sanitized ? 5 : 40;
+    constexpr int kills = sanitized ? 5 : 30;
     constexpr int songs = 2000;
     constexpr int gone = 300;
     SongLibrary library;
