@@ -39,9 +39,7 @@ void blank(JournalLines& lines, std::size_t begin, std::size_t end)
 void take(const JournalRecord& record, RecordState state, itunes::JournalContent& content)
 {
     // An edit with others behind it was answered, and with a failure.
-    content.begun.reset();
-    if (state == RecordState::Begun)
-        content.begun.emplace(record);
+    content.begun = state == RecordState::Begun ? std::optional(record) : std::nullopt;
     if (state != RecordState::Counts)
         return;
     switch (record.kind) {
