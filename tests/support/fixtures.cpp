@@ -11,6 +11,10 @@
 #include <QPainter>
 #include <QProcess>
 #include <QtEndian>
+#include <QVector>
+
+#include <cmath>
+#include <random>
 
 namespace {
 struct Encoding
@@ -56,32 +60,41 @@ const QHash<QString, Encoding>& encodings()
     return table;
 }
 
-constexpr int longestPart = 60000; // ms
+constexpr int samplesASecond = 44100;
+constexpr int longestPart = 60; // s
+
+// A tone over noise that comes and goes, so that a variable bit rate varies: samples of two channels, which
+// repeat after a minute. The encoder's own source of sound takes longer to compute it than the encoder to
+// encode it.
+QByteArray sound(int milliseconds)
+{
+    constexpr double turn = 2 * 3.14159265358979323846;
+    const qint64 length = qint64(milliseconds) * samplesASecond / 1000;
+    std::minstd_rand noise;
+    QVector<float> samples;
+    for (int at = 0; at < qMin<qint64>(length, longestPart * samplesASecond); ++at) {
+        const double tone = 0.2 * std::sin(440 * turn * at / samplesASecond);
+        const bool noisy = at % (2 * samplesASecond) > samplesASecond;
+        for (int channel = 0; channel < 2; ++channel)
+            samples.append(float(tone + (noisy ? 0.3 * (double(noise()) / noise.max() - 0.5) : 0)));
+    }
+    const QByteArray part(reinterpret_cast<const char*>(samples.constData()),
+                          samples.size() * int(sizeof(float)));
+    const int size = int(length * 2 * qint64(sizeof(float)));
+    return part.isEmpty() ? part : part.repeated((size + part.size() - 1) / part.size()).left(size);
+}
 
 void encode(const QString& kind, int milliseconds, const QString& target)
 {
-    // A tone over noise that comes and goes, so that a variable bit rate varies. Computing it takes as long
-    // as encoding it: long ones repeat it.
-    const QString source =
-        QStringLiteral("aevalsrc=0.2*sin(440*2*PI*t)+0.3*(random(0)-0.5)*gt(mod(t\\,2)\\,1):s=44100:"
-                       "c=stereo:d=%1%2")
-            .arg(qMin(milliseconds, longestPart) / 1000.0, 0, 'f', 3)
-            .arg(milliseconds > longestPart ? QStringLiteral(",aloop=-1:%1,atrim=0:%2")
-                                                  .arg(longestPart / 1000 * 44100)
-                                                  .arg(milliseconds / 1000.0, 0, 'f', 3)
-                                            : QString());
-    QStringList arguments{QStringLiteral("-v"),
-                          QStringLiteral("error"),
-                          QStringLiteral("-y"),
-                          QStringLiteral("-f"),
-                          QStringLiteral("lavfi"),
-                          QStringLiteral("-i"),
-                          source};
+    QStringList arguments =
+        QStringLiteral("-v error -y -f f32le -ar %1 -ac 2 -i -").arg(samplesASecond).split(QLatin1Char(' '));
     arguments += QString::fromLatin1(encodings().value(kind).options).split(QLatin1Char(' '));
     arguments << QStringLiteral("-map_metadata") << QStringLiteral("-1") << QStringLiteral("-bitexact")
               << target;
     QProcess ffmpeg;
     ffmpeg.start(QStringLiteral("ffmpeg"), arguments);
+    ffmpeg.write(sound(milliseconds));
+    ffmpeg.closeWriteChannel();
     if (!ffmpeg.waitForFinished(600000) || ffmpeg.exitCode() != 0)
         qFatal("ffmpeg cannot make %s: %s", qUtf8Printable(target),
                ffmpeg.readAllStandardError().constData());
