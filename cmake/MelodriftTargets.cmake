@@ -197,7 +197,7 @@ endfunction()
 
 # Builds the programs that the folder's tests share, of so many tests each.
 function(melodrift_build_joined_tests)
-  set(together 8)
+  set(together 16)
   get_property(kinds DIRECTORY PROPERTY MELODRIFT_KINDS)
   list(REMOVE_DUPLICATES kinds)
   set(number 0)
