@@ -18,6 +18,17 @@ if(MELODRIFT_UNITY)
   target_compile_options(melodrift_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:--param=ggc-min-heapsize=524288>)
 endif()
 
+# What the programs are made of is a part of each. Where their tests were compiled by another build, it is beside them,
+# and calls its own functions: those of its headers that a test has, too, are compiled as the other build does.
+set(MELODRIFT_PART STATIC)
+if(MELODRIFT_TESTS_OF)
+  set(MELODRIFT_PART SHARED)
+  set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  target_link_options(
+    melodrift_flags INTERFACE $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:LINKER:-Bsymbolic-functions>
+  )
+endif()
+
 # The programs of some ninety tests are linked twice over.
 option(MELODRIFT_LINK_FAST "Link with mold, lld or gold where there is one" ON)
 if(UNIX AND NOT APPLE AND MELODRIFT_LINK_FAST)
@@ -32,9 +43,10 @@ if(UNIX AND NOT APPLE AND MELODRIFT_LINK_FAST)
 endif()
 
 # melodrift_is_of_tests(NAME): code that tests is compiled without the checks of undefined behaviour, which are there for
-# the code that is tested and take a third of the time.
+# the code that is tested and take a third of the time, but with Qt's own in every build.
 function(melodrift_is_of_tests name)
   set_property(TARGET ${name} PROPERTY MELODRIFT_OF_TESTS ON)
+  target_compile_definitions(${name} PRIVATE QT_FORCE_ASSERTS)
 endfunction()
 
 # Where all of the program lies once it is installed, as it does in a build: program, libraries, skin and help.
@@ -87,13 +99,49 @@ function(melodrift_unite)
   endif()
 endfunction()
 
-# A test's own code need not be fast, but quick to build. Where it fails says Qt Test; what a debugger or a sanitizer
-# wants to know is for the builds that are made for them.
+# A test's own code need not be fast, but quick to build. Where it fails says Qt Test; what a debugger wants to know is for
+# the build that is made for it.
 function(melodrift_build_quickly name)
   target_compile_options(
     ${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-O0 $<$<CONFIG:RelWithDebInfo>:-g0>>
   )
   melodrift_is_of_tests(${name})
+endfunction()
+
+# melodrift_tell_compiled(NAME), melodrift_take_compiled(NAME): a library or program of tests leaves word of what it was
+# compiled to, and that of a build that compiles no tests takes it. They take as long to compile as all else, and with a
+# sanitizer would again, which is there for the code that they test.
+function(melodrift_tell_compiled name)
+  file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/compiled/${name} CONTENT "$<FILTER:$<TARGET_OBJECTS:${name}>,INCLUDE,[.]o(bj)?$>")
+endfunction()
+
+function(melodrift_take_compiled name)
+  set(compiled ${MELODRIFT_TESTS_OF}/compiled/${name})
+  if(NOT EXISTS ${compiled})
+    message(FATAL_ERROR "${MELODRIFT_TESTS_OF} has to be configured first: it compiles ${name}")
+  endif()
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${compiled})
+  file(READ ${compiled} objects)
+  list(TRANSFORM objects REPLACE "/[.]/" "/")
+  set_source_files_properties(${objects} PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)
+  target_sources(${name} PRIVATE ${objects})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  add_dependencies(${name} compiled_tests)
+  set_property(GLOBAL APPEND PROPERTY MELODRIFT_COMPILED_TESTS ${objects})
+endfunction()
+
+# melodrift_have_tests_compiled(): the other build compiles what was taken.
+function(melodrift_have_tests_compiled)
+  get_property(objects GLOBAL PROPERTY MELODRIFT_COMPILED_TESTS)
+  set(targets ${objects})
+  list(TRANSFORM targets REPLACE "^${MELODRIFT_TESTS_OF}/" "")
+  add_custom_target(
+    compiled_tests
+    COMMAND ${CMAKE_COMMAND} --build ${MELODRIFT_TESTS_OF} --target ${targets}
+    BYPRODUCTS ${objects}
+    COMMENT "Compiling tests in ${MELODRIFT_TESTS_OF}"
+    VERBATIM
+  )
 endfunction()
 
 # melodrift_test_headers(NAME LIBS HEADERS ...): what comes before every test of a kind, compiled once for all of them,
@@ -145,22 +193,12 @@ endfunction()
 # melodrift_add_test_program(NAME SOURCES... LIBS ... MOCS ... DEFINITIONS ...): builds what one test, or several, run in.
 function(melodrift_add_test_program name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;MOCS;DEFINITIONS;PROGRAMS" ${ARGN})
-  add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE melodrift_flags Qt5::Test ${ARG_LIBS})
-  list(GET ARG_SOURCES 0 source)
-  set_property(SOURCE ${source} APPEND PROPERTY OBJECT_DEPENDS ${ARG_MOCS})
-  target_include_directories(
-    ${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_BINARY_DIR}/moc ${CMAKE_SOURCE_DIR}/tests
-  )
-  target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
-  melodrift_build_quickly(${name})
-  if("melodrift_app" IN_LIST ARG_LIBS)
-    target_precompile_headers(${name} REUSE_FROM widget_test_headers)
-  elseif("Qt5::Network" IN_LIST ARG_LIBS)
-    # The one of its kind: precompiling takes longer than reading. It includes patience.h itself.
+  add_executable(${name})
+  target_link_libraries(${name} PRIVATE melodrift_flags sanitized Qt5::Test Qt5::Gui ${ARG_LIBS})
+  if(MELODRIFT_TESTS_OF)
+    melodrift_take_compiled(${name})
   else()
-    target_link_libraries(${name} PRIVATE Qt5::Gui) # as the headers' target does
-    target_precompile_headers(${name} REUSE_FROM core_test_headers)
+    melodrift_compile_test_program(${name} ${ARGN})
   endif()
   if(ARG_PROGRAMS)
     add_dependencies(${name} ${ARG_PROGRAMS})
@@ -168,6 +206,27 @@ function(melodrift_add_test_program name)
   if(MELODRIFT_SANITIZE STREQUAL "thread" AND "single_threaded" IN_LIST ARG_LIBS)
     set_property(TARGET ${name} PROPERTY EXCLUDE_FROM_ALL ON)
   endif()
+endfunction()
+
+function(melodrift_compile_test_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;MOCS;DEFINITIONS;PROGRAMS" ${ARGN})
+  target_sources(${name} PRIVATE ${ARG_SOURCES})
+  list(GET ARG_SOURCES 0 source)
+  set_property(SOURCE ${source} APPEND PROPERTY OBJECT_DEPENDS ${ARG_MOCS})
+  target_include_directories(
+    ${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_BINARY_DIR}/moc ${CMAKE_SOURCE_DIR}/tests
+  )
+  target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
+  target_compile_options(${name} PRIVATE $<$<BOOL:${MELODRIFT_TESTS_WERROR}>:-Werror>)
+  melodrift_build_quickly(${name})
+  if("melodrift_app" IN_LIST ARG_LIBS)
+    target_precompile_headers(${name} REUSE_FROM widget_test_headers)
+  elseif("Qt5::Network" IN_LIST ARG_LIBS)
+    # The one of its kind: precompiling takes longer than reading. It includes patience.h itself.
+  else()
+    target_precompile_headers(${name} REUSE_FROM core_test_headers)
+  endif()
+  melodrift_tell_compiled(${name})
 endfunction()
 
 # melodrift_join_test(NAME ...): has the test run in a program that it shares with others of its folder, under a name of
@@ -251,13 +310,13 @@ function(melodrift_build_joined number)
 endfunction()
 
 # melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [DEFINITIONS ...] [PROGRAMS ...] [READS_SOURCES | READS FOLDER ...]
-# [SECONDS N] [PARTS N] [ALONE]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets,
+# [SECONDS N] [PARTS N] [ALONE] [UNSANITIZED]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets,
 # or looks at sources, or at those folders alone. The longest begin first, so that none is waited for alone; one that
 # runs in parts takes "--part K N" (tests/parts.h). One that starts no thread says so by the library single_threaded,
 # which holds it to that: the thread sanitizer runs the others. One that must be a program of its own says ALONE: its
-# own code stands for the system's, or tells Qt of types.
+# own code stands for the system's, or tells Qt of types. One for builds without a sanitizer is told as UNSANITIZED.
 function(melodrift_add_test name)
-  cmake_parse_arguments(ARG "READS_SOURCES;ALONE" "SECONDS;PARTS" "SOURCES;LIBS;DEFINITIONS;PROGRAMS;READS" ${ARGN})
+  cmake_parse_arguments(ARG "READS_SOURCES;ALONE;UNSANITIZED" "SECONDS;PARTS" "SOURCES;LIBS;DEFINITIONS;PROGRAMS;READS" ${ARGN})
   # Each test's source holds its one class: a moc of its own takes a twentieth of what automoc takes to look for it.
   set(moc ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
   qt5_generate_moc(${name}.cpp ${moc})
@@ -268,6 +327,9 @@ function(melodrift_add_test name)
     melodrift_join_test(${name} ${parts})
   else()
     melodrift_add_test_program(${name} ${parts})
+  endif()
+  if(MELODRIFT_SANITIZE AND ARG_UNSANITIZED)
+    return()
   endif()
   set_target_properties(${name} PROPERTIES MELODRIFT_READS_SOURCES "${ARG_READS_SOURCES}" MELODRIFT_READS "${ARG_READS}")
   set(tests)

@@ -17,7 +17,7 @@
 
 namespace {
 /// Enough files for more than a blink.
-constexpr int many = sanitized ? 6000 : 20000;
+const int many = sanitized ? 6000 : 20000;
 } // namespace
 
 /// How the content area takes files in.

@@ -171,9 +171,9 @@ void TestPrivateFolder::foldersOfOtherUsersStay()
 /// Each makes its folder while the others look for what was left.
 void TestPrivateFolder::manyAtOnceKeepTheirFolders()
 {
-    constexpr int rounds = sanitized ? 50 : 200;
+    const int rounds = sanitized ? 50 : 200;
     std::atomic<int> lost{0};
-    const auto startAndEnd = [this, &lost] {
+    const auto startAndEnd = [this, &lost, rounds] {
         for (int round = 0; round < rounds; ++round) {
             const PrivateFolder folder(m_run->temporary());
             const bool used = QDir(folder.path()).mkdir("tmp");

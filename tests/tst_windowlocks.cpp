@@ -30,7 +30,7 @@ private slots:
     void aViewThatIsLockedScrolls();
 
 private:
-    static constexpr int many = sanitized ? 8000 : 40000;
+    inline static const int many = sanitized ? 8000 : 40000;
 
     QStringList manyPaths() const;
     QList<QWidget*> lockable() const;

@@ -214,7 +214,7 @@ void TestPlayerLimits::aPlayingPlayerIsDestroyedAtOnceAndWhole()
     Latencies ends;
     int threads = 0;
     int files = 0;
-    constexpr int times = sanitized ? 40 : 100;
+    const int times = sanitized ? 40 : 100;
     for (int i = 0; i < times; ++i) {
         Player player = opened(Fixtures::tone(formats.at(i % formats.size())));
         player->Play();

@@ -434,7 +434,7 @@ void TestSave::aFullDiskLeavesTheOldFile()
 
 void TestSave::aKillLeavesTheOldOrTheNewFile()
 {
-    constexpr int kills = sanitized ? 80 : 200;
+    const int kills = sanitized ? 80 : 200;
     const QStringList kinds = Fixtures::formats();
     QHash<QString, QByteArray> sounds;
     QStringList paths;

@@ -83,7 +83,7 @@ void TestTrashKill::everyFileIsInOnePlace(const QByteArray& output)
 
 void TestTrashKill::aKillLosesNoFile()
 {
-    constexpr int kills = sanitized ? 15 : 100;
+    const int kills = sanitized ? 15 : 100;
     for (int i = 0; i < kills; ++i) {
         makeFiles();
         const QByteArray output = outputOfKilledMover(i);

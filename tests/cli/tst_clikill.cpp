@@ -207,7 +207,7 @@ void TestCliKill::aKillLosesNothing_data()
 void TestCliKill::aKillLosesNothing()
 {
     measure();
-    constexpr int kills = sanitized ? 5 : 25;
+    const int kills = sanitized ? 5 : 25;
     int inTheMiddle = 0;
     for (int i = 0; i < kills && !QTest::currentTestFailed(); ++i) {
         prepare();
@@ -236,7 +236,7 @@ void TestCliKill::whoIsInterruptedLeavesNothingHalfDone_data()
 void TestCliKill::whoIsInterruptedLeavesNothingHalfDone()
 {
     measure();
-    constexpr int interruptions = sanitized ? 3 : 12;
+    const int interruptions = sanitized ? 3 : 12;
     const int endings[] = {SIGINT, SIGTERM, SIGHUP};
     int interrupted = 0;
     for (int i = 0; i < interruptions && !QTest::currentTestFailed(); ++i) {

@@ -75,7 +75,7 @@ void TestCliLibraryKill::aKillLosesNothing()
     m_run.write();
     m_before = m_run.files();
     QRandomGenerator random(3);
-    constexpr int kills = sanitized ? 10 : 40;
+    const int kills = sanitized ? 10 : 40;
     const QStringList clean = {"library", "Library.xml", "clean", "--keep", "first", "--yes"};
     for (int i = 0; i < kills; ++i) {
         m_inTheMiddle += runAndKill(clean, random.bounded(sanitized ? 400000 : 60000));

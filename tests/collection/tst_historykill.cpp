@@ -91,7 +91,7 @@ void TestHistoryKill::everythingComesBack()
 
 void TestHistoryKill::aKillLosesNothingThatCouldBeTakenBack()
 {
-    constexpr int kills = sanitized ? 12 : 60;
+    const int kills = sanitized ? 12 : 60;
     for (int i = 0; i < kills; ++i) {
         QVERIFY(runAndKill(i));
         everyFileIsThereOrInTheHistory();

@@ -20,7 +20,7 @@ using Manner = IdentifyServer::Manner;
 using namespace std::chrono_literals;
 
 namespace {
-constexpr int times = sanitized ? 40 : 100;
+const int times = sanitized ? 40 : 100;
 /// A fifth of a second is meant; a busy machine makes more of it.
 constexpr qint64 longestMilliseconds = 2000;
 /// No busy machine puts a single one off for so long, and what misses its cancellation goes on for longer.

@@ -138,7 +138,7 @@ void TestLibraryBounds::longTextsOfTwoByteEncodingsArrive()
 {
     QFETCH(bool, little);
     constexpr int buffer = 256 * 1024;
-    constexpr int around = sanitized ? 12 : 40;
+    const int around = sanitized ? 12 : 40;
     for (int size = buffer - around; size < buffer + around; ++size) {
         const QByteArray entry =
             "<key>1</key><dict><key>Name</key><string>" + QByteArray(size, 'x') + "</string></dict>";

@@ -212,7 +212,7 @@ void TestLibraryKill::everythingIsWritten()
 
 void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
 {
-    constexpr int kills = sanitized ? 12 : 140;
+    const int kills = sanitized ? 12 : 140;
     int journals = 0;
     int writings = 0;
     for (int i = 0; i < kills; ++i) {
@@ -249,7 +249,7 @@ void TestLibraryKill::aKillLosesNoAnsweredChangeAndNoLibrary()
 /// Several programs delete one track each, at one moment and as their first change, and are killed.
 void TestLibraryKill::programsThatBeginAtOnceLoseNoAnsweredChange()
 {
-    constexpr int rounds = sanitized ? 4 : 30;
+    const int rounds = sanitized ? 4 : 30;
     constexpr int programs = 6;
     SongLibrary songs;
     const QString gatePath = Fixtures::writeLibrary(songs.inFolder("gate"), "");
@@ -305,7 +305,7 @@ void TestLibraryKill::deletionsThatAreTakenBackAreBackOrNot_data()
 void TestLibraryKill::deletionsThatAreTakenBackAreBackOrNot()
 {
     QFETCH(int, written);
-    constexpr int kills = sanitized ? 5 : 30;
+    const int kills = sanitized ? 5 : 30;
     constexpr int songs = 2000;
     constexpr int gone = 300;
     SongLibrary library;

@@ -1,13 +1,9 @@
 #pragma once
 
 /// Whether a sanitizer watches that takes memory and time of its own: what is looked for in many rounds is
-/// looked for in the other build.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool sanitized = true;
-#else
-constexpr bool sanitized = false;
-#endif
+/// looked for in the other build. A test's own code may be of either.
+extern const bool sanitized;
 
 /// Whether other programs are asked what they hear in a file that was written. Starting one takes longer than
 /// what is tested, and the bytes that it judges are the same in both builds.
-constexpr bool judgesAreAsked = !sanitized;
+extern const bool judgesAreAsked;
