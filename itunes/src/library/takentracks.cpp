@@ -142,6 +142,8 @@ std::optional<TakenTracks> TakenTracks::fromBytes(const std::string& bytes)
         rest.remove_prefix(size);
         taken.m_pieces.push_back(std::move(piece));
     }
+    if (taken.m_pieces.empty())
+        return std::nullopt; // cut off: each track that was taken out has one
     return taken;
 }
 
