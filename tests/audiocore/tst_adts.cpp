@@ -4,11 +4,9 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "mediabytes.h"
-#include "patience.h"
-#include "sanitized.h"
+#include "sound.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -35,18 +33,6 @@ QByteArray framesOf(const QString& kind)
 {
     const QByteArray bytes = tone(kind);
     return bytes.mid(qMax(0, bytes.indexOf(kind == "mp3" ? "\xFF\xFB" : "\xFF\xF1")));
-}
-
-/// What an independent program decodes, as a sum; empty where it cannot.
-QByteArray soundOf(const QString& path)
-{
-    if (!judgesAreAsked)
-        return {};
-    QProcess ffmpeg;
-    ffmpeg.start("ffmpeg", {"-v", "error", "-i", path, "-map", "0:a", "-f", "md5", "-"});
-    if (!ffmpeg.waitForFinished(patience))
-        qFatal("ffmpeg does not end");
-    return ffmpeg.readAllStandardOutput();
 }
 
 using Change = std::function<void(QByteArray&)>;
@@ -148,12 +134,12 @@ void TestAdts::framesThatStartLateAreFound()
     QCOMPARE(properties.bitRate, wanted.bitRate);
     const QString artist = before.startsWith("ID3") ? QStringLiteral("Artist") : QString();
     QCOMPARE(AudioFile::read(path).texts.value(TAG_ARTIST), artist);
-    const QByteArray sound = soundOf(path);
+    const QByteArray sound = Sound::sumOf(path);
     QCOMPARE(AudioFile::write(path, {{TAG_TITLE, "New"}}), 0);
     QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), "New");
     QCOMPARE(AudioFile::read(path).texts.value(TAG_ARTIST), artist);
     QVERIFY(contentOf(path).endsWith(artist.isEmpty() ? before + music : QByteArray(3000, '\0') + music));
-    QCOMPARE(soundOf(path), sound);
+    QCOMPARE(Sound::sumOf(path), sound);
 }
 
 void TestAdts::framesThatStartFarOffAreNot_data()
@@ -207,11 +193,11 @@ void TestAdts::oddHeadsAreRead()
     QCOMPARE(properties.format, int(AUDIO_FORMAT_AAC));
     QCOMPARE(properties.sampleRate, rate);
     QCOMPARE(properties.duration, frames * samples * second / rate);
-    const QByteArray sound = soundOf(path);
+    const QByteArray sound = Sound::sumOf(path);
     QCOMPARE(AudioFile::write(path, {{TAG_TITLE, "New"}}), 0);
     QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), "New");
     QVERIFY(contentOf(path).endsWith(bytes));
-    QCOMPARE(soundOf(path), sound);
+    QCOMPARE(Sound::sumOf(path), sound);
 }
 
 void TestAdts::framesWithoutARateAreNone()

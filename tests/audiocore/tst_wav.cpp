@@ -5,15 +5,10 @@
 #include "audiofile.h"
 #include "fixtures.h"
 #include "mediabytes.h"
-#include "patience.h"
-#include "sanitized.h"
+#include "sound.h"
 #include "wavfixture.h"
 
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -32,43 +27,6 @@ QByteArray contentOf(const QString& path)
 QByteArray tone(const QString& kind)
 {
     return contentOf(Fixtures::tone(kind, second));
-}
-
-QByteArray outputOf(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, QStringList{"-v", "error"} + arguments);
-    if (!process.waitForFinished(patience))
-        qFatal("%s does not end", qUtf8Printable(program));
-    return process.readAllStandardOutput();
-}
-
-/// What an independent program decodes, as a sum; empty where it cannot, or is not asked.
-QByteArray soundOf(const QString& path)
-{
-    if (!judgesAreAsked)
-        return {};
-    return outputOf("ffmpeg", {"-i", path, "-map", "0:a", "-f", "md5", "-"});
-}
-
-/// What an independent program says; nothing of what it cannot read, or is not asked about.
-struct Judgement
-{
-    int sampleRate = 0;
-    double milliseconds = 0;
-    int bitRate = 0; ///< of the whole file
-};
-
-Judgement judged(const QString& path)
-{
-    if (!judgesAreAsked)
-        return {};
-    const QJsonObject said =
-        QJsonDocument::fromJson(outputOf("ffprobe", {"-of", "json", "-show_format", "-show_streams", path}))
-            .object();
-    const QJsonObject format = said["format"].toObject();
-    return {said["streams"][0]["sample_rate"].toString().toInt(),
-            format["duration"].toString().toDouble() * second, format["bit_rate"].toString().toInt()};
 }
 } // namespace
 
@@ -138,11 +96,10 @@ void TestWav::oddFilesAreReadAsOthersDo()
     QCOMPARE(properties.sampleRate, 44100);
     QCOMPARE(properties.bitRate, 1411200);
     QCOMPARE(AudioFile::read(path).texts.value(TAG_ARTIST), artist);
-    const Judgement judgement = judged(path);
-    if (judgement.sampleRate > 0) {
-        QCOMPARE(judgement.sampleRate, properties.sampleRate);
-        QVERIFY2(qAbs(judgement.milliseconds - milliseconds) <= 1,
-                 qPrintable(QString::number(judgement.milliseconds)));
+    const Listening::Figures told = Sound::toldOf(path).figures;
+    if (told.rate > 0) {
+        QCOMPARE(told.rate, properties.sampleRate);
+        QVERIFY2(qAbs(told.seconds * 1000 - milliseconds) <= 1, qPrintable(QString::number(told.seconds)));
     }
 }
 
@@ -152,7 +109,7 @@ void TestWav::anEditOfOddFilesKeepsTheRestOrSaysWhyNot()
     QFETCH(QString, artist);
     QFETCH(QString, whyNotSaved);
     const QString path = file(bytes);
-    const QByteArray sound = soundOf(path);
+    const QByteArray sound = Sound::sumOf(path);
     AudioFile::takeLog();
     const int result = AudioFile::write(path, {{TAG_TITLE, "New"}});
     const QString log = AudioFile::takeLog().join('\n');
@@ -167,7 +124,7 @@ void TestWav::anEditOfOddFilesKeepsTheRestOrSaysWhyNot()
     const AudioFile::Content content = AudioFile::read(path);
     QCOMPARE(content.texts.value(TAG_TITLE), "New");
     QCOMPARE(content.texts.value(TAG_ARTIST), artist);
-    QCOMPARE(soundOf(path), sound);
+    QCOMPARE(Sound::sumOf(path), sound);
     QCOMPARE(after.mid(4, 4), little(quint32(after.size() - 8)));
     // All before the tags, and the sound behind them.
     constexpr int head = 8;
@@ -183,20 +140,18 @@ void TestWav::soundOfEveryKindIsMeasured()
     QFETCH(QString, kind);
     const QString path = file(tone(kind));
     const AudioFile::Properties properties = AudioFile::properties(path);
-    const Judgement judgement = judged(path);
+    const Listening::Figures told = Sound::toldOf(path).figures;
     QCOMPARE(properties.format, int(AUDIO_FORMAT_WAV));
-    if (judgesAreAsked) {
-        QCOMPARE(properties.sampleRate, judgement.sampleRate);
-        QVERIFY(qAbs(properties.duration - judgement.milliseconds) <= 1);
-        QVERIFY2(qAbs(properties.bitRate - judgement.bitRate) <= judgement.bitRate / 25,
-                 qPrintable(QString::number(properties.bitRate)));
-    }
+    QCOMPARE(properties.sampleRate, told.rate);
+    QVERIFY(qAbs(properties.duration - told.seconds * 1000) <= 1);
+    QVERIFY2(qAbs(properties.bitRate - told.bitRate) <= told.bitRate / 25,
+             qPrintable(QString::number(properties.bitRate)));
     if (kind == "rf64")
         return;
-    const QByteArray sound = soundOf(path);
+    const QByteArray sound = Sound::sumOf(path);
     QCOMPARE(AudioFile::write(path, {{TAG_TITLE, "New"}}), 0);
     QCOMPARE(AudioFile::read(path).texts.value(TAG_TITLE), "New");
-    QCOMPARE(soundOf(path), sound);
+    QCOMPARE(Sound::sumOf(path), sound);
 }
 
 void TestWav::soundOfEveryKindIsMeasuredWithoutItsSizes()

@@ -3,11 +3,9 @@
 #include "fixtures.h"
 #include "patience.h"
 #include "songeditingfixture.h"
+#include "sound.h"
 
 #include <QHash>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 
 namespace {
@@ -18,32 +16,21 @@ QByteArray outputOf(const QString& program, const QStringList& arguments)
     return process.waitForFinished(patience) ? process.readAllStandardOutput() : QByteArray();
 }
 
-/// The tags as ffprobe names them, in small letters, whether they belong to the file or its stream.
+/// The tags as FFmpeg names them, in small letters, whether they belong to the file or its track.
 QHash<QString, QString> independentTags(const QString& path)
 {
-    const QJsonObject answer =
-        QJsonDocument::fromJson(
-            outputOf(QStringLiteral("ffprobe"),
-                     {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_format"),
-                      QStringLiteral("-show_streams"), QStringLiteral("-of"), QStringLiteral("json"), path}))
-            .object();
+    const Sound::Told told = Sound::toldOf(path);
     QHash<QString, QString> tags;
-    const auto take = [&](const QJsonObject& from) {
-        const QJsonObject found = from.value(QLatin1String("tags")).toObject();
-        for (auto tag = found.begin(); tag != found.end(); ++tag) {
+    const auto take = [&tags](const QHash<QString, QString>& from) {
+        for (auto tag = from.begin(); tag != from.end(); ++tag) {
             QString name = tag.key().toLower();
             if (name == QLatin1String("wm/year") || name == QLatin1String("year"))
                 name = QStringLiteral("date");
-            tags.insert(name, tag.value().toString());
+            tags.insert(name, tag.value());
         }
     };
-    const QJsonArray streams = answer.value(QLatin1String("streams")).toArray();
-    for (int i = 0; i < streams.size(); ++i) {
-        const QJsonObject stream = streams.at(i).toObject();
-        if (stream.value(QLatin1String("codec_type")).toString() == QLatin1String("audio"))
-            take(stream);
-    }
-    take(answer.value(QLatin1String("format")).toObject());
+    take(told.ofTrack);
+    take(told.ofFile);
     return tags;
 }
 
@@ -104,7 +91,7 @@ void TestEditedFormats::everyFormatTakesAnEdit()
     QCOMPARE(ours.picture, picture);
     QCOMPARE(independentPicture(song->localInfo->filePath), picture);
     row.append(QStringLiteral("picture: %1 | %1 bytes").arg(picture.size()));
-    qInfo("%-5s read back by us | by ffprobe: %s", qPrintable(kind),
+    qInfo("%-5s read back by us | by FFmpeg: %s", qPrintable(kind),
           qUtf8Printable(row.join(QStringLiteral("; "))));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "patience.h"
+#include "sound.h"
 
 #include <QFile>
 #include <QHash>
@@ -10,7 +11,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 
-/// What two programs that others wrote make of MP4 files.
+/// What two readers that others wrote make of MP4 files.
 namespace Mp4Judges {
 struct Said
 {
@@ -18,7 +19,7 @@ struct Said
     int rate = 0;
     double milliseconds = 0;
     double bitRate = 0;
-    QHash<QString, QString> texts; ///< by mutagen's names or ffmpeg's
+    QHash<QString, QString> texts; ///< by mutagen's names or FFmpeg's
 };
 
 inline QByteArray outputOf(const QString& program, const QStringList& arguments)
@@ -30,27 +31,11 @@ inline QByteArray outputOf(const QString& program, const QStringList& arguments)
     return process.readAllStandardOutput();
 }
 
-inline double number(const QJsonObject& object, const char* name)
-{
-    return object.value(QLatin1String(name)).toString().toDouble();
-}
-
 inline Said ffmpeg(const QString& path)
 {
-    const QJsonObject all =
-        QJsonDocument::fromJson(outputOf("ffprobe", {"-v", "error", "-of", "json", "-show_format",
-                                                     "-show_streams", "-select_streams", "a:0", path}))
-            .object();
-    const QJsonObject stream = all["streams"].toArray().at(0).toObject();
-    Said said;
-    said.read = !stream.isEmpty();
-    said.rate = int(number(stream, "sample_rate"));
-    said.milliseconds = number(stream, "duration") * 1000;
-    said.bitRate = number(stream, "bit_rate");
-    const QJsonObject texts = all["format"].toObject()["tags"].toObject();
-    for (auto text = texts.begin(); text != texts.end(); ++text)
-        said.texts.insert(text.key(), text.value().toString());
-    return said;
+    const Sound::Told told = Sound::toldOf(path);
+    return {told.figures.rate > 0, told.figures.rate, told.figures.trackSeconds * 1000,
+            double(told.figures.trackBitRate), told.ofFile};
 }
 
 /// By path; files that it does not open are not read.

@@ -1,24 +1,79 @@
 #include "sound.h"
 
-#include <QProcess>
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QFile>
+#include <QLibrary>
 
 #include <cmath>
 #include <cstring>
 #include <limits>
 
+namespace {
+template <typename Function>
+Function* offered(const char* name)
+{
+    const auto function = reinterpret_cast<Function*>(
+        QLibrary::resolve(QCoreApplication::applicationDirPath() + "/liblistening", name));
+    if (!function)
+        qFatal("there is no module to listen with");
+    return function;
+}
+
+int listen(const QString& path, int rate, Listening::Take take, void* to)
+{
+    return offered<decltype(listenToFile)>("listenToFile")(QFile::encodeName(path).constData(), rate, take,
+                                                           to);
+}
+} // namespace
+
+QByteArray Sound::sumOf(const QString& path, int* damaged)
+{
+    struct Sum
+    {
+        QCryptographicHash hash{QCryptographicHash::Md5};
+        bool any = false;
+    } sum;
+    const int damage = listen(
+        path, 0,
+        [](void* to, const std::uint8_t* bytes, std::size_t size) {
+            static_cast<Sum*>(to)->hash.addData(reinterpret_cast<const char*>(bytes), int(size));
+            static_cast<Sum*>(to)->any = true;
+        },
+        &sum);
+    if (damaged)
+        *damaged = damage;
+    return sum.any ? sum.hash.result() : QByteArray();
+}
+
 QVector<float> Sound::samplesOf(const QString& path)
 {
-    QProcess ffmpeg;
-    ffmpeg.start(QStringLiteral("ffmpeg"),
-                 {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
-                  QStringLiteral("-f"), QStringLiteral("f32le"), QStringLiteral("-ac"), QStringLiteral("1"),
-                  QStringLiteral("-ar"), QString::number(samplesASecond), QStringLiteral("-")});
-    if (!ffmpeg.waitForFinished(600000) || ffmpeg.exitCode() != 0)
-        qFatal("ffmpeg cannot read %s: %s", qUtf8Printable(path), ffmpeg.readAllStandardError().constData());
-    const QByteArray bytes = ffmpeg.readAllStandardOutput();
-    QVector<float> samples(bytes.size() / int(sizeof(float)));
-    std::memcpy(samples.data(), bytes.constData(), size_t(samples.size()) * sizeof(float));
+    QVector<float> samples;
+    listen(
+        path, samplesASecond,
+        [](void* to, const std::uint8_t* bytes, std::size_t size) {
+            auto& all = *static_cast<QVector<float>*>(to);
+            const int before = all.size();
+            all.resize(before + int(size / sizeof(float)));
+            std::memcpy(all.data() + before, bytes, size);
+        },
+        &samples);
+    if (samples.isEmpty())
+        qFatal("nothing is heard of %s", qUtf8Printable(path));
     return samples;
+}
+
+Sound::Told Sound::toldOf(const QString& path)
+{
+    Told told;
+    told.figures = offered<decltype(askFile)>("askFile")(
+        QFile::encodeName(path).constData(),
+        [](void* to, bool ofFile, const char* name, const char* value) {
+            auto& all = *static_cast<Told*>(to);
+            (ofFile ? all.ofFile : all.ofTrack).insert(QString::fromUtf8(name), QString::fromUtf8(value));
+        },
+        &told);
+    return told;
 }
 
 QVector<float> Sound::samplesOfFixture(const QString& path)
