@@ -310,13 +310,14 @@ function(melodrift_build_joined number)
 endfunction()
 
 # melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [DEFINITIONS ...] [PROGRAMS ...] [READS_SOURCES | READS FOLDER ...]
-# [SECONDS N] [PARTS N] [ALONE] [UNSANITIZED]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets,
+# [SECONDS N] [PARTS N] [ALONE] [UNSANITIZED] [DISK]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets,
 # or looks at sources, or at those folders alone. The longest begin first, so that none is waited for alone; one that
 # runs in parts takes "--part K N" (tests/parts.h). One that starts no thread says so by the library single_threaded,
 # which holds it to that: the thread sanitizer runs the others. One that must be a program of its own says ALONE: its
 # own code stands for the system's, or tells Qt of types. One for builds without a sanitizer is told as UNSANITIZED.
+# What is promised of files when a program is killed is looked at on the DISK, also when all else is written into memory.
 function(melodrift_add_test name)
-  cmake_parse_arguments(ARG "READS_SOURCES;ALONE;UNSANITIZED" "SECONDS;PARTS" "SOURCES;LIBS;DEFINITIONS;PROGRAMS;READS" ${ARGN})
+  cmake_parse_arguments(ARG "READS_SOURCES;ALONE;UNSANITIZED;DISK" "SECONDS;PARTS" "SOURCES;LIBS;DEFINITIONS;PROGRAMS;READS" ${ARGN})
   # Each test's source holds its one class: a moc of its own takes a twentieth of what automoc takes to look for it.
   set(moc ${CMAKE_CURRENT_BINARY_DIR}/moc/${name}.moc)
   qt5_generate_moc(${name}.cpp ${moc})
@@ -345,6 +346,9 @@ function(melodrift_add_test name)
   melodrift_set_test_environment(${tests})
   if("shortage" IN_LIST ARG_LIBS) # whose own code asks for all memory: who wanted it stands further below
     set_property(TEST ${tests} APPEND PROPERTY ENVIRONMENT "ASAN_OPTIONS=intercept_tls_get_addr=0")
+  endif()
+  if(ARG_DISK AND NOT MELODRIFT_SANITIZE)
+    set_tests_properties(${tests} PROPERTIES ENVIRONMENT_MODIFICATION TMPDIR=unset:)
   endif()
   set_tests_properties(${tests} PROPERTIES COST "0${ARG_SECONDS}")
   if(NOT "single_threaded" IN_LIST ARG_LIBS)

@@ -3,6 +3,7 @@
 #include "fixtures.h"
 #include "songfixtures.h"
 #include "songs/songediting.h"
+#include "sound.h"
 #include "startup.h"
 
 #include <taglib/apefile.h>
@@ -257,16 +258,15 @@ QJsonObject independentReading(const QString& path)
     return answer;
 }
 
-/// Checksums of the sound ("a") or of the pictures ("v"), in an order of their own.
-QByteArrayList streamsOf(const QString& path, const char* kind)
+/// Checksums of the pictures, in an order of their own.
+QByteArrayList picturesOf(const QString& path)
 {
-    const QByteArray answer = outputOf(
-        QStringLiteral("ffmpeg"),
-        {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path, QStringLiteral("-map"),
-         QStringLiteral("0"), QStringLiteral("-c:v"), QStringLiteral("copy"), QStringLiteral("-map"),
-         QStringLiteral("-0:d?"), QStringLiteral("-map"), QStringLiteral("-0:s?"), QStringLiteral("-f"),
-         QStringLiteral("streamhash"), QStringLiteral("-")});
-    const QByteArray mark = QByteArray(",") + kind + ',';
+    const QByteArray answer =
+        outputOf(QStringLiteral("ffmpeg"),
+                 {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
+                  QStringLiteral("-map"), QStringLiteral("0:v"), QStringLiteral("-c"), QStringLiteral("copy"),
+                  QStringLiteral("-f"), QStringLiteral("streamhash"), QStringLiteral("-")});
+    const QByteArray mark(",v,");
     QByteArrayList sums;
     for (const QByteArray& line : answer.split('\n'))
         if (line.contains(mark))
@@ -374,11 +374,11 @@ void TestTagPreservation::anAppliedTitleKeepsEverythingButThePictures()
     const QString path = rareSong(kind, m_folder.path());
     const QByteArray content = contentOf(path);
     const QJsonObject before = independentReading(path);
-    const QByteArrayList sound = streamsOf(path, "a");
+    const QByteArray sound = Sound::sumOf(path);
     QCOMPARE(rawValues(content).join(", "), valuesThatFit(kind).join(", "));
     QVERIFY(content.contains(front()) || kind == QLatin1String("ogg"));
     QCOMPARE(chapterTitles(before), chaptersThatFit(kind));
-    QCOMPARE(sound.size(), 1);
+    QVERIFY(!sound.isEmpty() || kind == QLatin1String("ape")); // which is silent
 
     const QHash<int, QString> texts = AudioFile::read(path).texts;
     QMusicInfo song;
@@ -397,9 +397,9 @@ void TestTagPreservation::anAppliedTitleKeepsEverythingButThePictures()
     const QString difference = errorOfDifference(before, independentReading(path));
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
     QCOMPARE(rawValues(contentOf(path)), valuesThatFit(kind));
-    QCOMPARE(streamsOf(path, "a"), sound);
+    QCOMPARE(Sound::sumOf(path), sound);
     QVERIFY(AudioFile::read(path).picture.isEmpty());
-    QVERIFY(streamsOf(path, "v").isEmpty());
+    QVERIFY(picturesOf(path).isEmpty());
 }
 
 void TestTagPreservation::aWrittenTitleKeepsThePictures()
@@ -407,10 +407,10 @@ void TestTagPreservation::aWrittenTitleKeepsThePictures()
     QFETCH(QString, kind);
     const QString path = rareSong(kind, m_folder.path());
     const QJsonObject before = independentReading(path);
-    const QByteArrayList pictures = streamsOf(path, "v");
+    const QByteArrayList pictures = picturesOf(path);
     QCOMPARE(pictures.size(), 2);
     QCOMPARE(AudioFile::write(path, {{TAG_TITLE, QStringLiteral("Another title")}}), 0);
-    QCOMPARE(streamsOf(path, "v"), pictures);
+    QCOMPARE(picturesOf(path), pictures);
     const QString difference = errorOfDifference(before, independentReading(path));
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
 }

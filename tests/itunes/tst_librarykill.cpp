@@ -63,6 +63,7 @@ private:
     QSet<QByteArray> m_left; ///< identifiers
     /// By identifier: of those that were answered last by several copies at once one holds.
     QHash<QByteArray, QSet<QByteArray>> m_names;
+    QByteArray m_original; ///< whose form was looked at
     QRandomGenerator m_random{11};
     int m_changes = 0;
 };
@@ -143,7 +144,13 @@ void TestLibraryKill::theSongSays(int song, const QByteArray& name)
 void TestLibraryKill::everyAnswerHolds(int killed)
 {
     QVERIFY(isWellFormed(m_songs.content()));
-    QVERIFY(isWellFormed(contentOf(m_songs.originals().value(0))));
+    if (const QByteArray original = contentOf(m_songs.originals().value(0)); original != m_original) {
+        QVERIFY(isWellFormed(original));
+        m_original = original;
+    }
+    QHash<QByteArray, int> songs;
+    for (int song = 0; song < editedSongs; ++song)
+        songs.insert(Fixtures::itunesIdentifier(SongLibrary::id(song)), song);
     const Reading reading = LibraryCalls::read(m_songs.path());
     QSet<QByteArray> there;
     int unanswered = m_left.size() - reading.count;
@@ -155,9 +162,8 @@ void TestLibraryKill::everyAnswerHolds(int killed)
         there.insert(id);
         unanswered += !m_names.value(id).contains(record.name);
         m_names.insert(id, {record.name});
-        for (int song = 0; song < editedSongs; ++song)
-            if (id == Fixtures::itunesIdentifier(SongLibrary::id(song)))
-                theSongSays(song, record.name);
+        if (const auto song = songs.constFind(id); song != songs.constEnd())
+            theSongSays(*song, record.name);
     }
     QCOMPARE(there.size(), reading.count);
     QVERIFY2(unanswered >= 0 && unanswered <= killed, qPrintable(QString::number(unanswered)));
@@ -201,8 +207,7 @@ void TestLibraryKill::everythingIsWritten()
 {
     QVERIFY(!QFile::exists(m_songs.journal()));
     const QByteArray written = m_songs.content();
-    QVERIFY(isWellFormed(written));
-    QVERIFY(written == expectedDocument());
+    QVERIFY(written == expectedDocument()); // which is well-formed
     const Reading reading = LibraryCalls::read(m_songs.path());
     QCOMPARE(reading.count, m_left.size());
     for (int i = 0; i < reading.count; ++i)
