@@ -310,7 +310,7 @@ function(melodrift_build_joined number)
 endfunction()
 
 # melodrift_add_test(NAME [SOURCES ...] [LIBS ...] [DEFINITIONS ...] [PROGRAMS ...] [READS_SOURCES | READS FOLDER ...]
-# [SECONDS N] [PARTS N] [ALONE] [UNSANITIZED] [DISK]): one Qt Test program NAME.cpp, run offscreen. It starts the programs of those targets,
+# [SECONDS N] [PARTS N] [ALONE] [UNSANITIZED] [DISK]): one Qt Test program NAME.cpp, run offscreen. It starts those targets,
 # or looks at sources, or at those folders alone. The longest begin first, so that none is waited for alone; one that
 # runs in parts takes "--part K N" (tests/parts.h). One that starts no thread says so by the library single_threaded,
 # which holds it to that: the thread sanitizer runs the others. One that must be a program of its own says ALONE: its

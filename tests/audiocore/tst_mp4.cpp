@@ -22,15 +22,12 @@ QByteArray contentOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-bool ffmpeg(const QStringList& arguments, QByteArray* output = nullptr)
+bool ffmpeg(const QStringList& arguments)
 {
     QProcess process;
     process.start(QStringLiteral("ffmpeg"),
                   QStringList{QStringLiteral("-v"), QStringLiteral("error")} + arguments);
-    const bool done = process.waitForFinished(patience) && process.exitCode() == 0;
-    if (output)
-        *output = process.readAllStandardOutput();
-    return done;
+    return process.waitForFinished(patience) && process.exitCode() == 0;
 }
 
 /// A sum of the sound, all of which can be decoded.

@@ -9,10 +9,8 @@ const bool sanitized = true;
 const bool sanitized = false;
 #endif
 
-const bool judgesAreAsked = !sanitized;
-
 /// Qt's offscreen platform never deletes its one screen. As long as somebody knows where that lies it is no
-/// leak: to give leaks their names, and then to look past this one, took a fourth of a short test's time.
+/// leak: to give leaks their names, and then to look past this one, took half of a short test's time.
 const QPlatformScreen* screenOfTest = nullptr;
 
 static void rememberScreen()
