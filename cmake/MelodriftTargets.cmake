@@ -91,6 +91,16 @@ function(melodrift_precompile name)
   endif()
 endfunction()
 
+# melodrift_check_by_calls(NAME ...): has the address sanitizer's checks called, not compiled into each place. That takes a
+# tenth less of the compiler's time, but reading a library takes half as long again: for what mostly calls others.
+function(melodrift_check_by_calls)
+  if(MELODRIFT_SANITIZE MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    foreach(name ${ARGN})
+      target_compile_options(${name} PRIVATE --param=asan-instrumentation-with-call-threshold=0)
+    endforeach()
+  endif()
+endfunction()
+
 # melodrift_unite(NAME ...): compiles several sources of each library as one, where that is asked for: most of a file's
 # time goes into what it includes.
 function(melodrift_unite)
