@@ -187,9 +187,11 @@ void TestMp4Sound::isToldAsByOthers()
     QCOMPARE(own.format, 4);
     QCOMPARE(own.sampleRate, one.rate);
     QVERIFY2(qAbs(own.duration - one.milliseconds) < delay, qPrintable(QString::number(own.duration)));
-    QVERIFY2(
-        near(own.bitRate, one.bitRate, 0.12) || near(own.bitRate, other.bitRate, 0.001),
-        qPrintable(QStringLiteral("%1, not %2 or %3").arg(own.bitRate).arg(one.bitRate).arg(other.bitRate)));
+    // What others say of fragments is a guess, another one in each version. The packets may have a delay
+    // before what is heard.
+    const double weighed = double(Sound::bytesOf(path)) * 8 * 1000 / own.duration;
+    QVERIFY2(near(own.bitRate, weighed, 0.015),
+             qPrintable(QStringLiteral("%1, not %2").arg(own.bitRate).arg(weighed)));
 }
 
 void TestMp4Sound::aSecondBandDoublesTheRate_data()

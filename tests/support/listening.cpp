@@ -130,12 +130,17 @@ void giveTags(const AVDictionary* tags, bool ofFile, Listening::TakeTag take, vo
     while ((tag = av_dict_get(tags, "", tag, AV_DICT_IGNORE_SUFFIX)))
         take(to, ofFile, tag->key, tag->value);
 }
+
+int firstSoundOf(AVFormatContext* file)
+{
+    return file ? av_find_best_stream(file, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0) : -1;
+}
 } // namespace
 
 Listening::Figures askFile(const char* path, Listening::TakeTag take, void* to)
 {
     const Owned<AVFormatContext> file = opened(path);
-    const int first = file ? av_find_best_stream(file.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0) : -1;
+    const int first = firstSoundOf(file.get());
     if (first < 0)
         return {};
     const AVStream& track = *file->streams[first];
@@ -143,6 +148,19 @@ Listening::Figures askFile(const char* path, Listening::TakeTag take, void* to)
     giveTags(file->metadata, true, take, to);
     return {secondsOf(file->duration, {1, AV_TIME_BASE}), file->bit_rate, track.codecpar->sample_rate,
             secondsOf(track.duration, track.time_base), track.codecpar->bit_rate};
+}
+
+std::int64_t weighFile(const char* path)
+{
+    const Owned<AVFormatContext> file = opened(path);
+    const int first = firstSoundOf(file.get());
+    const Owned<AVPacket> packet(av_packet_alloc());
+    std::int64_t bytes = 0;
+    while (first >= 0 && av_read_frame(file.get(), packet.get()) >= 0) {
+        bytes += packet->stream_index == first ? packet->size : 0;
+        av_packet_unref(packet.get());
+    }
+    return bytes;
 }
 
 int listenToFile(const char* path, int rate, Listening::Take take, void* to)

@@ -28,3 +28,6 @@ extern "C" int listenToFile(const char* path, int rate, Listening::Take take, vo
 
 /// Zeros of a file that cannot be opened, or has no sound.
 extern "C" Listening::Figures askFile(const char* path, Listening::TakeTag take, void* to);
+
+/// How many bytes the packets of that track have; zero of such files.
+extern "C" std::int64_t weighFile(const char* path);

@@ -18,7 +18,7 @@ struct Said
     bool read = false; ///< whether it opens the file at all
     int rate = 0;
     double milliseconds = 0;
-    double bitRate = 0;
+    double bitRate = 0;            ///< only by FFmpeg
     QHash<QString, QString> texts; ///< by mutagen's names or FFmpeg's
 };
 
@@ -52,7 +52,7 @@ inline QHash<QString, Said> mutagen(const QStringList& paths)
         "        return []\n"
         "    texts = {key: str(value[0]) for key, value in (song.tags or {}).items()\n"
         "             if isinstance(value, list) and value}\n"
-        "    return [song.info.sample_rate, song.info.length * 1000, song.info.bitrate, texts]\n"
+        "    return [song.info.sample_rate, song.info.length * 1000, texts]\n"
         "print(json.dumps([said(path) for path in sys.argv[1:]]))\n";
     const QString python =
         QStandardPaths::findExecutable(QStringLiteral("python3"), {QStringLiteral("/usr/bin")});
@@ -65,8 +65,7 @@ inline QHash<QString, Said> mutagen(const QStringList& paths)
         said.read = !one.isEmpty();
         said.rate = one.at(0).toInt();
         said.milliseconds = one.at(1).toDouble();
-        said.bitRate = one.at(2).toDouble();
-        const QJsonObject texts = one.at(3).toObject();
+        const QJsonObject texts = one.at(2).toObject();
         for (auto text = texts.begin(); text != texts.end(); ++text)
             said.texts.insert(text.key(), text.value().toString());
     }

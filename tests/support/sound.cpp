@@ -76,6 +76,11 @@ Sound::Told Sound::toldOf(const QString& path)
     return told;
 }
 
+qint64 Sound::bytesOf(const QString& path)
+{
+    return offered<decltype(weighFile)>("weighFile")(QFile::encodeName(path).constData());
+}
+
 QVector<float> Sound::samplesOfFixture(const QString& path)
 {
     static QString last;

@@ -23,6 +23,9 @@ struct Told
 };
 Told toldOf(const QString& path);
 
+/// The bytes of the first track, without what the file has around them.
+qint64 bytesOf(const QString& path);
+
 constexpr int samplesASecond = 44100;
 
 /// The samples of the file's first track, mono.
