@@ -16,6 +16,7 @@ private slots:
     void formsShowTheKitAndWindowsOnly();
     void theModeIsReadInFewPlaces();
     void formatsAreToldApartInTheirTableAlone();
+    void noFileIsLong();
 };
 
 namespace {
@@ -281,6 +282,21 @@ void TestArchitecture::formatsAreToldApartInTheirTableAlone()
         QVERIFY2(!content.contains(kindOfFile), qPrintable(path));
     }
     QCOMPARE(tables, QStringList("audiocore/src/media/formats.cpp"));
+}
+
+void TestArchitecture::noFileIsLong()
+{
+    QStringList tooLong;
+    const QStringList tops = QDir(MELODRIFT_ROOT).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& top : tops) {
+        if (top == "build")
+            continue;
+        const int most = top == "tests" ? 500 : 450;
+        for (const QString& path : filesIn(top, {"*.h", "*.cpp"}))
+            if (contentOf(path).count('\n') > most)
+                tooLong.append(path);
+    }
+    QVERIFY2(tooLong.isEmpty(), qPrintable(tooLong.join('\n')));
 }
 
 QTEST_GUILESS_MAIN(TestArchitecture)
