@@ -64,6 +64,138 @@ const Release::Rank album = {false, 0, "1975-11-21"};
 const Release::Rank laterAlbum = {false, 0, "1991-01-01"};
 const Release::Rank compilation = {false, 3, "1970-01-01"};
 const Release::Rank bootleg = {true, 0, "1960-01-01"};
+
+const FoundRecording ferry = recording("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns");
+const SongHints own = song("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns");
+
+FoundRecording unmeasuredFerry()
+{
+    FoundRecording unmeasured = ferry;
+    unmeasured.milliseconds = unknown;
+    return unmeasured;
+}
+
+void add(const char* name, const SongHints& hints, const FoundRecording& found, bool isTheOne)
+{
+    QTest::newRow(name) << hints << found << isTheOne;
+}
+
+void addSpellings()
+{
+    add("the same", own, ferry, true);
+    add("without an album", song("Ida Marlowe", "Midnight Ferry", 203), ferry, true);
+    add("a typo in the title", song("Ida Marlowe", "Midnigth Ferry", 201), ferry, true);
+    add("a letter missing everywhere", song("Ida Marlow", "Midnight Fery", 200, "Paper Lantern"), ferry,
+        true);
+    add("other capitals and signs", song("IDA MARLOWE", "midnight_ferry!", 200), ferry, true);
+    add("accents", song("Ida Marlowé", "Mídnight Ferry", 200), ferry, true);
+    add("the sorted name", song("Marlowes, The", "Midnight Ferry", 200),
+        recording("The Marlowes", "Midnight Ferry", 200), true);
+    add("with its guest", song("Ida Marlowe ft. The Salt Choir", "Midnight Ferry", 200), ferry, true);
+    add("without its guest", song("Ida Marlowe", "Midnight Ferry", 200),
+        recording("Ida Marlowe feat. The Salt Choir", "Midnight Ferry", 200), true);
+    add("with one more", song("Ida Marlowe, Otto Quist", "Midnight Ferry", 200), ferry, true);
+    FoundRecording together =
+        recording("Ida Marlowe & Otto Quist feat. The Salt Choir", "Midnight Ferry", 200);
+    together.artists = {"Ida Marlowe", "Ida Marlowe Otto Quist", "Ida Marlowe Otto Quist The Salt Choir"};
+    add("two of three", song("Ida Marlowe and Otto Quist", "Midnight Ferry", 200), together, true);
+    add("the guest alone", song("The Salt Choir", "Midnight Ferry", 200), together, false);
+    add("a name that begins alike", song("Ida", "Midnight Ferry", 200), ferry, false);
+    add("the guest in the title", song("Ida Marlowe", "Midnight Ferry (feat. The Salt Choir)", 200), ferry,
+        true);
+    add("a remaster", song("Ida Marlowe", "Midnight Ferry (2011 Remaster)", 200), ferry, true);
+    add("too far from it", song("Ida Marlow", "Midnigt Fery", 206), ferry, false);
+    add("another word", song("Ida Marlowe", "Midnight Train", 200), ferry, false);
+    add("a short title like it", song("Ida Marlowe", "Hurts", 200), recording("Ida Marlowe", "Hurt", 200),
+        false);
+    add("another part", song("Ida Marlowe", "Ferry, Part 1", 200),
+        recording("Ida Marlowe", "Ferry, Part II", 200), false);
+    add("sung anew", song("Ida Marlowe", "Midnight Ferry", 200),
+        recording("Ida Marlowe", "Midnight Ferry (Ida's Version)", 200), false);
+}
+
+void addLengths()
+{
+    add("another length", song("Ida Marlowe", "Midnight Ferry", 208), ferry, false);
+    add("just within", song("Ida Marlowe", "Midnight Ferry", 207), ferry, true);
+    add("shorter", song("Ida Marlowe", "Midnight Ferry", 192), ferry, false);
+    add("a length that nobody knows, all else fits", own, unmeasuredFerry(), true);
+    add("a length that nobody knows", song("Ida Marlowe", "Midnight Ferry", 200), unmeasuredFerry(), false);
+    add("a file of unknown length", song("Ida Marlowe", "Midnight Ferry", unknown, "Paper Lanterns"), ferry,
+        true);
+    add("a file of unknown length, no album", song("Ida Marlowe", "Midnight Ferry", unknown), ferry, false);
+}
+
+void addOtherArtists()
+{
+    add("by somebody else", song("Otto Quist", "Midnight Ferry", 200, "Paper Lanterns"), ferry, false);
+    add("a tribute", own, recording("The Lantern Tribute Band", "Midnight Ferry", 200, "Paper Lanterns"),
+        false);
+    add("by nobody, on its album", song("", "Midnight Ferry", 200, "Paper Lanterns"), ferry, true);
+    add("by nobody, on another", song("", "Midnight Ferry", 200, "Ferries"), ferry, false);
+    add("by nobody, of no length", song("", "Midnight Ferry", unknown, "Paper Lanterns"), ferry, false);
+    add("title and artist swapped", song("Midnight Ferry", "Ida Marlowe", 200, "Paper Lanterns"), ferry,
+        false);
+    add("a title that says nothing", song("Ida Marlowe", "Song", 200, "Paper Lanterns"), ferry, false);
+}
+
+void addOtherAlbums()
+{
+    add("on a compilation", song("Ida Marlowe", "Midnight Ferry", 201, "Best of the Decade"), ferry, true);
+    add("on a compilation called a mix", song("Ida Marlowe", "Midnight Ferry", 201, "The Summer Mix"), ferry,
+        true);
+    add("a typo on a compilation", song("Ida Marlow", "Midnight Fery", 205, "Best of the Decade"), ferry,
+        false);
+    add("an edition of the album",
+        song("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns (Deluxe Edition) [Disc 1]"),
+        unmeasuredFerry(), true);
+}
+
+void addConcerts()
+{
+    const FoundRecording live =
+        recording("Ida Marlowe", "Midnight Ferry", 200, "Lanterns at the Pier", "live, 2013-06-01: Pier");
+    const SongHints liveSong = song("Ida Marlowe", "Midnight Ferry (Live)", 200, "Lanterns at the Pier");
+    add("live is not the studio's", own, live, false);
+    add("the studio's is not live", liveSong, ferry, false);
+    add("the concert of the album", liveSong, live, true);
+    add("a concert of an album that says nothing",
+        song("Ida Marlowe", "Midnight Ferry", 200, "Lanterns at the Pier"),
+        onConcertAlbum(recording("Ida Marlowe", "Midnight Ferry", 200, "Lanterns at the Pier")), true);
+    add("a concert by its release alone", own,
+        onConcertAlbum(recording("Ida Marlowe", "Midnight Ferry", 200, "Lanterns at the Pier")), false);
+    add("some concert", song("Ida Marlowe", "Midnight Ferry (Live)", 200), live, false);
+    add("another concert", song("Ida Marlowe", "Midnight Ferry (Live)", 200, "Live in Oslo"), live, false);
+    add("the studio's on an album called live", song("Ida Marlowe", "Midnight Ferry", 200, "Live in Oslo"),
+        ferry, false);
+    add("a live album of the same name", song("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns (Live)"),
+        ferry, false);
+}
+
+void addOtherVersions()
+{
+    const FoundRecording remix = recording("Ida Marlowe", "Midnight Ferry (Sailor Remix)", 200, "Remixes");
+    add("the remix", song("Ida Marlowe", "Midnight Ferry (Sailor remix)", 200), remix, true);
+    add("a remix is not the song", own, remix, false);
+    add("the song is not a remix", song("Ida Marlowe", "Midnight Ferry (Sailor Remix)", 200), ferry, false);
+    add("another's remix", song("Ida Marlowe", "Midnight Ferry (Captain Remix)", 200), remix, false);
+    add("a demo", own, recording("Ida Marlowe", "Midnight Ferry", 200, "", "demo"), false);
+    add("the demo", song("Ida Marlowe", "Midnight Ferry (Demo)", 200),
+        recording("Ida Marlowe", "Midnight Ferry", 200, "", "demo"), true);
+    add("karaoke", own, recording("Ida Marlowe", "Midnight Ferry (karaoke)", 200), false);
+    add("a comment that says nothing", own,
+        recording("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns", "stereo mix"), true);
+}
+
+void addOtherScripts()
+{
+    add("another script", song("Чайковский", "Вальс цветов", 400),
+        recording("Чайковский", "Вальс цветов", 400), true);
+    FoundRecording known = recording("Пётр Ильич Чайковский", "Вальс цветов", 400);
+    known.artists.emplace_back("Tchaikovsky");
+    add("by an alias", song("Tchaikovsky", "Вальс цветов", 400), known, true);
+    add("signs alone", song("!!!", "?", 200), recording("!!!", "?", 200), true);
+}
 } // namespace
 
 class TestJudging : public QObject
@@ -109,108 +241,13 @@ void TestJudging::aRecordingIsTheOneOrNot_data()
     QTest::addColumn<SongHints>("hints");
     QTest::addColumn<FoundRecording>("found");
     QTest::addColumn<bool>("isTheOne");
-    const auto add = [](const char* name, const SongHints& hints, const FoundRecording& found,
-                        bool isTheOne) { QTest::newRow(name) << hints << found << isTheOne; };
-    const FoundRecording ferry = recording("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns");
-    const SongHints own = song("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns");
-
-    add("the same", own, ferry, true);
-    add("without an album", song("Ida Marlowe", "Midnight Ferry", 203), ferry, true);
-    add("a typo in the title", song("Ida Marlowe", "Midnigth Ferry", 201), ferry, true);
-    add("a letter missing everywhere", song("Ida Marlow", "Midnight Fery", 200, "Paper Lantern"), ferry,
-        true);
-    add("other capitals and signs", song("IDA MARLOWE", "midnight_ferry!", 200), ferry, true);
-    add("accents", song("Ida Marlowé", "Mídnight Ferry", 200), ferry, true);
-    add("the sorted name", song("Marlowes, The", "Midnight Ferry", 200),
-        recording("The Marlowes", "Midnight Ferry", 200), true);
-    add("with its guest", song("Ida Marlowe ft. The Salt Choir", "Midnight Ferry", 200), ferry, true);
-    add("without its guest", song("Ida Marlowe", "Midnight Ferry", 200),
-        recording("Ida Marlowe feat. The Salt Choir", "Midnight Ferry", 200), true);
-    add("with one more", song("Ida Marlowe, Otto Quist", "Midnight Ferry", 200), ferry, true);
-    FoundRecording together =
-        recording("Ida Marlowe & Otto Quist feat. The Salt Choir", "Midnight Ferry", 200);
-    together.artists = {"Ida Marlowe", "Ida Marlowe Otto Quist", "Ida Marlowe Otto Quist The Salt Choir"};
-    add("two of three", song("Ida Marlowe and Otto Quist", "Midnight Ferry", 200), together, true);
-    add("the guest alone", song("The Salt Choir", "Midnight Ferry", 200), together, false);
-    add("a name that begins alike", song("Ida", "Midnight Ferry", 200), ferry, false);
-    add("the guest in the title", song("Ida Marlowe", "Midnight Ferry (feat. The Salt Choir)", 200), ferry,
-        true);
-    add("a remaster", song("Ida Marlowe", "Midnight Ferry (2011 Remaster)", 200), ferry, true);
-    add("too far from it", song("Ida Marlow", "Midnigt Fery", 206), ferry, false);
-    add("another word", song("Ida Marlowe", "Midnight Train", 200), ferry, false);
-    add("a short title like it", song("Ida Marlowe", "Hurts", 200), recording("Ida Marlowe", "Hurt", 200),
-        false);
-    add("another part", song("Ida Marlowe", "Ferry, Part 1", 200),
-        recording("Ida Marlowe", "Ferry, Part II", 200), false);
-    add("sung anew", song("Ida Marlowe", "Midnight Ferry", 200),
-        recording("Ida Marlowe", "Midnight Ferry (Ida's Version)", 200), false);
-
-    add("another length", song("Ida Marlowe", "Midnight Ferry", 208), ferry, false);
-    add("just within", song("Ida Marlowe", "Midnight Ferry", 207), ferry, true);
-    add("shorter", song("Ida Marlowe", "Midnight Ferry", 192), ferry, false);
-    FoundRecording unmeasured = ferry;
-    unmeasured.milliseconds = unknown;
-    add("a length that nobody knows, all else fits", own, unmeasured, true);
-    add("a length that nobody knows", song("Ida Marlowe", "Midnight Ferry", 200), unmeasured, false);
-    add("a file of unknown length", song("Ida Marlowe", "Midnight Ferry", unknown, "Paper Lanterns"), ferry,
-        true);
-    add("a file of unknown length, no album", song("Ida Marlowe", "Midnight Ferry", unknown), ferry, false);
-
-    add("by somebody else", song("Otto Quist", "Midnight Ferry", 200, "Paper Lanterns"), ferry, false);
-    add("a tribute", own, recording("The Lantern Tribute Band", "Midnight Ferry", 200, "Paper Lanterns"),
-        false);
-    add("by nobody, on its album", song("", "Midnight Ferry", 200, "Paper Lanterns"), ferry, true);
-    add("by nobody, on another", song("", "Midnight Ferry", 200, "Ferries"), ferry, false);
-    add("by nobody, of no length", song("", "Midnight Ferry", unknown, "Paper Lanterns"), ferry, false);
-    add("title and artist swapped", song("Midnight Ferry", "Ida Marlowe", 200, "Paper Lanterns"), ferry,
-        false);
-    add("a title that says nothing", song("Ida Marlowe", "Song", 200, "Paper Lanterns"), ferry, false);
-
-    add("on a compilation", song("Ida Marlowe", "Midnight Ferry", 201, "Best of the Decade"), ferry, true);
-    add("on a compilation called a mix", song("Ida Marlowe", "Midnight Ferry", 201, "The Summer Mix"), ferry,
-        true);
-    add("a typo on a compilation", song("Ida Marlow", "Midnight Fery", 205, "Best of the Decade"), ferry,
-        false);
-    add("an edition of the album",
-        song("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns (Deluxe Edition) [Disc 1]"), unmeasured,
-        true);
-
-    const FoundRecording live =
-        recording("Ida Marlowe", "Midnight Ferry", 200, "Lanterns at the Pier", "live, 2013-06-01: Pier");
-    const SongHints liveSong = song("Ida Marlowe", "Midnight Ferry (Live)", 200, "Lanterns at the Pier");
-    add("live is not the studio's", own, live, false);
-    add("the studio's is not live", liveSong, ferry, false);
-    add("the concert of the album", liveSong, live, true);
-    add("a concert of an album that says nothing",
-        song("Ida Marlowe", "Midnight Ferry", 200, "Lanterns at the Pier"),
-        onConcertAlbum(recording("Ida Marlowe", "Midnight Ferry", 200, "Lanterns at the Pier")), true);
-    add("a concert by its release alone", own,
-        onConcertAlbum(recording("Ida Marlowe", "Midnight Ferry", 200, "Lanterns at the Pier")), false);
-    add("some concert", song("Ida Marlowe", "Midnight Ferry (Live)", 200), live, false);
-    add("another concert", song("Ida Marlowe", "Midnight Ferry (Live)", 200, "Live in Oslo"), live, false);
-    add("the studio's on an album called live", song("Ida Marlowe", "Midnight Ferry", 200, "Live in Oslo"),
-        ferry, false);
-    add("a live album of the same name", song("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns (Live)"),
-        ferry, false);
-
-    const FoundRecording remix = recording("Ida Marlowe", "Midnight Ferry (Sailor Remix)", 200, "Remixes");
-    add("the remix", song("Ida Marlowe", "Midnight Ferry (Sailor remix)", 200), remix, true);
-    add("a remix is not the song", own, remix, false);
-    add("the song is not a remix", song("Ida Marlowe", "Midnight Ferry (Sailor Remix)", 200), ferry, false);
-    add("another's remix", song("Ida Marlowe", "Midnight Ferry (Captain Remix)", 200), remix, false);
-    add("a demo", own, recording("Ida Marlowe", "Midnight Ferry", 200, "", "demo"), false);
-    add("the demo", song("Ida Marlowe", "Midnight Ferry (Demo)", 200),
-        recording("Ida Marlowe", "Midnight Ferry", 200, "", "demo"), true);
-    add("karaoke", own, recording("Ida Marlowe", "Midnight Ferry (karaoke)", 200), false);
-    add("a comment that says nothing", own,
-        recording("Ida Marlowe", "Midnight Ferry", 200, "Paper Lanterns", "stereo mix"), true);
-
-    add("another script", song("Чайковский", "Вальс цветов", 400),
-        recording("Чайковский", "Вальс цветов", 400), true);
-    FoundRecording known = recording("Пётр Ильич Чайковский", "Вальс цветов", 400);
-    known.artists.emplace_back("Tchaikovsky");
-    add("by an alias", song("Tchaikovsky", "Вальс цветов", 400), known, true);
-    add("signs alone", song("!!!", "?", 200), recording("!!!", "?", 200), true);
+    addSpellings();
+    addLengths();
+    addOtherArtists();
+    addOtherAlbums();
+    addConcerts();
+    addOtherVersions();
+    addOtherScripts();
 }
 
 void TestJudging::aRecordingIsTheOneOrNot()

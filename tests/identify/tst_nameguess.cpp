@@ -5,25 +5,14 @@
 
 using audiocore::SongNames;
 
-class TestNameGuess : public QObject
+namespace {
+void add(const char* path, const char* artist, const char* album, const char* title)
 {
-    Q_OBJECT
+    QTest::newRow(path) << QString::fromUtf8(artist) << QString::fromUtf8(album) << QString::fromUtf8(title);
+}
 
-private slots:
-    void aPathNamesTheSong_data();
-    void aPathNamesTheSong();
-};
-
-void TestNameGuess::aPathNamesTheSong_data()
+void addNames()
 {
-    QTest::addColumn<QString>("artist");
-    QTest::addColumn<QString>("album");
-    QTest::addColumn<QString>("title");
-    const auto add = [](const char* path, const char* artist, const char* album, const char* title) {
-        QTest::newRow(path) << QString::fromUtf8(artist) << QString::fromUtf8(album)
-                            << QString::fromUtf8(title);
-    };
-    // By the name alone.
     add("/m/Ida Marlowe - Midnight Ferry.mp3", "Ida Marlowe", "", "Midnight Ferry");
     add("Ida Marlowe - Midnight Ferry", "Ida Marlowe", "", "Midnight Ferry");
     add("/m/04 - Ida Marlowe - Midnight Ferry.flac", "Ida Marlowe", "", "Midnight Ferry");
@@ -43,7 +32,10 @@ void TestNameGuess::aPathNamesTheSong_data()
     add("/m/04-ida_marlowe-midnight_ferry.mp3", "ida marlowe", "", "midnight ferry");
     add("/m/04_Ida_Marlowe_-_Midnight_Ferry.mp3", "Ida Marlowe", "", "Midnight Ferry");
     add("/m/Чайковский - Вальс.mp3", "Чайковский", "", "Вальс");
-    // By the folders as well.
+}
+
+void addNamesInFolders()
+{
     add("/m/Ida Marlowe/Paper Lanterns/04 Midnight Ferry.mp3", "Ida Marlowe", "Paper Lanterns",
         "Midnight Ferry");
     add("/m/Ida Marlowe/Paper Lanterns/04. Midnight Ferry.mp3", "Ida Marlowe", "Paper Lanterns",
@@ -77,7 +69,10 @@ void TestNameGuess::aPathNamesTheSong_data()
         "Midnight Ferry");
     add("C:\\m\\Ida Marlowe\\Paper Lanterns\\04 Midnight Ferry.mp3", "Ida Marlowe", "Paper Lanterns",
         "Midnight Ferry");
-    // Words that only look like numbers.
+}
+
+void addWordsThatLookLikeNumbers()
+{
     add("/m/a/b/7 Years.mp3", "", "", "7 Years");
     add("/m/a/b/99 Balloons.mp3", "", "", "99 Balloons");
     add("/m/a/b/1999.mp3", "", "", "1999");
@@ -85,7 +80,10 @@ void TestNameGuess::aPathNamesTheSong_data()
     add("/m/a/b/1-800-273-8255.mp3", "", "", "1-800-273-8255");
     add("/m/21 Sails - Harbour.mp3", "21 Sails", "", "Harbour");
     add("/m/Anti-Hero.mp3", "", "", "Anti-Hero");
-    // Nothing but a title, or not even that.
+}
+
+void addTitlesAtMost()
+{
     add("/m/Ida Marlowe/Paper Lanterns/Midnight Ferry.mp3", "", "", "Midnight Ferry");
     add("/m/Vol. 2 of it.mp3", "", "", "Vol. 2 of it");
     add("/04 Midnight Ferry.mp3", "", "", "Midnight Ferry");
@@ -96,6 +94,27 @@ void TestNameGuess::aPathNamesTheSong_data()
     add("/m/.mp3", "", "", ".mp3");
     add("/", "", "", "");
     add("", "", "", "");
+}
+} // namespace
+
+class TestNameGuess : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aPathNamesTheSong_data();
+    void aPathNamesTheSong();
+};
+
+void TestNameGuess::aPathNamesTheSong_data()
+{
+    QTest::addColumn<QString>("artist");
+    QTest::addColumn<QString>("album");
+    QTest::addColumn<QString>("title");
+    addNames();
+    addNamesInFolders();
+    addWordsThatLookLikeNumbers();
+    addTitlesAtMost();
 }
 
 void TestNameGuess::aPathNamesTheSong()
