@@ -78,10 +78,8 @@ protected:
     /// How far the song is that plays.
     static QString played()
     {
-        for (const QWidget* window : QApplication::topLevelWidgets())
-            if (qobject_cast<const PlaySongWidget*>(window))
-                return window->findChild<QLabel*>("m_labelShowTime")->text();
-        return QString();
+        const auto* const player = openWindow<PlaySongWidget>();
+        return player ? player->findChild<QLabel*>("m_labelShowTime")->text() : QString();
     }
     QString tone(const QString& name, const QString& title, const QString& genre = "Pop",
                  const char* kind = "mp3") const

@@ -56,7 +56,7 @@ protected:
     static SkinLabel* bestMark(const DupMusicbarWidget* row) { return child<SkinLabel>(row, "m_labelBest"); }
     /// The positions of the rows that show the mark of the best copy.
     QList<int> markedRows() const;
-    PlaySongWidget* player() const;
+    PlaySongWidget* player() const { return openWindow<PlaySongWidget>(); }
 
     QTemporaryDir m_folder;
     std::vector<std::unique_ptr<Fixtures::Song>> m_songs;
@@ -120,12 +120,4 @@ inline QString GroupPanelFixture::tipOf(const QWidget* widget)
     QHelpEvent asked(QEvent::ToolTip, middle, widget->mapToGlobal(middle));
     QApplication::sendEvent(const_cast<QWidget*>(widget), &asked);
     return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
-}
-
-inline PlaySongWidget* GroupPanelFixture::player() const
-{
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (auto* found = qobject_cast<PlaySongWidget*>(window))
-            return found;
-    return nullptr;
 }

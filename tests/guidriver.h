@@ -19,6 +19,16 @@ inline void pressAsSecond(QWidget* button)
     QTest::mouseRelease(button, Qt::LeftButton, Qt::NoModifier, middle);
 }
 
+/// The program's window of a class, to be seen or not; null for none.
+template <typename Window>
+Window* openWindow()
+{
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (auto* found = qobject_cast<Window*>(window))
+            return found;
+    return nullptr;
+}
+
 /// Answers the modal dialogs that the program opens, in their order, and remembers what they said.
 class DialogDriver : public QObject
 {

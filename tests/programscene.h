@@ -37,10 +37,10 @@ protected:
     }
     static MainWindow& window()
     {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* window = qobject_cast<MainWindow*>(widget))
-                return *window;
-        qFatal("there is no window");
+        auto* const window = openWindow<MainWindow>();
+        if (!window)
+            qFatal("there is no window");
+        return *window;
     }
 
     DialogDriver m_dialogs;

@@ -279,10 +279,7 @@ void TestFocus::thePlaybackWindowTakesItsKeys()
     fill(true, {"Anchor"});
     key(Qt::Key_Home);
     key(Qt::Key_Return);
-    PlaySongWidget* player = nullptr;
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (auto* found = qobject_cast<PlaySongWidget*>(window))
-            player = found;
+    auto* const player = openWindow<PlaySongWidget>();
     QVERIFY(player && player->isVisible());
     player->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(player, patience));

@@ -65,10 +65,7 @@ void TestITunesEditing::fromTheScanToTheNextOne()
     QVERIFY(QByteArray(single->track->location).endsWith("/single.mp3"));
 
     clickRow("m_allMusicListView", 10, true);
-    PlaySongWidget* player = nullptr;
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (auto* found = qobject_cast<PlaySongWidget*>(window))
-            player = found;
+    auto* const player = openWindow<PlaySongWidget>();
     QVERIFY(player && player->isVisible());
     QTRY_VERIFY(player->findChild<qSliderCtrl*>("m_musicPlaySlider")->getValue() > 0);
     player->close();

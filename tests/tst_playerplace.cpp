@@ -22,13 +22,7 @@ private slots:
     void takesItsKeys();
 
 private:
-    static PlaySongWidget* player()
-    {
-        for (QWidget* window : QApplication::topLevelWidgets())
-            if (auto* found = qobject_cast<PlaySongWidget*>(window))
-                return found;
-        return nullptr;
-    }
+    static PlaySongWidget* player() { return openWindow<PlaySongWidget>(); }
     QRect column() const
     {
         const QWidget* const widget = part<QWidget>("verticalLayoutWidget");

@@ -67,7 +67,7 @@ private:
     void showGroup() const;
     void playFirstRow() const;
     QImageButton* rowButton(int row, const char* name) const;
-    static PlaySongWidget* player();
+    static PlaySongWidget* player() { return openWindow<PlaySongWidget>(); }
     /// Runs what opens a dialog; whether the application rests while the dialog is open, which is then
     /// closed.
     bool restsInDialog(const char* className, const std::function<void()>& open);
@@ -140,14 +140,6 @@ void TestRest::showGroup() const
 QImageButton* TestRest::rowButton(int row, const char* name) const
 {
     return m_window->findChildren<DupMusicbarWidget*>().at(row)->findChild<QImageButton*>(name);
-}
-
-PlaySongWidget* TestRest::player()
-{
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (auto* found = qobject_cast<PlaySongWidget*>(window))
-            return found;
-    return nullptr;
 }
 
 void TestRest::playFirstRow() const

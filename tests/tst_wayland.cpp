@@ -45,10 +45,8 @@ private:
         window().findChild<NavigationWidget*>()->OnBtnMusicDuplicate();
         window().findChild<CenterWidget*>()->SlotClickDupMusicIndex(groups->model()->index(0, 0));
         QTest::mouseClick(window().findChild<QImageButton*>("m_btnPlayMusic"), Qt::LeftButton);
-        for (QWidget* other : QApplication::topLevelWidgets())
-            if (auto* player = qobject_cast<PlaySongWidget*>(other))
-                tell(belongsToTheWindow(player) ? "the player is above the window"
-                                                : "the player is anywhere");
+        if (auto* player = openWindow<PlaySongWidget>())
+            tell(belongsToTheWindow(player) ? "the player is above the window" : "the player is anywhere");
         m_dialogs.expect([](QWidget* dialog) {
             tell(belongsToTheWindow(dialog) ? "the about box is above the window"
                                             : "the about box is anywhere");
