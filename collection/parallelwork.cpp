@@ -31,15 +31,17 @@ public:
             m_changed.notify_one();
         }
     }
-    /// Until all are done, or it is ended.
+    /// Until it has told that all are done, or it is ended.
     void watch(const std::function<bool(int)>& goesOn)
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        while (m_done < m_count && !m_isEnded) {
-            m_changed.wait_for(lock, betweenTellings);
-            const int done = m_done;
+        int told = 0;
+        while (told < m_count && !m_isEnded) {
+            if (m_done < m_count)
+                m_changed.wait_for(lock, betweenTellings);
+            told = m_done;
             lock.unlock();
-            const bool isToGoOn = goesOn(done);
+            const bool isToGoOn = goesOn(told);
             lock.lock();
             m_isEnded = !isToGoOn;
         }

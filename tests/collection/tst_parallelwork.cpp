@@ -37,6 +37,7 @@ void TestParallelWork::everyPieceIsDoneOnce()
         }));
     for (int piece = 0; piece < count; ++piece)
         QCOMPARE(done[std::size_t(piece)].load(), 1);
+    QCOMPARE(last, count);
 }
 
 void TestParallelWork::itEndsWhenTold()
