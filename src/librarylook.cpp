@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace {
 constexpr char lookWork[] = "looking for the music library";
@@ -19,6 +20,7 @@ struct LibraryLook::Answer
     LibraryLook* receiver = nullptr; ///< null once nobody waits for it
     std::condition_variable given;
     bool isGiven = false;
+    LibrarySight sight;
 };
 
 LibraryLook::LibraryLook() = default;
@@ -50,21 +52,25 @@ void LibraryLook::begin()
         LibrarySight sight;
         Workers::finish(lookWork, [&] { sight = search(); });
         const std::lock_guard<std::mutex> lock(answer->mutex);
-        if (LibraryLook* const receiver = answer->receiver)
-            QMetaObject::invokeMethod(
-                receiver, [receiver, answer, sight] { receiver->take(answer.get(), sight); },
-                Qt::QueuedConnection);
+        answer->sight = std::move(sight);
         answer->isGiven = true;
+        if (answer->receiver)
+            QMetaObject::invokeMethod(answer->receiver, "take", Qt::QueuedConnection);
         answer->given.notify_all();
     };
     if (!Workers::finish(lookWork, [&] { std::thread(look).detach(); }))
         look();
 }
 
-void LibraryLook::take(const Answer* answer, const LibrarySight& sight)
+void LibraryLook::take()
 {
-    if (answer != m_awaited.get())
+    if (!m_awaited)
         return;
+    std::unique_lock<std::mutex> lock(m_awaited->mutex);
+    if (!m_awaited->isGiven)
+        return;
+    const LibrarySight sight = m_awaited->sight;
+    lock.unlock();
     m_awaited.reset();
     emit ended(sight);
 }

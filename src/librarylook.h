@@ -26,7 +26,9 @@ signals:
 private:
     struct Answer;
 
-    void take(const Answer* answer, const LibrarySight& sight);
+    /// What was found, when it is not of an earlier look. Called by name: what is posted so is Qt's own, and
+    /// the answer's lock is all that guards what threads share.
+    Q_INVOKABLE void take();
 
     std::shared_ptr<Answer> m_awaited; ///< null while nothing is looked for
 };
