@@ -3,29 +3,40 @@
 #include <QStringList>
 #include <QtGlobal>
 
+#include <mutex>
 #include <utility>
 
-/// Catches the program's log for one scope, in place of the terminal. One at a time, on any thread that logs
-/// alone.
+/// Catches the program's log for one scope, in place of the terminal. One at a time, of all threads.
 class LoggedLines
 {
 public:
     LoggedLines()
     {
-        lines().clear();
-        m_former = qInstallMessageHandler(
-            [](QtMsgType, const QMessageLogContext&, const QString& line) { lines().append(line); });
+        take();
+        m_former = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& line) {
+            const std::lock_guard<std::mutex> lock(caught().mutex);
+            caught().lines.append(line);
+        });
     }
     ~LoggedLines() { qInstallMessageHandler(m_former); }
     Q_DISABLE_COPY(LoggedLines)
 
-    static QStringList take() { return std::exchange(lines(), QStringList()); }
+    static QStringList take()
+    {
+        const std::lock_guard<std::mutex> lock(caught().mutex);
+        return std::exchange(caught().lines, QStringList());
+    }
 
 private:
-    static QStringList& lines()
+    struct Caught
     {
-        static QStringList caught;
-        return caught;
+        std::mutex mutex;
+        QStringList lines;
+    };
+    static Caught& caught()
+    {
+        static Caught all;
+        return all;
     }
 
     QtMessageHandler m_former = nullptr;
