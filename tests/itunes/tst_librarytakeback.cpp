@@ -16,7 +16,6 @@
 using Fixtures::ITunesTrack;
 using LibraryCalls::contentOf;
 using LibraryCalls::Edit;
-
 using Songs = QList<int>;
 
 class TestLibraryTakeBack : public QObject
@@ -106,6 +105,7 @@ void TestLibraryTakeBack::deletionsThatWaitLeaveTheJournal()
 {
     m_songs->makeSongs(5);
     const QByteArray before = m_songs->content();
+    const ino_t file = fileNumber(m_songs->path());
     remove({1, 3, 4});
     QVERIFY(takeBack({1, 4}));
     QCOMPARE(iTunesLastEditProblem(), ITUNES_EDIT_DONE);
@@ -122,7 +122,7 @@ void TestLibraryTakeBack::deletionsThatWaitLeaveTheJournal()
     // When nothing is left to write, nothing is.
     m_songs->makeSongs(5);
     const ino_t fresh = fileNumber(m_songs->path());
-    QVERIFY(fresh != 0);
+    QVERIFY(fresh != 0 && file != 0);
     remove({0, 1, 2, 3, 4});
     QVERIFY(takeBack({4, 3, 2, 1, 0}));
     isLeftAs(before);
