@@ -6,6 +6,7 @@
 #include "media/checkedstream.h"
 #include "parts.h"
 #include "sanitized.h"
+#include "told.h"
 
 #include "audiocore/iaudiodecoder.h"
 #include "audiocore/iaudioplayer.h"
@@ -28,6 +29,7 @@ namespace {
 constexpr qint64 megabyte = 1 << 20;
 const char* const feedOption = "--feed";
 const char* const fed = "fed";
+constexpr int patienceWithWork = 500000; // milliseconds: some of it is work for minutes
 
 /// The most memory that the process ever had at once, in bytes.
 qint64 peakMemory()
@@ -109,7 +111,7 @@ void limitWork(rlim_t seconds)
 {
     timespec used{};
     ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
-    const rlimit limits{rlim_t(used.tv_sec) + 1 + seconds, RLIM_INFINITY};
+    const rlimit limits{rlim_t(used.tv_sec) + seconds, RLIM_INFINITY};
     ::setrlimit(RLIMIT_CPU, &limits);
 }
 
@@ -176,13 +178,15 @@ Taster::Outcome Taster::feed(const QString& path)
 {
     m_process.write(QFile::encodeName(path) + '\n');
     Outcome outcome;
-    while (!outcome.survived && (m_process.canReadLine() || m_process.waitForReadyRead(500000))) {
-        const QByteArray line = m_process.readLine().trimmed();
+    Told told(m_process);
+    QByteArray line;
+    do {
+        line = told.line({}, patienceWithWork);
         const QList<QByteArray> words = line.split(' ');
         if (words.size() == 2)
             outcome.numbers.insert(words.first(), words.last().toLongLong());
-        outcome.survived = line == fed;
-    }
+    } while (!line.isEmpty() && line != fed);
+    outcome.survived = line == fed;
     outcome.errors = errors();
     return outcome;
 }
@@ -190,7 +194,7 @@ Taster::Outcome Taster::feed(const QString& path)
 bool Taster::end()
 {
     m_process.closeWriteChannel();
-    return m_process.waitForFinished(500000) && m_process.exitStatus() == QProcess::NormalExit &&
+    return m_process.waitForFinished(patienceWithWork) && m_process.exitStatus() == QProcess::NormalExit &&
            m_process.exitCode() == 0;
 }
 } // namespace
