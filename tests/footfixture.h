@@ -78,7 +78,7 @@ protected:
     /// How far the song is that plays.
     static QString played()
     {
-        const auto* const player = openWindow<PlaySongWidget>();
+        const auto* const player = findWindow<PlaySongWidget>();
         return player ? player->findChild<QLabel*>("m_labelShowTime")->text() : QString();
     }
     QString tone(const QString& name, const QString& title, const QString& genre = "Pop",

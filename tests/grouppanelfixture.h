@@ -56,7 +56,7 @@ protected:
     static SkinLabel* bestMark(const DupMusicbarWidget* row) { return child<SkinLabel>(row, "m_labelBest"); }
     /// The positions of the rows that show the mark of the best copy.
     QList<int> markedRows() const;
-    PlaySongWidget* player() const { return openWindow<PlaySongWidget>(); }
+    PlaySongWidget* player() const { return findWindow<PlaySongWidget>(); }
 
     QTemporaryDir m_folder;
     std::vector<std::unique_ptr<Fixtures::Song>> m_songs;

@@ -21,7 +21,7 @@ inline void pressAsSecond(QWidget* button)
 
 /// The program's window of a class, to be seen or not; null for none.
 template <typename Window>
-Window* openWindow()
+Window* findWindow()
 {
     for (QWidget* window : QApplication::topLevelWidgets())
         if (auto* found = qobject_cast<Window*>(window))

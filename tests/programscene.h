@@ -37,7 +37,7 @@ protected:
     }
     static MainWindow& window()
     {
-        auto* const window = openWindow<MainWindow>();
+        auto* const window = findWindow<MainWindow>();
         if (!window)
             qFatal("there is no window");
         return *window;

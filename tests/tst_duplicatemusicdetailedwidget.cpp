@@ -388,8 +388,7 @@ void TestDuplicateMusicDetailedWidget::theCardOpensAndClosesWithTheRow()
     QCOMPARE(rows().first()->findChildren<ShowMusicInfoWidget*>().size(), 1);
     QCOMPARE(card->pos(), QPoint(0, 300)); // on the screen
     m_panel->SetDuplicateMusicDetailedInfo(nullptr);
-    for (const QWidget* window : QApplication::topLevelWidgets())
-        QVERIFY(!qobject_cast<const ShowMusicInfoWidget*>(window));
+    QVERIFY(!findWindow<ShowMusicInfoWidget>());
 }
 
 void TestDuplicateMusicDetailedWidget::theFolderIsOneArgument_data()

@@ -279,7 +279,7 @@ void TestFocus::thePlaybackWindowTakesItsKeys()
     fill(true, {"Anchor"});
     key(Qt::Key_Home);
     key(Qt::Key_Return);
-    auto* const player = openWindow<PlaySongWidget>();
+    auto* const player = findWindow<PlaySongWidget>();
     QVERIFY(player && player->isVisible());
     player->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(player, patience));

@@ -65,7 +65,7 @@ void TestITunesEditing::fromTheScanToTheNextOne()
     QVERIFY(QByteArray(single->track->location).endsWith("/single.mp3"));
 
     clickRow("m_allMusicListView", 10, true);
-    auto* const player = openWindow<PlaySongWidget>();
+    auto* const player = findWindow<PlaySongWidget>();
     QVERIFY(player && player->isVisible());
     QTRY_VERIFY(player->findChild<qSliderCtrl*>("m_musicPlaySlider")->getValue() > 0);
     player->close();

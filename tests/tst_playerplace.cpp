@@ -22,7 +22,7 @@ private slots:
     void takesItsKeys();
 
 private:
-    static PlaySongWidget* player() { return openWindow<PlaySongWidget>(); }
+    static PlaySongWidget* player() { return findWindow<PlaySongWidget>(); }
     QRect column() const
     {
         const QWidget* const widget = part<QWidget>("verticalLayoutWidget");

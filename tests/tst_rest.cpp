@@ -67,7 +67,7 @@ private:
     void showGroup() const;
     void playFirstRow() const;
     QImageButton* rowButton(int row, const char* name) const;
-    static PlaySongWidget* player() { return openWindow<PlaySongWidget>(); }
+    static PlaySongWidget* player() { return findWindow<PlaySongWidget>(); }
     /// Runs what opens a dialog; whether the application rests while the dialog is open, which is then
     /// closed.
     bool restsInDialog(const char* className, const std::function<void()>& open);

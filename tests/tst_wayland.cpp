@@ -45,7 +45,7 @@ private:
         window().findChild<NavigationWidget*>()->OnBtnMusicDuplicate();
         window().findChild<CenterWidget*>()->SlotClickDupMusicIndex(groups->model()->index(0, 0));
         QTest::mouseClick(window().findChild<QImageButton*>("m_btnPlayMusic"), Qt::LeftButton);
-        if (auto* player = openWindow<PlaySongWidget>())
+        if (auto* player = findWindow<PlaySongWidget>())
             tell(belongsToTheWindow(player) ? "the player is above the window" : "the player is anywhere");
         m_dialogs.expect([](QWidget* dialog) {
             tell(belongsToTheWindow(dialog) ? "the about box is above the window"
